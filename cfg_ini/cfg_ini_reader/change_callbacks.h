@@ -1,0 +1,51 @@
+// The registry of CFG_INI_CALLBACK objects and the two walks that notify them.
+#ifndef CFG_INI_CFG_INI_READER_CHANGE_CALLBACKS_H
+#define CFG_INI_CFG_INI_READER_CHANGE_CALLBACKS_H
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "cfg_ini/cfg_ini.h"
+#include "platform/thr/thr.h"
+
+using CFG_INI_CALLBACK_REGISTRY = std::unordered_map<std::string, std::vector<CFG_INI_CALLBACK*>>;
+
+// Variable name, spelt exactly, to its callbacks in registration order. Null until the first is constructed, never
+// freed (it outlives every store and static object). Guarded by the store's lock.
+extern constinit CFG_INI_CALLBACK_REGISTRY* s_ini_callbacks;
+
+// Holds the store's lock for a scope that may notify callbacks. Any exception releases the lock, but for one that came
+// out of a callback: that one leaves it held, once for each of these scopes that it passes. Intended: the store is not
+// in a state that other threads should see while a host object failed half-way, and hosts end the process then.
+class NOTIFYING_STORE_LOCK
+{
+public:
+    // Takes the lock.
+    NOTIFYING_STORE_LOCK();
+
+    // Takes over one hold of the lock from the caller.
+    explicit NOTIFYING_STORE_LOCK(THR_MUTEX* held);
+
+    ~NOTIFYING_STORE_LOCK();
+
+    // Ends the hold; every path that is left without an exception must call it.
+    void unlock();
+
+    NOTIFYING_STORE_LOCK(const NOTIFYING_STORE_LOCK&) = delete;
+    NOTIFYING_STORE_LOCK& operator=(const NOTIFYING_STORE_LOCK&) = delete;
+
+private:
+    THR_MUTEX* mutex;
+    const int notifications_around;
+};
+
+// --- The caller holds the lock, through a NOTIFYING_STORE_LOCK ---
+
+// Calls refresh() of the callbacks of exactly this name, in registration order.
+void refresh_callbacks(const std::string& name);
+
+// Calls reset_to_default() of every callback; the names in no fixed order, those of one name in registration order.
+void reset_callbacks();
+
+#endif

@@ -1,0 +1,57 @@
+// The text forms of assignments: a line of a settings file, and the inline text of VELMAR_INI_VARS. No state; any
+// thread. Malformed text is never an error: it is skipped, and the results here say why.
+#ifndef CFG_INI_CFG_INI_READER_INI_TEXT_H
+#define CFG_INI_CFG_INI_READER_INI_TEXT_H
+
+#include <cstddef>
+#include <string>
+
+// Cuts the comment off `line` (not null): from the first ";" or "#" outside double quotes on, then from the first "//"
+// on if it stands before the first "=" or there is no "=". Quotes stay; an unclosed one reaches to the end of the line.
+void cfg_remove_commented_portion(std::string* line);
+
+// Removes every white-space character (isspace of the current locale), inner ones too. A null `str` is reported.
+void cfg_trim_string(std::string* str);
+
+// What the store does with one line of a settings file.
+enum class SETTINGS_LINE
+{
+    ASSIGNMENT,     // stores name and value
+    TOO_SHORT,      // ignored: fewer than 3 characters
+    NO_EQUALS_SIGN, // ignored: no "=" once the comment is removed
+};
+
+// Takes a line, its newline removed, apart; `line` loses its comment, and `name` and `value` are set only for an
+// assignment. Everything before the first "=" is the name, white space removed throughout; everything after it the
+// value, trimmed at its ends. Either may be empty.
+SETTINGS_LINE parse_settings_line(std::string& line, std::string& name, std::string& value);
+
+// The separator of an inline text: its first ":" or ";", or ";" when it has neither.
+char cfg_find_separator_in_ini_string(const std::string& text);
+
+// What the store does with one item of an inline text.
+enum class INLINE_ITEM
+{
+    ASSIGNMENT,
+    NO_EQUALS_SIGN, // skipped, as is an empty item
+    EMPTY_NAME,     // skipped
+    EMPTY_VALUE,    // skipped
+};
+
+// Walks the items of an inline text from left to right. The text must outlive the walk.
+class INLINE_TEXT
+{
+public:
+    explicit INLINE_TEXT(const std::string& text);
+
+    // Whether there is a further item; if so, `kind` tells what becomes of it, and `name` and `value` are set, blanks
+    // at their ends removed, unless it has no "=".
+    bool next(INLINE_ITEM& kind, std::string& name, std::string& value);
+
+private:
+    const std::string& text;
+    const char separator;
+    std::size_t position = 0;
+};
+
+#endif

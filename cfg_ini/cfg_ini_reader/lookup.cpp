@@ -1,0 +1,343 @@
+#include "cfg_ini/cfg_ini_reader/lookup.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+#include "cfg_ini/cfg_ini.h"
+#include "cfg_ini/cfg_ini_reader/debug_message.h"
+#include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "cfg_ini/cfg_ini_reader/store_access.h"
+#include "cfg_ini/cfg_ini_reader/value_conversion.h"
+#include "cfg_ini/cfg_ini_reader/value_storing.h"
+#include "cfg_ini/cfg_ini_reader/variable_catalogue.h"
+
+// NAME below is std::string or const char*: a name given as characters is found without building a string.
+namespace
+{
+template <typename T, typename NAME>
+T read_cached(const NAME& name, bool* found)
+{
+    *found = false;
+    const STORE_ACCESS access;
+    CFG_INI_RECORD& record = *cfg_ini_get_record_or_insert_empty(name);
+    const T value = record.get_cached_value<T>(*found);
+    record.had_valid_read |= *found;
+    return value;
+}
+
+template <typename NAME>
+std::string read_string(const NAME& name, bool mark_valid)
+{
+    const STORE_ACCESS access;
+    CFG_INI_RECORD& record = *cfg_ini_get_record_or_insert_empty(name);
+    record.had_valid_read |= mark_valid;
+    return record.value;
+}
+
+template <typename T, typename NAME>
+T cached_or_default(const NAME& name, T default_value)
+{
+    bool found;
+    const T value = read_cached<T>(name, &found);
+    return found ? value : default_value;
+}
+
+template <typename T, typename NAME>
+std::optional<T> cached_or_nothing(const NAME& name)
+{
+    bool found;
+    const T value = read_cached<T>(name, &found);
+    return found ? std::optional<T>(value) : std::nullopt;
+}
+
+template <typename NAME>
+std::optional<std::string> text_or_nothing(const NAME& name)
+{
+    std::string text = read_string(name, true);
+    return text.empty() ? std::nullopt : std::optional<std::string>(std::move(text));
+}
+
+const char* characters(const char* name)
+{
+    return name;
+}
+
+const char* characters(const std::string& name)
+{
+    return name.c_str();
+}
+
+template <typename NAME>
+std::optional<double> number_or_nothing(const NAME& name)
+{
+    const std::string text = read_string(name, false);
+    if (text.empty())
+        return std::nullopt;
+
+    char* stop = nullptr;
+    const double number = std::strtod(text.c_str(), &stop);
+    if (*stop == '\0')
+        cfg_mark_record_had_valid_read(name);
+    else
+    {
+        // Still a number, and only not marked: callers rely on "2.5ms" being 2.5.
+        ini_debug_message("Couldn't parse ini setting %s=(%s) as a floating point value", characters(name),
+                          text.c_str());
+    }
+    return number;
+}
+
+template <typename NAME>
+std::optional<float> narrow_number_or_nothing(const NAME& name)
+{
+    const std::optional<double> number = number_or_nothing(name);
+    return number ? std::optional<float>(static_cast<float>(*number)) : std::nullopt;
+}
+
+// The default text compared as it stands, intended: the by-enumeration form converts it with all the boolean words.
+bool is_on_by_default(const char* name)
+{
+    const std::optional<CFG_INI_VAR_ENUM> position = cfg_get_ini_var_enum_from_string(name);
+    return position && std::string_view(catalogue_entry(*position).second) == "on";
+}
+}
+
+bool cfg_ini_read_boolean(const std::string& name, bool* found)
+{
+    return read_cached<bool>(name, found);
+}
+
+int cfg_ini_read_int(const std::string& name, bool* found)
+{
+    return read_cached<int>(name, found);
+}
+
+unsigned int cfg_ini_read_uint(const std::string& name, bool* found)
+{
+    return read_cached<unsigned int>(name, found);
+}
+
+std::string cfg_ini_read_string(const std::string& name, bool mark_valid)
+{
+    return read_string(name, mark_valid);
+}
+
+bool cfg_is_on(const std::string& name, bool default_value)
+{
+    return cached_or_default(name, default_value);
+}
+
+bool cfg_is_on(const char* name, bool default_value)
+{
+    return cached_or_default(not_null(name), default_value);
+}
+
+bool cfg_is_on(const std::string& name)
+{
+    return cached_or_default(name, is_on_by_default(name.c_str()));
+}
+
+bool cfg_is_on(const char* name)
+{
+    return cached_or_default(not_null(name), is_on_by_default(name));
+}
+
+bool cfg_is_on(CFG_INI_VAR_ENUM ini_enum)
+{
+    const auto& [name, default_text] = catalogue_entry(ini_enum);
+    return cfg_is_on(name, cfg_ini_str_to_bool(default_text, false));
+}
+
+int cfg_get_int_value(const std::string& name, int default_value)
+{
+    return cached_or_default(name, default_value);
+}
+
+int cfg_get_int_value(const char* name, int default_value)
+{
+    return cached_or_default(not_null(name), default_value);
+}
+
+int cfg_get_int_value(CFG_INI_VAR_ENUM ini_enum)
+{
+    const auto& [name, default_text] = catalogue_entry(ini_enum);
+    return cfg_get_int_value(name, static_cast<int>(std::strtol(default_text, nullptr, 10)));
+}
+
+unsigned int cfg_get_uint_value(const std::string& name, unsigned int default_value)
+{
+    return cached_or_default(name, default_value);
+}
+
+unsigned int cfg_get_uint_value(const char* name, unsigned int default_value)
+{
+    return cached_or_default(not_null(name), default_value);
+}
+
+double cfg_get_double_value(const std::string& name, double default_value)
+{
+    return number_or_nothing(name).value_or(default_value);
+}
+
+double cfg_get_double_value(const char* name, double default_value)
+{
+    return number_or_nothing(not_null(name)).value_or(default_value);
+}
+
+std::string cfg_get_value(const std::string& name)
+{
+    return read_string(name, true);
+}
+
+std::string cfg_get_value(const char* name)
+{
+    return read_string(not_null(name), true);
+}
+
+std::string cfg_get_value(CFG_INI_VAR_ENUM ini_enum)
+{
+    const auto& [name, default_text] = catalogue_entry(ini_enum);
+    std::string text = cfg_get_value(name);
+    return text.empty() ? default_text : text;
+}
+
+template <>
+std::optional<bool> cfg_get_value_as<bool>(const std::string& name)
+{
+    return cached_or_nothing<bool>(name);
+}
+
+template <>
+std::optional<bool> cfg_get_value_as<bool>(const char* name)
+{
+    return cached_or_nothing<bool>(not_null(name));
+}
+
+template <>
+std::optional<int> cfg_get_value_as<int>(const std::string& name)
+{
+    return cached_or_nothing<int>(name);
+}
+
+template <>
+std::optional<int> cfg_get_value_as<int>(const char* name)
+{
+    return cached_or_nothing<int>(not_null(name));
+}
+
+template <>
+std::optional<std::string> cfg_get_value_as<std::string>(const std::string& name)
+{
+    return text_or_nothing(name);
+}
+
+template <>
+std::optional<std::string> cfg_get_value_as<std::string>(const char* name)
+{
+    return text_or_nothing(not_null(name));
+}
+
+template <>
+std::optional<double> cfg_get_value_as<double>(const std::string& name)
+{
+    return number_or_nothing(name);
+}
+
+template <>
+std::optional<double> cfg_get_value_as<double>(const char* name)
+{
+    return number_or_nothing(not_null(name));
+}
+
+template <>
+std::optional<float> cfg_get_value_as<float>(const std::string& name)
+{
+    return narrow_number_or_nothing(name);
+}
+
+template <>
+std::optional<float> cfg_get_value_as<float>(const char* name)
+{
+    return narrow_number_or_nothing(not_null(name));
+}
+
+void cfg_set_value(const std::string& name, const std::string& value)
+{
+    cfg_ini_insert_element(name, value);
+}
+
+void cfg_set_value(CFG_INI_VAR_ENUM ini_enum, const char* value)
+{
+    cfg_set_value(catalogue_entry(ini_enum).first, std::string(value));
+}
+
+void cfg_set_int_value(const char* name, int value)
+{
+    char text[16];
+    std::snprintf(text, sizeof text, "%d", value);
+    cfg_set_value(name, text);
+}
+
+void cfg_set_int_value(const std::string& name, int value)
+{
+    cfg_set_int_value(name.c_str(), value);
+}
+
+void cfg_set_int_value(CFG_INI_VAR_ENUM ini_enum, int value)
+{
+    cfg_set_int_value(catalogue_entry(ini_enum).first, value);
+}
+
+void cfg_set_on(const std::string& name)
+{
+    cfg_set_value(name, "on");
+}
+
+void cfg_set_on(CFG_INI_VAR_ENUM ini_enum)
+{
+    cfg_set_on(catalogue_entry(ini_enum).first);
+}
+
+void cfg_set_off(const std::string& name)
+{
+    cfg_set_value(name, "off");
+}
+
+void cfg_set_off(CFG_INI_VAR_ENUM ini_enum)
+{
+    cfg_set_off(catalogue_entry(ini_enum).first);
+}
+
+bool cfg_dyn_is_on(const char* name, bool default_value)
+{
+    return cfg_is_on(name, default_value);
+}
+
+void cfg_dyn_get_int_value(const char* name, int* value, int default_value)
+{
+    if (value != nullptr)
+        *value = cfg_get_int_value(name, default_value);
+}
+
+void cfg_dyn_get_value(const char* name, std::string* value)
+{
+    if (value != nullptr)
+        *value = cfg_get_value(name);
+}
+
+int cfg_ini_get_value_for_zanth(void* /*ignored*/, const char* const* name, char* buffer, unsigned int buffer_size)
+{
+    if (*not_null(*name) == '\0')
+        return -1;
+    const std::string text = cfg_get_value(*name);
+
+    // Intended: a buffer of exactly the text's length is enough, and gets one byte more. Callers pass the room without
+    // the terminating zero.
+    if (buffer_size < text.size())
+        return static_cast<int>(text.size());
+    std::memcpy(buffer, text.c_str(), text.size() + 1);
+    return 0;
+}

@@ -1,0 +1,146 @@
+#include <atomic>
+
+#include "cfg_ini/cfg_ini.h"
+#include "cfg_ini/cfg_ini_reader/debug_message.h"
+#include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "cfg_ini/cfg_ini_reader/store_access.h"
+
+namespace
+{
+// Set once by the host, never cleared.
+constinit std::atomic<bool> cfg_force_vexe_mode_off_var = false;
+constinit std::atomic<bool> cfg_vexe_ini_applied_var = false;
+
+struct REMEMBERED_ANSWER
+{
+    std::atomic<bool> initialised = false;
+    std::atomic<bool> value = false;
+
+    bool known() const
+    {
+        return initialised.load(std::memory_order_acquire);
+    }
+    bool get() const
+    {
+        return value.load(std::memory_order_relaxed);
+    }
+    void remember(bool answer)
+    {
+        value.store(answer, std::memory_order_relaxed);
+        initialised.store(true, std::memory_order_release);
+    }
+};
+
+// Racing first callers may each compute the answer; intended, the question is not worth a lock.
+bool answer_of_variable(REMEMBERED_ANSWER& answer, const char* variable, void (*when_first_on)() = nullptr)
+{
+    if (answer.known())
+        return answer.get();
+    const bool value = cfg_is_on(variable);
+    if (value && when_first_on != nullptr)
+        when_first_on();
+    answer.remember(value);
+    return value;
+}
+
+// A mode is on unless its disabling variable is. Racing first callers wait for one computation, under the store's own
+// lock: a guard of another kind could be waited for by a callback, which holds that lock, while its owner waits for it.
+bool mode_not_disabled_by(REMEMBERED_ANSWER& mode, const char* disabling_variable)
+{
+    if (!mode.known()) [[unlikely]]
+    {
+        const STORE_LOCK lock;
+        if (!mode.known())
+        {
+            const bool value = !cfg_is_on(disabling_variable);
+            if (!mode.known()) // a callback told during a first reading may have asked as well
+                mode.remember(value);
+        }
+    }
+    return mode.get() && !cfg_force_vexe_mode_off_var.load(std::memory_order_relaxed);
+}
+
+struct DEBUG_SETTINGS
+{
+    bool global = false;
+    bool per_subsystem = false;
+    int global_level = -1;
+};
+
+// As last read. Guarded by the store's lock.
+constinit DEBUG_SETTINGS debug_settings;
+}
+
+void cfg_force_vexe_mode_off()
+{
+    cfg_force_vexe_mode_off_var.store(true, std::memory_order_relaxed);
+}
+
+void cfg_vexe_ini_applied()
+{
+    cfg_vexe_ini_applied_var.store(true, std::memory_order_relaxed);
+}
+
+bool cfg_is_vexe_ini_applied()
+{
+    return cfg_vexe_ini_applied_var.load(std::memory_order_relaxed);
+}
+
+bool cfg_jtag_auto_config()
+{
+    static constinit REMEMBERED_ANSWER answer;
+    return answer_of_variable(answer, "jtag_auto_config");
+}
+
+bool cfg_is_jtag_server_mode()
+{
+    static constinit REMEMBERED_ANSWER answer;
+    return answer_of_variable(answer, "jtag_server_mode");
+}
+
+bool cfg_is_benchmarking_mode()
+{
+    static constinit REMEMBERED_ANSWER answer;
+    return answer_of_variable(answer, "enable_benchmarking_mode",
+                              [] { ini_debug_message("Benchmarking Mode Enabled"); });
+}
+
+bool cfg_is_vexe_mode()
+{
+    static constinit REMEMBERED_ANSWER mode;
+    return mode_not_disabled_by(mode, "disable_vexe_mode");
+}
+
+bool cfg_is_vexe_cmd_mode()
+{
+    static constinit REMEMBERED_ANSWER mode;
+    return mode_not_disabled_by(mode, "disable_vexe_cmd_mode");
+}
+
+bool cfg_is_vexe_rpt_mode()
+{
+    static constinit REMEMBERED_ANSWER mode;
+    return mode_not_disabled_by(mode, "disable_vexe_rpt_mode");
+}
+
+void cfg_check_debug_ini_values(bool* global, bool* per_subsystem, int* global_level)
+{
+    DEBUG_SETTINGS settings;
+    {
+        const STORE_ACCESS access;
+        if (cfg_ini_dirty)
+        {
+            debug_settings.global = cfg_is_on("debug_msg");
+            debug_settings.per_subsystem = cfg_is_on("msg_debug_per_subsystem");
+            debug_settings.global_level = cfg_get_int_value("debug_msg_level", 2);
+            cfg_ini_dirty = false;
+        }
+        settings = debug_settings;
+    }
+    if (global != nullptr)
+        *global = settings.global;
+    if (per_subsystem != nullptr)
+        *per_subsystem = settings.per_subsystem;
+    if (global_level != nullptr)
+        *global_level = settings.global_level;
+}

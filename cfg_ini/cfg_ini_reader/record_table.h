@@ -1,0 +1,146 @@
+// The internal variable store itself: the records, the table that finds them, and the one lock over both.
+#ifndef CFG_INI_CFG_INI_READER_RECORD_TABLE_H
+#define CFG_INI_CFG_INI_READER_RECORD_TABLE_H
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+
+#include "platform/thr/thr.h"
+
+// One internal variable. Guarded by the store's lock; owned by the table until the table is destroyed.
+struct CFG_INI_RECORD
+{
+    std::string value;
+    std::uint64_t access_count; // counted lookups; the lookup that creates the record is not one of them
+    bool bool_valid;
+    bool int_valid;
+    bool uint_valid;
+    bool had_valid_read; // some caller got a usable value since the text was last stored
+    bool bool_value;     // each cached value is meaningful only while its flag above holds
+    bool external;       // the value came from the main settings file or from VELMAR_INI_VARS; never cleared
+    int int_value;
+    unsigned int uint_value;
+
+    // The cached value of T = bool, int or unsigned int, whatever it holds; `valid` says whether it is meaningful.
+    template <typename T>
+    T get_cached_value(bool& valid) const;
+};
+
+template <>
+inline bool CFG_INI_RECORD::get_cached_value<bool>(bool& valid) const
+{
+    valid = bool_valid;
+    return bool_value;
+}
+
+template <>
+inline int CFG_INI_RECORD::get_cached_value<int>(bool& valid) const
+{
+    valid = int_valid;
+    return int_value;
+}
+
+template <>
+inline unsigned int CFG_INI_RECORD::get_cached_value<unsigned int>(bool& valid) const
+{
+    valid = uint_valid;
+    return uint_value;
+}
+
+// `name` itself; a null one throws std::logic_error, as making a std::string of it does.
+const char* not_null(const char* name);
+
+// Names are hashed and compared up to their first zero byte, the letters A to Z folded to lower case, every other byte
+// as it is, in no locale. Both functors take characters as well, so that a name need not become a string to be found.
+//
+// The call operators are not noexcept, and must not become so: that is what makes the standard library keep each
+// entry's hash code, so that growing the table and telling entries apart need not hash names again.
+struct STL_CASE_INSENSITIVE_HASH_COMPARE
+{
+    using is_transparent = void;
+    std::size_t operator()(const char* name) const;
+    std::size_t operator()(const std::string& name) const;
+};
+
+struct STL_CASE_INSENSITIVE_EQUAL
+{
+    using is_transparent = void;
+    bool operator()(const char* a, const char* b) const;
+    bool operator()(const std::string& a, const std::string& b) const;
+    bool operator()(const char* a, const std::string& b) const;
+    bool operator()(const std::string& a, const char* b) const;
+};
+
+using CFG_INI_TABLE =
+    std::unordered_map<std::string, CFG_INI_RECORD*, STL_CASE_INSENSITIVE_HASH_COMPARE, STL_CASE_INSENSITIVE_EQUAL>;
+
+#ifdef __GLIBCXX__
+static_assert(std::__cache_default<std::string, STL_CASE_INSENSITIVE_HASH_COMPARE>::value,
+              "the table must keep the hash codes");
+#endif
+
+// The table, null while there is no store. Changed only under the lock; tested without it to decide whether the
+// settings files must be read first, hence atomic. A store that was there at the test may be gone once the lock is
+// taken.
+extern constinit std::atomic<CFG_INI_TABLE*> cfg_ini_file;
+
+// The store's recursive lock, null until first needed, never destroyed. It guards the table, every record, the callback
+// registry and the flag below.
+extern constinit std::atomic<THR_MUTEX*> cfg_ini_mutex;
+
+// Variables may have changed since the debug-message settings were last read. Guarded by the lock.
+extern constinit bool cfg_ini_dirty;
+
+// The lock's handle, made now if need be; racing first callers get the same one.
+THR_MUTEX* store_mutex();
+
+// Holds the store's lock for a scope.
+class STORE_LOCK
+{
+public:
+    STORE_LOCK() : mutex(store_mutex())
+    {
+        thr_mutex_lock(mutex);
+    }
+    ~STORE_LOCK()
+    {
+        thr_mutex_unlock(mutex);
+    }
+    STORE_LOCK(const STORE_LOCK&) = delete;
+    STORE_LOCK& operator=(const STORE_LOCK&) = delete;
+
+private:
+    THR_MUTEX* const mutex;
+};
+
+// --- The caller holds the lock and there is a store ---
+
+// The record of that name, or null. Counts nothing, creates nothing.
+CFG_INI_RECORD* cfg_ini_get_record(const std::string& name);
+CFG_INI_RECORD* cfg_ini_get_record(const char* name);
+
+// Gives `record` to the table. A name already present keeps its record, and `record` stays the caller's.
+void cfg_ini_insert_record(const std::string& name, CFG_INI_RECORD* record);
+
+// The record of that name, one access counted; or a new empty record, with no access counted. Never null.
+CFG_INI_RECORD* cfg_ini_get_record_or_insert_empty(const std::string& name);
+CFG_INI_RECORD* cfg_ini_get_record_or_insert_empty(const char* name);
+
+// The record of that name, or a new empty one; counts nothing. Never null.
+CFG_INI_RECORD& record_to_store_in(const std::string& name);
+
+// --- The caller holds the lock ---
+
+// Frees every record and the table, if there is one. Tells nobody.
+void discard_store();
+
+// --- These take the lock; without a store they answer false at once, and read nothing ---
+
+// Marks the record of that name as validly read; whether there is one.
+bool cfg_mark_record_had_valid_read(const std::string& name);
+bool cfg_mark_record_had_valid_read(const char* name);
+
+#endif

@@ -1,0 +1,42 @@
+// The lines of a settings file, one at a time.
+#ifndef CFG_INI_CFG_INI_READER_SETTINGS_LINES_H
+#define CFG_INI_CFG_INI_READER_SETTINGS_LINES_H
+
+#include <cstddef>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+class SETTINGS_LINES
+{
+public:
+    // Opens the file. A file that does not open, and one that opens but cannot be read (a directory), has no lines.
+    explicit SETTINGS_LINES(const std::string& path);
+
+    bool opened() const
+    {
+        return file != nullptr;
+    }
+
+    // Whether there is a further line; if so, `line` becomes its bytes without the newline. A last line need not end in
+    // one. A line may be of any length and may hold any byte.
+    bool next(std::string& line);
+
+private:
+    bool fill();
+
+    struct CLOSER
+    {
+        void operator()(std::FILE* stream) const
+        {
+            std::fclose(stream); // a file only read: nothing to lose
+        }
+    };
+
+    std::unique_ptr<std::FILE, CLOSER> file;
+    std::unique_ptr<char[]> buffer;
+    std::size_t position = 0;
+    std::size_t filled = 0;
+};
+
+#endif

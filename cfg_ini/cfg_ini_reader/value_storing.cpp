@@ -1,0 +1,56 @@
+#include "cfg_ini/cfg_ini_reader/value_storing.h"
+
+#include "cfg_ini/cfg_ini.h"
+#include "cfg_ini/cfg_ini_reader/change_callbacks.h"
+#include "cfg_ini/cfg_ini_reader/ini_text.h"
+#include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "cfg_ini/cfg_ini_reader/store_access.h"
+#include "cfg_ini/cfg_ini_reader/value_conversion.h"
+
+namespace
+{
+void set_value(CFG_INI_RECORD& record, const std::string& value)
+{
+    record.value = value;
+    const char* const text = record.value.c_str();
+    record.bool_valid = cfg_ini_convert_to_bool(text, &record.bool_value);
+    record.int_valid = cfg_ini_convert_to_int(text, &record.int_value);
+    record.uint_valid = cfg_ini_convert_to_uint(text, &record.uint_value);
+    record.had_valid_read = false;
+}
+
+void store_assignment(const std::string& name, const std::string& value, bool external)
+{
+    NOTIFYING_STORE_LOCK lock(lock_existing_store());
+    CFG_INI_RECORD& record = record_to_store_in(name);
+    set_value(record, value);
+    if (external)
+        record.external = true;
+    refresh_callbacks(name); // may set other variables; the record stays where it is
+    cfg_ini_dirty = true;
+    lock.unlock();
+}
+}
+
+void cfg_ini_insert_element(const std::string& name, const std::string& value)
+{
+    store_assignment(name, value, false);
+}
+
+void cfg_ini_insert_element_external_ini(const std::string& name, const std::string& value)
+{
+    store_assignment(name, value, true);
+}
+
+void cfg_process_ini_string(const std::string& text, bool internal)
+{
+    INLINE_TEXT items(text);
+    INLINE_ITEM kind{};
+    std::string name;
+    std::string value;
+    while (items.next(kind, name, value))
+    {
+        if (kind == INLINE_ITEM::ASSIGNMENT)
+            store_assignment(name, value, !internal);
+    }
+}

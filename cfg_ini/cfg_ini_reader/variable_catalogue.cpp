@@ -1,0 +1,142 @@
+#include "cfg_ini/cfg_ini_reader/variable_catalogue.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <string_view>
+
+#include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "platform/err/err.h"
+
+namespace
+{
+struct CATALOGUE_ROW
+{
+    CFG_INI_VAR_ENUM position;
+    std::string_view identifier; // the enumerator, without its prefix
+    const char* name;
+    const char* default_text;
+};
+
+#define VARIABLE_ROW(IDENTIFIER, NAME, DEFAULT_TEXT)                                                                   \
+    CATALOGUE_ROW                                                                                                      \
+    {                                                                                                                  \
+        CFG_INI_VAR_##IDENTIFIER, #IDENTIFIER, NAME, DEFAULT_TEXT                                                      \
+    }
+
+// The one place where the catalogue is written down; everything else is derived from it.
+constexpr std::array catalogue = {
+    VARIABLE_ROW(VTAN_STA_MODE, "vtan_sta_mode", "off"),
+    VARIABLE_ROW(HDB_ENABLE_INTERNAL_VSF, "hdb_enable_internal_vsf", "off"),
+    VARIABLE_ROW(HCNU_REVERSIBLE_NAMES, "hcnu_reversible_names", "off"),
+    VARIABLE_ROW(HCNU_FORCE_DISABLE_REVERSIBLE_NAMES, "hcnu_force_disable_reversible_names", "off"),
+    VARIABLE_ROW(CUT_CREATE_ANCIENT_ABO_DUMPS, "cut_create_ancient_abo_dumps", "on"),
+    VARIABLE_ROW(TAWV_ENABLE_LOCATION, "tawv_enable_location", "on"),
+    VARIABLE_ROW(TAWV_OPEN_FILE_IN_QT, "tawv_open_file_in_qt", "on"),
+    VARIABLE_ROW(VGV_ENABLE_RPWV, "vgv_enable_rpwv", "on"),
+    VARIABLE_ROW(ENHANCED_HTML_REPORTS, "enhanced_html_reports", "off"),
+    VARIABLE_ROW(VUI_SHOW_CLASSIC_NLVIEW, "vui_show_classic_nlview", "off"),
+    VARIABLE_ROW(IPMAN_SHOW_ENTITY_ONLY, "ipman_show_entity_only", "on"),
+    VARIABLE_ROW(VUI_SHOW_NEW_SM_VIEWER, "vui_show_new_sm_viewer", "off"),
+    VARIABLE_ROW(MSG_DISABLE_CRASH_REPORTER, "msg_disable_crash_reporter", "off"),
+    VARIABLE_ROW(ENABLE_PLATFORM_AWARE, "enable_platform_aware", "on"),
+    VARIABLE_ROW(GUI_USES_HDB_POINTERS, "gui_uses_hdb_pointers", "on"),
+    VARIABLE_ROW(GUI_USES_DOCKABLE_FIND, "gui_uses_dockable_find", "on"),
+    VARIABLE_ROW(GUI_USES_DOCKABLE_OPTIONS, "gui_uses_dockable_options", "on"),
+    VARIABLE_ROW(GUI_USES_HELP_ICON, "gui_uses_help_icon", "on"),
+    VARIABLE_ROW(MSG_SQLITE, "msg_sqlite", "on"),
+    VARIABLE_ROW(NEW_DOCK_WIDGET_LAYOUT, "new_dock_widget_layout", "off"),
+    VARIABLE_ROW(ZANTH_FLOW, "zanth_flow", "on"),
+    VARIABLE_ROW(TMWV_COMBOBOX_COLUMN, "tmwv_combobox_column", "on"),
+    VARIABLE_ROW(OAWV_USE_QML, "oawv_use_qml", "on"),
+    VARIABLE_ROW(EPEV_USE_DETAILED_POWER_SUMMARY, "epev_use_detailed_power_summary", "off"),
+    VARIABLE_ROW(VELMAR_ENABLE_BOARD, "velmar_enable_board", "on"),
+    VARIABLE_ROW(VELMAR_ENABLE_BOARD_FOR_ZP, "velmar_enable_board_for_zp", "on"),
+    VARIABLE_ROW(ENABLE_BSG_SGATE_DIRECT, "enable_bsg_sgate_direct", "on"),
+    VARIABLE_ROW(DNI_INCLUDE_ASSEMBLER_IN_FLOW, "dni_include_assembler_in_flow", "on"),
+    VARIABLE_ROW(GUI_ENABLE_TCL_COMMAND_MODE, "gui_enable_tcl_command_mode", "on"),
+    VARIABLE_ROW(GUI_ENABLE_LOGGING_USER_ACTION, "gui_enable_logging_user_action", "on"),
+};
+
+#undef VARIABLE_ROW
+
+constexpr char upper(char c)
+{
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
+}
+
+constexpr bool rows_agree()
+{
+    for (std::size_t i = 0; i < catalogue.size(); ++i)
+    {
+        const auto& [position, identifier, name, default_text] = catalogue[i];
+        const std::string_view text = default_text;
+        if (position != static_cast<int>(i) || (text != "on" && text != "off"))
+            return false;
+        if (!std::ranges::equal(identifier, std::string_view(name), {}, {}, upper))
+            return false;
+    }
+    return true;
+}
+
+static_assert(catalogue.size() == CFG_INI_VAR_END);
+static_assert(rows_agree(), "a row's position, identifier and name must agree, and its default must be on or off");
+
+constexpr auto names_and_defaults()
+{
+    std::array<std::pair<const char*, const char*>, CFG_INI_VAR_END> pairs{};
+    std::ranges::transform(catalogue, pairs.begin(),
+                           [](const CATALOGUE_ROW& row) { return std::pair(row.name, row.default_text); });
+    return pairs;
+}
+
+constexpr auto sorted_by_name()
+{
+    auto rows = catalogue;
+    std::ranges::sort(rows, {}, [](const CATALOGUE_ROW& row) { return std::string_view(row.name); });
+    return rows;
+}
+
+constexpr auto by_name = sorted_by_name();
+}
+
+constinit const std::array<std::pair<const char*, const char*>, CFG_INI_VAR_END> cfg_enum_based_defaults =
+    names_and_defaults();
+
+const std::pair<const char*, const char*>& catalogue_entry(CFG_INI_VAR_ENUM ini_enum, int line)
+{
+    if (ini_enum < CFG_INI_VAR_BEGIN || ini_enum >= CFG_INI_VAR_END)
+    {
+        err_report_internal_error("ini_enum >= CFG_INI_VAR_BEGIN && ini_enum < CFG_INI_VAR_END", "CFG_INI",
+                                  "cfg_ini/cfg_ini_reader", line);
+        std::abort();
+    }
+    return cfg_enum_based_defaults[static_cast<std::size_t>(ini_enum)];
+}
+
+std::string cfg_get_default_value(CFG_INI_VAR_ENUM ini_enum)
+{
+    return catalogue_entry(ini_enum, 2349).second;
+}
+
+const std::unordered_map<std::string, CFG_INI_VAR_ENUM>& cfg_ini_get_string_to_id_map()
+{
+    static const std::unordered_map<std::string, CFG_INI_VAR_ENUM> positions = []
+    {
+        std::unordered_map<std::string, CFG_INI_VAR_ENUM> map;
+        for (const CATALOGUE_ROW& row : catalogue)
+            map.emplace(row.name, row.position);
+        return map;
+    }();
+    return positions;
+}
+
+std::optional<CFG_INI_VAR_ENUM> cfg_get_ini_var_enum_from_string(const char* name)
+{
+    // Not through the map above, which is gone once static objects are destroyed: exit handlers still ask.
+    const std::string_view wanted = not_null(name);
+    const auto row = std::ranges::lower_bound(by_name, wanted, {},
+                                              [](const CATALOGUE_ROW& entry) { return std::string_view(entry.name); });
+    if (row == by_name.end() || row->name != wanted)
+        return std::nullopt;
+    return row->position;
+}

@@ -1,0 +1,53 @@
+// Changes to the process that a test takes back: environment variables, the current directory, the locale.
+#ifndef TESTS_SUPPORT_SCOPED_PROCESS_STATE_H
+#define TESTS_SUPPORT_SCOPED_PROCESS_STATE_H
+
+#include <map>
+#include <optional>
+#include <string>
+
+// Remembers each variable that it changes, and restores them all at its end.
+class SCOPED_ENVIRONMENT
+{
+public:
+    SCOPED_ENVIRONMENT() = default;
+    ~SCOPED_ENVIRONMENT();
+    SCOPED_ENVIRONMENT(const SCOPED_ENVIRONMENT&) = delete;
+    SCOPED_ENVIRONMENT& operator=(const SCOPED_ENVIRONMENT&) = delete;
+
+    void set(const std::string& name, const std::string& value);
+    void unset(const std::string& name);
+
+private:
+    void remember(const std::string& name);
+
+    std::map<std::string, std::optional<std::string>> before;
+};
+
+class SCOPED_CURRENT_DIRECTORY
+{
+public:
+    explicit SCOPED_CURRENT_DIRECTORY(const std::string& directory);
+    ~SCOPED_CURRENT_DIRECTORY();
+    SCOPED_CURRENT_DIRECTORY(const SCOPED_CURRENT_DIRECTORY&) = delete;
+    SCOPED_CURRENT_DIRECTORY& operator=(const SCOPED_CURRENT_DIRECTORY&) = delete;
+
+private:
+    std::string before;
+};
+
+// A locale whose decimal point is a comma and whose letters include accented ones. Taken from the build tree, so that
+// the machine need not have it.
+class SCOPED_COMMA_LOCALE
+{
+public:
+    SCOPED_COMMA_LOCALE();
+    ~SCOPED_COMMA_LOCALE();
+    SCOPED_COMMA_LOCALE(const SCOPED_COMMA_LOCALE&) = delete;
+    SCOPED_COMMA_LOCALE& operator=(const SCOPED_COMMA_LOCALE&) = delete;
+
+private:
+    std::string before;
+};
+
+#endif

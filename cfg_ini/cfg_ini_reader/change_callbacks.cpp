@@ -21,8 +21,8 @@ void notify(const std::vector<CFG_INI_CALLBACK*>& callbacks, NOTIFICATION notifi
 {
     // The bounds are those from before the walk: a callback must not construct or destroy callbacks.
     ++notifications;
-    for (auto callback = callbacks.begin(), end = callbacks.end(); callback != end; ++callback)
-        ((*callback)->*notification)();
+    for (CFG_INI_CALLBACK* const callback : callbacks)
+        (callback->*notification)();
     --notifications;
 }
 }

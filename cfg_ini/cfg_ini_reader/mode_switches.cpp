@@ -43,20 +43,25 @@ bool answer_of_variable(REMEMBERED_ANSWER& answer, const char* variable, void (*
     return value;
 }
 
-// A mode is on unless its disabling variable is. Racing first callers wait for one computation, under the store's own
-// lock: a guard of another kind could be waited for by a callback, which holds that lock, while its owner waits for it.
+// Racing first callers wait for one computation, under the store's own lock: a guard of another kind could be waited for
+// by a callback, which holds that lock, while the guard's owner waits for the lock.
+void decide_mode_once(REMEMBERED_ANSWER& mode, const char* disabling_variable)
+{
+    const STORE_LOCK lock;
+    if (mode.known())
+        return;
+    const bool value = !cfg_is_on(disabling_variable);
+    // Known by now if this was the first reading of the settings and a callback that it told asked as well.
+    // cppcheck-suppress identicalConditionAfterEarlyExit
+    if (!mode.known())
+        mode.remember(value);
+}
+
+// A mode is on unless its disabling variable is, or all modes were forced off.
 bool mode_not_disabled_by(REMEMBERED_ANSWER& mode, const char* disabling_variable)
 {
     if (!mode.known()) [[unlikely]]
-    {
-        const STORE_LOCK lock;
-        if (!mode.known())
-        {
-            const bool value = !cfg_is_on(disabling_variable);
-            if (!mode.known()) // a callback told during a first reading may have asked as well
-                mode.remember(value);
-        }
-    }
+        decide_mode_once(mode, disabling_variable);
     return mode.get() && !cfg_force_vexe_mode_off_var.load(std::memory_order_relaxed);
 }
 

@@ -4,7 +4,7 @@
 
 namespace
 {
-constexpr std::size_t buffer_size = 64 * 1024;
+constexpr std::size_t buffer_size = std::size_t{64} * 1024;
 }
 
 SETTINGS_LINES::SETTINGS_LINES(const std::string& path) : file(std::fopen(path.c_str(), "re"))

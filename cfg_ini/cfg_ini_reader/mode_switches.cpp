@@ -43,8 +43,8 @@ bool answer_of_variable(REMEMBERED_ANSWER& answer, const char* variable, void (*
     return value;
 }
 
-// Racing first callers wait for one computation, under the store's own lock: a guard of another kind could be waited for
-// by a callback, which holds that lock, while the guard's owner waits for the lock.
+// Racing first callers wait for one computation, under the store's own lock: a guard of another kind could be waited
+// for by a callback, which holds that lock, while the guard's owner waits for the lock.
 void decide_mode_once(REMEMBERED_ANSWER& mode, const char* disabling_variable)
 {
     const STORE_LOCK lock;

@@ -1,0 +1,58 @@
+# What `cmake --install` puts where. Three components: runtime (what a program needs to run), development (headers, static
+# libraries, CMake package, pkg-config file) and tool (velmar-cfg). Nothing installed names the prefix, so that the
+# installed tree can be moved.
+include(CMakePackageConfigHelpers)
+
+set(zon_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zon_cfg_ini)
+
+# --- Libraries ---
+
+# zon_install_library(name...): each with its static twin `<name>_static`.
+function(zon_install_library)
+    foreach(name IN LISTS ARGN)
+        target_compile_features(${name} INTERFACE cxx_std_17)
+        target_compile_features(${name}_static INTERFACE cxx_std_17)
+        # Libraries stand beside each other.
+        set_target_properties(${name} PROPERTIES INSTALL_RPATH "$ORIGIN")
+        install(TARGETS ${name} EXPORT zon_cfg_ini_targets
+            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
+        install(TARGETS ${name}_static EXPORT zon_cfg_ini_targets
+            ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+    endforeach()
+endfunction()
+
+set(zon_services thr err mem fio gen ver)
+list(TRANSFORM zon_services PREPEND zon_ OUTPUT_VARIABLE zon_service_libraries)
+zon_install_library(zon_cfg_ini ${zon_service_libraries})
+
+# --- Headers ---
+
+install(FILES cfg_ini/cfg_ini.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cfg_ini COMPONENT development)
+foreach(service IN LISTS zon_services)
+    install(FILES platform/${service}/${service}.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/platform/${service} COMPONENT development)
+endforeach()
+
+# --- CMake package and pkg-config file ---
+
+install(EXPORT zon_cfg_ini_targets NAMESPACE zon_cfg_ini:: DESTINATION ${zon_package_dir} COMPONENT development)
+configure_package_config_file(cmake/zon_cfg_ini-config.cmake.in ${PROJECT_BINARY_DIR}/zon_cfg_ini-config.cmake
+    INSTALL_DESTINATION ${zon_package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/zon_cfg_ini-config-version.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/zon_cfg_ini-config.cmake ${PROJECT_BINARY_DIR}/zon_cfg_ini-config-version.cmake
+    DESTINATION ${zon_package_dir} COMPONENT development)
+
+file(RELATIVE_PATH zon_pc_prefix "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
+list(TRANSFORM zon_service_libraries PREPEND -l OUTPUT_VARIABLE zon_pc_private_libraries)
+list(JOIN zon_pc_private_libraries " " zon_pc_private_libraries)
+configure_file(cmake/zon_cfg_ini.pc.in ${PROJECT_BINARY_DIR}/zon_cfg_ini.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/zon_cfg_ini.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+# --- The tool ---
+
+if(TARGET velmar-cfg)
+    file(RELATIVE_PATH zon_lib_from_bin "/prefix/${CMAKE_INSTALL_BINDIR}" "/prefix/${CMAKE_INSTALL_LIBDIR}")
+    set_target_properties(velmar-cfg PROPERTIES INSTALL_RPATH "$ORIGIN/${zon_lib_from_bin}")
+    install(TARGETS velmar-cfg RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
+endif()

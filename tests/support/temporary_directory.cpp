@@ -23,7 +23,7 @@ TEMPORARY_DIRECTORY::~TEMPORARY_DIRECTORY()
 
 void write_file(const std::string& path, const std::string& bytes)
 {
-    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+    std::filesystem::create_directories(std::filesystem::absolute(path).parent_path());
     std::ofstream stream(path, std::ios::binary);
     stream << bytes;
     stream.close();

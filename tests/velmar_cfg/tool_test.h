@@ -1,0 +1,56 @@
+// velmar-cfg as a process, on real files and in an environment of the test's own.
+#ifndef TESTS_VELMAR_CFG_TOOL_TEST_H
+#define TESTS_VELMAR_CFG_TOOL_TEST_H
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+#include "tests/support/isolated_test.h"
+
+// How a run of the tool ended and what it wrote.
+struct TOOL_RUN
+{
+    int exit_code; // minus the signal's number when a signal ended it
+    std::string out;
+    std::string err;
+
+    nlohmann::json json() const
+    {
+        return nlohmann::json::parse(out);
+    }
+};
+
+void PrintTo(const TOOL_RUN& run, std::ostream* stream);
+
+bool operator==(const TOOL_RUN& a, const TOOL_RUN& b);
+
+// The current directory is "cwd" in the temporary directory, HOME is "home" beside it and does not exist yet.
+class TOOL_TEST : public ISOLATED_TEST
+{
+protected:
+    TOOL_TEST();
+
+    // Runs velmar-cfg with these arguments and nothing but `variables` in its environment.
+    TOOL_RUN run(const std::vector<std::string>& arguments) const;
+
+    // The same as a user without rights, to whom the temporary directory belongs from then on. Skip the test when
+    // can_drop_rights() is false.
+    TOOL_RUN run_without_rights(const std::vector<std::string>& arguments) const;
+    static bool can_drop_rights();
+
+    // Starts the tool with standard output going to `output`; the caller waits for the process.
+    pid_t start(const std::vector<std::string>& arguments, const std::string& output) const;
+
+    std::map<std::string, std::string> variables;
+
+private:
+    TOOL_RUN run_as(uid_t user, const std::vector<std::string>& arguments) const;
+    pid_t start_as(uid_t user, const std::vector<std::string>& arguments, const std::string& output) const;
+};
+
+#endif

@@ -1,0 +1,10 @@
+// Every command of the tool, each defined in the source file of its name.
+#ifndef TOOLS_VELMAR_CFG_COMMANDS_H
+#define TOOLS_VELMAR_CFG_COMMANDS_H
+
+#include "tools/velmar-cfg/command.h"
+
+void add_get_command(CLI::App& app, TOOL& tool);
+void add_list_command(CLI::App& app, TOOL& tool);
+
+#endif

@@ -80,16 +80,17 @@ bool INLINE_TEXT::next(INLINE_ITEM& kind, std::string& name, std::string& value)
     if (position >= text.size())
         return false;
     const std::size_t end = std::min(text.find(separator, position), text.size());
-    const std::size_t start = position;
+    item_start = position;
+    item_size = end - position;
     position = end + 1;
 
-    const std::size_t equals = text.find('=', start);
+    const std::size_t equals = text.find('=', item_start);
     if (equals >= end)
     {
         kind = INLINE_ITEM::NO_EQUALS_SIGN;
         return true;
     }
-    name = gen_remove_leading_and_trailing_spaces(text.substr(start, equals - start));
+    name = gen_remove_leading_and_trailing_spaces(text.substr(item_start, equals - item_start));
     value = gen_remove_leading_and_trailing_spaces(text.substr(equals + 1, end - equals - 1));
     kind = name.empty() ? INLINE_ITEM::EMPTY_NAME : value.empty() ? INLINE_ITEM::EMPTY_VALUE : INLINE_ITEM::ASSIGNMENT;
     return true;

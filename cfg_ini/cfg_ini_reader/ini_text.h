@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 // Cuts the comment off `line` (not null): from the first ";" or "#" outside double quotes on, then from the first "//"
 // on if it stands before the first "=" or there is no "=". Quotes stay; an unclosed one reaches to the end of the line.
@@ -48,10 +49,18 @@ public:
     // at their ends removed, unless it has no "=".
     bool next(INLINE_ITEM& kind, std::string& name, std::string& value);
 
+    // The last item as it stands in the text; empty before the first. Points into the text.
+    std::string_view item() const
+    {
+        return std::string_view(text).substr(item_start, item_size);
+    }
+
 private:
     const std::string& text;
     const char separator;
     std::size_t position = 0;
+    std::size_t item_start = 0;
+    std::size_t item_size = 0;
 };
 
 #endif

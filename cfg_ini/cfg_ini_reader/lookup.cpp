@@ -77,9 +77,9 @@ std::optional<double> number_or_nothing(const NAME& name)
     if (text.empty())
         return std::nullopt;
 
-    char* stop = nullptr;
-    const double number = std::strtod(text.c_str(), &stop);
-    if (*stop == '\0')
+    bool whole;
+    const double number = cfg_ini_convert_to_double(text.c_str(), &whole);
+    if (whole)
         cfg_mark_record_had_valid_read(name);
     else
     {

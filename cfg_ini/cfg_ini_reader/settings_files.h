@@ -1,14 +1,11 @@
-// Where the settings come from: discovery, reading, layering and emptying. The operations are public
+// Reading the settings: layering, and emptying. The operations are public
 // (cfg_ini/cfg_ini.h).
 #ifndef CFG_INI_CFG_INI_READER_SETTINGS_FILES_H
 #define CFG_INI_CFG_INI_READER_SETTINGS_FILES_H
 
-#include <cstddef>
+#include "cfg_ini/cfg_ini_reader/settings_sources.h"
 
-// Paths of more bytes are cut, and a longer HOME is no candidate.
-inline constexpr std::size_t longest_path = 1024;
-
-// Zero-terminated paths of the files last opened. Written under the store's lock, never cleared.
+// Zero-terminated paths of the files last opened, cut at longest_path. Written under the store's lock, never cleared.
 extern constinit char cfg_current_velmar_ini_path_name[longest_path + 1];
 extern constinit char cfg_current_regtest_ini_path_name[longest_path + 1];
 extern constinit char cfg_current_appended_environment_ini_path_name[longest_path + 1];

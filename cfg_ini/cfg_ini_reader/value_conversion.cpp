@@ -1,6 +1,7 @@
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"
 
 #include <charconv>
+#include <cstdlib>
 #include <cstring>
 #include <system_error>
 
@@ -79,4 +80,12 @@ bool cfg_ini_convert_to_int(const char* text, int* value)
 bool cfg_ini_convert_to_uint(const char* text, unsigned int* value)
 {
     return convert_if_whole(text, value);
+}
+
+double cfg_ini_convert_to_double(const char* text, bool* whole)
+{
+    char* stop = nullptr;
+    const double number = std::strtod(text, &stop);
+    *whole = *stop == '\0';
+    return number;
 }

@@ -1,4 +1,4 @@
-// Text to boolean and to 32-bit integers. No state; any thread. `text` is zero-terminated and must not be null.
+// Text to boolean, to 32-bit integers and to floating point. No state; any thread. `text` is zero-terminated and must not be null.
 #ifndef CFG_INI_CFG_INI_READER_VALUE_CONVERSION_H
 #define CFG_INI_CFG_INI_READER_VALUE_CONVERSION_H
 
@@ -23,5 +23,9 @@ std::optional<unsigned int> cfg_ini_convert_to<unsigned int>(const char* text);
 // Whether cfg_ini_convert_to has a result; *value is written only then and otherwise keeps what it held.
 bool cfg_ini_convert_to_int(const char* text, int* value);
 bool cfg_ini_convert_to_uint(const char* text, unsigned int* value);
+
+// The number that strtod reads at the start of `text`, in the current locale; 0.0 when there is none. *whole tells
+// whether nothing is left over behind it; an empty text is whole.
+double cfg_ini_convert_to_double(const char* text, bool* whole);
 
 #endif

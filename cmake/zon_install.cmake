@@ -27,7 +27,7 @@ zon_install_library(zon_cfg_ini ${zon_service_libraries})
 
 # --- Headers ---
 
-install(FILES cfg_ini/cfg_ini.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cfg_ini COMPONENT development)
+install(FILES cfg_ini/cfg_ini.h cfg_ini/cfg_cached_value.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cfg_ini COMPONENT development)
 foreach(service IN LISTS zon_services)
     install(FILES platform/${service}/${service}.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/platform/${service} COMPONENT development)

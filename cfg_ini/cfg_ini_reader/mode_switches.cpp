@@ -2,6 +2,7 @@
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/debug_message.h"
+#include "cfg_ini/cfg_ini_reader/own_variables.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "cfg_ini/cfg_ini_reader/store_access.h"
 
@@ -94,38 +95,38 @@ bool cfg_is_vexe_ini_applied()
 bool cfg_jtag_auto_config()
 {
     static constinit REMEMBERED_ANSWER answer;
-    return answer_of_variable(answer, "jtag_auto_config");
+    return answer_of_variable(answer, OWN_VARIABLE::jtag_auto_config);
 }
 
 bool cfg_is_jtag_server_mode()
 {
     static constinit REMEMBERED_ANSWER answer;
-    return answer_of_variable(answer, "jtag_server_mode");
+    return answer_of_variable(answer, OWN_VARIABLE::jtag_server_mode);
 }
 
 bool cfg_is_benchmarking_mode()
 {
     static constinit REMEMBERED_ANSWER answer;
-    return answer_of_variable(answer, "enable_benchmarking_mode",
+    return answer_of_variable(answer, OWN_VARIABLE::enable_benchmarking_mode,
                               [] { ini_debug_message("Benchmarking Mode Enabled"); });
 }
 
 bool cfg_is_vexe_mode()
 {
     static constinit REMEMBERED_ANSWER mode;
-    return mode_not_disabled_by(mode, "disable_vexe_mode");
+    return mode_not_disabled_by(mode, OWN_VARIABLE::disable_vexe_mode);
 }
 
 bool cfg_is_vexe_cmd_mode()
 {
     static constinit REMEMBERED_ANSWER mode;
-    return mode_not_disabled_by(mode, "disable_vexe_cmd_mode");
+    return mode_not_disabled_by(mode, OWN_VARIABLE::disable_vexe_cmd_mode);
 }
 
 bool cfg_is_vexe_rpt_mode()
 {
     static constinit REMEMBERED_ANSWER mode;
-    return mode_not_disabled_by(mode, "disable_vexe_rpt_mode");
+    return mode_not_disabled_by(mode, OWN_VARIABLE::disable_vexe_rpt_mode);
 }
 
 void cfg_check_debug_ini_values(bool* global, bool* per_subsystem, int* global_level)
@@ -135,9 +136,9 @@ void cfg_check_debug_ini_values(bool* global, bool* per_subsystem, int* global_l
         const STORE_ACCESS access;
         if (cfg_ini_dirty)
         {
-            debug_settings.global = cfg_is_on("debug_msg");
-            debug_settings.per_subsystem = cfg_is_on("msg_debug_per_subsystem");
-            debug_settings.global_level = cfg_get_int_value("debug_msg_level", 2);
+            debug_settings.global = cfg_is_on(OWN_VARIABLE::debug_msg);
+            debug_settings.per_subsystem = cfg_is_on(OWN_VARIABLE::msg_debug_per_subsystem);
+            debug_settings.global_level = cfg_get_int_value(OWN_VARIABLE::debug_msg_level, 2);
             cfg_ini_dirty = false;
         }
         settings = debug_settings;

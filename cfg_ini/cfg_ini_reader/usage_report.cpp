@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "cfg_ini/cfg_ini.h"
+#include "cfg_ini/cfg_ini_reader/own_variables.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "platform/gen/gen.h"
 
@@ -79,8 +80,9 @@ void cfg_get_most_accessed(std::vector<std::pair<std::string, std::string>>* out
 {
     // Widened with their sign and then taken as unsigned, intended: a negative minimum is above every count and lists
     // nothing, a negative maximum lists everything.
-    const auto min = static_cast<std::uint64_t>(std::int64_t{cfg_get_int_value("cfg_min_accessed_to_report", 0)});
-    const auto max = static_cast<std::uint64_t>(std::int64_t{cfg_get_int_value("cfg_max_to_report", 10)});
+    const auto min =
+        static_cast<std::uint64_t>(std::int64_t{cfg_get_int_value(OWN_VARIABLE::cfg_min_accessed_to_report, 0)});
+    const auto max = static_cast<std::uint64_t>(std::int64_t{cfg_get_int_value(OWN_VARIABLE::cfg_max_to_report, 10)});
     if (!store_exists() || out == nullptr)
         return;
 

@@ -20,7 +20,7 @@ TEST_F(GET, finds_a_variable_in_any_letter_case)
 
 TEST_F(GET, has_nothing_to_print_for_an_unset_variable)
 {
-    EXPECT_EQ(run({"get", "a"}), (TOOL_RUN{1, "", "velmar-cfg: a is not set\n"}));
+    EXPECT_EQ(run({"get", "a"}), (TOOL_RUN{1, "", "velmar-cfg: 'a' is not set\n"}));
 }
 
 TEST_F(GET, takes_the_project_before_the_search)
@@ -60,9 +60,110 @@ TEST_F(GET, searches_the_regtest_file_without_a_project)
 
 TEST_F(GET, writes_json)
 {
-    write_file("velmar.ini", "Debug_Level = 2\n");
+    write_file("velmar.ini", "# two lines\nDebug_Level = 2\n");
     const TOOL_RUN got = run({"get", "debug_level", "--json"});
     EXPECT_EQ(got.exit_code, 0);
-    EXPECT_EQ(got.json(), R"({"name": "debug_level", "value": "2", "external": true})"_json);
+    EXPECT_EQ(got.json(), nlohmann::json::parse(
+                              R"({"name": "debug_level", "type": "text", "value": "2", "usable": true, "text": "2",
+                      "external": true, "layer": "main", "file": ")" +
+                              temporary.path("cwd/velmar.ini") + R"(", "line": 2, "item": null})"));
+}
+
+TEST_F(GET, writes_json_of_the_same_fields_for_a_variable_without_a_value)
+{
+    const TOOL_RUN got = run({"get", "nothing", "--json", "--type", "int"});
+    EXPECT_EQ(got.exit_code, 1);
+    EXPECT_EQ(got.json(), R"({"name": "nothing", "type": "int", "value": null, "usable": false, "text": "",
+                              "external": false, "layer": null, "file": null, "line": null, "item": null})"_json);
+    EXPECT_EQ(got.err, "velmar-cfg: 'nothing' is not set\n");
+}
+
+// What each type makes of one text: standard output and exit code, and whether there is a word on standard error.
+struct READING
+{
+    const char* text;
+    const char* type;
+    const char* out;
+    int exit_code;
+    const char* err = "";
+};
+
+void PrintTo(const READING& row, std::ostream* stream)
+{
+    *stream << "'" << row.text << "' as " << row.type;
+}
+
+class GET_TYPE : public TOOL_TEST, public testing::WithParamInterface<READING>
+{
+};
+
+TEST_P(GET_TYPE, reads_as_the_library_does)
+{
+    const READING& row = GetParam();
+    write_file("project/velmar.ini", std::string("var = ") + row.text + "\n");
+    EXPECT_EQ(run({"get", "var", "--type", row.type, "--project", "project"}),
+              (TOOL_RUN{row.exit_code, row.out, row.err}));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    table, GET_TYPE,
+    testing::Values(
+        READING{"TRUE", "bool", "on\n", 0}, READING{"0", "bool", "off\n", 0},
+        READING{"yes", "bool", "", 1,
+                "velmar-cfg: 'var' is 'yes' at project/velmar.ini:1: no switch (on, 1, true, off, 0, false)\n"},
+        READING{"-12", "int", "-12\n", 0}, READING{"007", "int", "7\n", 0},
+        READING{
+            "2147483648", "int", "", 1,
+            "velmar-cfg: 'var' is '2147483648' at project/velmar.ini:1: no integer from -2147483648 to 2147483647\n"},
+        READING{"4294967295", "uint", "4294967295\n", 0},
+        READING{"-1", "uint", "", 1,
+                "velmar-cfg: 'var' is '-1' at project/velmar.ini:1: no integer from 0 to 4294967295\n"},
+        READING{"2.50", "double", "2.5\n", 0}, READING{"0x10", "double", "16\n", 0},
+        READING{"inf", "double", "inf\n", 0},
+        READING{"2.5ms", "double", "2.5\n", 0,
+                "velmar-cfg: 'var' is '2.5ms': only the number at its start is read, 2.5\n"},
+        READING{"fast", "double", "0\n", 0, "velmar-cfg: 'var' is 'fast': only the number at its start is read, 0\n"},
+        READING{"", "double", "", 1, "velmar-cfg: 'var' is set to the empty text at project/velmar.ini:1\n"},
+        READING{"", "text", "", 1, "velmar-cfg: 'var' is set to the empty text at project/velmar.ini:1\n"},
+        READING{"two words", "text", "two words\n", 0}));
+
+TEST_F(GET, prints_the_default_only_for_what_is_not_usable)
+{
+    write_file("velmar.ini", "a=maybe\nb=1\n");
+    EXPECT_EQ(run({"get", "a", "--type", "bool", "--default", "off"}), (TOOL_RUN{0, "off\n", ""}));
+    EXPECT_EQ(run({"get", "b", "--type", "bool", "--default", "off"}), (TOOL_RUN{0, "on\n", ""}));
+    EXPECT_EQ(run({"get", "unset", "--default", "-5"}), (TOOL_RUN{0, "-5\n", ""}));
+    EXPECT_EQ(run({"get", "unset", "--default", ""}), (TOOL_RUN{0, "\n", ""}));
+}
+
+TEST_F(GET, refuses_an_unknown_type)
+{
+    EXPECT_EQ(run({"get", "a", "--type", "float"}).exit_code, 2);
+}
+
+TEST_F(GET, suggests_a_name_that_is_set_or_known)
+{
+    write_file("velmar.ini", "max_fanout=12\n");
+    EXPECT_EQ(run({"get", "max_fanuot"}).err, "velmar-cfg: 'max_fanuot' is not set, did you mean 'max_fanout'?\n");
+    EXPECT_EQ(run({"get", "msg_sqlit"}).err, "velmar-cfg: 'msg_sqlit' is not set, did you mean 'msg_sqlite'?\n");
+}
+
+TEST_F(GET, names_the_catalogues_default_but_does_not_print_it)
+{
+    EXPECT_EQ(run({"get", "MSG_SQLITE"}),
+              (TOOL_RUN{1, "", "velmar-cfg: 'MSG_SQLITE' is not set; the catalogue's default is on\n"}));
+    EXPECT_EQ(run({"get", "debug_msg"}), (TOOL_RUN{1, "", "velmar-cfg: 'debug_msg' is not set\n"}));
+}
+
+TEST_F(GET, reads_the_variable_of_empty_name)
+{
+    write_file("velmar.ini", "=5\n");
+    EXPECT_EQ(run({"get", ""}), (TOOL_RUN{0, "5\n", ""}));
+}
+
+TEST_F(GET, ends_the_value_with_a_zero_byte_on_request)
+{
+    write_file("velmar.ini", "a=1\n");
+    EXPECT_EQ(run({"get", "a", "-z"}).out, std::string("1\0", 2));
 }
 }

@@ -1,4 +1,5 @@
-// velmar-cfg list: every variable.
+// velmar-cfg list: every variable, and where it came from.
+#include <fnmatch.h>
 #include <nlohmann/json.hpp>
 
 #include "tools/velmar-cfg/commands.h"
@@ -6,30 +7,90 @@
 
 namespace
 {
-EXIT_CODE list(TOOL& tool)
+struct LIST_OPTIONS
 {
-    read_settings(tool.options);
-    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
-    for (const VARIABLE& variable : all_variables())
+    std::string pattern;
+    bool show_origin = false;
+    bool external = false;
+};
+
+bool wanted(const LIST_OPTIONS& options, const VARIABLE& variable)
+{
+    if (options.external && !variable.external)
+        return false;
+    return options.pattern.empty() || fnmatch(options.pattern.c_str(), variable.name.c_str(), FNM_CASEFOLD) == 0;
+}
+
+std::string origin_of(const SETTINGS& settings, const VARIABLE& variable)
+{
+    const STATEMENT* const winner = settings.layers.winner_of(variable.name);
+    return winner == nullptr ? "" : place_of(settings.layers, *winner);
+}
+
+nlohmann::ordered_json row_of(const SETTINGS& settings, const VARIABLE& variable)
+{
+    nlohmann::ordered_json row = {{"name", variable.name}, {"value", variable.value}, {"external", variable.external}};
+    row.update(place_as_json(settings.layers, settings.layers.winner_of(variable.name)));
+    return row;
+}
+
+void write_record(const LIST_OPTIONS& options, const SETTINGS& settings, const VARIABLE& variable, TOOL& tool)
+{
+    if (tool.options.nul_terminated)
     {
+        constexpr std::string_view end("\0", 1);
+        if (options.show_origin)
+            tool.out << origin_of(settings, variable) << end;
+        tool.out << variable.name << "=" << variable.value << end;
+        return;
+    }
+    if (options.show_origin)
+        tool.out << tool.out.painted(STYLE::FAINT, printable(origin_of(settings, variable))) << "\t";
+    tool.out << tool.out.painted(STYLE::STRONG, printable(variable.name)) << "=" << printable(variable.value) << "\n";
+}
+
+EXIT_CODE list(const LIST_OPTIONS& options, TOOL& tool)
+{
+    const SETTINGS settings = load_settings(tool.options);
+    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+    bool found = false;
+    for (const VARIABLE& variable : settings.variables)
+    {
+        if (!wanted(options, variable))
+            continue;
+        found = true;
         if (tool.options.json)
-            rows.push_back({{"name", variable.name}, {"value", variable.value}, {"external", variable.external}});
-        else if (tool.options.nul_terminated)
-            tool.out << variable.name << "=" << variable.value << std::string_view("\0", 1);
+            rows.push_back(row_of(settings, variable));
         else
-            tool.out << printable(variable.name) << "=" << printable(variable.value) << "\n";
+            write_record(options, settings, variable, tool);
     }
     if (tool.options.json)
         tool.out.json(rows);
-    return EXIT_CODE::FINE;
+
+    const EXIT_CODE compared = compare_with_library(settings);
+    if (compared != EXIT_CODE::FINE)
+        return compared;
+    return found || options.pattern.empty() ? EXIT_CODE::FINE : EXIT_CODE::FINDINGS;
 }
 }
 
 void add_list_command(CLI::App& app, TOOL& tool)
 {
+    auto options = std::make_shared<LIST_OPTIONS>();
     CLI::App* const command =
-        add_command(app, tool, "list", "List every internal variable with its value",
-                    "velmar-cfg --project designs/cpu list\n      the variables that a run in designs/cpu would see",
-                    [&tool] { return list(tool); });
+        add_command(app, tool, "list", "List the internal variables with their values, by name",
+                    "velmar-cfg --project designs/cpu list 'debug_*' --show-origin\n"
+                    "      what a run in designs/cpu would see of the debug switches, each with its file and line",
+                    [options, &tool] { return list(*options, tool); });
+    command
+        ->add_option("PATTERN", options->pattern,
+                     "Only names that match this shell pattern, letter case ignored; exit code 1 when there is none")
+        ->type_name("");
+    command->add_flag("--show-origin", options->show_origin,
+                      "Show where each value came from: FILE:LINE, or "
+                      "VELMAR_INI_VARS:ITEM");
+    command->add_flag("--external", options->external,
+                      "Only variables that count as external: those that the main "
+                      "settings file or VELMAR_INI_VARS sets");
     add_nul_option(command, tool);
 }

@@ -1,0 +1,198 @@
+#include "tools/velmar-cfg/layers.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "cfg_ini/cfg_ini.h"
+#include "cfg_ini/cfg_ini_reader/ini_text.h"
+#include "cfg_ini/cfg_ini_reader/settings_lines.h"
+#include "cfg_ini/cfg_ini_reader/settings_sources.h"
+#include "tools/velmar-cfg/input_file.h"
+
+namespace
+{
+constexpr const char* inline_source = "VELMAR_INI_VARS";
+
+OUTCOME outcome_of(SETTINGS_LINE line)
+{
+    switch (line)
+    {
+    case SETTINGS_LINE::TOO_SHORT:
+        return OUTCOME::TOO_SHORT;
+    case SETTINGS_LINE::NO_EQUALS_SIGN:
+        return OUTCOME::NO_EQUALS_SIGN;
+    case SETTINGS_LINE::ASSIGNMENT:
+        break;
+    }
+    return OUTCOME::STORED;
+}
+
+OUTCOME outcome_of(INLINE_ITEM item)
+{
+    switch (item)
+    {
+    case INLINE_ITEM::NO_EQUALS_SIGN:
+        return OUTCOME::NO_EQUALS_SIGN;
+    case INLINE_ITEM::EMPTY_NAME:
+        return OUTCOME::EMPTY_NAME;
+    case INLINE_ITEM::EMPTY_VALUE:
+        return OUTCOME::EMPTY_VALUE;
+    case INLINE_ITEM::ASSIGNMENT:
+        break;
+    }
+    return OUTCOME::STORED;
+}
+
+void add_statement(SETTINGS_LAYERS& result, STATEMENT statement)
+{
+    statement.layer = result.layers.size() - 1;
+    if (statement.outcome == OUTCOME::STORED)
+        result.assignments[statement.name].push_back(result.statements.size());
+    else
+    {
+        statement.name.clear();
+        statement.value.clear();
+    }
+    result.statements.push_back(std::move(statement));
+}
+
+void add_file(SETTINGS_LAYERS& result, LAYER_KIND kind, const std::string& path)
+{
+    check_input_file(path);
+    result.layers.push_back({kind, path});
+    SETTINGS_LINES lines(path);
+    std::string line;
+    for (std::size_t position = 1; lines.next(line); ++position)
+    {
+        if (line.find('\0') != std::string::npos)
+            throw_binary_file(path, position);
+        STATEMENT statement{0, position, line, 0, {}, {}, {}};
+        statement.outcome = outcome_of(parse_settings_line(line, statement.name, statement.value));
+        statement.kept = line.size();
+        add_statement(result, std::move(statement));
+    }
+}
+
+void add_inline_text(SETTINGS_LAYERS& result, const std::string& text)
+{
+    result.layers.push_back({LAYER_KIND::INLINE_TEXT, inline_source});
+    INLINE_TEXT items(text);
+    INLINE_ITEM kind{};
+    STATEMENT statement{};
+    while (items.next(kind, statement.name, statement.value))
+    {
+        ++statement.position;
+        statement.text = items.item();
+        statement.kept = statement.text.size();
+        statement.outcome = outcome_of(kind);
+        add_statement(result, statement);
+    }
+}
+}
+
+const char* layer_code(LAYER_KIND kind)
+{
+    switch (kind)
+    {
+    case LAYER_KIND::MAIN_FILE:
+        return "main";
+    case LAYER_KIND::APPENDED_FILE:
+        return "appended";
+    case LAYER_KIND::INLINE_TEXT:
+        return "inline";
+    case LAYER_KIND::REGTEST_FILE:
+        break;
+    }
+    return "regtest";
+}
+
+const char* layer_title(LAYER_KIND kind)
+{
+    switch (kind)
+    {
+    case LAYER_KIND::MAIN_FILE:
+        return "main settings file";
+    case LAYER_KIND::APPENDED_FILE:
+        return "file of APPENDED_VELMAR_INI";
+    case LAYER_KIND::INLINE_TEXT:
+        return "environment";
+    case LAYER_KIND::REGTEST_FILE:
+        break;
+    }
+    return "regression-test file";
+}
+
+std::vector<const STATEMENT*> SETTINGS_LAYERS::assignments_of(const std::string& name) const
+{
+    std::vector<const STATEMENT*> found;
+    if (const auto entry = assignments.find(name); entry != assignments.end())
+    {
+        for (const std::size_t place : entry->second)
+            found.push_back(&statements[place]);
+    }
+    return found;
+}
+
+const STATEMENT* SETTINGS_LAYERS::winner_of(const std::string& name) const
+{
+    const auto entry = assignments.find(name);
+    return entry == assignments.end() ? nullptr : &statements[entry->second.back()];
+}
+
+bool SETTINGS_LAYERS::external(const std::string& name) const
+{
+    const auto entry = assignments.find(name);
+    return entry != assignments.end() && std::ranges::any_of(entry->second, [this](std::size_t place)
+                                                             { return layer_of(statements[place]).marks_external(); });
+}
+
+SETTINGS_LAYERS read_layers(const GLOBAL_OPTIONS& options)
+{
+    const auto find_file = [&options](bool regtest)
+    {
+        return options.project.empty() ? cfg_get_default_ini_file(regtest)
+                                       : find_project_settings(options.project.c_str(), regtest);
+    };
+    SETTINGS_LAYERS result;
+    if (const std::string path = find_file(false); !path.empty())
+        add_file(result, LAYER_KIND::MAIN_FILE, path);
+    if (const std::string path = appended_settings_path(); !path.empty())
+        add_file(result, LAYER_KIND::APPENDED_FILE, path);
+    if (const char* const text = inline_settings(); text != nullptr)
+        add_inline_text(result, text);
+    if (options.regtest)
+    {
+        if (const std::string path = find_file(true); !path.empty())
+            add_file(result, LAYER_KIND::REGTEST_FILE, path);
+    }
+    return result;
+}
+
+SETTINGS_LAYERS read_single_layer(const std::string& path)
+{
+    SETTINGS_LAYERS result;
+    add_file(result, LAYER_KIND::MAIN_FILE, path);
+    return result;
+}
+
+std::string place_of(const SETTINGS_LAYERS& layers, const STATEMENT& statement)
+{
+    return layers.layer_of(statement).source + ":" + std::to_string(statement.position);
+}
+
+nlohmann::ordered_json place_as_json(const SETTINGS_LAYERS& layers, const STATEMENT* statement)
+{
+    nlohmann::ordered_json place = {{"layer", nullptr}, {"file", nullptr}, {"line", nullptr}, {"item", nullptr}};
+    if (statement == nullptr)
+        return place;
+    const LAYER& layer = layers.layer_of(*statement);
+    place["layer"] = layer_code(layer.kind);
+    if (layer.is_file())
+    {
+        place["file"] = layer.source;
+        place["line"] = statement->position;
+    }
+    else
+        place["item"] = statement->position;
+    return place;
+}

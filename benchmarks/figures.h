@@ -1,0 +1,16 @@
+// The figures of a run that are not times.
+#ifndef BENCHMARKS_FIGURES_H
+#define BENCHMARKS_FIGURES_H
+
+#include <vector>
+
+#include "benchmarks/results.h"
+
+// Allocations of one lookup that finds its variable, per type and form of the name.
+void measure_allocations(std::vector<FIGURE>& figures);
+
+// Resident bytes that a file of so many lines takes, per variable. Each store is measured in a forked process of its
+// own: to be called before there is a second thread.
+void measure_resident_bytes(std::vector<FIGURE>& figures, std::size_t lines);
+
+#endif

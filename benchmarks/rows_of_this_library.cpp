@@ -1,0 +1,82 @@
+#include "benchmarks/rows.h"
+#include "benchmarks/store_workloads.h"
+#include "benchmarks/stores.h"
+#include "cfg_ini/cfg_ini.h"
+
+namespace
+{
+// Every name is missed once; then the store is filled anew.
+void creating_miss(benchmark::State& state)
+{
+    constexpr std::size_t names_in_a_round = 10'000;
+    static const std::vector<std::string> names = generate_unknown_names(names_in_a_round);
+    drop<OURS>();
+    while (state.KeepRunningBatch(names_in_a_round))
+    {
+        state.PauseTiming();
+        drop<OURS>();
+        hold<OURS>(file_for_lookups());
+        state.ResumeTiming();
+        for (const std::string& name : names)
+            benchmark::DoNotOptimize(cfg_is_on(name, false));
+    }
+    drop<OURS>();
+}
+
+void ranked_report(benchmark::State& state, int listed)
+{
+    hold<OURS>(file_for_lookups());
+    for (int round = 0; round < 3; ++round)
+    {
+        for (const std::string& name : names_to_look_up(VALUE_KIND::INTEGER))
+            benchmark::DoNotOptimize(cfg_get_int_value(name, round));
+    }
+    cfg_set_int_value("cfg_max_to_report", listed);
+    std::vector<std::pair<std::string, std::string>> report;
+    while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(file_for_lookups().variables)))
+    {
+        report.clear();
+        cfg_get_most_accessed(&report);
+    }
+    drop<OURS>();
+}
+
+void catalogue_lookup(benchmark::State& state)
+{
+    hold<OURS>(file_for_lookups());
+    for (auto _ : state)
+        benchmark::DoNotOptimize(cfg_is_on(CFG_INI_VAR_MSG_SQLITE));
+}
+
+void mode_question(benchmark::State& state)
+{
+    hold<OURS>(file_for_lookups());
+    for (auto _ : state)
+        benchmark::DoNotOptimize(cfg_is_vexe_mode());
+}
+
+void debug_settings(benchmark::State& state)
+{
+    hold<OURS>(file_for_lookups());
+    bool global;
+    bool per_subsystem;
+    int level;
+    for (auto _ : state)
+    {
+        cfg_check_debug_ini_values(&global, &per_subsystem, &level);
+        benchmark::DoNotOptimize(level);
+    }
+}
+}
+
+void add_rows_of_this_library(bool long_files)
+{
+    add_store_rows<OURS>(ours, long_files);
+    add_two_thread_rows<OURS>(ours);
+    add_row(work_creating_miss, ours, creating_miss);
+    add_row(work_report_ten, ours, ranked_report, 10);
+    add_row(work_report_all, ours, ranked_report, -1);
+    add_row(work_catalogue, ours, catalogue_lookup);
+    add_row(work_mode, ours, mode_question);
+    add_row(work_debug_settings, ours, debug_settings);
+}

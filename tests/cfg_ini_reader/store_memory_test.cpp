@@ -1,0 +1,316 @@
+// What the store allocates, and what it leaves behind when there is no more memory.
+#include <functional>
+
+#include "cfg_ini/cfg_ini_reader/change_callbacks.h"
+#include "cfg_ini/cfg_ini_reader/lookup.h"
+#include "cfg_ini/cfg_ini_reader/value_storing.h"
+#include "tests/support/failing_memory.h"
+#include "tests/support/store_test.h"
+
+namespace
+{
+const std::string long_name = "a_name_that_is_too_long_to_be_kept_within_a_string_object";
+const std::string other_name = "another_name_that_is_too_long_to_be_kept_within_a_string_object";
+const std::string long_value = "a value that is too long to be kept within a string object";
+
+class STORE_MEMORY_TEST : public STORE_TEST
+{
+protected:
+    // Every record is whole: no entry without one, and each cache as its text says.
+    static void expect_whole_records()
+    {
+        const STORE_LOCK lock;
+        if (!store_exists())
+            return;
+        for (const auto& [name, record] : *cfg_ini_file.load())
+        {
+            ASSERT_NE(record, nullptr) << name;
+            EXPECT_TRUE(record->value.empty() || record->value == long_value || record->value == "12") << record->value;
+            EXPECT_EQ(record->int_valid, record->value == "12") << record->value;
+        }
+    }
+
+    // Lets the first allocation of `action` fail, then the second, and so on until it gets through. `prepare` comes
+    // before each try, `check` after each.
+    static void fail_at_every_allocation(const std::function<void()>& prepare, const std::function<void()>& action,
+                                         const std::function<void()>& check)
+    {
+        long failures = 0;
+        for (;; ++failures)
+        {
+            ASSERT_LT(failures, 1000);
+            prepare();
+            bool threw = false;
+            bool failed = false;
+            {
+                const FAILING_ALLOCATION failing(failures + 1);
+                try
+                {
+                    action();
+                }
+                catch (const std::bad_alloc&)
+                {
+                    threw = true;
+                }
+                failed = failing.has_failed();
+            }
+            EXPECT_EQ(threw, failed) << "a failure passes through";
+            EXPECT_EQ(fake::thr::depth(), 0) << "after failure of allocation " << failures + 1;
+            EXPECT_EQ(fake::mem::silencing_scopes(), 0);
+            expect_whole_records();
+            check();
+            if (!failed)
+                break;
+        }
+        EXPECT_GT(failures, 0);
+    }
+};
+
+// --- What a lookup allocates ---
+
+TEST_F(STORE_MEMORY_TEST, a_typed_read_of_an_existing_variable_allocates_nothing)
+{
+    make_empty_store();
+    cfg_set_value(long_name, "1");
+    const char* const characters = long_name.c_str();
+    bool found = false;
+    cfg_is_on(long_name, false); // whatever is made once is made now
+
+    const ALLOCATION_COUNT allocations;
+    cfg_is_on(long_name, false);
+    cfg_is_on(characters, false);
+    cfg_is_on(long_name);
+    cfg_is_on(characters);
+    cfg_get_int_value(long_name, 0);
+    cfg_get_int_value(characters, 0);
+    cfg_get_uint_value(long_name, 0);
+    cfg_get_uint_value(characters, 0);
+    cfg_get_value_as<bool>(long_name);
+    cfg_get_value_as<bool>(characters);
+    cfg_get_value_as<int>(long_name);
+    cfg_get_value_as<int>(characters);
+    cfg_ini_read_boolean(long_name, &found);
+    cfg_ini_read_int(long_name, &found);
+    cfg_ini_read_uint(long_name, &found);
+    cfg_dyn_is_on(characters, false);
+    cfg_ini_is_external(long_name);
+    EXPECT_EQ(allocations.since_start(), 0);
+}
+
+TEST_F(STORE_MEMORY_TEST, reads_by_position_allocate_nothing)
+{
+    make_empty_store();
+    cfg_set_on(CFG_INI_VAR_HCNU_FORCE_DISABLE_REVERSIBLE_NAMES);
+    const ALLOCATION_COUNT allocations;
+    cfg_is_on(CFG_INI_VAR_HCNU_FORCE_DISABLE_REVERSIBLE_NAMES);
+    cfg_get_int_value(CFG_INI_VAR_HCNU_FORCE_DISABLE_REVERSIBLE_NAMES);
+    EXPECT_EQ(allocations.since_start(), 0);
+}
+
+TEST_F(STORE_MEMORY_TEST, answered_questions_allocate_nothing)
+{
+    cfg_is_vexe_mode();
+    cfg_jtag_auto_config();
+    cfg_check_debug_ini_values(nullptr, nullptr, nullptr);
+    const ALLOCATION_COUNT allocations;
+    cfg_is_vexe_mode();
+    cfg_jtag_auto_config();
+    cfg_check_debug_ini_values(nullptr, nullptr, nullptr);
+    EXPECT_EQ(allocations.since_start(), 0);
+}
+
+// --- No more memory ---
+
+TEST_F(STORE_MEMORY_TEST, a_failed_read_of_an_unknown_name_leaves_no_half_made_record)
+{
+    const auto no_record_or_an_empty_one = []
+    {
+        const auto record = record_of(long_name);
+        EXPECT_TRUE(!record || record->access_count == 0);
+    };
+    bool found = false;
+    fail_at_every_allocation(
+        make_empty_store, [&] { cfg_ini_read_boolean(long_name, &found); }, no_record_or_an_empty_one);
+    EXPECT_FALSE(found);
+    fail_at_every_allocation(
+        make_empty_store, [] { cfg_get_int_value(long_name.c_str(), 0); }, no_record_or_an_empty_one);
+    fail_at_every_allocation(
+        make_empty_store, [] { cfg_get_value(long_name); }, no_record_or_an_empty_one);
+    fail_at_every_allocation(
+        make_empty_store, [] { cfg_get_value_as<double>(long_name); }, no_record_or_an_empty_one);
+    EXPECT_TRUE(record_of(long_name));
+}
+
+TEST_F(STORE_MEMORY_TEST, a_failed_text_read_leaves_the_record_as_it_was)
+{
+    const auto prepare = []
+    {
+        make_empty_store();
+        cfg_set_value(long_name, long_value);
+    };
+    fail_at_every_allocation(
+        prepare, [] { cfg_get_value(long_name); }, [] { EXPECT_EQ(record_of(long_name)->value, long_value); });
+}
+
+TEST_F(STORE_MEMORY_TEST, a_failed_store_leaves_no_half_made_record)
+{
+    for (auto* const store : {cfg_ini_insert_element, cfg_ini_insert_element_external_ini})
+    {
+        fail_at_every_allocation(
+            make_empty_store, [&] { store(long_name, long_value); }, [] {});
+        EXPECT_EQ(record_of(long_name)->value, long_value);
+    }
+}
+
+TEST_F(STORE_MEMORY_TEST, a_failed_store_leaves_an_existing_record_as_it_was)
+{
+    class COUNTER : public CFG_INI_CALLBACK
+    {
+    public:
+        using CFG_INI_CALLBACK::CFG_INI_CALLBACK;
+        void refresh() override
+        {
+            ++refreshes;
+        }
+        int refreshes = 0;
+    };
+    COUNTER counter(long_name.c_str());
+    bool stored = false;
+    const auto prepare = [&]
+    {
+        make_empty_store();
+        cfg_set_value(long_name, "12");
+        counter.refreshes = 0;
+        cfg_ini_dirty = false;
+        stored = false;
+    };
+    const auto action = [&]
+    {
+        cfg_ini_insert_element(long_name, long_value);
+        stored = true;
+    };
+    const auto check = [&]
+    {
+        EXPECT_EQ(record_of(long_name)->value, stored ? long_value : "12");
+        EXPECT_EQ(counter.refreshes, stored ? 1 : 0);
+        EXPECT_EQ(cfg_ini_dirty, stored);
+    };
+    fail_at_every_allocation(prepare, action, check);
+}
+
+TEST_F(STORE_MEMORY_TEST, a_failed_inline_text_leaves_whole_records)
+{
+    const std::string text = long_name + "=" + long_value + ";" + other_name + "=12";
+    fail_at_every_allocation(
+        make_empty_store, [&] { cfg_process_ini_string(text, false); }, [] {});
+    EXPECT_EQ(all_values(), (ASSIGNMENTS{{long_name, long_value}, {other_name, "12"}}));
+}
+
+TEST_F(STORE_MEMORY_TEST, a_failed_reading_leaves_whole_records_and_can_be_repeated)
+{
+    write_file(temporary.path("velmar.ini"), long_name + " = " + long_value + "\n" + other_name + " = 12\n");
+    write_file(temporary.path("appended.ini"), "appended_variable_of_a_long_name = 12\n");
+    environment.set("APPENDED_VELMAR_INI", temporary.path("appended.ini"));
+    environment.set("VELMAR_INI_VARS", "inline_variable_of_a_long_name=12");
+    const std::string path = temporary.path("velmar.ini");
+    fail_at_every_allocation(
+        cfg_close_ini_file, [&] { cfg_read_ini_file(path); }, [] {});
+    EXPECT_EQ(all_values(), (ASSIGNMENTS{{long_name, long_value},
+                                         {other_name, "12"},
+                                         {"appended_variable_of_a_long_name", "12"},
+                                         {"inline_variable_of_a_long_name", "12"}}));
+}
+
+TEST_F(STORE_MEMORY_TEST, a_failed_project_reading_leaves_whole_records_and_can_be_repeated)
+{
+    write_file(temporary.path("project/velmar.ini"), long_name + " = 12\n");
+    write_file(temporary.path("project/regtest.ini"), long_name + " = " + long_value + "\n");
+    const std::string project = temporary.path("project");
+    fail_at_every_allocation(
+        cfg_close_ini_file, [&] { cfg_read_project_ini_file(project.c_str(), true); }, [] {});
+    EXPECT_EQ(all_values(), (ASSIGNMENTS{{long_name, long_value}}));
+}
+
+TEST_F(STORE_MEMORY_TEST, a_failed_first_use_leaves_whole_records_and_can_be_repeated)
+{
+    write_file(temporary.path("cwd/velmar.ini"), long_name + " = 12\n");
+    int answer = 0;
+    fail_at_every_allocation(
+        cfg_close_ini_file, [&] { answer = cfg_get_int_value(long_name, 0); }, [] {});
+    EXPECT_EQ(answer, 12);
+}
+
+TEST_F(STORE_MEMORY_TEST, failed_reports_release_the_lock)
+{
+    const auto prepare = []
+    {
+        make_empty_store();
+        cfg_ini_insert_element_external_ini(long_name, long_value);
+        cfg_get_value(long_name);
+    };
+    fail_at_every_allocation(
+        prepare,
+        []
+        {
+            std::vector<std::pair<std::string, std::string>> ranks;
+            cfg_get_most_accessed(&ranks);
+        },
+        [] {});
+    fail_at_every_allocation(
+        prepare,
+        []
+        {
+            std::string name;
+            std::string value;
+            cfg_get_single_most_accessed_ini(name, value);
+        },
+        [] {});
+    fail_at_every_allocation(
+        prepare,
+        []
+        {
+            ASSIGNMENTS map;
+            cfg_get_used_variable_value_map(&map);
+            cfg_get_external_variable_value_map(&map);
+        },
+        [] {});
+}
+
+TEST_F(STORE_MEMORY_TEST, failed_debug_settings_are_read_again)
+{
+    int level = 0;
+    const auto prepare = []
+    {
+        make_empty_store();
+        cfg_set_value("debug_msg_level", "12");
+    };
+    fail_at_every_allocation(
+        prepare, [&] { cfg_check_debug_ini_values(nullptr, nullptr, &level); }, [] {});
+    EXPECT_EQ(level, 12);
+}
+
+TEST_F(STORE_MEMORY_TEST, a_failed_registration_leaves_the_lock_held_and_registers_nothing)
+{
+    const CFG_INI_CALLBACK other("other");
+    bool failed = true;
+    for (long nth = 1; failed; ++nth)
+    {
+        s_ini_callbacks->erase(long_name);
+        std::optional<CFG_INI_CALLBACK> callback;
+        {
+            const FAILING_ALLOCATION failing(nth);
+            try
+            {
+                callback.emplace(long_name.c_str());
+            }
+            catch (const std::bad_alloc&)
+            {
+            }
+            failed = failing.has_failed();
+        }
+        EXPECT_EQ(release_lock(), failed ? 1 : 0);
+        const auto list = s_ini_callbacks->find(long_name);
+        EXPECT_TRUE(list == s_ini_callbacks->end() || list->second.empty() || callback);
+    }
+}
+}

@@ -15,6 +15,7 @@ struct stat;
 class FIO_PATH
 {
 public:
+    // No directory and no file name; what stands behind the last "/" of a text is its file name.
     FIO_PATH();
     FIO_PATH(const char* path); // NOLINT(google-explicit-constructor): hosts pass texts where a path is wanted
     FIO_PATH& operator=(const std::string& path);
@@ -35,6 +36,7 @@ public:
     // Directory and file name, joined by "/" where the directory does not end in one.
     std::string fullpath() const;
 
+    // The full path.
     operator std::string() const; // NOLINT(google-explicit-constructor): part of the service's interface
     operator const char*() const; // NOLINT(google-explicit-constructor): valid until the object next changes
 
@@ -46,6 +48,7 @@ private:
     std::string full;
 };
 
+// What the library asks of the file system.
 class FIO_FILE_SYSTEM
 {
 public:

@@ -14,6 +14,7 @@
 class MEM_INITIALIZER
 {
 public:
+    // Runs before other dynamic initialisers may have run.
     explicit MEM_INITIALIZER(const char* module_tag) noexcept;
     ~MEM_INITIALIZER();
 

@@ -10,8 +10,13 @@
 
 struct THR_MUTEX;
 
+// A new mutex that nobody holds; the caller's for ever.
 THR_MUTEX* thr_mutex_create();
+
+// Waits until no other thread holds the mutex, then holds it once more.
 void thr_mutex_lock(THR_MUTEX* mutex);
+
+// Gives up one holding; the last lets the next thread in.
 void thr_mutex_unlock(THR_MUTEX* mutex);
 
 #endif

@@ -3,6 +3,7 @@
 #include <map>
 #include <string>
 
+#include "cfg_ini/cfg_cached_value.h"
 #include "cfg_ini/cfg_ini.h"
 
 namespace
@@ -28,8 +29,9 @@ int main()
               << "max_fanout " << cfg_get_int_value("max_fanout", 0) << '\n'
               << "license " << cfg_get_value_as<std::string>("license").value_or("none") << '\n'
               << "absent " << cfg_get_value_as<double>("absent").has_value() << '\n';
-    cfg_set_int_value("max_fanout", 20);
-    std::cout << "max_fanout " << cfg_get_int_value("max_fanout", 0) << " after " << watch.stores << " stores\n";
+    const CFG_CACHED_VALUE fanout("max_fanout", 0);
+    cfg_set_int_value("max_fanout", fanout.get() + 8);
+    std::cout << "max_fanout " << fanout.get() << " after " << watch.stores << " stores\n";
 
     std::map<std::string, std::string> used;
     cfg_get_used_variable_value_map(&used);

@@ -1,0 +1,207 @@
+#include "cfg_ini/cfg_user_ini_reader/preference_file.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+#include <span>
+#include <sys/stat.h>
+#include <utility>
+
+#include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
+#include "platform/err/err.h"
+#include "platform/fio/fio.h"
+#include "platform/gen/gen.h"
+#include "platform/ver/ver.h"
+
+constinit CFG_USER_VALUE_MAP* cfg_user_ini_records = nullptr;
+constinit CFG_USER_VALUE_MAP* cfg_user_ini_sections_read = nullptr;
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Names and sections
+// ---------------------------------------------------------------------------------------------------------------------
+
+std::string cfg_convert_from_old_to_new(const std::string& name)
+{
+    for (const auto& [current_name, old_name] :
+         std::span(cfg_user_ini_name_old_name_table).first(old_preference_name_count))
+    {
+        if (gen_stricmp(old_name, name.c_str()) == 0)
+            return current_name;
+    }
+    return name;
+}
+
+std::string cfg_get_section_for_name(const char* name, const char* value, bool with_version)
+{
+    if (name == nullptr)
+    {
+        err_report_internal_error("name != NULL", "CFG_INI", preference_store_source, __LINE__);
+        return {};
+    }
+    return preference_section(find_preference(name), value, with_version);
+}
+
+std::string preference_section(CFG_USER_INI_ENUMS preference, const char* value, bool with_version)
+{
+    const PREFERENCE_TRIPLE* const triple = find_fitting_triple(preference, value);
+    if (triple == nullptr)
+        return {};
+    return with_version ? released_section(triple->section, ver_get_version()) : triple->section;
+}
+
+std::string released_section(const std::string& section, const std::string& version)
+{
+    std::string text;
+    text.reserve(96); // a lookup appends the preference's name
+    text.append(section).append(1, ' ').append(version).append("_pro");
+    return text;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Lines
+// ---------------------------------------------------------------------------------------------------------------------
+
+namespace
+{
+PREFERENCE_LINE header_line(std::string_view text, std::size_t bracket)
+{
+    PREFERENCE_LINE line;
+    line.bracket_after_equals = text.find('=') < bracket;
+    const std::size_t end = text.find(']', bracket);
+    if (end == std::string_view::npos)
+    {
+        line.kind = PREFERENCE_LINE_KIND::MALFORMED_HEADER;
+        return line;
+    }
+    line.kind = PREFERENCE_LINE_KIND::HEADER;
+    line.section = text.substr(bracket + 1, end - bracket - 1);
+    return line;
+}
+
+PREFERENCE_LINE key_line(std::string_view text, std::size_t equals)
+{
+    PREFERENCE_LINE line;
+    line.kind = PREFERENCE_LINE_KIND::KEY;
+
+    const std::string written_name = gen_remove_leading_and_trailing_white_spaces(std::string(text.substr(0, equals)));
+    line.name = cfg_convert_from_old_to_new(written_name);
+    line.old_name_converted = line.name != written_name;
+
+    line.value = gen_remove_leading_and_trailing_white_spaces(std::string(text.substr(equals + 1)));
+    // Two quotes alone stay: users have them in their files and the tool takes them as they are.
+    line.quotes_removed = line.value.size() >= 3 && line.value.front() == '"' && line.value.back() == '"';
+    if (line.quotes_removed)
+        line.value = gen_remove_leading_and_trailing_white_spaces(line.value.substr(1, line.value.size() - 2));
+    return line;
+}
+}
+
+PREFERENCE_LINE classify_preference_line(std::string_view text)
+{
+    PREFERENCE_LINE line;
+    text = text.substr(0, text.find('\0'));
+    if (text.size() < 3)
+    {
+        line.kind = PREFERENCE_LINE_KIND::TOO_SHORT;
+        return line;
+    }
+    // A bracket anywhere makes a header, also in the value of a key line: files are read so, and written values that
+    // hold a bracket are lost at the next reading.
+    if (const std::size_t bracket = text.find('['); bracket != std::string_view::npos)
+        return header_line(text, bracket);
+    if (const std::size_t equals = text.find('='); equals != std::string_view::npos)
+        return key_line(text, equals);
+    return line;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// The file
+// ---------------------------------------------------------------------------------------------------------------------
+
+std::string cfg_generate_user_ini_file_path()
+{
+    const char* const directory = std::getenv("VELMAR2_INI");
+    struct stat status;
+    // The type is tested as one bit, not as a value; sockets and block devices share the bit and pass for directories.
+    const bool is_directory = directory != nullptr && FIO_FILE_SYSTEM::status(directory, &status) &&
+                              (status.st_mode & static_cast<mode_t>(S_IFDIR)) != 0;
+    FIO_PATH path;
+    path.directory(is_directory ? directory : gen_get_user_profile_directory());
+    path.filename("velmar2.ini");
+    return path.fullpath();
+}
+
+namespace
+{
+struct FREE_WITH_RECORDS
+{
+    void operator()(CFG_USER_VALUE_MAP* map) const
+    {
+        for (const auto& [key, record] : *map)
+            delete record;
+        delete map;
+    }
+};
+
+// What is being read, until it is whole: half a file must not be looked up, and above all not saved over the file.
+struct FILE_CONTENTS
+{
+    std::unique_ptr<CFG_USER_VALUE_MAP, FREE_WITH_RECORDS> records{new CFG_USER_VALUE_MAP};
+    std::unique_ptr<CFG_USER_VALUE_MAP> sections = std::make_unique<CFG_USER_VALUE_MAP>();
+};
+
+void insert_record(CFG_USER_VALUE_MAP& records, const std::string& section, PREFERENCE_LINE&& line)
+{
+    auto record = std::make_unique<CFG_USER_VALUE_STRUCT>(
+        CFG_USER_VALUE_STRUCT{section, std::move(line.name), std::move(line.value)});
+    const auto [place, inserted] = records.try_emplace(section + record->name, nullptr);
+    // The first line of a key keeps its place, later ones are dropped.
+    if (inserted)
+        place->second = record.release();
+}
+
+void read_lines(std::istream& file, FILE_CONTENTS& contents)
+{
+    std::string current_section;
+    for (std::string text; std::getline(file, text);)
+    {
+        PREFERENCE_LINE line = classify_preference_line(text);
+        if (line.kind == PREFERENCE_LINE_KIND::HEADER)
+        {
+            current_section = std::move(line.section);
+            contents.sections->try_emplace(current_section, nullptr);
+        }
+        else if (line.kind == PREFERENCE_LINE_KIND::KEY && !current_section.empty())
+            insert_record(*contents.records, current_section, std::move(line));
+    }
+}
+
+void publish(FILE_CONTENTS&& contents)
+{
+    cfg_user_ini_records = contents.records.release();
+    cfg_user_ini_sections_read = contents.sections.release();
+}
+
+void pass_on(CFG_USER_INI_ENUMS preference, void (*take_paths)(const std::string& paths))
+{
+    if (const std::string paths = cfg_get_user_ini_value(preference); !paths.empty())
+        take_paths(paths);
+}
+}
+
+void cfg_read_user_ini_file()
+{
+    const std::string path = cfg_generate_user_ini_file_path();
+    FILE_CONTENTS contents;
+    if (!FIO_FILE_SYSTEM::exists(path.c_str()))
+    {
+        publish(std::move(contents));
+        return;
+    }
+    std::ifstream file(path);
+    read_lines(file, contents);
+    publish(std::move(contents));
+    // The store is loaded by now, so these lookups do not read again.
+    pass_on(USER_LIBRARIES, gen_set_user_library_paths);
+    pass_on(USER_IP_SEARCH_PATHS, gen_set_user_ip_search_paths);
+}

@@ -1,0 +1,217 @@
+#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
+
+#include <cstddef>
+#include <cstdlib>
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "cfg_ini/cfg_ini.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_file.h"
+#include "platform/err/err.h"
+#include "platform/gen/gen.h"
+#include "platform/mem/mem.h"
+#include "platform/ver/ver.h"
+
+namespace
+{
+// The key of a preference's record in one section.
+struct RECORD_KEY
+{
+    std::string text; // the section, immediately followed by the name
+    std::size_t section_size;
+
+    std::string_view section() const
+    {
+        return std::string_view(text).substr(0, section_size);
+    }
+};
+
+RECORD_KEY record_key(std::string section, const char* name)
+{
+    const std::size_t section_size = section.size();
+    section += name;
+    return {std::move(section), section_size};
+}
+
+bool equals_ignoring_case(const std::string& text, const char* other)
+{
+    return gen_stricmp(text.c_str(), other) == 0;
+}
+
+const CFG_USER_VALUE_STRUCT* find_record(const RECORD_KEY& key)
+{
+    const auto found = cfg_user_ini_records->find(key.text);
+    return found != cfg_user_ini_records->end() ? found->second : nullptr;
+}
+
+// The value of the first older release that has the preference, else of the section without a release; assigned for the
+// running release as well. An assignment that the catalogue refuses does not change the answer. An empty value ends the
+// walk over the releases, but not the search.
+std::string carried_over_value(const std::string& section, const char* name, const std::vector<std::string>& versions)
+{
+    std::string value;
+    for (const std::string& version : versions)
+    {
+        if (const CFG_USER_VALUE_STRUCT* const record =
+                find_record(record_key(released_section(section, version), name)))
+        {
+            value = record->value;
+            cfg_set_user_ini_value(name, value.c_str());
+            break;
+        }
+    }
+    if (value.empty())
+    {
+        if (const CFG_USER_VALUE_STRUCT* const record = find_record(record_key(section, name)))
+        {
+            value = record->value;
+            cfg_set_user_ini_value(name, value.c_str());
+        }
+    }
+    return value;
+}
+
+void load_if_needed()
+{
+    if (cfg_user_ini_records == nullptr)
+        cfg_read_user_ini_file();
+}
+
+// `name` is the key in the spelling under which its records are looked for.
+std::string look_up(CFG_USER_INI_ENUMS preference, const char* name, bool use_default)
+{
+    const std::vector<std::string> versions = ver_get_all_versions();
+    std::string current_section = preference_section(preference, nullptr, true);
+    load_if_needed();
+
+    std::string value;
+    if (!current_section.empty())
+    {
+        const RECORD_KEY current = record_key(std::move(current_section), name);
+        if (const CFG_USER_VALUE_STRUCT* const record = find_record(current))
+            value = record->value;
+        // A file that has the running release's section has had it saved: what is missing there is meant to be.
+        else if (!cfg_user_ini_sections_read->contains(current.section()))
+            value = carried_over_value(preference_section(preference, nullptr, false), name, versions);
+    }
+    if (value.empty() && use_default)
+        value = cfg_user_ini_name_default_values[preference_position(preference)].second;
+    return value;
+}
+
+std::string look_up(CFG_USER_INI_ENUMS preference, bool use_default)
+{
+    return look_up(preference, cfg_user_ini_ini_names[preference_position(preference)], use_default);
+}
+
+void store(const RECORD_KEY& key, const char* name, const char* value)
+{
+    const auto place = cfg_user_ini_records->lower_bound(key.text);
+    if (place != cfg_user_ini_records->end() && place->first == key.text)
+    {
+        place->second->value = value;
+        return;
+    }
+    auto record =
+        std::make_unique<CFG_USER_VALUE_STRUCT>(CFG_USER_VALUE_STRUCT{std::string(key.section()), name, value});
+    cfg_user_ini_records->try_emplace(place, key.text, nullptr)->second = record.release();
+}
+
+// `name` is the key in the spelling under which the value is stored.
+bool assign(CFG_USER_INI_ENUMS preference, const char* name, const char* value)
+{
+    std::string section = preference_section(preference, value, true);
+    load_if_needed();
+    if (section.empty())
+        return false;
+    store(record_key(std::move(section), name), name, value);
+    if (preference == USER_LIBRARIES)
+        gen_set_user_library_paths(value);
+    else if (preference == USER_IP_SEARCH_PATHS)
+        gen_set_user_ip_search_paths(value);
+    return true;
+}
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Lookup
+// ---------------------------------------------------------------------------------------------------------------------
+
+std::string cfg_get_user_ini_value_internal(const char* name, bool use_default)
+{
+    if (name == nullptr)
+    {
+        err_report_internal_error("name != NULL", "CFG_INI", preference_store_source, __LINE__);
+        return {};
+    }
+    return look_up(find_preference(name), name, use_default);
+}
+
+std::string cfg_get_user_ini_value(CFG_USER_INI_ENUMS preference)
+{
+    return look_up(preference, true);
+}
+
+std::string cfg_get_user_ini_value(const char* name)
+{
+    return cfg_get_user_ini_value_internal(name, true);
+}
+
+int cfg_get_user_ini_int_value(CFG_USER_INI_ENUMS preference)
+{
+    // A number outside the range of int keeps its low 32 bits, one outside the range of long those of the nearest long.
+    return static_cast<int>(std::strtol(look_up(preference, true).c_str(), nullptr, 10));
+}
+
+bool cfg_user_ini_is_on(CFG_USER_INI_ENUMS preference, bool fallback)
+{
+    const std::string value = look_up(preference, true);
+    if (equals_ignoring_case(value, "on") || equals_ignoring_case(value, "1"))
+        return true;
+    if (equals_ignoring_case(value, "off") || equals_ignoring_case(value, "0"))
+        return false;
+    return fallback;
+}
+
+bool cfg_does_ini_variable_have_value(CFG_USER_INI_ENUMS preference, bool use_default)
+{
+    return !look_up(preference, use_default).empty();
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Assignment
+// ---------------------------------------------------------------------------------------------------------------------
+
+bool cfg_set_user_ini_value(const char* name, const char* value)
+{
+    if (name == nullptr)
+        err_report_internal_error("name != NULL", "CFG_INI", preference_store_source, __LINE__);
+    if (value == nullptr)
+        err_report_internal_error("value != NULL", "CFG_INI", preference_store_source, __LINE__);
+    if (name == nullptr || value == nullptr)
+        return false;
+    return assign(find_preference(name), name, value);
+}
+
+bool cfg_set_user_ini_value(CFG_USER_INI_ENUMS preference, const std::string& value)
+{
+    return assign(preference, cfg_user_ini_ini_names[preference_position(preference)], value.c_str());
+}
+
+bool cfg_set_user_ini_int_value(CFG_USER_INI_ENUMS preference, int value)
+{
+    return cfg_set_user_ini_value(preference, MEM_DETAIL::stl_raw_sprintf("%d", value));
+}
+
+bool cfg_set_user_ini_on(CFG_USER_INI_ENUMS preference)
+{
+    return cfg_set_user_ini_value(preference, "on");
+}
+
+bool cfg_set_user_ini_off(CFG_USER_INI_ENUMS preference)
+{
+    return cfg_set_user_ini_value(preference, "off");
+}

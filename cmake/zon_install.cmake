@@ -33,6 +33,8 @@ foreach(service IN LISTS zon_services)
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/platform/${service} COMPONENT development)
 endforeach()
 
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
+
 # --- CMake package and pkg-config file ---
 
 install(EXPORT zon_cfg_ini_targets NAMESPACE zon_cfg_ini:: DESTINATION ${zon_package_dir} COMPONENT development)

@@ -20,6 +20,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -78,38 +79,68 @@ enum CFG_INI_VAR_ENUM : int
 //   int       an optional "-" and decimal digits, the whole text, -2147483648 to 2147483647;
 //   unsigned  decimal digits, the whole text, 0 to 4294967295.
 // The forms that take the name as characters answer as the std::string forms do, without building a string when the
-// variable exists. A null name throws std::logic_error and reads nothing.
+// variable exists. A null name, or a view that is null, throws std::logic_error and reads nothing.
+
+// The characters of a name, its length known to the compiler when the name is a literal; null for null.
+inline std::string_view cfg_ini_name_view(const char* name)
+{
+    return name != nullptr ? std::string_view(name) : std::string_view();
+}
 
 // The variable as a boolean, or `default_value` when it has none.
 CFG_INI_API bool cfg_is_on(const std::string& name, bool default_value);
-CFG_INI_API bool cfg_is_on(const char* name, bool default_value);
+CFG_INI_API bool cfg_is_on(std::string_view name, bool default_value);
+inline bool cfg_is_on(const char* name, bool default_value)
+{
+    return cfg_is_on(cfg_ini_name_view(name), default_value);
+}
 
 // As above; the default is true exactly for a catalogued name (spelt exactly) whose default text is "on".
 CFG_INI_API bool cfg_is_on(const std::string& name);
-CFG_INI_API bool cfg_is_on(const char* name);
+CFG_INI_API bool cfg_is_on(std::string_view name);
+inline bool cfg_is_on(const char* name)
+{
+    return cfg_is_on(cfg_ini_name_view(name));
+}
 
 // The catalogued variable as a boolean, else its default text read as a boolean.
 CFG_INI_API bool cfg_is_on(CFG_INI_VAR_ENUM ini_enum);
 
 // The variable as a signed 32-bit integer, or `default_value` when it has none.
 CFG_INI_API int cfg_get_int_value(const std::string& name, int default_value);
-CFG_INI_API int cfg_get_int_value(const char* name, int default_value);
+CFG_INI_API int cfg_get_int_value(std::string_view name, int default_value);
+inline int cfg_get_int_value(const char* name, int default_value)
+{
+    return cfg_get_int_value(cfg_ini_name_view(name), default_value);
+}
 
 // The catalogued variable as an integer, else the number its default text begins with (0 for "on" and "off").
 CFG_INI_API int cfg_get_int_value(CFG_INI_VAR_ENUM ini_enum);
 
 // The variable as an unsigned 32-bit integer, or `default_value` when it has none.
 CFG_INI_API unsigned int cfg_get_uint_value(const std::string& name, unsigned int default_value);
-CFG_INI_API unsigned int cfg_get_uint_value(const char* name, unsigned int default_value);
+CFG_INI_API unsigned int cfg_get_uint_value(std::string_view name, unsigned int default_value);
+inline unsigned int cfg_get_uint_value(const char* name, unsigned int default_value)
+{
+    return cfg_get_uint_value(cfg_ini_name_view(name), default_value);
+}
 
 // The value of cfg_get_value_as<double>, or `default_value` when the variable's text is empty.
 CFG_INI_API double cfg_get_double_value(const std::string& name, double default_value);
-CFG_INI_API double cfg_get_double_value(const char* name, double default_value);
+CFG_INI_API double cfg_get_double_value(std::string_view name, double default_value);
+inline double cfg_get_double_value(const char* name, double default_value)
+{
+    return cfg_get_double_value(cfg_ini_name_view(name), default_value);
+}
 
 // The variable's text as stored, quotes included; the empty text when it has none. Marks the variable as validly read
 // whatever its text, also when this very call created its record.
 CFG_INI_API std::string cfg_get_value(const std::string& name);
-CFG_INI_API std::string cfg_get_value(const char* name);
+CFG_INI_API std::string cfg_get_value(std::string_view name);
+inline std::string cfg_get_value(const char* name)
+{
+    return cfg_get_value(cfg_ini_name_view(name));
+}
 
 // The catalogued variable's text; its default text when that is empty.
 CFG_INI_API std::string cfg_get_value(CFG_INI_VAR_ENUM ini_enum);
@@ -125,7 +156,12 @@ CFG_INI_API std::string cfg_get_value(CFG_INI_VAR_ENUM ini_enum);
 template <typename T>
 std::optional<T> cfg_get_value_as(const std::string& name);
 template <typename T>
-std::optional<T> cfg_get_value_as(const char* name);
+std::optional<T> cfg_get_value_as(std::string_view name);
+template <typename T>
+std::optional<T> cfg_get_value_as(const char* name)
+{
+    return cfg_get_value_as<T>(cfg_ini_name_view(name));
+}
 
 template <>
 CFG_INI_API std::optional<bool> cfg_get_value_as<bool>(const std::string& name);
@@ -138,15 +174,15 @@ CFG_INI_API std::optional<double> cfg_get_value_as<double>(const std::string& na
 template <>
 CFG_INI_API std::optional<float> cfg_get_value_as<float>(const std::string& name);
 template <>
-CFG_INI_API std::optional<bool> cfg_get_value_as<bool>(const char* name);
+CFG_INI_API std::optional<bool> cfg_get_value_as<bool>(std::string_view name);
 template <>
-CFG_INI_API std::optional<int> cfg_get_value_as<int>(const char* name);
+CFG_INI_API std::optional<int> cfg_get_value_as<int>(std::string_view name);
 template <>
-CFG_INI_API std::optional<std::string> cfg_get_value_as<std::string>(const char* name);
+CFG_INI_API std::optional<std::string> cfg_get_value_as<std::string>(std::string_view name);
 template <>
-CFG_INI_API std::optional<double> cfg_get_value_as<double>(const char* name);
+CFG_INI_API std::optional<double> cfg_get_value_as<double>(std::string_view name);
 template <>
-CFG_INI_API std::optional<float> cfg_get_value_as<float>(const char* name);
+CFG_INI_API std::optional<float> cfg_get_value_as<float>(std::string_view name);
 
 // --- Setting a variable ---
 //

@@ -14,64 +14,50 @@
 #include "cfg_ini/cfg_ini_reader/value_storing.h"
 #include "cfg_ini/cfg_ini_reader/variable_catalogue.h"
 
-// NAME below is std::string or const char*: a name given as characters is found without building a string.
 namespace
 {
-template <typename T, typename NAME>
-T read_cached(const NAME& name, bool* found)
+template <typename T>
+T read_cached(const SOUGHT_NAME& name, bool* found)
 {
     *found = false;
     const STORE_ACCESS access;
-    CFG_INI_RECORD& record = *cfg_ini_get_record_or_insert_empty(name);
+    CFG_INI_RECORD& record = find_counted_or_insert_record(name);
     const T value = record.get_cached_value<T>(*found);
     record.had_valid_read |= *found;
     return value;
 }
 
-template <typename NAME>
-std::string read_string(const NAME& name, bool mark_valid)
+std::string read_string(const SOUGHT_NAME& name, bool mark_valid)
 {
     const STORE_ACCESS access;
-    CFG_INI_RECORD& record = *cfg_ini_get_record_or_insert_empty(name);
+    CFG_INI_RECORD& record = find_counted_or_insert_record(name);
     record.had_valid_read |= mark_valid;
     return record.value;
 }
 
-template <typename T, typename NAME>
-T cached_or_default(const NAME& name, T default_value)
+template <typename T>
+T cached_or_default(const SOUGHT_NAME& name, T default_value)
 {
     bool found;
     const T value = read_cached<T>(name, &found);
     return found ? value : default_value;
 }
 
-template <typename T, typename NAME>
-std::optional<T> cached_or_nothing(const NAME& name)
+template <typename T>
+std::optional<T> cached_or_nothing(const SOUGHT_NAME& name)
 {
     bool found;
     const T value = read_cached<T>(name, &found);
     return found ? std::optional<T>(value) : std::nullopt;
 }
 
-template <typename NAME>
-std::optional<std::string> text_or_nothing(const NAME& name)
+std::optional<std::string> text_or_nothing(const SOUGHT_NAME& name)
 {
     std::string text = read_string(name, true);
     return text.empty() ? std::nullopt : std::optional<std::string>(std::move(text));
 }
 
-const char* characters(const char* name)
-{
-    return name;
-}
-
-const char* characters(const std::string& name)
-{
-    return name.c_str();
-}
-
-template <typename NAME>
-std::optional<double> number_or_nothing(const NAME& name)
+std::optional<double> number_or_nothing(const SOUGHT_NAME& name)
 {
     const std::string text = read_string(name, false);
     if (text.empty())
@@ -80,69 +66,68 @@ std::optional<double> number_or_nothing(const NAME& name)
     bool whole;
     const double number = cfg_ini_convert_to_double(text.c_str(), &whole);
     if (whole)
-        cfg_mark_record_had_valid_read(name);
+        mark_had_valid_read(name);
     else
     {
         // Still a number, and only not marked: callers rely on "2.5ms" being 2.5.
-        ini_debug_message("Couldn't parse ini setting %s=(%s) as a floating point value", characters(name),
-                          text.c_str());
+        ini_debug_message("Couldn't parse ini setting %s=(%s) as a floating point value",
+                          std::string(name.text).c_str(), text.c_str());
     }
     return number;
 }
 
-template <typename NAME>
-std::optional<float> narrow_number_or_nothing(const NAME& name)
+std::optional<float> narrow_number_or_nothing(const SOUGHT_NAME& name)
 {
     const std::optional<double> number = number_or_nothing(name);
     return number ? std::optional<float>(static_cast<float>(*number)) : std::nullopt;
 }
 
 // The default text compared as it stands, intended: the by-enumeration form converts it with all the boolean words.
-bool is_on_by_default(const char* name)
+bool is_on_by_default(std::string_view name)
 {
-    const std::optional<CFG_INI_VAR_ENUM> position = cfg_get_ini_var_enum_from_string(name);
+    const std::optional<CFG_INI_VAR_ENUM> position = catalogue_position(name);
     return position && std::string_view(catalogue_entry(*position).second) == "on";
 }
 }
 
 bool cfg_ini_read_boolean(const std::string& name, bool* found)
 {
-    return read_cached<bool>(name, found);
+    return read_cached<bool>(SOUGHT_NAME(name), found);
 }
 
 int cfg_ini_read_int(const std::string& name, bool* found)
 {
-    return read_cached<int>(name, found);
+    return read_cached<int>(SOUGHT_NAME(name), found);
 }
 
 unsigned int cfg_ini_read_uint(const std::string& name, bool* found)
 {
-    return read_cached<unsigned int>(name, found);
+    return read_cached<unsigned int>(SOUGHT_NAME(name), found);
 }
 
 std::string cfg_ini_read_string(const std::string& name, bool mark_valid)
 {
-    return read_string(name, mark_valid);
+    return read_string(SOUGHT_NAME(name), mark_valid);
 }
 
 bool cfg_is_on(const std::string& name, bool default_value)
 {
-    return cached_or_default(name, default_value);
+    return cached_or_default(SOUGHT_NAME(name), default_value);
 }
 
-bool cfg_is_on(const char* name, bool default_value)
+bool cfg_is_on(std::string_view name, bool default_value)
 {
-    return cached_or_default(not_null(name), default_value);
+    return cached_or_default(SOUGHT_NAME(name), default_value);
 }
 
 bool cfg_is_on(const std::string& name)
 {
-    return cached_or_default(name, is_on_by_default(name.c_str()));
+    return cached_or_default(SOUGHT_NAME(name), is_on_by_default(name.c_str()));
 }
 
-bool cfg_is_on(const char* name)
+bool cfg_is_on(std::string_view name)
 {
-    return cached_or_default(not_null(name), is_on_by_default(name));
+    return cached_or_default(SOUGHT_NAME(name), is_on_by_default(name));
 }
 
 bool cfg_is_on(CFG_INI_VAR_ENUM ini_enum)
@@ -153,12 +138,12 @@ bool cfg_is_on(CFG_INI_VAR_ENUM ini_enum)
 
 int cfg_get_int_value(const std::string& name, int default_value)
 {
-    return cached_or_default(name, default_value);
+    return cached_or_default(SOUGHT_NAME(name), default_value);
 }
 
-int cfg_get_int_value(const char* name, int default_value)
+int cfg_get_int_value(std::string_view name, int default_value)
 {
-    return cached_or_default(not_null(name), default_value);
+    return cached_or_default(SOUGHT_NAME(name), default_value);
 }
 
 int cfg_get_int_value(CFG_INI_VAR_ENUM ini_enum)
@@ -169,32 +154,32 @@ int cfg_get_int_value(CFG_INI_VAR_ENUM ini_enum)
 
 unsigned int cfg_get_uint_value(const std::string& name, unsigned int default_value)
 {
-    return cached_or_default(name, default_value);
+    return cached_or_default(SOUGHT_NAME(name), default_value);
 }
 
-unsigned int cfg_get_uint_value(const char* name, unsigned int default_value)
+unsigned int cfg_get_uint_value(std::string_view name, unsigned int default_value)
 {
-    return cached_or_default(not_null(name), default_value);
+    return cached_or_default(SOUGHT_NAME(name), default_value);
 }
 
 double cfg_get_double_value(const std::string& name, double default_value)
 {
-    return number_or_nothing(name).value_or(default_value);
+    return number_or_nothing(SOUGHT_NAME(name)).value_or(default_value);
 }
 
-double cfg_get_double_value(const char* name, double default_value)
+double cfg_get_double_value(std::string_view name, double default_value)
 {
-    return number_or_nothing(not_null(name)).value_or(default_value);
+    return number_or_nothing(SOUGHT_NAME(name)).value_or(default_value);
 }
 
 std::string cfg_get_value(const std::string& name)
 {
-    return read_string(name, true);
+    return read_string(SOUGHT_NAME(name), true);
 }
 
-std::string cfg_get_value(const char* name)
+std::string cfg_get_value(std::string_view name)
 {
-    return read_string(not_null(name), true);
+    return read_string(SOUGHT_NAME(name), true);
 }
 
 std::string cfg_get_value(CFG_INI_VAR_ENUM ini_enum)
@@ -207,61 +192,61 @@ std::string cfg_get_value(CFG_INI_VAR_ENUM ini_enum)
 template <>
 std::optional<bool> cfg_get_value_as<bool>(const std::string& name)
 {
-    return cached_or_nothing<bool>(name);
+    return cached_or_nothing<bool>(SOUGHT_NAME(name));
 }
 
 template <>
-std::optional<bool> cfg_get_value_as<bool>(const char* name)
+std::optional<bool> cfg_get_value_as<bool>(std::string_view name)
 {
-    return cached_or_nothing<bool>(not_null(name));
+    return cached_or_nothing<bool>(SOUGHT_NAME(name));
 }
 
 template <>
 std::optional<int> cfg_get_value_as<int>(const std::string& name)
 {
-    return cached_or_nothing<int>(name);
+    return cached_or_nothing<int>(SOUGHT_NAME(name));
 }
 
 template <>
-std::optional<int> cfg_get_value_as<int>(const char* name)
+std::optional<int> cfg_get_value_as<int>(std::string_view name)
 {
-    return cached_or_nothing<int>(not_null(name));
+    return cached_or_nothing<int>(SOUGHT_NAME(name));
 }
 
 template <>
 std::optional<std::string> cfg_get_value_as<std::string>(const std::string& name)
 {
-    return text_or_nothing(name);
+    return text_or_nothing(SOUGHT_NAME(name));
 }
 
 template <>
-std::optional<std::string> cfg_get_value_as<std::string>(const char* name)
+std::optional<std::string> cfg_get_value_as<std::string>(std::string_view name)
 {
-    return text_or_nothing(not_null(name));
+    return text_or_nothing(SOUGHT_NAME(name));
 }
 
 template <>
 std::optional<double> cfg_get_value_as<double>(const std::string& name)
 {
-    return number_or_nothing(name);
+    return number_or_nothing(SOUGHT_NAME(name));
 }
 
 template <>
-std::optional<double> cfg_get_value_as<double>(const char* name)
+std::optional<double> cfg_get_value_as<double>(std::string_view name)
 {
-    return number_or_nothing(not_null(name));
+    return number_or_nothing(SOUGHT_NAME(name));
 }
 
 template <>
 std::optional<float> cfg_get_value_as<float>(const std::string& name)
 {
-    return narrow_number_or_nothing(name);
+    return narrow_number_or_nothing(SOUGHT_NAME(name));
 }
 
 template <>
-std::optional<float> cfg_get_value_as<float>(const char* name)
+std::optional<float> cfg_get_value_as<float>(std::string_view name)
 {
-    return narrow_number_or_nothing(not_null(name));
+    return narrow_number_or_nothing(SOUGHT_NAME(name));
 }
 
 void cfg_set_value(const std::string& name, const std::string& value)
@@ -330,7 +315,7 @@ void cfg_dyn_get_value(const char* name, std::string* value)
 
 int cfg_ini_get_value_for_zanth(void* /*ignored*/, const char* const* name, char* buffer, unsigned int buffer_size)
 {
-    if (*not_null(*name) == '\0')
+    if (not_null(cfg_ini_name_view(*name)).empty())
         return -1;
     const std::string text = cfg_get_value(*name);
 

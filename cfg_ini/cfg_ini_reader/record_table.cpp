@@ -11,82 +11,18 @@ constinit bool cfg_ini_dirty = true;
 
 namespace
 {
-constexpr char folded(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
-
-template <typename NAME>
-CFG_INI_RECORD* find_record(const NAME& name)
-{
-    const CFG_INI_TABLE& table = *cfg_ini_file.load(std::memory_order_relaxed);
-    const auto entry = table.find(name);
-    return entry == table.end() ? nullptr : entry->second;
-}
-
-template <typename NAME>
-bool mark_had_valid_read(const NAME& name)
+// Takes the lock and finds the record, if there is a store. What visit(record) answers, or false without a record.
+template <typename VISIT>
+bool with_record(const SOUGHT_NAME& name, VISIT visit)
 {
     if (cfg_ini_file.load(std::memory_order_acquire) == nullptr)
         return false;
     const STORE_LOCK lock;
-    CFG_INI_RECORD* const record =
-        cfg_ini_file.load(std::memory_order_relaxed) == nullptr ? nullptr : cfg_ini_get_record(name);
-    if (record != nullptr)
-        record->had_valid_read = true;
-    return record != nullptr;
+    if (cfg_ini_file.load(std::memory_order_relaxed) == nullptr)
+        return false;
+    CFG_INI_RECORD* const record = find_record(name);
+    return record != nullptr && visit(*record);
 }
-}
-
-const char* not_null(const char* name)
-{
-    if (name == nullptr) [[unlikely]]
-    {
-        // cppcheck-suppress nullPointerRedundantCheck
-        static_cast<void>(std::string(name)); // NOLINT(clang-analyzer-cplusplus.StringChecker): throws, as wanted
-    }
-    return name;
-}
-
-std::size_t STL_CASE_INSENSITIVE_HASH_COMPARE::operator()(const char* name) const
-{
-    std::uint64_t hash = 0;
-    for (; *name != '\0'; ++name)
-    {
-        // A byte of 0x80 and above counts as a negative number.
-        hash = hash * 17 + static_cast<std::uint64_t>(static_cast<signed char>(folded(*name)));
-    }
-    return hash;
-}
-
-std::size_t STL_CASE_INSENSITIVE_HASH_COMPARE::operator()(const std::string& name) const
-{
-    return (*this)(name.c_str());
-}
-
-bool STL_CASE_INSENSITIVE_EQUAL::operator()(const char* a, const char* b) const
-{
-    for (; folded(*a) == folded(*b); ++a, ++b)
-    {
-        if (*a == '\0')
-            return true;
-    }
-    return false;
-}
-
-bool STL_CASE_INSENSITIVE_EQUAL::operator()(const std::string& a, const std::string& b) const
-{
-    return (*this)(a.c_str(), b.c_str());
-}
-
-bool STL_CASE_INSENSITIVE_EQUAL::operator()(const char* a, const std::string& b) const
-{
-    return (*this)(a, b.c_str());
-}
-
-bool STL_CASE_INSENSITIVE_EQUAL::operator()(const std::string& a, const char* b) const
-{
-    return (*this)(a.c_str(), b);
 }
 
 THR_MUTEX* store_mutex()
@@ -106,14 +42,34 @@ THR_MUTEX* store_mutex()
     return mutex;
 }
 
-CFG_INI_RECORD* cfg_ini_get_record(const std::string& name)
+CFG_INI_RECORD* find_record_in_table(const SOUGHT_NAME& name)
 {
-    return find_record(name);
+    const CFG_INI_TABLE& table = *cfg_ini_file.load(std::memory_order_relaxed);
+    const auto entry = table.find(HASHED_NAME(name.text));
+    return entry == table.end() ? nullptr : name.remember(entry->first, entry->second);
 }
 
-CFG_INI_RECORD* cfg_ini_get_record(const char* name)
+CFG_INI_RECORD& find_or_insert_record(const SOUGHT_NAME& name)
 {
-    return find_record(name);
+    if (CFG_INI_RECORD* const record = find_record(name); record != nullptr)
+        return *record;
+    CFG_INI_TABLE& table = *cfg_ini_file.load(std::memory_order_relaxed);
+    const auto entry = table.try_emplace(std::string(name.text), nullptr).first;
+    try
+    {
+        entry->second = new CFG_INI_RECORD();
+    }
+    catch (...)
+    {
+        table.erase(entry);
+        throw;
+    }
+    return *name.remember(entry->first, entry->second);
+}
+
+CFG_INI_RECORD* cfg_ini_get_record(const std::string& name)
+{
+    return find_record(SOUGHT_NAME(name));
 }
 
 void cfg_ini_insert_record(const std::string& name, CFG_INI_RECORD* record)
@@ -123,44 +79,7 @@ void cfg_ini_insert_record(const std::string& name, CFG_INI_RECORD* record)
 
 CFG_INI_RECORD* cfg_ini_get_record_or_insert_empty(const std::string& name)
 {
-    CFG_INI_TABLE& table = *cfg_ini_file.load(std::memory_order_relaxed);
-    const auto [entry, is_new] = table.try_emplace(name, nullptr);
-    if (!is_new)
-    {
-        ++entry->second->access_count;
-        return entry->second;
-    }
-    try
-    {
-        // The lookup that creates the record is not counted. Intended: the usage reports tell a variable that a source
-        // set and one that was only asked for by this difference of one.
-        entry->second = new CFG_INI_RECORD();
-    }
-    catch (...)
-    {
-        table.erase(entry);
-        throw;
-    }
-    return entry->second;
-}
-
-CFG_INI_RECORD* cfg_ini_get_record_or_insert_empty(const char* name)
-{
-    if (CFG_INI_RECORD* const record = cfg_ini_get_record(name); record != nullptr) [[likely]]
-    {
-        ++record->access_count;
-        return record;
-    }
-    return cfg_ini_get_record_or_insert_empty(std::string(name));
-}
-
-CFG_INI_RECORD& record_to_store_in(const std::string& name)
-{
-    if (CFG_INI_RECORD* const record = cfg_ini_get_record(name); record != nullptr)
-        return *record;
-    auto record = std::make_unique<CFG_INI_RECORD>();
-    cfg_ini_insert_record(name, record.get());
-    return *record.release();
+    return &find_counted_or_insert_record(SOUGHT_NAME(name));
 }
 
 void discard_store()
@@ -168,27 +87,22 @@ void discard_store()
     const std::unique_ptr<CFG_INI_TABLE> table(cfg_ini_file.exchange(nullptr, std::memory_order_relaxed));
     if (table == nullptr)
         return;
+    forget_recent_names();
     for (const auto& [name, record] : *table)
         delete record;
 }
 
-bool cfg_ini_is_external(const std::string& name)
+bool mark_had_valid_read(const SOUGHT_NAME& name)
 {
-    if (cfg_ini_file.load(std::memory_order_acquire) == nullptr)
-        return false;
-    const STORE_LOCK lock;
-    if (cfg_ini_file.load(std::memory_order_relaxed) == nullptr)
-        return false;
-    const CFG_INI_RECORD* const record = cfg_ini_get_record(name);
-    return record != nullptr && record->external;
+    return with_record(name, [](CFG_INI_RECORD& record) { return record.had_valid_read = true; });
 }
 
 bool cfg_mark_record_had_valid_read(const std::string& name)
 {
-    return mark_had_valid_read(name);
+    return mark_had_valid_read(SOUGHT_NAME(name));
 }
 
-bool cfg_mark_record_had_valid_read(const char* name)
+bool cfg_ini_is_external(const std::string& name)
 {
-    return mark_had_valid_read(name);
+    return with_record(SOUGHT_NAME(name), [](const CFG_INI_RECORD& record) { return record.external; });
 }

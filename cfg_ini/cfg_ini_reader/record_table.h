@@ -8,6 +8,8 @@
 #include <string>
 #include <unordered_map>
 
+#include "cfg_ini/cfg_ini_reader/name_matching.h"
+#include "cfg_ini/cfg_ini_reader/recent_names.h"
 #include "platform/thr/thr.h"
 
 // One internal variable. Guarded by the store's lock; owned by the table until the table is destroyed.
@@ -49,30 +51,6 @@ inline unsigned int CFG_INI_RECORD::get_cached_value<unsigned int>(bool& valid) 
     valid = uint_valid;
     return uint_value;
 }
-
-// `name` itself; a null one throws std::logic_error, as making a std::string of it does.
-const char* not_null(const char* name);
-
-// Names are hashed and compared up to their first zero byte, the letters A to Z folded to lower case, every other byte
-// as it is, in no locale. Both functors take characters as well, so that a name need not become a string to be found.
-//
-// The call operators are not noexcept, and must not become so: that is what makes the standard library keep each
-// entry's hash code, so that growing the table and telling entries apart need not hash names again.
-struct STL_CASE_INSENSITIVE_HASH_COMPARE
-{
-    using is_transparent = void;
-    std::size_t operator()(const char* name) const;
-    std::size_t operator()(const std::string& name) const;
-};
-
-struct STL_CASE_INSENSITIVE_EQUAL
-{
-    using is_transparent = void;
-    bool operator()(const char* a, const char* b) const;
-    bool operator()(const std::string& a, const std::string& b) const;
-    bool operator()(const char* a, const std::string& b) const;
-    bool operator()(const std::string& a, const char* b) const;
-};
 
 using CFG_INI_TABLE =
     std::unordered_map<std::string, CFG_INI_RECORD*, STL_CASE_INSENSITIVE_HASH_COMPARE, STL_CASE_INSENSITIVE_EQUAL>;
@@ -118,19 +96,36 @@ private:
 
 // --- The caller holds the lock and there is a store ---
 
-// The record of that name, or null. Counts nothing, creates nothing.
+// The record of that name, or null, as the table has it. Counts nothing, creates nothing.
+CFG_INI_RECORD* find_record_in_table(const SOUGHT_NAME& name);
+
+// The same, looking among the names found last before it asks the table.
+inline CFG_INI_RECORD* find_record(const SOUGHT_NAME& name)
+{
+    CFG_INI_RECORD* const recent = name.recent();
+    return recent != nullptr ? recent : find_record_in_table(name);
+}
 CFG_INI_RECORD* cfg_ini_get_record(const std::string& name);
-CFG_INI_RECORD* cfg_ini_get_record(const char* name);
 
 // Gives `record` to the table. A name already present keeps its record, and `record` stays the caller's.
 void cfg_ini_insert_record(const std::string& name, CFG_INI_RECORD* record);
 
-// The record of that name, one access counted; or a new empty record, with no access counted. Never null.
-CFG_INI_RECORD* cfg_ini_get_record_or_insert_empty(const std::string& name);
-CFG_INI_RECORD* cfg_ini_get_record_or_insert_empty(const char* name);
+// The record of that name, or a new empty one; counts nothing.
+CFG_INI_RECORD& find_or_insert_record(const SOUGHT_NAME& name);
 
-// The record of that name, or a new empty one; counts nothing. Never null.
-CFG_INI_RECORD& record_to_store_in(const std::string& name);
+// The record of that name, one access counted; or a new empty record, with no access counted. Not counting the lookup
+// that creates the record is intended: by this difference of one the usage reports tell a variable that a source set
+// from one that was only asked for.
+inline CFG_INI_RECORD& find_counted_or_insert_record(const SOUGHT_NAME& name)
+{
+    if (CFG_INI_RECORD* const record = find_record(name); record != nullptr) [[likely]]
+    {
+        ++record->access_count;
+        return *record;
+    }
+    return find_or_insert_record(name);
+}
+CFG_INI_RECORD* cfg_ini_get_record_or_insert_empty(const std::string& name);
 
 // --- The caller holds the lock ---
 
@@ -140,7 +135,7 @@ void discard_store();
 // --- These take the lock; without a store they answer false at once, and read nothing ---
 
 // Marks the record of that name as validly read; whether there is one.
+bool mark_had_valid_read(const SOUGHT_NAME& name);
 bool cfg_mark_record_had_valid_read(const std::string& name);
-bool cfg_mark_record_had_valid_read(const char* name);
 
 #endif

@@ -21,8 +21,9 @@ void set_value(CFG_INI_RECORD& record, const std::string& value)
 
 void store_assignment(const std::string& name, const std::string& value, bool external)
 {
+    const SOUGHT_NAME sought(name);
     NOTIFYING_STORE_LOCK lock(lock_existing_store());
-    CFG_INI_RECORD& record = record_to_store_in(name);
+    CFG_INI_RECORD& record = find_or_insert_record(sought);
     set_value(record, value);
     if (external)
         record.external = true;

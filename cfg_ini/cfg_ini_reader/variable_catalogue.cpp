@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "cfg_ini/cfg_ini_reader/name_matching.h"
 #include "platform/err/err.h"
 
 namespace
@@ -130,13 +130,17 @@ const std::unordered_map<std::string, CFG_INI_VAR_ENUM>& cfg_ini_get_string_to_i
     return positions;
 }
 
-std::optional<CFG_INI_VAR_ENUM> cfg_get_ini_var_enum_from_string(const char* name)
+std::optional<CFG_INI_VAR_ENUM> catalogue_position(std::string_view name)
 {
     // Not through the map above, which is gone once static objects are destroyed: exit handlers still ask.
-    const std::string_view wanted = not_null(name);
-    const auto row = std::ranges::lower_bound(by_name, wanted, {},
+    const auto row = std::ranges::lower_bound(by_name, name, {},
                                               [](const CATALOGUE_ROW& entry) { return std::string_view(entry.name); });
-    if (row == by_name.end() || row->name != wanted)
+    if (row == by_name.end() || row->name != name)
         return std::nullopt;
     return row->position;
+}
+
+std::optional<CFG_INI_VAR_ENUM> cfg_get_ini_var_enum_from_string(const char* name)
+{
+    return catalogue_position(not_null(cfg_ini_name_view(name)));
 }

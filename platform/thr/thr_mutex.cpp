@@ -1,11 +1,11 @@
 // The default mutex: an owner, a count, and a word that waiters sleep on after a short spin.
 //
-// Locking and unlocking run for every lookup, and the store holds the mutex for some nanoseconds only. Sleeping at once,
-// as a general mutex does, makes two busy threads wake each other for every lookup; a short spin outlasts the holder.
-// Unlocking needs no locked instruction: it writes the word, then looks for waiters, and nothing keeps the processor from
-// doing the look first. A thread that is about to sleep therefore makes itself known and then has every running thread of
-// the process pass a full barrier (membarrier): an unlocker either sees the waiter, or its write is seen by the waiter.
-// Where the kernel has no such call, unlocking pays for the barrier itself.
+// Locking and unlocking run for every lookup, and the store holds the mutex for some nanoseconds only. Sleeping at
+// once, as a general mutex does, makes two busy threads wake each other for every lookup; a short spin outlasts the
+// holder. Unlocking needs no locked instruction: it writes the word, then looks for waiters, and nothing keeps the
+// processor from doing the look first. A thread that is about to sleep therefore makes itself known and then has every
+// running thread of the process pass a full barrier (membarrier): an unlocker either sees the waiter, or its write is
+// seen by the waiter. Where the kernel has no such call, unlocking pays for the barrier itself.
 #include "platform/thr/thr.h"
 
 #include <atomic>

@@ -1,0 +1,75 @@
+// How variable names are hashed and compared: up to their first zero byte, the letters A to Z folded to lower case,
+// every other byte as it is, in no locale. No state; any thread.
+#ifndef CFG_INI_CFG_INI_READER_NAME_MATCHING_H
+#define CFG_INI_CFG_INI_READER_NAME_MATCHING_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+// Throws the std::logic_error of making a std::string of a null pointer.
+[[noreturn]] void refuse_null_name();
+
+// `name` itself, unless it has no characters at all (a null pointer, not an empty name): that is refused.
+inline std::string_view not_null(std::string_view name)
+{
+    if (name.data() == nullptr) [[unlikely]]
+        refuse_null_name();
+    return name;
+}
+
+// h = 0, then h * 17 + b for each folded byte b as a signed number, in 64 bits with wrap-around.
+std::size_t hash_name(std::string_view name);
+
+// Whether two names are equal.
+bool equal_names(std::string_view a, std::string_view b);
+
+// Whether two texts of the same length are equal but for the case of the letters A to Z; a zero byte does not end
+// these.
+bool equal_folded(const char* a, const char* b, std::size_t length);
+
+// A name with its hash, so that it is hashed once however often it is looked for. The characters stay the caller's.
+struct HASHED_NAME
+{
+    explicit HASHED_NAME(std::string_view name) : text(name), hash(hash_name(name)) {}
+
+    std::string_view text;
+    std::size_t hash;
+};
+
+// The functors of the record table. The call operators are not noexcept, and must not become so: that is what makes the
+// standard library keep each entry's hash code, so that growing the table and telling entries apart need not hash
+// again.
+struct STL_CASE_INSENSITIVE_HASH_COMPARE
+{
+    using is_transparent = void;
+
+    std::size_t operator()(const std::string& name) const
+    {
+        return hash_name(name);
+    }
+    std::size_t operator()(const HASHED_NAME& name) const
+    {
+        return name.hash;
+    }
+};
+
+struct STL_CASE_INSENSITIVE_EQUAL
+{
+    using is_transparent = void;
+
+    bool operator()(const std::string& a, const std::string& b) const
+    {
+        return equal_names(a, b);
+    }
+    bool operator()(const HASHED_NAME& a, const std::string& b) const
+    {
+        return equal_names(a.text, b);
+    }
+    bool operator()(const std::string& a, const HASHED_NAME& b) const
+    {
+        return equal_names(a, b.text);
+    }
+};
+
+#endif

@@ -1,0 +1,93 @@
+// Where names were found last: most lookups are spared the hash and the walk through the table.
+//
+// A small direct-mapped memory over the table, keyed by the name as it is spelt in the lookup. What it answers is what
+// the table would answer; it may forget at any time.
+#ifndef CFG_INI_CFG_INI_READER_RECENT_NAMES_H
+#define CFG_INI_CFG_INI_READER_RECENT_NAMES_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+#include "cfg_ini/cfg_ini_reader/name_matching.h"
+
+struct CFG_INI_RECORD;
+
+struct RECENT_NAME
+{
+    const char* characters; // of the key in the table
+    std::size_t length;
+    CFG_INI_RECORD* record; // null: nothing remembered
+};
+
+inline constexpr unsigned int recent_bits = 12;
+
+// Guarded by the store's lock. Sized so that a thousand names in use seldom push each other out.
+extern constinit RECENT_NAME recent_names[1U << recent_bits];
+
+// A name to be looked up: its place among the recent names, worked out, and its memory asked for, ahead of the lock.
+class SOUGHT_NAME
+{
+public:
+    // A null name (a view without characters) throws std::logic_error, as making a std::string of it does.
+    explicit SOUGHT_NAME(std::string_view name) : text(not_null(name)), place(&recent_names[place_of(name)])
+    {
+        __builtin_prefetch(place);
+    }
+
+    // The record remembered for the name, or null. The caller holds the lock.
+    CFG_INI_RECORD* recent() const
+    {
+        return place->length == text.size() && place->record != nullptr &&
+                       equal_folded(place->characters, text.data(), text.size())
+                   ? place->record
+                   : nullptr;
+    }
+
+    // Remembers where the name was found: under `key`, which lives as long as the table. The caller holds the lock.
+    CFG_INI_RECORD* remember(std::string_view key, CFG_INI_RECORD* record) const
+    {
+        *place = {key.data(), key.size(), record};
+        return record;
+    }
+
+    const std::string_view text;
+
+private:
+    // Mixes characters of the start, the middle and the end. Two names with the same place only push each other out.
+    static std::size_t place_of(std::string_view name)
+    {
+        const std::size_t length = name.size();
+        const char* const start = name.data();
+        std::uint64_t mix = length;
+        if (length >= 8)
+            mix += first_of<std::uint64_t>(start) * 0x9E3779B97F4A7C15U +
+                   first_of<std::uint64_t>(start + length / 2 - 4) * 0xC2B2AE3D27D4EB4FU +
+                   first_of<std::uint64_t>(start + length - 8) * 0x165667B19E3779F9U;
+        else if (length >= 4)
+            mix += (first_of<std::uint32_t>(start) | std::uint64_t{first_of<std::uint32_t>(start + length - 4)} << 32) *
+                   0x9E3779B97F4A7C15U;
+        else
+        {
+            for (const char c : name)
+                mix = (mix + static_cast<unsigned char>(c)) * 0x9E3779B97F4A7C15U;
+        }
+        return mix >> (64 - recent_bits);
+    }
+
+    template <typename T>
+    static T first_of(const char* from)
+    {
+        T value;
+        std::memcpy(&value, from, sizeof value);
+        return value;
+    }
+
+    RECENT_NAME* const place;
+};
+
+// Forgets all names; to be called before the table goes. The caller holds the lock.
+void forget_recent_names();
+
+#endif

@@ -22,10 +22,11 @@ enum class SETTINGS_LINE
     NO_EQUALS_SIGN, // ignored: no "=" once the comment is removed
 };
 
-// Takes a line, its newline removed, apart; `line` loses its comment, and `name` and `value` are set only for an
-// assignment. Everything before the first "=" is the name, white space removed throughout; everything after it the
-// value, trimmed at its ends. Either may be empty.
-SETTINGS_LINE parse_settings_line(std::string& line, std::string& name, std::string& value);
+// Takes a line, its newline removed, apart; `name` and `value` are set only for an assignment. Everything before the
+// first
+// "=" is the name, white space removed throughout; everything between it and the comment the value, trimmed at its
+// ends. Either may be empty.
+SETTINGS_LINE parse_settings_line(std::string_view line, std::string& name, std::string& value);
 
 // The separator of an inline text: its first ":" or ";", or ";" when it has neither.
 char cfg_find_separator_in_ini_string(const std::string& text);

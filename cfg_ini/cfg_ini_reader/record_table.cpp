@@ -1,6 +1,5 @@
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 
-#include <memory>
 #include <mutex>
 
 #include "cfg_ini/cfg_ini.h"
@@ -51,13 +50,15 @@ CFG_INI_RECORD* find_record_in_table(const SOUGHT_NAME& name)
 
 CFG_INI_RECORD& find_or_insert_record(const SOUGHT_NAME& name)
 {
-    if (CFG_INI_RECORD* const record = find_record(name); record != nullptr)
+    if (CFG_INI_RECORD* const record = name.recent(); record != nullptr)
         return *record;
     CFG_INI_TABLE& table = *cfg_ini_file.load(std::memory_order_relaxed);
-    const auto entry = table.try_emplace(std::string(name.text), nullptr).first;
+    const auto [entry, is_new] = table.try_emplace(std::string(name.text), nullptr);
+    if (!is_new)
+        return *name.remember(entry->first, entry->second);
     try
     {
-        entry->second = new CFG_INI_RECORD();
+        entry->second = table.make_record();
     }
     catch (...)
     {
@@ -74,7 +75,9 @@ CFG_INI_RECORD* cfg_ini_get_record(const std::string& name)
 
 void cfg_ini_insert_record(const std::string& name, CFG_INI_RECORD* record)
 {
-    cfg_ini_file.load(std::memory_order_relaxed)->try_emplace(name, record);
+    CFG_INI_TABLE& table = *cfg_ini_file.load(std::memory_order_relaxed);
+    if (table.try_emplace(name, record).second)
+        table.adopt(record);
 }
 
 CFG_INI_RECORD* cfg_ini_get_record_or_insert_empty(const std::string& name)
@@ -82,14 +85,16 @@ CFG_INI_RECORD* cfg_ini_get_record_or_insert_empty(const std::string& name)
     return &find_counted_or_insert_record(SOUGHT_NAME(name));
 }
 
+void reserve_records(std::size_t further)
+{
+    CFG_INI_TABLE& table = *cfg_ini_file.load(std::memory_order_relaxed);
+    table.reserve(table.size() + further);
+}
+
 void discard_store()
 {
-    const std::unique_ptr<CFG_INI_TABLE> table(cfg_ini_file.exchange(nullptr, std::memory_order_relaxed));
-    if (table == nullptr)
-        return;
     forget_recent_names();
-    for (const auto& [name, record] : *table)
-        delete record;
+    delete cfg_ini_file.exchange(nullptr, std::memory_order_relaxed);
 }
 
 bool mark_had_valid_read(const SOUGHT_NAME& name)

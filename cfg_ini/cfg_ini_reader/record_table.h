@@ -5,8 +5,12 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
+#include <memory>
+#include <memory_resource>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "cfg_ini/cfg_ini_reader/name_matching.h"
 #include "cfg_ini/cfg_ini_reader/recent_names.h"
@@ -52,8 +56,34 @@ inline unsigned int CFG_INI_RECORD::get_cached_value<unsigned int>(bool& valid) 
     return uint_value;
 }
 
-using CFG_INI_TABLE =
-    std::unordered_map<std::string, CFG_INI_RECORD*, STL_CASE_INSENSITIVE_HASH_COMPARE, STL_CASE_INSENSITIVE_EQUAL>;
+// Memory that single entries never give back, since no entry is ever removed: it is taken in pieces of growing size.
+struct CFG_INI_TABLE_MEMORY
+{
+    std::pmr::monotonic_buffer_resource entry_memory;
+    std::deque<CFG_INI_RECORD> records;
+    std::vector<std::unique_ptr<CFG_INI_RECORD>> adopted_records;
+};
+
+// The table, with the memory of its entries and records.
+class CFG_INI_TABLE : private CFG_INI_TABLE_MEMORY,
+                      public std::pmr::unordered_map<std::string, CFG_INI_RECORD*, STL_CASE_INSENSITIVE_HASH_COMPARE,
+                                                     STL_CASE_INSENSITIVE_EQUAL>
+{
+public:
+    CFG_INI_TABLE() : unordered_map(&entry_memory) {}
+
+    // A new value-initialised record, which lives as long as the table.
+    CFG_INI_RECORD* make_record()
+    {
+        return &records.emplace_back();
+    }
+
+    // Takes over a record that the caller made with new.
+    void adopt(CFG_INI_RECORD* record)
+    {
+        adopted_records.emplace_back(record);
+    }
+};
 
 #ifdef __GLIBCXX__
 static_assert(std::__cache_default<std::string, STL_CASE_INSENSITIVE_HASH_COMPARE>::value,
@@ -128,6 +158,9 @@ inline CFG_INI_RECORD& find_counted_or_insert_record(const SOUGHT_NAME& name)
 CFG_INI_RECORD* cfg_ini_get_record_or_insert_empty(const std::string& name);
 
 // --- The caller holds the lock ---
+
+// Makes room for that many further names, so that reading them in need not grow the table again and again.
+void reserve_records(std::size_t further);
 
 // Frees every record and the table, if there is one. Tells nobody.
 void discard_store();

@@ -22,6 +22,9 @@ namespace
 {
 const MEM_INITIALIZER mem_initializer("CFG_INI");
 
+// For making room ahead of a file.
+constexpr std::size_t usual_line_length = 40;
+
 using INSERT = void(const std::string& name, const std::string& value);
 
 // Stores every assignment of the file `path` and remembers the path, if the file opens.
@@ -31,11 +34,13 @@ void read_lines(const std::string& path, char (&path_buffer)[longest_path + 1], 
     if (!lines.opened())
         return;
     {
-        // Only for the buffer: two threads may lay files over the store at the same time.
+        // Only for this: two threads may lay files over the store at the same time.
         const STORE_LOCK lock;
         std::strncpy(path_buffer, path.c_str(), longest_path); // the byte behind stays zero
+        if (cfg_ini_file.load(std::memory_order_relaxed) != nullptr)
+            reserve_records(lines.size_hint() / usual_line_length);
     }
-    std::string line;
+    std::string_view line;
     std::string name;
     std::string value;
     while (lines.next(line))

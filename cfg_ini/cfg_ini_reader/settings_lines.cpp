@@ -1,6 +1,6 @@
 #include "cfg_ini/cfg_ini_reader/settings_lines.h"
 
-#include <cstring>
+#include <algorithm>
 
 namespace
 {
@@ -22,28 +22,40 @@ bool SETTINGS_LINES::fill()
     return filled > 0;
 }
 
-bool SETTINGS_LINES::next(std::string& line)
+bool SETTINGS_LINES::next(std::string_view& line)
 {
-    line.clear();
     if (file == nullptr)
         return false;
 
-    bool found_bytes = false;
+    divided.clear();
     while (position < filled || fill())
     {
-        found_bytes = true;
-        const char* const start = buffer.get() + position;
-        const std::size_t available = filled - position;
-        const auto* const newline = static_cast<const char*>(std::memchr(start, '\n', available));
-        if (newline != nullptr)
+        const std::string_view rest(buffer.get() + position, filled - position);
+        const std::size_t newline = rest.find('\n');
+        const std::string_view part = rest.substr(0, newline);
+        position += part.size();
+        if (newline != std::string_view::npos)
         {
-            const auto length = static_cast<std::size_t>(newline - start);
-            line.append(start, length);
-            position += length + 1;
+            ++position;
+            line = divided.empty() ? part : divided.append(part);
             return true;
         }
-        line.append(start, available);
-        position = filled;
+        divided.append(part);
     }
-    return found_bytes;
+    line = divided;
+    return !divided.empty();
+}
+
+std::size_t SETTINGS_LINES::size_hint()
+{
+    if (file == nullptr || !fill())
+        return 0;
+    if (filled < buffer_size)
+        return filled;
+    const long here = std::ftell(file.get());
+    if (here < 0 || std::fseek(file.get(), 0, SEEK_END) != 0)
+        return 0;
+    const long end = std::ftell(file.get());
+    std::fseek(file.get(), here, SEEK_SET);
+    return static_cast<std::size_t>(std::max(end, here));
 }

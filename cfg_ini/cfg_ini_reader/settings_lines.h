@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <string_view>
 
 class SETTINGS_LINES
 {
@@ -18,9 +19,13 @@ public:
         return file != nullptr;
     }
 
-    // Whether there is a further line; if so, `line` becomes its bytes without the newline. A last line need not end in
-    // one. A line may be of any length and may hold any byte.
-    bool next(std::string& line);
+    // Whether there is a further line; if so, `line` becomes its bytes without the newline, valid until the next call.
+    // A last line need not end in one. A line may be of any length and may hold any byte.
+    bool next(std::string_view& line);
+
+    // How many bytes the file has, to be asked before the first line; 0 when it cannot be told. Only for making room:
+    // the file may grow or shrink while it is read.
+    std::size_t size_hint();
 
 private:
     bool fill();
@@ -35,6 +40,7 @@ private:
 
     std::unique_ptr<std::FILE, CLOSER> file;
     std::unique_ptr<char[]> buffer;
+    std::string divided; // a line that ran over the end of the buffer
     std::size_t position = 0;
     std::size_t filled = 0;
 };

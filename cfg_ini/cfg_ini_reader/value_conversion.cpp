@@ -1,9 +1,9 @@
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"
 
-#include <charconv>
+#include <cstdint>
 #include <cstdlib>
-#include <cstring>
-#include <system_error>
+#include <limits>
+#include <string_view>
 
 #include "platform/gen/gen.h"
 
@@ -11,7 +11,7 @@ namespace
 {
 struct BOOLEAN_WORD
 {
-    const char* word;
+    std::string_view word;
     bool value;
 };
 
@@ -19,33 +19,58 @@ constexpr BOOLEAN_WORD boolean_words[] = {
     {"on", true}, {"1", true}, {"true", true}, {"off", false}, {"0", false}, {"false", false},
 };
 
-template <typename T>
-std::optional<T> whole_decimal_number(const char* text)
+constexpr std::size_t longest_word = 5;
+
+// The length of a text up to one more than the longest word has.
+std::size_t short_length(const char* text)
 {
-    const char* const end = text + std::strlen(text);
-    T value{};
-    const auto [stop, error] = std::from_chars(text, end, value);
-    if (error != std::errc{} || stop != end)
-        return std::nullopt;
-    return value;
+    std::size_t length = 0;
+    while (length <= longest_word && text[length] != '\0')
+        ++length;
+    return length;
 }
 
+// Whether `text` is as a whole a decimal number of type T; *value is written only then. Any number of leading zeros may
+// stand before it, and a "-" if T has negative numbers.
 template <typename T>
 bool convert_if_whole(const char* text, T* value)
 {
-    const std::optional<T> converted = cfg_ini_convert_to<T>(text);
-    if (converted)
-        *value = *converted;
-    return converted.has_value();
+    using LIMITS = std::numeric_limits<T>;
+    const bool negative = LIMITS::is_signed && *text == '-';
+    const char* const first_digit = text + (negative ? 1 : 0);
+    const std::int64_t limit = negative ? -std::int64_t{LIMITS::min()} : std::int64_t{LIMITS::max()};
+
+    std::int64_t number = 0;
+    const char* digit = first_digit;
+    for (; *digit >= '0' && *digit <= '9'; ++digit)
+    {
+        number = number * 10 + (*digit - '0');
+        if (number > limit)
+            return false;
+    }
+    if (digit == first_digit || *digit != '\0')
+        return false;
+    *value = static_cast<T>(negative ? -number : number);
+    return true;
+}
+
+template <typename T>
+std::optional<T> whole_number(const char* text)
+{
+    T value;
+    return convert_if_whole(text, &value) ? std::optional<T>(value) : std::nullopt;
 }
 }
 
 bool cfg_ini_convert_to_bool(const char* text, bool* value)
 {
     *value = false;
+    const std::size_t length = short_length(text);
     for (const auto& [word, meaning] : boolean_words)
     {
-        if (gen_stricmp(text, word) == 0)
+        // Length and first letter settle nearly every text. The words are in lower case; 0x20 is what separates the
+        // cases of a letter, and digits have it.
+        if (length == word.size() && (*text | 0x20) == word.front() && gen_stricmp(text, word.data()) == 0)
         {
             *value = meaning;
             return true;
@@ -63,13 +88,13 @@ bool cfg_ini_str_to_bool(const char* text, bool default_value)
 template <>
 std::optional<int> cfg_ini_convert_to<int>(const char* text)
 {
-    return whole_decimal_number<int>(text);
+    return whole_number<int>(text);
 }
 
 template <>
 std::optional<unsigned int> cfg_ini_convert_to<unsigned int>(const char* text)
 {
-    return whole_decimal_number<unsigned int>(text);
+    return whole_number<unsigned int>(text);
 }
 
 bool cfg_ini_convert_to_int(const char* text, int* value)

@@ -1,4 +1,5 @@
-// Text to boolean, to 32-bit integers and to floating point. No state; any thread. `text` is zero-terminated and must not be null.
+// Text to boolean, to 32-bit integers and to floating point. No state; any thread. `text` is zero-terminated and must
+// not be null.
 #ifndef CFG_INI_CFG_INI_READER_VALUE_CONVERSION_H
 #define CFG_INI_CFG_INI_READER_VALUE_CONVERSION_H
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <string_view>
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/ini_text.h"
@@ -61,14 +62,20 @@ void add_file(SETTINGS_LAYERS& result, LAYER_KIND kind, const std::string& path)
     check_input_file(path);
     result.layers.push_back({kind, path});
     SETTINGS_LINES lines(path);
-    std::string line;
+    std::string_view line;
     for (std::size_t position = 1; lines.next(line); ++position)
     {
-        if (line.find('\0') != std::string::npos)
+        if (line.find('\0') != std::string_view::npos)
             throw_binary_file(path, position);
-        STATEMENT statement{0, position, line, 0, {}, {}, {}};
-        statement.outcome = outcome_of(parse_settings_line(line, statement.name, statement.value));
-        statement.kept = line.size();
+        STATEMENT statement{0, position, std::string(line), line.size(), {}, {}, {}};
+        const SETTINGS_LINE parsed = parse_settings_line(line, statement.name, statement.value);
+        statement.outcome = outcome_of(parsed);
+        if (parsed != SETTINGS_LINE::TOO_SHORT)
+        {
+            std::string kept(line);
+            cfg_remove_commented_portion(&kept);
+            statement.kept = kept.size();
+        }
         add_statement(result, std::move(statement));
     }
 }

@@ -1,0 +1,310 @@
+// The rules of names, lines and values written out plainly, held against the library's quicker ways on random text,
+// byte for byte. The seeds are fixed; a failure shows the text.
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <charconv>
+#include <cstdint>
+#include <cstring>
+#include <map>
+#include <optional>
+#include <random>
+#include <string>
+#include <strings.h>
+
+#include "cfg_ini/cfg_ini.h"
+#include "cfg_ini/cfg_ini_reader/ini_text.h"
+#include "cfg_ini/cfg_ini_reader/name_matching.h"
+#include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "cfg_ini/cfg_ini_reader/settings_lines.h"
+#include "cfg_ini/cfg_ini_reader/value_conversion.h"
+#include "tests/support/faked_test.h"
+
+namespace
+{
+namespace plain
+{
+char fold(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 0x20) : c;
+}
+
+std::uint64_t hash(const std::string& name)
+{
+    std::uint64_t h = 0;
+    for (const char* p = name.c_str(); *p != '\0'; ++p)
+        h = h * 17 + static_cast<std::uint64_t>(std::int64_t{static_cast<signed char>(fold(*p))});
+    return h;
+}
+
+std::string folded_up_to_zero(const std::string& name)
+{
+    std::string text = name.c_str();
+    for (char& c : text)
+        c = fold(c);
+    return text;
+}
+
+void remove_comment(std::string& line)
+{
+    bool in_quotes = false;
+    for (std::size_t i = 0; i < line.size(); ++i)
+    {
+        if (line[i] == '"')
+            in_quotes = !in_quotes;
+        else if ((line[i] == ';' || line[i] == '#') && !in_quotes)
+        {
+            line.resize(i);
+            break;
+        }
+    }
+    const std::size_t slashes = line.find("//");
+    if (slashes != std::string::npos && slashes < line.find('='))
+        line.resize(slashes);
+}
+
+// "name\nvalue" of an assignment; nothing for an ignored line.
+std::optional<std::string> assignment(std::string line)
+{
+    if (line.size() < 3 && !(line.size() == 2 && line[0] == '='))
+        return std::nullopt;
+    remove_comment(line);
+    const std::size_t equals = line.find('=');
+    if (equals == std::string::npos)
+        return std::nullopt;
+    std::string name;
+    for (const char c : line.substr(0, equals))
+    {
+        if (std::isspace(static_cast<unsigned char>(c)) == 0)
+            name += c;
+    }
+    std::string value = line.substr(equals + 1);
+    while (!value.empty() && std::strchr(" \t\n\v\f\r", value.front()) != nullptr && value.front() != '\0')
+        value.erase(0, 1);
+    while (!value.empty() && std::strchr(" \t\n\v\f\r", value.back()) != nullptr && value.back() != '\0')
+        value.pop_back();
+    return name + '\n' + value;
+}
+
+template <typename T>
+std::optional<T> number(const std::string& text)
+{
+    const char* const end = text.c_str() + std::strlen(text.c_str());
+    T value{};
+    const auto [stop, error] = std::from_chars(text.c_str(), end, value);
+    if (error != std::errc{} || stop != end)
+        return std::nullopt;
+    return value;
+}
+
+std::optional<bool> boolean(const std::string& text)
+{
+    for (const char* word : {"on", "1", "true"})
+    {
+        if (strcasecmp(text.c_str(), word) == 0)
+            return true;
+    }
+    for (const char* word : {"off", "0", "false"})
+    {
+        if (strcasecmp(text.c_str(), word) == 0)
+            return false;
+    }
+    return std::nullopt;
+}
+}
+
+// Random text of up to `longest` bytes over an alphabet.
+class RANDOM_TEXT
+{
+public:
+    RANDOM_TEXT(unsigned int seed, std::string characters) : engine(seed), alphabet(std::move(characters)) {}
+
+    std::string operator()(std::size_t longest)
+    {
+        std::string text(engine() % (longest + 1), ' ');
+        for (char& c : text)
+            c = alphabet[engine() % alphabet.size()];
+        return text;
+    }
+
+    std::mt19937 engine;
+
+private:
+    std::string alphabet;
+};
+
+std::string all_bytes()
+{
+    std::string bytes;
+    for (int c = 0; c < 256; ++c)
+        bytes += static_cast<char>(c);
+    return bytes;
+}
+
+const std::string letters = "abcxyzABCXYZ@[`{_09";
+}
+
+TEST(FAST_PATHS, hash_is_that_of_the_bytewise_rule)
+{
+    for (const std::string& alphabet : {letters, letters + "\xC3\x89\x80\xFF", all_bytes(), std::string("A")})
+    {
+        RANDOM_TEXT random(1, alphabet);
+        for (int i = 0; i < 20000; ++i)
+        {
+            const std::string name = random(45);
+            ASSERT_EQ(STL_CASE_INSENSITIVE_HASH_COMPARE()(name), plain::hash(name)) << testing::PrintToString(name);
+        }
+    }
+}
+
+TEST(FAST_PATHS, names_are_equal_when_the_folded_bytes_up_to_zero_are)
+{
+    for (const std::string& alphabet :
+         {std::string("aA"), std::string("@`[{"), std::string("aA\0", 3), std::string("\xC3\xE3zZ"), all_bytes()})
+    {
+        RANDOM_TEXT random(2, alphabet);
+        for (int i = 0; i < 20000; ++i)
+        {
+            const std::string a = random(i % 2 == 0 ? 3 : 40);
+            // Half of the time the same text with some letters in the other case, and one byte changed now and then.
+            std::string b = i % 4 < 2 ? random(3) : a;
+            for (char& c : b)
+            {
+                if (std::isalpha(static_cast<unsigned char>(c)) != 0 && random.engine() % 2 == 0)
+                    c = static_cast<char>(c ^ 0x20);
+            }
+            if (!b.empty() && i % 8 == 3)
+                b[random.engine() % b.size()] = alphabet[random.engine() % alphabet.size()];
+            const bool expected = plain::folded_up_to_zero(a) == plain::folded_up_to_zero(b);
+            ASSERT_EQ(STL_CASE_INSENSITIVE_EQUAL()(a, b), expected)
+                << testing::PrintToString(a) << " and " << testing::PrintToString(b);
+            ASSERT_EQ(STL_CASE_INSENSITIVE_EQUAL()(HASHED_NAME(a), b), expected)
+                << testing::PrintToString(a) << " and " << testing::PrintToString(b);
+        }
+    }
+}
+
+TEST(FAST_PATHS, lines_divide_as_the_two_passes_do)
+{
+    for (const std::string& alphabet : {std::string("a=;#\"/ "), std::string("ab=/\" \t\r\v"), all_bytes()})
+    {
+        RANDOM_TEXT random(3, alphabet);
+        for (int i = 0; i < 40000; ++i)
+        {
+            const std::string line = random(12);
+
+            std::string uncommented = line;
+            cfg_remove_commented_portion(&uncommented);
+            std::string expected_uncommented = line;
+            plain::remove_comment(expected_uncommented);
+            ASSERT_EQ(uncommented, expected_uncommented) << testing::PrintToString(line);
+
+            std::string name;
+            std::string value;
+            std::optional<std::string> parsed;
+            if (parse_settings_line(line, name, value) == SETTINGS_LINE::ASSIGNMENT)
+                parsed = name + '\n' + value;
+            ASSERT_EQ(parsed, plain::assignment(line)) << testing::PrintToString(line);
+        }
+    }
+}
+
+TEST(FAST_PATHS, texts_convert_as_whole_numbers_and_words)
+{
+    for (const std::string& alphabet : {std::string("0123456789"), std::string("-+0192 "), std::string("oOnNfF"),
+                                        std::string("tTrRuUeEfFaAlLsS"), all_bytes()})
+    {
+        RANDOM_TEXT random(4, alphabet);
+        for (int i = 0; i < 40000; ++i)
+        {
+            const std::string text = random(i % 2 == 0 ? 5 : 13);
+            ASSERT_EQ(cfg_ini_convert_to<int>(text.c_str()), plain::number<int>(text)) << testing::PrintToString(text);
+            ASSERT_EQ(cfg_ini_convert_to<unsigned int>(text.c_str()), plain::number<unsigned int>(text))
+                << testing::PrintToString(text);
+            bool value = true;
+            const bool converted = cfg_ini_convert_to_bool(text.c_str(), &value);
+            ASSERT_EQ(converted, plain::boolean(text).has_value()) << testing::PrintToString(text);
+            ASSERT_EQ(value, plain::boolean(text).value_or(false)) << testing::PrintToString(text);
+        }
+    }
+}
+
+class FAST_STORE : public FAKED_TEST
+{
+};
+
+// More names than are remembered, in many spellings, against an ordered map under the folded name.
+TEST_F(FAST_STORE, remembered_names_answer_as_the_table_does)
+{
+    cfg_read_ini_file(std::string());
+    RANDOM_TEXT random(5, "abABcdefghijkl_0123");
+    std::map<std::string, int> model;
+    std::map<std::string, std::uint64_t> counts;
+    std::vector<std::string> spellings;
+    for (int i = 0; i < 30000; ++i)
+    {
+        std::string name = i % 3 == 0 || spellings.empty() ? random(30) : spellings[random.engine() % spellings.size()];
+        if (i % 5 == 0)
+        {
+            for (char& c : name)
+                c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        }
+        if (i % 3 == 0)
+            spellings.push_back(name);
+        const std::string key = plain::folded_up_to_zero(name);
+        if (i % 2 == 0)
+        {
+            cfg_set_int_value(name, i);
+            model[key] = i;
+            counts.try_emplace(key, 0);
+        }
+        else
+        {
+            const auto known = model.find(key);
+            ASSERT_EQ(cfg_get_int_value(name, -1), known == model.end() ? -1 : known->second) << name;
+            if (const auto [count, created] = counts.try_emplace(key, 0); !created)
+                ++count->second;
+        }
+    }
+    ASSERT_GT(model.size(), 4096U);
+    const STORE_LOCK lock;
+    ASSERT_EQ(cfg_ini_file.load()->size(), counts.size());
+    for (const auto& [name, record] : *cfg_ini_file.load())
+        ASSERT_EQ(record->access_count, counts.at(plain::folded_up_to_zero(name))) << name;
+}
+
+TEST_F(FAST_STORE, an_emptied_store_is_not_remembered)
+{
+    cfg_read_ini_file(std::string());
+    cfg_set_int_value("remembered_name", 1);
+    EXPECT_EQ(cfg_get_int_value("remembered_name", -1), 1);
+    cfg_read_ini_file(std::string());
+    EXPECT_EQ(cfg_get_int_value("remembered_name", -1), -1);
+}
+
+TEST_F(FAST_STORE, lines_come_out_whole_wherever_the_buffer_ends)
+{
+    // Lines around the lengths at which a buffer of 64 KiB divides them.
+    std::string text;
+    std::vector<std::string> expected;
+    for (const std::size_t length : {std::size_t{65535}, std::size_t{0}, std::size_t{65536}, std::size_t{65537},
+                                     std::size_t{1}, std::size_t{200000}, std::size_t{3}})
+    {
+        expected.emplace_back(length, static_cast<char>('a' + expected.size()));
+        text += expected.back() + '\n';
+    }
+    expected.emplace_back("no newline");
+    text += expected.back();
+    const std::string path = temporary.path("lines.ini");
+    write_file(path, text);
+
+    SETTINGS_LINES lines(path);
+    EXPECT_EQ(lines.size_hint(), text.size());
+    std::string_view line;
+    for (const std::string& each : expected)
+    {
+        ASSERT_TRUE(lines.next(line));
+        ASSERT_EQ(line, each);
+    }
+    EXPECT_FALSE(lines.next(line));
+}

@@ -115,6 +115,8 @@ int main(int argc, char** argv)
     benchmark::RunSpecifiedBenchmarks(&results);
 
     print_table(std::cout, results);
+    if (options.is_short)
+        std::cout << "\nA short run: every row works, the times say nothing.\n";
     if (!options.json_file.empty())
     {
         std::ofstream file(options.json_file);

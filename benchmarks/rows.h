@@ -42,6 +42,7 @@ inline constexpr const char* work_report_all = "ranked report, all 10 000, a var
 inline constexpr const char* work_catalogue = "catalogue lookup, bool";
 inline constexpr const char* work_mode = "mode question after the first";
 inline constexpr const char* work_debug_settings = "debug settings, nothing changed";
+inline constexpr const char* work_cached_switch = "cached switch";
 inline constexpr const char* work_lock = "floor: recursive lock and unlock";
 inline constexpr const char* work_hash = "floor: hash of the hot name";
 inline constexpr const char* work_hot_find = "floor: unordered_map find, hot name";

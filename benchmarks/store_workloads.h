@@ -10,6 +10,7 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -50,6 +51,8 @@ void hold(const SETTINGS_FILE& file)
         return;
     drop<STORE>();
     STORE::load(file.path);
+    if (STORE::read_int(std::string(hot_name)) != 1)
+        throw std::runtime_error("a store cannot read " + file.path);
     held<STORE>() = &file;
 }
 

@@ -1,3 +1,0 @@
-#include "benchmarks/rows.h"
-
-void add_rows_of_peers(bool) {}

@@ -162,3 +162,28 @@ const std::vector<EXPECTED_PREFERENCE>& expected_preferences()
     };
     return preferences;
 }
+
+const std::vector<std::pair<std::string, std::string>>& expected_old_names()
+{
+    static const std::vector<std::pair<std::string, std::string>> names = {
+        {"DISPLAY_WARNING_MESSAGES", "Post warning messages"},
+        {"DISPLAY_INFORMATION_MESSAGES", "Post information messages"},
+        {"RUN_PROCESS_AT_LOWER_PRIORITY", "Run processes at lower priority"},
+        {"GENERATE_HTML_REPORT_FILES", "GENERATE_HTML_REPORT_FILE"},
+        {"GENERATE_HTML_REPORT_FILES", "Generate HTML report file"},
+        {"GENERATE_JSON_REPORT_FILES", "GENERATE_JSON_REPORT_FILE"},
+        {"GENERATE_JSON_REPORT_FILES", "Generate JSON report file"},
+        {"GENERATE_SINGLE_REPORT_FILE", "GENERATE_SINGLE_TEXT_REPORT_FILE"},
+        {"SOUND_WHEN_PROCESS_DONE", "Beep when process done"},
+        {"DISPLAY_MESSAGE_WHEN_PROCESS_DONE", "Show message box when process done"},
+        {"VANTREL_ENABLED", "Velmar Vantrel Enabled"},
+        {"VANTREL_IE_ENABLED", "Velmar Vantrel IE"},
+        {"VANTREL_COMPANY_NAME", "Company Name"},
+        {"VANTREL_FAE_NAME", "FAE Name"},
+        {"VANTREL_SAVE_XML_FILES", "Keep XML Files"},
+        {"VANTREL_SAVE_XML_FILES_LOCATION", "Keep XML Files In"},
+        {"READ_WRITE_HEX_FILES_TO_WORD_BOUNDARY", "Read/Write HEX files to word boundary"},
+        {"AUTO_RECOMPILE_BEFORE_SIM", "Auto Recompile"},
+    };
+    return names;
+}

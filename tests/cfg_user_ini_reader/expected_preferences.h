@@ -3,6 +3,7 @@
 #define TESTS_CFG_USER_INI_READER_EXPECTED_PREFERENCES_H
 
 #include <string>
+#include <utility>
 #include <vector>
 
 struct EXPECTED_PREFERENCE
@@ -22,5 +23,8 @@ struct EXPECTED_PREFERENCE
 };
 
 const std::vector<EXPECTED_PREFERENCE>& expected_preferences();
+
+// (current key, old name), in the order in which old names are tried.
+const std::vector<std::pair<std::string, std::string>>& expected_old_names();
 
 #endif

@@ -156,26 +156,9 @@ TEST(preference_catalogue, some_preferences_have_a_default_and_some_none)
 
 TEST(preference_catalogue, old_names_stand_in_the_order_of_their_trial)
 {
-    const std::vector<std::pair<std::string, std::string>> expected = {
-        {"DISPLAY_WARNING_MESSAGES", "Post warning messages"},
-        {"DISPLAY_INFORMATION_MESSAGES", "Post information messages"},
-        {"RUN_PROCESS_AT_LOWER_PRIORITY", "Run processes at lower priority"},
-        {"GENERATE_HTML_REPORT_FILES", "GENERATE_HTML_REPORT_FILE"},
-        {"GENERATE_HTML_REPORT_FILES", "Generate HTML report file"},
-        {"GENERATE_JSON_REPORT_FILES", "GENERATE_JSON_REPORT_FILE"},
-        {"GENERATE_JSON_REPORT_FILES", "Generate JSON report file"},
-        {"GENERATE_SINGLE_REPORT_FILE", "GENERATE_SINGLE_TEXT_REPORT_FILE"},
-        {"SOUND_WHEN_PROCESS_DONE", "Beep when process done"},
-        {"DISPLAY_MESSAGE_WHEN_PROCESS_DONE", "Show message box when process done"},
-        {"VANTREL_ENABLED", "Velmar Vantrel Enabled"},
-        {"VANTREL_IE_ENABLED", "Velmar Vantrel IE"},
-        {"VANTREL_COMPANY_NAME", "Company Name"},
-        {"VANTREL_FAE_NAME", "FAE Name"},
-        {"VANTREL_SAVE_XML_FILES", "Keep XML Files"},
-        {"VANTREL_SAVE_XML_FILES_LOCATION", "Keep XML Files In"},
-        {"READ_WRITE_HEX_FILES_TO_WORD_BOUNDARY", "Read/Write HEX files to word boundary"},
-        {"AUTO_RECOMPILE_BEFORE_SIM", "Auto Recompile"},
-        {"", ""}};
+    std::vector<std::pair<std::string, std::string>> expected = expected_old_names();
+    expected.emplace_back("", "");
+    EXPECT_EQ(expected.size(), 19U);
     const std::vector<std::pair<std::string, std::string>> actual(cfg_user_ini_name_old_name_table.begin(),
                                                                   cfg_user_ini_name_old_name_table.end());
     EXPECT_EQ(actual, expected);

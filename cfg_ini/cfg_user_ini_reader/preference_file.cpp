@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
+#include "cfg_ini/cfg_user_ini_reader/running_records.h"
 #include "platform/err/err.h"
 #include "platform/fio/fio.h"
 #include "platform/gen/gen.h"
@@ -38,12 +39,7 @@ std::string cfg_get_section_for_name(const char* name, const char* value, bool w
         err_report_internal_error("name != NULL", "CFG_INI", preference_store_source, __LINE__);
         return {};
     }
-    return preference_section(find_preference(name), value, with_version);
-}
-
-std::string preference_section(CFG_USER_INI_ENUMS preference, const char* value, bool with_version)
-{
-    const PREFERENCE_TRIPLE* const triple = find_fitting_triple(preference, value);
+    const PREFERENCE_TRIPLE* const triple = find_fitting_triple(find_preference(name), value);
     if (triple == nullptr)
         return {};
     return with_version ? released_section(triple->section, ver_get_version()) : triple->section;
@@ -178,6 +174,7 @@ void read_lines(std::istream& file, FILE_CONTENTS& contents)
 
 void publish(FILE_CONTENTS&& contents)
 {
+    forget_running_records();
     cfg_user_ini_records = contents.records.release();
     cfg_user_ini_sections_read = contents.sections.release();
 }

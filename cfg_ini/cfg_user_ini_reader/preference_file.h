@@ -49,9 +49,6 @@ std::string cfg_convert_from_old_to_new(const std::string& name);
 // text.
 std::string cfg_get_section_for_name(const char* name, const char* value, bool with_version);
 
-// The same by number; empty for a number that belongs to no preference.
-std::string preference_section(CFG_USER_INI_ENUMS preference, const char* value, bool with_version);
-
 // The section of one release, such as "General 23.4_pro".
 std::string released_section(const std::string& section, const std::string& version);
 

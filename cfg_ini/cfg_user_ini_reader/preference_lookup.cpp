@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -10,6 +11,7 @@
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_file.h"
+#include "cfg_ini/cfg_user_ini_reader/running_records.h"
 #include "platform/err/err.h"
 #include "platform/gen/gen.h"
 #include "platform/mem/mem.h"
@@ -41,7 +43,7 @@ bool equals_ignoring_case(const std::string& text, const char* other)
     return gen_stricmp(text.c_str(), other) == 0;
 }
 
-const CFG_USER_VALUE_STRUCT* find_record(const RECORD_KEY& key)
+CFG_USER_VALUE_STRUCT* find_record(const RECORD_KEY& key)
 {
     const auto found = cfg_user_ini_records->find(key.text);
     return found != cfg_user_ini_records->end() ? found->second : nullptr;
@@ -80,23 +82,51 @@ void load_if_needed()
         cfg_read_user_ini_file();
 }
 
+// Whether the preference is asked for under the catalogue's own spelling, as by number it always is.
+bool is_catalogue_spelling(CFG_USER_INI_ENUMS preference, const char* name)
+{
+    const char* const key = cfg_user_ini_ini_names[preference_position(preference)];
+    return name == key || std::strcmp(name, key) == 0;
+}
+
+// The memory for the running release's record of a preference that has triples; null when it cannot be used.
+REMEMBERED_RECORD* memory_for(CFG_USER_INI_ENUMS preference, const char* name, const std::string& version)
+{
+    return is_catalogue_spelling(preference, name) ? remembered_record(preference, version) : nullptr;
+}
+
+// The value in the file, carried over where the running release's section is missing; empty when there is none.
+std::string value_in_file(const char* bare_section, const char* name, const std::string& version,
+                          const std::vector<std::string>& versions, REMEMBERED_RECORD* memory)
+{
+    if (memory != nullptr && memory->record != nullptr)
+        return memory->record->value;
+    const std::size_t searched = cfg_user_ini_records->size() + 1;
+    if (memory != nullptr && memory->searched == searched)
+        return {};
+
+    const RECORD_KEY current = record_key(released_section(bare_section, version), name);
+    CFG_USER_VALUE_STRUCT* const record = find_record(current);
+    // A file that has the running release's section has had it saved: what is missing there is meant to be.
+    const bool carries_over = record == nullptr && !cfg_user_ini_sections_read->contains(current.section());
+    if (memory != nullptr && !carries_over)
+        *memory = {record, searched};
+    if (record != nullptr)
+        return record->value;
+    return carries_over ? carried_over_value(bare_section, name, versions) : std::string();
+}
+
 // `name` is the key in the spelling under which its records are looked for.
 std::string look_up(CFG_USER_INI_ENUMS preference, const char* name, bool use_default)
 {
     const std::vector<std::string> versions = ver_get_all_versions();
-    std::string current_section = preference_section(preference, nullptr, true);
+    const PREFERENCE_TRIPLE* const triple = find_fitting_triple(preference, nullptr);
+    const std::string version = triple != nullptr ? ver_get_version() : std::string();
     load_if_needed();
 
     std::string value;
-    if (!current_section.empty())
-    {
-        const RECORD_KEY current = record_key(std::move(current_section), name);
-        if (const CFG_USER_VALUE_STRUCT* const record = find_record(current))
-            value = record->value;
-        // A file that has the running release's section has had it saved: what is missing there is meant to be.
-        else if (!cfg_user_ini_sections_read->contains(current.section()))
-            value = carried_over_value(preference_section(preference, nullptr, false), name, versions);
-    }
+    if (triple != nullptr)
+        value = value_in_file(triple->section, name, version, versions, memory_for(preference, name, version));
     if (value.empty() && use_default)
         value = cfg_user_ini_name_default_values[preference_position(preference)].second;
     return value;
@@ -107,27 +137,38 @@ std::string look_up(CFG_USER_INI_ENUMS preference, bool use_default)
     return look_up(preference, cfg_user_ini_ini_names[preference_position(preference)], use_default);
 }
 
-void store(const RECORD_KEY& key, const char* name, const char* value)
+CFG_USER_VALUE_STRUCT* store(const RECORD_KEY& key, const char* name, const char* value)
 {
     const auto place = cfg_user_ini_records->lower_bound(key.text);
     if (place != cfg_user_ini_records->end() && place->first == key.text)
     {
         place->second->value = value;
-        return;
+        return place->second;
     }
     auto record =
         std::make_unique<CFG_USER_VALUE_STRUCT>(CFG_USER_VALUE_STRUCT{std::string(key.section()), name, value});
-    cfg_user_ini_records->try_emplace(place, key.text, nullptr)->second = record.release();
+    return cfg_user_ini_records->try_emplace(place, key.text, nullptr)->second = record.release();
 }
 
 // `name` is the key in the spelling under which the value is stored.
 bool assign(CFG_USER_INI_ENUMS preference, const char* name, const char* value)
 {
-    std::string section = preference_section(preference, value, true);
+    const PREFERENCE_TRIPLE* const triple = find_fitting_triple(preference, value);
+    const std::string version = triple != nullptr ? ver_get_version() : std::string();
     load_if_needed();
-    if (section.empty())
+    if (triple == nullptr)
         return false;
-    store(record_key(std::move(section), name), name, value);
+
+    REMEMBERED_RECORD* const memory = memory_for(preference, name, version);
+    if (memory != nullptr && memory->record != nullptr)
+        memory->record->value = value;
+    else
+    {
+        CFG_USER_VALUE_STRUCT* const record =
+            store(record_key(released_section(triple->section, version), name), name, value);
+        if (memory != nullptr)
+            memory->record = record;
+    }
     if (preference == USER_LIBRARIES)
         gen_set_user_library_paths(value);
     else if (preference == USER_IP_SEARCH_PATHS)

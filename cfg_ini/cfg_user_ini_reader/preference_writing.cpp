@@ -6,6 +6,7 @@
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_file.h"
+#include "cfg_ini/cfg_user_ini_reader/running_records.h"
 #include "platform/err/err.h"
 #include "platform/gen/gen.h"
 #include "platform/mem/mem.h"
@@ -81,6 +82,7 @@ bool cfg_write_and_close_user_ini_file()
 
 void cfg_close_user_ini_file()
 {
+    forget_running_records();
     if (cfg_user_ini_records != nullptr)
     {
         for (auto& [key, record] : *cfg_user_ini_records)

@@ -12,5 +12,7 @@ std::string ver_get_version()
 
 std::vector<std::string> ver_get_all_versions()
 {
-    return {ZON_KNOWN_VERSIONS};
+    // Never destroyed: preferences may still be asked for when static objects are gone.
+    static const std::vector<std::string>& releases = *new std::vector<std::string>{ZON_KNOWN_VERSIONS};
+    return releases;
 }

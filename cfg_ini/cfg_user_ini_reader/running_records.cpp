@@ -1,0 +1,27 @@
+#include "cfg_ini/cfg_user_ini_reader/running_records.h"
+
+#include <array>
+#include <cstring>
+
+namespace
+{
+constinit std::array<REMEMBERED_RECORD, CFG_USER_INI_ENUMS_END + 1> remembered = {};
+constinit std::array<char, 32> remembered_version = {};
+}
+
+REMEMBERED_RECORD* remembered_record(CFG_USER_INI_ENUMS preference, const std::string& version)
+{
+    if (version.compare(remembered_version.data()) != 0)
+    {
+        if (version.size() >= remembered_version.size())
+            return nullptr;
+        forget_running_records();
+        std::memcpy(remembered_version.data(), version.c_str(), version.size() + 1);
+    }
+    return &remembered[static_cast<std::size_t>(preference)];
+}
+
+void forget_running_records()
+{
+    remembered.fill({});
+}

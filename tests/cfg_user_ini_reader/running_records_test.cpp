@@ -1,0 +1,201 @@
+// Lookups and assignments remember where a record is; what they answer must be what the plainly written rules answer.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+#include <set>
+#include <string>
+#include <strings.h>
+#include <vector>
+
+#include "cfg_ini/cfg_ini.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_writing.h"
+#include "tests/cfg_user_ini_reader/preference_test.h"
+
+namespace
+{
+class RUNNING_RECORDS_TEST : public PREFERENCE_TEST
+{
+};
+
+// The store written out plainly: no number, no index, no memory.
+class PLAIN_STORE
+{
+public:
+    PLAIN_STORE(std::string running_release, std::vector<std::string> known_releases)
+        : running(std::move(running_release)), releases(std::move(known_releases))
+    {
+    }
+
+    void add(const std::string& section, const std::string& name, const std::string& value)
+    {
+        sections.insert(section);
+        records.emplace(section + name, value);
+    }
+
+    std::string get(const std::string& name)
+    {
+        std::string value;
+        const std::string bare = section_for(name, nullptr);
+        if (!bare.empty())
+        {
+            const std::string current = bare + " " + running + "_pro";
+            if (records.count(current + name) != 0)
+                value = records[current + name];
+            else if (sections.count(current) == 0)
+                value = carry_over(bare, name);
+        }
+        return value.empty() ? default_of(name) : value;
+    }
+
+    bool set(const std::string& name, const std::string& value)
+    {
+        const std::string bare = section_for(name, &value);
+        if (bare.empty())
+            return false;
+        records[bare + " " + running + "_pro" + name] = value;
+        return true;
+    }
+
+    std::string running;
+    std::vector<std::string> releases;
+
+private:
+    std::string carry_over(const std::string& bare, const std::string& name)
+    {
+        std::string value;
+        for (const std::string& release : releases)
+        {
+            const auto found = records.find(bare + " " + release + "_pro" + name);
+            if (found == records.end())
+                continue;
+            value = found->second;
+            set(name, value);
+            break;
+        }
+        if (const auto found = records.find(bare + name); value.empty() && found != records.end())
+        {
+            value = found->second;
+            set(name, value);
+        }
+        return value;
+    }
+
+    static std::string section_for(const std::string& name, const std::string* value)
+    {
+        for (const auto& [key, section, allowed] : cfg_user_ini_enum_section_value_table)
+        {
+            if (*key != '\0' && strcasecmp(key, name.c_str()) == 0 &&
+                (value == nullptr || *allowed == '\0' || strcasecmp(allowed, value->c_str()) == 0))
+                return section;
+        }
+        return {};
+    }
+
+    static std::string default_of(const std::string& name)
+    {
+        for (const auto& [key, value] : cfg_user_ini_name_default_values)
+        {
+            if (*key != '\0' && strcasecmp(key, name.c_str()) == 0)
+                return value;
+        }
+        return {};
+    }
+
+    std::map<std::string, std::string> records;
+    std::set<std::string> sections;
+};
+
+const std::vector<std::string> names = {"SHOW_MESSAGE_ID", "show_message_id",    "USER_LIBRARIES",
+                                        "HDL_PREFERENCE",  "USE_64BIT",          "PROXY_SETTINGS",
+                                        "PROXY_USER1",     "Proxy_User1",        "COMPACT_REPORT_TABLE_FORMAT",
+                                        "CLOUD_SERVER",    "NO_SUCH_PREFERENCE", "RTL_ANALYSIS_FLOW"};
+const std::vector<std::string> values = {"on",      "ON",   "off",     "1",        "0", "",
+                                         "Verilog", "vhdl", "default", "/opt/lib", "2"};
+const std::vector<std::string> sections = {
+    "Messages 23.4_pro", "Messages 23.3_pro", "General 23.4_pro",  "General 23.2_pro",
+    "General",           "Messages",          "Cloud 23.3_pro",    "Internet Connectivity 23.3_pro",
+    "General 23.3_pro",  "General 24.1_pro",  "Messages 24.1_pro", "Internet Connectivity"};
+}
+
+TEST_F(RUNNING_RECORDS_TEST, random_files_and_calls_answer_as_the_plain_store_does)
+{
+    std::mt19937 random(6);
+    const auto pick = [&random](const std::vector<std::string>& from) { return from[random() % from.size()]; };
+    for (int round = 0; round < 300; ++round)
+    {
+        PLAIN_STORE plain(round % 2 == 0 ? "23.4" : "24.1", {"23.4", "23.3", "23.2"});
+        fake::ver::set_version(plain.running);
+        fake::ver::set_all_versions(plain.releases);
+        cfg_close_user_ini_file();
+        std::string text;
+        for (auto section = random() % 6; section > 0; --section)
+        {
+            const std::string header = pick(sections);
+            text += "[" + header + "]\n";
+            for (auto line = 1 + random() % 4; line > 0; --line)
+            {
+                const std::string name = pick(names);
+                const std::string value = pick(values);
+                text += name + " = " + value + "\n";
+                plain.add(header, name, value);
+            }
+        }
+        write_preferences(text);
+        plain.get("USER_LIBRARIES"); // reading the file looks these two up
+        plain.get("USER_IP_SEARCH_PATHS");
+        for (int call = 0; call < 60; ++call)
+        {
+            const std::string name = pick(names);
+            const CFG_USER_INI_ENUMS number = find_preference(name.c_str());
+            const bool by_number = cfg_get_name_from_enum(number) == name;
+            if (random() % 3 == 0)
+            {
+                const std::string value = pick(values);
+                ASSERT_EQ(by_number ? cfg_set_user_ini_value(number, value)
+                                    : cfg_set_user_ini_value(name.c_str(), value.c_str()),
+                          plain.set(name, value))
+                    << name << " = " << value << " over\n"
+                    << text;
+            }
+            else
+            {
+                ASSERT_EQ(by_number ? cfg_get_user_ini_value(number) : cfg_get_user_ini_value(name.c_str()),
+                          plain.get(name))
+                    << name << " over\n"
+                    << text;
+            }
+        }
+    }
+}
+
+TEST_F(RUNNING_RECORDS_TEST, a_file_read_again_is_not_answered_from_memory)
+{
+    write_preferences("[Messages 23.4_pro]\nSHOW_MESSAGE_ID = off\n");
+    fake::ver::set_version("23.4");
+    EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "off");
+    cfg_close_user_ini_file();
+    write_preferences("[Messages 23.4_pro]\nSHOW_MESSAGE_PARTITION_ID = on\n");
+    EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "on"); // the default
+    cfg_close_user_ini_file();
+    write_preferences("[Messages 23.4_pro]\nSHOW_MESSAGE_ID = OFF\n");
+    EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "OFF");
+}
+
+TEST_F(RUNNING_RECORDS_TEST, another_running_release_is_not_answered_from_memory)
+{
+    write_preferences("[Messages 23.4_pro]\nSHOW_MESSAGE_ID = off\n[Messages 24.1_pro]\nSHOW_MESSAGE_ID = ON\n");
+    const std::string long_release(40, '9');
+    fake::ver::set_all_versions({});
+    fake::ver::set_version("23.4");
+    EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "off");
+    fake::ver::set_version("24.1");
+    EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "ON");
+    fake::ver::set_version(long_release);
+    EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "on"); // the default
+    EXPECT_TRUE(cfg_set_user_ini_value(SHOW_MESSAGE_ID, "Off"));
+    EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "Off");
+    fake::ver::set_version("23.4");
+    EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "off");
+}

@@ -141,6 +141,13 @@ private:
 
 constexpr std::uint64_t seed = 20'231'103;
 
+void shuffle(std::vector<std::string>& names)
+{
+    DICE dice(seed + 2);
+    for (std::size_t i = names.size(); i > 1; --i)
+        std::swap(names[i - 1], names[dice.roll(i)]);
+}
+
 GENERATED_SETTINGS generate(std::size_t lines, std::size_t variables)
 {
     GENERATOR generator(seed);
@@ -184,9 +191,16 @@ std::vector<std::string> shuffled_names(const GENERATED_SETTINGS& settings, VALU
         std::cerr << "too few variables of one kind: " << names.size() << '\n';
         std::abort();
     }
-    DICE dice(seed + 2);
-    for (std::size_t i = names.size(); i > 1; --i)
-        std::swap(names[i - 1], names[dice.roll(i)]);
+    shuffle(names);
     names.resize(count);
+    return names;
+}
+
+std::vector<std::string> shuffled_names(const GENERATED_SETTINGS& settings)
+{
+    std::vector<std::string> names;
+    for (const GENERATED_VARIABLE& variable : settings.variables)
+        names.push_back(variable.name);
+    shuffle(names);
     return names;
 }

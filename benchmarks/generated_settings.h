@@ -48,4 +48,7 @@ std::vector<std::string> generate_unknown_names(std::size_t count);
 // takes for booleans ("on" and "off") are passed over.
 std::vector<std::string> shuffled_names(const GENERATED_SETTINGS& settings, VALUE_KIND kind, std::size_t count);
 
+// The names of all variables in random order.
+std::vector<std::string> shuffled_names(const GENERATED_SETTINGS& settings);
+
 #endif

@@ -41,6 +41,10 @@ std::vector<GOAL> goals()
     list.push_back({load_work(10'000) + " / GLib", load_work(10'000), 0.6, load_work(10'000), glib_key_file});
     list.push_back(
         {load_work(longest_file) + " / GLib", load_work(longest_file), 0.9, load_work(longest_file), glib_key_file});
+    for (const char* const work : {work_preference_present, work_preference_long, work_preference_default,
+                                   work_preference_no_section, work_preference_unknown})
+        at_most(work, 60);
+    at_most(work_assignment, 150);
     at_most(work_cached_switch, 2);
     at_most(work_mode, 3);
     return list;

@@ -109,6 +109,7 @@ int main(int argc, char** argv)
     measure_allocations(results.figures);
     const bool long_files = !options.is_short;
     add_rows_of_this_library(long_files);
+    add_rows_of_preferences();
     add_rows_of_plain_store(long_files);
     add_rows_of_peers(long_files);
     add_rows_of_floors(long_files);

@@ -43,6 +43,19 @@ inline constexpr const char* work_catalogue = "catalogue lookup, bool";
 inline constexpr const char* work_mode = "mode question after the first";
 inline constexpr const char* work_debug_settings = "debug settings, nothing changed";
 inline constexpr const char* work_cached_switch = "cached switch";
+inline constexpr const char* work_preference_present = "preference by number, this release";
+inline constexpr const char* work_preference_long = "preference by number, this release, a path";
+inline constexpr const char* work_preference_default = "preference by number, default";
+inline constexpr const char* work_preference_no_section = "preference by number, default, no section";
+inline constexpr const char* work_preference_unknown = "preference by number, unknown";
+inline constexpr const char* work_preference_present_by_name = "preference by name, this release";
+inline constexpr const char* work_preference_default_by_name = "preference by name, default";
+inline constexpr const char* work_preference_unknown_by_name = "preference by name, unknown";
+inline constexpr const char* work_assignment = "preference assignment by number";
+inline constexpr const char* work_assignment_by_name = "preference assignment by name";
+inline constexpr const char* work_preference_save = "save the preferences, a key";
+inline constexpr const char* work_preference_load = "load the preferences, a key";
+inline constexpr const char* work_all_shuffled = "10 000 shuffled of 10 000, bool, string name";
 inline constexpr const char* work_lock = "floor: recursive lock and unlock";
 inline constexpr const char* work_hash = "floor: hash of the hot name";
 inline constexpr const char* work_hot_find = "floor: unordered_map find, hot name";
@@ -102,6 +115,7 @@ benchmark::internal::Benchmark* add_row(const std::string& work, const std::stri
 
 // Each adds the rows of one kind; `long_files` with those of the longest file.
 void add_rows_of_this_library(bool long_files);
+void add_rows_of_preferences();
 void add_rows_of_plain_store(bool long_files);
 void add_rows_of_peers(bool long_files);
 void add_rows_of_floors(bool long_files);

@@ -41,6 +41,7 @@ void ranked_report(benchmark::State& state, std::size_t listed)
 void add_rows_of_plain_store(bool long_files)
 {
     add_store_rows<PLAIN>(plain, long_files);
+    add_row_of_all_names<PLAIN>(plain);
     add_two_thread_rows<PLAIN>(plain);
     add_row(work_creating_miss, plain, creating_miss);
     add_row(work_report_ten, plain, ranked_report, std::size_t{10});

@@ -1,10 +1,15 @@
 #include "benchmarks/rows.h"
 #include "benchmarks/store_workloads.h"
 #include "benchmarks/stores.h"
+#include "cfg_ini/cfg_cached_value.h"
 #include "cfg_ini/cfg_ini.h"
 
 namespace
 {
+// There from the start, and under a name of its own: every row that stores runs in a process that has a callback, and
+// none of them tells it anything.
+const CFG_CACHED_VALUE<bool> cached("cached_switch_of_the_benchmark", false);
+
 // Every name is missed once; then the store is filled anew.
 void creating_miss(benchmark::State& state)
 {
@@ -48,6 +53,13 @@ void catalogue_lookup(benchmark::State& state)
         benchmark::DoNotOptimize(cfg_is_on(CFG_INI_VAR_MSG_SQLITE));
 }
 
+void cached_switch(benchmark::State& state)
+{
+    hold<OURS>(file_for_lookups());
+    for (auto _ : state)
+        benchmark::DoNotOptimize(cached.get());
+}
+
 void mode_question(benchmark::State& state)
 {
     hold<OURS>(file_for_lookups());
@@ -72,11 +84,13 @@ void debug_settings(benchmark::State& state)
 void add_rows_of_this_library(bool long_files)
 {
     add_store_rows<OURS>(ours, long_files);
+    add_row_of_all_names<OURS>(ours);
     add_two_thread_rows<OURS>(ours);
     add_row(work_creating_miss, ours, creating_miss);
     add_row(work_report_ten, ours, ranked_report, 10);
     add_row(work_report_all, ours, ranked_report, -1);
     add_row(work_catalogue, ours, catalogue_lookup);
+    add_row(work_cached_switch, ours, cached_switch);
     add_row(work_mode, ours, mode_question);
     add_row(work_debug_settings, ours, debug_settings);
 }

@@ -90,3 +90,9 @@ const std::vector<std::string>& names_to_look_up(VALUE_KIND kind)
         entry = names.emplace(kind, shuffled_names(settings_for_lookups(), kind, names_in_a_round)).first;
     return entry->second;
 }
+
+const std::vector<std::string>& all_names_to_look_up()
+{
+    static const std::vector<std::string> names = shuffled_names(settings_for_lookups());
+    return names;
+}

@@ -24,6 +24,9 @@ const SETTINGS_FILE& file_for_lookups();
 // 1 000 of those, whose values are of this kind, in random order.
 const std::vector<std::string>& names_to_look_up(VALUE_KIND kind);
 
+// All of them, in random order.
+const std::vector<std::string>& all_names_to_look_up();
+
 // A directory of this process alone, removed with all that is in it at process exit.
 const std::string& scratch_directory();
 

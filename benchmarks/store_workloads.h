@@ -139,6 +139,22 @@ void shuffled_lookup(benchmark::State& state)
     }
 }
 
+// More names than any small memory of names holds.
+template <typename STORE>
+void lookup_of_all(benchmark::State& state)
+{
+    hold<STORE>(file_for_lookups());
+    const std::vector<std::string>& names = all_names_to_look_up();
+    while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(names.size())))
+    {
+        for (const std::string& name : names)
+        {
+            auto value = AS_BOOL::read<STORE>(name);
+            benchmark::DoNotOptimize(value);
+        }
+    }
+}
+
 // Of a name that no line gives a value; not the first lookup of that name.
 template <typename STORE>
 void repeated_miss(benchmark::State& state)
@@ -208,6 +224,13 @@ void add_lookup_rows(const std::string& who)
         add_row(shuffled_work(type, "string"), who, shuffled_lookup<STORE, AS, std::string>);
         add_row(shuffled_work(type, "literal"), who, shuffled_lookup<STORE, AS, const char*>);
     }
+}
+
+// Only for stores that answer the same for any text: others would spend their time on what is no boolean.
+template <typename STORE>
+void add_row_of_all_names(const std::string& who)
+{
+    add_row(work_all_shuffled, who, lookup_of_all<STORE>);
 }
 
 // Only for stores that two threads may read at the same time.

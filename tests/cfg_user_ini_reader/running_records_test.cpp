@@ -1,110 +1,20 @@
 // Lookups and assignments remember where a record is; what they answer must be what the plainly written rules answer.
 #include <gtest/gtest.h>
 
-#include <map>
 #include <random>
-#include <set>
 #include <string>
-#include <strings.h>
 #include <vector>
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_writing.h"
+#include "tests/cfg_user_ini_reader/plain_preferences.h"
 #include "tests/cfg_user_ini_reader/preference_test.h"
 
 namespace
 {
 class RUNNING_RECORDS_TEST : public PREFERENCE_TEST
 {
-};
-
-// The store written out plainly: no number, no index, no memory.
-class PLAIN_STORE
-{
-public:
-    PLAIN_STORE(std::string running_release, std::vector<std::string> known_releases)
-        : running(std::move(running_release)), releases(std::move(known_releases))
-    {
-    }
-
-    void add(const std::string& section, const std::string& name, const std::string& value)
-    {
-        sections.insert(section);
-        records.emplace(section + name, value);
-    }
-
-    std::string get(const std::string& name)
-    {
-        std::string value;
-        const std::string bare = section_for(name, nullptr);
-        if (!bare.empty())
-        {
-            const std::string current = bare + " " + running + "_pro";
-            if (records.count(current + name) != 0)
-                value = records[current + name];
-            else if (sections.count(current) == 0)
-                value = carry_over(bare, name);
-        }
-        return value.empty() ? default_of(name) : value;
-    }
-
-    bool set(const std::string& name, const std::string& value)
-    {
-        const std::string bare = section_for(name, &value);
-        if (bare.empty())
-            return false;
-        records[bare + " " + running + "_pro" + name] = value;
-        return true;
-    }
-
-    std::string running;
-    std::vector<std::string> releases;
-
-private:
-    std::string carry_over(const std::string& bare, const std::string& name)
-    {
-        std::string value;
-        for (const std::string& release : releases)
-        {
-            const auto found = records.find(bare + " " + release + "_pro" + name);
-            if (found == records.end())
-                continue;
-            value = found->second;
-            set(name, value);
-            break;
-        }
-        if (const auto found = records.find(bare + name); value.empty() && found != records.end())
-        {
-            value = found->second;
-            set(name, value);
-        }
-        return value;
-    }
-
-    static std::string section_for(const std::string& name, const std::string* value)
-    {
-        for (const auto& [key, section, allowed] : cfg_user_ini_enum_section_value_table)
-        {
-            if (*key != '\0' && strcasecmp(key, name.c_str()) == 0 &&
-                (value == nullptr || *allowed == '\0' || strcasecmp(allowed, value->c_str()) == 0))
-                return section;
-        }
-        return {};
-    }
-
-    static std::string default_of(const std::string& name)
-    {
-        for (const auto& [key, value] : cfg_user_ini_name_default_values)
-        {
-            if (*key != '\0' && strcasecmp(key, name.c_str()) == 0)
-                return value;
-        }
-        return {};
-    }
-
-    std::map<std::string, std::string> records;
-    std::set<std::string> sections;
 };
 
 const std::vector<std::string> names = {"SHOW_MESSAGE_ID", "show_message_id",    "USER_LIBRARIES",
@@ -123,11 +33,10 @@ TEST_F(RUNNING_RECORDS_TEST, random_files_and_calls_answer_as_the_plain_store_do
 {
     std::mt19937 random(6);
     const auto pick = [&random](const std::vector<std::string>& from) { return from[random() % from.size()]; };
-    for (int round = 0; round < 300; ++round)
+    for (int round = 0; round < 20; ++round)
     {
-        PLAIN_STORE plain(round % 2 == 0 ? "23.4" : "24.1", {"23.4", "23.3", "23.2"});
-        fake::ver::set_version(plain.running);
-        fake::ver::set_all_versions(plain.releases);
+        const std::string running = round % 2 == 0 ? "23.4" : "24.1";
+        fake::ver::set_version(running);
         cfg_close_user_ini_file();
         std::string text;
         for (auto section = random() % 6; section > 0; --section)
@@ -136,15 +45,11 @@ TEST_F(RUNNING_RECORDS_TEST, random_files_and_calls_answer_as_the_plain_store_do
             text += "[" + header + "]\n";
             for (auto line = 1 + random() % 4; line > 0; --line)
             {
-                const std::string name = pick(names);
-                const std::string value = pick(values);
-                text += name + " = " + value + "\n";
-                plain.add(header, name, value);
+                text += pick(names) + " = " + pick(values) + "\n";
             }
         }
         write_preferences(text);
-        plain.get("USER_LIBRARIES"); // reading the file looks these two up
-        plain.get("USER_IP_SEARCH_PATHS");
+        PLAIN_PREFERENCES plain(text, running, {"23.4", "23.3", "23.2"});
         for (int call = 0; call < 60; ++call)
         {
             const std::string name = pick(names);
@@ -155,14 +60,14 @@ TEST_F(RUNNING_RECORDS_TEST, random_files_and_calls_answer_as_the_plain_store_do
                 const std::string value = pick(values);
                 ASSERT_EQ(by_number ? cfg_set_user_ini_value(number, value)
                                     : cfg_set_user_ini_value(name.c_str(), value.c_str()),
-                          plain.set(name, value))
+                          plain.assign(name, value))
                     << name << " = " << value << " over\n"
                     << text;
             }
             else
             {
                 ASSERT_EQ(by_number ? cfg_get_user_ini_value(number) : cfg_get_user_ini_value(name.c_str()),
-                          plain.get(name))
+                          plain.value(name, true))
                     << name << " over\n"
                     << text;
             }

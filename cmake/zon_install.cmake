@@ -24,10 +24,17 @@ endfunction()
 set(zon_services thr err mem fio gen ver)
 list(TRANSFORM zon_services PREPEND zon_ OUTPUT_VARIABLE zon_service_libraries)
 zon_install_library(zon_cfg_ini ${zon_service_libraries})
+if(TARGET zon_cfg_run_report)
+    zon_install_library(zon_cfg_run_report)
+endif()
 
 # --- Headers ---
 
 install(FILES cfg_ini/cfg_ini.h cfg_ini/cfg_cached_value.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cfg_ini COMPONENT development)
+if(TARGET zon_cfg_run_report)
+    install(FILES cfg_run_report/cfg_run_report.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cfg_run_report COMPONENT development)
+endif()
 foreach(service IN LISTS zon_services)
     install(FILES platform/${service}/${service}.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/platform/${service} COMPONENT development)

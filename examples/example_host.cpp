@@ -1,7 +1,7 @@
 // A small host of the internal variable store: reads a project's settings, asks for variables in every form, sets some,
 // and prints the four usage reports.
 //
-// Usage: example_host [--regtest] PROJECT_DIRECTORY
+// Usage: example_host [--regtest] [--run-report FILE] PROJECT_DIRECTORY
 #include <cstdio>
 #include <cstring>
 #include <map>
@@ -12,6 +12,7 @@
 
 #include "cfg_ini/cfg_cached_value.h"
 #include "cfg_ini/cfg_ini.h"
+#include "cfg_run_report/cfg_run_report.h"
 
 namespace
 {
@@ -136,6 +137,7 @@ void print_usage_reports()
 struct ARGUMENTS
 {
     bool regtest = false;
+    const char* run_report = nullptr;
     const char* project = nullptr;
 };
 
@@ -146,6 +148,8 @@ std::optional<ARGUMENTS> parse(int argc, char** argv)
     {
         if (std::strcmp(argv[i], "--regtest") == 0)
             arguments.regtest = true;
+        else if (std::strcmp(argv[i], "--run-report") == 0 && i + 1 < argc)
+            arguments.run_report = argv[++i];
         else if (argv[i][0] != '-' && arguments.project == nullptr)
             arguments.project = argv[i];
         else
@@ -160,7 +164,7 @@ int main(int argc, char** argv)
     const std::optional<ARGUMENTS> arguments = parse(argc, argv);
     if (!arguments)
     {
-        std::fprintf(stderr, "usage: %s [--regtest] PROJECT_DIRECTORY\n", argv[0]);
+        std::fprintf(stderr, "usage: %s [--regtest] [--run-report FILE] PROJECT_DIRECTORY\n", argv[0]);
         return 2;
     }
     ROUTER router; // before the settings are read, so that it is told of them
@@ -169,5 +173,11 @@ int main(int argc, char** argv)
     ask_for_variables();
     set_variables(router);
     print_usage_reports();
-    return 0;
+    if (arguments->run_report == nullptr)
+        return 0;
+
+    const CFG_RUN_REPORT_RESULT report = cfg_write_run_report(arguments->run_report, arguments->project);
+    if (!report.written)
+        std::fprintf(stderr, "%s: %s\n", argv[0], report.error.c_str());
+    return report.written ? 0 : 1;
 }

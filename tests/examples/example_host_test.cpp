@@ -1,5 +1,6 @@
 // The example host as a process, on the sample project: its whole output.
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include "tests/support/isolated_test.h"
 #include "tests/support/run_program.h"
@@ -146,17 +147,55 @@ Variables from outside the program
               result.out);
 }
 
+TEST_F(EXAMPLE_HOST, WritesARunReport)
+{
+    const std::string report = temporary.path("run.json");
+    const PROGRAM_RESULT result = run_program({ZON_TEST_EXAMPLE_HOST, "--run-report", report, "project"});
+    EXPECT_EQ(0, result.status);
+    EXPECT_EQ("", result.err);
+    EXPECT_EQ(nlohmann::ordered_json::parse(R"({
+  "schema": "velmar-run-report",
+  "schema_version": 1,
+  "run": "project",
+  "release": "23.4",
+  "files": {"main": "project/velmar.ini", "appended": null, "regtest": null},
+  "read": [
+    {"name": "max_fanout", "count": 9, "value": "12", "external": true, "used": true},
+    {"name": "route_effort", "count": 4, "value": "6", "external": true, "used": true},
+    {"name": "thermallimit", "count": 1, "value": "85.5", "external": true, "used": true},
+    {"name": "retry_limit", "count": 1, "value": "3x", "external": true, "used": false},
+    {"name": "report_dir", "count": 1, "value": "reports//nightly", "external": true, "used": true},
+    {"name": "msg_sqlite", "count": 1, "value": "off", "external": false, "used": true},
+    {"name": "incremental", "count": 1, "value": "maybe", "external": true, "used": false},
+    {"name": "enhanced_html_reports", "count": 1, "value": "ON", "external": true, "used": true},
+    {"name": "cfg_max_to_report", "count": 1, "value": "6", "external": true, "used": true},
+    {"name": "banner", "count": 1, "value": "\"Sample; run #1\"", "external": true, "used": true},
+    {"name": "Place_Effort", "count": 1, "value": "4", "external": true, "used": true}
+  ],
+  "external_never_read": [{"name": "licences", "value": "http://licences.example.com:1800/pool"}],
+  "uncounted": ["trace_routes", "regtest_seed", "cfg_min_accessed_to_report"]
+})"),
+              nlohmann::ordered_json::parse(read_file(report)));
+}
+
+TEST_F(EXAMPLE_HOST, SaysWhyARunReportCannotBeWritten)
+{
+    const PROGRAM_RESULT result = run_program({ZON_TEST_EXAMPLE_HOST, "--run-report", "/dev/full", "project"});
+    EXPECT_EQ(1, result.status);
+    EXPECT_EQ(ZON_TEST_EXAMPLE_HOST ": cannot write the run report /dev/full: No space left on device\n", result.err);
+}
+
 TEST_F(EXAMPLE_HOST, WithoutAProjectSaysHowItIsUsed)
 {
     for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
-             {}, {"--regtest"}, {"project", "project"}, {"--no-such-option", "project"}})
+             {}, {"--regtest"}, {"project", "project"}, {"project", "--run-report"}, {"--no-such-option", "project"}})
     {
         std::vector<std::string> command = {ZON_TEST_EXAMPLE_HOST};
         command.insert(command.end(), arguments.begin(), arguments.end());
         const PROGRAM_RESULT result = run_program(command);
         EXPECT_EQ(2, result.status);
         EXPECT_EQ("", result.out);
-        EXPECT_EQ("usage: " ZON_TEST_EXAMPLE_HOST " [--regtest] PROJECT_DIRECTORY\n", result.err);
+        EXPECT_EQ("usage: " ZON_TEST_EXAMPLE_HOST " [--regtest] [--run-report FILE] PROJECT_DIRECTORY\n", result.err);
     }
 }
 }

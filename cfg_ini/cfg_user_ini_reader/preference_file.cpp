@@ -172,6 +172,23 @@ void read_lines(std::istream& file, FILE_CONTENTS& contents)
     }
 }
 
+FILE_CONTENTS read_contents(const std::string& path)
+{
+    FILE_CONTENTS contents;
+    std::ifstream file(path);
+    // Left to itself, the stream would turn a failed allocation into an early end of the file.
+    file.exceptions(std::ios::badbit);
+    try
+    {
+        read_lines(file, contents);
+    }
+    catch (const std::ios_base::failure&) // NOLINT(bugprone-empty-catch)
+    {
+        // A directory, or a device that fails: there are no more lines.
+    }
+    return contents;
+}
+
 void publish(FILE_CONTENTS&& contents)
 {
     forget_running_records();
@@ -189,15 +206,12 @@ void pass_on(CFG_USER_INI_ENUMS preference, void (*take_paths)(const std::string
 void cfg_read_user_ini_file()
 {
     const std::string path = cfg_generate_user_ini_file_path();
-    FILE_CONTENTS contents;
     if (!FIO_FILE_SYSTEM::exists(path.c_str()))
     {
-        publish(std::move(contents));
+        publish({});
         return;
     }
-    std::ifstream file(path);
-    read_lines(file, contents);
-    publish(std::move(contents));
+    publish(read_contents(path));
     // The store is loaded by now, so these lookups do not read again.
     pass_on(USER_LIBRARIES, gen_set_user_library_paths);
     pass_on(USER_IP_SEARCH_PATHS, gen_set_user_ip_search_paths);

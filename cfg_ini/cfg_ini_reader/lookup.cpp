@@ -16,15 +16,33 @@
 
 namespace
 {
+// A cached value and whether it is one; handed around by value, so that it stays in registers.
+template <typename T>
+struct CACHED
+{
+    T value;
+    bool found;
+};
+
+template <typename T>
+[[gnu::always_inline]] inline CACHED<T> read_cached(const SOUGHT_NAME& name)
+{
+    const STORE_ACCESS access;
+    CFG_INI_RECORD& record = find_counted_or_insert_record(name);
+    CACHED<T> cached;
+    cached.value = record.get_cached_value<T>(cached.found);
+    record.had_valid_read |= cached.found;
+    return cached;
+}
+
+// The form of the core readers, with the answer handed out through a pointer.
 template <typename T>
 T read_cached(const SOUGHT_NAME& name, bool* found)
 {
     *found = false;
-    const STORE_ACCESS access;
-    CFG_INI_RECORD& record = find_counted_or_insert_record(name);
-    const T value = record.get_cached_value<T>(*found);
-    record.had_valid_read |= *found;
-    return value;
+    const CACHED<T> cached = read_cached<T>(name);
+    *found = cached.found;
+    return cached.value;
 }
 
 std::string read_string(const SOUGHT_NAME& name, bool mark_valid)
@@ -38,17 +56,15 @@ std::string read_string(const SOUGHT_NAME& name, bool mark_valid)
 template <typename T>
 T cached_or_default(const SOUGHT_NAME& name, T default_value)
 {
-    bool found;
-    const T value = read_cached<T>(name, &found);
-    return found ? value : default_value;
+    const CACHED<T> cached = read_cached<T>(name);
+    return cached.found ? cached.value : default_value;
 }
 
 template <typename T>
 std::optional<T> cached_or_nothing(const SOUGHT_NAME& name)
 {
-    bool found;
-    const T value = read_cached<T>(name, &found);
-    return found ? std::optional<T>(value) : std::nullopt;
+    const CACHED<T> cached = read_cached<T>(name);
+    return cached.found ? std::optional<T>(cached.value) : std::nullopt;
 }
 
 std::optional<std::string> text_or_nothing(const SOUGHT_NAME& name)

@@ -39,10 +39,10 @@ public:
     // The record remembered for the name, or null. The caller holds the lock.
     CFG_INI_RECORD* recent() const
     {
-        return place->length == text.size() && place->record != nullptr &&
-                       equal_folded(place->characters, text.data(), text.size())
-                   ? place->record
-                   : nullptr;
+        const bool same = place->length == text.size() && place->record != nullptr &&
+                          (equal_bytes(place->characters, text.data(), text.size()) ||
+                           equal_folded(place->characters, text.data(), text.size()));
+        return same ? place->record : nullptr;
     }
 
     // Remembers where the name was found: under `key`, which lives as long as the table. The caller holds the lock.
@@ -74,6 +74,19 @@ private:
                 mix = (mix + static_cast<unsigned char>(c)) * 0x9E3779B97F4A7C15U;
         }
         return mix >> (64 - recent_bits);
+    }
+
+    // A name is mostly spelt as it was before.
+    static bool equal_bytes(const char* a, const char* b, std::size_t length)
+    {
+        if (length < 8)
+            return std::memcmp(a, b, length) == 0;
+        for (std::size_t at = 0; at + 8 < length; at += 8)
+        {
+            if (first_of<std::uint64_t>(a + at) != first_of<std::uint64_t>(b + at))
+                return false;
+        }
+        return first_of<std::uint64_t>(a + length - 8) == first_of<std::uint64_t>(b + length - 8);
     }
 
     template <typename T>

@@ -3,22 +3,11 @@
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
-#include <string_view>
 
 #include "platform/gen/gen.h"
 
 namespace
 {
-struct BOOLEAN_WORD
-{
-    std::string_view word;
-    bool value;
-};
-
-constexpr BOOLEAN_WORD boolean_words[] = {
-    {"on", true}, {"1", true}, {"true", true}, {"off", false}, {"0", false}, {"false", false},
-};
-
 constexpr std::size_t longest_word = 5;
 
 // The length of a text up to one more than the longest word has.
@@ -28,6 +17,13 @@ std::size_t short_length(const char* text)
     while (length <= longest_word && text[length] != '\0')
         ++length;
     return length;
+}
+
+// Whether `text`, of the word's length, is the word in some letter case. The first letter settles nearly every text:
+// the words are in lower case, 0x20 is what separates the cases of a letter, and digits have it.
+bool is_word(const char* text, const char* word)
+{
+    return (*text | 0x20) == *word && gen_stricmp(text, word) == 0;
 }
 
 // Whether `text` is as a whole a decimal number of type T; *value is written only then. Any number of leading zeros may
@@ -64,19 +60,28 @@ std::optional<T> whole_number(const char* text)
 
 bool cfg_ini_convert_to_bool(const char* text, bool* value)
 {
-    *value = false;
-    const std::size_t length = short_length(text);
-    for (const auto& [word, meaning] : boolean_words)
+    // A word is known by its length, but for the two digits.
+    switch (short_length(text))
     {
-        // Length and first letter settle nearly every text. The words are in lower case; 0x20 is what separates the
-        // cases of a letter, and digits have it.
-        if (length == word.size() && (*text | 0x20) == word.front() && gen_stricmp(text, word.data()) == 0)
-        {
-            *value = meaning;
-            return true;
-        }
+    case 1:
+        *value = is_word(text, "1");
+        return *value || is_word(text, "0");
+    case 2:
+        *value = is_word(text, "on");
+        return *value;
+    case 3:
+        *value = false;
+        return is_word(text, "off");
+    case 4:
+        *value = is_word(text, "true");
+        return *value;
+    case 5:
+        *value = false;
+        return is_word(text, "false");
+    default:
+        *value = false;
+        return false;
     }
-    return false;
 }
 
 bool cfg_ini_str_to_bool(const char* text, bool default_value)

@@ -15,7 +15,14 @@ void set_value(CFG_INI_RECORD& record, const std::string& value)
     const char* const text = record.value.c_str();
     record.bool_valid = cfg_ini_convert_to_bool(text, &record.bool_value);
     record.int_valid = cfg_ini_convert_to_int(text, &record.int_value);
-    record.uint_valid = cfg_ini_convert_to_uint(text, &record.uint_value);
+    if (record.int_valid && *text != '-')
+    {
+        // What fits a signed integer and has no sign fits an unsigned one.
+        record.uint_valid = true;
+        record.uint_value = static_cast<unsigned int>(record.int_value);
+    }
+    else
+        record.uint_valid = cfg_ini_convert_to_uint(text, &record.uint_value);
     record.had_valid_read = false;
 }
 

@@ -55,8 +55,8 @@ struct THR_MUTEX
                word.compare_exchange_strong(expected, TAKEN, std::memory_order_acquire, std::memory_order_relaxed);
     }
 
-    void wait();
-    void wake();
+    [[gnu::visibility("hidden")]] void wait();
+    [[gnu::visibility("hidden")]] void wake();
 };
 
 // Returns with the word taken.

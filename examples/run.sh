@@ -41,3 +41,10 @@ fi
 title "A host: settings read, variables asked for and set, what the run depended on"
 show example_host project
 show env APPENDED_VELMAR_INI=appended.ini VELMAR_INI_VARS=banner=inline example_host --regtest project
+
+title "Preferences kept over three releases: read, carried over, assigned and saved (a copy)"
+cp preferences/velmar2.ini "$HOME"
+export VELMAR2_INI=$HOME
+show cat "$HOME/velmar2.ini"
+show example_preferences
+show cat "$HOME/velmar2.ini"

@@ -1,9 +1,44 @@
 // A host that is not linked to the library: it loads it, looks the late-bound entry points up, and unloads it again.
 #include <dlfcn.h>
+#include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
+#include "platform/thr/thr.h"
 #include "tests/support/isolated_test.h"
+
+// The host's own thread service: it goes before the default one. The library never gives its lock back (exit handlers
+// may still look variables up), so that each loading leaves one behind; this service knows them all.
+struct THR_MUTEX
+{
+    std::recursive_mutex mutex;
+};
+
+namespace
+{
+std::vector<std::unique_ptr<THR_MUTEX>>& mutexes()
+{
+    static std::vector<std::unique_ptr<THR_MUTEX>> made;
+    return made;
+}
+}
+
+THR_MUTEX* thr_mutex_create()
+{
+    return mutexes().emplace_back(std::make_unique<THR_MUTEX>()).get();
+}
+
+void thr_mutex_lock(THR_MUTEX* mutex)
+{
+    mutex->mutex.lock();
+}
+
+void thr_mutex_unlock(THR_MUTEX* mutex)
+{
+    mutex->mutex.unlock();
+}
 
 namespace
 {
@@ -23,6 +58,7 @@ protected:
     ~LOADING_TEST() override
     {
         unload();
+        mutexes().clear();
     }
 
     void load()
@@ -84,10 +120,12 @@ TEST_F(LOADING_TEST, internal_names_are_not_found)
 
 TEST_F(LOADING_TEST, loading_reads_nothing)
 {
+    EXPECT_TRUE(mutexes().empty());
     write_file(temporary.path("cwd/velmar.ini"), "a = written after loading\n");
     std::string text;
     entry_point<GET_VALUE>("cfg_dyn_get_value")("a", &text);
     EXPECT_EQ(text, "written after loading");
+    EXPECT_EQ(mutexes().size(), 1U);
 }
 
 TEST_F(LOADING_TEST, unloading_lets_go_and_loading_again_starts_afresh)

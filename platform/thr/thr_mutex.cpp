@@ -55,6 +55,15 @@ struct THR_MUTEX
                word.compare_exchange_strong(expected, TAKEN, std::memory_order_acquire, std::memory_order_relaxed);
     }
 
+    // Whether to wake somebody; asked after the word was set free. See the head of this file.
+    bool someone_waits()
+    {
+        if (!barriers_on_demand) [[unlikely]]
+            return waiters.fetch_add(0, std::memory_order_acq_rel) > 0; // comes before or after a waiter's own addition
+        std::atomic_signal_fence(std::memory_order_seq_cst);            // the order of the program is all it takes
+        return waiters.load(std::memory_order_relaxed) > 0;
+    }
+
     [[gnu::visibility("hidden")]] void wait();
     [[gnu::visibility("hidden")]] void wake();
 };
@@ -112,10 +121,6 @@ void thr_mutex_unlock(THR_MUTEX* mutex)
     }
     mutex->owner.store(pthread_t{}, std::memory_order_relaxed);
     mutex->word.store(FREE, std::memory_order_release);
-    if (mutex->barriers_on_demand) [[likely]]
-        std::atomic_signal_fence(std::memory_order_seq_cst); // order of the program; see the head of this file
-    else
-        std::atomic_thread_fence(std::memory_order_seq_cst);
-    if (mutex->waiters.load(std::memory_order_relaxed) > 0) [[unlikely]]
+    if (mutex->someone_waits()) [[unlikely]]
         mutex->wake();
 }

@@ -50,17 +50,18 @@ std::vector<GOAL> goals()
     return list;
 }
 
-std::optional<double> measured(const GOAL& goal, const RESULTS& results)
+// `time` is MEASUREMENT::median or MEASUREMENT::least.
+std::optional<double> measured(const GOAL& goal, const RESULTS& results, double (MEASUREMENT::*time)() const)
 {
     const MEASUREMENT* const own = results.measurement(goal.work, ours);
     if (own == nullptr)
         return std::nullopt;
     if (goal.reference_who == nobody)
-        return own->median();
+        return (own->*time)();
     const MEASUREMENT* const reference = results.measurement(goal.reference_work, goal.reference_who);
     if (reference == nullptr)
         return std::nullopt;
-    return own->median() / reference->median();
+    return (own->*time)() / (reference->*time)();
 }
 }
 
@@ -68,11 +69,12 @@ std::vector<VERDICT> verdicts(const RESULTS& results)
 {
     std::vector<VERDICT> list;
     for (const GOAL& goal : goals())
-        list.push_back({goal.title, goal.limit, goal.reference_who == nobody ? "ns" : "x", measured(goal, results)});
+        list.push_back({goal.title, goal.limit, goal.reference_who == nobody ? "ns" : "x",
+                        measured(goal, results, &MEASUREMENT::median), measured(goal, results, &MEASUREMENT::least)});
     for (const FIGURE& figure : results.figures)
     {
         if (figure.unit == "allocations" && figure.who == ours)
-            list.push_back({figure.title, 0, figure.unit, figure.value});
+            list.push_back({figure.title, 0, figure.unit, figure.value, figure.value});
     }
     return list;
 }

@@ -10,10 +10,11 @@
 
 struct VERDICT
 {
-    std::string goal;               // such as "hot lookup, bool, string name, in locks"
+    std::string goal;               // such as "set an existing variable / lock"
     double limit;                   // the most that meets it
     std::string unit;               // "x" for ratios, "ns"
-    std::optional<double> measured; // nothing when a row that it takes did not run
+    std::optional<double> measured; // of medians; nothing when a row that it takes did not run
+    std::optional<double> least;    // of the least times, which other programs disturb less
 
     bool met() const
     {

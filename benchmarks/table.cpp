@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iomanip>
+#include <optional>
 #include <sstream>
 
 #include "benchmarks/goals.h"
@@ -53,9 +54,14 @@ std::string figure_row(const std::string& title, const std::string& who, const s
 }
 
 std::string goal_row(const std::string& goal, const std::string& limit, const std::string& measured,
-                     const std::string& unit, const std::string& verdict)
+                     const std::string& least, const std::string& unit, const std::string& verdict)
 {
-    return left(goal, 64) + right(limit, 8) + right(measured, 8) + left(unit, 12) + verdict + '\n';
+    return left(goal, 62) + right(limit, 8) + right(measured, 8) + right(least, 8) + left(unit, 12) + verdict + '\n';
+}
+
+std::string number_or_dash(const std::optional<double>& number)
+{
+    return number ? short_number(*number) : "-";
 }
 
 std::string quoted(const std::string& text)
@@ -105,12 +111,12 @@ void print_table(std::ostream& out, const RESULTS& results)
     for (const FIGURE& figure : results.figures)
         out << figure_row(figure.title, figure.who, short_number(figure.value), figure.unit);
 
-    out << '\n' << goal_row("goal", "at most", "measured", "", "verdict");
+    out << '\n' << goal_row("goal", "at most", "medians", "least", "", "verdict");
     for (const VERDICT& verdict : verdicts(results))
     {
         const char* const word = !verdict.measured ? "not measured" : verdict.met() ? "met" : "MISSED";
-        out << goal_row(verdict.goal, short_number(verdict.limit),
-                        verdict.measured ? short_number(*verdict.measured) : "-", verdict.unit, word);
+        out << goal_row(verdict.goal, short_number(verdict.limit), number_or_dash(verdict.measured),
+                        number_or_dash(verdict.least), verdict.unit, word);
     }
 }
 
@@ -150,6 +156,7 @@ void print_json(std::ostream& out, const RESULTS& results)
                     {
                         out << "\"goal\": " << quoted(verdict.goal) << ", \"limit\": " << json_number(verdict.limit)
                             << ", \"measured\": " << json_number(verdict.measured)
+                            << ", \"of_least_times\": " << json_number(verdict.least)
                             << ", \"unit\": " << quoted(verdict.unit)
                             << ", \"met\": " << (verdict.met() ? "true" : "false");
                     });

@@ -49,25 +49,32 @@ CFG_USER_VALUE_STRUCT* find_record(const RECORD_KEY& key)
     return found != cfg_user_ini_records->end() ? found->second : nullptr;
 }
 
+// The record of the first of the releases that has the preference.
+const CFG_USER_VALUE_STRUCT* released_record(const std::string& section, const char* name,
+                                             const std::vector<std::string>& versions)
+{
+    for (const std::string& version : versions)
+    {
+        if (const auto* const record = find_record(record_key(released_section(section, version), name)))
+            return record;
+    }
+    return nullptr;
+}
+
 // The value of the first older release that has the preference, else of the section without a release; assigned for the
 // running release as well. An assignment that the catalogue refuses does not change the answer. An empty value ends the
 // walk over the releases, but not the search.
 std::string carried_over_value(const std::string& section, const char* name, const std::vector<std::string>& versions)
 {
     std::string value;
-    for (const std::string& version : versions)
+    if (const auto* const record = released_record(section, name, versions))
     {
-        if (const CFG_USER_VALUE_STRUCT* const record =
-                find_record(record_key(released_section(section, version), name)))
-        {
-            value = record->value;
-            cfg_set_user_ini_value(name, value.c_str());
-            break;
-        }
+        value = record->value;
+        cfg_set_user_ini_value(name, value.c_str());
     }
     if (value.empty())
     {
-        if (const CFG_USER_VALUE_STRUCT* const record = find_record(record_key(section, name)))
+        if (const auto* const record = find_record(record_key(section, name)))
         {
             value = record->value;
             cfg_set_user_ini_value(name, value.c_str());
@@ -180,6 +187,41 @@ bool assign(CFG_USER_INI_ENUMS preference, const char* name, const char* value)
 // ---------------------------------------------------------------------------------------------------------------------
 // Lookup
 // ---------------------------------------------------------------------------------------------------------------------
+
+PREFERENCE_ORIGIN preference_origin(CFG_USER_INI_ENUMS preference)
+{
+    const PREFERENCE_TRIPLE* const triple = find_fitting_triple(preference, nullptr);
+    load_if_needed();
+    if (triple == nullptr)
+        return {};
+
+    const char* const name = cfg_user_ini_ini_names[preference_position(preference)];
+    const std::string section = triple->section;
+    const std::string version = ver_get_version();
+    const RECORD_KEY current = record_key(released_section(section, version), name);
+
+    const auto from = [](PREFERENCE_SOURCE source, const CFG_USER_VALUE_STRUCT* record)
+    {
+        return record == nullptr || record->value.empty() ? PREFERENCE_ORIGIN{}
+                                                          : PREFERENCE_ORIGIN{source, record->section};
+    };
+    PREFERENCE_ORIGIN origin;
+    // A record in a section that the file does not have is itself a copy, made by a lookup.
+    if (cfg_user_ini_sections_read->contains(current.section()))
+        origin = from(PREFERENCE_SOURCE::RUNNING_RELEASE, find_record(current));
+    else
+    {
+        std::vector<std::string> older = ver_get_all_versions();
+        std::erase(older, version);
+        origin = from(PREFERENCE_SOURCE::OLDER_RELEASE, released_record(section, name, older));
+        if (origin.source == PREFERENCE_SOURCE::NOWHERE)
+            origin = from(PREFERENCE_SOURCE::UNVERSIONED_SECTION, find_record(record_key(section, name)));
+    }
+    const bool has_default = *cfg_user_ini_name_default_values[preference_position(preference)].second != '\0';
+    if (origin.source == PREFERENCE_SOURCE::NOWHERE && has_default)
+        origin.source = PREFERENCE_SOURCE::DEFAULT;
+    return origin;
+}
 
 std::string cfg_get_user_ini_value_internal(const char* name, bool use_default)
 {

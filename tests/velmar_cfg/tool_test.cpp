@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <ostream>
+#include <sys/ptrace.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -23,14 +24,16 @@ std::vector<char*> pointers(std::vector<std::string>& texts)
 }
 
 // Only calls that are safe between fork and exec.
-[[noreturn]] void become_tool(uid_t user, const char* output, const char* errors, char** arguments, char** environment)
+[[noreturn]] void become_tool(uid_t user, bool traced, const char* output, const char* errors, char** arguments,
+                              char** environment)
 {
     const int out = open(output, O_WRONLY | O_CREAT | O_TRUNC, 0666);
     const int err = open(errors, O_WRONLY | O_CREAT | O_TRUNC, 0666);
     const int in = open("/dev/null", O_RDONLY);
     const bool ready = out >= 0 && err >= 0 && in >= 0 && dup2(in, STDIN_FILENO) >= 0 &&
                        dup2(out, STDOUT_FILENO) >= 0 && dup2(err, STDERR_FILENO) >= 0 &&
-                       (user == 0 || (setgid(user) == 0 && setuid(user) == 0));
+                       (user == 0 || (setgid(user) == 0 && setuid(user) == 0)) &&
+                       (!traced || ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0);
     if (ready)
         execve(VELMAR_CFG, arguments, environment);
     _exit(127);
@@ -85,6 +88,15 @@ pid_t TOOL_TEST::start(const std::vector<std::string>& arguments, const std::str
     return start_as(0, arguments, output);
 }
 
+pid_t TOOL_TEST::start_traced(const std::vector<std::string>& arguments) const
+{
+    const pid_t child = start_as(0, arguments, temporary.path("standard_output"), true);
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFSTOPPED(status));
+    return child;
+}
+
 TOOL_RUN TOOL_TEST::run_as(uid_t user, const std::vector<std::string>& arguments) const
 {
     const std::string output = temporary.path("standard_output");
@@ -95,7 +107,8 @@ TOOL_RUN TOOL_TEST::run_as(uid_t user, const std::vector<std::string>& arguments
             read_file(temporary.path("standard_error"))};
 }
 
-pid_t TOOL_TEST::start_as(uid_t user, const std::vector<std::string>& arguments, const std::string& output) const
+pid_t TOOL_TEST::start_as(uid_t user, const std::vector<std::string>& arguments, const std::string& output,
+                          bool traced) const
 {
     std::vector<std::string> words = {"velmar-cfg"};
     words.insert(words.end(), arguments.begin(), arguments.end());
@@ -113,7 +126,7 @@ pid_t TOOL_TEST::start_as(uid_t user, const std::vector<std::string>& arguments,
     const pid_t child = fork();
     if (child == 0)
     {
-        become_tool(user, output.c_str(), errors.c_str(), const_cast<char**>(argument_pointers.data()),
+        become_tool(user, traced, output.c_str(), errors.c_str(), const_cast<char**>(argument_pointers.data()),
                     const_cast<char**>(environment_pointers.data()));
     }
     return child;

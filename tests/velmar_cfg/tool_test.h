@@ -46,11 +46,15 @@ protected:
     // Starts the tool with standard output going to `output`; the caller waits for the process.
     pid_t start(const std::vector<std::string>& arguments, const std::string& output) const;
 
+    // The same, stopped before its first instruction and traced by the caller.
+    pid_t start_traced(const std::vector<std::string>& arguments) const;
+
     std::map<std::string, std::string> variables;
 
 private:
     TOOL_RUN run_as(uid_t user, const std::vector<std::string>& arguments) const;
-    pid_t start_as(uid_t user, const std::vector<std::string>& arguments, const std::string& output) const;
+    pid_t start_as(uid_t user, const std::vector<std::string>& arguments, const std::string& output,
+                   bool traced = false) const;
 };
 
 #endif

@@ -6,5 +6,10 @@
 
 void add_get_command(CLI::App& app, TOOL& tool);
 void add_list_command(CLI::App& app, TOOL& tool);
+void add_prefs_command(CLI::App& app, TOOL& tool);
+
+// Parts of prefs.
+void add_prefs_show_commands(CLI::App& prefs, TOOL& tool);
+void add_prefs_edit_commands(CLI::App& prefs, TOOL& tool);
 
 #endif

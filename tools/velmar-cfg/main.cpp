@@ -38,6 +38,7 @@ std::unique_ptr<CLI::App> make_command_line(TOOL& tool)
     add_global_options(*app, tool);
     add_get_command(*app, tool);
     add_list_command(*app, tool);
+    add_prefs_command(*app, tool);
     return app;
 }
 
@@ -60,7 +61,7 @@ std::string usage_complaint(CLI::App* app, const CLI::ParseError& error)
 {
     const CLI::App* const command = named_command(app);
     std::string what = error.what();
-    const std::vector<std::string> unknown = command->remaining();
+    const std::vector<std::string> unknown = app->remaining(true);
     if (command->get_require_subcommand_min() > 0 && !unknown.empty() && !unknown.front().starts_with('-'))
     {
         std::vector<std::string> names;
@@ -124,6 +125,7 @@ EXIT_CODE run(int argc, const char* const* argv)
 int main(int argc, char** argv)
 {
     std::signal(SIGPIPE, SIG_IGN); // "velmar-cfg list | head -1" ends as if all had been read
+    std::signal(SIGXFSZ, SIG_IGN); // a write beyond a limit fails like one to a full device
     try
     {
         return static_cast<int>(run(argc, argv));

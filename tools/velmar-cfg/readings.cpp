@@ -3,20 +3,11 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <nlohmann/json.hpp>
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/lookup.h"
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"
-
-namespace
-{
-template <typename T>
-nlohmann::ordered_json value_or_null(const std::optional<T>& value)
-{
-    return value ? nlohmann::ordered_json(*value) : nlohmann::ordered_json();
-}
-}
+#include "tools/velmar-cfg/json_values.h"
 
 READINGS read_typed(const std::string& name)
 {

@@ -1,0 +1,361 @@
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "tests/velmar_cfg/tool_test.h"
+
+namespace
+{
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+// velmar2.ini is in the directory "user".
+class PREFS_EDIT : public TOOL_TEST
+{
+protected:
+    PREFS_EDIT()
+    {
+        variables["VELMAR2_INI"] = "user";
+        std::filesystem::create_directory("user");
+    }
+
+    static void write_preferences(const std::string& bytes)
+    {
+        write_file(file, bytes);
+    }
+
+    static std::string preferences()
+    {
+        return read_file(file);
+    }
+
+    // What stands in the directory beside the preference file.
+    static std::vector<std::string> other_files()
+    {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator("user"))
+        {
+            if (entry.path() != file)
+                names.push_back(entry.path().filename());
+        }
+        return names;
+    }
+
+    std::string full_path() const
+    {
+        return std::filesystem::canonical(temporary.path("cwd/user")).string() + "/velmar2.ini";
+    }
+
+    static constexpr const char* file = "user/velmar2.ini";
+};
+
+constexpr const char* normal_form = "\n[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n";
+
+TEST_F(PREFS_EDIT, set_makes_the_file)
+{
+    EXPECT_EQ(run({"prefs", "set", "hdl_preference", "VHDL"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(preferences(), normal_form);
+    EXPECT_TRUE(other_files().empty());
+}
+
+TEST_F(PREFS_EDIT, set_replaces_a_value_and_keeps_the_spelling_given)
+{
+    write_preferences(normal_form);
+    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "verilog"}).exit_code, 0);
+    EXPECT_EQ(preferences(), "\n[General 23.4_pro]\nHDL_PREFERENCE = verilog\n");
+}
+
+TEST_F(PREFS_EDIT, set_to_the_same_value_leaves_every_byte)
+{
+    const char* const commented = "# mine\n[General 23.4_pro]\nHDL_PREFERENCE=VHDL";
+    write_preferences(commented);
+    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(preferences(), commented);
+}
+
+TEST_F(PREFS_EDIT, values_of_every_look)
+{
+    for (const char* const value : {"two words", "a=b", "# no comment", "'x'", "{}", "%d", "/path;other", "\xc3\xa9"})
+    {
+        EXPECT_EQ(run({"prefs", "set", "PROXY_SETTINGS", value}).exit_code, 0) << value;
+        EXPECT_EQ(run({"prefs", "get", "PROXY_SETTINGS"}).out, std::string(value) + "\n");
+    }
+    EXPECT_EQ(run({"prefs", "set", "PROXY_SETTINGS", "--", "-5"}).exit_code, 0);
+    EXPECT_EQ(run({"prefs", "get", "PROXY_SETTINGS"}).out, "-5\n");
+}
+
+TEST_F(PREFS_EDIT, a_value_that_is_not_allowed_is_refused_with_the_allowed_ones)
+{
+    write_preferences(normal_form);
+    EXPECT_EQ(run({"prefs", "set", "SHOW_MESSAGE_ID", "1"}),
+              (TOOL_RUN{5, "", "velmar-cfg: '1' is not allowed for SHOW_MESSAGE_ID; allowed: off, on\n"}));
+    EXPECT_EQ(run({"prefs", "set", "SHOW_MESAGE_ID", "on"}).exit_code, 5);
+    EXPECT_EQ(run({"prefs", "set", "PROXY_SETTINGS", ""}).exit_code, 5);
+    EXPECT_EQ(preferences(), normal_form);
+    EXPECT_TRUE(other_files().empty());
+}
+
+TEST_F(PREFS_EDIT, a_value_that_would_not_be_read_back_is_refused)
+{
+    write_preferences(normal_form);
+    EXPECT_EQ(run({"prefs", "set", "PROXY_SETTINGS", "[::1]:80"}),
+              (TOOL_RUN{5, "",
+                        "velmar-cfg: the file cannot hold this value: it would be read back as nothing; leave out "
+                        "'[', line ends, and blanks or quotes at both ends\n"}));
+    EXPECT_EQ(run({"prefs", "set", "PROXY_SETTINGS", " x "}).exit_code, 5);
+    EXPECT_EQ(run({"prefs", "set", "PROXY_SETTINGS", "\"x\""}).exit_code, 5);
+    EXPECT_EQ(run({"prefs", "set", "PROXY_SETTINGS", "x\nUSER_LIBRARIES = /evil"}).exit_code, 5);
+    EXPECT_EQ(preferences(), normal_form);
+    EXPECT_TRUE(other_files().empty());
+}
+
+TEST_F(PREFS_EDIT, a_line_that_a_save_would_spoil_stops_the_change)
+{
+    const char* const quoted_twice = "[General 23.4_pro]\nUSER_LIBRARIES = \"\"/lib\"\"\n";
+    write_preferences(quoted_twice);
+    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}),
+              (TOOL_RUN{4, "",
+                        "velmar-cfg: [General 23.4_pro] USER_LIBRARIES = \"/lib\": this line would not survive a "
+                        "save; mend it first (velmar-cfg prefs lint)\n"}));
+    EXPECT_EQ(preferences(), quoted_twice);
+    EXPECT_TRUE(other_files().empty());
+}
+
+// A first value in the running release's section ends the carrying over into it, so what was carried over is written
+// too.
+TEST_F(PREFS_EDIT, other_preferences_keep_the_values_they_had)
+{
+    write_preferences("[Messages 23.3_pro]\nSHOW_MESSAGE_ID = off\nSHOW_MESSAGE_PARTITION_ID = on\n");
+    EXPECT_EQ(run({"prefs", "set", "SHOW_MESSAGE_PARTITION_ID", "off"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(preferences(), "\n[Messages 23.3_pro]\nSHOW_MESSAGE_ID = off\nSHOW_MESSAGE_PARTITION_ID = on\n"
+                             "\n[Messages 23.4_pro]\nSHOW_MESSAGE_ID = off\nSHOW_MESSAGE_PARTITION_ID = off\n");
+    EXPECT_EQ(run({"prefs", "get", "SHOW_MESSAGE_ID"}).out, "off\n");
+}
+
+TEST_F(PREFS_EDIT, an_old_value_that_is_no_longer_allowed_is_told)
+{
+    write_preferences("[Messages 23.3_pro]\nSHOW_MESSAGE_ID = 1\n");
+    EXPECT_EQ(run({"prefs", "set", "SHOW_MESSAGE_PARTITION_ID", "on"}),
+              (TOOL_RUN{0, "",
+                        "velmar-cfg: this also changes SHOW_MESSAGE_ID from '1' to 'on': an older release's value, "
+                        "no longer allowed\n"}));
+}
+
+TEST_F(PREFS_EDIT, a_save_that_would_change_another_preference_is_not_made)
+{
+    // The empty section keeps the older value away, and a save does not keep empty sections.
+    const char* const bytes = "[Messages 23.4_pro]\n[Messages 23.3_pro]\nSHOW_MESSAGE_ID = off\n";
+    write_preferences(bytes);
+    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}),
+              (TOOL_RUN{4, "",
+                        "velmar-cfg: a save would also change SHOW_MESSAGE_ID from 'on' to 'off'; set that one "
+                        "first, so that this release has its own value\n"}));
+    EXPECT_EQ(preferences(), bytes);
+    EXPECT_EQ(run({"prefs", "set", "SHOW_MESSAGE_ID", "on"}).exit_code, 0);
+    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}).exit_code, 0);
+}
+
+TEST_F(PREFS_EDIT, dry_run_shows_the_difference_and_changes_nothing)
+{
+    const char* const commented = "# mine\n[General 23.4_pro]\nHDL_PREFERENCE=VHDL\nno preference\n";
+    write_preferences(commented);
+    const std::string path = full_path();
+    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--dry-run"}),
+              (TOOL_RUN{0,
+                        "--- " + path + "\n+++ " + path +
+                            " (new)\n@@ -1,4 +1,3 @@\n-# mine\n+\n [General 23.4_pro]\n-HDL_PREFERENCE=VHDL\n-no "
+                            "preference\n+HDL_PREFERENCE = KHDL\n",
+                        "velmar-cfg: " + path +
+                            ": lines that are no preferences, such as comments, would not be kept: 2\n"}));
+    EXPECT_EQ(preferences(), commented);
+    EXPECT_TRUE(other_files().empty());
+
+    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL"}).err,
+              "velmar-cfg: " + path + ": lines that are no preferences, such as comments, were not kept: 2\n");
+}
+
+TEST_F(PREFS_EDIT, json_tells_what_was_done)
+{
+    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL", "--json"}).json(),
+              nlohmann::json({{"key", "HDL_PREFERENCE"},
+                              {"value", "VHDL"},
+                              {"path", full_path()},
+                              {"changed", true},
+                              {"dry_run", false},
+                              {"dropped_lines", 0},
+                              {"difference", ""}}));
+    const nlohmann::json reset = run({"prefs", "reset", "HDL_PREFERENCE", "--json", "--dry-run"}).json();
+    EXPECT_EQ(reset.at("value"), nullptr);
+    EXPECT_EQ(reset.at("changed"), true);
+    EXPECT_THAT(reset.at("difference").get<std::string>(), HasSubstr("\n-HDL_PREFERENCE = VHDL\n"));
+}
+
+TEST_F(PREFS_EDIT, reset_leaves_the_preference_out)
+{
+    write_preferences("[General 23.4_pro]\nHDL_PREFERENCE = VHDL\nUSER_LIBRARIES = /lib\n");
+    EXPECT_EQ(run({"prefs", "reset", "HDL_PREFERENCE"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(preferences(), "\n[General 23.4_pro]\nUSER_LIBRARIES = /lib\n");
+}
+
+TEST_F(PREFS_EDIT, reset_writes_the_default_where_an_older_release_would_shine_through)
+{
+    write_preferences("[Messages 23.3_pro]\nSHOW_MESSAGE_ID = off\n");
+    EXPECT_EQ(run({"prefs", "reset", "SHOW_MESSAGE_ID"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(preferences(),
+              "\n[Messages 23.3_pro]\nSHOW_MESSAGE_ID = off\n\n[Messages 23.4_pro]\nSHOW_MESSAGE_ID = on\n");
+}
+
+TEST_F(PREFS_EDIT, reset_that_the_file_cannot_express_is_not_made)
+{
+    const char* const bytes = "[Cloud 23.3_pro]\nCLOUD_SERVER = host\n";
+    write_preferences(bytes);
+    const TOOL_RUN reset = run({"prefs", "reset", "CLOUD_SERVER"});
+    EXPECT_EQ(reset.exit_code, 4);
+    EXPECT_THAT(reset.err, HasSubstr("CLOUD_SERVER has no default that could be written"));
+    EXPECT_EQ(preferences(), bytes);
+}
+
+TEST_F(PREFS_EDIT, reset_of_what_has_its_default_leaves_every_byte)
+{
+    write_preferences("# mine\n");
+    EXPECT_EQ(run({"prefs", "reset", "HDL_PREFERENCE"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(preferences(), "# mine\n");
+}
+
+// --- The file system around the file ---
+
+TEST_F(PREFS_EDIT, mode_and_owner_are_kept)
+{
+    write_preferences(normal_form);
+    ASSERT_EQ(chmod(file, 0640), 0);
+    if (can_drop_rights())
+    {
+        ASSERT_EQ(chown(file, 4711, 4712), 0);
+    }
+    ASSERT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL"}).exit_code, 0);
+    struct stat status;
+    ASSERT_EQ(stat(file, &status), 0);
+    EXPECT_EQ(status.st_mode & 07777U, 0640U);
+    EXPECT_EQ(status.st_uid, can_drop_rights() ? 4711U : getuid());
+    EXPECT_EQ(status.st_gid, can_drop_rights() ? 4712U : getgid());
+}
+
+TEST_F(PREFS_EDIT, a_symbolic_link_stays_one)
+{
+    write_file("elsewhere/prefs.txt", normal_form);
+    std::filesystem::create_symlink("../elsewhere/prefs.txt", file);
+    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL"}).exit_code, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+    EXPECT_EQ(read_file("elsewhere/prefs.txt"), "\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n");
+
+    std::filesystem::remove("elsewhere/prefs.txt");
+    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}).exit_code, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+    EXPECT_EQ(read_file("elsewhere/prefs.txt"), normal_form);
+}
+
+TEST_F(PREFS_EDIT, a_link_in_a_circle_is_named)
+{
+    std::filesystem::create_symlink("velmar2.ini", file);
+    const TOOL_RUN edited = run({"prefs", "set", "HDL_PREFERENCE", "KHDL"});
+    EXPECT_EQ(edited.exit_code, 4);
+    EXPECT_THAT(edited.err, HasSubstr("velmar2.ini"));
+}
+
+TEST_F(PREFS_EDIT, a_directory_that_is_not_writable_is_named)
+{
+    if (!can_drop_rights())
+        GTEST_SKIP() << "needs to start as root";
+    write_preferences(normal_form);
+    ASSERT_EQ(chmod("user", 0555), 0);
+    const TOOL_RUN edited = run_without_rights({"prefs", "set", "HDL_PREFERENCE", "KHDL"});
+    EXPECT_EQ(edited, (TOOL_RUN{4, "",
+                                "velmar-cfg: " + full_path() +
+                                    ".lock: Permission denied; the directory must be writable to change the file "
+                                    "safely\n"}));
+    EXPECT_EQ(preferences(), normal_form);
+    EXPECT_EQ(run_without_rights({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--dry-run"}).exit_code, 0);
+}
+
+TEST_F(PREFS_EDIT, a_directory_that_does_not_exist_is_named)
+{
+    variables.erase("VELMAR2_INI");
+    const TOOL_RUN edited = run({"prefs", "set", "HDL_PREFERENCE", "KHDL"});
+    EXPECT_EQ(edited.exit_code, 4);
+    EXPECT_THAT(edited.err, StartsWith("velmar-cfg: " + temporary.path("home/velmar2.ini") + ": "));
+}
+
+TEST_F(PREFS_EDIT, a_full_disk_leaves_the_old_file)
+{
+    std::string bytes = "[General 23.4_pro]\nUSER_LIBRARIES = " + std::string(100000, 'x') + "\n";
+    write_preferences(bytes);
+    struct rlimit unlimited;
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &unlimited), 0);
+    struct rlimit limited = unlimited;
+    // The copy fits, the rewritten file with its empty first line does not.
+    limited.rlim_cur = bytes.size();
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
+    const TOOL_RUN edited = run({"prefs", "set", "HDL_PREFERENCE", "KHDL"});
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &unlimited), 0);
+    EXPECT_EQ(edited.exit_code, 4);
+    EXPECT_NE(edited.err, "");
+    EXPECT_EQ(preferences(), bytes);
+    EXPECT_TRUE(other_files().empty());
+}
+
+// --- Other runs ---
+
+TEST_F(PREFS_EDIT, waits_only_so_long_for_another_run)
+{
+    write_preferences(normal_form);
+    const int lock = open("user/velmar2.ini.lock", O_RDWR | O_CREAT, 0600);
+    ASSERT_GE(lock, 0);
+    ASSERT_EQ(flock(lock, LOCK_EX), 0);
+    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--wait", "0"}),
+              (TOOL_RUN{4, "",
+                        "velmar-cfg: " + full_path() +
+                            ".lock: another velmar-cfg holds this lock; run the command again when it has "
+                            "ended\n"}));
+    EXPECT_EQ(run({"prefs", "get", "HDL_PREFERENCE"}).out, "VHDL\n");
+    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--dry-run", "--wait", "0"}).exit_code, 0);
+    EXPECT_EQ(preferences(), normal_form);
+    close(lock);
+    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--wait", "0"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_TRUE(other_files().empty());
+}
+
+TEST_F(PREFS_EDIT, runs_at_the_same_time_lose_nothing)
+{
+    const std::vector<std::string> keys = {"USER_LIBRARIES", "PROXY_SETTINGS", "CLOUD_SERVER",  "WEB_BROWSER",
+                                           "PROXY_USER1",    "PROXY_USER2",    "CLOUD_USER_ID", "RECENT_PROJECTS"};
+    std::vector<pid_t> runs;
+    for (const std::string& key : keys)
+        runs.push_back(start({"prefs", "set", key, "value of " + key}, temporary.path("out_" + key)));
+    for (const pid_t child : runs)
+    {
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    }
+    for (const std::string& key : keys)
+        EXPECT_EQ(run({"prefs", "get", key}).out, "value of " + key + "\n");
+    EXPECT_TRUE(other_files().empty());
+}
+
+TEST_F(PREFS_EDIT, what_a_killed_run_left_is_removed_and_nothing_else)
+{
+    write_preferences(normal_form);
+    write_file("user/velmar2.ini.edit-a1B2c3/velmar2.ini", "half");
+    write_file("user/velmar2.ini.edit-keep/velmar2.ini", "not one of ours: another length");
+    write_file("user/velmar2.ini.edit-A1B2C3/letter", "not ours");
+    write_file("user/velmar2.ini.lock", "");
+    ASSERT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL"}).exit_code, 0);
+    EXPECT_THAT(other_files(), testing::UnorderedElementsAre("velmar2.ini.edit-keep", "velmar2.ini.edit-A1B2C3"));
+    EXPECT_TRUE(std::filesystem::exists("user/velmar2.ini.edit-A1B2C3/letter"));
+}
+}

@@ -1,0 +1,138 @@
+#include "tools/velmar-cfg/preferences.h"
+
+#include <algorithm>
+
+#include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_file.h"
+#include "platform/fio/fio.h"
+#include "platform/gen/gen.h"
+#include "platform/ver/ver.h"
+#include "tools/velmar-cfg/input_file.h"
+#include "tools/velmar-cfg/json_values.h"
+#include "tools/velmar-cfg/nearest_name.h"
+#include "tools/velmar-cfg/tool.h"
+
+namespace
+{
+const char* source_word(PREFERENCE_SOURCE source)
+{
+    switch (source)
+    {
+    case PREFERENCE_SOURCE::RUNNING_RELEASE:
+        return "running release";
+    case PREFERENCE_SOURCE::OLDER_RELEASE:
+        return "older release";
+    case PREFERENCE_SOURCE::UNVERSIONED_SECTION:
+        return "unversioned section";
+    case PREFERENCE_SOURCE::DEFAULT:
+        return "default";
+    case PREFERENCE_SOURCE::NOWHERE:
+        break;
+    }
+    return "none";
+}
+}
+
+bool PREFERENCE::differs_from_default() const
+{
+    return gen_stricmp(value.c_str(), default_value.c_str()) != 0;
+}
+
+void check_preference_file()
+{
+    const std::string path = cfg_generate_user_ini_file_path();
+    if (!FIO_FILE_SYSTEM::exists(path.c_str()))
+        return;
+    const std::string bytes = read_input_file(path);
+    if (const std::size_t zero = bytes.find('\0'); zero != std::string::npos)
+        throw_binary_file(path, 1 + static_cast<std::size_t>(std::count(
+                                        bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(zero), '\n')));
+}
+
+std::vector<CFG_USER_INI_ENUMS> all_preference_numbers()
+{
+    std::vector<CFG_USER_INI_ENUMS> numbers;
+    for (int i = 0; i < CFG_USER_INI_ENUMS_END; ++i)
+    {
+        const auto number = static_cast<CFG_USER_INI_ENUMS>(i);
+        if (!preference_triples(number).empty())
+            numbers.push_back(number);
+    }
+    return numbers;
+}
+
+std::vector<std::string> all_preference_keys()
+{
+    std::vector<std::string> keys;
+    for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
+        keys.push_back(cfg_get_user_ini_ini_string(number));
+    return keys;
+}
+
+PREFERENCE look_up_preference(CFG_USER_INI_ENUMS number)
+{
+    PREFERENCE preference;
+    preference.number = number;
+    preference.key = cfg_get_user_ini_ini_string(number);
+    preference.section = cfg_get_section_for_name(preference.key.c_str(), nullptr, false);
+    preference.origin = preference_origin(number);
+    preference.value = cfg_get_user_ini_value(number);
+    preference.default_value = cfg_user_ini_name_default_values[preference_position(number)].second;
+    for (const PREFERENCE_TRIPLE& triple : preference_triples(number))
+    {
+        if (*triple.value != '\0')
+            preference.allowed.emplace_back(triple.value);
+    }
+    return preference;
+}
+
+CFG_USER_INI_ENUMS preference_number(const std::string& key)
+{
+    const CFG_USER_INI_ENUMS number = find_preference(key.c_str());
+    if (number != CFG_USER_INI_ENUMS_END)
+        return number;
+    const std::string current = cfg_convert_from_old_to_new(key);
+    throw TOOL_ERROR(EXIT_CODE::REFUSED, current != key
+                                             ? "'" + key + "' is an old name; the preference is called " + current
+                                             : "there is no preference '" + key + "'" +
+                                                   did_you_mean(key, all_preference_keys()) +
+                                                   " See velmar-cfg prefs list --all");
+}
+
+nlohmann::ordered_json preference_as_json(const PREFERENCE& preference)
+{
+    return {
+        {"key", preference.key},
+        {"value", preference.value},
+        {"default", preference.default_value},
+        {"allowed", preference.allowed.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(preference.allowed)},
+        {"source", source_word(preference.origin.source)},
+        {"section", text_or_null(preference.origin.section)}};
+}
+
+std::string allowed_as_text(const PREFERENCE& preference)
+{
+    std::string text;
+    for (const std::string& value : preference.allowed)
+        text += (text.empty() ? "" : ", ") + value;
+    return text.empty() ? "any text" : text;
+}
+
+std::string origin_as_text(const PREFERENCE& preference)
+{
+    const std::string& section = preference.origin.section;
+    switch (preference.origin.source)
+    {
+    case PREFERENCE_SOURCE::RUNNING_RELEASE:
+        return "set in section [" + section + "]";
+    case PREFERENCE_SOURCE::OLDER_RELEASE:
+        return "carried over from an older release, section [" + section + "]";
+    case PREFERENCE_SOURCE::UNVERSIONED_SECTION:
+        return "carried over from section [" + section + "], which names no release";
+    case PREFERENCE_SOURCE::DEFAULT:
+        return "the default";
+    case PREFERENCE_SOURCE::NOWHERE:
+        break;
+    }
+    return "not set, and there is no default";
+}

@@ -1,0 +1,50 @@
+// The user preferences as the library answers them, each with what the catalogue says of it.
+#ifndef TOOLS_VELMAR_CFG_PREFERENCES_H
+#define TOOLS_VELMAR_CFG_PREFERENCES_H
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <vector>
+
+#include "cfg_ini/cfg_ini.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
+
+struct PREFERENCE
+{
+    CFG_USER_INI_ENUMS number;
+    std::string key;
+    std::string section; // the catalogue's, without a release
+    std::string value;   // default applied
+    std::string default_value;
+    std::vector<std::string> allowed; // empty for free text
+    PREFERENCE_ORIGIN origin;
+
+    // Whether the value is another than the default; letter case does not count.
+    bool differs_from_default() const;
+};
+
+// Throws TOOL_ERROR(BAD_INPUT) when there is a preference file but it cannot be read as one. Every command that uses
+// the preferences calls it before it asks the library.
+void check_preference_file();
+
+// The numbers of all preferences of the catalogue, in its order, and their keys.
+std::vector<CFG_USER_INI_ENUMS> all_preference_numbers();
+std::vector<std::string> all_preference_keys();
+
+// The preference as the library answers it now. Never writes the file.
+PREFERENCE look_up_preference(CFG_USER_INI_ENUMS number);
+
+// The preference of that key, in any letter case. Throws TOOL_ERROR(REFUSED), with a suggestion, for any other name.
+CFG_USER_INI_ENUMS preference_number(const std::string& key);
+
+// {"key", "value", "default", "allowed", "source", "section"}; "source" is "running release", "older release",
+// "unversioned section", "default" or "none", "section" that of the file or null, "allowed" null for free text.
+nlohmann::ordered_json preference_as_json(const PREFERENCE& preference);
+
+// "off, on" or "any text".
+std::string allowed_as_text(const PREFERENCE& preference);
+
+// Where the value comes from, in words.
+std::string origin_as_text(const PREFERENCE& preference);
+
+#endif

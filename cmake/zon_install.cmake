@@ -42,7 +42,7 @@ endforeach()
 
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
 
-# --- CMake package and pkg-config file ---
+# --- CMake package and pkg-config files ---
 
 install(EXPORT zon_cfg_ini_targets NAMESPACE zon_cfg_ini:: DESTINATION ${zon_package_dir} COMPONENT development)
 configure_package_config_file(cmake/zon_cfg_ini-config.cmake.in ${PROJECT_BINARY_DIR}/zon_cfg_ini-config.cmake
@@ -51,12 +51,20 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/zon_cfg_ini-config-versio
 install(FILES ${PROJECT_BINARY_DIR}/zon_cfg_ini-config.cmake ${PROJECT_BINARY_DIR}/zon_cfg_ini-config-version.cmake
     DESTINATION ${zon_package_dir} COMPONENT development)
 
+# zon_install_pc(name): the pkg-config file made of cmake/<name>.pc.in.
+function(zon_install_pc name)
+    configure_file(cmake/${name}.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/${name}.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+endfunction()
+
 file(RELATIVE_PATH zon_pc_prefix "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
 list(TRANSFORM zon_service_libraries PREPEND -l OUTPUT_VARIABLE zon_pc_private_libraries)
 list(JOIN zon_pc_private_libraries " " zon_pc_private_libraries)
-configure_file(cmake/zon_cfg_ini.pc.in ${PROJECT_BINARY_DIR}/zon_cfg_ini.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/zon_cfg_ini.pc
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+zon_install_pc(zon_cfg_ini)
+if(TARGET zon_cfg_run_report)
+    zon_install_pc(zon_cfg_run_report)
+endif()
 
 # --- The tool ---
 

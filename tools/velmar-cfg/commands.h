@@ -6,10 +6,14 @@
 
 void add_get_command(CLI::App& app, TOOL& tool);
 void add_list_command(CLI::App& app, TOOL& tool);
+void add_explain_command(CLI::App& app, TOOL& tool);
+void add_paths_command(CLI::App& app, TOOL& tool);
+void add_lint_command(CLI::App& app, TOOL& tool);
 void add_prefs_command(CLI::App& app, TOOL& tool);
 
 // Parts of prefs.
 void add_prefs_show_commands(CLI::App& prefs, TOOL& tool);
+void add_prefs_lint_command(CLI::App& prefs, TOOL& tool);
 void add_prefs_edit_commands(CLI::App& prefs, TOOL& tool);
 
 #endif

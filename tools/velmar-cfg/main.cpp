@@ -38,6 +38,9 @@ std::unique_ptr<CLI::App> make_command_line(TOOL& tool)
     add_global_options(*app, tool);
     add_get_command(*app, tool);
     add_list_command(*app, tool);
+    add_explain_command(*app, tool);
+    add_paths_command(*app, tool);
+    add_lint_command(*app, tool);
     add_prefs_command(*app, tool);
     return app;
 }

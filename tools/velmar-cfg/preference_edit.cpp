@@ -8,12 +8,12 @@
 #include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_file.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_writing.h"
-#include "platform/gen/gen.h"
 #include "tools/velmar-cfg/file_lock.h"
 #include "tools/velmar-cfg/input_file.h"
 #include "tools/velmar-cfg/output.h"
 #include "tools/velmar-cfg/preferences.h"
 #include "tools/velmar-cfg/staged_file.h"
+#include "tools/velmar-cfg/text.h"
 #include "tools/velmar-cfg/tool.h"
 
 namespace
@@ -221,7 +221,7 @@ std::size_t count_dropped_lines(std::string_view text)
         text.remove_prefix(std::min(line.size() + 1, text.size()));
         const PREFERENCE_LINE_KIND kind = classify_preference_line(line).kind;
         const bool ignored = kind != PREFERENCE_LINE_KIND::HEADER && kind != PREFERENCE_LINE_KIND::KEY;
-        if (ignored && !gen_remove_leading_and_trailing_white_spaces(std::string(line)).empty())
+        if (ignored && !trimmed(line).empty())
             ++dropped;
     }
     return dropped;

@@ -1,6 +1,7 @@
 #include "tools/velmar-cfg/preferences.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_file.h"
@@ -36,6 +37,20 @@ const char* source_word(PREFERENCE_SOURCE source)
 bool PREFERENCE::differs_from_default() const
 {
     return gen_stricmp(value.c_str(), default_value.c_str()) != 0;
+}
+
+PREFERENCE_FILE_PLACE preference_file_place()
+{
+    PREFERENCE_FILE_PLACE place{cfg_generate_user_ini_file_path(), false, {}};
+    const char* const directory = std::getenv("VELMAR2_INI");
+    if (directory == nullptr || *directory == '\0')
+        return place;
+    FIO_PATH named(place.path.c_str());
+    named.directory(directory);
+    place.from_variable = place.path == named.fullpath();
+    if (!place.from_variable)
+        place.remark = "VELMAR2_INI names no directory and is ignored: " + std::string(directory);
+    return place;
 }
 
 void check_preference_file()

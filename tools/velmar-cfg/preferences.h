@@ -23,6 +23,15 @@ struct PREFERENCE
     bool differs_from_default() const;
 };
 
+// Where the library finds the preference file.
+struct PREFERENCE_FILE_PLACE
+{
+    std::string path;
+    bool from_variable; // VELMAR2_INI names the directory; else it is the user's profile directory
+    std::string remark; // why VELMAR2_INI, which is set, is ignored
+};
+PREFERENCE_FILE_PLACE preference_file_place();
+
 // Throws TOOL_ERROR(BAD_INPUT) when there is a preference file but it cannot be read as one. Every command that uses
 // the preferences calls it before it asks the library.
 void check_preference_file();

@@ -9,4 +9,5 @@ void add_prefs_command(CLI::App& app, TOOL& tool)
     prefs->require_subcommand(1);
     add_prefs_show_commands(*prefs, tool);
     add_prefs_edit_commands(*prefs, tool);
+    add_prefs_lint_command(*prefs, tool);
 }

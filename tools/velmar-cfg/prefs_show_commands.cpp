@@ -1,8 +1,5 @@
 // velmar-cfg prefs list, get, describe and path: the preferences as they are.
-#include <cstdlib>
-
 #include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
-#include "cfg_ini/cfg_user_ini_reader/preference_file.h"
 #include "platform/fio/fio.h"
 #include "tools/velmar-cfg/commands.h"
 #include "tools/velmar-cfg/json_values.h"
@@ -99,21 +96,15 @@ EXIT_CODE describe(const std::string& key, TOOL& tool)
 
 EXIT_CODE path(TOOL& tool)
 {
-    const std::string file = cfg_generate_user_ini_file_path();
-    const char* const named = std::getenv("VELMAR2_INI");
-    const std::string directory = named == nullptr ? "" : named;
-    FIO_PATH file_of_named;
-    file_of_named.directory(directory);
-    file_of_named.filename("velmar2.ini");
-    const bool taken = !directory.empty() && file == file_of_named.fullpath();
-    if (!directory.empty() && !taken)
-        complain("VELMAR2_INI names no directory and is ignored: " + directory);
+    const PREFERENCE_FILE_PLACE place = preference_file_place();
+    if (!place.remark.empty())
+        complain(place.remark);
     if (tool.options.json)
-        tool.out.json({{"path", file},
-                       {"exists", FIO_FILE_SYSTEM::exists(file.c_str())},
-                       {"from", taken ? "VELMAR2_INI" : "profile directory"}});
+        tool.out.json({{"path", place.path},
+                       {"exists", FIO_FILE_SYSTEM::exists(place.path.c_str())},
+                       {"from", place.from_variable ? "VELMAR2_INI" : "profile directory"}});
     else
-        tool.out << file << (tool.options.nul_terminated ? zero_byte : "\n");
+        tool.out << place.path << (tool.options.nul_terminated ? zero_byte : "\n");
     return EXIT_CODE::FINE;
 }
 

@@ -1,0 +1,232 @@
+#include "tests/velmar_cfg/tool_test.h"
+
+namespace
+{
+using testing::HasSubstr;
+
+// The findings of one file, each as "LINE:COLUMN severity reason".
+struct CHECKED
+{
+    const char* title;
+    std::string bytes;
+    std::vector<std::string> findings;
+};
+
+void PrintTo(const CHECKED& row, std::ostream* stream)
+{
+    *stream << row.title;
+}
+
+class LINT : public TOOL_TEST
+{
+protected:
+    static std::vector<std::string> brief(const TOOL_RUN& linted)
+    {
+        std::vector<std::string> findings;
+        const nlohmann::json rows = linted.json();
+        for (const nlohmann::json& row : rows)
+        {
+            EXPECT_EQ(row.size(), 8U) << row;
+            EXPECT_NE(row.at("message"), "");
+            EXPECT_NE(row.at("instead"), "") << row;
+            const nlohmann::json& position = row.at("line") != nullptr ? row.at("line") : row.at("item");
+            findings.push_back(position.dump() + ":" + row.at("column").dump() + " " +
+                               row.at("severity").get<std::string>() + " " + row.at("reason").get<std::string>());
+        }
+        return findings;
+    }
+};
+
+class LINT_SETTINGS : public LINT, public testing::WithParamInterface<CHECKED>
+{
+};
+
+TEST_P(LINT_SETTINGS, finds)
+{
+    write_file("checked.ini", GetParam().bytes);
+    const TOOL_RUN linted = run({"lint", "checked.ini", "--json"});
+    EXPECT_EQ(brief(linted), GetParam().findings);
+    EXPECT_EQ(linted.err, "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    table, LINT_SETTINGS,
+    testing::Values(
+        CHECKED{"nothing in a good file",
+                "# comment\n\n; comment\n  // comment\na = 1 # one\nb = \"x;y\" ; two\nc = //server/path\n\r\nd=x=y\n"
+                "msg_sqlite = OFF\ndebug_msg_level = 3\r\n",
+                {}},
+        CHECKED{"too short",
+                "ab\n a\na=\n#a\n;\n =\n==\n",
+                {"1:1 error too-short", "2:2 error too-short", "3:1 error too-short", "6:2 error too-short",
+                 "7:1 warning empty-name"}},
+        CHECKED{"no equals sign",
+                "name value\n [section]\nname: value\n",
+                {"1:1 error no-equals-sign", "2:2 error no-equals-sign", "3:1 error no-equals-sign"}},
+        CHECKED{"a comment before the equals sign",
+                "a # b = 1\na // b = 1\n",
+                {"1:3 error comment-cut", "2:3 error comment-cut"}},
+        CHECKED{"a value that a comment sign cuts",
+                "url = host#part\nlist = x;y\ncolor = #ff0000\nspaced = 1 #fine\nquoted = \"x#y\"\n",
+                {"1:11 warning comment-cut", "2:9 warning comment-cut", "3:9 warning comment-cut"}},
+        CHECKED{"a second assignment",
+                "a=1;b=2\nc=1 ; d = 2\ne=1 ; was f = 2\ng=1 ; h\n",
+                {"1:4 error second-assignment", "2:5 error second-assignment"}},
+        CHECKED{"slashes that begin no comment",
+                "a = 1 // one\nb = x//y\nc = http://x\n",
+                {"1:7 warning slashes-in-value"}},
+        CHECKED{"an open quote", "a = \"x # y\n", {"1:5 warning unclosed-quote"}},
+        CHECKED{"quotes", "a = \"x\"\nb = \"x;y\"\n", {"1:5 note quotes-kept"}},
+        CHECKED{"blanks in a name",
+                "max fanout = 12\n  fine  = 1\n\tta\tb=1\n",
+                {"1:1 warning blanks-in-name", "3:2 warning blanks-in-name"}},
+        CHECKED{"an empty name",
+                "=5\n = 6\n",
+                {"1:1 warning empty-name", "1:1 warning overridden", "2:1 warning empty-name"}},
+        CHECKED{"overridden by a later line",
+                "a=1\nbb=2\nA=3\na=3\n",
+                {"1:1 warning overridden", "3:1 warning letter-case", "3:1 note overridden"}},
+        CHECKED{"two letter cases", "Fan=1\nx=1\nfan=2\n", {"1:1 warning overridden", "3:1 warning letter-case"}},
+        CHECKED{"a known switch",
+                "msg_sqlite = yes\nMSG_SQLITE=on\n",
+                {"1:1 warning overridden", "1:14 error no-boolean", "2:1 warning letter-case"}},
+        CHECKED{"a known number",
+                "debug_msg_level = high\ncfg_max_to_report =\n",
+                {"1:19 error no-integer", "2:20 error no-integer"}},
+        CHECKED{"a name that is almost known", "msg_sqlit = on\nmsg_sql = on\n", {"1:1 warning almost-known"}},
+        CHECKED{"a byte order mark",
+                "\xef\xbb\xbf"
+                "a=1\n",
+                {"1:1 error byte-order-mark"}},
+        CHECKED{"a byte order mark before a comment", "\xef\xbb\xbf# a\n", {}},
+        CHECKED{"bytes that look like something else",
+                "a\xc2\xa0"
+                "b = 1\ncaf\xc3\xa9 = x\n\xc2\xa0 = 2\n",
+                {"1:2 warning odd-character", "2:4 warning odd-character", "3:1 warning odd-character"}}));
+
+TEST_F(LINT, says_what_to_write_instead)
+{
+    write_file("checked.ini", "max fanout = 12\n");
+    EXPECT_EQ(run({"lint", "checked.ini"}),
+              (TOOL_RUN{0,
+                        "checked.ini:1:1: warning: white space in a name is removed: this sets 'maxfanout'; write "
+                        "'max_fanout = 12' if that is the variable, else 'maxfanout = 12' [blanks-in-name]\n",
+                        ""}));
+}
+
+TEST_F(LINT, the_exit_code_follows_the_worst_finding)
+{
+    write_file("note.ini", "a = \"x\"\n");
+    write_file("warning.ini", "a b = 1\n");
+    write_file("error.ini", "ab\n");
+    EXPECT_EQ(run({"lint", "note.ini", "--strict"}).exit_code, 0);
+    EXPECT_EQ(run({"lint", "warning.ini"}).exit_code, 0);
+    EXPECT_EQ(run({"lint", "warning.ini", "--strict"}).exit_code, 1);
+    EXPECT_EQ(run({"lint", "error.ini"}).exit_code, 1);
+    EXPECT_EQ(run({"lint", "note.ini", "error.ini"}).exit_code, 1);
+}
+
+TEST_F(LINT, a_file_that_is_missing_is_named)
+{
+    EXPECT_EQ(run({"lint", "nothing.ini"}),
+              (TOOL_RUN{3, "", "velmar-cfg: nothing.ini: No such file or directory; check the path\n"}));
+    EXPECT_EQ(run({"prefs", "lint", "velmar2.ini"}).exit_code, 3);
+}
+
+TEST_F(LINT, without_a_file_it_checks_all_that_would_be_read)
+{
+    write_file("project/velmar.ini", "ab\n");
+    write_file("appended.ini", "a b=1\n");
+    write_file("project/regtest.ini", "cc\n");
+    write_file("user/velmar2.ini", "x\n");
+    variables["APPENDED_VELMAR_INI"] = "appended.ini";
+    variables["VELMAR_INI_VARS"] = "nothing";
+    variables["VELMAR2_INI"] = "user";
+    const TOOL_RUN linted = run({"lint", "--project", "project", "--regtest", "--json"});
+    std::vector<std::string> files;
+    const nlohmann::json rows = linted.json();
+    for (const nlohmann::json& row : rows)
+        files.push_back(row.at("file"));
+    EXPECT_EQ(files, (std::vector<std::string>{"project/velmar.ini", "appended.ini", "VELMAR_INI_VARS",
+                                               "project/regtest.ini", "user/velmar2.ini"}));
+    EXPECT_EQ(rows.at(2).at("line"), nullptr);
+    EXPECT_EQ(rows.at(2).at("item"), 1);
+}
+
+TEST_F(LINT, a_variable_may_have_another_value_in_a_later_layer)
+{
+    write_file("project/velmar.ini", "a=1\n");
+    write_file("project/regtest.ini", "a=2\n");
+    EXPECT_EQ(run({"lint", "--project", "project", "--regtest"}), (TOOL_RUN{0, "", ""}));
+}
+
+class LINT_INLINE : public LINT, public testing::WithParamInterface<CHECKED>
+{
+};
+
+TEST_P(LINT_INLINE, finds)
+{
+    variables["VELMAR_INI_VARS"] = GetParam().bytes;
+    EXPECT_EQ(brief(run({"lint", "--json"})), GetParam().findings);
+}
+
+INSTANTIATE_TEST_SUITE_P(table, LINT_INLINE,
+                         testing::Values(CHECKED{"nothing in a good text", "a=1;b=/x:/y;; c = # ;", {}},
+                                         CHECKED{"items that are skipped",
+                                                 "ab;=1;c=; d",
+                                                 {"1:1 error no-equals-sign", "2:1 error empty-name",
+                                                  "3:1 error empty-value", "4:2 error no-equals-sign"}},
+                                         CHECKED{"the other separator", "p=x;y:z=1", {"2:2 warning separator"}},
+                                         CHECKED{"a colon that came first", "q=c:\\dir;r=2", {"2:5 warning separator"}},
+                                         CHECKED{"blanks in a name", "my var=on", {"1:1 warning blanks-in-name"}},
+                                         CHECKED{"quotes", "a=\"x;y\"", {"2:1 error no-equals-sign"}},
+                                         CHECKED{"quotes around all", "a=\"x\"", {"1:3 note quotes-kept"}},
+                                         CHECKED{"a known switch", "msg_sqlite=maybe", {"1:12 error no-boolean"}}));
+
+class LINT_PREFERENCES : public LINT, public testing::WithParamInterface<CHECKED>
+{
+};
+
+TEST_P(LINT_PREFERENCES, finds)
+{
+    write_file("checked/velmar2.ini", GetParam().bytes);
+    const TOOL_RUN linted = run({"lint", "checked/velmar2.ini", "--json"});
+    EXPECT_EQ(brief(linted), GetParam().findings);
+    EXPECT_EQ(run({"prefs", "lint", "checked/velmar2.ini", "--json"}), linted);
+    variables["VELMAR2_INI"] = "checked";
+    EXPECT_EQ(run({"prefs", "lint", "--json"}), linted);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    table, LINT_PREFERENCES,
+    testing::Values(
+        CHECKED{"nothing in a good file",
+                "\n[General]\nUSER_LIBRARIES = \"/opt/lib\"\n\n[Messages 23.3_pro]\nSHOW_MESSAGE_ID = OFF\r\n"
+                "[Internet Connectivity 23.4_pro]\nPROXY_ENABLED=1\n",
+                {}},
+        CHECKED{"a bracket in a value",
+                "[Internet Connectivity 23.4_pro]\nPROXY_SETTINGS = [host]\nPROXY_USER1 = x[\n",
+                {"2:18 error bracket-in-value", "3:16 error bracket-in-value"}},
+        CHECKED{"a key before any section", "USER_LIBRARIES = /x\n", {"1:1 error before-section"}},
+        CHECKED{"an unknown key",
+                "[Messages 23.4_pro]\nSHOW_MESAGE_ID = on\nSOMETHING_ELSE = 1\n",
+                {"2:1 warning unknown-key", "3:1 warning unknown-key"}},
+        CHECKED{
+            "a value that is not allowed", "[Messages 23.4_pro]\nSHOW_MESSAGE_ID =  1\n", {"2:20 error not-allowed"}},
+        CHECKED{"a dropped duplicate",
+                "[Messages 23.4_pro]\nSHOW_MESSAGE_ID = on\nSHOW_MESSAGE_ID = off\n",
+                {"3:1 error duplicate"}},
+        CHECKED{"an old name", "[Messages 23.4_pro]\nPost warning messages = 1\n", {"2:1 note old-name"}},
+        CHECKED{"an empty value", "[Messages 23.4_pro]\nSHOW_MESSAGE_ID =\n", {"2:17 warning empty-value"}},
+        CHECKED{"comments",
+                "# a comment\n[Messages 23.4_pro]\n; SHOW_MESSAGE_ID = off\n",
+                {"1:1 note not-kept", "3:1 warning no-comment"}},
+        CHECKED{"short lines", "ab\n \n[]\n", {"1:1 error too-short", "3:1 error too-short"}},
+        CHECKED{"headers",
+                "[Messages 23.4_pro\n[ Messages]\n[messages 23.4_pro]\n[] x\nUSER_LIBRARIES = 1\n",
+                {"1:1 error malformed-header", "2:1 warning unknown-section", "3:1 warning unknown-section",
+                 "4:1 error empty-header", "5:1 error before-section"}},
+        CHECKED{"the wrong section", "[General 23.4_pro]\nSHOW_MESSAGE_ID = on\n", {"2:1 error wrong-section"}},
+        CHECKED{
+            "a key in another letter case", "[Messages 23.4_pro]\nshow_message_id = on\n", {"2:1 error letter-case"}}));
+}

@@ -1,16 +1,13 @@
-// The rules of names, lines and values written out plainly, held against the library's quicker ways on random text,
-// byte for byte. The seeds are fixed; a failure shows the text.
+// The plainly written rules of names, lines and values (tests/support/plain_rules.h), held against the library's
+// quicker ways on random text, byte for byte. The seeds are fixed; a failure shows the text.
 #include <gtest/gtest.h>
 
 #include <cctype>
-#include <charconv>
 #include <cstdint>
-#include <cstring>
 #include <map>
 #include <optional>
 #include <random>
 #include <string>
-#include <strings.h>
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/ini_text.h"
@@ -19,100 +16,10 @@
 #include "cfg_ini/cfg_ini_reader/settings_lines.h"
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"
 #include "tests/support/faked_test.h"
+#include "tests/support/plain_rules.h"
 
 namespace
 {
-namespace plain
-{
-char fold(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 0x20) : c;
-}
-
-std::uint64_t hash(const std::string& name)
-{
-    std::uint64_t h = 0;
-    for (const char* p = name.c_str(); *p != '\0'; ++p)
-        h = h * 17 + static_cast<std::uint64_t>(std::int64_t{static_cast<signed char>(fold(*p))});
-    return h;
-}
-
-std::string folded_up_to_zero(const std::string& name)
-{
-    std::string text = name.c_str();
-    for (char& c : text)
-        c = fold(c);
-    return text;
-}
-
-void remove_comment(std::string& line)
-{
-    bool in_quotes = false;
-    for (std::size_t i = 0; i < line.size(); ++i)
-    {
-        if (line[i] == '"')
-            in_quotes = !in_quotes;
-        else if ((line[i] == ';' || line[i] == '#') && !in_quotes)
-        {
-            line.resize(i);
-            break;
-        }
-    }
-    const std::size_t slashes = line.find("//");
-    if (slashes != std::string::npos && slashes < line.find('='))
-        line.resize(slashes);
-}
-
-// "name\nvalue" of an assignment; nothing for an ignored line.
-std::optional<std::string> assignment(std::string line)
-{
-    if (line.size() < 3 && !(line.size() == 2 && line[0] == '='))
-        return std::nullopt;
-    remove_comment(line);
-    const std::size_t equals = line.find('=');
-    if (equals == std::string::npos)
-        return std::nullopt;
-    std::string name;
-    for (const char c : line.substr(0, equals))
-    {
-        if (std::isspace(static_cast<unsigned char>(c)) == 0)
-            name += c;
-    }
-    std::string value = line.substr(equals + 1);
-    while (!value.empty() && std::strchr(" \t\n\v\f\r", value.front()) != nullptr && value.front() != '\0')
-        value.erase(0, 1);
-    while (!value.empty() && std::strchr(" \t\n\v\f\r", value.back()) != nullptr && value.back() != '\0')
-        value.pop_back();
-    return name + '\n' + value;
-}
-
-template <typename T>
-std::optional<T> number(const std::string& text)
-{
-    const char* const end = text.c_str() + std::strlen(text.c_str());
-    T value{};
-    const auto [stop, error] = std::from_chars(text.c_str(), end, value);
-    if (error != std::errc{} || stop != end)
-        return std::nullopt;
-    return value;
-}
-
-std::optional<bool> boolean(const std::string& text)
-{
-    for (const char* word : {"on", "1", "true"})
-    {
-        if (strcasecmp(text.c_str(), word) == 0)
-            return true;
-    }
-    for (const char* word : {"off", "0", "false"})
-    {
-        if (strcasecmp(text.c_str(), word) == 0)
-            return false;
-    }
-    return std::nullopt;
-}
-}
-
 // Random text of up to `longest` bytes over an alphabet.
 class RANDOM_TEXT
 {
@@ -201,9 +108,9 @@ TEST(FAST_PATHS, lines_divide_as_the_two_passes_do)
 
             std::string name;
             std::string value;
-            std::optional<std::string> parsed;
+            std::optional<plain::ASSIGNMENT> parsed;
             if (parse_settings_line(line, name, value) == SETTINGS_LINE::ASSIGNMENT)
-                parsed = name + '\n' + value;
+                parsed.emplace(name, value);
             ASSERT_EQ(parsed, plain::assignment(line)) << testing::PrintToString(line);
         }
     }

@@ -1,5 +1,6 @@
 #include "tests/cfg_user_ini_reader/plain_preferences.h"
 
+#include <algorithm>
 #include <cctype>
 #include <sstream>
 
@@ -8,16 +9,14 @@
 namespace
 {
 // The C locale of the tests folds A to Z alone.
-std::string folded(std::string text)
+bool same_letter(char a, char b)
 {
-    for (char& c : text)
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return text;
+    return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
 }
 
 bool same(const std::string& a, const std::string& b)
 {
-    return folded(a) == folded(b);
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), same_letter);
 }
 
 std::string trimmed(std::string text)

@@ -57,8 +57,8 @@ std::vector<VARIABLE> all_variables()
     for (const auto& [name, count] : usages)
     {
         // Two lookups so far, the one above and the report's own: the first is not counted when it made the variable.
-        const bool only_asked_for =
-            count == "1" && std::ranges::any_of(steering, [&](const auto& variable) { return variable.is(name); });
+        const bool only_asked_for = count == "1" && std::ranges::any_of(steering, [&asked = name](const auto& variable)
+                                                                        { return variable.is(asked); });
         if (!only_asked_for)
             variables.push_back({name, cfg_get_value(name), cfg_ini_is_external(name)});
     }

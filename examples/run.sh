@@ -40,7 +40,13 @@ fi
 
 title "A host: settings read, variables asked for and set, what the run depended on"
 show example_host project
-show env APPENDED_VELMAR_INI=appended.ini VELMAR_INI_VARS=banner=inline example_host --regtest project
+show env APPENDED_VELMAR_INI=appended.ini VELMAR_INI_VARS=banner=inline \
+    example_host --regtest --run-report "$HOME/run.json" project
+
+if command -v velmar-cfg >/dev/null; then
+    title "What that run depended on"
+    show velmar-cfg run-report "$HOME/run.json"
+fi
 
 title "Preferences kept over three releases: read, carried over, assigned and saved (a copy)"
 cp preferences/velmar2.ini "$HOME"

@@ -42,6 +42,7 @@ std::unique_ptr<CLI::App> make_command_line(TOOL& tool)
     add_paths_command(*app, tool);
     add_lint_command(*app, tool);
     add_prefs_command(*app, tool);
+    add_run_report_command(*app, tool);
     return app;
 }
 

@@ -1,0 +1,287 @@
+#include "tests/velmar_cfg/tool_test.h"
+
+namespace
+{
+constexpr const char* cpu_run = R"({
+  "schema": "velmar-run-report", "schema_version": 1, "run": "nightly/cpu", "release": "23.4",
+  "files": {"main": "cpu/velmar.ini", "appended": null, "regtest": "cpu/regtest.ini"},
+  "read": [
+    {"name": "effort", "count": 40, "value": "5", "external": true, "used": true},
+    {"name": "max_fanout", "count": 480, "value": "12", "external": true, "used": true},
+    {"name": "retries", "count": 2, "value": "3x", "external": true, "used": false},
+    {"name": "new_router", "count": 2, "value": null, "external": false, "used": false}
+  ],
+  "external_never_read": [
+    {"name": "Licences", "value": "old"},
+    {"name": "seed", "value": "1"},
+    {"name": "tabs", "value": "a\tb"}
+  ],
+  "uncounted": ["asked_once"]
+})";
+
+constexpr const char* gpu_run = R"({
+  "schema": "velmar-run-report", "schema_version": 1, "run": "nightly/gpu", "release": "23.3",
+  "files": {"main": null, "appended": null, "regtest": null},
+  "read": [{"name": "MAX_FANOUT", "count": 1, "value": "16", "external": false, "used": true}],
+  "external_never_read": [{"name": "licences", "value": "new"}, {"name": "effort", "value": "5"}],
+  "uncounted": ["SEED"]
+})";
+
+constexpr const char* unnamed_run = R"({
+  "schema": "velmar-run-report", "schema_version": 1, "run": "", "release": "23.4",
+  "files": {"main": null, "appended": null, "regtest": null},
+  "read": [], "external_never_read": [{"name": "LICENCES", "value": "new"}], "uncounted": []
+})";
+
+class RUN_REPORT : public TOOL_TEST
+{
+protected:
+    RUN_REPORT()
+    {
+        write_file("cpu.json", cpu_run);
+        write_file("gpu.json", gpu_run);
+        write_file("unnamed.json", unnamed_run);
+    }
+};
+
+TEST_F(RUN_REPORT, ranks_what_the_run_read)
+{
+    EXPECT_EQ(run({"run-report", "cpu.json"}), (TOOL_RUN{0, R"(Run nightly/cpu, release 23.4
+  main settings file: cpu/velmar.ini
+  regression-test file: cpu/regtest.ini
+
+READS                            VARIABLE
+  480  ########################  max_fanout=12  external
+   40  ##                        effort=5  external
+    2  #                         retries=3x  external  (not of the type asked for)
+    2  #                         new_router  (no usable value: unset, or not of the type asked for)
+
+Set from outside and never read
+  Licences=old
+  seed=1
+  tabs=a\tb
+
+Asked for once while unset, or set inside the run and never read
+  asked_once
+)",
+                                                         ""}));
+}
+
+TEST_F(RUN_REPORT, of_a_run_that_read_nothing_says_so)
+{
+    EXPECT_EQ(run({"run-report", "unnamed.json"}), (TOOL_RUN{0, R"(Run unnamed.json, release 23.4
+
+The run read no variable that is set.
+
+Set from outside and never read
+  LICENCES=new
+)",
+                                                             ""}));
+}
+
+TEST_F(RUN_REPORT, paints_on_request)
+{
+    write_file("one.json", R"({"schema": "velmar-run-report", "schema_version": 1, "run": "one", "release": "23.4",
+        "files": {"main": null, "appended": null, "regtest": null},
+        "read": [{"name": "a", "count": 1, "value": "x", "external": true, "used": false}],
+        "external_never_read": [], "uncounted": []})");
+    EXPECT_EQ(run({"run-report", "one.json", "--color", "always"}).out,
+              "\x1b[1mRun one\x1b[0m, release 23.4\n"
+              "\n"
+              "\x1b[1mREADS                            VARIABLE\x1b[0m\n"
+              "    1  \x1b[32m########################\x1b[0m  a=x\x1b[2m  external\x1b[0m"
+              "  \x1b[33m(not of the type asked for)\x1b[0m\n");
+}
+
+TEST_F(RUN_REPORT, writes_json)
+{
+    const TOOL_RUN result = run({"run-report", "cpu.json", "--json"});
+    EXPECT_EQ(result.exit_code, 0);
+    EXPECT_EQ(result.json(), nlohmann::json::parse(R"({
+  "run": "nightly/cpu", "file": "cpu.json", "release": "23.4",
+  "files": {"main": "cpu/velmar.ini", "appended": null, "regtest": "cpu/regtest.ini"},
+  "read": [
+    {"name": "max_fanout", "count": 480, "value": "12", "external": true, "used": true},
+    {"name": "effort", "count": 40, "value": "5", "external": true, "used": true},
+    {"name": "retries", "count": 2, "value": "3x", "external": true, "used": false},
+    {"name": "new_router", "count": 2, "value": null, "external": false, "used": false}
+  ],
+  "external_never_read": [
+    {"name": "Licences", "value": "old"},
+    {"name": "seed", "value": "1"},
+    {"name": "tabs", "value": "a\tb"}
+  ],
+  "uncounted": ["asked_once"]
+})"));
+}
+
+// "effort" is read by one of the runs, "seed" is no more than perhaps read, and names are equal in any letter case.
+TEST_F(RUN_REPORT, merge_lists_what_no_run_read)
+{
+    EXPECT_EQ(run({"run-report", "--merge", "cpu.json", "gpu.json", "unnamed.json"}),
+              (TOOL_RUN{0, R"(Set from outside and read by none of 3 runs
+  Licences=old, new  set in 3 runs
+  seed=1  set in 1 run
+    perhaps asked for once, while unset, by nightly/gpu
+  tabs=a\tb  set in 1 run
+)",
+                        ""}));
+    EXPECT_EQ(run({"run-report", "--merge", "cpu.json", "gpu.json", "unnamed.json", "--json"}).json(),
+              nlohmann::json::parse(R"({
+  "runs": 3,
+  "never_read": [
+    {"name": "Licences", "values": ["old", "new"], "set_in_runs": ["nightly/cpu", "nightly/gpu", "unnamed.json"],
+     "perhaps_read_by_runs": []},
+    {"name": "seed", "values": ["1"], "set_in_runs": ["nightly/cpu"], "perhaps_read_by_runs": ["nightly/gpu"]},
+    {"name": "tabs", "values": ["a\tb"], "set_in_runs": ["nightly/cpu"], "perhaps_read_by_runs": []}
+  ]
+})"));
+}
+
+TEST_F(RUN_REPORT, merge_of_runs_that_read_everything_lists_nothing)
+{
+    write_file("all.json", R"({"schema": "velmar-run-report", "schema_version": 1, "run": "all", "release": "23.4",
+        "files": {"main": null, "appended": null, "regtest": null},
+        "read": [{"name": "licences", "count": 1, "value": "x", "external": true, "used": true}],
+        "external_never_read": [], "uncounted": []})");
+    EXPECT_EQ(run({"run-report", "--merge", "unnamed.json", "all.json"}),
+              (TOOL_RUN{0, "Set from outside and read by none of 2 runs\n  none\n", ""}));
+    EXPECT_EQ(run({"run-report", "--merge", "all.json", "--json"}).json(),
+              nlohmann::json::parse(R"({"runs": 1, "never_read": []})"));
+}
+
+TEST_F(RUN_REPORT, merge_lists_the_runs_that_a_switch_mattered_to)
+{
+    EXPECT_EQ(run({"run-report", "--merge", "--switch", "Max_Fanout", "cpu.json", "gpu.json", "unnamed.json"}),
+              (TOOL_RUN{0, R"(Max_Fanout was read by 2 of 3 runs
+  nightly/cpu: read 480 times, set to 12
+  nightly/gpu: read 1 time, set to 16
+)",
+                        ""}));
+    EXPECT_EQ(run({"run-report", "--merge", "--switch", "new_router", "cpu.json"}),
+              (TOOL_RUN{0, "new_router was read by 1 of 1 run\n  nightly/cpu: read 2 times, no usable value\n", ""}));
+    EXPECT_EQ(run({"run-report", "--merge", "--switch", "seed", "cpu.json", "gpu.json", "unnamed.json"}),
+              (TOOL_RUN{1, R"(seed was read by 0 of 3 runs
+  nightly/cpu: never read, set to 1
+  nightly/gpu: perhaps: unset and asked for once, or set inside the run and never read
+)",
+                        ""}));
+    const TOOL_RUN json =
+        run({"run-report", "--merge", "--switch", "seed", "cpu.json", "gpu.json", "unnamed.json", "--json"});
+    EXPECT_EQ(json.exit_code, 1);
+    EXPECT_EQ(json.json(), nlohmann::json::parse(R"({
+  "switch": "seed",
+  "runs": [
+    {"run": "nightly/cpu", "file": "cpu.json", "dependence": "never read", "count": 0, "value": "1"},
+    {"run": "nightly/gpu", "file": "gpu.json", "dependence": "perhaps", "count": 0, "value": null},
+    {"run": "unnamed.json", "file": "unnamed.json", "dependence": "unknown", "count": 0, "value": null}
+  ]
+})"));
+}
+
+TEST_F(RUN_REPORT, merge_suggests_a_name_for_a_switch_that_no_run_knows)
+{
+    EXPECT_EQ(run({"run-report", "--merge", "--switch", "max_fanuot", "cpu.json", "gpu.json"}),
+              (TOOL_RUN{1, "max_fanuot was read by 0 of 2 runs\n",
+                        "velmar-cfg: no run came across 'max_fanuot', did you mean 'max_fanout'?\n"}));
+}
+
+TEST_F(RUN_REPORT, merge_tells_runs_of_one_name_apart)
+{
+    write_file("again.json", cpu_run);
+    EXPECT_EQ(run({"run-report", "--merge", "--switch", "effort", "cpu.json", "again.json", "gpu.json"}).out,
+              R"(effort was read by 2 of 3 runs
+  nightly/cpu (cpu.json): read 40 times, set to 5
+  nightly/cpu (again.json): read 40 times, set to 5
+  nightly/gpu: never read, set to 5
+)");
+}
+
+TEST_F(RUN_REPORT, takes_one_file_unless_told_to_merge)
+{
+    EXPECT_EQ(run({"run-report", "cpu.json", "gpu.json"}),
+              (TOOL_RUN{2, "", "velmar-cfg: run-report shows one report; give --merge to put several together\n"}));
+    EXPECT_EQ(run({"run-report"}),
+              (TOOL_RUN{2, "", "velmar-cfg: FILE is required; see velmar-cfg run-report --help\n"}));
+    EXPECT_EQ(run({"run-report", "--switch", "a", "cpu.json"}),
+              (TOOL_RUN{2, "", "velmar-cfg: --switch requires --merge; see velmar-cfg run-report --help\n"}));
+}
+
+struct BAD_REPORT
+{
+    const char* name;
+    const char* content;
+    const char* complaint; // behind "velmar-cfg: report.json: "
+};
+
+void PrintTo(const BAD_REPORT& row, std::ostream* stream)
+{
+    *stream << row.name;
+}
+
+class BAD_RUN_REPORT : public TOOL_TEST, public testing::WithParamInterface<BAD_REPORT>
+{
+};
+
+TEST_P(BAD_RUN_REPORT, is_refused_with_what_is_wrong)
+{
+    write_file("report.json", GetParam().content);
+    const TOOL_RUN expected = {3, "", "velmar-cfg: report.json: " + std::string(GetParam().complaint) + "\n"};
+    EXPECT_EQ(run({"run-report", "report.json"}), expected);
+    EXPECT_EQ(run({"run-report", "--merge", "report.json"}), expected);
+}
+
+// A report whose rows are these.
+#define REPORT_WITH(rows)                                                                                              \
+    R"({"schema": "velmar-run-report", "schema_version": 1, "run": "r", "release": "1",)"                              \
+    R"("files": {"main": null, "appended": null, "regtest": null}, )" rows "}"
+
+INSTANTIATE_TEST_SUITE_P(
+    rows, BAD_RUN_REPORT,
+    testing::Values(
+        BAD_REPORT{"empty", "",
+                   "no well-formed JSON, from line 1, column 1 on; give a run report as a host's "
+                   "cfg_write_run_report writes it"},
+        BAD_REPORT{"cut_off", "{\n  \"schema\": \"velm",
+                   "no well-formed JSON, from line 2, column 18 on; give a run report as a host's "
+                   "cfg_write_run_report writes it"},
+        BAD_REPORT{"settings_file", "max_fanout = 12\n",
+                   "no well-formed JSON, from line 1, column 1 on; give a run report as a host's "
+                   "cfg_write_run_report writes it"},
+        BAD_REPORT{"another_document", "[]",
+                   "is no run report; give one that a host's cfg_write_run_report has written"},
+        BAD_REPORT{"a_snapshot", R"({"schema": "velmar-snapshot", "schema_version": 1})",
+                   "is no run report; give one that a host's cfg_write_run_report has written"},
+        BAD_REPORT{"no_version", R"({"schema": "velmar-run-report"})",
+                   "is no run report; give one that a host's cfg_write_run_report has written"},
+        BAD_REPORT{"version_as_text", R"({"schema": "velmar-run-report", "schema_version": "1"})",
+                   "is no run report; give one that a host's cfg_write_run_report has written"},
+        BAD_REPORT{"newer_version", R"({"schema": "velmar-run-report", "schema_version": 2})",
+                   "is a run report of version 2, and this velmar-cfg knows them up to version 1; use a newer "
+                   "velmar-cfg"},
+        BAD_REPORT{"field_missing", R"({"schema": "velmar-run-report", "schema_version": 1, "files": {}})",
+                   ".run is missing; have the file written again"},
+        BAD_REPORT{"files_no_object", R"({"schema": "velmar-run-report", "schema_version": 1, "run": "r",
+                   "release": "1", "files": 3})",
+                   ".files.main is missing; have the file written again"},
+        BAD_REPORT{"rows_no_list", REPORT_WITH(R"("read": {}, "external_never_read": [], "uncounted": [])"),
+                   ".read is no list; have the file written again"},
+        BAD_REPORT{"negative_count", REPORT_WITH(R"("read": [{"name": "a", "count": -1}])"),
+                   ".read[0].count is no natural number; have the file written again"},
+        BAD_REPORT{"mark_no_truth_value",
+                   REPORT_WITH(R"("read": [{"name": "a", "count": 1, "value": null, "external": "yes"}])"),
+                   ".read[0].external is no truth value; have the file written again"},
+        BAD_REPORT{"name_no_text", REPORT_WITH(R"("read": [], "external_never_read": [{"name": 1}])"),
+                   ".external_never_read[0].name is no text; have the file written again"},
+        BAD_REPORT{"second_row", REPORT_WITH(R"("read": [], "external_never_read": [], "uncounted": ["a", null])"),
+                   ".uncounted[1] is no text; have the file written again"}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(RUN_REPORT, that_cannot_be_read_says_why)
+{
+    EXPECT_EQ(run({"run-report", "missing.json"}),
+              (TOOL_RUN{3, "", "velmar-cfg: missing.json: No such file or directory; check the path\n"}));
+    EXPECT_EQ(run({"run-report", "--merge", "cpu.json", ".", "gpu.json"}),
+              (TOOL_RUN{3, "", "velmar-cfg: .: is a directory, not a file; remove it or name another path\n"}));
+}
+}

@@ -1,5 +1,6 @@
 #include "cfg_ini/cfg_ini_reader/settings_files.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -24,6 +25,7 @@ const MEM_INITIALIZER mem_initializer("CFG_INI");
 
 // For making room ahead of a file.
 constexpr std::size_t usual_line_length = 40;
+constexpr std::size_t most_reserved = std::size_t{1} << 22;
 
 using INSERT = void(const std::string& name, const std::string& value);
 
@@ -38,7 +40,7 @@ void read_lines(const std::string& path, char (&path_buffer)[longest_path + 1], 
         const STORE_LOCK lock;
         std::strncpy(path_buffer, path.c_str(), longest_path); // the byte behind stays zero
         if (cfg_ini_file.load(std::memory_order_relaxed) != nullptr)
-            reserve_records(lines.size_hint() / usual_line_length);
+            reserve_records(std::min(lines.size_hint() / usual_line_length, most_reserved));
     }
     std::string_view line;
     std::string name;

@@ -154,7 +154,9 @@ CFG_USER_VALUE_STRUCT* store(const RECORD_KEY& key, const char* name, const char
     }
     auto record =
         std::make_unique<CFG_USER_VALUE_STRUCT>(CFG_USER_VALUE_STRUCT{std::string(key.section()), name, value});
-    return cfg_user_ini_records->try_emplace(place, key.text, nullptr)->second = record.release();
+    // Two statements: in one, the record would be let go before the map has room for it.
+    const auto inserted = cfg_user_ini_records->try_emplace(place, key.text, nullptr);
+    return inserted->second = record.release();
 }
 
 // `name` is the key in the spelling under which the value is stored.

@@ -164,7 +164,8 @@ INSTANTIATE_TEST_SUITE_P(
                     KEY{"a=\"\"\"", "a", "\"", true}, KEY{"a=\"\"\"\"", "a", "\"\"", true},
                     KEY{"a = \"\"b\"\" ", "a", "\"b\"", true}, // one pair only
                     KEY{"a = \" \"b\" \"", "a", "\"b\"", true}, KEY{"a=\"", "a", "\""}, KEY{"a=\"b", "a", "\"b"},
-                    KEY{"a=b\"", "a", "b\""}, KEY{"a=\"b\" c", "a", "\"b\" c"}, KEY{"a='b'", "a", "'b'"},
+                    KEY{"a=b\"", "a", "b\""}, KEY{"a=\"bc", "a", "\"bc"}, KEY{"a=bc\"", "a", "bc\""},
+                    KEY{"a=\"b\" c", "a", "\"b\" c"}, KEY{"a='b'", "a", "'b'"},
                     KEY{"\"a\"=b", "\"a\"", "b"})); // a name keeps its quotes
 
 INSTANTIATE_TEST_SUITE_P(nul, PREFERENCE_KEY_LINE_TEST,

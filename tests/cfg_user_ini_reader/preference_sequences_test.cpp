@@ -276,11 +276,14 @@ public:
         switch (below(10))
         {
         case 0:
-        case 1:
             return "[" + about.section + one_of(releases) + "]";
+        case 1:
+            return "[" + in_mixed_case(about.section) + one_of(releases) + "]\r";
         case 2:
-            return one_of(std::vector<std::string>{"", "x", "a=", "; comment", "[open", "[] ", "[]", "text [a] text",
-                                                   "[" + in_mixed_case(about.section) + " 23.4_pro]\r"});
+            return one_of(std::vector<std::string>{"", "x", "a=", "; comment", "[open", "[] ", "[]", "text [a] text"});
+        case 3:
+        case 4:
+            return name(about.key) + " = " + value(about); // in whatever section comes before
         default:
             return "[" + about.section + one_of(releases) + "]\n" + name(about.key) + " = " + value(about);
         }

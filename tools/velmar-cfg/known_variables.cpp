@@ -1,6 +1,7 @@
 #include "tools/velmar-cfg/known_variables.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "cfg_ini/cfg_ini_reader/own_variables.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
@@ -11,6 +12,8 @@ const std::vector<KNOWN_VARIABLE>& known_variables()
     static const std::vector<KNOWN_VARIABLE> variables = []
     {
         std::vector<KNOWN_VARIABLE> all;
+        all.reserve(std::size(cfg_enum_based_defaults) + std::size(OWN_VARIABLE::switches) +
+                    std::size(OWN_VARIABLE::integers));
         for (const auto& [name, default_text] : cfg_enum_based_defaults)
             all.push_back({name, KNOWN_VARIABLE::KIND::SWITCH, default_text});
         for (const char* const name : OWN_VARIABLE::switches)

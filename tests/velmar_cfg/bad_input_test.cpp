@@ -60,5 +60,6 @@ TEST_P(BAD_SETTINGS, a_file_without_permission)
 
 INSTANTIATE_TEST_SUITE_P(commands, BAD_SETTINGS,
                          testing::Values(std::vector<std::string>{"get", "a"}, std::vector<std::string>{"list"},
-                                         std::vector<std::string>{"explain", "a"}, std::vector<std::string>{"lint"}));
+                                         std::vector<std::string>{"explain", "a"}, std::vector<std::string>{"lint"},
+                                         std::vector<std::string>{"snapshot"}, std::vector<std::string>{"diff", "."}));
 }

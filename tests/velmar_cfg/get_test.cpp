@@ -58,6 +58,24 @@ TEST_F(GET, searches_the_regtest_file_without_a_project)
     EXPECT_EQ(run({"get", "a", "--regtest"}).exit_code, 1);
 }
 
+TEST_F(GET, takes_the_empty_text_for_a_default)
+{
+    write_file("velmar.ini", "a=1\n");
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"--default="}, std::vector<std::string>{"--default", ""}})
+    {
+        std::vector<std::string> arguments = {"get", "nothing"};
+        arguments.insert(arguments.end(), words.begin(), words.end());
+        EXPECT_EQ(run(arguments), (TOOL_RUN{0, "\n", ""})) << words.front();
+        arguments.insert(arguments.end(), {"--type", "int"});
+        EXPECT_EQ(run(arguments), (TOOL_RUN{0, "\n", ""})) << words.front();
+        arguments[1] = "a";
+        EXPECT_EQ(run(arguments), (TOOL_RUN{0, "1\n", ""})) << words.front();
+    }
+    EXPECT_EQ(run({"get", "--default=", "nothing"}), (TOOL_RUN{0, "\n", ""}));
+    EXPECT_EQ(run({"get", "--", "--default="}).exit_code, 1);
+}
+
 TEST_F(GET, writes_json)
 {
     write_file("velmar.ini", "# two lines\nDebug_Level = 2\n");

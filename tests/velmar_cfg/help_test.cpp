@@ -45,5 +45,6 @@ INSTANTIATE_TEST_SUITE_P(
                     HELP{{"prefs", "set"}, {"KEY", "VALUE", "--dry-run", "--wait SECONDS"}},
                     HELP{{"prefs", "reset"}, {"KEY", "--dry-run", "--wait SECONDS"}},
                     HELP{{"prefs", "describe"}, {"KEY"}}, HELP{{"prefs", "lint"}, {"FILE", "--strict"}},
-                    HELP{{"prefs", "path"}, {"-z"}}, HELP{{"run-report"}, {"FILE", "--merge", "--switch NAME"}}));
+                    HELP{{"prefs", "path"}, {"-z"}}, HELP{{"run-report"}, {"FILE", "--merge", "--switch NAME"}},
+                    HELP{{"snapshot"}, {"-o,--output FILE"}}, HELP{{"diff"}, {"A", "B", "--used REPORT"}}));
 }

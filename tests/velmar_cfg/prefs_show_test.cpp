@@ -61,11 +61,11 @@ TEST_F(PREFS, list_all_has_a_row_for_each_of_the_121)
     const nlohmann::json rows = run({"prefs", "list", "--all", "--json"}).json();
     ASSERT_EQ(rows.size(), 121);
     EXPECT_EQ(rows.at(0), R"({"key": "DISPLAY_WARNING_MESSAGES", "value": "", "default": "", "allowed": null,
-                              "source": "none", "section": null})"_json);
+                              "source": "none", "section": null, "release": null})"_json);
     EXPECT_EQ(rows.at(5), R"({"key": "DISPLAY_COMMAND_LINE_MESSAGES_IN_COLOR", "value": "on", "default": "on",
-                              "allowed": ["off", "on", "0", "1"], "source": "default", "section": null})"_json);
+                              "allowed": ["off", "on", "0", "1"], "source": "default", "section": null, "release": null})"_json);
     for (const nlohmann::json& row : rows)
-        EXPECT_EQ(row.size(), 6) << row;
+        EXPECT_EQ(row.size(), 7) << row;
 }
 
 TEST_F(PREFS, the_source_of_each_kind_of_value)

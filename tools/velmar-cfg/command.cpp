@@ -21,3 +21,14 @@ void add_nul_option(CLI::App* command, TOOL& tool)
 {
     command->add_flag("-z", tool.options.nul_terminated, "End each record with a zero byte, nothing escaped");
 }
+
+CLI::Validator one_of(const std::vector<std::string>& words)
+{
+    std::string name;
+    for (const std::string& word : words)
+        name += (name.empty() ? "" : " ") + word;
+    CLI::Validator validator = CLI::IsMember(words);
+    validator.description("");
+    validator.name(name);
+    return validator;
+}

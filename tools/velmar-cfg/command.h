@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "tools/velmar-cfg/tool.h"
 
@@ -23,5 +24,9 @@ CLI::App* add_command_group(CLI::App& parent, const std::string& name, const std
 
 // The option -z, for a command whose records scripts read.
 void add_nul_option(CLI::App* command, TOOL& tool);
+
+// The words that an option takes, and no other. The validator bears them, separated by blanks, as its name, from which
+// completion has them.
+CLI::Validator one_of(const std::vector<std::string>& words);
 
 #endif

@@ -11,6 +11,8 @@ void add_paths_command(CLI::App& app, TOOL& tool);
 void add_lint_command(CLI::App& app, TOOL& tool);
 void add_prefs_command(CLI::App& app, TOOL& tool);
 void add_run_report_command(CLI::App& app, TOOL& tool);
+void add_snapshot_command(CLI::App& app, TOOL& tool);
+void add_diff_command(CLI::App& app, TOOL& tool);
 
 // Parts of prefs.
 void add_prefs_show_commands(CLI::App& prefs, TOOL& tool);

@@ -10,6 +10,7 @@
 #include "tools/velmar-cfg/nearest_name.h"
 #include "tools/velmar-cfg/readings.h"
 #include "tools/velmar-cfg/settings.h"
+#include "tools/velmar-cfg/variable_name.h"
 
 namespace
 {
@@ -29,11 +30,6 @@ struct EXPLANATION
     std::vector<const STATEMENT*> assignments; // in layering order; the last one won
     std::vector<HINT> hints;
 };
-
-bool same_name(const std::string& a, const std::string& b)
-{
-    return STL_CASE_INSENSITIVE_EQUAL()(a, b);
-}
 
 // Whether the comment of a statement, or the line that is all comment, would set the variable if it were none.
 bool would_set(const STATEMENT& statement, const std::string& name)

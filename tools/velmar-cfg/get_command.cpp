@@ -128,8 +128,11 @@ void add_get_command(CLI::App& app, TOOL& tool)
         [options, &tool] { return get(*options, tool); });
     command->add_option("NAME", options->name, "The variable, in any letter case")->required()->type_name("");
     command->add_option("--type", options->type, "How to read it: text (the default), bool, int, uint or double")
-        ->check(CLI::IsMember({"bool", "int", "uint", "double", "text"}).description(""))
+        ->check(one_of({"bool", "int", "uint", "double", "text"}))
         ->type_name("TYPE");
-    command->add_option("--default", options->fallback, "Print this when there is no usable value")->type_name("VALUE");
+    // A target of its own type would take the empty text for no value.
+    const auto take_fallback = [options](const std::string& text) { options->fallback = text; };
+    command->add_option_function<std::string>("--default", take_fallback, "Print this when there is no usable value")
+        ->type_name("VALUE");
     add_nul_option(command, tool);
 }

@@ -1,8 +1,12 @@
 #include "tools/velmar-cfg/json_document.h"
 
 #include <algorithm>
+#include <limits>
+#include <utility>
 
 #include "tools/velmar-cfg/input_file.h"
+#include "tools/velmar-cfg/readings.h"
+#include "tools/velmar-cfg/text.h"
 #include "tools/velmar-cfg/tool.h"
 
 using nlohmann::ordered_json;
@@ -36,6 +40,11 @@ ordered_json parsed(const std::string& file, const DOCUMENT_KIND& kind)
         throw_bad_input(file, "no well-formed JSON, from " + line_and_column(bytes, error.byte) + " on; give a " +
                                   kind.title + " as " + kind.maker + " writes it");
     }
+    catch (const ordered_json::out_of_range&)
+    {
+        throw_bad_input(file, std::string("a number in it is too large; give a ") + kind.title + " as " + kind.maker +
+                                  " writes it");
+    }
 }
 
 void check_kind(const std::string& file, const ordered_json& document, const DOCUMENT_KIND& kind)
@@ -43,9 +52,9 @@ void check_kind(const std::string& file, const ordered_json& document, const DOC
     const auto schema = document.find("schema");
     const auto version = document.find("schema_version");
     if (schema == document.end() || *schema != kind.schema || version == document.end() ||
-        !version->is_number_unsigned())
+        !version->is_number_unsigned() || *version == 0)
         throw_bad_input(file, std::string("is no ") + kind.title + "; give one that " + kind.maker + " has written");
-    if (*version > kind.newest_version)
+    if (version->get<std::uint64_t>() > static_cast<std::uint64_t>(kind.newest_version))
         throw_bad_input(file, std::string("is a ") + kind.title + " of version " + version->dump() +
                                   ", and this velmar-cfg knows them up to version " +
                                   std::to_string(kind.newest_version) + "; use a newer velmar-cfg");
@@ -76,22 +85,41 @@ std::vector<JSON_PLACE> JSON_PLACE::elements() const
     return places;
 }
 
+void JSON_PLACE::refuse(const char* wanted) const
+{
+    throw_bad_input(file, path + " is no " + wanted + "; have the file written again");
+}
+
 template <typename T>
 T JSON_PLACE::as(bool fits, const char* wanted) const
 {
     if (!fits)
-        throw_bad_input(file, path + " is no " + wanted + "; have the file written again");
+        refuse(wanted);
     return value.get<T>();
+}
+
+template <typename READ>
+auto JSON_PLACE::unless_null(READ read) const -> std::optional<decltype(read())>
+{
+    return value.is_null() ? std::nullopt : std::optional(read());
 }
 
 std::string JSON_PLACE::text() const
 {
-    return as<std::string>(value.is_string(), "text");
+    if (!value.is_object())
+        return as<std::string>(value.is_string(), "text");
+    const auto hex = value.find("hex");
+    if (value.size() != 1 || hex == value.end() || !hex->is_string())
+        refuse("text");
+    std::optional<std::string> bytes = from_hexadecimal(hex->get_ref<const std::string&>());
+    if (!bytes)
+        refuse("text");
+    return *std::move(bytes);
 }
 
 std::optional<std::string> JSON_PLACE::text_or_null() const
 {
-    return value.is_null() ? std::nullopt : std::optional(text());
+    return unless_null([this] { return text(); });
 }
 
 std::uint64_t JSON_PLACE::natural_number() const
@@ -99,9 +127,46 @@ std::uint64_t JSON_PLACE::natural_number() const
     return as<std::uint64_t>(value.is_number_unsigned(), "natural number");
 }
 
+std::optional<std::uint64_t> JSON_PLACE::natural_number_or_null() const
+{
+    return unless_null([this] { return natural_number(); });
+}
+
+std::optional<int> JSON_PLACE::int_or_null() const
+{
+    const bool fits = value.is_number_unsigned()
+                          ? std::in_range<int>(value.get<std::uint64_t>())
+                          : value.is_number_integer() && std::in_range<int>(value.get<std::int64_t>());
+    return unless_null([&] { return as<int>(fits, "signed 32-bit number"); });
+}
+
+std::optional<unsigned int> JSON_PLACE::uint_or_null() const
+{
+    const bool fits = value.is_number_unsigned() && std::in_range<unsigned int>(value.get<std::uint64_t>());
+    return unless_null([&] { return as<unsigned int>(fits, "unsigned 32-bit number"); });
+}
+
+std::optional<double> JSON_PLACE::double_or_null() const
+{
+    if (!value.is_string())
+        return unless_null([this] { return as<double>(value.is_number(), "number"); });
+    for (const double number : {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
+                                std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::quiet_NaN()})
+    {
+        if (number_as_json(number) == value)
+            return number;
+    }
+    refuse("number");
+}
+
 bool JSON_PLACE::truth() const
 {
     return as<bool>(value.is_boolean(), "truth value");
+}
+
+std::optional<bool> JSON_PLACE::truth_or_null() const
+{
+    return unless_null([this] { return truth(); });
 }
 
 JSON_DOCUMENT::JSON_DOCUMENT(const std::string& path, const DOCUMENT_KIND& kind)

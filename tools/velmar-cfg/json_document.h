@@ -27,14 +27,27 @@ public:
     JSON_PLACE member(const char* name) const;
     std::vector<JSON_PLACE> elements() const;
 
+    // A text, or the bytes of one that is no UTF-8 (see document_as_text).
     std::string text() const;
     std::optional<std::string> text_or_null() const;
     std::uint64_t natural_number() const;
+    std::optional<std::uint64_t> natural_number_or_null() const;
+    std::optional<int> int_or_null() const;
+    std::optional<unsigned int> uint_or_null() const;
+    std::optional<double> double_or_null() const; // infinities and not-a-number as number_as_json has them
     bool truth() const;
+    std::optional<bool> truth_or_null() const;
+
+    // Throws TOOL_ERROR(BAD_INPUT): the value is no `wanted`.
+    [[noreturn]] void refuse(const char* wanted) const;
 
 private:
     template <typename T>
     T as(bool fits, const char* wanted) const;
+
+    // null for null, else what `read` makes of the value.
+    template <typename READ>
+    auto unless_null(READ read) const -> std::optional<decltype(read())>;
 
     const nlohmann::ordered_json& value;
     const std::string& file;

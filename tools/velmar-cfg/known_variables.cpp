@@ -4,8 +4,8 @@
 #include <iterator>
 
 #include "cfg_ini/cfg_ini_reader/own_variables.h"
-#include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "cfg_ini/cfg_ini_reader/variable_catalogue.h"
+#include "tools/velmar-cfg/variable_name.h"
 
 const std::vector<KNOWN_VARIABLE>& known_variables()
 {
@@ -40,6 +40,6 @@ const std::vector<std::string>& known_variable_names()
 const KNOWN_VARIABLE* find_known_variable(const std::string& name)
 {
     const auto found = std::ranges::find_if(known_variables(), [&](const KNOWN_VARIABLE& variable)
-                                            { return STL_CASE_INSENSITIVE_EQUAL()(variable.name, name); });
+                                            { return same_name(variable.name, name); });
     return found == known_variables().end() ? nullptr : &*found;
 }

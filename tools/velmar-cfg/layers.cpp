@@ -12,8 +12,6 @@
 
 namespace
 {
-constexpr const char* inline_source = "VELMAR_INI_VARS";
-
 OUTCOME outcome_of(SETTINGS_LINE line)
 {
     switch (line)
@@ -113,6 +111,17 @@ const char* layer_code(LAYER_KIND kind)
     return "regtest";
 }
 
+std::optional<LAYER_KIND> layer_of_code(const std::string& code)
+{
+    for (const LAYER_KIND kind :
+         {LAYER_KIND::MAIN_FILE, LAYER_KIND::APPENDED_FILE, LAYER_KIND::INLINE_TEXT, LAYER_KIND::REGTEST_FILE})
+    {
+        if (code == layer_code(kind))
+            return kind;
+    }
+    return std::nullopt;
+}
+
 const char* layer_title(LAYER_KIND kind)
 {
     switch (kind)
@@ -184,22 +193,39 @@ SETTINGS_LAYERS read_single_layer(const std::string& path)
 
 std::string place_of(const SETTINGS_LAYERS& layers, const STATEMENT& statement)
 {
-    return layers.layer_of(statement).source + ":" + std::to_string(statement.position);
+    return place_as_text(place(layers, statement));
+}
+
+PLACE place(const SETTINGS_LAYERS& layers, const STATEMENT& statement)
+{
+    return {layers.layer_of(statement), statement.position};
+}
+
+std::string place_as_text(const PLACE& place)
+{
+    return place.layer.source + ":" + std::to_string(place.position);
+}
+
+nlohmann::ordered_json place_as_json(const PLACE* place)
+{
+    nlohmann::ordered_json json = {{"layer", nullptr}, {"file", nullptr}, {"line", nullptr}, {"item", nullptr}};
+    if (place == nullptr)
+        return json;
+    json["layer"] = layer_code(place->layer.kind);
+    if (place->layer.is_file())
+    {
+        json["file"] = place->layer.source;
+        json["line"] = place->position;
+    }
+    else
+        json["item"] = place->position;
+    return json;
 }
 
 nlohmann::ordered_json place_as_json(const SETTINGS_LAYERS& layers, const STATEMENT* statement)
 {
-    nlohmann::ordered_json place = {{"layer", nullptr}, {"file", nullptr}, {"line", nullptr}, {"item", nullptr}};
     if (statement == nullptr)
-        return place;
-    const LAYER& layer = layers.layer_of(*statement);
-    place["layer"] = layer_code(layer.kind);
-    if (layer.is_file())
-    {
-        place["file"] = layer.source;
-        place["line"] = statement->position;
-    }
-    else
-        place["item"] = statement->position;
-    return place;
+        return place_as_json(nullptr);
+    const PLACE found = place(layers, *statement);
+    return place_as_json(&found);
 }

@@ -6,13 +6,13 @@
 
 #include <cstddef>
 #include <nlohmann/json_fwd.hpp>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
-#include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "tools/velmar-cfg/tool.h"
+#include "tools/velmar-cfg/variable_name.h"
 
 // In the order in which they are laid over each other.
 enum class LAYER_KIND
@@ -26,23 +26,34 @@ enum class LAYER_KIND
 // "main", "appended", "inline" and "regtest": for JSON.
 const char* layer_code(LAYER_KIND kind);
 
+// The layer of that code, if there is one.
+std::optional<LAYER_KIND> layer_of_code(const std::string& code);
+
 // "main settings file", "file of APPENDED_VELMAR_INI", ...: for people.
 const char* layer_title(LAYER_KIND kind);
+
+// Whether variables that it sets count as external.
+constexpr bool marks_external(LAYER_KIND kind)
+{
+    return kind == LAYER_KIND::MAIN_FILE || kind == LAYER_KIND::INLINE_TEXT;
+}
+
+// The source of the inline text.
+inline constexpr const char* inline_source = "VELMAR_INI_VARS";
 
 struct LAYER
 {
     LAYER_KIND kind;
-    std::string source; // the file's path as the library opens it, or "VELMAR_INI_VARS"
+    std::string source; // the file's path as the library opens it, or inline_source
 
     bool is_file() const
     {
         return kind != LAYER_KIND::INLINE_TEXT;
     }
 
-    // Whether variables that it sets count as external.
     bool marks_external() const
     {
-        return kind == LAYER_KIND::MAIN_FILE || kind == LAYER_KIND::INLINE_TEXT;
+        return ::marks_external(kind);
     }
 };
 
@@ -74,9 +85,7 @@ struct SETTINGS_LAYERS
 
     // The stored statements of each name, as places in `statements`, in order; the last one won. Names are equal as in
     // the store.
-    std::unordered_map<std::string, std::vector<std::size_t>, STL_CASE_INSENSITIVE_HASH_COMPARE,
-                       STL_CASE_INSENSITIVE_EQUAL>
-        assignments;
+    BY_VARIABLE_NAME<std::vector<std::size_t>> assignments;
 
     const LAYER& layer_of(const STATEMENT& statement) const
     {
@@ -104,8 +113,20 @@ SETTINGS_LAYERS read_single_layer(const std::string& path);
 // "velmar.ini:12", or "VELMAR_INI_VARS:2" for the second item.
 std::string place_of(const SETTINGS_LAYERS& layers, const STATEMENT& statement);
 
-// {"layer", "file", "line", "item"}, all null for a null statement; "item" is null for a line, "file" and "line" are
-// for an item.
+// A line or an item, apart from its layers.
+struct PLACE
+{
+    LAYER layer;
+    std::size_t position; // the line or the item, counted from 1
+};
+PLACE place(const SETTINGS_LAYERS& layers, const STATEMENT& statement);
+
+// As place_of has it.
+std::string place_as_text(const PLACE& place);
+
+// {"layer", "file", "line", "item"}, all null for a null pointer; "item" is null for a line, "file" and "line" are for
+// an item.
+nlohmann::ordered_json place_as_json(const PLACE* place);
 nlohmann::ordered_json place_as_json(const SETTINGS_LAYERS& layers, const STATEMENT* statement);
 
 #endif

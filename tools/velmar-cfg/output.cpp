@@ -5,9 +5,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <nlohmann/json.hpp>
 #include <unistd.h>
 
+#include "tools/velmar-cfg/json_values.h"
 #include "tools/velmar-cfg/tool.h"
 
 namespace
@@ -55,8 +55,7 @@ OUTPUT& OUTPUT::operator<<(std::string_view text)
 
 void OUTPUT::json(const nlohmann::ordered_json& document)
 {
-    bytes += document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
-    bytes += '\n';
+    bytes += document_as_text(document);
 }
 
 std::string OUTPUT::painted(STYLE style, std::string_view text) const

@@ -25,7 +25,7 @@ public:
 
     OUTPUT& operator<<(std::string_view text);
 
-    // The document with its end of line. Bytes that are no UTF-8 become the replacement character.
+    // The document as document_as_text has it.
     void json(const nlohmann::ordered_json& document);
 
     // `text` in that style; as it is when there is no colour.

@@ -5,6 +5,7 @@
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/settings_sources.h"
 #include "tools/velmar-cfg/commands.h"
+#include "tools/velmar-cfg/environment.h"
 #include "tools/velmar-cfg/input_file.h"
 #include "tools/velmar-cfg/json_values.h"
 #include "tools/velmar-cfg/preferences.h"
@@ -178,19 +179,6 @@ std::vector<CANDIDATE> all_candidates(const GLOBAL_OPTIONS& options)
     return all;
 }
 
-// The environment variables that took part, in the order in which they do.
-std::vector<std::pair<std::string, std::optional<std::string>>> environment()
-{
-    std::vector<std::pair<std::string, std::optional<std::string>>> variables;
-    for (const char* const name :
-         {"VELMAR_INI", "HOME", "VELMAR_INI_DISABLED", "APPENDED_VELMAR_INI", "VELMAR_INI_VARS", "VELMAR2_INI"})
-    {
-        const char* const value = std::getenv(name);
-        variables.emplace_back(name, value == nullptr ? std::nullopt : std::optional<std::string>(value));
-    }
-    return variables;
-}
-
 void write_json(const std::vector<CANDIDATE>& candidates, OUTPUT& out)
 {
     nlohmann::ordered_json files = nlohmann::ordered_json::array();
@@ -200,10 +188,7 @@ void write_json(const std::vector<CANDIDATE>& candidates, OUTPUT& out)
                          {"path", text_or_null(candidate.path)},
                          {"state", state_word(candidate.state)},
                          {"remark", candidate.remark}});
-    nlohmann::ordered_json variables = nlohmann::ordered_json::array();
-    for (const auto& [name, value] : environment())
-        variables.push_back({{"name", name}, {"value", value_or_null(value)}});
-    out.json({{"files", files}, {"environment", variables}});
+    out.json({{"files", files}, {"environment", environment_as_json(environment_that_matters())}});
 }
 
 STYLE state_style(STATE state)
@@ -235,7 +220,7 @@ void write_text(const std::vector<CANDIDATE>& candidates, OUTPUT& out)
         out << "\n";
     }
     out << out.painted(STYLE::STRONG, "environment") << "\n";
-    for (const auto& [name, value] : environment())
+    for (const auto& [name, value] : environment_that_matters())
         out << "  " << name << (value ? "=" + printable(*value) : " is not set") << "\n";
 }
 

@@ -15,6 +15,20 @@
 
 namespace
 {
+std::string release_of_section(const PREFERENCE& preference)
+{
+    const auto is_section_of = [&](const std::string& release) {
+        return gen_stricmp(released_section(preference.section, release).c_str(), preference.origin.section.c_str()) ==
+               0;
+    };
+    if (is_section_of(ver_get_version()))
+        return ver_get_version();
+    const std::vector<std::string> releases = ver_get_all_versions();
+    const auto found = std::ranges::find_if(releases, is_section_of);
+    return found == releases.end() ? "" : *found;
+}
+}
+
 const char* source_word(PREFERENCE_SOURCE source)
 {
     switch (source)
@@ -32,6 +46,17 @@ const char* source_word(PREFERENCE_SOURCE source)
     }
     return "none";
 }
+
+std::optional<PREFERENCE_SOURCE> source_of_word(const std::string& word)
+{
+    for (const PREFERENCE_SOURCE source :
+         {PREFERENCE_SOURCE::NOWHERE, PREFERENCE_SOURCE::RUNNING_RELEASE, PREFERENCE_SOURCE::OLDER_RELEASE,
+          PREFERENCE_SOURCE::UNVERSIONED_SECTION, PREFERENCE_SOURCE::DEFAULT})
+    {
+        if (word == source_word(source))
+            return source;
+    }
+    return std::nullopt;
 }
 
 bool PREFERENCE::differs_from_default() const
@@ -91,6 +116,7 @@ PREFERENCE look_up_preference(CFG_USER_INI_ENUMS number)
     preference.key = cfg_get_user_ini_ini_string(number);
     preference.section = cfg_get_section_for_name(preference.key.c_str(), nullptr, false);
     preference.origin = preference_origin(number);
+    preference.release = release_of_section(preference);
     preference.value = cfg_get_user_ini_value(number);
     preference.default_value = cfg_user_ini_name_default_values[preference_position(number)].second;
     for (const PREFERENCE_TRIPLE& triple : preference_triples(number))
@@ -122,7 +148,8 @@ nlohmann::ordered_json preference_as_json(const PREFERENCE& preference)
         {"default", preference.default_value},
         {"allowed", preference.allowed.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(preference.allowed)},
         {"source", source_word(preference.origin.source)},
-        {"section", text_or_null(preference.origin.section)}};
+        {"section", text_or_null(preference.origin.section)},
+        {"release", text_or_null(preference.release)}};
 }
 
 std::string allowed_as_text(const PREFERENCE& preference)
@@ -133,10 +160,10 @@ std::string allowed_as_text(const PREFERENCE& preference)
     return text.empty() ? "any text" : text;
 }
 
-std::string origin_as_text(const PREFERENCE& preference)
+std::string origin_as_text(const PREFERENCE_ORIGIN& origin)
 {
-    const std::string& section = preference.origin.section;
-    switch (preference.origin.source)
+    const std::string& section = origin.section;
+    switch (origin.source)
     {
     case PREFERENCE_SOURCE::RUNNING_RELEASE:
         return "set in section [" + section + "]";

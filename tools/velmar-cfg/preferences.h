@@ -3,6 +3,7 @@
 #define TOOLS_VELMAR_CFG_PREFERENCES_H
 
 #include <nlohmann/json_fwd.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@ struct PREFERENCE
     std::string default_value;
     std::vector<std::string> allowed; // empty for free text
     PREFERENCE_ORIGIN origin;
+    std::string release; // of the origin's section; empty for none
 
     // Whether the value is another than the default; letter case does not count.
     bool differs_from_default() const;
@@ -46,14 +48,19 @@ PREFERENCE look_up_preference(CFG_USER_INI_ENUMS number);
 // The preference of that key, in any letter case. Throws TOOL_ERROR(REFUSED), with a suggestion, for any other name.
 CFG_USER_INI_ENUMS preference_number(const std::string& key);
 
-// {"key", "value", "default", "allowed", "source", "section"}; "source" is "running release", "older release",
-// "unversioned section", "default" or "none", "section" that of the file or null, "allowed" null for free text.
+// {"key", "value", "default", "allowed", "source", "section", "release"}; "source" is "running release", "older
+// release", "unversioned section", "default" or "none", "section" that of the file or null, "release" the section's or
+// null, "allowed" null for free text.
 nlohmann::ordered_json preference_as_json(const PREFERENCE& preference);
 
 // "off, on" or "any text".
 std::string allowed_as_text(const PREFERENCE& preference);
 
+// "running release", ...: for JSON. And back, if it is one.
+const char* source_word(PREFERENCE_SOURCE source);
+std::optional<PREFERENCE_SOURCE> source_of_word(const std::string& word);
+
 // Where the value comes from, in words.
-std::string origin_as_text(const PREFERENCE& preference);
+std::string origin_as_text(const PREFERENCE_ORIGIN& origin);
 
 #endif

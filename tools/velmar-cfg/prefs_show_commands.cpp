@@ -12,7 +12,7 @@ constexpr std::string_view zero_byte("\0", 1);
 void write_list_entry(const PREFERENCE& preference, OUTPUT& out)
 {
     out << out.painted(STYLE::STRONG, preference.key) << "=" << printable(preference.value) << "\n    "
-        << printable(origin_as_text(preference)) << "; default "
+        << printable(origin_as_text(preference.origin)) << "; default "
         << (preference.default_value.empty() ? "none" : preference.default_value)
         << "; allowed: " << allowed_as_text(preference) << "\n";
 }
@@ -83,7 +83,7 @@ EXIT_CODE describe(const std::string& key, TOOL& tool)
     tool.out << tool.out.painted(STYLE::STRONG, preference.key) << "\n\n"
              << cfg_get_user_ini_ini_desc(number) << "\n\n";
     tool.out << "value    " << (preference.value.empty() ? "none" : printable(preference.value)) << ", "
-             << printable(origin_as_text(preference)) << "\n";
+             << printable(origin_as_text(preference.origin)) << "\n";
     tool.out << "default  " << (preference.default_value.empty() ? "none" : preference.default_value) << "\n";
     tool.out << "allowed  " << allowed_as_text(preference) << "\n";
     tool.out << "section  " << preference.section << "\n";

@@ -153,22 +153,6 @@ ordered_json never_read_as_json(const std::vector<NEVER_READ_VARIABLE>& variable
     return {{"runs", runs}, {"never_read", rows}};
 }
 
-const char* kind_word(DEPENDENCE::KIND kind)
-{
-    switch (kind)
-    {
-    case DEPENDENCE::KIND::READ:
-        return "read";
-    case DEPENDENCE::KIND::PERHAPS:
-        return "perhaps";
-    case DEPENDENCE::KIND::NEVER_READ:
-        return "never read";
-    case DEPENDENCE::KIND::UNKNOWN:
-        break;
-    }
-    return "unknown";
-}
-
 void write_dependence(const RUN_REPORT& report, const DEPENDENCE& dependence, OUTPUT& out)
 {
     if (dependence.kind == DEPENDENCE::KIND::UNKNOWN)
@@ -210,7 +194,7 @@ EXIT_CODE show_runs_of_switch(const std::string& name, const std::vector<RUN_REP
     for (std::size_t i = 0; i < reports.size(); ++i)
         rows.push_back({{"run", reports[i].run},
                         {"file", reports[i].file},
-                        {"dependence", kind_word(dependences[i].kind)},
+                        {"dependence", dependence_word(dependences[i].kind)},
                         {"count", dependences[i].count},
                         {"value", value_or_null(dependences[i].value)}});
     if (tool.options.json)

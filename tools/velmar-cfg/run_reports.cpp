@@ -3,23 +3,14 @@
 #include <algorithm>
 #include <unordered_map>
 
-#include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "cfg_run_report/run_report_format.h"
 #include "tools/velmar-cfg/json_document.h"
+#include "tools/velmar-cfg/variable_name.h"
 
 namespace
 {
 constexpr DOCUMENT_KIND run_report_kind = {run_report_schema, run_report_schema_version, "run report",
                                            "a host's cfg_write_run_report"};
-
-bool same_name(const std::string& a, const std::string& b)
-{
-    return STL_CASE_INSENSITIVE_EQUAL()(a, b);
-}
-
-// By name, equal as in the store.
-template <typename T>
-using NAMED = std::unordered_map<std::string, T, STL_CASE_INSENSITIVE_HASH_COMPARE, STL_CASE_INSENSITIVE_EQUAL>;
 
 READ_VARIABLE read_variable(const JSON_PLACE& row)
 {
@@ -92,11 +83,27 @@ DEPENDENCE dependence_on(const std::string& name, const RUN_REPORT& report)
     return {};
 }
 
+const char* dependence_word(DEPENDENCE::KIND kind)
+{
+    switch (kind)
+    {
+    case DEPENDENCE::KIND::READ:
+        return "read";
+    case DEPENDENCE::KIND::PERHAPS:
+        return "perhaps";
+    case DEPENDENCE::KIND::NEVER_READ:
+        return "never read";
+    case DEPENDENCE::KIND::UNKNOWN:
+        break;
+    }
+    return "unknown";
+}
+
 std::vector<NEVER_READ_VARIABLE> variables_that_no_run_read(const std::vector<RUN_REPORT>& reports)
 {
-    NAMED<NEVER_READ_VARIABLE> unread_somewhere;
-    NAMED<bool> read_somewhere;
-    NAMED<std::vector<std::string>> uncounted_in;
+    BY_VARIABLE_NAME<NEVER_READ_VARIABLE> unread_somewhere;
+    BY_VARIABLE_NAME<bool> read_somewhere;
+    BY_VARIABLE_NAME<std::vector<std::string>> uncounted_in;
     for (const RUN_REPORT& report : reports)
     {
         for (const READ_VARIABLE& variable : report.read)

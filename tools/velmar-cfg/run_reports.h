@@ -60,6 +60,9 @@ struct DEPENDENCE
     std::optional<std::string> value;
 };
 
+// "read", "perhaps", "never read" or "unknown".
+const char* dependence_word(DEPENDENCE::KIND kind);
+
 // Names are equal as in the store.
 DEPENDENCE dependence_on(const std::string& name, const RUN_REPORT& report);
 

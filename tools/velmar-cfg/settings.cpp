@@ -1,27 +1,12 @@
 #include "tools/velmar-cfg/settings.h"
 
 #include <algorithm>
-#include <array>
 
 #include "cfg_ini/cfg_ini.h"
-#include "cfg_ini/cfg_ini_reader/own_variables.h"
-#include "platform/gen/gen.h"
+#include "cfg_run_report/run_usage.h"
 
 namespace
 {
-// A variable that steers the library's ranked report, set for the moment so that the report lists every variable.
-struct STEERING_VARIABLE
-{
-    const char* name;
-    int wanted;
-    std::string own_value = cfg_get_value(name);
-
-    bool is(const std::string& other) const
-    {
-        return gen_stricmp(name, other.c_str()) == 0;
-    }
-};
-
 void have_library_read(const GLOBAL_OPTIONS& options)
 {
     if (!options.project.empty())
@@ -37,31 +22,12 @@ void have_library_read(const GLOBAL_OPTIONS& options)
     }
 }
 
-// Every variable, by name. To be called before anything else is looked up.
+// Every variable, by name.
 std::vector<VARIABLE> all_variables()
 {
-    const std::array<STEERING_VARIABLE, 2> steering = {
-        STEERING_VARIABLE{OWN_VARIABLE::cfg_min_accessed_to_report, 0},
-        STEERING_VARIABLE{OWN_VARIABLE::cfg_max_to_report, -1},
-    };
-    for (const STEERING_VARIABLE& variable : steering)
-        cfg_set_int_value(variable.name, variable.wanted);
-
-    std::vector<std::pair<std::string, std::string>> usages;
-    cfg_get_most_accessed(&usages);
-
-    for (const STEERING_VARIABLE& variable : steering)
-        cfg_set_value(variable.name, variable.own_value);
-
     std::vector<VARIABLE> variables;
-    for (const auto& [name, count] : usages)
-    {
-        // Two lookups so far, the one above and the report's own: the first is not counted when it made the variable.
-        const bool only_asked_for = count == "1" && std::ranges::any_of(steering, [&asked = name](const auto& variable)
-                                                                        { return variable.is(asked); });
-        if (!only_asked_for)
-            variables.push_back({name, cfg_get_value(name), cfg_ini_is_external(name)});
-    }
+    for (const VARIABLE_USAGE& usage : usage_of_all_variables())
+        variables.push_back({usage.name, cfg_get_value(usage.name), usage.external});
     std::ranges::sort(variables, {}, &VARIABLE::name);
     return variables;
 }

@@ -1,0 +1,35 @@
+// velmar-cfg snapshot: everything at once, to be kept and compared.
+#include "cfg_run_report/whole_file.h"
+#include "tools/velmar-cfg/commands.h"
+#include "tools/velmar-cfg/json_values.h"
+#include "tools/velmar-cfg/snapshot_document.h"
+
+namespace
+{
+EXIT_CODE snapshot(const std::optional<std::string>& file, TOOL& tool)
+{
+    const nlohmann::ordered_json document = snapshot_as_json(take_snapshot(tool.options));
+    if (!file)
+        tool.out.json(document);
+    else if (const std::string error = write_whole_file(*file, document_as_text(document)); !error.empty())
+        throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN, *file + ": " + error + "; name a file that can be written");
+    return EXIT_CODE::FINE;
+}
+}
+
+void add_snapshot_command(CLI::App& app, TOOL& tool)
+{
+    auto file = std::make_shared<std::optional<std::string>>();
+    CLI::App* const command = add_command(
+        app, tool, "snapshot",
+        "Write all of it as one JSON document: release, settings files and preference file with their hashes, the "
+        "environment variables that matter, every variable and every preference with its value and origin. To be kept "
+        "with a run and given to diff.",
+        "velmar-cfg --project designs/cpu --regtest snapshot -o before.json\n"
+        "      what a regression run in designs/cpu goes by, for a later velmar-cfg diff before.json",
+        [file, &tool] { return snapshot(*file, tool); });
+    // A target of its own type would take the empty text for no file.
+    const auto take_file = [file](const std::string& path) { *file = path; };
+    command->add_option_function<std::string>("-o,--output", take_file, "Write to this file, as a whole or not at all")
+        ->type_name("FILE");
+}

@@ -43,7 +43,7 @@ bool SETTINGS_LINES::next(std::string_view& line)
         divided.append(part);
     }
     line = divided;
-    return !divided.empty();
+    return !divided.empty() && std::ferror(file.get()) == 0; // half a line is none
 }
 
 std::size_t SETTINGS_LINES::size_hint()

@@ -20,7 +20,8 @@ public:
     }
 
     // Whether there is a further line; if so, `line` becomes its bytes without the newline, valid until the next call.
-    // A last line need not end in one. A line may be of any length and may hold any byte.
+    // A last line need not end in one, unless a read failed: the lines then end with the last whole one. A line may be
+    // of any length and may hold any byte.
     bool next(std::string_view& line);
 
     // How many bytes the file has, to be asked before the first line; 0 when it cannot be told. Only for making room:

@@ -1,7 +1,4 @@
 // What the preference store leaves behind when there is no more memory.
-#include <functional>
-#include <new>
-
 #include "cfg_ini/cfg_ini.h"
 #include "tests/cfg_user_ini_reader/preference_test.h"
 #include "tests/support/failing_memory.h"
@@ -13,36 +10,6 @@ const std::string long_value = "/a/value/that/is/too/long/to/be/kept/within/a/st
 class PREFERENCE_MEMORY_TEST : public PREFERENCE_TEST
 {
 protected:
-    // Lets the first allocation of `action` fail, then the second, and so on until it gets through. `prepare` comes
-    // before each try, `check` after each, told whether the try failed.
-    static void fail_at_every_allocation(const std::function<void()>& prepare, const std::function<void()>& action,
-                                         const std::function<void(bool failed)>& check)
-    {
-        long failures = 0;
-        for (bool failed = true; failed; ++failures)
-        {
-            ASSERT_LT(failures, 1000);
-            SCOPED_TRACE("allocation " + std::to_string(failures + 1));
-            prepare();
-            bool threw = false;
-            {
-                const FAILING_ALLOCATION failing(failures + 1);
-                try
-                {
-                    action();
-                }
-                catch (const std::bad_alloc&)
-                {
-                    threw = true;
-                }
-                failed = failing.has_failed();
-            }
-            EXPECT_EQ(threw, failed) << "a failure passes through";
-            check(failed);
-        }
-        EXPECT_GT(failures, 1);
-    }
-
     const RECORDS in_file = {{"General 23.4_pro", "RECENT_PROJECTS", long_value},
                              {"General 23.4_pro", "USER_LIBRARIES", long_value},
                              {"Messages 23.3_pro", "SHOW_MESSAGE_ID", "off"}};

@@ -1,7 +1,10 @@
 #include "tests/support/failing_memory.h"
 
 #include <cstdlib>
+#include <gtest/gtest.h>
 #include <new>
+
+#include "tests/support/every_fault.h"
 
 namespace
 {
@@ -74,4 +77,31 @@ FAILING_ALLOCATION::~FAILING_ALLOCATION()
 bool FAILING_ALLOCATION::has_failed() const // NOLINT: asked of the object that lies in wait
 {
     return failed;
+}
+
+void fail_at_every_allocation(const std::function<void()>& prepare, const std::function<void()>& action,
+                              const std::function<void(bool failed)>& check)
+{
+    const auto attempt = [&](long nth)
+    {
+        prepare();
+        bool threw = false;
+        bool failed = false;
+        {
+            const FAILING_ALLOCATION failing(nth);
+            try
+            {
+                action();
+            }
+            catch (const std::bad_alloc&)
+            {
+                threw = true;
+            }
+            failed = failing.has_failed();
+        }
+        EXPECT_EQ(threw, failed) << "a failure passes through";
+        check(failed);
+        return failed;
+    };
+    EXPECT_GT(for_every_fault(attempt), 0) << "nothing was allocated";
 }

@@ -3,6 +3,8 @@
 #ifndef TESTS_SUPPORT_FAILING_MEMORY_H
 #define TESTS_SUPPORT_FAILING_MEMORY_H
 
+#include <functional>
+
 // Counts from construction to destruction.
 class ALLOCATION_COUNT
 {
@@ -26,5 +28,10 @@ public:
     // Whether it was reached.
     bool has_failed() const;
 };
+
+// Lets the first allocation of `action` fail, then the second, and so on until it gets through; each failure is to
+// leave it as std::bad_alloc. `prepare` comes before each try, `check` after each, told whether an allocation failed.
+void fail_at_every_allocation(const std::function<void()>& prepare, const std::function<void()>& action,
+                              const std::function<void(bool failed)>& check);
 
 #endif

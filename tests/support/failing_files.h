@@ -1,0 +1,53 @@
+// Makes a call to the C library's file functions fail, or something happen just before it. An executable that links
+// failing_files.cpp has those functions replaced, for itself and for the libraries that it is linked to.
+#ifndef TESTS_SUPPORT_FAILING_FILES_H
+#define TESTS_SUPPORT_FAILING_FILES_H
+
+#include <functional>
+
+enum class FILE_CALL
+{
+    OPEN,  // fopen
+    READ,  // fread, and read as the file streams use it
+    WRITE, // write and writev, as the file streams use them
+    SEEK,  // fseek
+    TELL,  // ftell
+    CLOSE, // fclose; the file is closed nevertheless
+};
+
+enum class FAULT_LASTS
+{
+    ONCE,
+    FROM_THEN_ON,
+};
+
+// Lies in wait for the nth call of that kind by the calling thread, until destruction. One at a time.
+class FILE_FAULT
+{
+public:
+    // The call fails, as after an input or output error.
+    FILE_FAULT(FILE_CALL awaited, long nth, FAULT_LASTS how_long = FAULT_LASTS::ONCE);
+
+    // `action` runs, and then the call as if nothing was.
+    FILE_FAULT(FILE_CALL awaited, long nth, std::function<void()> action);
+
+    ~FILE_FAULT();
+    FILE_FAULT(const FILE_FAULT&) = delete;
+    FILE_FAULT& operator=(const FILE_FAULT&) = delete;
+
+    bool was_reached() const
+    {
+        return calls_to_go <= 0;
+    }
+
+    // For the replaced functions: counts a call; whether it is to fail.
+    bool strikes(FILE_CALL call);
+
+private:
+    const FILE_CALL kind;
+    long calls_to_go;
+    const FAULT_LASTS lasts = FAULT_LASTS::ONCE;
+    std::function<void()> before;
+};
+
+#endif

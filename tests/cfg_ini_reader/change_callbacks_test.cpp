@@ -440,6 +440,20 @@ TEST_F(CHANGE_CALLBACKS_TEST, a_null_name_throws_with_the_lock_held_and_register
     EXPECT_EQ(s_ini_callbacks->size(), names);
 }
 
+TEST_F(CHANGE_CALLBACKS_TEST, a_callback_without_a_registry_goes_quietly)
+{
+    CFG_INI_CALLBACK_REGISTRY* registry = nullptr;
+    {
+        const CFG_INI_CALLBACK callback("x");
+        std::swap(s_ini_callbacks, registry);
+        cfg_set_value("x", "1"); // nobody to tell
+        cfg_close_ini_file();
+    }
+    EXPECT_EQ(s_ini_callbacks, nullptr);
+    std::swap(s_ini_callbacks, registry);
+    s_ini_callbacks->erase("x");
+}
+
 TEST_F(CHANGE_CALLBACKS_TEST, an_exception_from_refresh_leaves_the_lock_held_and_the_value_stored)
 {
     make_empty_store();

@@ -139,6 +139,13 @@ TEST_F(MODE_SWITCHES_TEST, a_mode_may_be_asked_by_a_callback_of_the_reading_that
 
 // --- Forcing the modes off ---
 
+TEST_F(MODE_SWITCHES_TEST, a_mode_that_was_decided_while_the_lock_was_waited_for_is_not_decided_again)
+{
+    EXPECT_IN_FRESH_PROCESS(fake::thr::before_lock(1, [] { EXPECT_TRUE(cfg_is_vexe_mode()); });
+                            EXPECT_TRUE(cfg_is_vexe_mode());
+                            EXPECT_EQ(record_of("disable_vexe_mode")->access_count, 0U) << "read once");
+}
+
 TEST_F(MODE_SWITCHES_TEST, forcing_off_turns_all_three_modes_off_at_once)
 {
     EXPECT_IN_FRESH_PROCESS(EXPECT_TRUE(cfg_is_vexe_mode()); EXPECT_FALSE(cfg_jtag_auto_config());

@@ -1,8 +1,6 @@
 // The store used by several threads, over the plain platform services: nothing but the store itself orders the threads,
 // so that the thread sanitizer sees what hosts would see.
 #include <atomic>
-#include <functional>
-#include <latch>
 #include <set>
 #include <thread>
 
@@ -10,6 +8,7 @@
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "cfg_ini/cfg_ini_reader/value_storing.h"
 #include "tests/support/isolated_test.h"
+#include "tests/support/threads.h"
 
 namespace
 {
@@ -37,48 +36,6 @@ protected:
         environment.set("VELMAR_INI_VARS", "inline=3");
     }
 };
-
-// Runs action(0) to action(count - 1), each on a thread of its own, all let go at once.
-void run_together(int count, const std::function<void(int)>& action)
-{
-    std::latch start(count);
-    std::vector<std::thread> threads;
-    for (int i = 0; i < count; ++i)
-    {
-        threads.emplace_back(
-            [&, i]
-            {
-                start.arrive_and_wait();
-                action(i);
-            });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-}
-
-// Runs `action` over and over on each of some threads while `meanwhile` runs on this one.
-void run_while(const std::vector<std::function<void()>>& actions, const std::function<void()>& meanwhile)
-{
-    std::atomic<bool> done = false;
-    std::vector<std::thread> threads;
-    std::latch started(static_cast<std::ptrdiff_t>(actions.size()));
-    for (const auto& action : actions)
-    {
-        threads.emplace_back(
-            [&]
-            {
-                action();
-                started.count_down();
-                while (!done.load(std::memory_order_relaxed))
-                    action();
-            });
-    }
-    started.wait();
-    meanwhile();
-    done.store(true, std::memory_order_relaxed);
-    for (std::thread& thread : threads)
-        thread.join();
-}
 
 std::uint64_t access_count(const std::string& name)
 {

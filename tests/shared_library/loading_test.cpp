@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/thr/thr.h"
+#include "tests/shared_library/late_bound_caller.h"
 #include "tests/support/isolated_test.h"
 
 // The host's own thread service: it goes before the default one. The library never gives its lock back (exit handlers
@@ -102,6 +103,22 @@ TEST_F(LOADING_TEST, the_late_bound_entry_points_are_found_by_their_plain_names)
     char buffer[3];
     EXPECT_EQ(entry_point<GET_VALUE_FOR_ZANTH>("cfg_ini_get_value_for_zanth")(nullptr, &name, buffer, 2), 0);
     EXPECT_STREQ(buffer, "12");
+}
+
+TEST_F(LOADING_TEST, a_caller_written_in_c_gets_the_same_answers)
+{
+    unload();
+    write_file(temporary.path("cwd/velmar.ini"), "switch = on\nnumber = -12\ntext = a text\n");
+    LATE_BOUND_ANSWERS answers = {-1, -1, -1, -2, -1, -1, ""};
+    ASSERT_EQ(ask_from_c(ZON_TEST_LIBRARY, &answers), 0);
+    EXPECT_EQ(answers.on, 1);
+    EXPECT_EQ(answers.off_by_default, 0);
+    EXPECT_EQ(answers.number, -12);
+    EXPECT_EQ(answers.number_by_default, -1);
+    EXPECT_EQ(answers.short_buffer_status, 6) << "the room that it takes";
+    EXPECT_EQ(answers.text_status, 0);
+    EXPECT_STREQ(answers.text, "a text");
+    EXPECT_EQ(dlopen(ZON_TEST_LIBRARY, RTLD_NOW | RTLD_NOLOAD), nullptr) << "still there";
 }
 
 TEST_F(LOADING_TEST, an_exception_reaches_the_host)

@@ -1,5 +1,5 @@
 # What `cmake --install` puts where. Three components: runtime (what a program needs to run), development (headers, static
-# libraries, CMake package, pkg-config file) and tool (velmar-cfg). Nothing installed names the prefix, so that the
+# libraries, CMake package, pkg-config file) and tool (velmar-cfg, its manual pages and completion). Nothing installed names the prefix, so that the
 # installed tree can be moved.
 include(CMakePackageConfigHelpers)
 
@@ -72,4 +72,12 @@ if(TARGET velmar-cfg)
     file(RELATIVE_PATH zon_lib_from_bin "/prefix/${CMAKE_INSTALL_BINDIR}" "/prefix/${CMAKE_INSTALL_LIBDIR}")
     set_target_properties(velmar-cfg PROPERTIES INSTALL_RPATH "$ORIGIN/${zon_lib_from_bin}")
     install(TARGETS velmar-cfg RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
+
+    install(FILES docs/man/velmar-cfg.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)
+    install(FILES docs/man/velmar.ini.5 docs/man/velmar2.ini.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5 COMPONENT tool)
+    set(ZON_ZSH_COMPLETION_DIR ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
+        CACHE STRING "Where completion for zsh is installed, below the prefix")
+    install(FILES ${PROJECT_BINARY_DIR}/completions/velmar-cfg
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tool)
+    install(FILES ${PROJECT_BINARY_DIR}/completions/_velmar-cfg DESTINATION ${ZON_ZSH_COMPLETION_DIR} COMPONENT tool)
 endif()

@@ -30,13 +30,6 @@ CLI::App* named_command(CLI::App* app)
     return app;
 }
 
-// "velmar-cfg prefs set" for the command set of prefs.
-std::string spoken_name(const CLI::App* command)
-{
-    const CLI::App* const parent = command->get_parent();
-    return parent == nullptr ? command->get_name() : spoken_name(parent) + " " + command->get_name();
-}
-
 // Whether an option of the command or of one above it has this name and takes a value.
 bool takes_value(const CLI::App* command, const std::string& name)
 {
@@ -97,6 +90,43 @@ std::unique_ptr<CLI::App> make_command_line(TOOL& tool)
     add_snapshot_command(*app, tool);
     add_diff_command(*app, tool);
     return app;
+}
+
+std::vector<CLI::App*> all_commands(CLI::App& app)
+{
+    std::vector<CLI::App*> commands = {&app};
+    for (CLI::App* const command : app.get_subcommands([](CLI::App*) { return true; }))
+    {
+        const std::vector<CLI::App*> more = all_commands(*command);
+        commands.insert(commands.end(), more.begin(), more.end());
+    }
+    return commands;
+}
+
+std::vector<CLI::Option*> options_of(CLI::App* command)
+{
+    return command->get_options([](CLI::Option* option) { return option->nonpositional(); });
+}
+
+std::vector<CLI::Option*> arguments_of(CLI::App* command)
+{
+    return command->get_options([](CLI::Option* option) { return option->get_positional(); });
+}
+
+std::vector<std::string> names_of(const CLI::Option* option)
+{
+    std::vector<std::string> names;
+    for (const std::string& name : option->get_lnames())
+        names.push_back("--" + name);
+    for (const std::string& name : option->get_snames())
+        names.push_back("-" + name);
+    return names;
+}
+
+std::string spoken_name(const CLI::App* command)
+{
+    const CLI::App* const parent = command->get_parent();
+    return parent == nullptr ? command->get_name() : spoken_name(parent) + " " + command->get_name();
 }
 
 void parse_command_line(CLI::App& app, int argc, const char* const* argv)

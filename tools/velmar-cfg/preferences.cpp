@@ -109,6 +109,17 @@ std::vector<std::string> all_preference_keys()
     return keys;
 }
 
+std::vector<std::string> allowed_preference_values(CFG_USER_INI_ENUMS number)
+{
+    std::vector<std::string> allowed;
+    for (const PREFERENCE_TRIPLE& triple : preference_triples(number))
+    {
+        if (*triple.value != '\0')
+            allowed.emplace_back(triple.value);
+    }
+    return allowed;
+}
+
 PREFERENCE look_up_preference(CFG_USER_INI_ENUMS number)
 {
     PREFERENCE preference;
@@ -119,11 +130,7 @@ PREFERENCE look_up_preference(CFG_USER_INI_ENUMS number)
     preference.release = release_of_section(preference);
     preference.value = cfg_get_user_ini_value(number);
     preference.default_value = cfg_user_ini_name_default_values[preference_position(number)].second;
-    for (const PREFERENCE_TRIPLE& triple : preference_triples(number))
-    {
-        if (*triple.value != '\0')
-            preference.allowed.emplace_back(triple.value);
-    }
+    preference.allowed = allowed_preference_values(number);
     return preference;
 }
 

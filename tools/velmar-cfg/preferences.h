@@ -42,6 +42,9 @@ void check_preference_file();
 std::vector<CFG_USER_INI_ENUMS> all_preference_numbers();
 std::vector<std::string> all_preference_keys();
 
+// The values that the catalogue allows; none for free text.
+std::vector<std::string> allowed_preference_values(CFG_USER_INI_ENUMS number);
+
 // The preference as the library answers it now. Never writes the file.
 PREFERENCE look_up_preference(CFG_USER_INI_ENUMS number);
 

@@ -1,0 +1,223 @@
+// Help texts and manual pages, against the command line that the tool itself is made of.
+#include <algorithm>
+#include <iterator>
+#include <set>
+#include <sstream>
+
+#include "tests/support/run_program.h"
+#include "tests/velmar_cfg/tool_test.h"
+#include "tools/velmar-cfg/command_line.h"
+#include "tools/velmar-cfg/environment.h"
+
+namespace
+{
+using testing::HasSubstr;
+
+std::vector<std::string> words_of(const std::string& line)
+{
+    std::istringstream stream(line);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
+
+std::vector<std::string> lines_of(const std::string& text)
+{
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+const std::vector<std::string> pages = {"velmar-cfg.1", "velmar.ini.5", "velmar2.ini.5"};
+
+std::string page(const std::string& name)
+{
+    return read_file(MANUAL_PAGES "/" + name);
+}
+
+// Every command of the tool, the tool itself first.
+class DOCUMENTATION : public TOOL_TEST
+{
+protected:
+    DOCUMENTATION() : app(make_command_line(tool)), commands(all_commands(*app)) {}
+
+    // The words of the command, without the program's.
+    static std::vector<std::string> words(const CLI::App* command)
+    {
+        std::vector<std::string> all = words_of(spoken_name(command));
+        all.erase(all.begin());
+        return all;
+    }
+
+    TOOL tool;
+    const std::unique_ptr<CLI::App> app;
+    const std::vector<CLI::App*> commands;
+};
+
+TEST_F(DOCUMENTATION, knows_all_commands)
+{
+    EXPECT_EQ(commands.size(), 17U);
+}
+
+TEST_F(DOCUMENTATION, each_help_names_every_option_and_argument_and_gives_an_example)
+{
+    for (CLI::App* const command : commands)
+    {
+        SCOPED_TRACE(spoken_name(command));
+        std::vector<std::string> arguments = words(command);
+        arguments.emplace_back("--help");
+        const TOOL_RUN help = run(arguments);
+        EXPECT_EQ(help.exit_code, 0);
+        EXPECT_EQ(help.err, "");
+        for (const CLI::Option* const option : options_of(command))
+        {
+            for (const std::string& name : names_of(option))
+                EXPECT_THAT(help.out, HasSubstr(name));
+            EXPECT_THAT(help.out, HasSubstr(option->get_type_name()));
+            EXPECT_NE(option->get_description(), "");
+        }
+        for (const CLI::Option* const argument : arguments_of(command))
+            EXPECT_THAT(help.out, HasSubstr(argument->get_name(true)));
+        for (const CLI::App* const subcommand : command->get_subcommands([](const CLI::App*) { return true; }))
+            EXPECT_THAT(help.out, HasSubstr("\n  " + subcommand->get_name() + " "));
+        const std::size_t example = help.out.find("Example:\n  velmar-cfg ");
+        ASSERT_NE(example, std::string::npos);
+        if (command != app.get())
+        {
+            EXPECT_THAT(help.out.substr(example), HasSubstr(command->get_name()));
+        }
+    }
+}
+
+// What velmar-cfg(1) says of one command.
+struct MANUAL_SECTION
+{
+    std::vector<std::string> arguments;
+    std::map<std::string, std::string> options; // with the name of the value, empty for none
+    bool example = false;
+};
+
+// "--name" of the mdoc word "-name", "-n" of "n".
+std::string spelt(const std::string& flag)
+{
+    return "-" + flag;
+}
+
+void add_option(const std::vector<std::string>& words, MANUAL_SECTION& section)
+{
+    const auto value = std::find(words.begin(), words.end(), "Ar");
+    for (auto word = words.begin() + 2; word != value; ++word)
+    {
+        if (*word != ",")
+            section.options[spelt(*word)] = value == words.end() ? "" : *(value + 1);
+    }
+}
+
+// By the words of the command; the program's own is what stands before the commands.
+std::map<std::string, MANUAL_SECTION> sections_of_manual()
+{
+    std::map<std::string, MANUAL_SECTION> sections;
+    std::string command;
+    for (const std::string& line : lines_of(page("velmar-cfg.1")))
+    {
+        const std::vector<std::string> words = words_of(line);
+        if (line.starts_with(".Sh ENVIRONMENT"))
+            break;
+        if (line.starts_with(".Ss "))
+        {
+            command.clear();
+            auto word = words.begin() + 1;
+            for (; word != words.end() && *word != "Ar" && *word != "Op"; ++word)
+                command += (command.empty() ? "" : " ") + *word;
+            for (; word != words.end(); ++word)
+            {
+                if (*word != "Ar" && *word != "Op" && *word != "...")
+                    sections[command].arguments.push_back(*word);
+            }
+        }
+        else if (line.starts_with(".It Fl "))
+            add_option(words, sections[command]);
+        else if (line.starts_with(".Dl velmar-cfg ") && line.find(command) != std::string::npos)
+            sections[command].example = true;
+    }
+    return sections;
+}
+
+TEST_F(DOCUMENTATION, the_manual_page_has_each_command_with_its_options_and_arguments)
+{
+    std::map<std::string, MANUAL_SECTION> sections = sections_of_manual();
+    EXPECT_EQ(sections.size(), commands.size());
+    for (CLI::App* const command : commands)
+    {
+        SCOPED_TRACE(spoken_name(command));
+        std::string name;
+        for (const std::string& word : words(command))
+            name += (name.empty() ? "" : " ") + word;
+        std::map<std::string, std::string> options;
+        for (const CLI::Option* const option : options_of(command))
+        {
+            for (const std::string& spelling : names_of(option))
+                options[spelling] = option->get_type_name();
+        }
+        if (!name.empty())
+        {
+            options.erase("--help");
+            options.erase("-h");
+        }
+        std::vector<std::string> arguments;
+        for (const CLI::Option* const argument : arguments_of(command))
+            arguments.push_back(argument->get_name(true));
+        EXPECT_EQ(sections[name].options, options);
+        EXPECT_EQ(sections[name].arguments, arguments);
+        EXPECT_TRUE(sections[name].example || name.empty());
+    }
+}
+
+TEST(MANUAL_PAGES_, each_has_examples_files_and_precedence)
+{
+    for (const std::string& name : pages)
+    {
+        for (const char* const heading : {".Sh NAME", ".Sh ENVIRONMENT", ".Sh FILES", ".Sh EXAMPLES"})
+            EXPECT_THAT(page(name), HasSubstr(heading + std::string("\n"))) << name;
+    }
+    EXPECT_THAT(page("velmar-cfg.1"), HasSubstr(".Sh EXIT STATUS\n"));
+    EXPECT_THAT(page("velmar.ini.5"), HasSubstr(".Sh PRECEDENCE\n"));
+    EXPECT_THAT(page("velmar2.ini.5"), HasSubstr(".Sh PRECEDENCE\n"));
+}
+
+TEST(MANUAL_PAGES_, name_every_environment_variable_that_matters)
+{
+    for (const ENVIRONMENT_VARIABLE& variable : environment_that_matters())
+    {
+        const bool of_preferences = variable.name == "VELMAR2_INI";
+        EXPECT_THAT(page(of_preferences ? "velmar2.ini.5" : "velmar.ini.5"),
+                    HasSubstr(".It Ev " + variable.name + "\n"));
+        EXPECT_THAT(page("velmar-cfg.1"), HasSubstr(variable.name));
+    }
+    EXPECT_THAT(page("velmar2.ini.5"), HasSubstr(".It Ev HOME\n"));
+}
+
+class MANUAL_CHECKERS : public testing::TestWithParam<std::vector<std::string>>
+{
+};
+
+TEST_P(MANUAL_CHECKERS, find_nothing)
+{
+    const std::vector<std::string>& checker = GetParam();
+    if (checker.front().empty())
+        GTEST_SKIP() << "not installed";
+    for (const std::string& name : pages)
+    {
+        std::vector<std::string> arguments = checker;
+        arguments.push_back(MANUAL_PAGES "/" + name);
+        const PROGRAM_RESULT result = run_program(arguments);
+        EXPECT_EQ(result.status, 0) << name;
+        EXPECT_EQ(result.out, "") << name;
+        EXPECT_EQ(result.err, "") << name;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(programs, MANUAL_CHECKERS,
+                         testing::Values(std::vector<std::string>{MANDOC, "-T", "lint", "-W", "warning"},
+                                         std::vector<std::string>{GROFF, "-mdoc", "-ww", "-z", "-Tutf8"}));
+}

@@ -1,0 +1,199 @@
+#include "tools/velmar-cfg/completion/completion_tables.h"
+
+#include <algorithm>
+#include <map>
+
+#include "tools/velmar-cfg/command_line.h"
+#include "tools/velmar-cfg/known_variables.h"
+#include "tools/velmar-cfg/preferences.h"
+
+namespace
+{
+// As one word of a shell.
+std::string quoted_word(const std::string& text)
+{
+    std::string quoted = "'";
+    for (const char c : text)
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + "'";
+}
+
+std::string print_lines(const std::vector<std::string>& lines)
+{
+    std::string command = "printf '%s\\n'";
+    for (const std::string& line : lines)
+        command += " \\\n            " + quoted_word(line);
+    return command;
+}
+
+// A function that chooses among branches by `subject`; each is a pattern with a command.
+std::string choice(const std::string& name, const std::string& subject,
+                   const std::vector<std::pair<std::string, std::string>>& branches)
+{
+    std::string text = name + "()\n{\n    case " + subject + " in\n";
+    for (const auto& [pattern, command] : branches)
+        text += "        " + pattern + ") " + command + " ;;\n";
+    return text + "    esac\n}\n\n";
+}
+
+// Its first sentence, or the clause before a colon or semicolon.
+std::string summary(const std::string& description)
+{
+    return description.substr(0, std::min({description.find(". "), description.find(": "), description.find("; ")}));
+}
+
+// "prefs set": the name of the command under which the tables have it; empty for the program.
+std::string table_name(const CLI::App* command)
+{
+    const std::string spoken = spoken_name(command);
+    const std::size_t blank = spoken.find(' ');
+    return blank == std::string::npos ? "" : spoken.substr(blank + 1);
+}
+
+// The kind of what the help calls so. Every option and argument must have one here.
+std::string kind_of_placeholder(const std::string& placeholder)
+{
+    static const std::map<std::string, std::string> kinds = {
+        {"A", "file"},        {"B", "file"},           {"DIR", "directory"}, {"FILE", "file"},    {"KEY", "key"},
+        {"NAME", "variable"}, {"PATTERN", "variable"}, {"REPORT", "file"},   {"SECONDS", "text"}, {"VALUE", "text"},
+    };
+    return kinds.at(placeholder);
+}
+
+std::string kind_of_option(CLI::Option* option)
+{
+    const std::string placeholder = option->get_type_name();
+    if (placeholder == "TYPE" || placeholder == "WHEN")
+        return "words:" + option->get_validator(0)->get_name();
+    return kind_of_placeholder(placeholder);
+}
+
+std::string kind_of_argument(const CLI::Option* argument)
+{
+    return argument->get_name(true) == "VALUE" ? "value" : kind_of_placeholder(argument->get_name(true));
+}
+
+std::string is_command_table(const std::vector<CLI::App*>& commands)
+{
+    std::vector<std::pair<std::string, std::string>> branches;
+    for (const CLI::App* const command : commands)
+    {
+        if (const std::string name = table_name(command); !name.empty())
+            branches.emplace_back(quoted_word(name), "return 0");
+    }
+    branches.emplace_back("*", "return 1");
+    return choice("_velmar_cfg_is_command", "$1", branches);
+}
+
+std::string commands_table(const std::vector<CLI::App*>& commands)
+{
+    std::vector<std::pair<std::string, std::string>> branches;
+    for (const CLI::App* const command : commands)
+    {
+        std::vector<std::string> lines;
+        for (const CLI::App* const subcommand : command->get_subcommands([](const CLI::App*) { return true; }))
+            lines.push_back(subcommand->get_name() + "\t" + summary(subcommand->get_description()));
+        if (!lines.empty())
+            branches.emplace_back(quoted_word(table_name(command)), print_lines(lines));
+    }
+    return choice("_velmar_cfg_commands", "$1", branches);
+}
+
+std::vector<std::string> option_lines(CLI::App* command)
+{
+    std::vector<std::string> lines;
+    for (const CLI::Option* const option : options_of(command))
+    {
+        for (const std::string& name : names_of(option))
+            lines.push_back(name + "\t" + summary(option->get_description()));
+    }
+    return lines;
+}
+
+std::string options_table(const std::vector<CLI::App*>& commands)
+{
+    const std::vector<std::string> global = option_lines(commands.front());
+    std::vector<std::pair<std::string, std::string>> branches;
+    for (CLI::App* const command : commands)
+    {
+        std::vector<std::string> lines = option_lines(command);
+        for (const std::string& line : global)
+        {
+            if (std::ranges::count(lines, line) == 0)
+                lines.push_back(line);
+        }
+        branches.emplace_back(quoted_word(table_name(command)), print_lines(lines));
+    }
+    return choice("_velmar_cfg_options", "$1", branches);
+}
+
+std::string option_values_table(const std::vector<CLI::App*>& commands)
+{
+    std::vector<std::pair<std::string, std::string>> branches;
+    for (CLI::App* const command : commands)
+    {
+        const std::string name = table_name(command);
+        for (CLI::Option* const option : options_of(command))
+        {
+            if (option->get_items_expected_max() == 0)
+                continue;
+            for (const std::string& spelling : names_of(option))
+                branches.emplace_back((name.empty() ? "*" : quoted_word(name)) + ":" + spelling,
+                                      print_lines({kind_of_option(option)}));
+        }
+    }
+    return choice("_velmar_cfg_option_takes", "$1:$2", branches);
+}
+
+std::string arguments_table(const std::vector<CLI::App*>& commands)
+{
+    std::vector<std::pair<std::string, std::string>> branches;
+    for (CLI::App* const command : commands)
+    {
+        std::size_t number = 0;
+        for (const CLI::Option* const argument : arguments_of(command))
+        {
+            const bool repeated = argument->get_items_expected_max() > 1;
+            branches.emplace_back(repeated ? quoted_word(table_name(command) + ":") + "*"
+                                           : quoted_word(table_name(command) + ":" + std::to_string(number)),
+                                  print_lines({kind_of_argument(argument)}));
+            ++number;
+        }
+    }
+    return choice("_velmar_cfg_argument_is", "$1:$2", branches);
+}
+
+// Keys that allow the same values share a branch.
+std::string values_table()
+{
+    std::vector<std::pair<std::string, std::string>> branches;
+    for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
+    {
+        const std::vector<std::string> allowed = allowed_preference_values(number);
+        if (allowed.empty())
+            continue;
+        const std::string key = cfg_get_user_ini_ini_string(number);
+        const std::string command = print_lines(allowed);
+        const auto shared = std::ranges::find(branches, command, &std::pair<std::string, std::string>::second);
+        if (shared == branches.end())
+            branches.emplace_back(key, command);
+        else
+            shared->first += " | " + key;
+    }
+    return choice("_velmar_cfg_values", "$(printf '%s' \"$1\" | tr a-z A-Z)", branches);
+}
+
+std::string list(const std::string& name, const std::vector<std::string>& lines)
+{
+    return name + "()\n{\n    " + print_lines(lines) + "\n}\n\n";
+}
+}
+
+std::string completion_tables(CLI::App& app)
+{
+    const std::vector<CLI::App*> commands = all_commands(app);
+    return is_command_table(commands) + commands_table(commands) + options_table(commands) +
+           option_values_table(commands) + arguments_table(commands) +
+           list("_velmar_cfg_variables", known_variable_names()) + list("_velmar_cfg_keys", all_preference_keys()) +
+           values_table();
+}

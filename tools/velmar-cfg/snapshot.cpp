@@ -8,6 +8,7 @@
 #include "tools/velmar-cfg/content_hash.h"
 #include "tools/velmar-cfg/input_file.h"
 #include "tools/velmar-cfg/settings.h"
+#include "tools/velmar-cfg/snapshot_document.h"
 
 namespace
 {
@@ -77,12 +78,6 @@ std::vector<SNAPSHOT_PREFERENCE> preferences_as_they_are()
     }
     return preferences;
 }
-}
-
-std::vector<std::string> all_file_roles()
-{
-    return {layer_code(LAYER_KIND::MAIN_FILE), layer_code(LAYER_KIND::APPENDED_FILE),
-            layer_code(LAYER_KIND::REGTEST_FILE), preference_file_role};
 }
 
 SNAPSHOT take_snapshot(const GLOBAL_OPTIONS& options)

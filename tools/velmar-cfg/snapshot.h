@@ -13,13 +13,9 @@
 #include "tools/velmar-cfg/preferences.h"
 #include "tools/velmar-cfg/readings.h"
 
-// What a file is to the library: a layer's code, or "preferences".
-inline constexpr const char* preference_file_role = "preferences";
-std::vector<std::string> all_file_roles();
-
 struct SNAPSHOT_FILE
 {
-    std::string role;
+    std::string role;                  // one of all_file_roles()
     std::optional<std::string> path;   // nothing when there is no such layer
     std::optional<std::uint64_t> size; // in bytes; nothing, as the hash, when the file does not exist
     std::optional<std::string> sha256; // 64 lower-case hexadecimal digits

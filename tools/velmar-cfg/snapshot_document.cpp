@@ -94,6 +94,12 @@ SNAPSHOT_PREFERENCE read_preference(const JSON_PLACE& row)
 }
 }
 
+std::vector<std::string> all_file_roles()
+{
+    return {layer_code(LAYER_KIND::MAIN_FILE), layer_code(LAYER_KIND::APPENDED_FILE),
+            layer_code(LAYER_KIND::REGTEST_FILE), preference_file_role};
+}
+
 ordered_json file_as_json(const SNAPSHOT_FILE& file)
 {
     return {{"role", file.role},

@@ -19,6 +19,10 @@
 
 #include "tools/velmar-cfg/snapshot.h"
 
+// What a file is to the library, in the order of the rows: a layer's code, or the last.
+inline constexpr const char* preference_file_role = "preferences";
+std::vector<std::string> all_file_roles();
+
 nlohmann::ordered_json snapshot_as_json(const SNAPSHOT& snapshot);
 
 // Its rows, of which other documents consist as well.

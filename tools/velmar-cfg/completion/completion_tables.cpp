@@ -180,7 +180,7 @@ std::string values_table()
         else
             shared->first += " | " + key;
     }
-    return choice("_velmar_cfg_values", "$(printf '%s' \"$1\" | tr a-z A-Z)", branches);
+    return choice("_velmar_cfg_values", "$(printf '%s' \"$1\" | LC_ALL=C tr '[:lower:]' '[:upper:]')", branches);
 }
 
 std::string list(const std::string& name, const std::vector<std::string>& lines)

@@ -1,0 +1,63 @@
+// The tutorial, typed along: every output in it is the one that its command gives.
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sstream>
+
+#include "tests/support/isolated_test.h"
+#include "tests/support/run_program.h"
+
+namespace
+{
+struct STEP
+{
+    std::string command;
+    std::string output;
+};
+
+// The blocks marked "console": a line with "$ " is a command, what follows its output.
+std::vector<STEP> steps_of(const std::string& page)
+{
+    std::vector<STEP> steps;
+    std::istringstream stream(page);
+    bool in_block = false;
+    for (std::string line; std::getline(stream, line);)
+    {
+        if (line.starts_with("```"))
+            in_block = line == "```console";
+        else if (in_block && line.starts_with("$ "))
+            steps.push_back({line.substr(2), ""});
+        else if (in_block)
+            steps.back().output += line + "\n";
+    }
+    return steps;
+}
+
+using TUTORIAL = ISOLATED_TEST;
+
+TEST_F(TUTORIAL, says_what_its_commands_say)
+{
+    std::filesystem::copy(EXAMPLES "/project", "project");
+    std::filesystem::copy(EXAMPLES "/appended.ini", "appended.ini");
+    const std::vector<STEP> steps = steps_of(read_file(TUTORIAL_PAGE));
+    ASSERT_GT(steps.size(), 12U);
+
+    // One shell for all, since one step exports what later ones find. A line of its own ends each step's output.
+    const std::string end = "--- end of step";
+    std::string script;
+    for (const STEP& step : steps)
+        script += step.command + "\necho '" + end + "'\n";
+    const PROGRAM_RESULT result =
+        run_program({"/bin/bash", "--norc", "-c", script}, {{"PATH", PROGRAMS ":/usr/bin:/bin"}});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+
+    std::size_t from = 0;
+    for (const STEP& step : steps)
+    {
+        const std::size_t to = result.out.find(end + "\n", from);
+        ASSERT_NE(to, std::string::npos) << step.command;
+        EXPECT_EQ(result.out.substr(from, to - from), step.output) << step.command;
+        from = to + end.size() + 1;
+    }
+}
+}

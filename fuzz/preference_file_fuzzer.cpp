@@ -55,6 +55,19 @@ bool has_quoted_value(const RECORDS& records)
     return false;
 }
 
+// A section without values is not saved. Where it is the running release's own, the next reading finds it missing, and
+// carries the search paths of an older release over.
+bool has_section_to_lose(const RECORDS& records)
+{
+    const std::string section = "General " + ver_get_version() + "_pro";
+    for (const auto& [record_section, name, value] : records)
+    {
+        if (record_section == section)
+            return false;
+    }
+    return cfg_user_ini_sections_read->contains(section);
+}
+
 PLAIN_PREFERENCES plain_preferences(const std::string& bytes)
 {
     return {bytes, ver_get_version(), ver_get_all_versions()};
@@ -104,13 +117,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     read_afresh();
     PLAIN_PREFERENCES plain = plain_preferences(bytes);
     const RECORDS before = loaded_records();
+    const bool comes_back = !has_sections_to_merge(before) && !has_quoted_value(before) && !has_section_to_lose(before);
     const std::string first = saved(path);
     expect_equal(first, plain.saved(), "saved");
     expect_equal(saved(path), first, "saved twice");
 
     read_afresh();
     const RECORDS after = loaded_records();
-    if (!has_sections_to_merge(before) && !has_quoted_value(before))
+    if (comes_back)
     {
         fuzz::expect(after == before, "records changed by saving " + fuzz::quoted(first));
         expect_equal(saved(path), first, "saved, read and saved");

@@ -142,6 +142,17 @@ TEST_F(PREFERENCE_WRITING_TEST, saved_records_read_back_the_same)
     EXPECT_EQ(records(), saved);
 }
 
+TEST_F(PREFERENCE_WRITING_TEST, section_without_values_no_longer_stops_the_carrying_over_once_it_is_saved)
+{
+    write_preferences("[General 23.4_pro]\n[General 23.3_pro]\nUSER_LIBRARIES = /lib\n");
+    EXPECT_EQ(cfg_get_user_ini_value(USER_LIBRARIES), "");
+    ASSERT_TRUE(cfg_write_and_close_user_ini_file());
+    EXPECT_EQ(preferences(), "\n[General 23.3_pro]\nUSER_LIBRARIES = /lib\n");
+    EXPECT_EQ(cfg_get_user_ini_value(USER_LIBRARIES), "/lib");
+    EXPECT_EQ(records(), (RECORDS{{"General 23.3_pro", "USER_LIBRARIES", "/lib"},
+                                  {"General 23.4_pro", "USER_LIBRARIES", "/lib"}}));
+}
+
 TEST_F(PREFERENCE_WRITING_TEST, value_with_a_bracket_does_not_come_back)
 {
     ASSERT_TRUE(cfg_set_user_ini_value(PROXY_SETTINGS, "[::1]:8080"));

@@ -63,6 +63,7 @@ TEST_F(CACHED_VALUE, UnsetAnswersTheDefault)
 
 TEST_F(CACHED_VALUE, AnswersWhatIsStored)
 {
+    const SCOPED_POINT_LOCALE locale;
     cfg_set_value("b", "ON");
     cfg_set_value("i", "-2147483648");
     cfg_set_value("u", "4294967295");

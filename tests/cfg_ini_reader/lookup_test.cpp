@@ -265,6 +265,7 @@ void PrintTo(const NUMBER& row, std::ostream* out)
 
 class FLOATING_POINT_TEST : public LOOKUP_TEST, public testing::WithParamInterface<NUMBER>
 {
+    const SCOPED_POINT_LOCALE locale;
 };
 
 TEST_P(FLOATING_POINT_TEST, is_the_number_at_the_start_and_is_marked_only_when_that_is_all)
@@ -323,6 +324,7 @@ TEST_F(LOOKUP_TEST, an_empty_text_is_no_number)
 
 TEST_F(LOOKUP_TEST, a_number_ends_at_a_zero_byte)
 {
+    const SCOPED_POINT_LOCALE locale;
     cfg_set_value("a", std::string("2.5\0ms", 6));
     EXPECT_EQ(cfg_get_value_as<double>("a"), std::optional(2.5));
     EXPECT_TRUE(record_of("a")->had_valid_read);
@@ -331,6 +333,7 @@ TEST_F(LOOKUP_TEST, a_number_ends_at_a_zero_byte)
 
 TEST_F(LOOKUP_TEST, a_float_is_the_double_rounded)
 {
+    const SCOPED_POINT_LOCALE locale;
     cfg_set_value("a", "0.1");
     EXPECT_EQ(cfg_get_value_as<float>("a"), std::optional(0.1F));
     cfg_set_value("a", "16777217"); // one more than a float can tell apart
@@ -354,6 +357,7 @@ TEST_F(LOOKUP_TEST, the_decimal_point_is_that_of_the_locale)
 
 TEST_F(LOOKUP_TEST, a_number_is_marked_without_a_second_count)
 {
+    const SCOPED_POINT_LOCALE locale;
     cfg_set_value("a", "2.5");
     const long locks = fake::thr::locks();
     cfg_get_value_as<double>("a");

@@ -107,10 +107,23 @@ TEST_F(STORE_MEMORY_TEST, a_failed_read_of_an_unknown_name_leaves_no_half_made_r
         const auto record = record_of(long_name);
         EXPECT_TRUE(!record || record->access_count == 0);
     };
-    bool found = false;
     fail_at_every_allocation(
-        make_empty_store, [&] { cfg_ini_read_boolean(long_name, &found); }, no_record_or_an_empty_one);
-    EXPECT_FALSE(found);
+        make_empty_store,
+        []
+        {
+            bool found = true;
+            try
+            {
+                cfg_ini_read_boolean(long_name, &found);
+            }
+            catch (const std::bad_alloc&)
+            {
+                EXPECT_FALSE(found) << "also where nothing could be read";
+                throw;
+            }
+            EXPECT_FALSE(found);
+        },
+        no_record_or_an_empty_one);
     fail_at_every_allocation(
         make_empty_store, [] { cfg_get_int_value(long_name.c_str(), 0); }, no_record_or_an_empty_one);
     fail_at_every_allocation(

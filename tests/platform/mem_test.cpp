@@ -105,6 +105,7 @@ TEST(MEM_REGISTRATION_TEST, lasts_as_long_as_the_object)
 
 TEST(MEM_FORMAT_TEST, gives_the_text_that_printf_writes)
 {
+    const SCOPED_POINT_LOCALE locale;
     EXPECT_EQ(MEM_DETAIL::stl_raw_sprintf("%s", ""), "");
     EXPECT_EQ(MEM_DETAIL::stl_raw_sprintf("%d", -2147483647 - 1), "-2147483648");
     EXPECT_EQ(MEM_DETAIL::stl_raw_sprintf("%llu", 18446744073709551615ULL), "18446744073709551615");

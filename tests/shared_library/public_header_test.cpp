@@ -36,6 +36,7 @@ public:
 
 TEST_F(PUBLIC_HEADER_TEST, layers_settings_files)
 {
+    const SCOPED_POINT_LOCALE locale;
     write_file(temporary.path("project/velmar.ini"), "max_fanout = 12 # twelve\nmode = main\n");
     write_file(temporary.path("project/regtest.ini"), "mode = regtest\n");
     write_file(temporary.path("appended.ini"), "mode = appended\nratio = 2.5\n");

@@ -1,6 +1,13 @@
 #include "tests/support/isolated_test.h"
 
+#include <clocale>
 #include <filesystem>
+
+namespace
+{
+// The tests run in the environment's locale, as in a host that has users.
+[[maybe_unused]] const char* const locale = std::setlocale(LC_ALL, "");
+}
 
 ISOLATED_TEST::ISOLATED_TEST()
 {

@@ -45,15 +45,18 @@ SCOPED_CURRENT_DIRECTORY::~SCOPED_CURRENT_DIRECTORY()
     std::filesystem::current_path(before);
 }
 
-SCOPED_COMMA_LOCALE::SCOPED_COMMA_LOCALE() : before(std::setlocale(LC_ALL, nullptr))
+SCOPED_LOCALE::SCOPED_LOCALE(const char* name, const char* directory) : before(std::setlocale(LC_ALL, nullptr))
 {
     SCOPED_ENVIRONMENT environment;
-    environment.set("LOCPATH", ZON_TEST_LOCALES);
-    if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr)
-        throw std::runtime_error("no locale de_DE.UTF-8 in " ZON_TEST_LOCALES);
+    if (directory != nullptr)
+        environment.set("LOCPATH", directory);
+    if (std::setlocale(LC_ALL, name) == nullptr)
+        throw std::runtime_error("no locale " + std::string(name));
 }
 
-SCOPED_COMMA_LOCALE::~SCOPED_COMMA_LOCALE()
+SCOPED_LOCALE::~SCOPED_LOCALE()
 {
     std::setlocale(LC_ALL, before.c_str());
 }
+
+SCOPED_COMMA_LOCALE::SCOPED_COMMA_LOCALE() : SCOPED_LOCALE("de_DE.UTF-8", ZON_TEST_LOCALES) {}

@@ -36,18 +36,32 @@ private:
     std::string before;
 };
 
-// A locale whose decimal point is a comma and whose letters include accented ones. Taken from the build tree, so that
-// the machine need not have it.
-class SCOPED_COMMA_LOCALE
+class SCOPED_LOCALE
 {
 public:
-    SCOPED_COMMA_LOCALE();
-    ~SCOPED_COMMA_LOCALE();
-    SCOPED_COMMA_LOCALE(const SCOPED_COMMA_LOCALE&) = delete;
-    SCOPED_COMMA_LOCALE& operator=(const SCOPED_COMMA_LOCALE&) = delete;
+    // Throws where there is no such locale; looked for in `directory`, if one is given, instead of the machine's own.
+    explicit SCOPED_LOCALE(const char* name, const char* directory = nullptr);
+    ~SCOPED_LOCALE();
+    SCOPED_LOCALE(const SCOPED_LOCALE&) = delete;
+    SCOPED_LOCALE& operator=(const SCOPED_LOCALE&) = delete;
 
 private:
     std::string before;
+};
+
+// A locale whose decimal point is a comma and whose letters include accented ones. Taken from the build tree, so that
+// the machine need not have it.
+class SCOPED_COMMA_LOCALE : public SCOPED_LOCALE
+{
+public:
+    SCOPED_COMMA_LOCALE();
+};
+
+// The locale in which numbers are written as in the tests.
+class SCOPED_POINT_LOCALE : public SCOPED_LOCALE
+{
+public:
+    SCOPED_POINT_LOCALE() : SCOPED_LOCALE("C") {}
 };
 
 #endif

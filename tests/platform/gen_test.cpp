@@ -1,11 +1,10 @@
-#include <array>
-#include <cstdio>
 #include <filesystem>
 #include <pwd.h>
 #include <unistd.h>
 
 #include "platform/gen/gen.h"
 #include "tests/support/isolated_test.h"
+#include "tests/support/run_program.h"
 
 namespace
 {
@@ -114,13 +113,9 @@ TEST_F(DIRECTORIES_TEST, module_path_is_where_the_executable_stands)
 // What a program that prints module path and installation directory prints, run from `path`.
 std::string paths_printed_by(const std::string& path)
 {
-    FILE* const pipe = popen(path.c_str(), "r");
-    std::string printed;
-    std::array<char, 1024> piece;
-    while (std::fgets(piece.data(), piece.size(), pipe) != nullptr)
-        printed += piece.data();
-    EXPECT_EQ(pclose(pipe), 0) << path;
-    return printed;
+    const PROGRAM_RESULT result = run_program({path});
+    EXPECT_EQ(result.status, 0) << path;
+    return result.out;
 }
 
 TEST_F(DIRECTORIES_TEST, installation_is_above_a_directory_called_bin)

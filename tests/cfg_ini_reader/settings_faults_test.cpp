@@ -98,18 +98,18 @@ TEST_F(SETTINGS_FAULTS_TEST, a_call_that_fails_costs_what_it_was_to_bring_and_no
         // Where the main file is, and how long; only for making room.
         {FILE_CALL::TELL, {everything, everything}},
     };
-    for (const auto& [call, values] : table)
+    for (const FAILING_CALL& row : table)
     {
-        SCOPED_TRACE("call of kind " + std::to_string(static_cast<int>(call)));
+        SCOPED_TRACE("call of kind " + std::to_string(static_cast<int>(row.call)));
         const auto attempt = [&](long nth)
         {
             cfg_close_ini_file();
-            const auto fault = std::make_unique<FILE_FAULT>(call, nth);
+            const auto fault = std::make_unique<FILE_FAULT>(row.call, nth);
             read_everything();
             const bool reached = fault->was_reached();
-            const bool expected = static_cast<std::size_t>(nth) <= values.size();
+            const bool expected = static_cast<std::size_t>(nth) <= row.values.size();
             EXPECT_EQ(reached, expected);
-            EXPECT_EQ(all_values(), expected ? values[static_cast<std::size_t>(nth) - 1] : everything);
+            EXPECT_EQ(all_values(), expected ? row.values[static_cast<std::size_t>(nth) - 1] : everything);
             return reached;
         };
         for_every_fault(attempt);

@@ -86,7 +86,7 @@ void fail_at_every_allocation(const std::function<void()>& prepare, const std::f
     {
         prepare();
         bool threw = false;
-        bool failed = false;
+        bool reached = false;
         {
             const FAILING_ALLOCATION failing(nth);
             try
@@ -97,11 +97,11 @@ void fail_at_every_allocation(const std::function<void()>& prepare, const std::f
             {
                 threw = true;
             }
-            failed = failing.has_failed();
+            reached = failing.has_failed();
         }
-        EXPECT_EQ(threw, failed) << "a failure passes through";
-        check(failed);
-        return failed;
+        EXPECT_EQ(threw, reached) << "a failure passes through";
+        check(reached);
+        return reached;
     };
     EXPECT_GT(for_every_fault(attempt), 0) << "nothing was allocated";
 }

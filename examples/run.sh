@@ -38,6 +38,12 @@ if command -v velmar-cfg >/dev/null; then
     show env "VELMAR_INI_VARS=max_fanout=20;route_effort=9" velmar-cfg --project project --regtest list
 fi
 
+if command -v velmar-cfg >/dev/null; then
+    title "A snapshot, and what has changed since"
+    show velmar-cfg --project project snapshot -o "$HOME/before.json"
+    show env VELMAR_INI_VARS=max_fanout=20 velmar-cfg --project project diff "$HOME/before.json" || true
+fi
+
 title "A host: settings read, variables asked for and set, what the run depended on"
 show example_host project
 show env APPENDED_VELMAR_INI=appended.ini VELMAR_INI_VARS=banner=inline \

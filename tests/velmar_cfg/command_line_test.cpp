@@ -100,17 +100,23 @@ TEST_F(COMMAND_LINE, a_full_device_is_no_success)
               "velmar-cfg: standard output: No space left on device; send it somewhere that can take it\n");
 }
 
-TEST_F(COMMAND_LINE, a_reader_that_has_gone_is_no_error)
+// Each command that can write more than a pipe holds.
+class READER_THAT_HAS_GONE : public TOOL_TEST, public testing::WithParamInterface<std::vector<std::string>>
 {
-    // More than a pipe holds, so that the tool still writes when the reader has gone.
+};
+
+TEST_P(READER_THAT_HAS_GONE, is_no_error)
+{
+    // So that the tool still writes when the reader has gone.
     std::string lines;
     for (int i = 0; i < 20000; ++i)
         lines += "variable_" + std::to_string(i) + "=1\n";
     write_file("velmar.ini", lines);
+    write_file("empty/velmar.ini", "");
 
     const std::string fifo = temporary.path("fifo");
     ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-    const pid_t child = start({"list"}, fifo);
+    const pid_t child = start(GetParam(), fifo);
     const int reader = open(fifo.c_str(), O_RDONLY);
     ASSERT_GE(reader, 0);
     char first = 0;
@@ -120,7 +126,12 @@ TEST_F(COMMAND_LINE, a_reader_that_has_gone_is_no_error)
     int status = 0;
     ASSERT_EQ(waitpid(child, &status, 0), child);
     ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_EQ(WEXITSTATUS(status), GetParam().front() == "diff" ? 1 : 0);
     EXPECT_EQ(read_file(temporary.path("standard_error")), "");
 }
+
+INSTANTIATE_TEST_SUITE_P(commands, READER_THAT_HAS_GONE,
+                         testing::Values(std::vector<std::string>{"list"}, std::vector<std::string>{"list", "--json"},
+                                         std::vector<std::string>{"snapshot"},
+                                         std::vector<std::string>{"diff", "empty", "."}));
 }

@@ -59,6 +59,15 @@ TEST_F(DOCUMENTATION, knows_all_commands)
     EXPECT_EQ(commands.size(), 17U);
 }
 
+TEST_F(DOCUMENTATION, a_list_of_commands_has_a_line_for_each)
+{
+    EXPECT_THAT(
+        run({"--help"}).out,
+        HasSubstr("\n  paths                       Show where settings are looked for\n"
+                  "  lint                        Show the lines that are ignored or read otherwise than they look, "
+                  "with what to write instead\n"));
+}
+
 TEST_F(DOCUMENTATION, each_help_names_every_option_and_argument_and_gives_an_example)
 {
     for (CLI::App* const command : commands)

@@ -1,6 +1,7 @@
 #include "tools/velmar-cfg/command_line.h"
 
 #include <algorithm>
+#include <sstream>
 
 #include "platform/ver/ver.h"
 #include "tools/velmar-cfg/commands.h"
@@ -8,6 +9,18 @@
 
 namespace
 {
+// Lists commands with the summaries of their descriptions, each on one line.
+class HELP_FORMATTER : public CLI::Formatter
+{
+public:
+    std::string make_subcommand(const CLI::App* command) const override
+    {
+        std::ostringstream line;
+        CLI::detail::format_help(line, command->get_name(), summary(command->get_description()), get_column_width());
+        return line.str();
+    }
+};
+
 void add_global_options(CLI::App& app, TOOL& tool)
 {
     GLOBAL_OPTIONS& options = tool.options;
@@ -73,6 +86,7 @@ std::unique_ptr<CLI::App> make_command_line(TOOL& tool)
         "Shows, explains, checks and edits what the configuration library answers: internal variables from the layers "
         "of velmar.ini, and user preferences from velmar2.ini.");
     app->name("velmar-cfg");
+    app->formatter(std::make_shared<HELP_FORMATTER>()); // before the commands, which take it over
     app->set_version_flag("--version", "velmar-cfg " VELMAR_CFG_VERSION ", release " + ver_get_version());
     app->require_subcommand(1);
     app->footer("Example:\n  velmar-cfg --project designs/cpu list\n"
@@ -90,6 +104,11 @@ std::unique_ptr<CLI::App> make_command_line(TOOL& tool)
     add_snapshot_command(*app, tool);
     add_diff_command(*app, tool);
     return app;
+}
+
+std::string summary(const std::string& description)
+{
+    return description.substr(0, std::min({description.find(". "), description.find(": "), description.find("; ")}));
 }
 
 std::vector<CLI::App*> all_commands(CLI::App& app)

@@ -22,6 +22,9 @@ std::vector<CLI::Option*> arguments_of(CLI::App* command);
 // "--output" and "-o".
 std::vector<std::string> names_of(const CLI::Option* option);
 
+// The first sentence of a description, or the clause before a colon or semicolon.
+std::string summary(const std::string& description);
+
 // "velmar-cfg prefs set" for the command set of prefs.
 std::string spoken_name(const CLI::App* command);
 

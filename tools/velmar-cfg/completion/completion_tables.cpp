@@ -36,12 +36,6 @@ std::string choice(const std::string& name, const std::string& subject,
     return text + "    esac\n}\n\n";
 }
 
-// Its first sentence, or the clause before a colon or semicolon.
-std::string summary(const std::string& description)
-{
-    return description.substr(0, std::min({description.find(". "), description.find(": "), description.find("; ")}));
-}
-
 // "prefs set": the name of the command under which the tables have it; empty for the program.
 std::string table_name(const CLI::App* command)
 {

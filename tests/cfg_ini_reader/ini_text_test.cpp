@@ -222,4 +222,32 @@ INSTANTIATE_TEST_SUITE_P(blanks_and_plain_characters, INLINE_TEXT_TEST,
 INSTANTIATE_TEST_SUITE_P(later_items_win, INLINE_TEXT_TEST,
                          testing::Values(STORED{"a=1;a=2", {{"a", "2"}}},
                                          STORED{"a=1;A=2;b=3", {{"a", "2"}, {"b", "3"}}}));
+
+TEST(INLINE_WALK_TEST, tells_of_each_item_how_it_stands_and_what_becomes_of_it)
+{
+    struct ITEM
+    {
+        const char* text;
+        INLINE_ITEM kind;
+    };
+    const ITEM items[] = {{" a = 1 ", INLINE_ITEM::ASSIGNMENT}, {"bb", INLINE_ITEM::NO_EQUALS_SIGN},
+                          {"", INLINE_ITEM::NO_EQUALS_SIGN},    {" =3", INLINE_ITEM::EMPTY_NAME},
+                          {"d= ", INLINE_ITEM::EMPTY_VALUE},    {"=", INLINE_ITEM::EMPTY_NAME},
+                          {"e=5:f", INLINE_ITEM::ASSIGNMENT}};
+    const std::string text = " a = 1 ;bb;; =3;d= ;=;e=5:f";
+    INLINE_TEXT walk(text);
+    EXPECT_EQ(walk.item(), "");
+    INLINE_ITEM kind{};
+    std::string name;
+    std::string value;
+    for (const ITEM& item : items)
+    {
+        ASSERT_TRUE(walk.next(kind, name, value)) << item.text;
+        EXPECT_EQ(walk.item(), item.text);
+        EXPECT_EQ(kind, item.kind) << item.text;
+    }
+    EXPECT_EQ(name, "e");
+    EXPECT_EQ(value, "5:f");
+    EXPECT_FALSE(walk.next(kind, name, value));
+}
 }

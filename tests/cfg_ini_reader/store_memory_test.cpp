@@ -98,6 +98,24 @@ TEST_F(STORE_MEMORY_TEST, answered_questions_allocate_nothing)
     EXPECT_EQ(allocations.since_start(), 0);
 }
 
+TEST_F(STORE_MEMORY_TEST, emptying_gives_everything_back)
+{
+    cfg_close_ini_file();
+    const long before = live_allocations();
+    make_empty_store();
+    cfg_set_value(long_name, long_value);
+    cfg_get_value(other_name);
+    {
+        const STORE_LOCK lock;
+        auto record = std::make_unique<CFG_INI_RECORD>();
+        record->value = long_value;
+        cfg_ini_insert_record("taken over", record.release());
+    }
+    EXPECT_GT(live_allocations(), before);
+    cfg_close_ini_file();
+    EXPECT_EQ(live_allocations(), before);
+}
+
 // --- No more memory ---
 
 TEST_F(STORE_MEMORY_TEST, a_failed_read_of_an_unknown_name_leaves_no_half_made_record)

@@ -9,10 +9,11 @@
 namespace
 {
 constinit thread_local long allocations = 0;
+constinit thread_local long deallocations = 0;
 constinit thread_local long allocations_to_failure = 0;
 constinit thread_local bool failed = false;
 
-void* allocate(std::size_t size)
+void* allocate(std::size_t size, std::size_t alignment)
 {
     ++allocations;
     if (allocations_to_failure > 0 && --allocations_to_failure == 0)
@@ -20,40 +21,65 @@ void* allocate(std::size_t size)
         failed = true;
         throw std::bad_alloc();
     }
-    if (void* const memory = std::malloc(size > 0 ? size : 1))
+    // A multiple of the alignment, as std::aligned_alloc asks for, and never none.
+    const std::size_t rounded = (size / alignment + 1) * alignment;
+    if (void* const memory = std::aligned_alloc(alignment, rounded))
         return memory;
     throw std::bad_alloc();
+}
+
+void release(void* memory)
+{
+    if (memory != nullptr)
+        ++deallocations;
+    std::free(memory);
 }
 }
 
 void* operator new(std::size_t size)
 {
-    return allocate(size);
+    return allocate(size, __STDCPP_DEFAULT_NEW_ALIGNMENT__);
 }
 
 void* operator new[](std::size_t size)
 {
-    return allocate(size);
+    return allocate(size, __STDCPP_DEFAULT_NEW_ALIGNMENT__);
+}
+
+// What the polymorphic memory resources use.
+void* operator new(std::size_t size, std::align_val_t alignment)
+{
+    return allocate(size, static_cast<std::size_t>(alignment));
+}
+
+void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept
+{
+    release(memory);
+}
+
+void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept
+{
+    release(memory);
 }
 
 void operator delete(void* memory) noexcept
 {
-    std::free(memory);
+    release(memory);
 }
 
 void operator delete[](void* memory) noexcept
 {
-    std::free(memory);
+    release(memory);
 }
 
 void operator delete(void* memory, std::size_t /*size*/) noexcept
 {
-    std::free(memory);
+    release(memory);
 }
 
 void operator delete[](void* memory, std::size_t /*size*/) noexcept
 {
-    std::free(memory);
+    release(memory);
 }
 
 ALLOCATION_COUNT::ALLOCATION_COUNT() : start(allocations) {}
@@ -61,6 +87,11 @@ ALLOCATION_COUNT::ALLOCATION_COUNT() : start(allocations) {}
 long ALLOCATION_COUNT::since_start() const
 {
     return allocations - start;
+}
+
+long live_allocations()
+{
+    return allocations - deallocations;
 }
 
 FAILING_ALLOCATION::FAILING_ALLOCATION(long nth)

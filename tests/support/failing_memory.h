@@ -16,6 +16,9 @@ private:
     long start;
 };
 
+// What the calling thread has allocated and not freed; only differences mean something.
+long live_allocations();
+
 // The nth allocation of the calling thread after construction throws std::bad_alloc, once; until destruction.
 class FAILING_ALLOCATION
 {

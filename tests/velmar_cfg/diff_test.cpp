@@ -264,6 +264,18 @@ TEST_F(DIFF, compares_two_projects_each_with_its_own_files)
     EXPECT_EQ(run({"diff", "gpu", "cpu", "--regtest"}).exit_code, 1);
 }
 
+TEST_F(DIFF, finds_a_name_that_is_no_text_in_a_run_report)
+{
+    write_file("cpu/velmar.ini", "a\xff = 1\nb\xff = 1\n");
+    write_file("gpu/velmar.ini", "a\xff = 2\nb\xff = 2\n");
+    ordered_json with_bytes = ordered_json::parse(report);
+    with_bytes["read"][0]["name"] = "A\xef\xbf\xbd";
+    write_file("bytes.json", with_bytes.dump());
+    const nlohmann::json document = run({"diff", "cpu", "gpu", "--used", "bytes.json", "--json"}).json();
+    ASSERT_EQ(document.at("variables").size(), 1);
+    EXPECT_EQ(document.at("variables").at(0).at("name"), R"({"hex": "61ff"})"_json);
+}
+
 TEST_F(DIFF, compares_a_directory_and_a_snapshot_alike)
 {
     write_file("cpu/velmar.ini", "a\xff = x\xc3y\nb = inf\nc = \"\x01\xe2\x82\xac\"\n");

@@ -128,6 +128,14 @@ std::vector<PREFERENCE_DIFFERENCE> compare_preferences(const SNAPSHOT& a, const 
     return differences;
 }
 
+// Hosts write U+FFFD for what is no UTF-8 in a name.
+std::string as_in_run_reports(const std::string& name)
+{
+    using nlohmann::ordered_json;
+    return ordered_json::parse(ordered_json(name).dump(-1, ' ', false, ordered_json::error_handler_t::replace))
+        .get<std::string>();
+}
+
 // --- The rest ---
 
 std::vector<INSTALLATION_DIFFERENCE> compare_installations(const SNAPSHOT& a, const SNAPSHOT& b)
@@ -177,7 +185,7 @@ void keep_what_the_run_read(SNAPSHOT_DIFFERENCES& differences, const RUN_REPORT&
     std::vector<VARIABLE_DIFFERENCE> kept;
     for (VARIABLE_DIFFERENCE& difference : differences.variables)
     {
-        difference.dependence = dependence_on(difference.name, run).kind;
+        difference.dependence = dependence_on(as_in_run_reports(difference.name), run).kind;
         if (difference.dependence == DEPENDENCE::KIND::READ || difference.dependence == DEPENDENCE::KIND::PERHAPS)
             kept.push_back(std::move(difference));
     }

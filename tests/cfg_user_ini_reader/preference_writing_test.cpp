@@ -7,6 +7,7 @@
 
 #include "cfg_ini/cfg_ini.h"
 #include "tests/cfg_user_ini_reader/preference_test.h"
+#include "tests/support/counted_writes.h"
 
 namespace
 {
@@ -226,29 +227,14 @@ TEST_F(PREFERENCE_WRITING_TEST, message_comes_when_the_file_is_open_and_truncate
     EXPECT_EQ(bytes, "");
 }
 
-// How often the process has written to a file so far; empty where the system does not count.
-std::optional<long> write_calls()
-{
-    std::ifstream counters("/proc/self/io");
-    std::string name;
-    for (long count = 0; counters >> name >> count;)
-    {
-        if (name == "syscw:")
-            return count;
-    }
-    return std::nullopt;
-}
-
 TEST_F(PREFERENCE_WRITING_TEST, every_end_of_line_is_flushed)
 {
     ASSERT_TRUE(cfg_set_user_ini_value(WEB_BROWSER, "b"));
     ASSERT_TRUE(cfg_set_user_ini_value(PROXY_USER1, "me"));
     ASSERT_TRUE(cfg_set_user_ini_value(SHOW_MESSAGE_ID, "off"));
-    const std::optional<long> before = write_calls();
-    if (!before)
-        GTEST_SKIP() << "/proc/self/io does not count write calls here";
+    const long before = write_calls();
     EXPECT_TRUE(cfg_write_user_ini_file());
-    EXPECT_EQ(*write_calls() - *before, 7); // two sections of two lines each, three keys
+    EXPECT_EQ(write_calls() - before, 7); // two sections of two lines each, three keys
     EXPECT_EQ(std::ranges::count(preferences(), '\n'), 7);
 }
 

@@ -51,6 +51,12 @@ void refresh_callbacks(const std::string& name)
         notify(entry->second, &CFG_INI_CALLBACK::refresh);
 }
 
+void refresh_callbacks(std::string_view name)
+{
+    if (s_ini_callbacks != nullptr) // most programs have none, and need no string
+        refresh_callbacks(std::string(name));
+}
+
 void reset_callbacks()
 {
     if (s_ini_callbacks == nullptr)

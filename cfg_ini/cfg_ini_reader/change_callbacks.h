@@ -3,6 +3,7 @@
 #define CFG_INI_CFG_INI_READER_CHANGE_CALLBACKS_H
 
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -44,6 +45,7 @@ private:
 
 // Calls refresh() of the callbacks of exactly this name, in registration order.
 void refresh_callbacks(const std::string& name);
+void refresh_callbacks(std::string_view name);
 
 // Calls reset_to_default() of every callback; the names in no fixed order, those of one name in registration order.
 void reset_callbacks();

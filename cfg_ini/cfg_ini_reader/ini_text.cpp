@@ -1,8 +1,12 @@
 #include "cfg_ini/cfg_ini_reader/ini_text.h"
 
 #include <algorithm>
-#include <array>
+#include <bit>
 #include <cctype>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 #include "platform/err/err.h"
 #include "platform/gen/gen.h"
@@ -16,40 +20,97 @@ struct DIVIDED_LINE
     std::size_t equals; // the first "=", or npos when there is none before the end
 };
 
-// The characters at which the scan of a line stops.
-constexpr auto divides = []
+bool divides(char c)
 {
-    std::array<bool, 256> table{};
-    for (const char c : {'"', ';', '#', '=', '/'})
-        table[static_cast<unsigned char>(c)] = true;
-    return table;
-}();
+    return c == '"' || c == ';' || c == '#' || c == '=' || c == '/';
+}
 
-// The one scan of a line. A comment starts at the first ";" or "#" outside double quotes; an unclosed quote reaches to
-// the end of the line. Behind the first "=" a "//" belongs to the value, so that values may hold paths and addresses;
-// before it, it starts a comment too, quoted or not.
-DIVIDED_LINE divide(std::string_view line)
+// The scan of a line, told of each character that divides lines, from left to right. A comment starts at the first ";"
+// or "#" outside double quotes; an unclosed quote reaches to the end of the line. Behind the first "=" a "//" belongs
+// to the value, so that values may hold paths and addresses; before it, it starts a comment too, quoted or not.
+class DIVISION
 {
+public:
+    explicit DIVISION(std::string_view whole_line) : line(whole_line) {}
+
+    // Whether the line ends there.
+    bool ends_at(std::size_t at)
+    {
+        switch (line[at])
+        {
+        case '"':
+            in_quotes = !in_quotes;
+            return false;
+        case '=':
+            equals = std::min(equals, at);
+            return false;
+        case '/':
+            return equals == std::string_view::npos && at + 1 < line.size() && line[at + 1] == '/';
+        default:
+            return !in_quotes;
+        }
+    }
+
+    DIVIDED_LINE ended_at(std::size_t end) const
+    {
+        return {end, equals};
+    }
+
+private:
+    const std::string_view line;
     bool in_quotes = false;
     std::size_t equals = std::string_view::npos;
-    for (std::size_t at = 0; at < line.size(); ++at)
+};
+
+#ifdef __SSE2__
+constexpr std::size_t block_size = 16;
+
+__m128i load_block(const char* from)
+{
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+}
+
+// The characters of a block that divide lines: bit n is that of character n.
+unsigned int dividers_in_block(const char* from)
+{
+    const __m128i block = load_block(from);
+    const auto equal = [block](char c) { return _mm_cmpeq_epi8(block, _mm_set1_epi8(c)); };
+    const __m128i any = _mm_or_si128(
+        _mm_or_si128(_mm_or_si128(equal('"'), equal('#')), _mm_or_si128(equal(';'), equal('='))), equal('/'));
+    return static_cast<unsigned int>(_mm_movemask_epi8(any));
+}
+#endif
+
+DIVIDED_LINE divide(std::string_view line)
+{
+    DIVISION division(line);
+    std::size_t at = 0;
+#ifdef __SSE2__
+    // Whole blocks; the last one reaches back over characters that were seen, which are shifted out.
+    if (line.size() >= block_size)
     {
-        const char c = line[at];
-        if (!divides[static_cast<unsigned char>(c)]) [[likely]]
-            continue;
-        if (c == '"')
-            in_quotes = !in_quotes;
-        else if (c == '=')
-            equals = std::min(equals, at);
-        else if (c == '/')
+        for (std::size_t next = block_size;; next = std::min(next + block_size, line.size()))
         {
-            if (equals == std::string_view::npos && at + 1 < line.size() && line[at + 1] == '/')
-                return {at, equals};
+            const std::size_t from = next - block_size;
+            for (unsigned int found = dividers_in_block(line.data() + from) >> (at - from) << (at - from); found != 0;
+                 found &= found - 1)
+            {
+                const std::size_t divider = from + static_cast<std::size_t>(std::countr_zero(found));
+                if (division.ends_at(divider))
+                    return division.ended_at(divider);
+            }
+            at = next;
+            if (at == line.size())
+                return division.ended_at(at);
         }
-        else if (!in_quotes)
-            return {at, equals};
     }
-    return {line.size(), equals};
+#endif
+    for (; at < line.size(); ++at)
+    {
+        if (divides(line[at]) && division.ends_at(at))
+            return division.ended_at(at);
+    }
+    return division.ended_at(at);
 }
 
 // Visible ASCII is white space in no locale: most characters need no question.
@@ -63,6 +124,30 @@ bool is_white_space(char c)
     return !is_visible_ascii(c) && std::isspace(static_cast<unsigned char>(c)) != 0;
 }
 
+bool is_all_visible_ascii(std::string_view text)
+{
+#ifdef __SSE2__
+    if (text.size() >= block_size)
+    {
+        // Bytes of 0x80 and above are negative. The last block reaches back.
+        const auto is_visible_block = [](const char* from)
+        {
+            const __m128i block = load_block(from);
+            const __m128i visible =
+                _mm_and_si128(_mm_cmpgt_epi8(block, _mm_set1_epi8(' ')), _mm_cmplt_epi8(block, _mm_set1_epi8('~' + 1)));
+            return _mm_movemask_epi8(visible) == 0xFFFF;
+        };
+        for (std::size_t at = 0; at + block_size < text.size(); at += block_size)
+        {
+            if (!is_visible_block(text.data() + at))
+                return false;
+        }
+        return is_visible_block(text.data() + text.size() - block_size);
+    }
+#endif
+    return std::ranges::all_of(text, is_visible_ascii);
+}
+
 // `text` without the blanks and tabs, white space to anyone, at its ends.
 std::string_view without_outer_blanks(std::string_view text)
 {
@@ -74,14 +159,6 @@ std::string_view without_outer_blanks(std::string_view text)
     return text;
 }
 
-// The platform's trimming of `text`, which is asked only where taking blanks and tabs off does not settle it.
-void assign_trimmed(std::string& to, std::string_view text)
-{
-    text = without_outer_blanks(text);
-    to.assign(text);
-    if (!text.empty() && !(is_visible_ascii(text.front()) && is_visible_ascii(text.back())))
-        to = gen_remove_leading_and_trailing_white_spaces(to);
-}
 }
 
 void cfg_remove_commented_portion(std::string* line)
@@ -96,11 +173,11 @@ void cfg_trim_string(std::string* str)
         err_report_internal_error("str != NULL", "CFG_INI", "cfg_ini/cfg_ini_reader", 228);
         return;
     }
-    if (!std::ranges::all_of(*str, is_visible_ascii))
+    if (!is_all_visible_ascii(*str))
         std::erase_if(*str, is_white_space);
 }
 
-SETTINGS_LINE parse_settings_line(std::string_view line, std::string& name, std::string& value)
+SETTINGS_LINE parse_settings_line(std::string_view line, LINE_ASSIGNMENT& assignment)
 {
     // A carriage return counts. The one shorter line with an effect, intended: "=5" sets the variable of empty name.
     constexpr std::size_t shortest = 3;
@@ -112,10 +189,35 @@ SETTINGS_LINE parse_settings_line(std::string_view line, std::string& name, std:
     if (equals == std::string_view::npos)
         return SETTINGS_LINE::NO_EQUALS_SIGN;
 
-    name.assign(without_outer_blanks(line.substr(0, equals)));
-    cfg_trim_string(&name);
-    assign_trimmed(value, line.substr(equals + 1, end - equals - 1));
+    assignment.name = without_outer_blanks(line.substr(0, equals));
+    if (!is_all_visible_ascii(assignment.name))
+    {
+        assignment.changed_name = assignment.name;
+        cfg_trim_string(&assignment.changed_name);
+        assignment.name = assignment.changed_name;
+    }
+
+    // The platform's trimming is asked only where taking blanks and tabs off does not settle it.
+    assignment.value = without_outer_blanks(line.substr(equals + 1, end - equals - 1));
+    if (!assignment.value.empty() &&
+        !(is_visible_ascii(assignment.value.front()) && is_visible_ascii(assignment.value.back())))
+    {
+        assignment.changed_value = gen_remove_leading_and_trailing_white_spaces(std::string(assignment.value));
+        assignment.value = assignment.changed_value;
+    }
     return SETTINGS_LINE::ASSIGNMENT;
+}
+
+SETTINGS_LINE parse_settings_line(std::string_view line, std::string& name, std::string& value)
+{
+    LINE_ASSIGNMENT assignment;
+    const SETTINGS_LINE kind = parse_settings_line(line, assignment);
+    if (kind == SETTINGS_LINE::ASSIGNMENT)
+    {
+        name = assignment.name;
+        value = assignment.value;
+    }
+    return kind;
 }
 
 char cfg_find_separator_in_ini_string(const std::string& text)

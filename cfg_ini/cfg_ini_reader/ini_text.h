@@ -22,10 +22,22 @@ enum class SETTINGS_LINE
     NO_EQUALS_SIGN, // ignored: no "=" once the comment is removed
 };
 
-// Takes a line, its newline removed, apart; `name` and `value` are set only for an assignment. Everything before the
-// first
-// "=" is the name, white space removed throughout; everything between it and the comment the value, trimmed at its
-// ends. Either may be empty.
+// What a settings line assigns: parts of the line or, where characters had to go from within, of the two strings; valid
+// until either changes.
+struct LINE_ASSIGNMENT
+{
+    std::string_view name;
+    std::string_view value;
+    std::string changed_name;
+    std::string changed_value;
+};
+
+// Takes a line, its newline removed, apart; the assignment is set only if it is one. Everything before the first "=" is
+// the name, white space removed throughout; everything between it and the comment the value, trimmed at its ends.
+// Either may be empty.
+SETTINGS_LINE parse_settings_line(std::string_view line, LINE_ASSIGNMENT& assignment);
+
+// The same into strings.
 SETTINGS_LINE parse_settings_line(std::string_view line, std::string& name, std::string& value);
 
 // The separator of an inline text: its first ":" or ";", or ";" when it has neither.

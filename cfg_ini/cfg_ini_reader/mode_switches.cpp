@@ -12,58 +12,58 @@ namespace
 constinit std::atomic<bool> cfg_force_vexe_mode_off_var = false;
 constinit std::atomic<bool> cfg_vexe_ini_applied_var = false;
 
-struct REMEMBERED_ANSWER
+// The answer of a question that is asked of the settings once.
+enum class ANSWER : unsigned char
 {
-    std::atomic<bool> initialised = false;
-    std::atomic<bool> value = false;
-
-    bool known() const
-    {
-        return initialised.load(std::memory_order_acquire);
-    }
-    bool get() const
-    {
-        return value.load(std::memory_order_relaxed);
-    }
-    void remember(bool answer)
-    {
-        value.store(answer, std::memory_order_relaxed);
-        initialised.store(true, std::memory_order_release);
-    }
+    UNKNOWN,
+    NO,
+    YES
 };
+using REMEMBERED_ANSWER = std::atomic<ANSWER>;
+
+ANSWER answer_of(bool yes)
+{
+    return yes ? ANSWER::YES : ANSWER::NO;
+}
 
 // Racing first callers may each compute the answer; intended, the question is not worth a lock.
-bool answer_of_variable(REMEMBERED_ANSWER& answer, const char* variable, void (*when_first_on)() = nullptr)
+bool answer_of_variable(REMEMBERED_ANSWER& remembered, const char* variable, void (*when_first_on)() = nullptr)
 {
-    if (answer.known())
-        return answer.get();
+    if (const ANSWER answer = remembered.load(std::memory_order_acquire); answer != ANSWER::UNKNOWN) [[likely]]
+        return answer == ANSWER::YES;
     const bool value = cfg_is_on(variable);
     if (value && when_first_on != nullptr)
         when_first_on();
-    answer.remember(value);
+    remembered.store(answer_of(value), std::memory_order_release);
     return value;
 }
 
 // Racing first callers wait for one computation, under the store's own lock: a guard of another kind could be waited
 // for by a callback, which holds that lock, while the guard's owner waits for the lock.
-void decide_mode_once(REMEMBERED_ANSWER& mode, const char* disabling_variable)
+ANSWER decide_mode_once(REMEMBERED_ANSWER& mode, const char* disabling_variable)
 {
     const STORE_LOCK lock;
-    if (mode.known())
-        return;
+    ANSWER decided = mode.load(std::memory_order_relaxed);
+    if (decided != ANSWER::UNKNOWN)
+        return decided;
     const bool value = !cfg_is_on(disabling_variable);
     // Known by now if this was the first reading of the settings and a callback that it told asked as well.
-    // cppcheck-suppress identicalConditionAfterEarlyExit
-    if (!mode.known())
-        mode.remember(value);
+    decided = mode.load(std::memory_order_relaxed);
+    if (decided == ANSWER::UNKNOWN)
+    {
+        decided = answer_of(value);
+        mode.store(decided, std::memory_order_release);
+    }
+    return decided;
 }
 
 // A mode is on unless its disabling variable is, or all modes were forced off.
 bool mode_not_disabled_by(REMEMBERED_ANSWER& mode, const char* disabling_variable)
 {
-    if (!mode.known()) [[unlikely]]
-        decide_mode_once(mode, disabling_variable);
-    return mode.get() && !cfg_force_vexe_mode_off_var.load(std::memory_order_relaxed);
+    ANSWER answer = mode.load(std::memory_order_acquire);
+    if (answer == ANSWER::UNKNOWN) [[unlikely]]
+        answer = decide_mode_once(mode, disabling_variable);
+    return answer == ANSWER::YES && !cfg_force_vexe_mode_off_var.load(std::memory_order_relaxed);
 }
 
 struct DEBUG_SETTINGS
@@ -94,38 +94,38 @@ bool cfg_is_vexe_ini_applied()
 
 bool cfg_jtag_auto_config()
 {
-    static constinit REMEMBERED_ANSWER answer;
+    static constinit REMEMBERED_ANSWER answer = ANSWER::UNKNOWN;
     return answer_of_variable(answer, OWN_VARIABLE::jtag_auto_config);
 }
 
 bool cfg_is_jtag_server_mode()
 {
-    static constinit REMEMBERED_ANSWER answer;
+    static constinit REMEMBERED_ANSWER answer = ANSWER::UNKNOWN;
     return answer_of_variable(answer, OWN_VARIABLE::jtag_server_mode);
 }
 
 bool cfg_is_benchmarking_mode()
 {
-    static constinit REMEMBERED_ANSWER answer;
+    static constinit REMEMBERED_ANSWER answer = ANSWER::UNKNOWN;
     return answer_of_variable(answer, OWN_VARIABLE::enable_benchmarking_mode,
                               [] { ini_debug_message("Benchmarking Mode Enabled"); });
 }
 
 bool cfg_is_vexe_mode()
 {
-    static constinit REMEMBERED_ANSWER mode;
+    static constinit REMEMBERED_ANSWER mode = ANSWER::UNKNOWN;
     return mode_not_disabled_by(mode, OWN_VARIABLE::disable_vexe_mode);
 }
 
 bool cfg_is_vexe_cmd_mode()
 {
-    static constinit REMEMBERED_ANSWER mode;
+    static constinit REMEMBERED_ANSWER mode = ANSWER::UNKNOWN;
     return mode_not_disabled_by(mode, OWN_VARIABLE::disable_vexe_cmd_mode);
 }
 
 bool cfg_is_vexe_rpt_mode()
 {
-    static constinit REMEMBERED_ANSWER mode;
+    static constinit REMEMBERED_ANSWER mode = ANSWER::UNKNOWN;
     return mode_not_disabled_by(mode, OWN_VARIABLE::disable_vexe_rpt_mode);
 }
 

@@ -27,10 +27,8 @@ const MEM_INITIALIZER mem_initializer("CFG_INI");
 constexpr std::size_t usual_line_length = 40;
 constexpr std::size_t most_reserved = std::size_t{1} << 22;
 
-using INSERT = void(const std::string& name, const std::string& value);
-
-// Stores every assignment of the file `path` and remembers the path, if the file opens.
-void read_lines(const std::string& path, char (&path_buffer)[longest_path + 1], INSERT* insert)
+// Stores every assignment of the file `path`, as external ones or not, and remembers the path, if the file opens.
+void read_lines(const std::string& path, char (&path_buffer)[longest_path + 1], bool external)
 {
     SETTINGS_LINES lines(path);
     if (!lines.opened())
@@ -43,12 +41,11 @@ void read_lines(const std::string& path, char (&path_buffer)[longest_path + 1], 
             reserve_records(std::min(lines.size_hint() / usual_line_length, most_reserved));
     }
     std::string_view line;
-    std::string name;
-    std::string value;
+    LINE_ASSIGNMENT assignment;
     while (lines.next(line))
     {
-        if (parse_settings_line(line, name, value) == SETTINGS_LINE::ASSIGNMENT)
-            insert(name, value);
+        if (parse_settings_line(line, assignment) == SETTINGS_LINE::ASSIGNMENT)
+            store_setting(assignment.name, assignment.value, external);
     }
 }
 
@@ -61,7 +58,7 @@ void replace_store(const std::string& path)
     discard_store(); // a callback told of the emptying may have read a variable, and so have made a store
     cfg_ini_file.store(new CFG_INI_TABLE, std::memory_order_release);
     if (FIO_FILE_SYSTEM::exists(path.c_str()))
-        read_lines(path, cfg_current_velmar_ini_path_name, cfg_ini_insert_element_external_ini);
+        read_lines(path, cfg_current_velmar_ini_path_name, true);
     lock.unlock();
 }
 }
@@ -100,7 +97,7 @@ void cfg_read_default_ini_file()
 void cfg_read_regtest_ini_file(const std::string& path)
 {
     if (FIO_FILE_SYSTEM::exists(path.c_str()))
-        read_lines(path, cfg_current_regtest_ini_path_name, cfg_ini_insert_element);
+        read_lines(path, cfg_current_regtest_ini_path_name, false);
 }
 
 void cfg_read_and_append_environment_ini_file(const std::string& path)
@@ -111,7 +108,7 @@ void cfg_read_and_append_environment_ini_file(const std::string& path)
         return;
     }
     if (FIO_FILE_SYSTEM::exists(path.c_str()))
-        read_lines(path, cfg_current_appended_environment_ini_path_name, cfg_ini_insert_element);
+        read_lines(path, cfg_current_appended_environment_ini_path_name, false);
 }
 
 void cfg_read_project_ini_file(const char* proj_dirpath, bool regtest)

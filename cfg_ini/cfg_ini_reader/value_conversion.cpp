@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
 
 #include "platform/gen/gen.h"
@@ -19,11 +20,11 @@ std::size_t short_length(const char* text)
     return length;
 }
 
-// Whether `text`, of the word's length, is the word in some letter case. The first letter settles nearly every text:
-// the words are in lower case, 0x20 is what separates the cases of a letter, and digits have it.
-bool is_word(const char* text, const char* word)
+// Whether `text`, of the word's length, is the word in some letter case; it mostly is the word as it stands.
+template <std::size_t SIZE>
+bool is_word(const char* text, const char (&word)[SIZE])
 {
-    return (*text | 0x20) == *word && gen_stricmp(text, word) == 0;
+    return std::memcmp(text, word, SIZE) == 0 || gen_stricmp(text, word) == 0;
 }
 
 // Whether `text` is as a whole a decimal number of type T; *value is written only then. Any number of leading zeros may
@@ -60,26 +61,37 @@ std::optional<T> whole_number(const char* text)
 
 bool cfg_ini_convert_to_bool(const char* text, bool* value)
 {
-    // A word is known by its length, but for the two digits.
+    *value = false;
+    // The first character settles most texts, the length nearly all others.
+    switch (*text)
+    {
+    case '0':
+    case '1':
+        *value = *text == '1' && text[1] == '\0';
+        return text[1] == '\0';
+    case 'o':
+    case 'O':
+    case 't':
+    case 'T':
+    case 'f':
+    case 'F':
+        break;
+    default:
+        return false;
+    }
     switch (short_length(text))
     {
-    case 1:
-        *value = is_word(text, "1");
-        return *value || is_word(text, "0");
     case 2:
         *value = is_word(text, "on");
         return *value;
     case 3:
-        *value = false;
         return is_word(text, "off");
     case 4:
         *value = is_word(text, "true");
         return *value;
     case 5:
-        *value = false;
         return is_word(text, "false");
     default:
-        *value = false;
         return false;
     }
 }

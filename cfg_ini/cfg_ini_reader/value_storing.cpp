@@ -9,7 +9,7 @@
 
 namespace
 {
-void set_value(CFG_INI_RECORD& record, const std::string& value)
+void set_value(CFG_INI_RECORD& record, std::string_view value)
 {
     record.value = value;
     const char* const text = record.value.c_str();
@@ -26,7 +26,9 @@ void set_value(CFG_INI_RECORD& record, const std::string& value)
     record.had_valid_read = false;
 }
 
-void store_assignment(const std::string& name, const std::string& value, bool external)
+// NAME is std::string or std::string_view.
+template <typename NAME>
+void store_assignment(const NAME& name, std::string_view value, bool external)
 {
     const SOUGHT_NAME sought(name);
     NOTIFYING_STORE_LOCK lock(lock_existing_store());
@@ -48,6 +50,11 @@ void cfg_ini_insert_element(const std::string& name, const std::string& value)
 void cfg_ini_insert_element_external_ini(const std::string& name, const std::string& value)
 {
     store_assignment(name, value, true);
+}
+
+void store_setting(std::string_view name, std::string_view value, bool external)
+{
+    store_assignment(name, value, external);
 }
 
 void cfg_process_ini_string(const std::string& text, bool internal)

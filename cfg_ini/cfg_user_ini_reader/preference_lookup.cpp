@@ -97,9 +97,11 @@ bool is_catalogue_spelling(CFG_USER_INI_ENUMS preference, const char* name)
 }
 
 // The memory for the running release's record of a preference that has triples; null when it cannot be used.
-REMEMBERED_RECORD* memory_for(CFG_USER_INI_ENUMS preference, const char* name, const std::string& version)
+// `versions` is what a search would walk, null when it would walk nothing.
+REMEMBERED_RECORD* memory_for(CFG_USER_INI_ENUMS preference, const char* name, const std::string& version,
+                              const std::vector<std::string>* versions)
 {
-    return is_catalogue_spelling(preference, name) ? remembered_record(preference, version) : nullptr;
+    return is_catalogue_spelling(preference, name) ? remembered_record(preference, version, versions) : nullptr;
 }
 
 // The value in the file, carried over where the running release's section is missing; empty when there is none.
@@ -116,11 +118,16 @@ std::string value_in_file(const char* bare_section, const char* name, const std:
     CFG_USER_VALUE_STRUCT* const record = find_record(current);
     // A file that has the running release's section has had it saved: what is missing there is meant to be.
     const bool carries_over = record == nullptr && !cfg_user_ini_sections_read->contains(current.section());
-    if (memory != nullptr && !carries_over)
-        *memory = {record, searched};
+    std::string value;
     if (record != nullptr)
-        return record->value;
-    return carries_over ? carried_over_value(bare_section, name, versions) : std::string();
+        value = record->value;
+    else if (carries_over)
+        value = carried_over_value(bare_section, name, versions);
+    // A value that was carried over but refused for the running release has to be found again each time.
+    const bool settled = !carries_over || (value.empty() && cfg_user_ini_records->size() + 1 == searched);
+    if (memory != nullptr && settled)
+        *memory = {record, searched};
+    return value;
 }
 
 // `name` is the key in the spelling under which its records are looked for.
@@ -133,7 +140,8 @@ std::string look_up(CFG_USER_INI_ENUMS preference, const char* name, bool use_de
 
     std::string value;
     if (triple != nullptr)
-        value = value_in_file(triple->section, name, version, versions, memory_for(preference, name, version));
+        value =
+            value_in_file(triple->section, name, version, versions, memory_for(preference, name, version, &versions));
     if (value.empty() && use_default)
         value = cfg_user_ini_name_default_values[preference_position(preference)].second;
     return value;
@@ -168,7 +176,7 @@ bool assign(CFG_USER_INI_ENUMS preference, const char* name, const char* value)
     if (triple == nullptr)
         return false;
 
-    REMEMBERED_RECORD* const memory = memory_for(preference, name, version);
+    REMEMBERED_RECORD* const memory = memory_for(preference, name, version, nullptr);
     if (memory != nullptr && memory->record != nullptr)
         memory->record->value = value;
     else

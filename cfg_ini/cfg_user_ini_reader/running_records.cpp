@@ -9,8 +9,16 @@ constinit std::array<REMEMBERED_RECORD, CFG_USER_INI_ENUMS_END + 1> remembered =
 constinit std::array<char, 32> remembered_version = {};
 }
 
-REMEMBERED_RECORD* remembered_record(CFG_USER_INI_ENUMS preference, const std::string& version)
+REMEMBERED_RECORD* remembered_record(CFG_USER_INI_ENUMS preference, const std::string& version,
+                                     const std::vector<std::string>* versions)
 {
+    // Never destroyed: preferences may still be asked for when static objects are gone.
+    static std::vector<std::string>& remembered_versions = *new std::vector<std::string>;
+    if (versions != nullptr && *versions != remembered_versions)
+    {
+        forget_running_records();
+        remembered_versions = *versions;
+    }
     if (version.compare(remembered_version.data()) != 0)
     {
         if (version.size() >= remembered_version.size())

@@ -1,12 +1,14 @@
 // The running release's record of each preference, remembered by number once the map was searched for it.
 //
 // What it answers is what the map of records would answer. It rests on records never leaving the map before all are
-// unloaded: a record that was found stays, and one that was missed is missed until the map grows.
+// unloaded: a record that was found stays, and one that was missed, in the sections of other releases as well where
+// those are searched, is missed until the map grows.
 #ifndef CFG_INI_CFG_USER_INI_READER_RUNNING_RECORDS_H
 #define CFG_INI_CFG_USER_INI_READER_RUNNING_RECORDS_H
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "cfg_ini/cfg_ini.h"
 
@@ -19,8 +21,10 @@ struct REMEMBERED_RECORD
 };
 
 // What is remembered of the record under the catalogue's own spelling of the preference's key, while `version` is the
-// running release. The entry may be written. Null for a release whose name is too long to keep.
-REMEMBERED_RECORD* remembered_record(CFG_USER_INI_ENUMS preference, const std::string& version);
+// running release and, unless null, `versions` are the known ones. The entry may be written. Null for a running release
+// whose name is too long to keep.
+REMEMBERED_RECORD* remembered_record(CFG_USER_INI_ENUMS preference, const std::string& version,
+                                     const std::vector<std::string>* versions);
 
 // Forgets everything; to be called whenever the map is made or freed.
 void forget_running_records();

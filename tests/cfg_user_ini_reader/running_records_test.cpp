@@ -104,3 +104,35 @@ TEST_F(RUNNING_RECORDS_TEST, another_running_release_is_not_answered_from_memory
     fake::ver::set_version("23.4");
     EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "off");
 }
+
+TEST_F(RUNNING_RECORDS_TEST, another_list_of_known_releases_is_not_answered_from_memory)
+{
+    write_preferences("[Messages 23.2_pro]\nSHOW_MESSAGE_ID = off\n");
+    fake::ver::set_version("23.4");
+    fake::ver::set_all_versions({"23.4", "23.3"});
+    EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "on"); // the default
+    EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "on");
+    fake::ver::set_all_versions({"23.4", "23.2"});
+    EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "off");
+}
+
+TEST_F(RUNNING_RECORDS_TEST, a_refused_older_value_is_carried_over_each_time)
+{
+    write_preferences("[Messages 23.3_pro]\nSHOW_MESSAGE_ID = maybe\n");
+    fake::ver::set_version("23.4");
+    fake::ver::set_all_versions({"23.4", "23.3"});
+    for (int time = 0; time < 3; ++time)
+        EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "maybe");
+}
+
+TEST_F(RUNNING_RECORDS_TEST, what_an_assignment_of_another_preference_brings_is_found)
+{
+    write_preferences("");
+    fake::ver::set_version("23.4");
+    fake::ver::set_all_versions({"23.4", "23.3"});
+    EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "on"); // the default
+    EXPECT_TRUE(cfg_set_user_ini_value("show_message_id", "off"));
+    EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "on"); // a record of another spelling
+    EXPECT_TRUE(cfg_set_user_ini_value("SHOW_MESSAGE_ID", "off"));
+    EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "off");
+}

@@ -3,12 +3,10 @@
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 
 constinit CFG_INI_CALLBACK_REGISTRY* s_ini_callbacks = nullptr;
+constinit int notifications = 0;
 
 namespace
 {
-// How many notifications are under way, those that an exception ended included. Guarded by the lock.
-constinit int notifications = 0;
-
 THR_MUTEX* locked_store_mutex()
 {
     THR_MUTEX* const mutex = store_mutex();
@@ -28,20 +26,6 @@ void notify(const std::vector<CFG_INI_CALLBACK*>& callbacks, NOTIFICATION notifi
 }
 
 NOTIFYING_STORE_LOCK::NOTIFYING_STORE_LOCK() : NOTIFYING_STORE_LOCK(locked_store_mutex()) {}
-
-NOTIFYING_STORE_LOCK::NOTIFYING_STORE_LOCK(THR_MUTEX* held) : mutex(held), notifications_around(notifications) {}
-
-NOTIFYING_STORE_LOCK::~NOTIFYING_STORE_LOCK()
-{
-    if (mutex != nullptr && notifications == notifications_around)
-        thr_mutex_unlock(mutex);
-}
-
-void NOTIFYING_STORE_LOCK::unlock()
-{
-    thr_mutex_unlock(mutex);
-    mutex = nullptr;
-}
 
 void refresh_callbacks(const std::string& name)
 {

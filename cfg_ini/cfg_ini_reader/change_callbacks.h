@@ -16,6 +16,9 @@ using CFG_INI_CALLBACK_REGISTRY = std::unordered_map<std::string, std::vector<CF
 // freed (it outlives every store and static object). Guarded by the store's lock.
 extern constinit CFG_INI_CALLBACK_REGISTRY* s_ini_callbacks;
 
+// How many notifications are under way, those that an exception ended included. Guarded by the lock.
+extern constinit int notifications;
+
 // Holds the store's lock for a scope that may notify callbacks. Any exception releases the lock, but for one that came
 // out of a callback: that one leaves it held, once for each of these scopes that it passes. Intended: the store is not
 // in a state that other threads should see while a host object failed half-way, and hosts end the process then.
@@ -26,12 +29,20 @@ public:
     NOTIFYING_STORE_LOCK();
 
     // Takes over one hold of the lock from the caller.
-    explicit NOTIFYING_STORE_LOCK(THR_MUTEX* held);
+    explicit NOTIFYING_STORE_LOCK(THR_MUTEX* held) : mutex(held), notifications_around(notifications) {}
 
-    ~NOTIFYING_STORE_LOCK();
+    ~NOTIFYING_STORE_LOCK()
+    {
+        if (mutex != nullptr && notifications == notifications_around)
+            thr_mutex_unlock(mutex);
+    }
 
     // Ends the hold; every path that is left without an exception must call it.
-    void unlock();
+    void unlock()
+    {
+        thr_mutex_unlock(mutex);
+        mutex = nullptr;
+    }
 
     NOTIFYING_STORE_LOCK(const NOTIFYING_STORE_LOCK&) = delete;
     NOTIFYING_STORE_LOCK& operator=(const NOTIFYING_STORE_LOCK&) = delete;

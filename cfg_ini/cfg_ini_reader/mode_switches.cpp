@@ -40,7 +40,7 @@ bool answer_of_variable(REMEMBERED_ANSWER& remembered, const char* variable, voi
 
 // Racing first callers wait for one computation, under the store's own lock: a guard of another kind could be waited
 // for by a callback, which holds that lock, while the guard's owner waits for the lock.
-ANSWER decide_mode_once(REMEMBERED_ANSWER& mode, const char* disabling_variable)
+[[gnu::noinline]] ANSWER decide_mode_once(REMEMBERED_ANSWER& mode, const char* disabling_variable)
 {
     const STORE_LOCK lock;
     ANSWER decided = mode.load(std::memory_order_relaxed);
@@ -58,7 +58,7 @@ ANSWER decide_mode_once(REMEMBERED_ANSWER& mode, const char* disabling_variable)
 }
 
 // A mode is on unless its disabling variable is, or all modes were forced off.
-bool mode_not_disabled_by(REMEMBERED_ANSWER& mode, const char* disabling_variable)
+[[gnu::always_inline]] inline bool mode_not_disabled_by(REMEMBERED_ANSWER& mode, const char* disabling_variable)
 {
     ANSWER answer = mode.load(std::memory_order_acquire);
     if (answer == ANSWER::UNKNOWN) [[unlikely]]

@@ -14,17 +14,23 @@
 
 struct CFG_INI_RECORD;
 
-struct RECENT_NAME
+// One name as it was spelt in a lookup; fills a cache line, so that a lookup touches this one and the record's.
+struct alignas(64) RECENT_NAME
 {
-    const char* characters; // of the key in the table
-    std::size_t length;
-    CFG_INI_RECORD* record; // null: nothing remembered
+    static constexpr std::size_t longest = 51; // longer names are not remembered
+
+    CFG_INI_RECORD* record;
+    std::uint32_t epoch; // what is remembered holds while this is the current one
+    std::uint8_t length;
+    char characters[longest];
 };
+static_assert(sizeof(RECENT_NAME) == 64);
 
 inline constexpr unsigned int recent_bits = 12;
 
-// Guarded by the store's lock. Sized so that a thousand names in use seldom push each other out.
+// Both guarded by the store's lock. As many names that a thousand in use seldom push each other out.
 extern constinit RECENT_NAME recent_names[1U << recent_bits];
+extern constinit std::uint32_t recent_epoch; // never 0
 
 // A name to be looked up: its place among the recent names, worked out, and its memory asked for, ahead of the lock.
 class SOUGHT_NAME
@@ -39,18 +45,13 @@ public:
     // The record remembered for the name, or null. The caller holds the lock.
     CFG_INI_RECORD* recent() const
     {
-        const bool same = place->length == text.size() && place->record != nullptr &&
-                          (equal_bytes(place->characters, text.data(), text.size()) ||
-                           equal_folded(place->characters, text.data(), text.size()));
+        const bool same = place->epoch == recent_epoch && place->length == text.size() &&
+                          equal_bytes(place->characters, text.data(), text.size());
         return same ? place->record : nullptr;
     }
 
-    // Remembers where the name was found: under `key`, which lives as long as the table. The caller holds the lock.
-    CFG_INI_RECORD* remember(std::string_view key, CFG_INI_RECORD* record) const
-    {
-        *place = {key.data(), key.size(), record};
-        return record;
-    }
+    // Remembers the record that the name was found to have. The caller holds the lock.
+    CFG_INI_RECORD* remember(CFG_INI_RECORD* record) const;
 
     const std::string_view text;
 
@@ -76,11 +77,15 @@ private:
         return mix >> (64 - recent_bits);
     }
 
-    // A name is mostly spelt as it was before.
     static bool equal_bytes(const char* a, const char* b, std::size_t length)
     {
         if (length < 8)
-            return std::memcmp(a, b, length) == 0;
+        {
+            if (length < 4)
+                return std::memcmp(a, b, length) == 0;
+            return first_of<std::uint32_t>(a) == first_of<std::uint32_t>(b) &&
+                   first_of<std::uint32_t>(a + length - 4) == first_of<std::uint32_t>(b + length - 4);
+        }
         for (std::size_t at = 0; at + 8 < length; at += 8)
         {
             if (first_of<std::uint64_t>(a + at) != first_of<std::uint64_t>(b + at))

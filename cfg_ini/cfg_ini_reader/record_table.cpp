@@ -45,17 +45,15 @@ CFG_INI_RECORD* find_record_in_table(const SOUGHT_NAME& name)
 {
     const CFG_INI_TABLE& table = *cfg_ini_file.load(std::memory_order_relaxed);
     const auto entry = table.find(HASHED_NAME(name.text));
-    return entry == table.end() ? nullptr : name.remember(entry->first, entry->second);
+    return entry == table.end() ? nullptr : name.remember(entry->second);
 }
 
-CFG_INI_RECORD& find_or_insert_record(const SOUGHT_NAME& name)
+CFG_INI_RECORD& find_or_insert_record_in_table(std::string_view name)
 {
-    if (CFG_INI_RECORD* const record = name.recent(); record != nullptr)
-        return *record;
     CFG_INI_TABLE& table = *cfg_ini_file.load(std::memory_order_relaxed);
-    const auto [entry, is_new] = table.try_emplace(std::string(name.text), nullptr);
+    const auto [entry, is_new] = table.try_emplace(std::string(name), nullptr);
     if (!is_new)
-        return *name.remember(entry->first, entry->second);
+        return *entry->second;
     try
     {
         entry->second = table.make_record();
@@ -65,7 +63,7 @@ CFG_INI_RECORD& find_or_insert_record(const SOUGHT_NAME& name)
         table.erase(entry);
         throw;
     }
-    return *name.remember(entry->first, entry->second);
+    return *entry->second;
 }
 
 CFG_INI_RECORD* cfg_ini_get_record(const std::string& name)

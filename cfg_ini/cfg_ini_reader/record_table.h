@@ -2,13 +2,14 @@
 #ifndef CFG_INI_CFG_INI_READER_RECORD_TABLE_H
 #define CFG_INI_CFG_INI_READER_RECORD_TABLE_H
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <memory_resource>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -16,8 +17,9 @@
 #include "cfg_ini/cfg_ini_reader/recent_names.h"
 #include "platform/thr/thr.h"
 
-// One internal variable. Guarded by the store's lock; owned by the table until the table is destroyed.
-struct CFG_INI_RECORD
+// One internal variable. Fills a cache line: a lookup in a large store is the price of the lines it touches. Guarded by
+// the store's lock; owned by the table until the table is destroyed.
+struct alignas(64) CFG_INI_RECORD
 {
     std::string value;
     std::uint64_t access_count; // counted lookups; the lookup that creates the record is not one of them
@@ -60,7 +62,9 @@ inline unsigned int CFG_INI_RECORD::get_cached_value<unsigned int>(bool& valid) 
 struct CFG_INI_TABLE_MEMORY
 {
     std::pmr::monotonic_buffer_resource entry_memory;
-    std::deque<CFG_INI_RECORD> records;
+    std::vector<std::unique_ptr<CFG_INI_RECORD[]>> record_blocks;
+    std::size_t last_block_size = 0;
+    std::size_t last_block_used = 0;
     std::vector<std::unique_ptr<CFG_INI_RECORD>> adopted_records;
 };
 
@@ -75,13 +79,26 @@ public:
     // A new value-initialised record, which lives as long as the table.
     CFG_INI_RECORD* make_record()
     {
-        return &records.emplace_back();
+        if (last_block_used == last_block_size) [[unlikely]]
+            add_record_block();
+        return &record_blocks.back()[last_block_used++];
     }
 
     // Takes over a record that the caller made with new.
     void adopt(CFG_INI_RECORD* record)
     {
         adopted_records.emplace_back(record);
+    }
+
+private:
+    void add_record_block()
+    {
+        constexpr std::size_t smallest = 32;
+        constexpr std::size_t largest = 2048;
+        const std::size_t size = std::clamp(2 * last_block_size, smallest, largest);
+        record_blocks.push_back(std::make_unique<CFG_INI_RECORD[]>(size));
+        last_block_size = size;
+        last_block_used = 0;
     }
 };
 
@@ -141,7 +158,14 @@ CFG_INI_RECORD* cfg_ini_get_record(const std::string& name);
 void cfg_ini_insert_record(const std::string& name, CFG_INI_RECORD* record);
 
 // The record of that name, or a new empty one; counts nothing.
-CFG_INI_RECORD& find_or_insert_record(const SOUGHT_NAME& name);
+CFG_INI_RECORD& find_or_insert_record_in_table(std::string_view name);
+
+// The same, looking among the names found last before it asks the table.
+inline CFG_INI_RECORD& find_or_insert_record(const SOUGHT_NAME& name)
+{
+    CFG_INI_RECORD* const recent = name.recent();
+    return *(recent != nullptr ? recent : name.remember(&find_or_insert_record_in_table(name.text)));
+}
 
 // The record of that name, one access counted; or a new empty record, with no access counted. Not counting the lookup
 // that creates the record is intended: by this difference of one the usage reports tell a variable that a source set
@@ -153,7 +177,7 @@ inline CFG_INI_RECORD& find_counted_or_insert_record(const SOUGHT_NAME& name)
         ++record->access_count;
         return *record;
     }
-    return find_or_insert_record(name);
+    return *name.remember(&find_or_insert_record_in_table(name.text));
 }
 CFG_INI_RECORD* cfg_ini_get_record_or_insert_empty(const std::string& name);
 

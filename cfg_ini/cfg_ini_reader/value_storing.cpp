@@ -26,19 +26,24 @@ void set_value(CFG_INI_RECORD& record, std::string_view value)
     record.had_valid_read = false;
 }
 
-// NAME is std::string or std::string_view.
-template <typename NAME>
-void store_assignment(const NAME& name, std::string_view value, bool external)
+// `find` gives the record, with the lock held. NAME is std::string or std::string_view.
+template <typename NAME, typename FIND>
+void store_assignment(const NAME& name, std::string_view value, bool external, FIND find)
 {
-    const SOUGHT_NAME sought(name);
     NOTIFYING_STORE_LOCK lock(lock_existing_store());
-    CFG_INI_RECORD& record = find_or_insert_record(sought);
+    CFG_INI_RECORD& record = find();
     set_value(record, value);
     if (external)
         record.external = true;
     refresh_callbacks(name); // may set other variables; the record stays where it is
     cfg_ini_dirty = true;
     lock.unlock();
+}
+
+void store_assignment(const std::string& name, const std::string& value, bool external)
+{
+    const SOUGHT_NAME sought(name);
+    store_assignment(name, value, external, [&sought]() -> CFG_INI_RECORD& { return find_or_insert_record(sought); });
 }
 }
 
@@ -54,7 +59,9 @@ void cfg_ini_insert_element_external_ini(const std::string& name, const std::str
 
 void store_setting(std::string_view name, std::string_view value, bool external)
 {
-    store_assignment(name, value, external);
+    // A file's names are mostly new, and would only push out those in use.
+    store_assignment(name, value, external,
+                     [name]() -> CFG_INI_RECORD& { return find_or_insert_record_in_table(name); });
 }
 
 void cfg_process_ini_string(const std::string& text, bool internal)

@@ -1,5 +1,20 @@
 #include "platform/ver/ver.h"
 
+#include <cstddef>
+
+namespace
+{
+// Short texts of known sizes: much cheaper to make than copies of strings, and every preference lookup asks.
+template <std::size_t... SIZES>
+std::vector<std::string> strings(const char (&... texts)[SIZES])
+{
+    std::vector<std::string> all;
+    all.reserve(sizeof...(texts));
+    (all.emplace_back(texts, SIZES - 1), ...);
+    return all;
+}
+}
+
 const char* ver_get_kestrin_product_filename()
 {
     return ZON_PRODUCT_NAME;
@@ -12,7 +27,5 @@ std::string ver_get_version()
 
 std::vector<std::string> ver_get_all_versions()
 {
-    // Never destroyed: preferences may still be asked for when static objects are gone.
-    static const std::vector<std::string>& releases = *new std::vector<std::string>{ZON_KNOWN_VERSIONS};
-    return releases;
+    return strings(ZON_KNOWN_VERSIONS);
 }

@@ -35,7 +35,7 @@ bool looks_like_a_name(std::string_view text)
 }
 
 // Whether `text`, taken for a line of its own, sets a variable whose name looks like one.
-bool looks_like_an_assignment(std::string text)
+bool looks_like_an_assignment(const std::string& text)
 {
     std::string name;
     std::string value;

@@ -185,7 +185,8 @@ void compare_values(const VALUES& before, const VALUES& after, const PREFERENCE_
         const std::string& now = after.at(number);
         if (number == change.number || now == value)
             continue;
-        const std::string change_of_value = key_of(number) + " from '" + value + "' to '" + now + "'";
+        std::string change_of_value = key_of(number);
+        change_of_value.append(" from '").append(value).append("' to '").append(now).append("'");
         if (find_fitting_triple(number, value.c_str()) != nullptr)
             throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN,
                              "a save would also change " + change_of_value +

@@ -93,12 +93,16 @@ TEST(FAST_PATHS, names_are_equal_when_the_folded_bytes_up_to_zero_are)
 
 TEST(FAST_PATHS, lines_divide_as_the_two_passes_do)
 {
-    for (const std::string& alphabet : {std::string("a=;#\"/ "), std::string("ab=/\" \t\r\v"), all_bytes()})
+    // The last two make lines in which what divides is rare, so that the scan goes on for some blocks.
+    for (const std::string& alphabet :
+         {std::string("a=;#\"/ "), std::string("ab=/\" \t\r\v"), all_bytes(),
+          std::string("abcdefghijklmnopqrstuvwxyz=;#\"//"),
+          std::string("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_= \t\x7F\xE4;")})
     {
         RANDOM_TEXT random(3, alphabet);
         for (int i = 0; i < 40000; ++i)
         {
-            const std::string line = random(12);
+            const std::string line = random(i % 2 == 0 ? 12 : 70);
 
             std::string uncommented = line;
             cfg_remove_commented_portion(&uncommented);
@@ -150,7 +154,8 @@ TEST_F(FAST_STORE, remembered_names_answer_as_the_table_does)
     std::vector<std::string> spellings;
     for (int i = 0; i < 30000; ++i)
     {
-        std::string name = i % 3 == 0 || spellings.empty() ? random(30) : spellings[random.engine() % spellings.size()];
+        std::string name = i % 3 == 0 || spellings.empty() ? random(i % 4 == 0 ? 70 : 30)
+                                                           : spellings[random.engine() % spellings.size()];
         if (i % 5 == 0)
         {
             for (char& c : name)
@@ -178,6 +183,30 @@ TEST_F(FAST_STORE, remembered_names_answer_as_the_table_does)
     ASSERT_EQ(cfg_ini_file.load()->size(), counts.size());
     for (const auto& [name, record] : *cfg_ini_file.load())
         ASSERT_EQ(record->access_count, counts.at(plain::folded_up_to_zero(name))) << name;
+}
+
+// Names of every length around the longest that is remembered, and ones that differ from them in one character.
+TEST_F(FAST_STORE, remembered_names_of_every_length_are_told_apart)
+{
+    cfg_read_ini_file(std::string());
+    const auto name_of = [](std::size_t length) { return std::string(length, 'n'); };
+    for (std::size_t length = 0; length <= 2 * RECENT_NAME::longest; ++length)
+        cfg_set_int_value(name_of(length), static_cast<int>(length));
+    for (int time = 0; time < 2; ++time)
+    {
+        for (std::size_t length = 0; length <= 2 * RECENT_NAME::longest; ++length)
+        {
+            EXPECT_EQ(cfg_get_int_value(name_of(length), -1), static_cast<int>(length));
+            for (std::size_t at = 0; at < length; ++at)
+            {
+                std::string other = name_of(length);
+                other[at] = 'N';
+                EXPECT_EQ(cfg_get_int_value(other, -1), static_cast<int>(length)) << other;
+                other[at] = 'o';
+                EXPECT_EQ(cfg_get_int_value(other, -1), -1) << other;
+            }
+        }
+    }
 }
 
 TEST_F(FAST_STORE, an_emptied_store_is_not_remembered)

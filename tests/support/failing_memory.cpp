@@ -46,13 +46,28 @@ void* operator new[](std::size_t size)
     return allocate(size, __STDCPP_DEFAULT_NEW_ALIGNMENT__);
 }
 
-// What the polymorphic memory resources use.
+// What the polymorphic memory resources and arrays of records use.
 void* operator new(std::size_t size, std::align_val_t alignment)
 {
     return allocate(size, static_cast<std::size_t>(alignment));
 }
 
+void* operator new[](std::size_t size, std::align_val_t alignment)
+{
+    return allocate(size, static_cast<std::size_t>(alignment));
+}
+
 void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept
+{
+    release(memory);
+}
+
+void operator delete[](void* memory, std::align_val_t /*alignment*/) noexcept
+{
+    release(memory);
+}
+
+void operator delete[](void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept
 {
     release(memory);
 }

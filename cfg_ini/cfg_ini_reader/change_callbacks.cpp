@@ -3,7 +3,7 @@
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 
 constinit CFG_INI_CALLBACK_REGISTRY* s_ini_callbacks = nullptr;
-constinit int notifications = 0;
+constinit int cfg_ini_notifications = 0;
 
 namespace
 {
@@ -18,27 +18,21 @@ template <typename NOTIFICATION>
 void notify(const std::vector<CFG_INI_CALLBACK*>& callbacks, NOTIFICATION notification)
 {
     // The bounds are those from before the walk: a callback must not construct or destroy callbacks.
-    ++notifications;
+    ++cfg_ini_notifications;
     for (CFG_INI_CALLBACK* const callback : callbacks)
         (callback->*notification)();
-    --notifications;
+    --cfg_ini_notifications;
 }
 }
 
 NOTIFYING_STORE_LOCK::NOTIFYING_STORE_LOCK() : NOTIFYING_STORE_LOCK(locked_store_mutex()) {}
 
-void refresh_callbacks(const std::string& name)
+void refresh_callbacks(std::string_view name)
 {
     if (s_ini_callbacks == nullptr)
         return;
     if (const auto entry = s_ini_callbacks->find(name); entry != s_ini_callbacks->end())
         notify(entry->second, &CFG_INI_CALLBACK::refresh);
-}
-
-void refresh_callbacks(std::string_view name)
-{
-    if (s_ini_callbacks != nullptr) // most programs have none, and need no string
-        refresh_callbacks(std::string(name));
 }
 
 void reset_callbacks()

@@ -2,6 +2,8 @@
 #ifndef CFG_INI_CFG_INI_READER_CHANGE_CALLBACKS_H
 #define CFG_INI_CFG_INI_READER_CHANGE_CALLBACKS_H
 
+#include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -10,14 +12,26 @@
 #include "cfg_ini/cfg_ini.h"
 #include "platform/thr/thr.h"
 
-using CFG_INI_CALLBACK_REGISTRY = std::unordered_map<std::string, std::vector<CFG_INI_CALLBACK*>>;
+// The standard hash and equality of strings, for texts that are no strings as well.
+struct EXACT_NAME_HASH
+{
+    using is_transparent = void;
+
+    std::size_t operator()(std::string_view name) const noexcept
+    {
+        return std::hash<std::string_view>()(name);
+    }
+};
+
+using CFG_INI_CALLBACK_REGISTRY =
+    std::unordered_map<std::string, std::vector<CFG_INI_CALLBACK*>, EXACT_NAME_HASH, std::equal_to<>>;
 
 // Variable name, spelt exactly, to its callbacks in registration order. Null until the first is constructed, never
 // freed (it outlives every store and static object). Guarded by the store's lock.
 extern constinit CFG_INI_CALLBACK_REGISTRY* s_ini_callbacks;
 
 // How many notifications are under way, those that an exception ended included. Guarded by the lock.
-extern constinit int notifications;
+extern constinit int cfg_ini_notifications;
 
 // Holds the store's lock for a scope that may notify callbacks. Any exception releases the lock, but for one that came
 // out of a callback: that one leaves it held, once for each of these scopes that it passes. Intended: the store is not
@@ -29,11 +43,11 @@ public:
     NOTIFYING_STORE_LOCK();
 
     // Takes over one hold of the lock from the caller.
-    explicit NOTIFYING_STORE_LOCK(THR_MUTEX* held) : mutex(held), notifications_around(notifications) {}
+    explicit NOTIFYING_STORE_LOCK(THR_MUTEX* held) : mutex(held), notifications_around(cfg_ini_notifications) {}
 
     ~NOTIFYING_STORE_LOCK()
     {
-        if (mutex != nullptr && notifications == notifications_around)
+        if (mutex != nullptr && cfg_ini_notifications == notifications_around)
             thr_mutex_unlock(mutex);
     }
 
@@ -55,7 +69,6 @@ private:
 // --- The caller holds the lock, through a NOTIFYING_STORE_LOCK ---
 
 // Calls refresh() of the callbacks of exactly this name, in registration order.
-void refresh_callbacks(const std::string& name);
 void refresh_callbacks(std::string_view name);
 
 // Calls reset_to_default() of every callback; the names in no fixed order, those of one name in registration order.

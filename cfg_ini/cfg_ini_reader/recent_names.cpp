@@ -2,15 +2,15 @@
 
 #include <algorithm>
 
-constinit RECENT_NAME recent_names[1U << recent_bits] = {};
-constinit std::uint32_t recent_epoch = 1;
+constinit RECENT_NAME cfg_ini_recent_names[1U << recent_bits] = {};
+constinit std::uint32_t cfg_ini_recent_epoch = 1;
 
 CFG_INI_RECORD* SOUGHT_NAME::remember(CFG_INI_RECORD* record) const
 {
     if (text.size() <= RECENT_NAME::longest)
     {
         place->record = record;
-        place->epoch = recent_epoch;
+        place->epoch = cfg_ini_recent_epoch;
         place->length = static_cast<std::uint8_t>(text.size());
         std::memcpy(place->characters, text.data(), text.size());
     }
@@ -20,9 +20,9 @@ CFG_INI_RECORD* SOUGHT_NAME::remember(CFG_INI_RECORD* record) const
 void forget_recent_names()
 {
     // Mostly without touching their memory.
-    if (++recent_epoch == 0)
+    if (++cfg_ini_recent_epoch == 0)
     {
-        std::ranges::fill(recent_names, RECENT_NAME{});
-        recent_epoch = 1;
+        std::ranges::fill(cfg_ini_recent_names, RECENT_NAME{});
+        cfg_ini_recent_epoch = 1;
     }
 }

@@ -28,16 +28,16 @@ static_assert(sizeof(RECENT_NAME) == 64);
 
 inline constexpr unsigned int recent_bits = 12;
 
-// Both guarded by the store's lock. As many names that a thousand in use seldom push each other out.
-extern constinit RECENT_NAME recent_names[1U << recent_bits];
-extern constinit std::uint32_t recent_epoch; // never 0
+// Both guarded by the store's lock. So many that a thousand names in use seldom push each other out.
+extern constinit RECENT_NAME cfg_ini_recent_names[1U << recent_bits];
+extern constinit std::uint32_t cfg_ini_recent_epoch; // never 0
 
 // A name to be looked up: its place among the recent names, worked out, and its memory asked for, ahead of the lock.
 class SOUGHT_NAME
 {
 public:
     // A null name (a view without characters) throws std::logic_error, as making a std::string of it does.
-    explicit SOUGHT_NAME(std::string_view name) : text(not_null(name)), place(&recent_names[place_of(name)])
+    explicit SOUGHT_NAME(std::string_view name) : text(not_null(name)), place(&cfg_ini_recent_names[place_of(name)])
     {
         __builtin_prefetch(place);
     }
@@ -45,7 +45,7 @@ public:
     // The record remembered for the name, or null. The caller holds the lock.
     CFG_INI_RECORD* recent() const
     {
-        const bool same = place->epoch == recent_epoch && place->length == text.size() &&
+        const bool same = place->epoch == cfg_ini_recent_epoch && place->length == text.size() &&
                           equal_bytes(place->characters, text.data(), text.size());
         return same ? place->record : nullptr;
     }

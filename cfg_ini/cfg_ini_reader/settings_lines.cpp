@@ -18,6 +18,7 @@ SETTINGS_LINES::SETTINGS_LINES(const std::string& path) : file(std::fopen(path.c
 bool SETTINGS_LINES::fill()
 {
     position = 0;
+    std::clearerr(file.get()); // the file's error is that of its last reading
     filled = std::fread(buffer.get(), 1, buffer_size, file.get());
     return filled > 0;
 }

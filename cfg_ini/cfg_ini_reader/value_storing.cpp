@@ -26,9 +26,9 @@ void set_value(CFG_INI_RECORD& record, std::string_view value)
     record.had_valid_read = false;
 }
 
-// `find` gives the record, with the lock held. NAME is std::string or std::string_view.
-template <typename NAME, typename FIND>
-void store_assignment(const NAME& name, std::string_view value, bool external, FIND find)
+// `find` gives the record, with the lock held.
+template <typename FIND>
+void store_assignment(std::string_view name, std::string_view value, bool external, FIND find)
 {
     NOTIFYING_STORE_LOCK lock(lock_existing_store());
     CFG_INI_RECORD& record = find();

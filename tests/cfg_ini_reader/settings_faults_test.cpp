@@ -158,6 +158,18 @@ TEST_F(SETTINGS_FAULTS_TEST, a_path_is_remembered_only_if_its_file_opened)
     EXPECT_EQ(cfg_get_ini_file_path_name(), other);
 }
 
+TEST_F(SETTINGS_FAULTS_TEST, a_last_line_without_newline_counts_after_a_reading_that_was_made_good)
+{
+    const std::string other = temporary.path("other.ini");
+    write_file(other, "a=1\nb=2");
+    {
+        const FILE_FAULT fault(FILE_CALL::READ, 1);
+        cfg_read_ini_file(other);
+    }
+    EXPECT_EQ(cfg_get_value("a"), "1");
+    EXPECT_EQ(cfg_get_value("b"), "2");
+}
+
 TEST_F(SETTINGS_FAULTS_TEST, a_first_lookup_answers_whatever_fails)
 {
     environment.set("VELMAR_INI", project);

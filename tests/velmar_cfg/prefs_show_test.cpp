@@ -113,6 +113,8 @@ TEST_F(PREFS, a_name_that_is_no_key_is_refused)
               (TOOL_RUN{5, "",
                         "velmar-cfg: there is no preference 'SHOW_MESAGE_ID', did you mean 'SHOW_MESSAGE_ID'? See "
                         "velmar-cfg prefs list --all\n"}));
+    EXPECT_EQ(run({"prefs", "get", "QQQQQQQQ"}),
+              (TOOL_RUN{5, "", "velmar-cfg: there is no preference 'QQQQQQQQ'; see velmar-cfg prefs list --all\n"}));
     EXPECT_EQ(run({"prefs", "describe", "auto recompile"}),
               (TOOL_RUN{5, "",
                         "velmar-cfg: 'auto recompile' is an old name; the preference is called "

@@ -4,6 +4,7 @@
 
 #include "tools/velmar-cfg/commands.h"
 #include "tools/velmar-cfg/differences_output.h"
+#include "tools/velmar-cfg/input_file.h"
 #include "tools/velmar-cfg/snapshot_document.h"
 
 namespace
@@ -26,6 +27,7 @@ COMPARED_SNAPSHOT snapshot_of(const std::string& path, const GLOBAL_OPTIONS& opt
 {
     if (!is_directory(path))
         return {path, read_snapshot(path)};
+    check_input_directory(path, "name an existing one");
     GLOBAL_OPTIONS of_project = options;
     of_project.project = path;
     return {path, take_snapshot(of_project)};

@@ -26,6 +26,17 @@ std::string input_problem(const std::string& path)
     return {};
 }
 
+void check_input_directory(const std::string& path, const std::string& advice)
+{
+    struct stat found;
+    const bool exists = stat(path.c_str(), &found) == 0;
+    if (exists ? !S_ISDIR(found.st_mode) : errno == ENOENT || errno == ENOTDIR)
+        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, path + ": no such directory; " + advice);
+    if (!exists || access(path.c_str(), X_OK) != 0)
+        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT,
+                         path + ": " + std::strerror(errno) + "; let this user search the directory");
+}
+
 void check_input_file(const std::string& path)
 {
     if (const std::string problem = input_problem(path); !problem.empty())

@@ -155,6 +155,7 @@ void EXAMINATION::too_short()
     const std::string name = trimmed(line.substr(0, line.find('=')));
     add(first_visible(text), SEVERITY::ERROR, "too-short", "a line of fewer than 3 characters is ignored",
         line.find('=') == std::string::npos ? "write " + assignment_of(name, "VALUE")
+        : name.empty()                      ? "write a name before the '='"
                                             : "write " + quoted(name + " =") + " to set the empty text");
 }
 

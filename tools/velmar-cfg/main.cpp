@@ -1,26 +1,19 @@
 // velmar-cfg: shows, explains, checks and edits what the configuration library would answer.
 #include <csignal>
-#include <sys/stat.h>
 
 #include "tools/velmar-cfg/command_line.h"
+#include "tools/velmar-cfg/input_file.h"
 #include "tools/velmar-cfg/installation.h"
 
 namespace
 {
-void check_directory(const char* option, const std::string& directory)
-{
-    struct stat found;
-    if (stat(directory.c_str(), &found) != 0 || !S_ISDIR(found.st_mode))
-        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, directory + ": no such directory; give " + option + " an existing one");
-}
-
 void apply_global_options(const CLI::App& app, TOOL& tool)
 {
     for (const auto& [option, directory] :
          {std::pair("--project", &tool.options.project), std::pair("--root", &tool.options.root)})
     {
         if (app.count(option) > 0)
-            check_directory(option, *directory);
+            check_input_directory(*directory, std::string("give ") + option + " an existing one");
     }
     if (tool.options.json && tool.options.nul_terminated)
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--json and -z exclude each other");

@@ -140,11 +140,11 @@ CFG_USER_INI_ENUMS preference_number(const std::string& key)
     if (number != CFG_USER_INI_ENUMS_END)
         return number;
     const std::string current = cfg_convert_from_old_to_new(key);
-    throw TOOL_ERROR(EXIT_CODE::REFUSED, current != key
-                                             ? "'" + key + "' is an old name; the preference is called " + current
-                                             : "there is no preference '" + key + "'" +
-                                                   did_you_mean(key, all_preference_keys()) +
-                                                   " See velmar-cfg prefs list --all");
+    if (current != key)
+        throw TOOL_ERROR(EXIT_CODE::REFUSED, "'" + key + "' is an old name; the preference is called " + current);
+    const std::string suggestion = did_you_mean(key, all_preference_keys());
+    throw TOOL_ERROR(EXIT_CODE::REFUSED, "there is no preference '" + key + "'" + suggestion +
+                                             (suggestion.empty() ? "; see" : " See") + " velmar-cfg prefs list --all");
 }
 
 nlohmann::ordered_json preference_as_json(const PREFERENCE& preference)

@@ -85,6 +85,15 @@ TEST_F(EXPLAIN, a_number_that_json_lacks_is_a_text)
     EXPECT_EQ(run({"explain", "limit", "--project", "project", "--json"}).json().at("readings").at("double"), "inf");
 }
 
+TEST_F(EXPLAIN, says_that_a_number_is_only_the_start_of_the_text)
+{
+    write_file("project/velmar.ini", "delay = 2.5ms\nspeed = fast\nscale = 2.5\n");
+    const std::string start = ", read from the start of the text; 0 when no number is there\n";
+    EXPECT_THAT(run({"explain", "delay", "--project", "project"}).out, HasSubstr("  double  2.5" + start));
+    EXPECT_THAT(run({"explain", "speed", "--project", "project"}).out, HasSubstr("  double  0" + start));
+    EXPECT_THAT(run({"explain", "scale", "--project", "project"}).out, HasSubstr("  double  2.5\n"));
+}
+
 TEST_F(EXPLAIN, hints)
 {
     write_file("project/velmar.ini", "url = http://host#part\n"

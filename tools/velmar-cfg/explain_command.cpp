@@ -150,7 +150,10 @@ void write_readings(const READINGS& readings, OUTPUT& out)
     out << "  uint    " << (readings.unsigned_integer ? std::to_string(*readings.unsigned_integer) : "no value")
         << "\n";
     out << "  double  " << (readings.floating ? number_as_text(*readings.floating) : "no value")
-        << (readings.floating && !readings.floating_is_whole ? ", the number at the start of the text" : "") << "\n";
+        << (readings.floating && !readings.floating_is_whole
+                ? ", read from the start of the text; 0 when no number is there"
+                : "")
+        << "\n";
 }
 
 void write_text(const EXPLANATION& explanation, const SETTINGS_LAYERS& layers, OUTPUT& out)

@@ -252,8 +252,8 @@ CFG_INI_API std::optional<CFG_INI_VAR_ENUM> cfg_get_ini_var_enum_from_string(con
 // refresh() must not set the variable it is told of. An exception that leaves a notification leaves the lock held.
 //
 // An object is registered before its derived part is made and until after that is gone. Construct and destroy it while
-// no other thread stores under the name, empties or rereads, or the notification may find half an object; holding a lock
-// in the derived class does not help.
+// no other thread stores under the name, empties or rereads, or the notification may find half an object; holding a
+// lock in the derived class does not help.
 class CFG_INI_API CFG_INI_CALLBACK
 {
 public:

@@ -12,8 +12,8 @@ std::string input_problem(const std::string& path);
 // Throws TOOL_ERROR(BAD_INPUT) with the path when there is such a problem.
 void check_input_file(const std::string& path);
 
-// Throws TOOL_ERROR(BAD_INPUT) with the path unless it is a directory whose files can be reached; `advice` is for one that
-// is none.
+// Throws TOOL_ERROR(BAD_INPUT) with the path unless it is a directory whose files can be reached; `advice` is for one
+// that is none.
 void check_input_directory(const std::string& path, const std::string& advice);
 
 // Throws TOOL_ERROR(BAD_INPUT): line `line` of the file holds a zero byte.

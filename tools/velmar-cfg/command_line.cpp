@@ -30,9 +30,8 @@ void add_global_options(CLI::App& app, TOOL& tool)
     app.add_option("--root", options.root, "Look at the installation in DIR, whose programs are in DIR/bin")
         ->type_name("DIR");
     app.add_flag("--json", options.json, "Write JSON");
-    app.add_option("--color", options.color, "Colours: auto (on a terminal, unless NO_COLOR is set), always or never")
-        ->check(one_of({"auto", "always", "never"}))
-        ->type_name("WHEN");
+    COMMAND(app).add_choice("--color", "WHEN", options.color, {"auto", "always", "never"},
+                            "Colours: auto (on a terminal, unless NO_COLOR is set), always or never");
 }
 
 // The innermost command that the command line named so far.
@@ -94,15 +93,16 @@ std::unique_ptr<CLI::App> make_command_line(TOOL& tool)
                 "Exit codes: 0 fine; 1 unset, findings or differences; 2 usage; 3 input missing, unreadable or\n"
                 "malformed; 4 could not write or lock; 5 name or value refused.\n");
     add_global_options(*app, tool);
-    add_get_command(*app, tool);
-    add_list_command(*app, tool);
-    add_explain_command(*app, tool);
-    add_paths_command(*app, tool);
-    add_lint_command(*app, tool);
-    add_prefs_command(*app, tool);
-    add_run_report_command(*app, tool);
-    add_snapshot_command(*app, tool);
-    add_diff_command(*app, tool);
+    const COMMAND commands(*app);
+    add_get_command(commands, tool);
+    add_list_command(commands, tool);
+    add_explain_command(commands, tool);
+    add_paths_command(commands, tool);
+    add_lint_command(commands, tool);
+    add_prefs_command(commands, tool);
+    add_run_report_command(commands, tool);
+    add_snapshot_command(commands, tool);
+    add_diff_command(commands, tool);
     return app;
 }
 

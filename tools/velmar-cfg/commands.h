@@ -4,19 +4,19 @@
 
 #include "tools/velmar-cfg/command.h"
 
-void add_get_command(CLI::App& app, TOOL& tool);
-void add_list_command(CLI::App& app, TOOL& tool);
-void add_explain_command(CLI::App& app, TOOL& tool);
-void add_paths_command(CLI::App& app, TOOL& tool);
-void add_lint_command(CLI::App& app, TOOL& tool);
-void add_prefs_command(CLI::App& app, TOOL& tool);
-void add_run_report_command(CLI::App& app, TOOL& tool);
-void add_snapshot_command(CLI::App& app, TOOL& tool);
-void add_diff_command(CLI::App& app, TOOL& tool);
+void add_get_command(COMMAND app, TOOL& tool);
+void add_list_command(COMMAND app, TOOL& tool);
+void add_explain_command(COMMAND app, TOOL& tool);
+void add_paths_command(COMMAND app, TOOL& tool);
+void add_lint_command(COMMAND app, TOOL& tool);
+void add_prefs_command(COMMAND app, TOOL& tool);
+void add_run_report_command(COMMAND app, TOOL& tool);
+void add_snapshot_command(COMMAND app, TOOL& tool);
+void add_diff_command(COMMAND app, TOOL& tool);
 
 // Parts of prefs.
-void add_prefs_show_commands(CLI::App& prefs, TOOL& tool);
-void add_prefs_lint_command(CLI::App& prefs, TOOL& tool);
-void add_prefs_edit_commands(CLI::App& prefs, TOOL& tool);
+void add_prefs_show_commands(COMMAND prefs, TOOL& tool);
+void add_prefs_lint_command(COMMAND prefs, TOOL& tool);
+void add_prefs_edit_commands(COMMAND prefs, TOOL& tool);
 
 #endif

@@ -53,11 +53,11 @@ EXIT_CODE diff(const DIFF_OPTIONS& options, TOOL& tool)
 }
 }
 
-void add_diff_command(CLI::App& app, TOOL& tool)
+void add_diff_command(COMMAND app, TOOL& tool)
 {
     auto options = std::make_shared<DIFF_OPTIONS>();
-    CLI::App* const command = add_command(
-        app, tool, "diff",
+    COMMAND command = app.add_command(
+        tool, "diff",
         "Show what differs between two snapshots and which layer made it differ: release, environment, content of the "
         "files, variables and preferences. Exit code 1 when something does.",
         "velmar-cfg --project designs/cpu diff before.json\n"
@@ -66,15 +66,8 @@ void add_diff_command(CLI::App& app, TOOL& tool)
         "      only the variables that the run of run.json read\n"
         "  velmar-cfg diff designs/cpu designs/gpu\n      two projects, as runs in them would see them now",
         [options, &tool] { return diff(*options, tool); });
-    const auto take = [options](std::optional<std::string> DIFF_OPTIONS::*member)
-    { return [options, member](const std::string& path) { (*options).*member = path; }; };
-    command->add_option("A", options->a, "A snapshot's file, or a project's directory")->required()->type_name("");
-    command
-        ->add_option_function<std::string>("B", take(&DIFF_OPTIONS::b),
-                                           "The same; without it: what holds now, for --project if given")
-        ->type_name("");
-    command
-        ->add_option_function<std::string>("--used", take(&DIFF_OPTIONS::used),
-                                           "Only the variables that the run of this report read, and nothing else")
-        ->type_name("REPORT");
+    command.add_argument("A", options->a, "A snapshot's file, or a project's directory");
+    command.add_optional_argument("B", options->b, "The same; without it: what holds now, for --project if given");
+    command.add_option("--used", "REPORT", options->used,
+                       "Only the variables that the run of this report read, and nothing else");
 }

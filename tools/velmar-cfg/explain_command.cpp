@@ -190,11 +190,11 @@ EXIT_CODE explain(const std::string& name, TOOL& tool)
 }
 }
 
-void add_explain_command(CLI::App& app, TOOL& tool)
+void add_explain_command(COMMAND app, TOOL& tool)
 {
     auto name = std::make_shared<std::string>();
-    CLI::App* const command = add_command(
-        app, tool, "explain",
+    COMMAND command = app.add_command(
+        tool, "explain",
         "Show why a variable has its value: every assignment in the order in which the layers are laid over each "
         "other, "
         "the one that won, what each type of reader makes of it, and what may be a mistake. Exit code 1 when it is not "
@@ -202,5 +202,5 @@ void add_explain_command(CLI::App& app, TOOL& tool)
         "velmar-cfg --project designs/cpu --regtest explain max_fanout\n"
         "      which file of a regression run sets max_fanout, and what the others said",
         [name, &tool] { return explain(*name, tool); });
-    command->add_option("NAME", *name, "The variable, in any letter case")->required()->type_name("");
+    command.add_argument("NAME", *name, "The variable, in any letter case");
 }

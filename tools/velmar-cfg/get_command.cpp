@@ -116,23 +116,19 @@ EXIT_CODE get(const GET_OPTIONS& options, TOOL& tool)
 }
 }
 
-void add_get_command(CLI::App& app, TOOL& tool)
+void add_get_command(COMMAND app, TOOL& tool)
 {
     auto options = std::make_shared<GET_OPTIONS>();
-    CLI::App* const command = add_command(
-        app, tool, "get",
+    COMMAND command = app.add_command(
+        tool, "get",
         "Print the value of an internal variable as a reader of that type gets it. Exit code 1 when there is "
         "no usable value.",
         "velmar-cfg get msg_sqlite --type bool --default off\n"
         "      on or off, as a program that asks for the switch with the default off",
         [options, &tool] { return get(*options, tool); });
-    command->add_option("NAME", options->name, "The variable, in any letter case")->required()->type_name("");
-    command->add_option("--type", options->type, "How to read it: text (the default), bool, int, uint or double")
-        ->check(one_of({"bool", "int", "uint", "double", "text"}))
-        ->type_name("TYPE");
-    // A target of its own type would take the empty text for no value.
-    const auto take_fallback = [options](const std::string& text) { options->fallback = text; };
-    command->add_option_function<std::string>("--default", take_fallback, "Print this when there is no usable value")
-        ->type_name("VALUE");
-    add_nul_option(command, tool);
+    command.add_argument("NAME", options->name, "The variable, in any letter case");
+    command.add_choice("--type", "TYPE", options->type, {"bool", "int", "uint", "double", "text"},
+                       "How to read it: text (the default), bool, int, uint or double");
+    command.add_option("--default", "VALUE", options->fallback, "Print this when there is no usable value");
+    command.add_nul_flag(tool);
 }

@@ -56,18 +56,18 @@ EXIT_CODE lint_only_preferences(const LINT_OPTIONS& options, TOOL& tool)
     return write_findings(findings, options.strict, tool);
 }
 
-void add_options(CLI::App* command, LINT_OPTIONS& options, const std::string& file_description)
+void add_options(COMMAND& command, LINT_OPTIONS& options, const std::string& file_description)
 {
-    command->add_option("FILE", options.files, file_description)->type_name("");
-    command->add_flag("--strict", options.strict, "Exit code 1 for warnings too");
+    command.add_optional_argument("FILE", options.files, file_description);
+    command.add_flag("--strict", options.strict, "Exit code 1 for warnings too");
 }
 }
 
-void add_lint_command(CLI::App& app, TOOL& tool)
+void add_lint_command(COMMAND app, TOOL& tool)
 {
     auto options = std::make_shared<LINT_OPTIONS>();
-    CLI::App* const command = add_command(
-        app, tool, "lint",
+    COMMAND command = app.add_command(
+        tool, "lint",
         "Show the lines that are ignored or read otherwise than they look, with what to write instead. Without FILE: "
         "of "
         "every file that the library would read now, preferences included, and of VELMAR_INI_VARS. Exit code 1 when "
@@ -77,11 +77,11 @@ void add_lint_command(CLI::App& app, TOOL& tool)
     add_options(command, *options, "A settings file, or a preference file when it is called velmar2.ini");
 }
 
-void add_prefs_lint_command(CLI::App& prefs, TOOL& tool)
+void add_prefs_lint_command(COMMAND prefs, TOOL& tool)
 {
     auto options = std::make_shared<LINT_OPTIONS>();
-    CLI::App* const command = add_command(
-        prefs, tool, "lint",
+    COMMAND command = prefs.add_command(
+        tool, "lint",
         "Show the lines of a preference file that are ignored, or read otherwise than they look, or that the next save "
         "drops, with what to write instead. Without FILE: of the file in use. Exit code 1 when there is an error.",
         "velmar-cfg prefs lint --strict\n      check the own preferences; warnings too make the exit code 1",

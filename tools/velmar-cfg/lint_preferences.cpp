@@ -101,7 +101,8 @@ void EXAMINATION::examine_header()
     if (line.bracket_after_equals)
     {
         add(SEVERITY::ERROR, "bracket-in-value",
-            "a line with a \"[\" is taken for a section header: the section " + quoted(section) + " begins here",
+            "a line with a \"[\" is taken for a section header: the section " + in_single_quotes(section) +
+                " begins here",
             "write a value without \"[\"", text.find('['));
         return;
     }
@@ -128,7 +129,7 @@ void EXAMINATION::examine_header()
     const std::optional<std::string> nearest =
         other_case != sections.end() ? std::optional<std::string>(*other_case) : nearest_name(section, sections);
     add(SEVERITY::WARNING, "unknown-section",
-        "no lookup gets to the section " + quoted(section) + "; letter case counts",
+        "no lookup gets to the section " + in_single_quotes(section) + "; letter case counts",
         nearest ? "write '[" + *nearest + "]'" : "write the section, a blank, a release and \"_pro\"", text.find('['));
 }
 
@@ -145,7 +146,7 @@ bool EXAMINATION::examine_place()
     if (is_first)
         return true;
     add(SEVERITY::ERROR, "duplicate",
-        "line " + std::to_string(first->second) + " of this section sets " + quoted(line.name) +
+        "line " + std::to_string(first->second) + " of this section sets " + in_single_quotes(line.name) +
             " already: the first one counts, this one is dropped",
         "remove one of the two");
     return false;
@@ -157,7 +158,7 @@ void EXAMINATION::examine_key()
         return;
     if (line.old_name_converted)
         add(SEVERITY::NOTE, "old-name", "the old name of " + line.name + ", converted by the next save",
-            "write " + quoted(line.name + " = " + line.value));
+            "write " + in_single_quotes(line.name + " = " + line.value));
     const CFG_USER_INI_ENUMS preference = find_preference(line.name.c_str());
     if (preference == CFG_USER_INI_ENUMS_END)
         unknown_key();
@@ -172,13 +173,14 @@ void EXAMINATION::unknown_key()
 {
     if (line.name.starts_with('#') || line.name.starts_with(';'))
     {
-        add(SEVERITY::WARNING, "no-comment", "there are no comments: this is kept as a preference " + quoted(line.name),
-            "remove the line");
+        add(SEVERITY::WARNING, "no-comment",
+            "there are no comments: this is kept as a preference " + in_single_quotes(line.name), "remove the line");
         return;
     }
     const std::optional<std::string> nearest = nearest_name(line.name, all_preference_keys());
-    add(SEVERITY::WARNING, "unknown-key", "there is no preference " + quoted(line.name) + "; the line is kept, unused",
-        nearest ? "write " + quoted(*nearest + " = " + line.value) : "remove the line");
+    add(SEVERITY::WARNING, "unknown-key",
+        "there is no preference " + in_single_quotes(line.name) + "; the line is kept, unused",
+        nearest ? "write " + in_single_quotes(*nearest + " = " + line.value) : "remove the line");
 }
 
 void EXAMINATION::examine_known_key(CFG_USER_INI_ENUMS preference)
@@ -187,9 +189,10 @@ void EXAMINATION::examine_known_key(CFG_USER_INI_ENUMS preference)
     const std::string bare_section = preference_triples(preference).front().section;
     if (line.name != key)
         add(SEVERITY::ERROR, "letter-case", "a value is found only under the key's own spelling",
-            "write " + quoted(key + " = " + line.value));
+            "write " + in_single_quotes(key + " = " + line.value));
     if (section != bare_section && !section.starts_with(bare_section + " "))
-        add(SEVERITY::ERROR, "wrong-section", key + " is looked for in sections " + quoted(bare_section) + " only",
+        add(SEVERITY::ERROR, "wrong-section",
+            key + " is looked for in sections " + in_single_quotes(bare_section) + " only",
             "move it below '[" + released_section(bare_section, ver_get_version()) + "]'");
     if (!line.value.empty() && find_fitting_triple(preference, line.value.c_str()) == nullptr)
     {
@@ -197,7 +200,7 @@ void EXAMINATION::examine_known_key(CFG_USER_INI_ENUMS preference)
         for (const PREFERENCE_TRIPLE& triple : preference_triples(preference))
             allowed += (allowed.empty() ? "" : ", ") + std::string(triple.value);
         const std::size_t behind = text.find('=') + 1;
-        add(SEVERITY::ERROR, "not-allowed", quoted(line.value) + " is not allowed for " + key,
+        add(SEVERITY::ERROR, "not-allowed", in_single_quotes(line.value) + " is not allowed for " + key,
             "write one of " + allowed, text.find_first_not_of(" \t", behind));
     }
 }

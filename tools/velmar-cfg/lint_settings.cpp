@@ -108,7 +108,7 @@ private:
 
     std::string assignment_of(std::string_view name, std::string_view value) const
     {
-        return quoted(std::string(name) + " = " + std::string(value));
+        return in_single_quotes(std::string(name) + " = " + std::string(value));
     }
 
     // Where the statements that set this variable are.
@@ -156,7 +156,7 @@ void EXAMINATION::too_short()
     add(first_visible(text), SEVERITY::ERROR, "too-short", "a line of fewer than 3 characters is ignored",
         line.find('=') == std::string::npos ? "write " + assignment_of(name, "VALUE")
         : name.empty()                      ? "write a name before the '='"
-                                            : "write " + quoted(name + " =") + " to set the empty text");
+                                            : "write " + in_single_quotes(name + " =") + " to set the empty text");
 }
 
 void EXAMINATION::no_equals_sign()
@@ -168,7 +168,7 @@ void EXAMINATION::no_equals_sign()
     {
         add(statement.kept, SEVERITY::ERROR, "comment-cut",
             "the comment begins before the \"=\", so the line is ignored",
-            "take the comment sign away, or put \"#\" before " + quoted(line) + " to make it all a comment");
+            "take the comment sign away, or put \"#\" before " + in_single_quotes(line) + " to make it all a comment");
         return;
     }
     const std::size_t colon = line.find(':');
@@ -187,7 +187,7 @@ bool EXAMINATION::byte_order_mark_before_text()
     if (!trimmed(line).empty())
         add(0, SEVERITY::ERROR, "byte-order-mark",
             "the file begins with a byte order mark, which belongs to the first line",
-            "save the file without a byte order mark, beginning with " + quoted(trimmed(line)));
+            "save the file without a byte order mark, beginning with " + in_single_quotes(trimmed(line)));
     return true;
 }
 
@@ -201,7 +201,7 @@ void EXAMINATION::comment()
     {
         add(sign, SEVERITY::ERROR, "second-assignment",
             "a line holds one assignment: what follows the \";\" is a comment and is ignored",
-            "write " + quoted(trimmed(behind)) + " on a line of its own");
+            "write " + in_single_quotes(trimmed(behind)) + " on a line of its own");
         return;
     }
     const bool looks_like_a_comment = is_white(text[sign - 1]) && !statement.value.empty();
@@ -221,7 +221,7 @@ void EXAMINATION::slashes()
             continue;
         add(at, SEVERITY::WARNING, "slashes-in-value",
             "behind the \"=\" a \"//\" begins no comment: it belongs to the value",
-            "write " + quoted(trimmed(text.substr(0, at)) + " # " + trimmed(kept().substr(at + 2))));
+            "write " + in_single_quotes(trimmed(text.substr(0, at)) + " # " + trimmed(kept().substr(at + 2))));
         return;
     }
 }
@@ -249,7 +249,7 @@ void EXAMINATION::blanks_in_name()
             with_underscores += '_';
     }
     add(first_visible(text), SEVERITY::WARNING, "blanks-in-name",
-        "white space in a name is removed: this sets " + quoted(statement.name),
+        "white space in a name is removed: this sets " + in_single_quotes(statement.name),
         "write " + assignment_of(with_underscores, statement.value) + " if that is the variable, else " +
             assignment_of(statement.name, statement.value));
 }
@@ -267,13 +267,13 @@ void EXAMINATION::examine_item()
         if (statement.name.find(' ') != std::string::npos)
             add(first_visible(text), SEVERITY::WARNING, "blanks-in-name",
                 "blanks in a name are kept here, while a settings file removes them: this sets " +
-                    quoted(statement.name),
+                    in_single_quotes(statement.name),
                 "write the name without blanks");
         examine_assignment();
     }
     else if (statement.outcome == OUTCOME::NO_EQUALS_SIGN && !item.empty())
         add(first_visible(text), SEVERITY::ERROR, "no-equals-sign", "an item without \"=\" is skipped",
-            "write " + quoted(item + "=VALUE"));
+            "write " + in_single_quotes(item + "=VALUE"));
     else if (statement.outcome == OUTCOME::EMPTY_NAME)
         add(first_visible(text), SEVERITY::ERROR, "empty-name", "an item without a name is skipped",
             "write a name before the \"=\"");
@@ -353,11 +353,13 @@ void EXAMINATION::known_variable(const KNOWN_VARIABLE& known)
     int as_integer = 0;
     if (known.kind == KNOWN_VARIABLE::KIND::SWITCH && !cfg_ini_convert_to_bool(value, &as_boolean))
         add(value_offset(), SEVERITY::ERROR, "no-boolean",
-            quoted(statement.value) + " is no boolean, so readers of " + quoted(known.name) + " take their default",
+            in_single_quotes(statement.value) + " is no boolean, so readers of " + in_single_quotes(known.name) +
+                " take their default",
             "write " + assignment_of(statement.name, "on") + " or " + assignment_of(statement.name, "off"));
     if (known.kind == KNOWN_VARIABLE::KIND::INTEGER && !cfg_ini_convert_to_int(value, &as_integer))
         add(value_offset(), SEVERITY::ERROR, "no-integer",
-            quoted(statement.value) + " is no integer, so readers of " + quoted(known.name) + " take their default",
+            in_single_quotes(statement.value) + " is no integer, so readers of " + in_single_quotes(known.name) +
+                " take their default",
             "write decimal digits only, such as " + assignment_of(statement.name, "2"));
 }
 
@@ -365,7 +367,7 @@ void EXAMINATION::almost_known()
 {
     if (const std::optional<std::string> nearest = nearest_name(statement.name, known_variable_names()))
         add(first_visible(text), SEVERITY::WARNING, "almost-known",
-            "no variable " + quoted(statement.name) + " is known, but " + quoted(*nearest) + " is",
+            "no variable " + in_single_quotes(statement.name) + " is known, but " + in_single_quotes(*nearest) + " is",
             "write " + assignment_of(*nearest, statement.value) + " if that is the variable");
 }
 
@@ -378,7 +380,7 @@ void EXAMINATION::letter_case()
         return;
     const std::string whence = known != nullptr ? "" : " at " + place_of(layers, first);
     add(first_visible(text), SEVERITY::WARNING, "letter-case",
-        "the same variable as " + quoted(expected) + whence +
+        "the same variable as " + in_single_quotes(expected) + whence +
             ", but objects registered under that spelling are not told of this one",
         "write " + assignment_of(expected, statement.value));
 }
@@ -393,7 +395,8 @@ void EXAMINATION::overridden()
     const STATEMENT& later = layers.statements[*next];
     const bool same = later.value == statement.value;
     add(first_visible(text), same ? SEVERITY::NOTE : SEVERITY::WARNING, "overridden",
-        place_of(layers, later) + " sets " + quoted(statement.name) + " again" + (same ? ", to the same value" : ""),
+        place_of(layers, later) + " sets " + in_single_quotes(statement.name) + " again" +
+            (same ? ", to the same value" : ""),
         "remove one of the two");
 }
 }

@@ -9,7 +9,7 @@ namespace
 {
 struct LIST_OPTIONS
 {
-    std::string pattern;
+    std::optional<std::string> pattern;
     bool show_origin = false;
     bool external = false;
 };
@@ -18,7 +18,7 @@ bool wanted(const LIST_OPTIONS& options, const VARIABLE& variable)
 {
     if (options.external && !variable.external)
         return false;
-    return options.pattern.empty() || fnmatch(options.pattern.c_str(), variable.name.c_str(), FNM_CASEFOLD) == 0;
+    return !options.pattern || fnmatch(options.pattern->c_str(), variable.name.c_str(), FNM_CASEFOLD) == 0;
 }
 
 std::string origin_of(const SETTINGS& settings, const VARIABLE& variable)
@@ -70,27 +70,26 @@ EXIT_CODE list(const LIST_OPTIONS& options, TOOL& tool)
     const EXIT_CODE compared = compare_with_library(settings);
     if (compared != EXIT_CODE::FINE)
         return compared;
-    return found || options.pattern.empty() ? EXIT_CODE::FINE : EXIT_CODE::FINDINGS;
+    return found || !options.pattern ? EXIT_CODE::FINE : EXIT_CODE::FINDINGS;
 }
 }
 
-void add_list_command(CLI::App& app, TOOL& tool)
+void add_list_command(COMMAND app, TOOL& tool)
 {
     auto options = std::make_shared<LIST_OPTIONS>();
-    CLI::App* const command =
-        add_command(app, tool, "list", "List the internal variables with their values, by name",
-                    "velmar-cfg --project designs/cpu list 'debug_*' --show-origin\n"
-                    "      what a run in designs/cpu would see of the debug switches, each with its file and line",
-                    [options, &tool] { return list(*options, tool); });
-    command
-        ->add_option("PATTERN", options->pattern,
-                     "Only names that match this shell pattern, letter case ignored; exit code 1 when there is none")
-        ->type_name("");
-    command->add_flag("--show-origin", options->show_origin,
-                      "Show where each value came from: FILE:LINE, or "
-                      "VELMAR_INI_VARS:ITEM");
-    command->add_flag("--external", options->external,
-                      "Only variables that count as external: those that the main "
-                      "settings file or VELMAR_INI_VARS sets");
-    add_nul_option(command, tool);
+    COMMAND command =
+        app.add_command(tool, "list", "List the internal variables with their values, by name",
+                        "velmar-cfg --project designs/cpu list 'debug_*' --show-origin\n"
+                        "      what a run in designs/cpu would see of the debug switches, each with its file and line",
+                        [options, &tool] { return list(*options, tool); });
+    command.add_optional_argument(
+        "PATTERN", options->pattern,
+        "Only names that match this shell pattern, letter case ignored; exit code 1 when there is none");
+    command.add_flag("--show-origin", options->show_origin,
+                     "Show where each value came from: FILE:LINE, or "
+                     "VELMAR_INI_VARS:ITEM");
+    command.add_flag("--external", options->external,
+                     "Only variables that count as external: those that the main "
+                     "settings file or VELMAR_INI_VARS sets");
+    command.add_nul_flag(tool);
 }

@@ -58,30 +58,26 @@ EXIT_CODE edit(const EDIT_OPTIONS& options, bool reset, TOOL& tool)
     return EXIT_CODE::FINE;
 }
 
-CLI::App* add_edit(CLI::App& prefs, TOOL& tool, const std::string& name, const std::string& description,
-                   const std::string& example)
+COMMAND add_edit(COMMAND prefs, TOOL& tool, const std::string& name, const std::string& description,
+                 const std::string& example)
 {
     auto options = std::make_shared<EDIT_OPTIONS>();
     const bool reset = name == "reset";
-    CLI::App* const command = add_command(prefs, tool, name, description, example,
-                                          [options, reset, &tool] { return edit(*options, reset, tool); });
-    command->add_option("KEY", options->key, "The preference, in any letter case")->required()->type_name("");
+    COMMAND command = prefs.add_command(tool, name, description, example,
+                                        [options, reset, &tool] { return edit(*options, reset, tool); });
+    command.add_argument("KEY", options->key, "The preference, in any letter case");
     if (!reset)
-        command
-            ->add_option("VALUE", options->value, "One of the allowed values; put -- before one that begins with \"-\"")
-            ->required()
-            ->type_name("");
-    command->add_flag("--dry-run", options->dry_run,
-                      "Change nothing: show the difference, with the comments and other lines that would be lost");
-    command
-        ->add_option("--wait", options->seconds_to_wait,
-                     "How long to wait for another velmar-cfg that changes the file (10 by default)")
-        ->type_name("SECONDS");
+        command.add_argument("VALUE", options->value,
+                             "One of the allowed values; put -- before one that begins with \"-\"");
+    command.add_flag("--dry-run", options->dry_run,
+                     "Change nothing: show the difference, with the comments and other lines that would be lost");
+    command.add_option("--wait", "SECONDS", options->seconds_to_wait,
+                       "How long to wait for another velmar-cfg that changes the file (10 by default)");
     return command;
 }
 }
 
-void add_prefs_edit_commands(CLI::App& prefs, TOOL& tool)
+void add_prefs_edit_commands(COMMAND prefs, TOOL& tool)
 {
     add_edit(prefs, tool, "set",
              "Give a preference a value, for the running release. The file is replaced as a whole once the new one has "

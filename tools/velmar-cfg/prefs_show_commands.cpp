@@ -108,43 +108,43 @@ EXIT_CODE path(TOOL& tool)
     return EXIT_CODE::FINE;
 }
 
-void add_list(CLI::App& prefs, TOOL& tool)
+void add_list(COMMAND prefs, TOOL& tool)
 {
     auto all = std::make_shared<bool>(false);
-    CLI::App* const command = add_command(
-        prefs, tool, "list",
+    COMMAND command = prefs.add_command(
+        tool, "list",
         "List the preferences whose value differs from the default: value, where it comes from, default and "
         "allowed values",
         "velmar-cfg prefs list --all\n      every preference, those at their default too",
         [all, &tool] { return list(*all, tool); });
-    command->add_flag("--all", *all, "Also those that have their default value");
-    add_nul_option(command, tool);
+    command.add_flag("--all", *all, "Also those that have their default value");
+    command.add_nul_flag(tool);
 }
 
-CLI::App* add_keyed(CLI::App& prefs, TOOL& tool, const std::string& name, const std::string& description,
-                    const std::string& example, EXIT_CODE (*run)(const std::string&, TOOL&))
+COMMAND add_keyed(COMMAND prefs, TOOL& tool, const std::string& name, const std::string& description,
+                  const std::string& example, EXIT_CODE (*run)(const std::string&, TOOL&))
 {
     auto key = std::make_shared<std::string>();
-    CLI::App* const command =
-        add_command(prefs, tool, name, description, example, [key, run, &tool] { return run(*key, tool); });
-    command->add_option("KEY", *key, "The preference, in any letter case")->required()->type_name("");
+    COMMAND command =
+        prefs.add_command(tool, name, description, example, [key, run, &tool] { return run(*key, tool); });
+    command.add_argument("KEY", *key, "The preference, in any letter case");
     return command;
 }
 }
 
-void add_prefs_show_commands(CLI::App& prefs, TOOL& tool)
+void add_prefs_show_commands(COMMAND prefs, TOOL& tool)
 {
     add_list(prefs, tool);
-    CLI::App* const get_command = add_keyed(
+    COMMAND get_command = add_keyed(
         prefs, tool, "get", "Print the value of a preference; exit code 1 when it has none, not even a default",
         "velmar-cfg prefs get HDL_PREFERENCE\n      the value, or the default: Verilog", get);
-    add_nul_option(get_command, tool);
+    get_command.add_nul_flag(tool);
     add_keyed(prefs, tool, "describe",
               "Show what a preference does, its value, its default, the values allowed and its older names",
               "velmar-cfg prefs describe NUM_PARALLEL_PROCESSORS\n      what the preference means, and its default",
               describe);
-    CLI::App* const command = add_command(prefs, tool, "path", "Print the path of the preference file, existing or not",
-                                          "velmar-cfg prefs path\n      the velmar2.ini that the programs read",
-                                          [&tool] { return path(tool); });
-    add_nul_option(command, tool);
+    COMMAND command = prefs.add_command(tool, "path", "Print the path of the preference file, existing or not",
+                                        "velmar-cfg prefs path\n      the velmar2.ini that the programs read",
+                                        [&tool] { return path(tool); });
+    command.add_nul_flag(tool);
 }

@@ -15,7 +15,7 @@ struct RUN_REPORT_OPTIONS
 {
     std::vector<std::string> files;
     bool merge = false;
-    std::string switch_name;
+    std::optional<std::string> switch_name;
 };
 
 // --- One run ---
@@ -217,8 +217,8 @@ EXIT_CODE show_runs_of_switch(const std::string& name, const std::vector<RUN_REP
 EXIT_CODE merge(const RUN_REPORT_OPTIONS& options, TOOL& tool)
 {
     const std::vector<RUN_REPORT> reports = read_run_reports(options.files);
-    if (!options.switch_name.empty())
-        return show_runs_of_switch(options.switch_name, reports, tool);
+    if (options.switch_name)
+        return show_runs_of_switch(*options.switch_name, reports, tool);
 
     const std::vector<NEVER_READ_VARIABLE> variables = variables_that_no_run_read(reports);
     if (tool.options.json)
@@ -243,11 +243,11 @@ EXIT_CODE run_report(const RUN_REPORT_OPTIONS& options, TOOL& tool)
 }
 }
 
-void add_run_report_command(CLI::App& app, TOOL& tool)
+void add_run_report_command(COMMAND app, TOOL& tool)
 {
     auto options = std::make_shared<RUN_REPORT_OPTIONS>();
-    CLI::App* const command = add_command(
-        app, tool, "run-report",
+    COMMAND command = app.add_command(
+        tool, "run-report",
         "Show which variables a run depended on, from the report that the host wrote; or, of many runs, what none of "
         "them read and which depended on one switch",
         "velmar-cfg run-report run.json\n      the variables that the run read, ranked\n"
@@ -255,12 +255,10 @@ void add_run_report_command(CLI::App& app, TOOL& tool)
         "  velmar-cfg run-report --merge --switch max_fanout nightly/*.json\n      the runs that max_fanout mattered "
         "to",
         [options, &tool] { return run_report(*options, tool); });
-    command->add_option("FILE", options->files, "A run report")->required()->type_name("");
-    CLI::Option* const merge_option = command->add_flag(
-        "--merge", options->merge, "Put several reports together: list what is set from outside and read by no run");
-    command
-        ->add_option("--switch", options->switch_name,
-                     "With --merge: list how each run stands to this variable; exit code 1 when none read it")
-        ->type_name("NAME")
-        ->needs(merge_option);
+    command.add_argument("FILE", options->files, "A run report");
+    command.add_flag("--merge", options->merge,
+                     "Put several reports together: list what is set from outside and read by no run");
+    command.add_option("--switch", "NAME", options->switch_name,
+                       "With --merge: list how each run stands to this variable; exit code 1 when none read it");
+    command.require_with("--switch", "--merge");
 }

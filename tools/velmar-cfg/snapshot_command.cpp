@@ -17,19 +17,16 @@ EXIT_CODE snapshot(const std::optional<std::string>& file, TOOL& tool)
 }
 }
 
-void add_snapshot_command(CLI::App& app, TOOL& tool)
+void add_snapshot_command(COMMAND app, TOOL& tool)
 {
     auto file = std::make_shared<std::optional<std::string>>();
-    CLI::App* const command = add_command(
-        app, tool, "snapshot",
+    COMMAND command = app.add_command(
+        tool, "snapshot",
         "Write all of it as one JSON document: release, settings files and preference file with their hashes, the "
         "environment variables that matter, every variable and every preference with its value and origin. To be kept "
         "with a run and given to diff.",
         "velmar-cfg --project designs/cpu --regtest snapshot -o before.json\n"
         "      what a regression run in designs/cpu goes by, for a later velmar-cfg diff before.json",
         [file, &tool] { return snapshot(*file, tool); });
-    // A target of its own type would take the empty text for no file.
-    const auto take_file = [file](const std::string& path) { *file = path; };
-    command->add_option_function<std::string>("-o,--output", take_file, "Write to this file, as a whole or not at all")
-        ->type_name("FILE");
+    command.add_option("-o,--output", "FILE", *file, "Write to this file, as a whole or not at all");
 }

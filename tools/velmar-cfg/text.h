@@ -10,7 +10,7 @@
 std::string trimmed(std::string_view text);
 
 // In quotes, and cut short if need be: a line may be a megabyte long.
-std::string quoted(std::string_view text);
+std::string in_single_quotes(std::string_view text);
 
 // The bytes as lower-case hexadecimal digits, two a byte; and back, in either letter case, nothing for another text.
 std::string as_hexadecimal(std::string_view bytes);

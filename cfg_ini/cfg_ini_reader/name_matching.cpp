@@ -1,12 +1,13 @@
 #include "cfg_ini/cfg_ini_reader/name_matching.h"
 
-#include <bit>
+#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
-// Eight characters a step. The words below are read little-endian: the first character is the lowest byte.
-static_assert(std::endian::native == std::endian::little);
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace
 {
@@ -22,22 +23,9 @@ WORD load_word(const char* from)
     return word;
 }
 
-WORD load_half_word(const char* from)
-{
-    std::uint32_t half;
-    std::memcpy(&half, from, sizeof half);
-    return half;
-}
-
 constexpr char folded(char c)
 {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
-
-// Whether each byte is 0x01 to 0x7F; only such words may be hashed as a whole.
-constexpr bool is_plain(WORD word)
-{
-    return (((word - ones) | word) & high_bits) == 0;
 }
 
 // The letters A to Z of a word without high bits folded.
@@ -46,21 +34,6 @@ constexpr WORD folded(WORD word)
     const WORD from_a = word + ones * (0x80 - 'A');
     const WORD past_z = word + ones * (0x80 - 'Z' - 1);
     return word | (((from_a ^ past_z) & high_bits) >> 2); // 0x80 >> 2 is what separates the cases
-}
-
-// 17 to the power of n, for n of at most 8.
-constexpr WORD powers[] = {1, 17, 289, 4913, 83521, 1419857, 24137569, 410338673, 6975757441};
-
-// The hash of eight folded characters; leading zero bytes stand for characters that are not there. Neighbours are
-// joined to numbers of 2, of 4 and of 8 characters; no lane overflows into the next, since no byte has its high bit
-// set.
-constexpr WORD hash_of_word(WORD word)
-{
-    constexpr WORD each_second = 0x00FF00FF00FF00FFU;
-    constexpr WORD each_second_pair = 0x0000FFFF0000FFFFU;
-    const WORD pairs = (word & each_second) * powers[1] + ((word >> 8) & each_second);
-    const WORD quads = (pairs & each_second_pair) * powers[2] + ((pairs >> 16) & each_second_pair);
-    return (quads & 0xFFFFFFFFU) * powers[4] + (quads >> 32);
 }
 
 std::size_t hash_bytewise(std::string_view name)
@@ -75,6 +48,103 @@ std::size_t hash_bytewise(std::string_view name)
     }
     return hash;
 }
+
+#ifdef __SSE2__
+constexpr std::size_t block_size = 16;
+
+// 17 to the power of n, for n of at most 16.
+constexpr std::array<WORD, block_size + 1> powers = []
+{
+    std::array<WORD, block_size + 1> all{1};
+    for (std::size_t n = 1; n < all.size(); ++n)
+        all[n] = all[n - 1] * 17;
+    return all;
+}();
+
+__m128i load_block(const char* from)
+{
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+}
+
+// A mask of the last n bytes of a block, and of the last n of eight.
+constexpr std::array<unsigned char, 2 * block_size> none_then_all = []
+{
+    std::array<unsigned char, 2 * block_size> bytes{};
+    for (std::size_t n = block_size; n < bytes.size(); ++n)
+        bytes[n] = 0xFF;
+    return bytes;
+}();
+
+__m128i last_bytes(std::size_t n)
+{
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(none_then_all.data() + n));
+}
+
+__m128i last_bytes_of_half(std::size_t n)
+{
+    return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(none_then_all.data() + 8 + n));
+}
+
+// Whether each byte is 0x01 to 0x7F; only such blocks may be hashed as a whole.
+bool is_plain(__m128i block)
+{
+    return _mm_movemask_epi8(_mm_or_si128(block, _mm_cmpeq_epi8(block, _mm_setzero_si128()))) == 0;
+}
+
+// The hash of the characters of the lower half followed by those of the upper one, of which 17 to the power of their
+// number is given; leading zero bytes in a half stand for characters that are not there. Neighbours are folded and
+// joined to numbers of 2, of 4 and of 8 characters; no lane overflows into the next.
+WORD hash_of_block(__m128i block, WORD power_of_upper_size)
+{
+    const __m128i is_upper =
+        _mm_and_si128(_mm_cmpgt_epi8(block, _mm_set1_epi8('A' - 1)), _mm_cmplt_epi8(block, _mm_set1_epi8('Z' + 1)));
+    block = _mm_or_si128(block, _mm_and_si128(is_upper, _mm_set1_epi8('a' - 'A')));
+
+    const __m128i pairs = _mm_add_epi16(
+        _mm_mullo_epi16(_mm_and_si128(block, _mm_set1_epi16(0x00FF)), _mm_set1_epi16(17)), _mm_srli_epi16(block, 8));
+    const __m128i quads = _mm_madd_epi16(pairs, _mm_set1_epi32(1 << 16 | 17 * 17));
+    const __m128i halves =
+        _mm_add_epi64(_mm_mul_epu32(quads, _mm_set1_epi32(17 * 17 * 17 * 17)), _mm_srli_epi64(quads, 32));
+    const WORD first = static_cast<WORD>(_mm_cvtsi128_si64(halves));
+    const WORD second = static_cast<WORD>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(halves, halves)));
+    return first * power_of_upper_size + second;
+}
+
+// The hash of a name of eight characters or more.
+std::size_t hash_blockwise(std::string_view name)
+{
+    const char* const end = name.data() + name.size();
+    if (name.size() < block_size)
+    {
+        // The last eight characters, those that are among the first eight taken out.
+        const std::size_t left = name.size() - 8;
+        const __m128i first = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(name.data()));
+        const __m128i last = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(end - 8));
+        if (!is_plain(_mm_unpacklo_epi64(first, last)))
+            return hash_bytewise(name);
+        return hash_of_block(_mm_unpacklo_epi64(first, _mm_and_si128(last, last_bytes_of_half(left))), powers[left]);
+    }
+
+    WORD hash = 0;
+    std::size_t left = name.size();
+    for (const char* next = name.data(); left >= block_size; next += block_size, left -= block_size)
+    {
+        const __m128i block = load_block(next);
+        if (!is_plain(block))
+            return hash_bytewise(name);
+        hash = hash * powers[block_size] + hash_of_block(block, powers[8]);
+    }
+    if (left > 0)
+    {
+        // The last sixteen characters, those that were hashed already taken out.
+        const __m128i block = load_block(end - block_size);
+        if (!is_plain(block))
+            return hash_bytewise(name);
+        hash = hash * powers[left] + hash_of_block(_mm_and_si128(block, last_bytes(left)), powers[8]);
+    }
+    return hash;
+}
+#endif
 
 std::string_view up_to_zero_byte(std::string_view name)
 {
@@ -92,37 +162,11 @@ void refuse_null_name()
 
 std::size_t hash_name(std::string_view name)
 {
-    const std::size_t length = name.size();
-    if (length < 4)
-        return hash_bytewise(name);
-    if (length < 8)
-    {
-        // Two overlapping halves, moved up so that the last character is the highest byte.
-        const WORD word = load_half_word(name.data() + length - 4) << 32 | load_half_word(name.data())
-                                                                               << (8 * (8 - length));
-        if (!is_plain(word | (ones >> (8 * length))))
-            return hash_bytewise(name);
-        return hash_of_word(folded(word));
-    }
-
-    WORD hash = 0;
-    std::size_t left = length;
-    for (const char* next = name.data(); left >= 8; next += 8, left -= 8)
-    {
-        const WORD word = load_word(next);
-        if (!is_plain(word))
-            return hash_bytewise(name);
-        hash = hash * powers[8] + hash_of_word(folded(word));
-    }
-    if (left > 0)
-    {
-        // The last eight characters, those that were hashed already taken out.
-        const WORD word = load_word(name.data() + length - 8);
-        if (!is_plain(word))
-            return hash_bytewise(name);
-        hash = hash * powers[left] + hash_of_word(folded(word) & (~WORD{0} << (8 * (8 - left))));
-    }
-    return hash;
+#ifdef __SSE2__
+    if (name.size() >= 8)
+        return hash_blockwise(name);
+#endif
+    return hash_bytewise(name);
 }
 
 bool equal_folded(const char* a, const char* b, std::size_t length)

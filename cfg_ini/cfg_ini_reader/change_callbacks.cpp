@@ -3,6 +3,7 @@
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 
 constinit CFG_INI_CALLBACK_REGISTRY* s_ini_callbacks = nullptr;
+constinit std::uint64_t cfg_ini_watched_kinds = 0;
 constinit int cfg_ini_notifications = 0;
 
 namespace
@@ -27,7 +28,7 @@ void notify(const std::vector<CFG_INI_CALLBACK*>& callbacks, NOTIFICATION notifi
 
 NOTIFYING_STORE_LOCK::NOTIFYING_STORE_LOCK() : NOTIFYING_STORE_LOCK(locked_store_mutex()) {}
 
-void refresh_callbacks(std::string_view name)
+void refresh_callbacks_in_registry(std::string_view name)
 {
     if (s_ini_callbacks == nullptr)
         return;
@@ -51,6 +52,7 @@ CFG_INI_CALLBACK::CFG_INI_CALLBACK(const char* variable_name) : name(variable_na
     if (s_ini_callbacks == nullptr)
         s_ini_callbacks = new CFG_INI_CALLBACK_REGISTRY;
     (*s_ini_callbacks)[std::string(name)].push_back(this);
+    cfg_ini_watched_kinds |= std::uint64_t{1} << callback_name_kind(name);
     thr_mutex_unlock(mutex);
 }
 

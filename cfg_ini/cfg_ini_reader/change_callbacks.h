@@ -3,6 +3,7 @@
 #define CFG_INI_CFG_INI_READER_CHANGE_CALLBACKS_H
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -29,6 +30,17 @@ using CFG_INI_CALLBACK_REGISTRY =
 // Variable name, spelt exactly, to its callbacks in registration order. Null until the first is constructed, never
 // freed (it outlives every store and static object). Guarded by the store's lock.
 extern constinit CFG_INI_CALLBACK_REGISTRY* s_ini_callbacks;
+
+// A bit for each kind of name in the registry, the kinds being those of callback_name_kind; bits are never taken back.
+// Most names that are stored are of no kind that anybody watches, and so need not be looked for. Guarded by the lock.
+extern constinit std::uint64_t cfg_ini_watched_kinds;
+
+// 0 to 63, from the length and the last character.
+inline unsigned int callback_name_kind(std::string_view name)
+{
+    const unsigned char last = name.empty() ? '\0' : static_cast<unsigned char>(name.back());
+    return static_cast<unsigned int>(5 * name.size() + last) % 64;
+}
 
 // How many notifications are under way, those that an exception ended included. Guarded by the lock.
 extern constinit int cfg_ini_notifications;
@@ -69,7 +81,12 @@ private:
 // --- The caller holds the lock, through a NOTIFYING_STORE_LOCK ---
 
 // Calls refresh() of the callbacks of exactly this name, in registration order.
-void refresh_callbacks(std::string_view name);
+void refresh_callbacks_in_registry(std::string_view name);
+inline void refresh_callbacks(std::string_view name)
+{
+    if ((cfg_ini_watched_kinds >> callback_name_kind(name) & 1) != 0)
+        refresh_callbacks_in_registry(name);
+}
 
 // Calls reset_to_default() of every callback; the names in no fixed order, those of one name in registration order.
 void reset_callbacks();

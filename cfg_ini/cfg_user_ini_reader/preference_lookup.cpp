@@ -97,11 +97,9 @@ bool is_catalogue_spelling(CFG_USER_INI_ENUMS preference, const char* name)
 }
 
 // The memory for the running release's record of a preference that has triples; null when it cannot be used.
-// `versions` is what a search would walk, null when it would walk nothing.
-REMEMBERED_RECORD* memory_for(CFG_USER_INI_ENUMS preference, const char* name, const std::string& version,
-                              const std::vector<std::string>* versions)
+REMEMBERED_RECORD* memory_for(CFG_USER_INI_ENUMS preference, const char* name, const std::string& version)
 {
-    return is_catalogue_spelling(preference, name) ? remembered_record(preference, version, versions) : nullptr;
+    return is_catalogue_spelling(preference, name) ? remembered_record(preference, version) : nullptr;
 }
 
 // The value in the file, carried over where the running release's section is missing; empty when there is none.
@@ -111,8 +109,12 @@ std::string value_in_file(const char* bare_section, const char* name, const std:
     if (memory != nullptr && memory->record != nullptr)
         return memory->record->value;
     const std::size_t searched = cfg_user_ini_records->size() + 1;
-    if (memory != nullptr && memory->searched == searched)
-        return {};
+    if (memory != nullptr)
+    {
+        forget_misses_among_other_releases(versions);
+        if (memory->searched == searched)
+            return {};
+    }
 
     const RECORD_KEY current = record_key(released_section(bare_section, version), name);
     CFG_USER_VALUE_STRUCT* const record = find_record(current);
@@ -140,8 +142,7 @@ std::string look_up(CFG_USER_INI_ENUMS preference, const char* name, bool use_de
 
     std::string value;
     if (triple != nullptr)
-        value =
-            value_in_file(triple->section, name, version, versions, memory_for(preference, name, version, &versions));
+        value = value_in_file(triple->section, name, version, versions, memory_for(preference, name, version));
     if (value.empty() && use_default)
         value = cfg_user_ini_name_default_values[preference_position(preference)].second;
     return value;
@@ -176,7 +177,7 @@ bool assign(CFG_USER_INI_ENUMS preference, const char* name, const char* value)
     if (triple == nullptr)
         return false;
 
-    REMEMBERED_RECORD* const memory = memory_for(preference, name, version, nullptr);
+    REMEMBERED_RECORD* const memory = memory_for(preference, name, version);
     if (memory != nullptr && memory->record != nullptr)
         memory->record->value = value;
     else

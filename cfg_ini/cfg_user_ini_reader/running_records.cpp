@@ -1,32 +1,54 @@
 #include "cfg_ini/cfg_user_ini_reader/running_records.h"
 
+#include <algorithm>
 #include <array>
-#include <cstring>
+#include <string_view>
 
 namespace
 {
 constinit std::array<REMEMBERED_RECORD, CFG_USER_INI_ENUMS_END + 1> remembered = {};
 constinit std::array<char, 32> remembered_version = {};
+constinit std::size_t remembered_version_size = 0;
+
+// Never destroyed: preferences may still be asked for when static objects are gone.
+constinit std::vector<std::string>* remembered_versions = nullptr;
+
+// Releases have short names: a call of memcmp takes longer than a look at each character.
+bool is_same_release(std::string_view a, std::string_view b)
+{
+    if (a.size() != b.size())
+        return false;
+    for (std::size_t at = 0; at < a.size(); ++at)
+    {
+        if (a[at] != b[at])
+            return false;
+    }
+    return true;
+}
 }
 
-REMEMBERED_RECORD* remembered_record(CFG_USER_INI_ENUMS preference, const std::string& version,
-                                     const std::vector<std::string>* versions)
+REMEMBERED_RECORD* remembered_record(CFG_USER_INI_ENUMS preference, const std::string& version)
 {
-    // Never destroyed: preferences may still be asked for when static objects are gone.
-    static std::vector<std::string>& remembered_versions = *new std::vector<std::string>;
-    if (versions != nullptr && *versions != remembered_versions)
+    if (!is_same_release(version, std::string_view(remembered_version.data(), remembered_version_size)))
     {
-        forget_running_records();
-        remembered_versions = *versions;
-    }
-    if (version.compare(remembered_version.data()) != 0)
-    {
-        if (version.size() >= remembered_version.size())
+        if (version.size() > remembered_version.size())
             return nullptr;
         forget_running_records();
-        std::memcpy(remembered_version.data(), version.c_str(), version.size() + 1);
+        remembered_version_size = version.copy(remembered_version.data(), remembered_version.size());
     }
     return &remembered[static_cast<std::size_t>(preference)];
+}
+
+void forget_misses_among_other_releases(const std::vector<std::string>& versions)
+{
+    if (remembered_versions == nullptr)
+        remembered_versions = new std::vector<std::string>;
+    const auto is_same = [](const std::string& a, const std::string& b) { return is_same_release(a, b); };
+    if (!std::ranges::equal(versions, *remembered_versions, is_same))
+    {
+        forget_running_records();
+        *remembered_versions = versions;
+    }
 }
 
 void forget_running_records()

@@ -21,10 +21,13 @@ struct REMEMBERED_RECORD
 };
 
 // What is remembered of the record under the catalogue's own spelling of the preference's key, while `version` is the
-// running release and, unless null, `versions` are the known ones. The entry may be written. Null for a running release
-// whose name is too long to keep.
-REMEMBERED_RECORD* remembered_record(CFG_USER_INI_ENUMS preference, const std::string& version,
-                                     const std::vector<std::string>* versions);
+// running release. The entry may be written. Null for a running release whose name is too long to keep. A miss counts
+// only after the call below.
+REMEMBERED_RECORD* remembered_record(CFG_USER_INI_ENUMS preference, const std::string& version);
+
+// Makes sure that a remembered miss is one among `versions`, the releases known now: forgets everything if it is one
+// among others.
+void forget_misses_among_other_releases(const std::vector<std::string>& versions);
 
 // Forgets everything; to be called whenever the map is made or freed.
 void forget_running_records();

@@ -1,6 +1,5 @@
 #include "cfg_ini/cfg_ini_reader/lookup.h"
 
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -8,6 +7,8 @@
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/debug_message.h"
+#include "cfg_ini/cfg_ini_reader/name_matching.h"
+#include "cfg_ini/cfg_ini_reader/recent_names.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "cfg_ini/cfg_ini_reader/store_access.h"
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"

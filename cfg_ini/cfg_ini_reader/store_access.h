@@ -3,6 +3,7 @@
 #define CFG_INI_CFG_INI_READER_STORE_ACCESS_H
 
 #include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "platform/thr/thr.h"
 
 // Reads the settings files if there is no store, and returns with the lock held and a store present. The caller unlocks
 // the mutex that it returns. Throws what the reading throws.

@@ -3,6 +3,7 @@
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/change_callbacks.h"
 #include "cfg_ini/cfg_ini_reader/ini_text.h"
+#include "cfg_ini/cfg_ini_reader/recent_names.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "cfg_ini/cfg_ini_reader/store_access.h"
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"

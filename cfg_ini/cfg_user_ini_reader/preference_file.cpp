@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <utility>
 
+#include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
 #include "cfg_ini/cfg_user_ini_reader/running_records.h"
 #include "platform/err/err.h"

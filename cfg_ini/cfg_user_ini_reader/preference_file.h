@@ -9,8 +9,6 @@
 #include <string>
 #include <string_view>
 
-#include "cfg_ini/cfg_ini.h"
-
 // What internal errors of the preference store name as their source.
 inline constexpr const char* preference_store_source = "cfg_ini/cfg_user_ini_reader";
 

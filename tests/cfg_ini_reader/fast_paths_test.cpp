@@ -91,6 +91,26 @@ TEST(FAST_PATHS, names_are_equal_when_the_folded_bytes_up_to_zero_are)
     }
 }
 
+TEST(FAST_PATHS, any_two_bytes_are_told_apart_in_any_place_of_a_word)
+{
+    const auto folded = [](int c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; };
+    for (std::size_t place = 0; place < 16; ++place)
+    {
+        std::string a = "sixteen_letters_";
+        std::string b = "SIXTEEN_LETTERS_";
+        for (int x = 1; x < 256; ++x)
+        {
+            a[place] = static_cast<char>(x);
+            for (int y = 1; y < 256; ++y)
+            {
+                b[place] = static_cast<char>(y);
+                ASSERT_EQ(equal_names(a, b), folded(x) == folded(y)) << x << " and " << y << " at " << place;
+                ASSERT_EQ(hash_name(a) == hash_name(b), folded(x) == folded(y)) << x << " and " << y << " at " << place;
+            }
+        }
+    }
+}
+
 TEST(FAST_PATHS, lines_divide_as_the_two_passes_do)
 {
     // The last two make lines in which what divides is rare, so that the scan goes on for some blocks.

@@ -105,6 +105,40 @@ TEST_F(RUNNING_RECORDS_TEST, another_running_release_is_not_answered_from_memory
     EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "off");
 }
 
+TEST_F(RUNNING_RECORDS_TEST, releases_that_differ_in_one_character_are_told_apart)
+{
+    const std::vector<std::string> releases = {"23.4", "33.4", "24.4", "23:4", "23.5", "23.40", "23.", ""};
+    std::string text;
+    for (const std::string& release : releases)
+        text += "[Vantrel " + release + "_pro]\nVANTREL2_USER_ID = user of '" + release + "'\n";
+    write_preferences(text);
+    for (const std::string& first : releases)
+    {
+        for (const std::string& second : releases)
+        {
+            fake::ver::set_version(first);
+            EXPECT_EQ(cfg_get_user_ini_value(VANTREL2_USER_ID), "user of '" + first + "'");
+            fake::ver::set_version(second);
+            EXPECT_EQ(cfg_get_user_ini_value(VANTREL2_USER_ID), "user of '" + second + "'") << "after " << first;
+        }
+    }
+}
+
+TEST_F(RUNNING_RECORDS_TEST, a_release_of_any_length_keeps_its_records)
+{
+    for (std::size_t length = 28; length <= 36; ++length)
+    {
+        const std::string release(length, '9');
+        fake::ver::set_version(release);
+        cfg_close_user_ini_file();
+        write_preferences("[Vantrel " + release + "_pro]\nVANTREL2_USER_ID = ana\n");
+        EXPECT_EQ(cfg_get_user_ini_value(VANTREL2_USER_ID), "ana");
+        EXPECT_EQ(cfg_get_user_ini_value(VANTREL2_USER_ID), "ana");
+        EXPECT_TRUE(cfg_set_user_ini_value(VANTREL2_USER_ID, "ben"));
+        EXPECT_EQ(cfg_get_user_ini_value(VANTREL2_USER_ID), "ben");
+    }
+}
+
 TEST_F(RUNNING_RECORDS_TEST, another_list_of_known_releases_is_not_answered_from_memory)
 {
     write_preferences("[Messages 23.2_pro]\nSHOW_MESSAGE_ID = off\n");

@@ -6,7 +6,7 @@
 
 namespace
 {
-constinit std::array<REMEMBERED_RECORD, CFG_USER_INI_ENUMS_END + 1> remembered = {};
+constinit std::array<REMEMBERED_RECORD, CFG_USER_INI_ENUMS_END> remembered = {};
 constinit std::array<char, 32> remembered_version = {};
 constinit std::size_t remembered_version_size = 0;
 

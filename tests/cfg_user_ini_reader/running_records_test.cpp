@@ -126,7 +126,7 @@ TEST_F(RUNNING_RECORDS_TEST, releases_that_differ_in_one_character_are_told_apar
 
 TEST_F(RUNNING_RECORDS_TEST, a_release_of_any_length_keeps_its_records)
 {
-    for (std::size_t length = 28; length <= 36; ++length)
+    for (std::size_t length = 36; length >= 28; --length)
     {
         const std::string release(length, '9');
         fake::ver::set_version(release);
@@ -136,6 +136,22 @@ TEST_F(RUNNING_RECORDS_TEST, a_release_of_any_length_keeps_its_records)
         EXPECT_EQ(cfg_get_user_ini_value(VANTREL2_USER_ID), "ana");
         EXPECT_TRUE(cfg_set_user_ini_value(VANTREL2_USER_ID, "ben"));
         EXPECT_EQ(cfg_get_user_ini_value(VANTREL2_USER_ID), "ben");
+    }
+}
+
+TEST_F(RUNNING_RECORDS_TEST, a_release_that_begins_like_a_long_one_is_told_apart)
+{
+    fake::ver::set_all_versions({});
+    std::string text;
+    for (std::size_t length = 28; length <= 40; ++length)
+        text += "[Vantrel " + std::string(length, '9') + "_pro]\nVANTREL2_USER_ID = " + std::to_string(length) + "\n";
+    write_preferences(text);
+    for (std::size_t length = 28; length < 40; ++length)
+    {
+        fake::ver::set_version(std::string(40, '9'));
+        EXPECT_EQ(cfg_get_user_ini_value(VANTREL2_USER_ID), "40");
+        fake::ver::set_version(std::string(length, '9'));
+        EXPECT_EQ(cfg_get_user_ini_value(VANTREL2_USER_ID), std::to_string(length));
     }
 }
 

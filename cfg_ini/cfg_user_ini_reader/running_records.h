@@ -21,8 +21,8 @@ struct REMEMBERED_RECORD
 };
 
 // What is remembered of the record under the catalogue's own spelling of the preference's key, while `version` is the
-// running release; the preference is one of the catalogue's. The entry may be written. Null for a running release whose name is too long to keep. A miss counts
-// only after the call below.
+// running release; the preference is one of the catalogue's. The entry may be written. Null for a running release whose
+// name is too long to keep. A miss counts only after the call below.
 REMEMBERED_RECORD* remembered_record(CFG_USER_INI_ENUMS preference, const std::string& version);
 
 // Makes sure that a remembered miss is one among `versions`, the releases known now: forgets everything if it is one

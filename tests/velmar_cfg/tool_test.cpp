@@ -3,16 +3,15 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <filesystem>
+#include <linux/capability.h>
 #include <ostream>
+#include <sys/prctl.h>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace
 {
-constexpr uid_t nobody = 65534;
-
 std::vector<char*> pointers(std::vector<std::string>& texts)
 {
     std::vector<char*> result;
@@ -23,8 +22,16 @@ std::vector<char*> pointers(std::vector<std::string>& texts)
     return result;
 }
 
+// Makes permissions count for the program that is executed next, as they do for users. Root's own files stay its own,
+// so that the program and its libraries are found wherever they were built.
+bool give_up_rights()
+{
+    return geteuid() != 0 || (prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0) == 0 &&
+                              prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH, 0, 0, 0) == 0);
+}
+
 // Only calls that are safe between fork and exec.
-[[noreturn]] void become_tool(uid_t user, bool traced, const char* output, const char* errors, char** arguments,
+[[noreturn]] void become_tool(bool with_rights, bool traced, const char* output, const char* errors, char** arguments,
                               char** environment)
 {
     const int out = open(output, O_WRONLY | O_CREAT | O_TRUNC, 0666);
@@ -32,7 +39,7 @@ std::vector<char*> pointers(std::vector<std::string>& texts)
     const int in = open("/dev/null", O_RDONLY);
     const bool ready = out >= 0 && err >= 0 && in >= 0 && dup2(in, STDIN_FILENO) >= 0 &&
                        dup2(out, STDOUT_FILENO) >= 0 && dup2(err, STDERR_FILENO) >= 0 &&
-                       (user == 0 || (setgid(user) == 0 && setuid(user) == 0)) &&
+                       (with_rights || give_up_rights()) &&
                        (!traced || ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0);
     if (ready)
         execve(VELMAR_CFG, arguments, environment);
@@ -65,50 +72,40 @@ TOOL_TEST::TOOL_TEST()
 
 TOOL_RUN TOOL_TEST::run(const std::vector<std::string>& arguments) const
 {
-    return run_as(0, arguments);
+    return run_with(true, arguments);
 }
 
 TOOL_RUN TOOL_TEST::run_without_rights(const std::vector<std::string>& arguments) const
 {
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(temporary.path()))
-    {
-        EXPECT_EQ(lchown(entry.path().c_str(), nobody, nobody), 0) << entry.path();
-    }
-    EXPECT_EQ(chown(temporary.path().c_str(), nobody, nobody), 0);
-    return run_as(nobody, arguments);
-}
-
-bool TOOL_TEST::can_drop_rights()
-{
-    return geteuid() == 0;
+    return run_with(false, arguments);
 }
 
 pid_t TOOL_TEST::start(const std::vector<std::string>& arguments, const std::string& output) const
 {
-    return start_as(0, arguments, output);
+    return start_with(true, arguments, output);
 }
 
 pid_t TOOL_TEST::start_traced(const std::vector<std::string>& arguments) const
 {
-    const pid_t child = start_as(0, arguments, temporary.path("standard_output"), true);
+    const pid_t child = start_with(true, arguments, temporary.path("standard_output"), true);
     int status = 0;
     EXPECT_EQ(waitpid(child, &status, 0), child);
     EXPECT_TRUE(WIFSTOPPED(status));
     return child;
 }
 
-TOOL_RUN TOOL_TEST::run_as(uid_t user, const std::vector<std::string>& arguments) const
+TOOL_RUN TOOL_TEST::run_with(bool rights, const std::vector<std::string>& arguments) const
 {
     const std::string output = temporary.path("standard_output");
-    const pid_t child = start_as(user, arguments, output);
+    const pid_t child = start_with(rights, arguments, output);
     int status = 0;
     EXPECT_EQ(waitpid(child, &status, 0), child);
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status), read_file(output),
             read_file(temporary.path("standard_error"))};
 }
 
-pid_t TOOL_TEST::start_as(uid_t user, const std::vector<std::string>& arguments, const std::string& output,
-                          bool traced) const
+pid_t TOOL_TEST::start_with(bool rights, const std::vector<std::string>& arguments, const std::string& output,
+                            bool traced) const
 {
     std::vector<std::string> words = {"velmar-cfg"};
     words.insert(words.end(), arguments.begin(), arguments.end());
@@ -126,7 +123,7 @@ pid_t TOOL_TEST::start_as(uid_t user, const std::vector<std::string>& arguments,
     const pid_t child = fork();
     if (child == 0)
     {
-        become_tool(user, traced, output.c_str(), errors.c_str(), const_cast<char**>(argument_pointers.data()),
+        become_tool(rights, traced, output.c_str(), errors.c_str(), const_cast<char**>(argument_pointers.data()),
                     const_cast<char**>(environment_pointers.data()));
     }
     return child;

@@ -38,10 +38,8 @@ protected:
     // Runs velmar-cfg with these arguments and nothing but `variables` in its environment.
     TOOL_RUN run(const std::vector<std::string>& arguments) const;
 
-    // The same as a user without rights, to whom the temporary directory belongs from then on. Skip the test when
-    // can_drop_rights() is false.
+    // The same with permissions that count, as they do not for root.
     TOOL_RUN run_without_rights(const std::vector<std::string>& arguments) const;
-    static bool can_drop_rights();
 
     // Starts the tool with standard output going to `output`; the caller waits for the process.
     pid_t start(const std::vector<std::string>& arguments, const std::string& output) const;
@@ -52,9 +50,9 @@ protected:
     std::map<std::string, std::string> variables;
 
 private:
-    TOOL_RUN run_as(uid_t user, const std::vector<std::string>& arguments) const;
-    pid_t start_as(uid_t user, const std::vector<std::string>& arguments, const std::string& output,
-                   bool traced = false) const;
+    TOOL_RUN run_with(bool rights, const std::vector<std::string>& arguments) const;
+    pid_t start_with(bool rights, const std::vector<std::string>& arguments, const std::string& output,
+                     bool traced = false) const;
 };
 
 #endif

@@ -52,28 +52,38 @@ std::size_t hash_bytewise(std::string_view name)
 #ifdef __SSE2__
 constexpr std::size_t block_size = 16;
 
-// 17 to the power of n, for n of at most 16.
-constexpr std::array<WORD, block_size + 1> powers = []
+using POWERS = std::array<WORD, 17>; // of 0 to block_size
+
+constexpr POWERS powers_of_17()
 {
-    std::array<WORD, block_size + 1> all{1};
+    POWERS all{1};
     for (std::size_t n = 1; n < all.size(); ++n)
         all[n] = all[n - 1] * 17;
     return all;
-}();
+}
+
+// 17 to the power of n.
+constexpr POWERS powers = powers_of_17();
+static_assert(powers.size() == block_size + 1);
 
 __m128i load_block(const char* from)
 {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
 }
 
-// A mask of the last n bytes of a block, and of the last n of eight.
-constexpr std::array<unsigned char, 2 * block_size> none_then_all = []
+using TWO_BLOCKS = std::array<unsigned char, 32>;
+
+constexpr TWO_BLOCKS none_then_all_bits()
 {
-    std::array<unsigned char, 2 * block_size> bytes{};
+    TWO_BLOCKS bytes{};
     for (std::size_t n = block_size; n < bytes.size(); ++n)
         bytes[n] = 0xFF;
     return bytes;
-}();
+}
+
+// A mask of the last n bytes of a block, and of the last n of eight, is in here.
+constexpr TWO_BLOCKS none_then_all = none_then_all_bits();
+static_assert(none_then_all.size() == 2 * block_size);
 
 __m128i last_bytes(std::size_t n)
 {

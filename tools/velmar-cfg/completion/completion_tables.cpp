@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 
 #include "tools/velmar-cfg/command_line.h"
 #include "tools/velmar-cfg/known_variables.h"
@@ -183,9 +184,11 @@ std::string list(const std::string& name, const std::vector<std::string>& lines)
 }
 }
 
-std::string completion_tables(CLI::App& app)
+std::string completion_tables()
 {
-    const std::vector<CLI::App*> commands = all_commands(app);
+    TOOL tool;
+    const std::unique_ptr<CLI::App> app = make_command_line(tool);
+    const std::vector<CLI::App*> commands = all_commands(*app);
     return is_command_table(commands) + commands_table(commands) + options_table(commands) +
            option_values_table(commands) + arguments_table(commands) +
            list("_velmar_cfg_variables", known_variable_names()) + list("_velmar_cfg_keys", all_preference_keys()) +

@@ -2,7 +2,6 @@
 #ifndef TOOLS_VELMAR_CFG_COMPLETION_COMPLETION_TABLES_H
 #define TOOLS_VELMAR_CFG_COMPLETION_COMPLETION_TABLES_H
 
-#include <CLI/CLI.hpp>
 #include <string>
 
 // The functions, which bash and zsh both understand; each prints lines or returns a status:
@@ -16,6 +15,6 @@
 //     _velmar_cfg_values KEY                the allowed values of a preference
 //
 // A kind is file, directory, variable, key, value, text, or "words:" with words separated by blanks.
-std::string completion_tables(CLI::App& app);
+std::string completion_tables();
 
 #endif

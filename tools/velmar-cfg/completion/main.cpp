@@ -3,8 +3,8 @@
 #include <fstream>
 #include <iostream>
 #include <sstream>
+#include <stdexcept>
 
-#include "tools/velmar-cfg/command_line.h"
 #include "tools/velmar-cfg/completion/completion_tables.h"
 
 namespace
@@ -34,10 +34,9 @@ int main(int argc, char** argv)
     }
     try
     {
-        TOOL tool;
         std::string script = content_of(argv[1]);
         put_in_place(script, "@WALK@\n", content_of(argv[2]));
-        put_in_place(script, "@TABLES@\n", completion_tables(*make_command_line(tool)));
+        put_in_place(script, "@TABLES@\n", completion_tables());
         std::ofstream output(argv[3], std::ios::binary);
         output << script;
         output.close();

@@ -31,9 +31,10 @@ REMEMBERED_RECORD* remembered_record(CFG_USER_INI_ENUMS preference, const std::s
 {
     if (!is_same_release(version, std::string_view(remembered_version.data(), remembered_version_size)))
     {
+        // Also for a release whose name is not kept: assignments for it may change what others were refused.
+        forget_running_records();
         if (version.size() > remembered_version.size())
             return nullptr;
-        forget_running_records();
         remembered_version_size = version.copy(remembered_version.data(), remembered_version.size());
     }
     return &remembered[static_cast<std::size_t>(preference)];

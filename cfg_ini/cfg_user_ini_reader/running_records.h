@@ -11,8 +11,7 @@
 #include <vector>
 
 #include "cfg_ini/cfg_ini.h"
-
-struct CFG_USER_VALUE_STRUCT;
+#include "cfg_ini/cfg_user_ini_reader/preference_file.h"
 
 struct REMEMBERED_RECORD
 {

@@ -64,6 +64,22 @@ TEST(FAST_PATHS, hash_is_that_of_the_bytewise_rule)
     }
 }
 
+TEST(FAST_PATHS, hash_is_that_of_the_part_of_a_text_alone)
+{
+    RANDOM_TEXT random(3, letters);
+    for (std::size_t size = 0; size < 70; ++size)
+    {
+        for (int i = 0; i < 20; ++i)
+        {
+            std::string around;
+            while (around.size() < 200)
+                around += random(45);
+            const std::string_view name = std::string_view(around).substr(50, size);
+            ASSERT_EQ(hash_name(name), plain::hash(std::string(name))) << name << " of " << around;
+        }
+    }
+}
+
 TEST(FAST_PATHS, names_are_equal_when_the_folded_bytes_up_to_zero_are)
 {
     for (const std::string& alphabet :

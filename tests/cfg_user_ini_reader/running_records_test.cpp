@@ -155,6 +155,23 @@ TEST_F(RUNNING_RECORDS_TEST, a_release_that_begins_like_a_long_one_is_told_apart
     }
 }
 
+TEST_F(RUNNING_RECORDS_TEST, an_assignment_for_a_release_of_any_length_is_seen_by_others)
+{
+    for (std::size_t length = 28; length <= 40; ++length)
+    {
+        const std::string other(length, '9');
+        cfg_close_user_ini_file();
+        write_preferences("[Messages " + other + "_pro]\nSHOW_MESSAGE_ID =\n");
+        fake::ver::set_all_versions({other});
+        fake::ver::set_version("23.4");
+        EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "on"); // the default: an empty value is none
+        fake::ver::set_version(other);
+        EXPECT_TRUE(cfg_set_user_ini_value(SHOW_MESSAGE_ID, "off"));
+        fake::ver::set_version("23.4");
+        EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "off") << "carried over from a release of " << length;
+    }
+}
+
 TEST_F(RUNNING_RECORDS_TEST, another_list_of_known_releases_is_not_answered_from_memory)
 {
     write_preferences("[Messages 23.2_pro]\nSHOW_MESSAGE_ID = off\n");

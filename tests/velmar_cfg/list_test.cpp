@@ -20,6 +20,12 @@ TEST_F(LIST, sorts_by_the_bytes_of_the_names_as_first_spelt)
     EXPECT_EQ(run({"list"}), (TOOL_RUN{0, "B_second=2\na=5\nb=1\n\xc3\xa9=4\n", ""}));
 }
 
+TEST_F(LIST, an_empty_pattern_is_none)
+{
+    write_file("project/velmar.ini", "a = 1\nb = 2\n");
+    EXPECT_EQ(run({"list", "", "--project", "project"}), (TOOL_RUN{0, "a=1\nb=2\n", ""}));
+}
+
 TEST_F(LIST, shows_the_variables_of_every_layer)
 {
     write_file("project/velmar.ini", "main=1\nboth=main\n");

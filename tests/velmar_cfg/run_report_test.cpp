@@ -138,6 +138,13 @@ TEST_F(RUN_REPORT, merge_lists_what_no_run_read)
 })"));
 }
 
+TEST_F(RUN_REPORT, merge_with_an_empty_switch_is_one_without)
+{
+    const TOOL_RUN without = run({"run-report", "--merge", "cpu.json", "gpu.json"});
+    EXPECT_THAT(without.out, testing::HasSubstr("read by none of 2 runs"));
+    EXPECT_EQ(run({"run-report", "--merge", "--switch", "", "cpu.json", "gpu.json"}), without);
+}
+
 TEST_F(RUN_REPORT, merge_of_runs_that_read_everything_lists_nothing)
 {
     write_file("all.json", R"({"schema": "velmar-run-report", "schema_version": 1, "run": "all", "release": "23.4",

@@ -10,6 +10,12 @@ namespace
 struct LIST_OPTIONS
 {
     std::optional<std::string> pattern;
+
+    bool has_pattern() const
+    {
+        return pattern && !pattern->empty();
+    }
+
     bool show_origin = false;
     bool external = false;
 };
@@ -18,7 +24,7 @@ bool wanted(const LIST_OPTIONS& options, const VARIABLE& variable)
 {
     if (options.external && !variable.external)
         return false;
-    return !options.pattern || fnmatch(options.pattern->c_str(), variable.name.c_str(), FNM_CASEFOLD) == 0;
+    return !options.has_pattern() || fnmatch(options.pattern->c_str(), variable.name.c_str(), FNM_CASEFOLD) == 0;
 }
 
 std::string origin_of(const SETTINGS& settings, const VARIABLE& variable)
@@ -70,7 +76,7 @@ EXIT_CODE list(const LIST_OPTIONS& options, TOOL& tool)
     const EXIT_CODE compared = compare_with_library(settings);
     if (compared != EXIT_CODE::FINE)
         return compared;
-    return found || !options.pattern ? EXIT_CODE::FINE : EXIT_CODE::FINDINGS;
+    return found || !options.has_pattern() ? EXIT_CODE::FINE : EXIT_CODE::FINDINGS;
 }
 }
 

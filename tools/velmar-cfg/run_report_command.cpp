@@ -217,7 +217,7 @@ EXIT_CODE show_runs_of_switch(const std::string& name, const std::vector<RUN_REP
 EXIT_CODE merge(const RUN_REPORT_OPTIONS& options, TOOL& tool)
 {
     const std::vector<RUN_REPORT> reports = read_run_reports(options.files);
-    if (options.switch_name)
+    if (options.switch_name && !options.switch_name->empty())
         return show_runs_of_switch(*options.switch_name, reports, tool);
 
     const std::vector<NEVER_READ_VARIABLE> variables = variables_that_no_run_read(reports);

@@ -255,6 +255,19 @@ TEST_F(FAST_STORE, an_emptied_store_is_not_remembered)
     EXPECT_EQ(cfg_get_int_value("remembered_name", -1), -1);
 }
 
+TEST_F(FAST_STORE, nothing_is_remembered_from_before_the_emptyings_were_counted_anew)
+{
+    cfg_read_ini_file(std::string());
+    cfg_ini_recent_epoch = 1;
+    cfg_set_int_value("remembered_name", 7);
+    EXPECT_EQ(cfg_get_int_value("remembered_name", -1), 7); // remembered under 1
+    cfg_ini_recent_epoch = 0xFFFFFFFE;
+    cfg_read_ini_file(std::string());    // forgets twice: the old store, and what a callback may have made
+    EXPECT_EQ(cfg_ini_recent_epoch, 1U); // 0 is that of a place that was never used
+    EXPECT_EQ(cfg_get_int_value("remembered_name", -1), -1);
+    EXPECT_EQ(cfg_get_int_value("remembered_name", -1), -1);
+}
+
 TEST_F(FAST_STORE, lines_come_out_whole_wherever_the_buffer_ends)
 {
     // Lines around the lengths at which a buffer of 64 KiB divides them.

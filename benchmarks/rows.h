@@ -56,6 +56,7 @@ inline constexpr const char* work_assignment_by_name = "preference assignment by
 inline constexpr const char* work_preference_save = "save the preferences, a key";
 inline constexpr const char* work_preference_load = "load the preferences, a key";
 inline constexpr const char* work_all_shuffled = "10 000 shuffled of 10 000, bool, string name";
+inline constexpr const char* work_call = "floor: call of a library's function";
 inline constexpr const char* work_lock = "floor: recursive lock and unlock";
 inline constexpr const char* work_hash = "floor: hash of the hot name";
 inline constexpr const char* work_hot_find = "floor: unordered_map find, hot name";

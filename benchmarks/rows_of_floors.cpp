@@ -9,6 +9,7 @@
 #include "benchmarks/store_workloads.h"
 #include "benchmarks/stores.h"
 #include "platform/thr/thr.h"
+#include "platform/ver/ver.h"
 
 namespace
 {
@@ -32,6 +33,13 @@ void platform_lock(benchmark::State& state)
         benchmark::ClobberMemory();
         thr_mutex_unlock(mutex);
     }
+}
+
+// Through the table of the program's calls, as any caller of a shared library.
+void library_call(benchmark::State& state)
+{
+    for (auto _ : state)
+        benchmark::DoNotOptimize(ver_get_kestrin_product_filename());
 }
 
 void hash(benchmark::State& state)
@@ -105,6 +113,7 @@ void add_rows_of_floors(bool long_files)
 {
     add_row(work_lock, standard_library, standard_lock);
     add_row(work_lock, platform, platform_lock);
+    add_row(work_call, platform, library_call);
     add_row(work_hash, plain, hash);
     add_row(work_hot_find, plain, hot_find);
     add_row(work_shuffled_find, plain, shuffled_find);

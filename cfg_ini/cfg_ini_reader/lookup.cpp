@@ -55,7 +55,7 @@ std::string read_string(const SOUGHT_NAME& name, bool mark_valid)
 }
 
 template <typename T>
-T cached_or_default(const SOUGHT_NAME& name, T default_value)
+[[gnu::always_inline]] inline T cached_or_default(const SOUGHT_NAME& name, T default_value)
 {
     const CACHED<T> cached = read_cached<T>(name);
     return cached.found ? cached.value : default_value;

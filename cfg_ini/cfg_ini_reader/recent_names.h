@@ -1,7 +1,7 @@
 // Where names were found last: most lookups are spared the hash and the walk through the table.
 //
-// A small direct-mapped memory over the table, keyed by the name as it is spelt in the lookup. What it answers is what
-// the table would answer; it may forget at any time.
+// A small memory over the table, keyed by the name as it is spelt in the lookup, with two places for each name. What it
+// answers is what the table would answer; it may forget at any time.
 #ifndef CFG_INI_CFG_INI_READER_RECENT_NAMES_H
 #define CFG_INI_CFG_INI_READER_RECENT_NAMES_H
 
@@ -17,7 +17,7 @@ struct CFG_INI_RECORD;
 // One name as it was spelt in a lookup; fills a cache line, so that a lookup touches this one and the record's.
 struct alignas(64) RECENT_NAME
 {
-    static constexpr std::size_t longest = 51; // longer names are not remembered
+    static constexpr std::size_t longest = 48; // longer names are not remembered
 
     CFG_INI_RECORD* record;
     std::uint32_t epoch; // what is remembered holds while this is the current one
@@ -26,10 +26,13 @@ struct alignas(64) RECENT_NAME
 };
 static_assert(sizeof(RECENT_NAME) == 64);
 
+// The two places of a name, the first of which is looked at first.
+using RECENT_PAIR = RECENT_NAME[2];
+
 inline constexpr unsigned int recent_bits = 12;
 
-// Both guarded by the store's lock. So many that a thousand names in use seldom push each other out.
-extern constinit RECENT_NAME cfg_ini_recent_names[1U << recent_bits];
+// Both guarded by the store's lock. Of a thousand names in use one in forty is without a place of its own.
+extern constinit RECENT_PAIR cfg_ini_recent_names[1U << recent_bits];
 extern constinit std::uint32_t cfg_ini_recent_epoch; // never 0
 
 // A name to be looked up: its place among the recent names, worked out, and its memory asked for, ahead of the lock.
@@ -37,17 +40,17 @@ class SOUGHT_NAME
 {
 public:
     // A null name (a view without characters) throws std::logic_error, as making a std::string of it does.
-    explicit SOUGHT_NAME(std::string_view name) : text(not_null(name)), place(&cfg_ini_recent_names[place_of(name)])
+    explicit SOUGHT_NAME(std::string_view name) : text(not_null(name)), places(cfg_ini_recent_names[place_of(name)])
     {
-        __builtin_prefetch(place);
+        __builtin_prefetch(places);
     }
 
     // The record remembered for the name, or null. The caller holds the lock.
-    CFG_INI_RECORD* recent() const
+    [[gnu::always_inline]] CFG_INI_RECORD* recent() const
     {
-        const bool same = place->epoch == cfg_ini_recent_epoch && place->length == text.size() &&
-                          equal_bytes(place->characters, text.data(), text.size());
-        return same ? place->record : nullptr;
+        if (is_in(places[0])) [[likely]]
+            return places[0].record;
+        return recent_in_second_place();
     }
 
     // Remembers the record that the name was found to have. The caller holds the lock.
@@ -56,13 +59,21 @@ public:
     const std::string_view text;
 
 private:
-    // Mixes characters of the start, the middle and the end. Two names with the same place only push each other out.
+    CFG_INI_RECORD* recent_in_second_place() const;
+
+    bool is_in(const RECENT_NAME& place) const
+    {
+        return place.epoch == cfg_ini_recent_epoch && place.length == text.size() &&
+               equal_bytes(place.characters, text.data(), text.size());
+    }
+
+    // Mixes characters of the start, the middle and the end. Names with the same places only push each other out.
     static std::size_t place_of(std::string_view name)
     {
         const std::size_t length = name.size();
         const char* const start = name.data();
         std::uint64_t mix = length;
-        if (length >= 8)
+        if (length >= 8) [[likely]]
             mix += first_of<std::uint64_t>(start) * 0x9E3779B97F4A7C15U +
                    first_of<std::uint64_t>(start + length / 2 - 4) * 0xC2B2AE3D27D4EB4FU +
                    first_of<std::uint64_t>(start + length - 8) * 0x165667B19E3779F9U;
@@ -77,21 +88,31 @@ private:
         return mix >> (64 - recent_bits);
     }
 
+    // At most two branches, which names of most lengths share: the lengths of names that follow each other are hard to
+    // foresee.
     static bool equal_bytes(const char* a, const char* b, std::size_t length)
     {
-        if (length < 8)
+        if (length >= 16) [[likely]]
         {
-            if (length < 4)
-                return std::memcmp(a, b, length) == 0;
+            // The first, the last and a middle part, each of sixteen characters; they may overlap.
+            const std::size_t last = length - 16;
+            const std::size_t middle = last < 16 ? last : 16;
+            return (difference(a, b) | difference(a + 8, b + 8) | difference(a + middle, b + middle) |
+                    difference(a + middle + 8, b + middle + 8) | difference(a + last, b + last) |
+                    difference(a + last + 8, b + last + 8)) == 0;
+        }
+        if (length >= 8)
+            return (difference(a, b) | difference(a + length - 8, b + length - 8)) == 0;
+        if (length >= 4)
             return first_of<std::uint32_t>(a) == first_of<std::uint32_t>(b) &&
                    first_of<std::uint32_t>(a + length - 4) == first_of<std::uint32_t>(b + length - 4);
-        }
-        for (std::size_t at = 0; at + 8 < length; at += 8)
-        {
-            if (first_of<std::uint64_t>(a + at) != first_of<std::uint64_t>(b + at))
-                return false;
-        }
-        return first_of<std::uint64_t>(a + length - 8) == first_of<std::uint64_t>(b + length - 8);
+        return std::memcmp(a, b, length) == 0;
+    }
+
+    // Of eight characters each; 0 when they are equal.
+    static std::uint64_t difference(const char* a, const char* b)
+    {
+        return first_of<std::uint64_t>(a) ^ first_of<std::uint64_t>(b);
     }
 
     template <typename T>
@@ -102,7 +123,7 @@ private:
         return value;
     }
 
-    RECENT_NAME* const place;
+    RECENT_NAME* const places; // a pair
 };
 
 // Forgets all names; to be called before the table goes. The caller holds the lock.

@@ -147,7 +147,7 @@ private:
 CFG_INI_RECORD* find_record_in_table(const SOUGHT_NAME& name);
 
 // The same, looking among the names found last before it asks the table.
-inline CFG_INI_RECORD* find_record(const SOUGHT_NAME& name)
+[[gnu::always_inline]] inline CFG_INI_RECORD* find_record(const SOUGHT_NAME& name)
 {
     CFG_INI_RECORD* const recent = name.recent();
     return recent != nullptr ? recent : find_record_in_table(name);
@@ -170,7 +170,7 @@ inline CFG_INI_RECORD& find_or_insert_record(const SOUGHT_NAME& name)
 // The record of that name, one access counted; or a new empty record, with no access counted. Not counting the lookup
 // that creates the record is intended: by this difference of one the usage reports tell a variable that a source set
 // from one that was only asked for.
-inline CFG_INI_RECORD& find_counted_or_insert_record(const SOUGHT_NAME& name)
+[[gnu::always_inline]] inline CFG_INI_RECORD& find_counted_or_insert_record(const SOUGHT_NAME& name)
 {
     if (CFG_INI_RECORD* const record = find_record(name); record != nullptr) [[likely]]
     {

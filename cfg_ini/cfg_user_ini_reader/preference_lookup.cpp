@@ -102,20 +102,26 @@ REMEMBERED_RECORD* memory_for(CFG_USER_INI_ENUMS preference, const char* name, c
     return is_catalogue_spelling(preference, name) ? remembered_record(preference, version) : nullptr;
 }
 
+// Whether the preference is remembered to have no value, also among the releases known now where it matters.
+bool is_remembered_miss(const REMEMBERED_RECORD& memory)
+{
+    const auto is_miss = [&memory] { return memory.searched == cfg_user_ini_records->size() + 1; };
+    if (!is_miss() || !memory.searched_other_releases)
+        return is_miss();
+    forget_misses_among_other_releases(ver_get_all_versions());
+    return is_miss();
+}
+
 // The value in the file, carried over where the running release's section is missing; empty when there is none.
 std::string value_in_file(const char* bare_section, const char* name, const std::string& version,
-                          const std::vector<std::string>& versions, REMEMBERED_RECORD* memory)
+                          REMEMBERED_RECORD* memory)
 {
     if (memory != nullptr && memory->record != nullptr)
         return memory->record->value;
-    const std::size_t searched = cfg_user_ini_records->size() + 1;
-    if (memory != nullptr)
-    {
-        forget_misses_among_other_releases(versions);
-        if (memory->searched == searched)
-            return {};
-    }
+    if (memory != nullptr && is_remembered_miss(*memory))
+        return {};
 
+    const std::size_t searched = cfg_user_ini_records->size() + 1;
     const RECORD_KEY current = record_key(released_section(bare_section, version), name);
     CFG_USER_VALUE_STRUCT* const record = find_record(current);
     // A file that has the running release's section has had it saved: what is missing there is meant to be.
@@ -124,25 +130,28 @@ std::string value_in_file(const char* bare_section, const char* name, const std:
     if (record != nullptr)
         value = record->value;
     else if (carries_over)
+    {
+        const std::vector<std::string> versions = ver_get_all_versions();
+        forget_misses_among_other_releases(versions);
         value = carried_over_value(bare_section, name, versions);
+    }
     // A value that was carried over but refused for the running release has to be found again each time.
     const bool settled = !carries_over || (value.empty() && cfg_user_ini_records->size() + 1 == searched);
     if (memory != nullptr && settled)
-        *memory = {record, searched};
+        *memory = {record, searched, carries_over};
     return value;
 }
 
 // `name` is the key in the spelling under which its records are looked for.
 std::string look_up(CFG_USER_INI_ENUMS preference, const char* name, bool use_default)
 {
-    const std::vector<std::string> versions = ver_get_all_versions();
     const PREFERENCE_TRIPLE* const triple = find_fitting_triple(preference, nullptr);
     const std::string version = triple != nullptr ? ver_get_version() : std::string();
     load_if_needed();
 
     std::string value;
     if (triple != nullptr)
-        value = value_in_file(triple->section, name, version, versions, memory_for(preference, name, version));
+        value = value_in_file(triple->section, name, version, memory_for(preference, name, version));
     if (value.empty() && use_default)
         value = cfg_user_ini_name_default_values[preference_position(preference)].second;
     return value;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace
@@ -13,17 +15,23 @@ constinit std::size_t remembered_version_size = 0;
 // Never destroyed: preferences may still be asked for when static objects are gone.
 constinit std::vector<std::string>* remembered_versions = nullptr;
 
-// Releases have short names: a call of memcmp takes longer than a look at each character.
+// Releases have short names, mostly of four to eight characters: a call of memcmp takes longer than to compare the
+// first and the last four.
 bool is_same_release(std::string_view a, std::string_view b)
 {
-    if (a.size() != b.size())
+    const std::size_t size = a.size();
+    if (size != b.size())
         return false;
-    for (std::size_t at = 0; at < a.size(); ++at)
+    if (size < 4 || size > 8)
+        return std::equal(a.begin(), a.end(), b.begin());
+    const auto four = [](const char* from)
     {
-        if (a[at] != b[at])
-            return false;
-    }
-    return true;
+        std::uint32_t characters;
+        std::memcpy(&characters, from, sizeof characters);
+        return characters;
+    };
+    const std::size_t last = size - 4;
+    return four(a.data()) == four(b.data()) && four(a.data() + last) == four(b.data() + last);
 }
 }
 

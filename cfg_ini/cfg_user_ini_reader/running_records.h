@@ -17,11 +17,12 @@ struct REMEMBERED_RECORD
 {
     CFG_USER_VALUE_STRUCT* record; // null when it was not found
     std::size_t searched;          // one more than the map held when it was searched; 0 when it was not
+    bool searched_other_releases;  // it was missed in the sections of the known releases as well
 };
 
 // What is remembered of the record under the catalogue's own spelling of the preference's key, while `version` is the
 // running release; the preference is one of the catalogue's. The entry may be written. Null for a running release whose
-// name is too long to keep. A miss counts only after the call below.
+// name is too long to keep. A miss among other releases counts only after the call below.
 REMEMBERED_RECORD* remembered_record(CFG_USER_INI_ENUMS preference, const std::string& version);
 
 // Makes sure that a remembered miss is one among `versions`, the releases known now: forgets everything if it is one

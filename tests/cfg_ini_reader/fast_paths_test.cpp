@@ -2,6 +2,7 @@
 // quicker ways on random text, byte for byte. The seeds are fixed; a failure shows the text.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstdint>
 #include <map>
@@ -12,6 +13,7 @@
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/ini_text.h"
 #include "cfg_ini/cfg_ini_reader/name_matching.h"
+#include "cfg_ini/cfg_ini_reader/recent_names.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "cfg_ini/cfg_ini_reader/settings_lines.h"
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"
@@ -244,6 +246,37 @@ TEST_F(FAST_STORE, remembered_names_of_every_length_are_told_apart)
             }
         }
     }
+}
+
+// What is not remembered is found all the same, only later.
+TEST_F(FAST_STORE, nearly_all_of_a_thousand_names_are_remembered)
+{
+    cfg_read_ini_file(std::string());
+    RANDOM_TEXT random(7, "abcdefghijklmnopqrstuvwxyz_");
+    std::vector<std::string> names;
+    for (int i = 0; i < 1000; ++i)
+        names.push_back(random(RECENT_NAME::longest - 4) + std::to_string(i));
+    for (const std::string& name : names)
+        cfg_set_int_value(name, 1);
+
+    const STORE_LOCK lock;
+    const auto remembered =
+        std::ranges::count_if(names, [](const std::string& name) { return SOUGHT_NAME(name).recent() != nullptr; });
+    EXPECT_GE(remembered, 980); // random places would leave six without one
+}
+
+TEST_F(FAST_STORE, names_up_to_the_longest_are_remembered)
+{
+    cfg_read_ini_file(std::string());
+    const auto is_remembered_after_lookup = [](const std::string& name)
+    {
+        cfg_get_int_value(name, 0);
+        const STORE_LOCK lock;
+        return SOUGHT_NAME(name).recent() != nullptr;
+    };
+    for (std::size_t length = 0; length <= RECENT_NAME::longest; ++length)
+        EXPECT_TRUE(is_remembered_after_lookup(std::string(length, 'n'))) << length;
+    EXPECT_FALSE(is_remembered_after_lookup(std::string(RECENT_NAME::longest + 1, 'n')));
 }
 
 TEST_F(FAST_STORE, an_emptied_store_is_not_remembered)

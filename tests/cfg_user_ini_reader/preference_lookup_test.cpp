@@ -548,31 +548,31 @@ TEST_F(PREFERENCE_LOOKUP_TEST, accessors_of_the_catalogue_load_nothing)
 
 // --- Questions to the version service ---
 
-TEST_F(PREFERENCE_LOOKUP_TEST, each_lookup_fetches_the_releases_once)
+TEST_F(PREFERENCE_LOOKUP_TEST, releases_are_fetched_where_the_answer_depends_on_them)
 {
-    write_preferences("[Messages 23.2_pro]\nSHOW_MESSAGE_ID = off\n[Messages]\nSHOW_MESSAGE_PARTITION_ID = on\n");
-    cfg_get_user_ini_value(WEB_BROWSER); // loads, which looks up two search paths
-    EXPECT_EQ(fake::ver::all_versions_calls(), 3);
-    cfg_get_user_ini_value(SHOW_MESSAGE_ID);
-    EXPECT_EQ(fake::ver::all_versions_calls(), 4);
-    cfg_get_user_ini_value("SHOW_MESSAGE_PARTITION_ID");
-    EXPECT_EQ(fake::ver::all_versions_calls(), 5);
-    cfg_get_user_ini_value("NO_SUCH_KEY");
-    EXPECT_EQ(fake::ver::all_versions_calls(), 6);
-    cfg_user_ini_is_on(SHOW_MESSAGE_ID, true);
-    EXPECT_EQ(fake::ver::all_versions_calls(), 7);
-    cfg_set_user_ini_value(SHOW_MESSAGE_ID, "on");
-    EXPECT_EQ(fake::ver::all_versions_calls(), 7);
+    write_preferences("[Messages 23.4_pro]\nSHOW_MESSAGE_ID = off\n[General 23.2_pro]\nUSER_LIBRARIES = /lib\n");
+    fake::ver::set_version("23.4");
+    fake::ver::set_all_versions({"23.4", "23.3", "23.2"});
+    cfg_get_user_ini_value(SHOW_MESSAGE_ID); // loads, which looks up two search paths
+    for (int time = 0; time < 3; ++time)
+    {
+        const auto calls = fake::ver::all_versions_calls();
+        EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "off");           // in the running release's section
+        EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_PARTITION_ID), "off"); // not in it, though it is there
+        EXPECT_EQ(cfg_get_user_ini_value("NO_SUCH_KEY"), "");
+        EXPECT_EQ(fake::ver::all_versions_calls(), calls);
+        EXPECT_EQ(cfg_get_user_ini_value(CLOUD_SERVER), ""); // in no release's section
+        EXPECT_EQ(fake::ver::all_versions_calls(), calls + 1);
+        cfg_set_user_ini_value(SHOW_MESSAGE_ID, "off");
+        EXPECT_EQ(fake::ver::all_versions_calls(), calls + 1);
+    }
 }
 
-TEST_F(PREFERENCE_LOOKUP_TEST, releases_are_fetched_before_the_file_is_read)
+TEST_F(PREFERENCE_LOOKUP_TEST, the_running_release_is_asked_for_before_the_file_is_read)
 {
-    bool loaded_at_first_fetch = true;
     bool loaded_at_first_version = true;
-    fake::ver::before_all_versions(1, [&] { loaded_at_first_fetch = is_loaded(); });
     fake::ver::before_version(1, [&] { loaded_at_first_version = is_loaded(); });
     cfg_get_user_ini_value(SHOW_MESSAGE_ID);
-    EXPECT_FALSE(loaded_at_first_fetch);
     EXPECT_FALSE(loaded_at_first_version);
 }
 

@@ -4,10 +4,7 @@
 #include <bit>
 #include <cctype>
 
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
-
+#include "cfg_ini/cfg_ini_reader/character_block.h"
 #include "platform/err/err.h"
 #include "platform/gen/gen.h"
 
@@ -63,13 +60,6 @@ private:
 };
 
 #ifdef __SSE2__
-constexpr std::size_t block_size = 16;
-
-__m128i load_block(const char* from)
-{
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
-}
-
 // The characters of a block that divide lines: bit n is that of character n.
 unsigned int dividers_in_block(const char* from)
 {

@@ -5,9 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
+#include "cfg_ini/cfg_ini_reader/character_block.h"
 
 namespace
 {
@@ -50,8 +48,6 @@ std::size_t hash_bytewise(std::string_view name)
 }
 
 #ifdef __SSE2__
-constexpr std::size_t block_size = 16;
-
 using POWERS = std::array<WORD, 17>; // of 0 to block_size
 
 constexpr POWERS powers_of_17()
@@ -65,11 +61,6 @@ constexpr POWERS powers_of_17()
 // 17 to the power of n.
 constexpr POWERS powers = powers_of_17();
 static_assert(powers.size() == block_size + 1);
-
-__m128i load_block(const char* from)
-{
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
-}
 
 using TWO_BLOCKS = std::array<unsigned char, 32>;
 

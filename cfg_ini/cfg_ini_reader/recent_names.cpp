@@ -7,7 +7,7 @@ constinit std::uint32_t cfg_ini_recent_epoch = 1;
 
 namespace
 {
-// Turned at each use, so that of three names asked for in turn one is found each time.
+// Turned at each use, so that no name keeps its place for ever.
 constinit std::size_t place_to_reuse = 0;
 
 bool is_free(const RECENT_NAME& place)

@@ -14,7 +14,7 @@
 
 struct CFG_INI_RECORD;
 
-// One name as it was spelt in a lookup; fills a cache line, so that a lookup touches this one and the record's.
+// One name as it was spelt in a lookup; fills a cache line, so that most lookups touch this one and the record's.
 struct alignas(64) RECENT_NAME
 {
     static constexpr std::size_t longest = 48; // longer names are not remembered
@@ -26,12 +26,12 @@ struct alignas(64) RECENT_NAME
 };
 static_assert(sizeof(RECENT_NAME) == 64);
 
-// The two places of a name, the first of which is looked at first.
+// The two places that a name may be in, tried in this order.
 using RECENT_PAIR = RECENT_NAME[2];
 
 inline constexpr unsigned int recent_bits = 12;
 
-// Both guarded by the store's lock. Of a thousand names in use one in forty is without a place of its own.
+// Both guarded by the store's lock. Of a thousand names in use all but ten find a place.
 extern constinit RECENT_PAIR cfg_ini_recent_names[1U << recent_bits];
 extern constinit std::uint32_t cfg_ini_recent_epoch; // never 0
 
@@ -88,8 +88,7 @@ private:
         return mix >> (64 - recent_bits);
     }
 
-    // At most two branches, which names of most lengths share: the lengths of names that follow each other are hard to
-    // foresee.
+    // Few branches, which names of most lengths share: the lengths of names that follow each other are hard to foresee.
     static bool equal_bytes(const char* a, const char* b, std::size_t length)
     {
         if (length >= 16) [[likely]]

@@ -102,14 +102,12 @@ REMEMBERED_RECORD* memory_for(CFG_USER_INI_ENUMS preference, const char* name, c
     return is_catalogue_spelling(preference, name) ? remembered_record(preference, version) : nullptr;
 }
 
-// Whether the preference is remembered to have no value, also among the releases known now where it matters.
+// Whether the preference is remembered to have no value, among the releases known now where it was searched in others'.
 bool is_remembered_miss(const REMEMBERED_RECORD& memory)
 {
-    const auto is_miss = [&memory] { return memory.searched == cfg_user_ini_records->size() + 1; };
-    if (!is_miss() || !memory.searched_other_releases)
-        return is_miss();
-    forget_misses_among_other_releases(ver_get_all_versions());
-    return is_miss();
+    if (memory.searched_other_releases)
+        forget_unless_known_are(ver_get_all_versions());
+    return memory.searched == cfg_user_ini_records->size() + 1;
 }
 
 // The value in the file, carried over where the running release's section is missing; empty when there is none.
@@ -132,7 +130,7 @@ std::string value_in_file(const char* bare_section, const char* name, const std:
     else if (carries_over)
     {
         const std::vector<std::string> versions = ver_get_all_versions();
-        forget_misses_among_other_releases(versions);
+        forget_unless_known_are(versions);
         value = carried_over_value(bare_section, name, versions);
     }
     // A value that was carried over but refused for the running release has to be found again each time.

@@ -48,7 +48,7 @@ REMEMBERED_RECORD* remembered_record(CFG_USER_INI_ENUMS preference, const std::s
     return &remembered[static_cast<std::size_t>(preference)];
 }
 
-void forget_misses_among_other_releases(const std::vector<std::string>& versions)
+void forget_unless_known_are(const std::vector<std::string>& versions)
 {
     if (remembered_versions == nullptr)
         remembered_versions = new std::vector<std::string>;

@@ -22,12 +22,11 @@ struct REMEMBERED_RECORD
 
 // What is remembered of the record under the catalogue's own spelling of the preference's key, while `version` is the
 // running release; the preference is one of the catalogue's. The entry may be written. Null for a running release whose
-// name is too long to keep. A miss among other releases counts only after the call below.
+// name is too long to keep. A miss that searched other releases counts only after the call below.
 REMEMBERED_RECORD* remembered_record(CFG_USER_INI_ENUMS preference, const std::string& version);
 
-// Makes sure that a remembered miss is one among `versions`, the releases known now: forgets everything if it is one
-// among others.
-void forget_misses_among_other_releases(const std::vector<std::string>& versions);
+// Forgets everything unless `versions`, the releases known now, are those that remembered misses were searched among.
+void forget_unless_known_are(const std::vector<std::string>& versions);
 
 // Forgets everything; to be called whenever the map is made or freed.
 void forget_running_records();

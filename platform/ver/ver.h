@@ -2,7 +2,8 @@
 // and ZON_KNOWN_VERSIONS).
 //
 // What the library expects. The answers do not change while the process runs. The functions may be called from any
-// thread, the product name also with the store's lock held; they may throw std::bad_alloc only.
+// thread, the product name also with the store's lock held; they may throw std::bad_alloc only, and do not call the
+// library back.
 #ifndef PLATFORM_VER_VER_H
 #define PLATFORM_VER_VER_H
 

@@ -4,7 +4,7 @@
 
 namespace
 {
-// Short texts of known sizes: much cheaper to make than copies of strings, and every preference lookup asks.
+// Short texts of known sizes: much cheaper to make than copies of strings, and many lookups of preferences ask.
 template <std::size_t... SIZES>
 std::vector<std::string> strings(const char (&... texts)[SIZES])
 {

@@ -262,7 +262,7 @@ TEST_F(FAST_STORE, nearly_all_of_a_thousand_names_are_remembered)
     const STORE_LOCK lock;
     const auto remembered =
         std::ranges::count_if(names, [](const std::string& name) { return SOUGHT_NAME(name).recent() != nullptr; });
-    EXPECT_GE(remembered, 980); // random places would leave six without one
+    EXPECT_GE(remembered, 985); // random places leave nine without one
 }
 
 TEST_F(FAST_STORE, names_up_to_the_longest_are_remembered)

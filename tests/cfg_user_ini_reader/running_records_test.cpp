@@ -124,6 +124,32 @@ TEST_F(RUNNING_RECORDS_TEST, releases_that_differ_in_one_character_are_told_apar
     }
 }
 
+// Of every length that is compared in another way: a release, and each that differs from it in one character.
+TEST_F(RUNNING_RECORDS_TEST, releases_of_any_length_that_differ_in_one_character_are_told_apart)
+{
+    std::vector<std::vector<std::string>> families;
+    std::string text;
+    for (std::size_t length = 1; length <= 12; ++length)
+    {
+        std::vector<std::string>& family = families.emplace_back(1, std::string(length, '7'));
+        for (std::size_t at = 0; at < length; ++at)
+            family.emplace_back(length, '7')[at] = '8';
+        for (const std::string& release : family)
+            text += "[Vantrel " + release + "_pro]\nVANTREL2_USER_ID = user of " + release + "\n";
+    }
+    write_preferences(text);
+    for (const std::vector<std::string>& family : families)
+    {
+        for (const std::string& release : family)
+        {
+            fake::ver::set_version(family.front());
+            EXPECT_EQ(cfg_get_user_ini_value(VANTREL2_USER_ID), "user of " + family.front());
+            fake::ver::set_version(release);
+            EXPECT_EQ(cfg_get_user_ini_value(VANTREL2_USER_ID), "user of " + release);
+        }
+    }
+}
+
 TEST_F(RUNNING_RECORDS_TEST, a_release_of_any_length_keeps_its_records)
 {
     for (std::size_t length = 36; length >= 28; --length)

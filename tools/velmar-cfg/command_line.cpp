@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "platform/ver/ver.h"
+#include "tools/velmar-cfg/command.h"
 #include "tools/velmar-cfg/commands.h"
 #include "tools/velmar-cfg/nearest_name.h"
 

@@ -3,6 +3,7 @@
 #define TOOLS_VELMAR_CFG_COMMANDS_H
 
 #include "tools/velmar-cfg/command.h"
+#include "tools/velmar-cfg/tool.h"
 
 void add_get_command(COMMAND app, TOOL& tool);
 void add_list_command(COMMAND app, TOOL& tool);

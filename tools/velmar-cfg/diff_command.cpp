@@ -2,10 +2,16 @@
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
 
+#include "tools/velmar-cfg/command.h"
 #include "tools/velmar-cfg/commands.h"
 #include "tools/velmar-cfg/differences_output.h"
 #include "tools/velmar-cfg/input_file.h"
+#include "tools/velmar-cfg/output.h"
+#include "tools/velmar-cfg/run_reports.h"
+#include "tools/velmar-cfg/snapshot.h"
+#include "tools/velmar-cfg/snapshot_differences.h"
 #include "tools/velmar-cfg/snapshot_document.h"
+#include "tools/velmar-cfg/tool.h"
 
 namespace
 {

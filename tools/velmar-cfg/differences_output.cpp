@@ -1,6 +1,10 @@
 #include "tools/velmar-cfg/differences_output.h"
 
+#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
+#include "tools/velmar-cfg/environment.h"
 #include "tools/velmar-cfg/json_values.h"
+#include "tools/velmar-cfg/layers.h"
+#include "tools/velmar-cfg/preferences.h"
 #include "tools/velmar-cfg/snapshot_document.h"
 
 namespace

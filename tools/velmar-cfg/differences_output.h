@@ -7,6 +7,8 @@
 #include <string>
 
 #include "tools/velmar-cfg/output.h"
+#include "tools/velmar-cfg/run_reports.h"
+#include "tools/velmar-cfg/snapshot.h"
 #include "tools/velmar-cfg/snapshot_differences.h"
 
 // One side of the comparison: what it is called, "now" for the present, and what holds there.

@@ -3,13 +3,18 @@
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/ini_text.h"
+#include "tools/velmar-cfg/command.h"
 #include "tools/velmar-cfg/commands.h"
+#include "tools/velmar-cfg/finding.h"
 #include "tools/velmar-cfg/json_values.h"
 #include "tools/velmar-cfg/known_variables.h"
+#include "tools/velmar-cfg/layers.h"
 #include "tools/velmar-cfg/lint_settings.h"
 #include "tools/velmar-cfg/nearest_name.h"
+#include "tools/velmar-cfg/output.h"
 #include "tools/velmar-cfg/readings.h"
 #include "tools/velmar-cfg/settings.h"
+#include "tools/velmar-cfg/tool.h"
 #include "tools/velmar-cfg/variable_name.h"
 
 namespace

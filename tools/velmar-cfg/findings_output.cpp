@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tools/velmar-cfg/json_values.h"
+#include "tools/velmar-cfg/output.h"
 
 namespace
 {

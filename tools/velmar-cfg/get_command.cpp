@@ -2,11 +2,15 @@
 #include <nlohmann/json.hpp>
 
 #include "cfg_ini/cfg_ini.h"
+#include "tools/velmar-cfg/command.h"
 #include "tools/velmar-cfg/commands.h"
 #include "tools/velmar-cfg/known_variables.h"
+#include "tools/velmar-cfg/layers.h"
 #include "tools/velmar-cfg/nearest_name.h"
+#include "tools/velmar-cfg/output.h"
 #include "tools/velmar-cfg/readings.h"
 #include "tools/velmar-cfg/settings.h"
+#include "tools/velmar-cfg/tool.h"
 
 namespace
 {

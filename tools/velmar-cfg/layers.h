@@ -8,7 +8,6 @@
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "tools/velmar-cfg/tool.h"

@@ -2,11 +2,15 @@
 #include <iterator>
 
 #include "platform/fio/fio.h"
+#include "tools/velmar-cfg/command.h"
 #include "tools/velmar-cfg/commands.h"
+#include "tools/velmar-cfg/finding.h"
 #include "tools/velmar-cfg/findings_output.h"
+#include "tools/velmar-cfg/layers.h"
 #include "tools/velmar-cfg/lint_preferences.h"
 #include "tools/velmar-cfg/lint_settings.h"
 #include "tools/velmar-cfg/preferences.h"
+#include "tools/velmar-cfg/tool.h"
 
 namespace
 {

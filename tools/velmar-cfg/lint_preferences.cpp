@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_file.h"
 #include "platform/gen/gen.h"

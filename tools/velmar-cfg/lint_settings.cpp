@@ -11,6 +11,7 @@
 #include "tools/velmar-cfg/known_variables.h"
 #include "tools/velmar-cfg/nearest_name.h"
 #include "tools/velmar-cfg/text.h"
+#include "tools/velmar-cfg/variable_name.h"
 
 namespace
 {

@@ -5,7 +5,6 @@
 #ifndef TOOLS_VELMAR_CFG_LINT_SETTINGS_H
 #define TOOLS_VELMAR_CFG_LINT_SETTINGS_H
 
-#include <functional>
 #include <vector>
 
 #include "tools/velmar-cfg/finding.h"

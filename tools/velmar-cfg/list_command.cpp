@@ -2,8 +2,12 @@
 #include <fnmatch.h>
 #include <nlohmann/json.hpp>
 
+#include "tools/velmar-cfg/command.h"
 #include "tools/velmar-cfg/commands.h"
+#include "tools/velmar-cfg/layers.h"
+#include "tools/velmar-cfg/output.h"
 #include "tools/velmar-cfg/settings.h"
+#include "tools/velmar-cfg/tool.h"
 
 namespace
 {

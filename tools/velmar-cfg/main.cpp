@@ -4,6 +4,8 @@
 #include "tools/velmar-cfg/command_line.h"
 #include "tools/velmar-cfg/input_file.h"
 #include "tools/velmar-cfg/installation.h"
+#include "tools/velmar-cfg/output.h"
+#include "tools/velmar-cfg/tool.h"
 
 namespace
 {

@@ -2,13 +2,16 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/settings_sources.h"
+#include "platform/fio/fio.h"
+#include "tools/velmar-cfg/command.h"
 #include "tools/velmar-cfg/commands.h"
 #include "tools/velmar-cfg/environment.h"
 #include "tools/velmar-cfg/input_file.h"
 #include "tools/velmar-cfg/json_values.h"
+#include "tools/velmar-cfg/output.h"
 #include "tools/velmar-cfg/preferences.h"
+#include "tools/velmar-cfg/tool.h"
 
 namespace
 {

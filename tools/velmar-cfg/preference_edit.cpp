@@ -7,6 +7,7 @@
 
 #include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_file.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_writing.h"
 #include "tools/velmar-cfg/file_lock.h"
 #include "tools/velmar-cfg/input_file.h"

@@ -1,5 +1,7 @@
 // velmar-cfg prefs: the user preferences.
+#include "tools/velmar-cfg/command.h"
 #include "tools/velmar-cfg/commands.h"
+#include "tools/velmar-cfg/tool.h"
 
 void add_prefs_command(COMMAND app, TOOL& tool)
 {

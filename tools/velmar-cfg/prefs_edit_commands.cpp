@@ -1,8 +1,12 @@
 // velmar-cfg prefs set and reset: changing the preference file.
+#include "cfg_ini/cfg_ini.h"
+#include "tools/velmar-cfg/command.h"
 #include "tools/velmar-cfg/commands.h"
 #include "tools/velmar-cfg/json_values.h"
+#include "tools/velmar-cfg/output.h"
 #include "tools/velmar-cfg/preference_edit.h"
 #include "tools/velmar-cfg/preferences.h"
+#include "tools/velmar-cfg/tool.h"
 #include "tools/velmar-cfg/unified_diff.h"
 
 namespace

@@ -1,9 +1,13 @@
 // velmar-cfg prefs list, get, describe and path: the preferences as they are.
+#include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
 #include "platform/fio/fio.h"
+#include "tools/velmar-cfg/command.h"
 #include "tools/velmar-cfg/commands.h"
 #include "tools/velmar-cfg/json_values.h"
+#include "tools/velmar-cfg/output.h"
 #include "tools/velmar-cfg/preferences.h"
+#include "tools/velmar-cfg/tool.h"
 
 namespace
 {

@@ -2,10 +2,13 @@
 #include <algorithm>
 #include <cmath>
 
+#include "tools/velmar-cfg/command.h"
 #include "tools/velmar-cfg/commands.h"
 #include "tools/velmar-cfg/json_values.h"
 #include "tools/velmar-cfg/nearest_name.h"
+#include "tools/velmar-cfg/output.h"
 #include "tools/velmar-cfg/run_reports.h"
+#include "tools/velmar-cfg/tool.h"
 
 namespace
 {
@@ -185,6 +188,7 @@ std::vector<std::string> all_names(const std::vector<RUN_REPORT>& reports)
 EXIT_CODE show_runs_of_switch(const std::string& name, const std::vector<RUN_REPORT>& reports, TOOL& tool)
 {
     std::vector<DEPENDENCE> dependences;
+    dependences.reserve(reports.size());
     for (const RUN_REPORT& report : reports)
         dependences.push_back(dependence_on(name, report));
     const auto depending =

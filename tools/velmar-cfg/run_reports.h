@@ -3,10 +3,8 @@
 #define TOOLS_VELMAR_CFG_RUN_REPORTS_H
 
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 struct READ_VARIABLE

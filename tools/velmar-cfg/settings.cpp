@@ -4,6 +4,8 @@
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_run_report/run_usage.h"
+#include "tools/velmar-cfg/output.h"
+#include "tools/velmar-cfg/variable_name.h"
 
 namespace
 {

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 
+#include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_writing.h"
 #include "platform/fio/fio.h"
 #include "platform/ver/ver.h"
 #include "tools/velmar-cfg/content_hash.h"
 #include "tools/velmar-cfg/input_file.h"
+#include "tools/velmar-cfg/preferences.h"
 #include "tools/velmar-cfg/settings.h"
 #include "tools/velmar-cfg/snapshot_document.h"
 

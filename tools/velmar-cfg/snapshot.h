@@ -2,16 +2,17 @@
 #ifndef TOOLS_VELMAR_CFG_SNAPSHOT_H
 #define TOOLS_VELMAR_CFG_SNAPSHOT_H
 
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
 #include "tools/velmar-cfg/environment.h"
 #include "tools/velmar-cfg/layers.h"
 #include "tools/velmar-cfg/preferences.h"
 #include "tools/velmar-cfg/readings.h"
+#include "tools/velmar-cfg/tool.h"
 
 struct SNAPSHOT_FILE
 {

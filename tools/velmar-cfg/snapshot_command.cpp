@@ -1,8 +1,12 @@
 // velmar-cfg snapshot: everything at once, to be kept and compared.
 #include "cfg_run_report/whole_file.h"
+#include "tools/velmar-cfg/command.h"
 #include "tools/velmar-cfg/commands.h"
 #include "tools/velmar-cfg/json_values.h"
+#include "tools/velmar-cfg/output.h"
+#include "tools/velmar-cfg/snapshot.h"
 #include "tools/velmar-cfg/snapshot_document.h"
+#include "tools/velmar-cfg/tool.h"
 
 namespace
 {

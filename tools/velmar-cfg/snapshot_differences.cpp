@@ -4,6 +4,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
+#include "tools/velmar-cfg/readings.h"
 #include "tools/velmar-cfg/variable_name.h"
 
 namespace

@@ -6,6 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
+#include "tools/velmar-cfg/environment.h"
+#include "tools/velmar-cfg/layers.h"
 #include "tools/velmar-cfg/run_reports.h"
 #include "tools/velmar-cfg/snapshot.h"
 

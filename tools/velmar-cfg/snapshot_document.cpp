@@ -4,8 +4,13 @@
 #include <functional>
 #include <set>
 
+#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
+#include "tools/velmar-cfg/environment.h"
 #include "tools/velmar-cfg/json_document.h"
 #include "tools/velmar-cfg/json_values.h"
+#include "tools/velmar-cfg/layers.h"
+#include "tools/velmar-cfg/preferences.h"
+#include "tools/velmar-cfg/readings.h"
 #include "tools/velmar-cfg/variable_name.h"
 
 namespace
@@ -57,7 +62,7 @@ PLACE read_place(const JSON_PLACE& row)
     const std::optional<std::string> file = row.member("file").text_or_null();
     const std::optional<std::uint64_t> line = row.member("line").natural_number_or_null();
     const std::optional<std::uint64_t> item = row.member("item").natural_number_or_null();
-    const PLACE place{{kind, file.value_or(inline_source)}, line.value_or(item.value_or(0))};
+    PLACE place{{kind, file.value_or(inline_source)}, line.value_or(item.value_or(0))};
     if (file.has_value() != place.layer.is_file() || line.has_value() != place.layer.is_file() ||
         item.has_value() == place.layer.is_file())
         row.refuse("row with file and line, or else an item, as its layer has");

@@ -4,9 +4,11 @@
 #include <map>
 #include <memory>
 
+#include "cfg_ini/cfg_ini.h"
 #include "tools/velmar-cfg/command_line.h"
 #include "tools/velmar-cfg/known_variables.h"
 #include "tools/velmar-cfg/preferences.h"
+#include "tools/velmar-cfg/tool.h"
 
 namespace
 {
@@ -33,7 +35,7 @@ std::string choice(const std::string& name, const std::string& subject,
 {
     std::string text = name + "()\n{\n    case " + subject + " in\n";
     for (const auto& [pattern, command] : branches)
-        text += "        " + pattern + ") " + command + " ;;\n";
+        text.append("        ").append(pattern).append(") ").append(command).append(" ;;\n");
     return text + "    esac\n}\n\n";
 }
 

@@ -78,7 +78,7 @@ OPTIONS options_of(int argc, char** argv)
 bool initialise_google_benchmark(const OPTIONS& options, char* program)
 {
     std::string interleaved = "--benchmark_enable_random_interleaving=true";
-    std::string repetitions = options.is_short ? "--benchmark_repetitions=2" : "--benchmark_repetitions=15";
+    std::string repetitions = options.is_short ? "--benchmark_repetitions=2" : "--benchmark_repetitions=31";
     std::string least_time = options.is_short ? "--benchmark_min_time=0.0001" : "--benchmark_min_time=0.01";
     std::vector<char*> arguments = {program, interleaved.data(), repetitions.data(), least_time.data()};
     arguments.insert(arguments.end(), options.for_google_benchmark.begin(), options.for_google_benchmark.end());

@@ -124,12 +124,13 @@ TEST_F(STORE_THREADS_TEST, a_raced_first_use_reads_the_settings_once_and_loses_n
     }
 }
 
+// None of a class of its own: the others' stores and emptyings would tell it before it is constructed.
 TEST_F(STORE_THREADS_TEST, callbacks_may_be_registered_in_a_raced_first_use)
 {
     EXPECT_IN_FRESH_PROCESS(run_together(thread_count,
                                          [](int index)
                                          {
-                                             const COUNTER counter("x");
+                                             const CFG_INI_CALLBACK callback("x");
                                              if (index % 2 == 0)
                                                  cfg_close_ini_file();
                                              cfg_set_value("x", "1");

@@ -1,6 +1,6 @@
 #include "cfg_ini/cfg_ini_reader/recent_names.h"
 
-#include <algorithm>
+#include <cstring>
 
 alignas(sizeof(RECENT_PAIR)) constinit RECENT_PAIR cfg_ini_recent_names[1U << recent_bits] = {};
 constinit std::uint32_t cfg_ini_recent_epoch = 1;

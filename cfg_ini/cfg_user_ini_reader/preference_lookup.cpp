@@ -102,7 +102,7 @@ REMEMBERED_RECORD* memory_for(CFG_USER_INI_ENUMS preference, const char* name, c
     return is_catalogue_spelling(preference, name) ? remembered_record(preference, version) : nullptr;
 }
 
-// Whether the preference is remembered to have no value, among the releases known now where it was searched in others'.
+// Whether the preference is remembered to have no value; a memory of other releases than those known now is forgotten.
 bool is_remembered_miss(const REMEMBERED_RECORD& memory)
 {
     if (memory.searched_other_releases)

@@ -1,32 +1,23 @@
 #include "cfg_ini/cfg_ini_reader/change_callbacks.h"
 
-#include "cfg_ini/cfg_ini_reader/record_table.h"
+constinit zon_cfg::CFG_INI_CALLBACK_REGISTRY* s_ini_callbacks = nullptr;
 
-constinit CFG_INI_CALLBACK_REGISTRY* s_ini_callbacks = nullptr;
-constinit std::uint64_t cfg_ini_watched_kinds = 0;
-constinit int cfg_ini_notifications = 0;
+namespace zon_cfg
+{
+constinit std::uint64_t watched_names = 0;
 
 namespace
 {
-THR_MUTEX* locked_store_mutex()
-{
-    THR_MUTEX* const mutex = store_mutex();
-    thr_mutex_lock(mutex);
-    return mutex;
-}
-
 template <typename NOTIFICATION>
-void notify(const std::vector<CFG_INI_CALLBACK*>& callbacks, NOTIFICATION notification)
+void notify(const std::vector<CFG_INI_CALLBACK*>& callbacks, NOTIFICATION notification) ZON_LOCK_HELD
 {
     // The bounds are those from before the walk: a callback must not construct or destroy callbacks.
-    ++cfg_ini_notifications;
+    ++notifications_under_way;
     for (CFG_INI_CALLBACK* const callback : callbacks)
         (callback->*notification)();
-    --cfg_ini_notifications;
+    --notifications_under_way;
 }
 }
-
-NOTIFYING_STORE_LOCK::NOTIFYING_STORE_LOCK() : NOTIFYING_STORE_LOCK(locked_store_mutex()) {}
 
 void refresh_callbacks_in_registry(std::string_view name)
 {
@@ -43,22 +34,26 @@ void reset_callbacks()
     for (const auto& [name, callbacks] : *s_ini_callbacks)
         notify(callbacks, &CFG_INI_CALLBACK::reset_to_default);
 }
+}
 
 CFG_INI_CALLBACK::CFG_INI_CALLBACK(const char* variable_name) : name(variable_name)
 {
-    // No scope guard, intended: a null name, or no memory, throws with the lock held. A host that gets here cannot go
-    // on.
-    THR_MUTEX* const mutex = locked_store_mutex();
+    using namespace zon_cfg;
+    // A failure below counts as a notification that an exception ended, and so leaves the lock held. This is intended:
+    // a null name, or no memory, throws with the lock held. A host that gets here cannot go on.
+    NOTIFYING_STORE_LOCK lock;
+    ++notifications_under_way;
     if (s_ini_callbacks == nullptr)
         s_ini_callbacks = new CFG_INI_CALLBACK_REGISTRY;
     (*s_ini_callbacks)[std::string(name)].push_back(this);
-    cfg_ini_watched_kinds |= std::uint64_t{1} << callback_name_kind(name);
-    thr_mutex_unlock(mutex);
+    watched_names |= std::uint64_t{1} << bloom_bit_of(name);
+    --notifications_under_way;
+    lock.unlock();
 }
 
 CFG_INI_CALLBACK::~CFG_INI_CALLBACK()
 {
-    const STORE_LOCK lock;
+    const zon_cfg::STORE_LOCK lock;
     if (s_ini_callbacks == nullptr)
         return;
     std::erase((*s_ini_callbacks)[std::string(name)], this);

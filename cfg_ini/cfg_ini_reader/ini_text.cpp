@@ -5,9 +5,11 @@
 #include <cctype>
 
 #include "cfg_ini/cfg_ini_reader/character_block.h"
-#include "platform/err/err.h"
+#include "cfg_ini/cfg_ini_reader/report_lines.h"
 #include "platform/gen/gen.h"
 
+namespace zon_cfg
+{
 namespace
 {
 // Where a settings line divides.
@@ -148,8 +150,10 @@ std::string_view without_outer_blanks(std::string_view text)
         text.remove_suffix(1);
     return text;
 }
-
 }
+}
+
+using namespace zon_cfg;
 
 void cfg_remove_commented_portion(std::string* line)
 {
@@ -160,14 +164,14 @@ void cfg_trim_string(std::string* str)
 {
     if (str == nullptr)
     {
-        err_report_internal_error("str != NULL", "CFG_INI", "cfg_ini/cfg_ini_reader", 228);
+        report_broken_precondition("str != NULL", NULL_TEXT_TO_TRIM);
         return;
     }
     if (!is_all_visible_ascii(*str))
         std::erase_if(*str, is_white_space);
 }
 
-SETTINGS_LINE parse_settings_line(std::string_view line, LINE_ASSIGNMENT& assignment)
+SETTINGS_LINE zon_cfg::parse_settings_line(std::string_view line, LINE_ASSIGNMENT& assignment)
 {
     // A carriage return counts. The one shorter line with an effect, intended: "=5" sets the variable of empty name.
     constexpr std::size_t shortest = 3;
@@ -198,7 +202,7 @@ SETTINGS_LINE parse_settings_line(std::string_view line, LINE_ASSIGNMENT& assign
     return SETTINGS_LINE::ASSIGNMENT;
 }
 
-SETTINGS_LINE parse_settings_line(std::string_view line, std::string& name, std::string& value)
+SETTINGS_LINE zon_cfg::parse_settings_line(std::string_view line, std::string& name, std::string& value)
 {
     LINE_ASSIGNMENT assignment;
     const SETTINGS_LINE kind = parse_settings_line(line, assignment);

@@ -5,7 +5,10 @@
 #include "cfg_ini/cfg_ini_reader/own_variables.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "cfg_ini/cfg_ini_reader/store_access.h"
+#include "cfg_ini/cfg_ini_reader/store_lock.h"
 
+namespace zon_cfg
+{
 namespace
 {
 // Set once by the host, never cleared.
@@ -73,9 +76,29 @@ struct DEBUG_SETTINGS
     int global_level = -1;
 };
 
-// As last read. Guarded by the store's lock.
-constinit DEBUG_SETTINGS debug_settings;
+// As last read.
+constinit DEBUG_SETTINGS debug_settings ZON_GUARDED;
+
+// Each read takes the lock again.
+DEBUG_SETTINGS current_debug_settings()
+{
+    const auto read_if_changed = [](const STORE_LOCK& /*held*/) ZON_LOCK_HELD
+    {
+        if (cfg_ini_dirty)
+        {
+            debug_settings.global = cfg_is_on(OWN_VARIABLE::debug_msg);
+            debug_settings.per_subsystem = cfg_is_on(OWN_VARIABLE::msg_debug_per_subsystem);
+            debug_settings.global_level = cfg_get_int_value(OWN_VARIABLE::debug_msg_level, 2);
+            cfg_ini_dirty = false;
+        }
+        return debug_settings;
+    };
+    return with_loaded_store<STORE_LOCK>(read_if_changed);
 }
+}
+}
+
+using namespace zon_cfg;
 
 void cfg_force_vexe_mode_off()
 {
@@ -131,18 +154,7 @@ bool cfg_is_vexe_rpt_mode()
 
 void cfg_check_debug_ini_values(bool* global, bool* per_subsystem, int* global_level)
 {
-    DEBUG_SETTINGS settings;
-    {
-        const STORE_ACCESS access;
-        if (cfg_ini_dirty)
-        {
-            debug_settings.global = cfg_is_on(OWN_VARIABLE::debug_msg);
-            debug_settings.per_subsystem = cfg_is_on(OWN_VARIABLE::msg_debug_per_subsystem);
-            debug_settings.global_level = cfg_get_int_value(OWN_VARIABLE::debug_msg_level, 2);
-            cfg_ini_dirty = false;
-        }
-        settings = debug_settings;
-    }
+    const DEBUG_SETTINGS settings = current_debug_settings();
     if (global != nullptr)
         *global = settings.global;
     if (per_subsystem != nullptr)

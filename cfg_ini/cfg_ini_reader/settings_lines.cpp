@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace zon_cfg
+{
 namespace
 {
 constexpr std::size_t buffer_size = std::size_t{64} * 1024;
@@ -59,4 +61,5 @@ std::size_t SETTINGS_LINES::size_hint()
     const long end = std::ftell(file.get());
     std::fseek(file.get(), here, SEEK_SET);
     return static_cast<std::size_t>(std::max(end, here));
+}
 }

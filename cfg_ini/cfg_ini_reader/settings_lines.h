@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+namespace zon_cfg
+{
 class SETTINGS_LINES
 {
 public:
@@ -45,5 +47,6 @@ private:
     std::size_t position = 0;
     std::size_t filled = 0;
 };
+}
 
 #endif

@@ -7,6 +7,8 @@
 #include "platform/gen/gen.h"
 #include "platform/ver/ver.h"
 
+namespace zon_cfg
+{
 namespace
 {
 constexpr const char* regtest_base = "regtest";
@@ -100,17 +102,6 @@ bool settings_search_is_disabled()
     return disabled != nullptr && std::strcmp(disabled, "1") == 0;
 }
 
-std::string cfg_get_default_ini_file(bool regtest)
-{
-    SETTINGS_SEARCH search(settings_file_name(regtest));
-    for (SEARCH_PLACE place{}; search.next(place);)
-    {
-        if (FIO_FILE_SYSTEM::exists(search.path()))
-            return settings_search_is_disabled() ? std::string() : search.path().fullpath();
-    }
-    return {};
-}
-
 FIO_PATH project_settings_path(const char* proj_dirpath, bool regtest)
 {
     FIO_PATH path;
@@ -139,4 +130,17 @@ std::string appended_settings_path()
 const char* inline_settings()
 {
     return environment_value("VELMAR_INI_VARS");
+}
+}
+
+std::string cfg_get_default_ini_file(bool regtest)
+{
+    using namespace zon_cfg;
+    SETTINGS_SEARCH search(settings_file_name(regtest));
+    for (SEARCH_PLACE place{}; search.next(place);)
+    {
+        if (FIO_FILE_SYSTEM::exists(search.path()))
+            return settings_search_is_disabled() ? std::string() : search.path().fullpath();
+    }
+    return {};
 }

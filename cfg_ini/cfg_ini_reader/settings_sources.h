@@ -8,6 +8,8 @@
 
 #include "platform/fio/fio.h"
 
+namespace zon_cfg
+{
 // Paths of more bytes are cut when they are remembered, and a longer HOME is no candidate.
 inline constexpr std::size_t longest_path = 1024;
 
@@ -60,5 +62,6 @@ std::string appended_settings_path();
 
 // The text of VELMAR_INI_VARS, or null when it is not set or empty. Belongs to the environment.
 const char* inline_settings();
+}
 
 #endif

@@ -11,7 +11,10 @@
 
 #include "cfg_ini/cfg_ini_reader/change_callbacks.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "cfg_ini/cfg_ini_reader/store_primitives.h"
 #include "tests/support/faked_test.h"
+
+using namespace zon_cfg;
 
 namespace
 {

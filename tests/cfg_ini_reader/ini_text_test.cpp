@@ -2,6 +2,8 @@
 
 #include "tests/support/store_test.h"
 
+using namespace zon_cfg;
+
 namespace
 {
 // --- The comment of a settings line ---

@@ -7,6 +7,8 @@
 #include "tests/support/failing_files.h"
 #include "tests/support/store_test.h"
 
+using namespace zon_cfg;
+
 namespace
 {
 // The reader takes 64 KiB at a time: the main file ends within the second piece, "long" runs from one into the other.

@@ -17,6 +17,8 @@
 #include "tools/velmar-cfg/tool.h"
 #include "tools/velmar-cfg/variable_name.h"
 
+using namespace zon_cfg;
+
 namespace
 {
 struct HINT

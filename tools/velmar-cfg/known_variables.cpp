@@ -7,6 +7,8 @@
 #include "cfg_ini/cfg_ini_reader/variable_catalogue.h"
 #include "tools/velmar-cfg/variable_name.h"
 
+using namespace zon_cfg;
+
 const std::vector<KNOWN_VARIABLE>& known_variables()
 {
     static const std::vector<KNOWN_VARIABLE> variables = []

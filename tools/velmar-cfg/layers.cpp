@@ -10,6 +10,8 @@
 #include "cfg_ini/cfg_ini_reader/settings_sources.h"
 #include "tools/velmar-cfg/input_file.h"
 
+using namespace zon_cfg;
+
 namespace
 {
 OUTCOME outcome_of(SETTINGS_LINE line)

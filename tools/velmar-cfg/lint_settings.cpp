@@ -13,6 +13,8 @@
 #include "tools/velmar-cfg/text.h"
 #include "tools/velmar-cfg/variable_name.h"
 
+using namespace zon_cfg;
+
 namespace
 {
 constexpr std::string_view byte_order_mark = "\xef\xbb\xbf";

@@ -13,6 +13,8 @@
 #include "tools/velmar-cfg/preferences.h"
 #include "tools/velmar-cfg/tool.h"
 
+using namespace zon_cfg;
+
 namespace
 {
 enum class STATE

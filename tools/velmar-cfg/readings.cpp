@@ -5,9 +5,11 @@
 #include <cmath>
 
 #include "cfg_ini/cfg_ini.h"
-#include "cfg_ini/cfg_ini_reader/lookup.h"
+#include "cfg_ini/cfg_ini_reader/store_primitives.h"
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"
 #include "tools/velmar-cfg/json_values.h"
+
+using namespace zon_cfg;
 
 READINGS read_typed(const std::string& name)
 {
@@ -19,7 +21,7 @@ READINGS read_typed(const std::string& name)
         readings.unsigned_integer = number;
     readings.floating = cfg_get_value_as<double>(name);
     if (readings.floating)
-        cfg_ini_convert_to_double(cfg_get_value(name).c_str(), &readings.floating_is_whole);
+        convert_to_double(cfg_get_value(name).c_str(), &readings.floating_is_whole);
     return readings;
 }
 

@@ -10,7 +10,7 @@
 
 inline bool same_name(const std::string& a, const std::string& b)
 {
-    return equal_names(a, b);
+    return zon_cfg::equal_names(a, b);
 }
 
 template <typename T>

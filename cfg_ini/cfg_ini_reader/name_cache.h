@@ -1,9 +1,9 @@
-// Where names were found last: most lookups are spared the hash and the walk through the table.
+// A cache over the record table: most lookups are spared the hash and the walk through the table.
 //
-// A small memory over the table, keyed by the name as it is spelt in the lookup, with two places for each name. What it
-// answers is what the table would answer; it may forget at any time.
-#ifndef CFG_INI_CFG_INI_READER_RECENT_NAMES_H
-#define CFG_INI_CFG_INI_READER_RECENT_NAMES_H
+// The cache is two-way set-associative and keyed by the name as the lookup spells it. It answers what the table would
+// answer; an entry may be evicted at any time.
+#ifndef CFG_INI_CFG_INI_READER_NAME_CACHE_H
+#define CFG_INI_CFG_INI_READER_NAME_CACHE_H
 
 #include <cstddef>
 #include <cstdint>
@@ -11,64 +11,73 @@
 #include <string_view>
 
 #include "cfg_ini/cfg_ini_reader/name_matching.h"
+#include "cfg_ini/cfg_ini_reader/store_lock.h"
 
 struct CFG_INI_RECORD;
 
-// One name as it was spelt in a lookup; fills a cache line, so that most lookups touch this one and the record's.
-struct alignas(64) RECENT_NAME
+namespace zon_cfg
 {
-    static constexpr std::size_t longest = 48; // longer names are not remembered
+// One name as a lookup spelt it. Fills a cache line, so that most lookups touch this one and the record's.
+struct alignas(64) CACHED_NAME
+{
+    static constexpr std::size_t longest = 48; // longer names are not cached
 
     CFG_INI_RECORD* record;
-    std::uint32_t epoch; // what is remembered holds while this is the current one
+    std::uint32_t epoch; // the entry is valid while this is the current one
     std::uint8_t length;
     char characters[longest];
 };
-static_assert(sizeof(RECENT_NAME) == 64);
+static_assert(sizeof(CACHED_NAME) == 64);
 
-// The two places that a name may be in, tried in this order.
-using RECENT_PAIR = RECENT_NAME[2];
+// The two ways of a set, tried in this order.
+using CACHE_SET = CACHED_NAME[2];
 
-inline constexpr unsigned int recent_bits = 12;
+inline constexpr unsigned int cache_index_bits = 12;
 
-// Both guarded by the store's lock. Of a thousand names in use all but ten find a place.
-extern constinit RECENT_PAIR cfg_ini_recent_names[1U << recent_bits];
-extern constinit std::uint32_t cfg_ini_recent_epoch; // never 0
+// Of a thousand names in use all but ten find a way of their set.
+extern constinit CACHE_SET name_cache[1U << cache_index_bits] ZON_GUARDED;
+extern constinit std::uint32_t name_cache_epoch ZON_GUARDED; // never 0
 
-// A name to be looked up: its place among the recent names, worked out, and its memory asked for, ahead of the lock.
+// A name to be looked up: its set in the cache is worked out, and prefetched, ahead of the lock.
 class SOUGHT_NAME
 {
 public:
     // A null name (a view without characters) throws std::logic_error, as making a std::string of it does.
-    explicit SOUGHT_NAME(std::string_view name) : text(not_null(name)), places(cfg_ini_recent_names[place_of(name)])
+    explicit SOUGHT_NAME(std::string_view name) : text(not_null(name)), ways(set_of(name))
     {
-        __builtin_prefetch(places);
+        __builtin_prefetch(ways);
     }
 
-    // The record remembered for the name, or null. The caller holds the lock.
-    [[gnu::always_inline]] CFG_INI_RECORD* recent() const
+    // The record cached for the name, or null.
+    [[gnu::always_inline]] CFG_INI_RECORD* cached() const ZON_LOCK_HELD
     {
-        if (is_in(places[0])) [[likely]]
-            return places[0].record;
-        return recent_in_second_place();
+        if (is_in(ways[0])) [[likely]]
+            return ways[0].record;
+        return cached_in_second_way();
     }
 
-    // Remembers the record that the name was found to have. The caller holds the lock.
-    CFG_INI_RECORD* remember(CFG_INI_RECORD* record) const;
+    // Caches the record that the name was found to have, and returns it.
+    CFG_INI_RECORD* cache(CFG_INI_RECORD* record) const ZON_LOCK_HELD;
 
     const std::string_view text;
 
 private:
-    CFG_INI_RECORD* recent_in_second_place() const;
+    CFG_INI_RECORD* cached_in_second_way() const ZON_LOCK_HELD;
 
-    bool is_in(const RECENT_NAME& place) const
+    bool is_in(const CACHED_NAME& way) const ZON_LOCK_HELD
     {
-        return place.epoch == cfg_ini_recent_epoch && place.length == text.size() &&
-               equal_bytes(place.characters, text.data(), text.size());
+        return way.epoch == name_cache_epoch && way.length == text.size() &&
+               equal_bytes(way.characters, text.data(), text.size());
     }
 
-    // Mixes characters of the start, the middle and the end. Names with the same places only push each other out.
-    static std::size_t place_of(std::string_view name)
+    // Only the address of the set is worked out, which needs no lock.
+    static CACHED_NAME* set_of(std::string_view name) ZON_UNCHECKED
+    {
+        return name_cache[index_of(name)];
+    }
+
+    // Mixes characters of the start, the middle and the end. Names of the same set only evict each other.
+    static std::size_t index_of(std::string_view name)
     {
         const std::size_t length = name.size();
         const char* const start = name.data();
@@ -85,7 +94,7 @@ private:
             for (const char c : name)
                 mix = (mix + static_cast<unsigned char>(c)) * 0x9E3779B97F4A7C15U;
         }
-        return mix >> (64 - recent_bits);
+        return mix >> (64 - cache_index_bits);
     }
 
     // Few branches, which names of most lengths share: the lengths of names that follow each other are hard to foresee.
@@ -122,10 +131,11 @@ private:
         return value;
     }
 
-    RECENT_NAME* const places; // a pair
+    CACHED_NAME* const ways; // two
 };
 
-// Forgets all names; to be called before the table goes. The caller holds the lock.
-void forget_recent_names();
+// Invalidates every entry; to be called before the table goes.
+void clear_name_cache() ZON_LOCK_HELD;
+}
 
 #endif

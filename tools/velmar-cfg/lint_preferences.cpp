@@ -13,6 +13,8 @@
 #include "tools/velmar-cfg/preferences.h"
 #include "tools/velmar-cfg/text.h"
 
+using namespace zon_cfg;
+
 namespace
 {
 // One file under examination, line by line.

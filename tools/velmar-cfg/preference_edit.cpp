@@ -7,6 +7,7 @@
 
 #include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_file.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_loading.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_writing.h"
 #include "tools/velmar-cfg/file_lock.h"
@@ -16,6 +17,8 @@
 #include "tools/velmar-cfg/staged_file.h"
 #include "tools/velmar-cfg/text.h"
 #include "tools/velmar-cfg/tool.h"
+
+using namespace zon_cfg;
 
 namespace
 {

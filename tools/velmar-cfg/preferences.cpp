@@ -13,6 +13,8 @@
 #include "tools/velmar-cfg/nearest_name.h"
 #include "tools/velmar-cfg/tool.h"
 
+using namespace zon_cfg;
+
 namespace
 {
 std::string release_of_section(const PREFERENCE& preference)

@@ -14,6 +14,8 @@
 #include "tools/velmar-cfg/readings.h"
 #include "tools/velmar-cfg/tool.h"
 
+using zon_cfg::PREFERENCE_ORIGIN;
+
 struct SNAPSHOT_FILE
 {
     std::string role;                  // one of all_file_roles()

@@ -12,6 +12,8 @@
 #include "tools/velmar-cfg/run_reports.h"
 #include "tools/velmar-cfg/snapshot.h"
 
+using zon_cfg::PREFERENCE_SOURCE;
+
 // The pointers are null on the side that has no such row.
 struct INSTALLATION_DIFFERENCE
 {

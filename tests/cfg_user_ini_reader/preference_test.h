@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cfg_ini/cfg_user_ini_reader/preference_file.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_loading.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_writing.h"
 #include "tests/support/faked_test.h"

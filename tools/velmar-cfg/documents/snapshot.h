@@ -13,6 +13,8 @@
 #include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
 
+using zon_cfg::PREFERENCE_ORIGIN;
+
 struct SNAPSHOT_FILE
 {
     std::string role;                  // one of all_file_roles()

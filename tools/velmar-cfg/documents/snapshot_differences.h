@@ -19,6 +19,8 @@ struct COMPARED_SNAPSHOT
     SNAPSHOT snapshot;
 };
 
+using zon_cfg::PREFERENCE_SOURCE;
+
 // The pointers are null on the side that has no such row.
 struct INSTALLATION_DIFFERENCE
 {

@@ -13,6 +13,8 @@
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 
+using namespace zon_cfg;
+
 namespace
 {
 // One file under examination, line by line.

@@ -7,6 +7,7 @@
 
 #include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_file.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_loading.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_writing.h"
 #include "tools/velmar-cfg/base/errors.h"
@@ -15,6 +16,8 @@
 #include "tools/velmar-cfg/base/staged_file.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
+
+using namespace zon_cfg;
 
 namespace
 {

@@ -13,6 +13,8 @@
 #include "tools/velmar-cfg/base/json_values.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
 
+using namespace zon_cfg;
+
 namespace
 {
 std::string release_of_section(const PREFERENCE& preference)

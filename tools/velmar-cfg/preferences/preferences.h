@@ -10,6 +10,9 @@
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
 
+using zon_cfg::PREFERENCE_ORIGIN;
+using zon_cfg::PREFERENCE_SOURCE;
+
 struct PREFERENCE
 {
     CFG_USER_INI_ENUMS number;

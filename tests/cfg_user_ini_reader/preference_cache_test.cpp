@@ -1,4 +1,4 @@
-// Lookups and assignments remember where a record is; what they answer must be what the plainly written rules answer.
+// What the cache answers must be what a search, and the plainly written rules, answer.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -11,9 +11,11 @@
 #include "tests/cfg_user_ini_reader/plain_preferences.h"
 #include "tests/cfg_user_ini_reader/preference_test.h"
 
+using zon_cfg::find_preference;
+
 namespace
 {
-class RUNNING_RECORDS_TEST : public PREFERENCE_TEST
+class PREFERENCE_CACHE_TEST : public PREFERENCE_TEST
 {
 };
 
@@ -29,7 +31,7 @@ const std::vector<std::string> sections = {
     "General 23.3_pro",  "General 24.1_pro",  "Messages 24.1_pro", "Internet Connectivity"};
 }
 
-TEST_F(RUNNING_RECORDS_TEST, random_files_and_calls_answer_as_the_plain_store_does)
+TEST_F(PREFERENCE_CACHE_TEST, random_files_and_calls_answer_as_the_plain_store_does)
 {
     std::mt19937 random(6);
     const auto pick = [&random](const std::vector<std::string>& from) { return from[random() % from.size()]; };
@@ -75,7 +77,7 @@ TEST_F(RUNNING_RECORDS_TEST, random_files_and_calls_answer_as_the_plain_store_do
     }
 }
 
-TEST_F(RUNNING_RECORDS_TEST, a_file_read_again_is_not_answered_from_memory)
+TEST_F(PREFERENCE_CACHE_TEST, a_file_read_again_is_not_answered_from_the_cache)
 {
     write_preferences("[Messages 23.4_pro]\nSHOW_MESSAGE_ID = off\n");
     fake::ver::set_version("23.4");
@@ -88,7 +90,7 @@ TEST_F(RUNNING_RECORDS_TEST, a_file_read_again_is_not_answered_from_memory)
     EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "OFF");
 }
 
-TEST_F(RUNNING_RECORDS_TEST, another_running_release_is_not_answered_from_memory)
+TEST_F(PREFERENCE_CACHE_TEST, another_running_release_is_not_answered_from_the_cache)
 {
     write_preferences("[Messages 23.4_pro]\nSHOW_MESSAGE_ID = off\n[Messages 24.1_pro]\nSHOW_MESSAGE_ID = ON\n");
     const std::string long_release(40, '9');
@@ -105,7 +107,7 @@ TEST_F(RUNNING_RECORDS_TEST, another_running_release_is_not_answered_from_memory
     EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "off");
 }
 
-TEST_F(RUNNING_RECORDS_TEST, releases_that_differ_in_one_character_are_told_apart)
+TEST_F(PREFERENCE_CACHE_TEST, releases_that_differ_in_one_character_are_told_apart)
 {
     const std::vector<std::string> releases = {"23.4", "33.4", "24.4", "23:4", "23.5", "23.40", "23.", ""};
     std::string text;
@@ -125,7 +127,7 @@ TEST_F(RUNNING_RECORDS_TEST, releases_that_differ_in_one_character_are_told_apar
 }
 
 // Of every length that is compared in another way: a release, and each that differs from it in one character.
-TEST_F(RUNNING_RECORDS_TEST, releases_of_any_length_that_differ_in_one_character_are_told_apart)
+TEST_F(PREFERENCE_CACHE_TEST, releases_of_any_length_that_differ_in_one_character_are_told_apart)
 {
     std::vector<std::vector<std::string>> families;
     std::string text;
@@ -153,7 +155,7 @@ TEST_F(RUNNING_RECORDS_TEST, releases_of_any_length_that_differ_in_one_character
     }
 }
 
-TEST_F(RUNNING_RECORDS_TEST, a_release_of_any_length_keeps_its_records)
+TEST_F(PREFERENCE_CACHE_TEST, a_release_of_any_length_keeps_its_records)
 {
     for (std::size_t length = 36; length >= 28; --length)
     {
@@ -168,7 +170,7 @@ TEST_F(RUNNING_RECORDS_TEST, a_release_of_any_length_keeps_its_records)
     }
 }
 
-TEST_F(RUNNING_RECORDS_TEST, a_release_that_begins_like_a_long_one_is_told_apart)
+TEST_F(PREFERENCE_CACHE_TEST, a_release_that_begins_like_a_long_one_is_told_apart)
 {
     fake::ver::set_all_versions({});
     std::string text;
@@ -184,7 +186,7 @@ TEST_F(RUNNING_RECORDS_TEST, a_release_that_begins_like_a_long_one_is_told_apart
     }
 }
 
-TEST_F(RUNNING_RECORDS_TEST, an_assignment_for_a_release_of_any_length_is_seen_by_others)
+TEST_F(PREFERENCE_CACHE_TEST, an_assignment_for_a_release_of_any_length_is_seen_by_others)
 {
     for (std::size_t length = 28; length <= 40; ++length)
     {
@@ -201,7 +203,7 @@ TEST_F(RUNNING_RECORDS_TEST, an_assignment_for_a_release_of_any_length_is_seen_b
     }
 }
 
-TEST_F(RUNNING_RECORDS_TEST, another_list_of_known_releases_is_not_answered_from_memory)
+TEST_F(PREFERENCE_CACHE_TEST, another_list_of_known_releases_is_not_answered_from_the_cache)
 {
     write_preferences("[Messages 23.2_pro]\nSHOW_MESSAGE_ID = off\n");
     fake::ver::set_version("23.4");
@@ -212,7 +214,7 @@ TEST_F(RUNNING_RECORDS_TEST, another_list_of_known_releases_is_not_answered_from
     EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "off");
 }
 
-TEST_F(RUNNING_RECORDS_TEST, a_refused_older_value_is_carried_over_each_time)
+TEST_F(PREFERENCE_CACHE_TEST, a_refused_older_value_is_carried_over_each_time)
 {
     write_preferences("[Messages 23.3_pro]\nSHOW_MESSAGE_ID = maybe\n");
     fake::ver::set_version("23.4");
@@ -221,7 +223,7 @@ TEST_F(RUNNING_RECORDS_TEST, a_refused_older_value_is_carried_over_each_time)
         EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "maybe");
 }
 
-TEST_F(RUNNING_RECORDS_TEST, what_an_assignment_of_another_preference_brings_is_found)
+TEST_F(PREFERENCE_CACHE_TEST, what_an_assignment_of_another_preference_brings_is_found)
 {
     write_preferences("");
     fake::ver::set_version("23.4");

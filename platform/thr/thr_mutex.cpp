@@ -25,29 +25,26 @@
 //   never given twice, so that of an ended thread is nobody's.
 // Nothing rests on the order of accesses to two objects; hence there is neither a fence nor an access that is
 // sequentially consistent.
-#include "platform/thr/thr.h"
-
-#include <atomic>
 #include <bit>
-#include <cstdint>
+#include <ctime>
 #include <linux/futex.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+
+#include "platform/thr/thr_fork.h"
+#include "platform/thr/thr_mutex_state.h"
+
+using zon_thr::identity;
+
+static_assert(std::atomic<zon_thr::WORD>::is_always_lock_free);
+
+[[gnu::tls_model("initial-exec")]] constinit thread_local zon_thr::WORD zon_thr::identity = 0; // said again for g++
 
 namespace
 {
 constexpr int spins_before_sleep = 200;
 
-using WORD = std::uint64_t;
-constexpr WORD free_word = 0;
-constexpr WORD sleepers = 1;
-
-constinit std::atomic<WORD> last_identity = 0;
-
-// Even and never given twice in a process; 0 until the thread first locks. It has no destructor, so that destructors of
-// other objects of an ending thread can still lock. It takes eight bytes of what the C library reserves for libraries
-// that are loaded late, and is read without a call.
-[[gnu::tls_model("initial-exec")]] constinit thread_local WORD identity = 0;
+constinit std::atomic<zon_thr::WORD> last_identity = 0;
 
 void pause_processor()
 {
@@ -55,69 +52,63 @@ void pause_processor()
     __builtin_ia32_pause();
 #endif
 }
+
+bool has_passed(const timespec& deadline)
+{
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return now.tv_sec > deadline.tv_sec || (now.tv_sec == deadline.tv_sec && now.tv_nsec >= deadline.tv_nsec);
+}
 }
 
-struct THR_MUTEX
-{
-    std::atomic<WORD> word = free_word;
-    unsigned int count = 0; // further holds of the owner
-
-    [[gnu::visibility("hidden")]] void lock_slowly();
-    [[gnu::visibility("hidden")]] void wait();
-    [[gnu::visibility("hidden")]] void sleep_while(WORD seen);
-    [[gnu::visibility("hidden")]] void wake_one();
-
-    // The half that holds the lowest bit: the kernel compares 32 bits. Where only the other half has changed, the mutex
-    // has another owner and is held with sleepers all the same.
-    char* lower_half()
-    {
-        return reinterpret_cast<char*>(&word) + (std::endian::native == std::endian::little ? 0 : 4);
-    }
-};
-static_assert(std::atomic<WORD>::is_always_lock_free);
-
-// Locks for a thread that may have no identity yet, may be the owner, and may have to wait.
-[[gnu::noinline]] void THR_MUTEX::lock_slowly()
+[[gnu::noinline]] bool THR_MUTEX::lock_slowly(const timespec* deadline)
 {
     if (identity == 0)
         identity = last_identity.fetch_add(2, std::memory_order_relaxed) + 2;
-    if ((word.load(std::memory_order_relaxed) & ~sleepers) == identity) // (4)
+    if (is_own())
+    {
         ++count;
-    else
-        wait();
+        return true;
+    }
+    return wait(deadline);
 }
 
-void THR_MUTEX::wait()
+bool THR_MUTEX::wait(const timespec* deadline)
 {
+    zon_thr::settle_if_forked();
     for (int spin = 0; spin < spins_before_sleep; ++spin)
     {
-        WORD seen = word.load(std::memory_order_relaxed);
-        if (seen == free_word &&
+        zon_thr::WORD seen = word.load(std::memory_order_relaxed);
+        if (seen == zon_thr::free_word &&
             word.compare_exchange_strong(seen, identity, std::memory_order_acquire, std::memory_order_relaxed)) // (2)
-            return;
+            return true;
         pause_processor();
     }
     for (;;)
     {
-        WORD seen = word.load(std::memory_order_relaxed);
-        if (seen == free_word)
+        zon_thr::WORD seen = word.load(std::memory_order_relaxed);
+        if (seen == zon_thr::free_word)
         {
-            if (word.compare_exchange_strong(seen, identity | sleepers, std::memory_order_acquire,
+            if (word.compare_exchange_strong(seen, identity | zon_thr::sleepers, std::memory_order_acquire,
                                              std::memory_order_relaxed)) // (5)
-                return;
+                return true;
         }
-        else if ((seen & sleepers) != 0 ||
-                 word.compare_exchange_strong(seen, seen | sleepers, std::memory_order_relaxed)) // (6)
+        else if ((seen & zon_thr::sleepers) != 0 ||
+                 word.compare_exchange_strong(seen, seen | zon_thr::sleepers, std::memory_order_relaxed)) // (6)
         {
-            sleep_while(seen | sleepers);
+            // Not before (6): this thread may have taken a wake-up, which is another's if this one gives up.
+            if (deadline != nullptr && has_passed(*deadline))
+                return false;
+            sleep_while(seen | zon_thr::sleepers, deadline);
         }
     }
 }
 
 // May return early.
-void THR_MUTEX::sleep_while(WORD seen)
+void THR_MUTEX::sleep_while(zon_thr::WORD seen, const timespec* deadline)
 {
-    syscall(SYS_futex, lower_half(), FUTEX_WAIT_PRIVATE, static_cast<std::uint32_t>(seen), nullptr, nullptr, 0);
+    syscall(SYS_futex, lower_half(), FUTEX_WAIT_BITSET_PRIVATE, static_cast<std::uint32_t>(seen), deadline, nullptr,
+            FUTEX_BITSET_MATCH_ANY);
 }
 
 [[gnu::noinline]] void THR_MUTEX::wake_one()
@@ -125,27 +116,27 @@ void THR_MUTEX::sleep_while(WORD seen)
     syscall(SYS_futex, lower_half(), FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
 }
 
+// The half that holds the lowest bit: the kernel compares 32 bits. Where only the other half has changed, the mutex has
+// another owner and is held with sleepers all the same.
+char* THR_MUTEX::lower_half()
+{
+    return reinterpret_cast<char*>(&word) + (std::endian::native == std::endian::little ? 0 : 4);
+}
+
 THR_MUTEX* thr_mutex_create()
 {
-    return new THR_MUTEX;
+    zon_thr::protect_from_forks();
+    auto* const mutex = new THR_MUTEX;
+    zon_thr::enlist(*mutex);
+    return mutex;
 }
 
 void thr_mutex_lock(THR_MUTEX* mutex)
 {
-    const WORD self = identity;
-    WORD seen = free_word;
-    if (self == 0 || !mutex->word.compare_exchange_strong(seen, self, std::memory_order_acquire,
-                                                          std::memory_order_relaxed)) [[unlikely]] // (1)
-        return mutex->lock_slowly(); // a jump, which spares the usual case a frame on the stack
+    mutex->lock();
 }
 
 void thr_mutex_unlock(THR_MUTEX* mutex)
 {
-    if (mutex->count > 0) [[unlikely]]
-    {
-        --mutex->count;
-        return;
-    }
-    if ((mutex->word.exchange(free_word, std::memory_order_release) & sleepers) != 0) [[unlikely]] // (3)
-        mutex->wake_one();
+    mutex->unlock();
 }

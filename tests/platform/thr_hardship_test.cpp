@@ -4,60 +4,27 @@
 #include <array>
 #include <atomic>
 #include <barrier>
-#include <cerrno>
 #include <chrono>
 #include <cstddef>
-#include <fstream>
 #include <latch>
-#include <linux/filter.h>
-#include <linux/seccomp.h>
 #include <pthread.h>
 #include <random>
-#include <string>
-#include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
 
 #include "platform/thr/thr.h"
+#include "tests/platform/thread_conditions.h"
 #include "tests/support/isolated_test.h"
 
 namespace
 {
-constexpr unsigned int seconds_until_hung = 10;
-
 void pause_processor()
 {
 #if defined(__x86_64__)
     __builtin_ia32_pause();
 #endif
-}
-
-bool sleeps(pid_t thread)
-{
-    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
-    std::string line;
-    std::getline(file, line);
-    const std::size_t after_name = line.rfind(") ");
-    return after_name != std::string::npos && line[after_name + 2] == 'S';
-}
-
-// From here on the kernel refuses this call to the calling thread and all that it starts.
-void have_refused(unsigned int system_call)
-{
-    std::array<sock_filter, 4> program{{
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, system_call, 0, 1),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
-    }};
-    const sock_fprog filter{program.size(), program.data()};
-    ASSERT_EQ(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), 0);
-    ASSERT_EQ(prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter), 0);
-    errno = 0;
-    EXPECT_EQ(syscall(system_call, 0, 0, 0), -1);
-    EXPECT_EQ(errno, EPERM);
 }
 
 // Two threads lock once a round, and nobody unlocks again before both have: a wake-up that is lost is not made good by

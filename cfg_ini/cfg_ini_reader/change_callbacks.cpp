@@ -1,5 +1,7 @@
 #include "cfg_ini/cfg_ini_reader/change_callbacks.h"
 
+#include <atomic>
+
 constinit zon_cfg::CFG_INI_CALLBACK_REGISTRY* s_ini_callbacks = nullptr;
 
 namespace zon_cfg
@@ -8,6 +10,25 @@ constinit std::uint64_t watched_names = 0;
 
 namespace
 {
+// Holds while the registry's structure changes. Read in the child of a fork, which copies memory between any two
+// instructions of another thread.
+constinit std::atomic<bool> registry_is_changing = false;
+
+class REGISTRY_CHANGE
+{
+public:
+    REGISTRY_CHANGE()
+    {
+        registry_is_changing.store(true, std::memory_order_seq_cst);
+    }
+    ~REGISTRY_CHANGE()
+    {
+        registry_is_changing.store(false, std::memory_order_release);
+    }
+    REGISTRY_CHANGE(const REGISTRY_CHANGE&) = delete;
+    REGISTRY_CHANGE& operator=(const REGISTRY_CHANGE&) = delete;
+};
+
 template <typename NOTIFICATION>
 void notify(const std::vector<CFG_INI_CALLBACK*>& callbacks, NOTIFICATION notification) ZON_LOCK_HELD
 {
@@ -34,6 +55,15 @@ void reset_callbacks()
     for (const auto& [name, callbacks] : *s_ini_callbacks)
         notify(callbacks, &CFG_INI_CALLBACK::reset_to_default);
 }
+
+void leave_changing_registry()
+{
+    if (!registry_is_changing.load(std::memory_order_relaxed))
+        return;
+    s_ini_callbacks = nullptr;
+    watched_names = 0;
+    registry_is_changing.store(false, std::memory_order_relaxed);
+}
 }
 
 CFG_INI_CALLBACK::CFG_INI_CALLBACK(const char* variable_name) : name(variable_name)
@@ -43,6 +73,7 @@ CFG_INI_CALLBACK::CFG_INI_CALLBACK(const char* variable_name) : name(variable_na
     // a null name, or no memory, throws with the lock held. A host that gets here cannot go on.
     NOTIFYING_STORE_LOCK lock;
     ++notifications_under_way;
+    const REGISTRY_CHANGE change;
     if (s_ini_callbacks == nullptr)
         s_ini_callbacks = new CFG_INI_CALLBACK_REGISTRY;
     (*s_ini_callbacks)[std::string(name)].push_back(this);
@@ -56,6 +87,7 @@ CFG_INI_CALLBACK::~CFG_INI_CALLBACK()
     const zon_cfg::STORE_LOCK lock;
     if (s_ini_callbacks == nullptr)
         return;
+    const zon_cfg::REGISTRY_CHANGE change;
     std::erase((*s_ini_callbacks)[std::string(name)], this);
 }
 

@@ -60,6 +60,10 @@ inline void refresh_callbacks(std::string_view name) ZON_LOCK_HELD
 
 // Calls reset_to_default() of every callback; the names in no fixed order, those of one name in registration order.
 void reset_callbacks() ZON_LOCK_HELD;
+
+// In the child of a fork that interrupted another thread while it changed the registry: starts an empty one. The
+// callbacks of the old one are never notified again in this process.
+void leave_changing_registry() ZON_LOCK_HELD;
 }
 
 #endif

@@ -17,6 +17,7 @@
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/change_callbacks.h"
+#include "cfg_ini/cfg_ini_reader/fork_recovery.h"
 #include "cfg_ini/cfg_ini_reader/ini_text.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "cfg_ini/cfg_ini_reader/report_lines.h"
@@ -143,6 +144,7 @@ void replace_store(const std::string& path)
     NOTIFYING_STORE_LOCK lock;
     cfg_close_ini_file();
     discard_store(); // a callback told of the emptying may have read a variable, and so have made a store
+    start_fork_recovery();
     cfg_ini_file.store(new CFG_INI_TABLE, std::memory_order_release);
     apply_file_if_exists(path, cfg_current_velmar_ini_path_name,
                          {.external = true, .if_no_store = IF_NO_STORE::END_LAYER});
@@ -170,6 +172,7 @@ CFG_INI_INITIALIZER::~CFG_INI_INITIALIZER()
     cfg_close_ini_file();
     const STORE_LOCK lock;
     discard_store(); // one that a callback made by reading a variable while it was told of the emptying
+    stop_fork_recovery();
 }
 
 void cfg_process_ini_string(const std::string& text, bool internal)

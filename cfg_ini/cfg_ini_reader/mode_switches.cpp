@@ -1,3 +1,17 @@
+// Questions about how the host runs, each answered from a variable once and remembered, and the debug-message settings,
+// which follow their variables.
+//
+// A remembered answer is one atomic byte, so that asking again costs one load and takes no lock. There are two kinds:
+//   - the JTAG and benchmarking questions: racing first callers may each compute the answer, and so emit the
+//   benchmarking
+//     message more than once;
+//   - the modes: racing first callers wait for one computation, which runs under the store's lock. Forcing the modes
+//   off
+//     is kept apart from the answers, so that a mode first asked afterwards still reads, and counts, its variable.
+// An answer is remembered as the last step. A failure in between, such as a lack of memory, leaves the question open.
+//
+// The debug-message settings are cached as well. The flag cfg_ini_dirty, which every store sets, says when to read them
+// again. It is cleared only after all three are read, for the same reason. While nothing changes a call costs one lock.
 #include <atomic>
 
 #include "cfg_ini/cfg_ini.h"
@@ -50,7 +64,7 @@ bool answer_of_variable(REMEMBERED_ANSWER& remembered, const char* variable, voi
     if (decided != ANSWER::UNKNOWN)
         return decided;
     const bool value = !cfg_is_on(disabling_variable);
-    // Known by now if this was the first reading of the settings and a callback that it told asked as well.
+    // Known by now if this was the first load of the settings and a callback that it notified asked as well.
     decided = mode.load(std::memory_order_relaxed);
     if (decided == ANSWER::UNKNOWN)
     {
@@ -154,6 +168,7 @@ bool cfg_is_vexe_rpt_mode()
 
 void cfg_check_debug_ini_values(bool* global, bool* per_subsystem, int* global_level)
 {
+    // A copy, so that the caller's variables are written without the lock.
     const DEBUG_SETTINGS settings = current_debug_settings();
     if (global != nullptr)
         *global = settings.global;

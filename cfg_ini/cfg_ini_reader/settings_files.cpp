@@ -1,14 +1,21 @@
 // Loads the settings, layer by layer.
 //
 // A load of the main file replaces the store under one hold of the lock, so that other threads see the old store or the
-// whole main file. The layers above it (appended file, inline assignments, regression-test file) are applied one
-// assignment at a time, each under a hold of its own, and their files are read without the lock: a file may be a pipe
-// whose writer asks for variables itself. Only the first load, which a lookup triggers, holds the lock over all layers,
-// so that racing first users see all of them.
+// whole main file. The layers on top of it (appended file, inline assignments, regression-test file) are applied one
+// assignment at a time, each under a hold of its own, and their files are opened and read without the lock: a file may
+// be a pipe whose writer asks for variables itself. Only the first load, which a lookup triggers, holds the lock over
+// all layers, so that racing first users see all of them.
 //
 // Another thread may empty the store between two assignments. A layer that the library applies by itself then ends
 // without a report: the next use of a variable loads everything anew. A layer that the host applies itself goes on, and
 // its next assignment loads the settings first.
+//
+// Each assignment runs the callbacks of its name, and these may change what the host handed in: the text of a path, the
+// current directory, the environment. Every text is therefore copied before the first callback can run. A relative path
+// stays one: it is resolved whenever a file is asked for or opened. An exception ends the load where it is; the
+// assignments made so far stay.
+//
+// A line costs one search of the table, or one insertion into it; room for a file's names is made ahead, by its size.
 #include "cfg_ini/cfg_ini_reader/settings_files.h"
 
 #include <algorithm>
@@ -31,14 +38,21 @@ constinit char cfg_current_velmar_ini_path_name[zon_cfg::longest_path + 1] = {};
 constinit char cfg_current_regtest_ini_path_name[zon_cfg::longest_path + 1] = {};
 constinit char cfg_current_appended_environment_ini_path_name[zon_cfg::longest_path + 1] = {};
 
+namespace zon_cfg
+{
+namespace
+{
+// Made before cfg_ini_initializer, and so destroyed after it: callbacks of the last emptying may emit messages.
+const MEM_INITIALIZER mem_initializer("CFG_INI");
+}
+}
+
 CFG_INI_INITIALIZER cfg_ini_initializer;
 
 namespace zon_cfg
 {
 namespace
 {
-const MEM_INITIALIZER mem_initializer("CFG_INI");
-
 // For making room ahead of a file: twice what it needs at 40 characters a line, so that most new names find their
 // bucket empty and need not be compared with others.
 constexpr std::size_t line_length_to_reserve_by = 20;
@@ -90,9 +104,10 @@ void apply_file(const std::string& path, PATH_BUFFER& path_buffer, const LAYER& 
     SETTINGS_LINES lines(path);
     if (!lines.opened())
         return;
-    const std::size_t size_hint = lines.size_hint(); // reads, and so must come before the lock
+    const std::size_t size_hint = lines.size_hint();
     {
-        // Only for this: two threads may apply files at the same time.
+        // Not held while the file is read: two threads may apply files at the same time, and one may wait for the
+        // other.
         const STORE_LOCK lock;
         std::strncpy(path_buffer, path.c_str(), longest_path); // the byte behind stays zero
         if (store_table() != nullptr)
@@ -143,7 +158,7 @@ void replace_store(const std::string& path)
 {
     NOTIFYING_STORE_LOCK lock;
     cfg_close_ini_file();
-    discard_store(); // a callback told of the emptying may have read a variable, and so have made a store
+    discard_store(); // a callback that was notified may have read a variable, and so have made a store
     start_fork_recovery();
     cfg_ini_file.store(new CFG_INI_TABLE, std::memory_order_release);
     apply_file_if_exists(path, cfg_current_velmar_ini_path_name,
@@ -171,7 +186,7 @@ CFG_INI_INITIALIZER::~CFG_INI_INITIALIZER()
 {
     cfg_close_ini_file();
     const STORE_LOCK lock;
-    discard_store(); // one that a callback made by reading a variable while it was told of the emptying
+    discard_store(); // one that a callback made by reading a variable while it was notified of the emptying
     stop_fork_recovery();
 }
 

@@ -72,8 +72,12 @@ extern constinit int notifications_under_way ZON_GUARDED;
 
 // Holds the lock for a scope that may run callbacks. Any exception releases the lock, but for one that came out of a
 // callback: that one leaves it held, once for each of these scopes that it passes. This is intended: the store is not
-// in a state that other threads should see while a host object failed half-way. What a host can still do then stands at
-// CFG_INI_CALLBACK in cfg_ini/cfg_ini.h.
+// in a state that other threads should see while a host object failed half-way.
+//
+// A lock left held is held for good. Its thread can go on using the store; every other one waits for ever at its next
+// use, and so in exit(), where ~CFG_INI_INITIALIZER takes the lock. The process can still be ended by exit() on the
+// thread that threw, or by _exit(), quick_exit() or abort() on any. CFG_INI_CALLBACK in cfg_ini/cfg_ini.h tells hosts
+// so.
 class ZON_THREAD_SAFETY(scoped_lockable) NOTIFYING_STORE_LOCK
 {
 public:

@@ -1,3 +1,9 @@
+// The four reports about the use of variables.
+//
+// Each is one walk over the table with the lock held, which copies out what it reports; sorting comes after the
+// release. The ranked report sorts no more entries than it lists. The order of the table itself is not fixed: ranks are
+// sorted by count and then by name, maps are by name, and the single most accessed variable is any one of those with
+// the highest count.
 #include "cfg_ini/cfg_ini_reader/usage_report.h"
 
 #include <algorithm>

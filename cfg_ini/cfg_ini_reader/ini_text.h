@@ -23,7 +23,7 @@ namespace zon_cfg
 enum class SETTINGS_LINE
 {
     ASSIGNMENT,     // stores name and value
-    TOO_SHORT,      // ignored: fewer than 3 characters
+    TOO_SHORT,      // ignored: fewer than 3 characters, unless it is "=" and a character that is a value, as "=5"
     NO_EQUALS_SIGN, // ignored: no "=" once the comment is removed
 };
 

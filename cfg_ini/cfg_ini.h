@@ -564,7 +564,8 @@ CFG_INI_API bool cfg_does_ini_variable_have_value(CFG_USER_INI_ENUMS preference,
 //
 // An assignment changes the loaded preferences only; cfg_write_user_ini_file makes it last. True when stored; false,
 // with nothing changed, for an unknown name and for a value that the catalogue does not allow (letter case does not
-// count; the value is stored as written). A null name or value is reported and answers false.
+// count; the value is stored as written). A null name or value is reported and answers false. An exception, such as one
+// of a host's function that takes search paths, leaves everything as it was.
 
 CFG_INI_API bool cfg_set_user_ini_value(const char* name, const char* value);
 CFG_INI_API bool cfg_set_user_ini_value(CFG_USER_INI_ENUMS preference, const std::string& value);

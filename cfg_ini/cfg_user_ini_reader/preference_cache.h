@@ -18,7 +18,7 @@ namespace zon_cfg
 struct CACHED_RECORD
 {
     CFG_USER_VALUE_STRUCT* record; // null when it was not found
-    std::size_t searched;          // one more than the map held when it was searched; 0 when it was not
+    std::size_t missed_among;      // how many records the map held at the last search; 0 at first, where all are missed
     bool releases_may_have_it;     // it was missed, but another release's section may hold it: not a final miss
 };
 

@@ -1,5 +1,5 @@
 // Everything here is constant data, made by the compiler from the rows of preference_rows.h: the columns are picked
-// from the rows, the triples laid out behind each other with the position of each number's first one kept, and the keys
+// from the rows, the triples stand in one array, where each number's begin is kept too, and the keys
 // entered into an index. Nothing is initialised when a process starts, so that the tables can be used before and after
 // static objects live. Static assertions further down hold what the store relies on.
 //
@@ -42,6 +42,7 @@ consteval PREFERENCE_COLUMN column(const char* const PREFERENCE_ROW::*text)
     return texts;
 }
 
+// No preference was ever kept in a sub-branch; the column exists because hosts ask for it.
 consteval PREFERENCE_COLUMN empty_column()
 {
     PREFERENCE_COLUMN texts{};
@@ -85,6 +86,7 @@ consteval auto section_value_triples()
     return triples;
 }
 
+// Kept apart from the span that names it: the compiler then knows where the triples are, and indexes them directly.
 constexpr auto triple_table = section_value_triples();
 
 constexpr const char* key_of(CFG_USER_INI_ENUMS preference)
@@ -99,11 +101,13 @@ constexpr char folded(char c)
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
 }
 
+// What gen_stricmp answers, for the compiler, which cannot call a service of the host's.
 constexpr bool equal_folded(const char* a, const char* b)
 {
     return std::ranges::equal(std::string_view(a), std::string_view(b), {}, folded, folded);
 }
 
+// FNV-1a over the folded characters. The lower bits choose the slot, so the last step mixes the upper half into them.
 constexpr std::uint32_t folded_hash(const char* text)
 {
     std::uint32_t hash = 2166136261U;
@@ -171,6 +175,8 @@ constinit const std::array<std::pair<const char*, const char*>, CFG_USER_INI_ENU
 
 constinit const std::span<const PREFERENCE_TRIPLE> cfg_user_ini_enum_section_value_table = triple_table;
 
+// An old name is either a key of an earlier release or the label that the preference had in the Windows registry. Two
+// old names may lead to one key: files of both kinds are about.
 constexpr std::array<std::pair<const char*, const char*>, old_preference_name_count + 1>
     cfg_user_ini_name_old_name_table = {{
         {key_of(DISPLAY_WARNING_MESSAGES), "Post warning messages"},
@@ -281,6 +287,7 @@ namespace zon_cfg
 {
 CFG_USER_INI_ENUMS find_preference(const char* name)
 {
+    // Mostly a key is spelled as the catalogue spells it, and strcmp is quicker than folding.
     return find_in_slots(name, [](const char* key, const char* text)
                          { return std::strcmp(key, text) == 0 || gen_stricmp(key, text) == 0; });
 }
@@ -293,6 +300,8 @@ std::span<const PREFERENCE_TRIPLE> preference_triples(CFG_USER_INI_ENUMS prefere
 
 const PREFERENCE_TRIPLE* find_fitting_triple(CFG_USER_INI_ENUMS preference, const char* value)
 {
+    // In the order of the table, which makes the first fitting triple the answer. An empty allowed value stands for
+    // free text, so that the empty value itself is refused by a preference with a list.
     for (const PREFERENCE_TRIPLE& triple : preference_triples(preference))
     {
         if (value == nullptr || is_empty(triple.value) || gen_stricmp(triple.value, value) == 0)

@@ -73,6 +73,7 @@ namespace
 PREFERENCE_LINE header_line(std::string_view text, std::size_t bracket)
 {
     PREFERENCE_LINE line;
+    // For those who check files: it reads like a key line whose value holds a bracket, and is none.
     line.bracket_after_equals = text.find('=') < bracket;
     const std::size_t end = text.find(']', bracket);
     if (end == std::string_view::npos)
@@ -90,6 +91,7 @@ PREFERENCE_LINE key_line(std::string_view text, std::size_t equals)
     PREFERENCE_LINE line;
     line.kind = PREFERENCE_LINE_KIND::KEY;
 
+    // Old names end here: what is looked up, assigned and saved afterwards is the current name.
     const std::string written_name = gen_remove_leading_and_trailing_white_spaces(std::string(text.substr(0, equals)));
     line.name = cfg_convert_from_old_to_new(written_name);
     line.old_name_converted = line.name != written_name;
@@ -106,6 +108,7 @@ PREFERENCE_LINE key_line(std::string_view text, std::size_t equals)
 PREFERENCE_LINE classify_preference_line(std::string_view text)
 {
     PREFERENCE_LINE line;
+    // What stands behind a zero byte is no part of the line, for its length either.
     text = text.substr(0, text.find('\0'));
     if (text.size() < 3)
     {
@@ -128,6 +131,7 @@ PREFERENCE_LINE classify_preference_line(std::string_view text)
 
 std::string cfg_generate_user_ini_file_path()
 {
+    // The variable names a directory. One that names a file, or nothing that exists, is ignored without a message.
     const char* const directory = std::getenv("VELMAR2_INI");
     struct stat status;
     // The type is tested as one bit, not as a value; sockets and block devices share the bit and pass for directories.

@@ -1,3 +1,15 @@
+// The calls that hosts make. Each takes the same steps:
+//   1. the catalogue, by number or by name, for the section, and for an assignment whether the value is allowed;
+//   2. the running release, which names the section in full; it is asked for only if there is a section;
+//   3. loading, if nothing is loaded or search paths are still owed to the host;
+//   4. the value in the loaded records (preference_values.h), or a new value stored there.
+//
+// Step 3 happens also where step 1 has settled the answer: hosts rely on any lookup or assignment having loaded the
+// file and handed its search paths over. Null arguments are reported before step 1, and load nothing.
+//
+// A call by name finds the catalogue's entry in any letter case, but looks for records, and makes them, under the name
+// as it was passed: users' files hold keys in spellings of their own. Old names are no names here; reading a file
+// converts them.
 #include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
 
 #include <cstdlib>
@@ -32,7 +44,6 @@ const char* section_of(CFG_USER_INI_ENUMS preference)
     return preference_sections[preference_position(preference)];
 }
 
-// The running release is asked for before the file is read, and only where a section needs it.
 NAMED_PREFERENCE named_preference(CFG_USER_INI_ENUMS preference, const char* name, const char* section)
 {
     return {preference, name, section, *section != '\0' ? ver_get_version() : std::string()};
@@ -79,6 +90,7 @@ PREFERENCE_ORIGIN preference_origin(CFG_USER_INI_ENUMS preference)
     const std::string version = ver_get_version();
     const RECORD_KEY current = record_key(released_section(section, version), name);
 
+    // A value that decides nothing has no origin: an empty one counts as none, wherever it stands.
     const auto from = [](PREFERENCE_SOURCE source, const CFG_USER_VALUE_STRUCT* record)
     {
         return record == nullptr || record->value.empty() ? PREFERENCE_ORIGIN{}
@@ -150,6 +162,7 @@ bool cfg_does_ini_variable_have_value(CFG_USER_INI_ENUMS preference, bool use_de
 
 bool cfg_set_user_ini_value(const char* name, const char* value)
 {
+    // Both are reported if both are null: a host's log then shows the whole of the mistake.
     if (name == nullptr)
         report_preference_error("name != NULL", PREFERENCE_REPORT::NULL_NAME_OF_ASSIGNMENT);
     if (value == nullptr)

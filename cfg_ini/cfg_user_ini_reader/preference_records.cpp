@@ -1,3 +1,10 @@
+// The loaded maps are reached through two plain global pointers. Nothing destroys them at exit, so that exit handlers
+// and destructors of static objects can still ask for preferences; what is loaded then is never freed.
+//
+// Invariants:
+// - Both pointers change together, and only by the two functions below, which cannot fail: no exception leaves one map
+//   loaded without the other.
+// - The cache points into the loaded maps. The two functions clear it, so that no caller can forget to.
 #include "cfg_ini/cfg_user_ini_reader/preference_records.h"
 
 #include <utility>
@@ -23,8 +30,6 @@ PREFERENCE_MAPS make_preference_maps()
     maps.sections = std::make_unique<CFG_USER_VALUE_MAP>();
     return maps;
 }
-
-// The cache points into the loaded maps, so that both functions clear it: no caller can forget to.
 
 void publish_preferences(PREFERENCE_MAPS&& maps) noexcept
 {

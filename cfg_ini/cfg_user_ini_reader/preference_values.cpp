@@ -121,8 +121,8 @@ std::string carried_over_value(const NAMED_PREFERENCE& preference)
 std::string value_in_records(const NAMED_PREFERENCE& preference)
 {
     CACHED_RECORD* const cached = cached_record_of(preference);
-    const std::size_t searched = cfg_user_ini_records->size() + 1;
-    const bool is_cached_miss = cached != nullptr && cached->searched == searched;
+    const std::size_t record_count = cfg_user_ini_records->size();
+    const bool is_cached_miss = cached != nullptr && cached->missed_among == record_count;
     if (cached != nullptr && cached->record != nullptr)
         return cached->record->value;
     if (is_cached_miss && !cached->releases_may_have_it)
@@ -136,7 +136,7 @@ std::string value_in_records(const NAMED_PREFERENCE& preference)
         other_releases_count &&
         (cached == nullptr || is_cached_miss || may_be_of_some_release(preference.section, preference.name));
     if (cached != nullptr)
-        *cached = {record, searched, releases_may_have_it};
+        *cached = {record, record_count, releases_may_have_it};
     if (record != nullptr)
         return record->value;
     return releases_may_have_it ? carried_over_value(preference) : std::string();

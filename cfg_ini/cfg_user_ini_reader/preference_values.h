@@ -49,13 +49,14 @@ struct NAMED_PREFERENCE
 // What a lookup answers. A value that is carried over from another release is also stored for the running one.
 std::string value_of(const NAMED_PREFERENCE& preference, bool use_default);
 
-// Stores a value, which the caller has found allowed; the preference has a section. The host is told of search paths.
+// Stores a value, which the caller has found allowed; the preference has a section. Search paths are handed over to
+// the host.
 // An exception, its own or one of the host's function, leaves everything as it was.
 void store_value(const NAMED_PREFERENCE& preference, const char* value);
 
 // --- Search paths ---
 
-// The preferences whose values the general service is told, in the order in which loading tells it.
+// The preferences whose values the general service takes, in the order in which loading hands them over.
 inline constexpr CFG_USER_INI_ENUMS search_paths[] = {USER_LIBRARIES, USER_IP_SEARCH_PATHS};
 
 // The general service's function that takes the value; null for any other preference.

@@ -84,7 +84,8 @@ std::vector<SECTION_GROUP> group_pending_records()
     return groups;
 }
 
-// Each line is flushed, so that a process that ends here leaves whole lines; what a write fails to do is not told.
+// Each line is flushed, so that a process that ends here leaves whole lines. Write errors are not reported: the stream
+// drops what follows them, and the records count as written.
 void write_group(std::ostream& file, const SECTION_GROUP& group)
 {
     file << std::endl << '[' << group.front()->section << ']' << std::endl;
@@ -112,6 +113,7 @@ bool cfg_write_user_ini_file()
     std::ofstream file;
     file.rdbuf()->pubsetbuf(buffer.data(), buffer.size());
     file.open(path);
+    // Also for a file that did not open, so that the log shows which one.
     mem_msg_vdebug("writing ini file: %s", path.c_str());
     if (!file)
         return false;
@@ -122,6 +124,7 @@ bool cfg_write_user_ini_file()
 
 bool cfg_write_and_close_user_ini_file()
 {
+    // An exception unloads nothing: the assignments that were not saved are still there to be saved.
     const bool opened = cfg_write_user_ini_file();
     cfg_close_user_ini_file();
     return opened;

@@ -142,7 +142,7 @@ TEST_F(PREFERENCE_CACHE_TEST, releases_of_any_length_that_differ_in_one_characte
     write_preferences(text);
     for (const std::vector<std::string>& family : families)
     {
-        // What is left of an earlier release behind the one remembered is then what stands behind this one's name.
+        // What is left of an earlier release behind the one cached is then what stands behind this one's name.
         fake::ver::set_version(std::string(20, '\0'));
         cfg_get_user_ini_value(VANTREL2_USER_ID);
         for (const std::string& release : family)
@@ -223,7 +223,7 @@ TEST_F(PREFERENCE_CACHE_TEST, a_refused_older_value_is_carried_over_each_time)
         EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "maybe");
 }
 
-TEST_F(PREFERENCE_CACHE_TEST, what_an_assignment_of_another_preference_brings_is_found)
+TEST_F(PREFERENCE_CACHE_TEST, a_record_that_comes_with_an_assignment_is_found)
 {
     write_preferences("");
     fake::ver::set_version("23.4");
@@ -233,4 +233,40 @@ TEST_F(PREFERENCE_CACHE_TEST, what_an_assignment_of_another_preference_brings_is
     EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "on"); // a record of another spelling
     EXPECT_TRUE(cfg_set_user_ini_value("SHOW_MESSAGE_ID", "off"));
     EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "off");
+}
+
+// More keys than a search for one of any release walks over.
+TEST_F(PREFERENCE_CACHE_TEST, a_section_of_many_keys_is_searched_as_one_of_few)
+{
+    for (const int keys : {998, 999, 1000, 1001, 5000})
+    {
+        SCOPED_TRACE(keys);
+        std::string text = "[General 22.1_pro]\n";
+        for (int key = 0; key < keys; ++key)
+            text += "A" + std::to_string(key) + " = 1\n";
+        cfg_close_user_ini_file();
+        write_preferences(text + "[General 23.3_pro]\nUSER_LIBRARIES = /lib\n[General]\nRECENT_PROJECTS = p\n");
+        fake::ver::set_all_versions({"23.4", "23.3"});
+        for (int time = 0; time < 3; ++time)
+        {
+            EXPECT_EQ(cfg_get_user_ini_value(USER_LIBRARIES), "/lib");
+            EXPECT_EQ(cfg_get_user_ini_value(RECENT_PROJECTS), "p");
+            EXPECT_EQ(cfg_get_user_ini_value(HDL_PREFERENCE), "Verilog");
+        }
+        EXPECT_TRUE(cfg_set_user_ini_value(HDL_PREFERENCE, "VHDL"));
+        EXPECT_EQ(cfg_get_user_ini_value(HDL_PREFERENCE), "VHDL");
+    }
+}
+
+TEST_F(PREFERENCE_CACHE_TEST, a_record_of_an_unknown_release_is_found_once_the_release_is_known)
+{
+    write_preferences("[General 22.1_pro]\nHDL_PREFERENCE = VHDL\n[General]\nUSER_LIBRARIES =\n");
+    for (int time = 0; time < 2; ++time)
+    {
+        EXPECT_EQ(cfg_get_user_ini_value(HDL_PREFERENCE), "Verilog");
+        EXPECT_EQ(cfg_get_user_ini_value(USER_LIBRARIES), "");
+    }
+    fake::ver::set_all_versions({"23.4", "22.1"});
+    EXPECT_EQ(cfg_get_user_ini_value(HDL_PREFERENCE), "VHDL");
+    EXPECT_EQ(records().size(), 4U);
 }

@@ -46,7 +46,7 @@ class Scratch:
         self.copy_sources()
         launcher = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
         self.call(["cmake", "-S", self.source, "-B", self.build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=",
-                   "-DCMAKE_CXX_FLAGS=-O0 -g0 -w", "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=gold",
+                   "-DCMAKE_CXX_FLAGS=-O0 -g0 -w", "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=gold -Wl,--no-as-needed",
                    "-DCMAKE_SHARED_LINKER_FLAGS=-fuse-ld=gold", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON",
                    "-DZON_PRECOMPILE_HEADERS=ON", "-DZON_BUILD_EXAMPLES=OFF", f"-DZON_BUILD_TOOLS={'ON' if with_tool else 'OFF'}",
                    "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST",

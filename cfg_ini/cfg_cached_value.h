@@ -27,9 +27,12 @@
 // first one too, if it is what makes the settings files be read) leaves the next get() to ask, and count, once more.
 //
 // Threads. get() may be called from any thread, and from notifications but for the cases above. It takes the store's
-// lock only when it asks; the notifications only mark the answer as unknown, and nothing here waits for anything while
-// it holds a lock of its own (the text form locks its copy of the text while it copies). As for every CFG_INI_CALLBACK,
-// no other thread may store the variable or reread the settings while the object is being destroyed.
+// lock only when it asks; the notifications only mark the answer as unknown, and nothing here waits for another thread.
+// A text that other threads copy at that moment is asked for, and counted, like an unknown one. As for every
+// CFG_INI_CALLBACK, no other thread may store the variable or reread the settings while the object is being destroyed.
+//
+// fork. A child may ask any of these objects. One that another thread of the parent was using at that moment may ask
+// the store at each get() in the child: right, and slower.
 //
 // Static objects. Constructing registers the object and reads nothing, so it may be done at load, in libraries that
 // are loaded and unloaded at run time as well, in any order relative to other static objects that do not themselves
@@ -42,7 +45,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <mutex>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -83,40 +85,76 @@ class CELL
     static_assert(std::atomic<T>::is_always_lock_free);
 
 public:
-    T load() const
+    // Both answer whether they did it: always.
+    bool load(T& out) const
     {
-        return value.load(std::memory_order_relaxed);
+        out = value.load(std::memory_order_relaxed);
+        return true;
     }
 
-    void store(T new_value)
+    bool store(T new_value)
     {
         value.store(new_value, std::memory_order_relaxed);
+        return true;
     }
 
 private:
     std::atomic<T> value{};
 };
 
-// A text likewise. Its lock is the last in any order: nothing is called while it is held.
-template <>
-class CELL<std::string>
+// A text likewise, under a flag that is held while the text is copied. Nobody waits for the flag for long: the child of
+// a fork may find it taken by a thread that the child does not have, and then it stays taken.
+template <typename TEXT>
+class TEXT_CELL
 {
 public:
-    std::string load() const
+    // Both answer whether they did it: not if the flag stayed taken.
+    bool load(TEXT& out) const
     {
-        const std::lock_guard<std::mutex> lock(mutex);
-        return value;
+        if (!take())
+            return false;
+        const RELEASE_AT_END release{taken};
+        out = value;
+        return true;
     }
 
-    void store(std::string new_value)
+    bool store(TEXT new_value)
     {
-        const std::lock_guard<std::mutex> lock(mutex);
-        value.swap(new_value);
+        if (!take())
+            return false;
+        const RELEASE_AT_END release{taken};
+        value = std::move(new_value);
+        return true;
     }
 
 private:
-    mutable std::mutex mutex;
-    std::string value;
+    struct RELEASE_AT_END
+    {
+        std::atomic<bool>& flag;
+        ~RELEASE_AT_END()
+        {
+            flag.store(false, std::memory_order_release);
+        }
+    };
+
+    bool take() const
+    {
+        constexpr int tries = 200;
+        for (int n = 0; n < tries; ++n)
+        {
+            if (!taken.load(std::memory_order_relaxed) && !taken.exchange(true, std::memory_order_acquire))
+                return true;
+        }
+        return false;
+    }
+
+    mutable std::atomic<bool> taken{false};
+    TEXT value;
+};
+
+template <>
+class CELL<std::string> : public TEXT_CELL<std::string>
+{
 };
 
 // An answer of the store, as long as it is one. Any thread may call any of it; nobody waits.
@@ -124,15 +162,10 @@ template <typename T, typename STORAGE = CELL<T>>
 class KEPT_ANSWER
 {
 public:
-    bool is_known() const
+    // Whether an answer is known and could be had without waiting; `answer` then becomes it, or a newer one.
+    bool load(T& answer) const
     {
-        return (state.load(std::memory_order_acquire) & known) != 0;
-    }
-
-    // The last answer kept; once is_known() held, that one or a newer one.
-    T load() const
-    {
-        return cell.load();
+        return (state.load(std::memory_order_acquire) & known) != 0 && cell.load(answer);
     }
 
     // Stands for the changes so far; to be taken before the store is asked.
@@ -148,9 +181,8 @@ public:
         // only one: otherwise a late writer could overwrite the answer of a newer one that is already known.
         if (writing.exchange(true, std::memory_order_acquire))
             return;
-        if (state.load(std::memory_order_relaxed) == changes_before)
+        if (state.load(std::memory_order_relaxed) == changes_before && cell.store(std::move(answer)))
         {
-            cell.store(std::move(answer));
             state.compare_exchange_strong(changes_before, changes_before | known, std::memory_order_release,
                                           std::memory_order_relaxed);
         }
@@ -197,9 +229,8 @@ public:
     // (std::bad_alloc).
     T get() const
     {
-        if (kept.is_known())
-            return kept.load();
-        return ask();
+        T answer{};
+        return kept.load(answer) ? answer : ask();
     }
 
     // Called by the store, with its lock held.

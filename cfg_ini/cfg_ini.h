@@ -8,11 +8,13 @@
 // copied where they are kept, but for the name of a CFG_INI_CALLBACK. The header compiles as C++17.
 //
 // Threads: every function of the internal variable store may be called from any thread, at any time after load, unless
-// its comment says otherwise. The user preference store takes no lock and is meant for one thread at a time.
+// its comment says otherwise; none may be called from a signal handler. The user preference store takes no lock and is
+// meant for one thread at a time.
 //
 // Errors: absence is not an error (defaults, empty texts and empty optionals stand for it). A broken precondition is
 // reported through err_report_internal_error of platform/err/err.h; what follows the report stands at the function. The
-// library throws nothing of its own; std::bad_alloc, and std::logic_error for a null name, pass through.
+// library throws nothing of its own; std::bad_alloc, and std::logic_error for a null name, pass through. A load that
+// std::bad_alloc ends keeps what it has stored so far; load again to get the rest.
 #ifndef CFG_INI_CFG_INI_H
 #define CFG_INI_CFG_INI_H
 
@@ -72,7 +74,7 @@ enum CFG_INI_VAR_ENUM : int
 
 // --- Reading a variable ---
 //
-// Every reader first reads the settings files if that has not happened yet (see cfg_read_ini_file). Every reader counts
+// Every reader first loads the settings files if that has not happened yet (see cfg_read_ini_file). Every reader counts
 // the access, but for the one that meets a name for the first time: that one leaves an empty record behind, so that the
 // usage reports see what was asked for. A text converts as follows, once, when it is stored:
 //   boolean   "on", "1", "true" and "off", "0", "false" in any letter case, nothing else, no blanks;
@@ -186,9 +188,9 @@ CFG_INI_API std::optional<float> cfg_get_value_as<float>(std::string_view name);
 
 // --- Setting a variable ---
 //
-// A setter stores the text, converts it once, clears the mark of a valid read, tells the CFG_INI_CALLBACK objects of
-// exactly this name and marks the settings as changed; it counts no access. It first reads the settings files if that
-// has not happened yet. The value lasts until the settings are read again. A null name or value throws std::logic_error
+// A setter stores the text, converts it once, clears the mark of a valid read, notifies the CFG_INI_CALLBACK objects of
+// exactly this name and marks the settings as changed; it counts no access. It first loads the settings files if that
+// has not happened yet. The value lasts until the settings are reloaded. A null name or value throws std::logic_error
 // and sets nothing.
 
 CFG_INI_API void cfg_set_value(const std::string& name, const std::string& value);
@@ -242,24 +244,33 @@ CFG_INI_API const std::unordered_map<std::string, CFG_INI_VAR_ENUM>& cfg_ini_get
 // std::logic_error.
 CFG_INI_API std::optional<CFG_INI_VAR_ENUM> cfg_get_ini_var_enum_from_string(const char* name);
 
-// --- Being told of changes ---
+// --- Notification of changes ---
 
 // Base of host objects that keep something derived from one internal variable. Constructing registers the object,
 // destroying it unregisters it; several objects may share a name.
 //
 // Both notifications run on the thread that stored or emptied, with the store's (recursive) lock held, and may read and
-// set variables. They must not construct or destroy a CFG_INI_CALLBACK, must not empty or reread the store, and
-// refresh() must not set the variable it is told of. An exception that leaves a notification leaves the lock held.
+// set variables. They must not construct or destroy a CFG_INI_CALLBACK, must not empty or reload the store, and
+// refresh() must not set the variable that it is notified of. A reset_to_default() that reads a variable loads the
+// settings there and then: objects whose turn comes later are refreshed by that load first and reset afterwards.
+//
+// Neither notification should throw. An exception out of one passes through to the caller that stored or emptied, and
+// leaves the lock held by its thread, for good: the thread itself can go on using the store, and every other thread
+// that uses it waits for ever. Other threads wait also in exit(), which empties the store. Such a process can still end
+// in these ways:
+//   - the thread that threw calls exit() or returns from main();
+//   - any thread calls _exit(), quick_exit() or abort().
 //
 // An object is registered before its derived part is made and until after that is gone. Construct and destroy it while
-// no other thread stores under the name, empties or rereads, or the notification may find half an object; holding a
+// no other thread stores under the name, empties or reloads, or the notification may find half an object; holding a
 // lock in the derived class does not help.
 class CFG_INI_API CFG_INI_CALLBACK
 {
 public:
     // Registers under exactly this spelling: a store under another letter case reaches the same variable but does not
-    // notify. Only the pointer is kept: the characters must outlive the object unchanged. `name` must not be null (that
-    // throws std::logic_error with the lock held).
+    // notify. Only the pointer is kept: the characters must outlive the object unchanged. `name` must not be null. A
+    // null name throws std::logic_error and a lack of memory std::bad_alloc; either registers nothing and leaves the
+    // lock held, with the consequences that an exception out of a notification has.
     explicit CFG_INI_CALLBACK(const char* name);
     virtual ~CFG_INI_CALLBACK();
 
@@ -299,51 +310,68 @@ CFG_INI_API void cfg_vexe_ini_applied();
 CFG_INI_API bool cfg_is_vexe_ini_applied();
 
 // The debug-message settings: "debug_msg", "msg_debug_per_subsystem" (both off by default) and "debug_msg_level" (2 by
-// default), read again whenever a variable was stored or the store was emptied since the last call. Each pointer may be
-// null.
+// default), reread whenever a variable was stored or the store was emptied since the last call. Each pointer may be
+// null; what it points to is written after the lock was released.
 CFG_INI_API void cfg_check_debug_ini_values(bool* global, bool* per_subsystem, int* global_level);
 
 // --- Settings files ---
+//
+// A text handed in is copied: a callback that runs during the call may change or free the caller's. A relative path
+// stays one, and is resolved against the current directory whenever the file is asked for or opened.
+//
+// A call to open or read a file that a signal interrupts is repeated. Another failed read is tried once more; two
+// failures in a row end the file, and the line that this cuts short is dropped.
+//
+// A path may name a pipe. Its writer may use the store, with two exceptions, in which the lock is held while the file
+// is opened and read, so that the writer would wait for itself and every other user of the store for the writer: the
+// main file, and all files of the first load, which the first use of a variable triggers.
 
 // Looks for velmar.ini, or for regtest.ini when `regtest` is true, in the current directory, the directory VELMAR_INI,
 // HOME, HOME/.kestrin.velmar, the module's directory and the installation's bin directory, in this order. Returns the
 // path of the first that exists; empty when there is none, or when VELMAR_INI_DISABLED is exactly "1".
 CFG_INI_API std::string cfg_get_default_ini_file(bool regtest);
 
-// Replaces the store: drops every value, tells every CFG_INI_CALLBACK reset_to_default() if there was a store, reads
-// the file `path` (none when it is empty or missing), then lays the file APPENDED_VELMAR_INI and the inline assignments
-// VELMAR_INI_VARS over it. Other threads see the old store or the whole main file, never a part of it.
+// Replaces the store: drops every value, calls reset_to_default() of every CFG_INI_CALLBACK if there was a store, and
+// loads the file `path` (none when it is empty or missing). Then it applies the file APPENDED_VELMAR_INI and the inline
+// assignments VELMAR_INI_VARS on top. Other threads see the old store or the whole main file, never a part of it; the
+// sources on top become visible one assignment at a time. If another thread empties the store meanwhile, the sources
+// not yet applied are dropped, and the next use of a variable loads the settings anew.
 CFG_INI_API void cfg_read_ini_file(const std::string& path);
 
-// The same for the file that cfg_get_default_ini_file(false) finds. The first use of any variable does this by itself.
+// The same for the file that cfg_get_default_ini_file(false) finds. The first use of any variable does this by itself,
+// with the lock held to the end: racing first users wait, and see all sources.
 CFG_INI_API void cfg_read_ini_file();
 CFG_INI_API void cfg_read_default_ini_file();
 
-// Lays the lines of `path` over the store; nothing happens when the file is missing. Variables that the file creates
-// are not external. The second form needs a store: without one it reports an internal error and reads nothing.
+// Apply the lines of `path` on top of the store, without holding the lock across the file; nothing happens when the
+// file is missing. Variables that the file creates are not external. Without a store the first form loads the settings
+// at the first assignment; the second form needs a store, and without one reports an internal error and reads nothing.
+// If another thread empties the store meanwhile, the next assignment loads the settings first.
 CFG_INI_API void cfg_read_regtest_ini_file(const std::string& path);
 CFG_INI_API void cfg_read_and_append_environment_ini_file(const std::string& path);
 
-// Reads velmar.ini of the directory `proj_dirpath` (with or without a final "/"), or the default file when that
-// directory has none; then, if `regtest`, lays regtest.ini of that directory, or else the default one, over it. A null
-// `proj_dirpath` is reported and nothing is read.
+// Loads velmar.ini of the directory `proj_dirpath` (with or without a final "/"), or the default file when that
+// directory has none, as cfg_read_ini_file does; then, if `regtest`, applies regtest.ini of that directory, or else the
+// default one, on top. VELMAR_INI_DISABLED has no effect on the directory's own files. A null `proj_dirpath` is
+// reported and nothing is read.
 CFG_INI_API void cfg_read_project_ini_file(const char* proj_dirpath, bool regtest);
 
-// Empties the store and tells every CFG_INI_CALLBACK reset_to_default(); the next use of a variable reads the settings
-// again. Without a store nobody is told.
+// Empties the store and calls reset_to_default() of every CFG_INI_CALLBACK; the next use of a variable reloads the
+// settings. Without a store nobody is notified. The library does this as well when it is unloaded, at the latest in
+// exit().
 CFG_INI_API void cfg_close_ini_file();
 
 // The path of the last main, regression-test and appended file that was opened, cut at 1024 bytes; empty before the
 // first. Never cleared. The buffers belong to the library and must not be written or freed; reading one while another
-// thread reads settings files is a race. The spelling of the last name is what hosts link to.
+// thread loads settings files is a race. The spelling of the last name is what hosts link to.
 CFG_INI_API char* cfg_get_ini_file_path_name();
 CFG_INI_API char* cfg_get_regtest_ini_file_path_name();
 CFG_INI_API char* cfg_get_appended_envrionment_ini_file_path_name();
 
 // --- Usage reports ---
 //
-// Outputs are added to; a null output pointer makes the call do nothing more. But for the first, no report reads the
-// settings files: before the first read they come out empty.
+// Outputs are added to; a null output pointer makes the call do nothing more. But for the first, no report loads the
+// settings files: before the first load they come out empty.
 
 // Appends (name, access count in decimal) pairs, highest count first, equal counts in descending byte order of the
 // names. Lists variables with at least "cfg_min_accessed_to_report" accesses (default 0; a negative number lists
@@ -351,7 +379,7 @@ CFG_INI_API char* cfg_get_appended_envrionment_ini_file_path_name();
 // ordinary counted lookups, also when `out` is null.
 CFG_INI_API void cfg_get_most_accessed(std::vector<std::pair<std::string, std::string>>* out);
 
-// The variable with the highest access count, passing over names that end in "_debug_msg" or "_debug_msg_level" with
+// The variable with the highest access count, skipping names that end in "_debug_msg" or "_debug_msg_level" with
 // something before it. Returns the count; 0, with the outputs untouched, when nothing was accessed.
 CFG_INI_API std::uint64_t cfg_get_single_most_accessed_ini(std::string& name, std::string& value);
 

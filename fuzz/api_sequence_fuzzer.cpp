@@ -10,6 +10,8 @@
 #include "fuzz/plain_variables.h"
 #include "tests/support/plain_rules.h"
 
+using namespace zon_cfg;
+
 using fuzz::expect;
 using fuzz::expect_equal;
 

@@ -4,6 +4,8 @@
 #include "fuzz/fuzz_support.h"
 #include "tests/support/plain_rules.h"
 
+using namespace zon_cfg;
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::string line(data, data + size);

@@ -7,6 +7,8 @@
 #include "fuzz/fuzz_support.h"
 #include "tests/support/plain_rules.h"
 
+using namespace zon_cfg;
+
 using fuzz::expect;
 using fuzz::expect_equal;
 

@@ -5,7 +5,8 @@
 #include <tuple>
 
 #include "cfg_ini/cfg_ini.h"
-#include "cfg_ini/cfg_user_ini_reader/preference_file.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_loading.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_records.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_writing.h"
 #include "fuzz/fuzz_support.h"
 #include "platform/ver/ver.h"

@@ -3,9 +3,10 @@
 #include <nlohmann/json.hpp>
 
 #include "fuzz/fuzz_support.h"
-#include "tools/velmar-cfg/json_values.h"
-#include "tools/velmar-cfg/snapshot_differences.h"
-#include "tools/velmar-cfg/snapshot_document.h"
+#include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/base/json_values.h"
+#include "tools/velmar-cfg/documents/snapshot_differences.h"
+#include "tools/velmar-cfg/documents/snapshot_json.h"
 
 using fuzz::expect_equal;
 using nlohmann::ordered_json;

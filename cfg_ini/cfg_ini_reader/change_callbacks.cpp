@@ -1,32 +1,55 @@
+// Registers the host's callback objects by name, and notifies them.
+//
+// The registry is a map from a name, spelt exactly, to a list of objects in the order of their construction. Entries
+// are never erased: an unregistered name keeps an empty list, so that a walk over the map meets no hole.
+//
+// Most variables that are stored have no callback. A Bloom filter of 64 bits over the registered names, one bit for
+// each, answers for most of them without a search of the map: a clear bit means that the name has no callback. It may
+// answer "perhaps" for names without one, never "no" for a name with one.
+//
+// A walk counts itself in notifications_under_way and takes itself out again only when it ends without an exception. By
+// this difference NOTIFYING_STORE_LOCK knows that a callback threw, and keeps the lock.
 #include "cfg_ini/cfg_ini_reader/change_callbacks.h"
 
-#include "cfg_ini/cfg_ini_reader/record_table.h"
+#include <atomic>
 
-constinit CFG_INI_CALLBACK_REGISTRY* s_ini_callbacks = nullptr;
-constinit std::uint64_t cfg_ini_watched_kinds = 0;
-constinit int cfg_ini_notifications = 0;
+constinit zon_cfg::CFG_INI_CALLBACK_REGISTRY* s_ini_callbacks = nullptr;
+
+namespace zon_cfg
+{
+constinit std::uint64_t watched_names = 0;
 
 namespace
 {
-THR_MUTEX* locked_store_mutex()
+// Holds while the registry's structure changes. Read in the child of a fork, which copies memory between any two
+// instructions of another thread.
+constinit std::atomic<bool> registry_is_changing = false;
+
+class REGISTRY_CHANGE
 {
-    THR_MUTEX* const mutex = store_mutex();
-    thr_mutex_lock(mutex);
-    return mutex;
-}
+public:
+    REGISTRY_CHANGE()
+    {
+        registry_is_changing.store(true, std::memory_order_seq_cst);
+    }
+    ~REGISTRY_CHANGE()
+    {
+        registry_is_changing.store(false, std::memory_order_release);
+    }
+    REGISTRY_CHANGE(const REGISTRY_CHANGE&) = delete;
+    REGISTRY_CHANGE& operator=(const REGISTRY_CHANGE&) = delete;
+};
 
 template <typename NOTIFICATION>
-void notify(const std::vector<CFG_INI_CALLBACK*>& callbacks, NOTIFICATION notification)
+void notify(const std::vector<CFG_INI_CALLBACK*>& callbacks, NOTIFICATION notification) ZON_LOCK_HELD
 {
     // The bounds are those from before the walk: a callback must not construct or destroy callbacks.
-    ++cfg_ini_notifications;
+    ++notifications_under_way;
     for (CFG_INI_CALLBACK* const callback : callbacks)
         (callback->*notification)();
-    --cfg_ini_notifications;
+    --notifications_under_way;
 }
 }
-
-NOTIFYING_STORE_LOCK::NOTIFYING_STORE_LOCK() : NOTIFYING_STORE_LOCK(locked_store_mutex()) {}
 
 void refresh_callbacks_in_registry(std::string_view name)
 {
@@ -44,23 +67,38 @@ void reset_callbacks()
         notify(callbacks, &CFG_INI_CALLBACK::reset_to_default);
 }
 
+void leave_changing_registry()
+{
+    if (!registry_is_changing.load(std::memory_order_relaxed))
+        return;
+    s_ini_callbacks = nullptr;
+    watched_names = 0;
+    registry_is_changing.store(false, std::memory_order_relaxed);
+}
+}
+
 CFG_INI_CALLBACK::CFG_INI_CALLBACK(const char* variable_name) : name(variable_name)
 {
-    // No scope guard, intended: a null name, or no memory, throws with the lock held. A host that gets here cannot go
-    // on.
-    THR_MUTEX* const mutex = locked_store_mutex();
+    using namespace zon_cfg;
+    // A failure below counts as a notification that an exception ended, and so leaves the lock held. This is intended:
+    // a null name, or no memory, throws with the lock held. A host that gets here cannot go on.
+    NOTIFYING_STORE_LOCK lock;
+    ++notifications_under_way;
+    const REGISTRY_CHANGE change;
     if (s_ini_callbacks == nullptr)
         s_ini_callbacks = new CFG_INI_CALLBACK_REGISTRY;
     (*s_ini_callbacks)[std::string(name)].push_back(this);
-    cfg_ini_watched_kinds |= std::uint64_t{1} << callback_name_kind(name);
-    thr_mutex_unlock(mutex);
+    watched_names |= std::uint64_t{1} << bloom_bit_of(name);
+    --notifications_under_way;
+    lock.unlock();
 }
 
 CFG_INI_CALLBACK::~CFG_INI_CALLBACK()
 {
-    const STORE_LOCK lock;
+    const zon_cfg::STORE_LOCK lock;
     if (s_ini_callbacks == nullptr)
         return;
+    const zon_cfg::REGISTRY_CHANGE change;
     std::erase((*s_ini_callbacks)[std::string(name)], this);
 }
 

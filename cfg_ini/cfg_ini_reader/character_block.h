@@ -7,12 +7,15 @@
 
 #include <cstddef>
 
+namespace zon_cfg
+{
 inline constexpr std::size_t block_size = 16;
 
 // `from` begins `block_size` readable characters, at any address.
 inline __m128i load_block(const char* from)
 {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+}
 }
 #endif
 

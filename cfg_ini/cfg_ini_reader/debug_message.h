@@ -6,6 +6,8 @@
 
 #include "platform/mem/mem.h"
 
+namespace zon_cfg
+{
 // Hands the message to the memory layer under the module tag; `format` as for printf.
 __attribute__((format(printf, 1, 2))) inline void ini_debug_message(const char* format, ...)
 {
@@ -13,6 +15,7 @@ __attribute__((format(printf, 1, 2))) inline void ini_debug_message(const char* 
     va_start(args, format);
     mem_msg_local_vdebug("CFG_INI", format, args);
     va_end(args);
+}
 }
 
 #endif

@@ -5,9 +5,11 @@
 #include <cctype>
 
 #include "cfg_ini/cfg_ini_reader/character_block.h"
-#include "platform/err/err.h"
+#include "cfg_ini/cfg_ini_reader/report_lines.h"
 #include "platform/gen/gen.h"
 
+namespace zon_cfg
+{
 namespace
 {
 // Where a settings line divides.
@@ -149,7 +151,29 @@ std::string_view without_outer_blanks(std::string_view text)
     return text;
 }
 
+// The value of a line that has an "=": a part of the line or, where the platform has to trim it, of `changed`.
+std::string_view value_of(std::string_view line, const DIVIDED_LINE& divided, std::string& changed)
+{
+    const std::string_view value =
+        without_outer_blanks(line.substr(divided.equals + 1, divided.end - divided.equals - 1));
+    if (value.empty() || (is_visible_ascii(value.front()) && is_visible_ascii(value.back())))
+        return value; // without the blanks and tabs nothing is left to trim
+    changed = gen_remove_leading_and_trailing_white_spaces(std::string(value));
+    return changed;
 }
+
+// Whether a line too short for an assignment is the one kind that is one all the same, intended: "=" and a character
+// that is a value, as in "=5", set the variable of empty name. "=;" and "= " have no value and stay ignored.
+bool assigns_to_the_empty_name(std::string_view short_line)
+{
+    std::string changed;
+    return short_line.size() == 2 && short_line.front() == '=' &&
+           !value_of(short_line, divide(short_line), changed).empty();
+}
+}
+}
+
+using namespace zon_cfg;
 
 void cfg_remove_commented_portion(std::string* line)
 {
@@ -160,22 +184,21 @@ void cfg_trim_string(std::string* str)
 {
     if (str == nullptr)
     {
-        err_report_internal_error("str != NULL", "CFG_INI", "cfg_ini/cfg_ini_reader", 228);
+        report_broken_precondition("str != NULL", NULL_TEXT_TO_TRIM);
         return;
     }
     if (!is_all_visible_ascii(*str))
         std::erase_if(*str, is_white_space);
 }
 
-SETTINGS_LINE parse_settings_line(std::string_view line, LINE_ASSIGNMENT& assignment)
+SETTINGS_LINE zon_cfg::parse_settings_line(std::string_view line, LINE_ASSIGNMENT& assignment)
 {
-    // A carriage return counts. The one shorter line with an effect, intended: "=5" sets the variable of empty name.
-    constexpr std::size_t shortest = 3;
-    const bool short_with_empty_name = line.size() == 2 && line.front() == '=';
-    if (line.size() < shortest && !short_with_empty_name)
+    constexpr std::size_t shortest = 3; // a carriage return counts
+    if (line.size() < shortest && !assigns_to_the_empty_name(line))
         return SETTINGS_LINE::TOO_SHORT;
 
-    const auto [end, equals] = divide(line);
+    const DIVIDED_LINE divided = divide(line);
+    const std::size_t equals = divided.equals;
     if (equals == std::string_view::npos)
         return SETTINGS_LINE::NO_EQUALS_SIGN;
 
@@ -187,18 +210,11 @@ SETTINGS_LINE parse_settings_line(std::string_view line, LINE_ASSIGNMENT& assign
         assignment.name = assignment.changed_name;
     }
 
-    // The platform's trimming is asked only where taking blanks and tabs off does not settle it.
-    assignment.value = without_outer_blanks(line.substr(equals + 1, end - equals - 1));
-    if (!assignment.value.empty() &&
-        !(is_visible_ascii(assignment.value.front()) && is_visible_ascii(assignment.value.back())))
-    {
-        assignment.changed_value = gen_remove_leading_and_trailing_white_spaces(std::string(assignment.value));
-        assignment.value = assignment.changed_value;
-    }
+    assignment.value = value_of(line, divided, assignment.changed_value);
     return SETTINGS_LINE::ASSIGNMENT;
 }
 
-SETTINGS_LINE parse_settings_line(std::string_view line, std::string& name, std::string& value)
+SETTINGS_LINE zon_cfg::parse_settings_line(std::string_view line, std::string& name, std::string& value)
 {
     LINE_ASSIGNMENT assignment;
     const SETTINGS_LINE kind = parse_settings_line(line, assignment);
@@ -230,14 +246,15 @@ bool INLINE_TEXT::next(INLINE_ITEM& kind, std::string& name, std::string& value)
     item_size = end - position;
     position = end + 1;
 
-    const std::size_t equals = text.find('=', item_start);
-    if (equals >= end)
+    // Looked for in the item alone: items without "=" would else each search the rest of the text.
+    const std::size_t equals = item().find('=');
+    if (equals == std::string_view::npos)
     {
         kind = INLINE_ITEM::NO_EQUALS_SIGN;
         return true;
     }
-    name = gen_remove_leading_and_trailing_spaces(text.substr(item_start, equals - item_start));
-    value = gen_remove_leading_and_trailing_spaces(text.substr(equals + 1, end - equals - 1));
+    name = gen_remove_leading_and_trailing_spaces(std::string(item().substr(0, equals)));
+    value = gen_remove_leading_and_trailing_spaces(std::string(item().substr(equals + 1)));
     kind = name.empty() ? INLINE_ITEM::EMPTY_NAME : value.empty() ? INLINE_ITEM::EMPTY_VALUE : INLINE_ITEM::ASSIGNMENT;
     return true;
 }

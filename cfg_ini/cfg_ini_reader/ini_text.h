@@ -7,6 +7,9 @@
 #include <string>
 #include <string_view>
 
+// The separator of an inline text: its first ":" or ";", or ";" when it has neither.
+char cfg_find_separator_in_ini_string(const std::string& text);
+
 // Cuts the comment off `line` (not null): from the first ";" or "#" outside double quotes on, then from the first "//"
 // on if it stands before the first "=" or there is no "=". Quotes stay; an unclosed one reaches to the end of the line.
 void cfg_remove_commented_portion(std::string* line);
@@ -14,11 +17,13 @@ void cfg_remove_commented_portion(std::string* line);
 // Removes every white-space character (isspace of the current locale), inner ones too. A null `str` is reported.
 void cfg_trim_string(std::string* str);
 
+namespace zon_cfg
+{
 // What the store does with one line of a settings file.
 enum class SETTINGS_LINE
 {
     ASSIGNMENT,     // stores name and value
-    TOO_SHORT,      // ignored: fewer than 3 characters
+    TOO_SHORT,      // ignored: fewer than 3 characters, unless it is "=" and a character that is a value, as "=5"
     NO_EQUALS_SIGN, // ignored: no "=" once the comment is removed
 };
 
@@ -39,9 +44,6 @@ SETTINGS_LINE parse_settings_line(std::string_view line, LINE_ASSIGNMENT& assign
 
 // The same into strings.
 SETTINGS_LINE parse_settings_line(std::string_view line, std::string& name, std::string& value);
-
-// The separator of an inline text: its first ":" or ";", or ";" when it has neither.
-char cfg_find_separator_in_ini_string(const std::string& text);
 
 // What the store does with one item of an inline text.
 enum class INLINE_ITEM
@@ -75,5 +77,6 @@ private:
     std::size_t item_start = 0;
     std::size_t item_size = 0;
 };
+}
 
 #endif

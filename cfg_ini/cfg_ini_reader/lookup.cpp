@@ -1,99 +1,62 @@
-#include "cfg_ini/cfg_ini_reader/lookup.h"
-
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
 
 #include "cfg_ini/cfg_ini.h"
+#include "cfg_ini/cfg_ini_reader/core_readers.h"
 #include "cfg_ini/cfg_ini_reader/debug_message.h"
 #include "cfg_ini/cfg_ini_reader/name_matching.h"
-#include "cfg_ini/cfg_ini_reader/recent_names.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
-#include "cfg_ini/cfg_ini_reader/store_access.h"
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"
-#include "cfg_ini/cfg_ini_reader/value_storing.h"
 #include "cfg_ini/cfg_ini_reader/variable_catalogue.h"
 
+namespace zon_cfg
+{
 namespace
 {
-// A cached value and whether it is one; handed around by value, so that it stays in registers.
 template <typename T>
-struct CACHED
-{
-    T value;
-    bool found;
-};
-
-template <typename T>
-[[gnu::always_inline]] inline CACHED<T> read_cached(const SOUGHT_NAME& name)
-{
-    const STORE_ACCESS access;
-    CFG_INI_RECORD& record = find_counted_or_insert_record(name);
-    CACHED<T> cached;
-    cached.value = record.get_cached_value<T>(cached.found);
-    record.had_valid_read |= cached.found;
-    return cached;
-}
-
-// The form of the core readers, with the answer handed out through a pointer.
-template <typename T>
-T read_cached(const SOUGHT_NAME& name, bool* found)
-{
-    *found = false;
-    const CACHED<T> cached = read_cached<T>(name);
-    *found = cached.found;
-    return cached.value;
-}
-
-std::string read_string(const SOUGHT_NAME& name, bool mark_valid)
-{
-    const STORE_ACCESS access;
-    CFG_INI_RECORD& record = find_counted_or_insert_record(name);
-    record.had_valid_read |= mark_valid;
-    return record.value;
-}
-
-template <typename T>
-[[gnu::always_inline]] inline T cached_or_default(const SOUGHT_NAME& name, T default_value)
+[[gnu::always_inline]] inline T cached_or_default(std::string_view name, T default_value)
 {
     const CACHED<T> cached = read_cached<T>(name);
     return cached.found ? cached.value : default_value;
 }
 
 template <typename T>
-std::optional<T> cached_or_nothing(const SOUGHT_NAME& name)
+std::optional<T> cached_or_nothing(std::string_view name)
 {
     const CACHED<T> cached = read_cached<T>(name);
     return cached.found ? std::optional<T>(cached.value) : std::nullopt;
 }
 
-std::optional<std::string> text_or_nothing(const SOUGHT_NAME& name)
+std::optional<std::string> text_or_nothing(std::string_view name)
 {
     std::string text = read_string(name, true);
     return text.empty() ? std::nullopt : std::optional<std::string>(std::move(text));
 }
 
-std::optional<double> number_or_nothing(const SOUGHT_NAME& name)
+std::optional<double> number_or_nothing(std::string_view name)
 {
-    const std::string text = read_string(name, false);
+    std::string kept_name;
+    const std::string text = read_string(name, false, kept_name);
     if (text.empty())
         return std::nullopt;
+    if (!kept_name.empty())
+        name = kept_name;
 
     bool whole;
-    const double number = cfg_ini_convert_to_double(text.c_str(), &whole);
+    const double number = convert_to_double(text.c_str(), &whole);
     if (whole)
         mark_had_valid_read(name);
     else
     {
         // Still a number, and only not marked: callers rely on "2.5ms" being 2.5.
-        ini_debug_message("Couldn't parse ini setting %s=(%s) as a floating point value",
-                          std::string(name.text).c_str(), text.c_str());
+        ini_debug_message("Couldn't parse ini setting %s=(%s) as a floating point value", std::string(name).c_str(),
+                          text.c_str());
     }
     return number;
 }
 
-std::optional<float> narrow_number_or_nothing(const SOUGHT_NAME& name)
+std::optional<float> narrow_number_or_nothing(std::string_view name)
 {
     const std::optional<double> number = number_or_nothing(name);
     return number ? std::optional<float>(static_cast<float>(*number)) : std::nullopt;
@@ -102,49 +65,32 @@ std::optional<float> narrow_number_or_nothing(const SOUGHT_NAME& name)
 // The default text compared as it stands, intended: the by-enumeration form converts it with all the boolean words.
 bool is_on_by_default(std::string_view name)
 {
-    const std::optional<CFG_INI_VAR_ENUM> position = catalogue_position(name);
+    const std::optional<CFG_INI_VAR_ENUM> position = catalogue_position(name.substr(0, name.find('\0')));
     return position && std::string_view(catalogue_entry(*position).second) == "on";
 }
 }
-
-bool cfg_ini_read_boolean(const std::string& name, bool* found)
-{
-    return read_cached<bool>(SOUGHT_NAME(name), found);
 }
 
-int cfg_ini_read_int(const std::string& name, bool* found)
-{
-    return read_cached<int>(SOUGHT_NAME(name), found);
-}
-
-unsigned int cfg_ini_read_uint(const std::string& name, bool* found)
-{
-    return read_cached<unsigned int>(SOUGHT_NAME(name), found);
-}
-
-std::string cfg_ini_read_string(const std::string& name, bool mark_valid)
-{
-    return read_string(SOUGHT_NAME(name), mark_valid);
-}
+using namespace zon_cfg;
 
 bool cfg_is_on(const std::string& name, bool default_value)
 {
-    return cached_or_default(SOUGHT_NAME(name), default_value);
+    return cached_or_default(name, default_value);
 }
 
 bool cfg_is_on(std::string_view name, bool default_value)
 {
-    return cached_or_default(SOUGHT_NAME(name), default_value);
+    return cached_or_default(name, default_value);
 }
 
 bool cfg_is_on(const std::string& name)
 {
-    return cached_or_default(SOUGHT_NAME(name), is_on_by_default(name.c_str()));
+    return cached_or_default(name, is_on_by_default(name));
 }
 
 bool cfg_is_on(std::string_view name)
 {
-    return cached_or_default(SOUGHT_NAME(name), is_on_by_default(name));
+    return cached_or_default(name, is_on_by_default(name));
 }
 
 bool cfg_is_on(CFG_INI_VAR_ENUM ini_enum)
@@ -155,12 +101,12 @@ bool cfg_is_on(CFG_INI_VAR_ENUM ini_enum)
 
 int cfg_get_int_value(const std::string& name, int default_value)
 {
-    return cached_or_default(SOUGHT_NAME(name), default_value);
+    return cached_or_default(name, default_value);
 }
 
 int cfg_get_int_value(std::string_view name, int default_value)
 {
-    return cached_or_default(SOUGHT_NAME(name), default_value);
+    return cached_or_default(name, default_value);
 }
 
 int cfg_get_int_value(CFG_INI_VAR_ENUM ini_enum)
@@ -171,32 +117,32 @@ int cfg_get_int_value(CFG_INI_VAR_ENUM ini_enum)
 
 unsigned int cfg_get_uint_value(const std::string& name, unsigned int default_value)
 {
-    return cached_or_default(SOUGHT_NAME(name), default_value);
+    return cached_or_default(name, default_value);
 }
 
 unsigned int cfg_get_uint_value(std::string_view name, unsigned int default_value)
 {
-    return cached_or_default(SOUGHT_NAME(name), default_value);
+    return cached_or_default(name, default_value);
 }
 
 double cfg_get_double_value(const std::string& name, double default_value)
 {
-    return number_or_nothing(SOUGHT_NAME(name)).value_or(default_value);
+    return number_or_nothing(name).value_or(default_value);
 }
 
 double cfg_get_double_value(std::string_view name, double default_value)
 {
-    return number_or_nothing(SOUGHT_NAME(name)).value_or(default_value);
+    return number_or_nothing(name).value_or(default_value);
 }
 
 std::string cfg_get_value(const std::string& name)
 {
-    return read_string(SOUGHT_NAME(name), true);
+    return read_string(name, true);
 }
 
 std::string cfg_get_value(std::string_view name)
 {
-    return read_string(SOUGHT_NAME(name), true);
+    return read_string(name, true);
 }
 
 std::string cfg_get_value(CFG_INI_VAR_ENUM ini_enum)
@@ -209,108 +155,61 @@ std::string cfg_get_value(CFG_INI_VAR_ENUM ini_enum)
 template <>
 std::optional<bool> cfg_get_value_as<bool>(const std::string& name)
 {
-    return cached_or_nothing<bool>(SOUGHT_NAME(name));
+    return cached_or_nothing<bool>(name);
 }
 
 template <>
 std::optional<bool> cfg_get_value_as<bool>(std::string_view name)
 {
-    return cached_or_nothing<bool>(SOUGHT_NAME(name));
+    return cached_or_nothing<bool>(name);
 }
 
 template <>
 std::optional<int> cfg_get_value_as<int>(const std::string& name)
 {
-    return cached_or_nothing<int>(SOUGHT_NAME(name));
+    return cached_or_nothing<int>(name);
 }
 
 template <>
 std::optional<int> cfg_get_value_as<int>(std::string_view name)
 {
-    return cached_or_nothing<int>(SOUGHT_NAME(name));
+    return cached_or_nothing<int>(name);
 }
 
 template <>
 std::optional<std::string> cfg_get_value_as<std::string>(const std::string& name)
 {
-    return text_or_nothing(SOUGHT_NAME(name));
+    return text_or_nothing(name);
 }
 
 template <>
 std::optional<std::string> cfg_get_value_as<std::string>(std::string_view name)
 {
-    return text_or_nothing(SOUGHT_NAME(name));
+    return text_or_nothing(name);
 }
 
 template <>
 std::optional<double> cfg_get_value_as<double>(const std::string& name)
 {
-    return number_or_nothing(SOUGHT_NAME(name));
+    return number_or_nothing(name);
 }
 
 template <>
 std::optional<double> cfg_get_value_as<double>(std::string_view name)
 {
-    return number_or_nothing(SOUGHT_NAME(name));
+    return number_or_nothing(name);
 }
 
 template <>
 std::optional<float> cfg_get_value_as<float>(const std::string& name)
 {
-    return narrow_number_or_nothing(SOUGHT_NAME(name));
+    return narrow_number_or_nothing(name);
 }
 
 template <>
 std::optional<float> cfg_get_value_as<float>(std::string_view name)
 {
-    return narrow_number_or_nothing(SOUGHT_NAME(name));
-}
-
-void cfg_set_value(const std::string& name, const std::string& value)
-{
-    cfg_ini_insert_element(name, value);
-}
-
-void cfg_set_value(CFG_INI_VAR_ENUM ini_enum, const char* value)
-{
-    cfg_set_value(catalogue_entry(ini_enum).first, std::string(value));
-}
-
-void cfg_set_int_value(const char* name, int value)
-{
-    char text[16];
-    std::snprintf(text, sizeof text, "%d", value);
-    cfg_set_value(name, text);
-}
-
-void cfg_set_int_value(const std::string& name, int value)
-{
-    cfg_set_int_value(name.c_str(), value);
-}
-
-void cfg_set_int_value(CFG_INI_VAR_ENUM ini_enum, int value)
-{
-    cfg_set_int_value(catalogue_entry(ini_enum).first, value);
-}
-
-void cfg_set_on(const std::string& name)
-{
-    cfg_set_value(name, "on");
-}
-
-void cfg_set_on(CFG_INI_VAR_ENUM ini_enum)
-{
-    cfg_set_on(catalogue_entry(ini_enum).first);
-}
-
-void cfg_set_off(const std::string& name)
-{
-    cfg_set_value(name, "off");
-}
-
-void cfg_set_off(CFG_INI_VAR_ENUM ini_enum)
-{
-    cfg_set_off(catalogue_entry(ini_enum).first);
+    return narrow_number_or_nothing(name);
 }
 
 bool cfg_dyn_is_on(const char* name, bool default_value)

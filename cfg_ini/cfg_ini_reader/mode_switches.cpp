@@ -1,3 +1,17 @@
+// Questions about how the host runs, each answered from a variable once and remembered, and the debug-message settings,
+// which follow their variables.
+//
+// A remembered answer is one atomic byte, so that asking again costs one load and takes no lock. There are two kinds:
+//   - the JTAG and benchmarking questions: racing first callers may each compute the answer, and so emit the
+//   benchmarking
+//     message more than once;
+//   - the modes: racing first callers wait for one computation, which runs under the store's lock. Forcing the modes
+//   off
+//     is kept apart from the answers, so that a mode first asked afterwards still reads, and counts, its variable.
+// An answer is remembered as the last step. A failure in between, such as a lack of memory, leaves the question open.
+//
+// The debug-message settings are cached as well. The flag cfg_ini_dirty, which every store sets, says when to read them
+// again. It is cleared only after all three are read, for the same reason. While nothing changes a call costs one lock.
 #include <atomic>
 
 #include "cfg_ini/cfg_ini.h"
@@ -5,7 +19,10 @@
 #include "cfg_ini/cfg_ini_reader/own_variables.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "cfg_ini/cfg_ini_reader/store_access.h"
+#include "cfg_ini/cfg_ini_reader/store_lock.h"
 
+namespace zon_cfg
+{
 namespace
 {
 // Set once by the host, never cleared.
@@ -47,7 +64,7 @@ bool answer_of_variable(REMEMBERED_ANSWER& remembered, const char* variable, voi
     if (decided != ANSWER::UNKNOWN)
         return decided;
     const bool value = !cfg_is_on(disabling_variable);
-    // Known by now if this was the first reading of the settings and a callback that it told asked as well.
+    // Known by now if this was the first load of the settings and a callback that it notified asked as well.
     decided = mode.load(std::memory_order_relaxed);
     if (decided == ANSWER::UNKNOWN)
     {
@@ -73,9 +90,29 @@ struct DEBUG_SETTINGS
     int global_level = -1;
 };
 
-// As last read. Guarded by the store's lock.
-constinit DEBUG_SETTINGS debug_settings;
+// As last read.
+constinit DEBUG_SETTINGS debug_settings ZON_GUARDED;
+
+// Each read takes the lock again.
+DEBUG_SETTINGS current_debug_settings()
+{
+    const auto read_if_changed = [](const STORE_LOCK& /*held*/) ZON_LOCK_HELD
+    {
+        if (cfg_ini_dirty)
+        {
+            debug_settings.global = cfg_is_on(OWN_VARIABLE::debug_msg);
+            debug_settings.per_subsystem = cfg_is_on(OWN_VARIABLE::msg_debug_per_subsystem);
+            debug_settings.global_level = cfg_get_int_value(OWN_VARIABLE::debug_msg_level, 2);
+            cfg_ini_dirty = false;
+        }
+        return debug_settings;
+    };
+    return with_loaded_store<STORE_LOCK>(read_if_changed);
 }
+}
+}
+
+using namespace zon_cfg;
 
 void cfg_force_vexe_mode_off()
 {
@@ -131,18 +168,8 @@ bool cfg_is_vexe_rpt_mode()
 
 void cfg_check_debug_ini_values(bool* global, bool* per_subsystem, int* global_level)
 {
-    DEBUG_SETTINGS settings;
-    {
-        const STORE_ACCESS access;
-        if (cfg_ini_dirty)
-        {
-            debug_settings.global = cfg_is_on(OWN_VARIABLE::debug_msg);
-            debug_settings.per_subsystem = cfg_is_on(OWN_VARIABLE::msg_debug_per_subsystem);
-            debug_settings.global_level = cfg_get_int_value(OWN_VARIABLE::debug_msg_level, 2);
-            cfg_ini_dirty = false;
-        }
-        settings = debug_settings;
-    }
+    // A copy, so that the caller's variables are written without the lock.
+    const DEBUG_SETTINGS settings = current_debug_settings();
     if (global != nullptr)
         *global = settings.global;
     if (per_subsystem != nullptr)

@@ -7,6 +7,8 @@
 
 #include "cfg_ini/cfg_ini_reader/character_block.h"
 
+namespace zon_cfg
+{
 namespace
 {
 using WORD = std::uint64_t;
@@ -201,4 +203,5 @@ bool equal_names(std::string_view a, std::string_view b)
     a = up_to_zero_byte(a);
     b = up_to_zero_byte(b);
     return a.size() == b.size() && equal_folded(a.data(), b.data(), a.size());
+}
 }

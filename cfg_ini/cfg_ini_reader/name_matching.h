@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+namespace zon_cfg
+{
 // Throws the std::logic_error of making a std::string of a null pointer.
 [[noreturn]] void refuse_null_name();
 
@@ -37,6 +39,8 @@ struct HASHED_NAME
     std::size_t hash;
 };
 
+}
+
 // The functors of the record table. The call operators are not noexcept, and must not become so: that is what makes the
 // standard library keep each entry's hash code, so that growing the table and telling entries apart need not hash
 // again.
@@ -46,9 +50,9 @@ struct STL_CASE_INSENSITIVE_HASH_COMPARE
 
     std::size_t operator()(const std::string& name) const
     {
-        return hash_name(name);
+        return zon_cfg::hash_name(name);
     }
-    std::size_t operator()(const HASHED_NAME& name) const
+    std::size_t operator()(const zon_cfg::HASHED_NAME& name) const
     {
         return name.hash;
     }
@@ -60,15 +64,15 @@ struct STL_CASE_INSENSITIVE_EQUAL
 
     bool operator()(const std::string& a, const std::string& b) const
     {
-        return equal_names(a, b);
+        return zon_cfg::equal_names(a, b);
     }
-    bool operator()(const HASHED_NAME& a, const std::string& b) const
+    bool operator()(const zon_cfg::HASHED_NAME& a, const std::string& b) const
     {
-        return equal_names(a.text, b);
+        return zon_cfg::equal_names(a.text, b);
     }
-    bool operator()(const std::string& a, const HASHED_NAME& b) const
+    bool operator()(const std::string& a, const zon_cfg::HASHED_NAME& b) const
     {
-        return equal_names(a, b.text);
+        return zon_cfg::equal_names(a, b.text);
     }
 };
 

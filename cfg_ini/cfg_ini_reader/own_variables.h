@@ -3,7 +3,7 @@
 #ifndef CFG_INI_CFG_INI_READER_OWN_VARIABLES_H
 #define CFG_INI_CFG_INI_READER_OWN_VARIABLES_H
 
-namespace OWN_VARIABLE
+namespace zon_cfg::OWN_VARIABLE
 {
 inline constexpr const char* jtag_auto_config = "jtag_auto_config";
 inline constexpr const char* jtag_server_mode = "jtag_server_mode";

@@ -1,4 +1,4 @@
-// The internal variable store itself: the records, the table that finds them, and the one lock over both.
+// The internal variable store itself: the records, and the table that finds them.
 #ifndef CFG_INI_CFG_INI_READER_RECORD_TABLE_H
 #define CFG_INI_CFG_INI_READER_RECORD_TABLE_H
 
@@ -13,51 +13,53 @@
 #include <unordered_map>
 #include <vector>
 
+#include "cfg_ini/cfg_ini_reader/name_cache.h"
 #include "cfg_ini/cfg_ini_reader/name_matching.h"
-#include "cfg_ini/cfg_ini_reader/recent_names.h"
-#include "platform/thr/thr.h"
+#include "cfg_ini/cfg_ini_reader/store_lock.h"
 
-// One internal variable. Fills a cache line: a lookup in a large store is the price of the lines it touches. Guarded by
-// the store's lock; owned by the table until the table is destroyed.
+// One internal variable. Fills a cache line: a lookup in a large store costs the lines that it touches. Owned by
+// the table until the table is destroyed.
 struct alignas(64) CFG_INI_RECORD
 {
-    std::string value;
-    std::uint64_t access_count; // counted lookups; the lookup that creates the record is not one of them
-    bool bool_valid;
-    bool int_valid;
-    bool uint_valid;
-    bool had_valid_read; // some caller got a usable value since the text was last stored
-    bool bool_value;     // each cached value is meaningful only while its flag above holds
-    bool external;       // the value came from the main settings file or from VELMAR_INI_VARS; never cleared
-    int int_value;
-    unsigned int uint_value;
+    std::string value ZON_GUARDED;
+    std::uint64_t access_count ZON_GUARDED; // counted lookups; the lookup that creates the record is not one of them
+    bool bool_valid ZON_GUARDED;
+    bool int_valid ZON_GUARDED;
+    bool uint_valid ZON_GUARDED;
+    bool had_valid_read ZON_GUARDED; // some caller got a usable value since the text was last stored
+    bool bool_value ZON_GUARDED;     // each cached value is meaningful only while its flag above holds
+    bool external ZON_GUARDED;       // came from the main settings file or from VELMAR_INI_VARS; never cleared
+    int int_value ZON_GUARDED;
+    unsigned int uint_value ZON_GUARDED;
 
     // The cached value of T = bool, int or unsigned int, whatever it holds; `valid` says whether it is meaningful.
     template <typename T>
-    T get_cached_value(bool& valid) const;
+    T get_cached_value(bool& valid) const ZON_LOCK_HELD;
 };
 
 template <>
-inline bool CFG_INI_RECORD::get_cached_value<bool>(bool& valid) const
+inline bool CFG_INI_RECORD::get_cached_value<bool>(bool& valid) const ZON_LOCK_HELD
 {
     valid = bool_valid;
     return bool_value;
 }
 
 template <>
-inline int CFG_INI_RECORD::get_cached_value<int>(bool& valid) const
+inline int CFG_INI_RECORD::get_cached_value<int>(bool& valid) const ZON_LOCK_HELD
 {
     valid = int_valid;
     return int_value;
 }
 
 template <>
-inline unsigned int CFG_INI_RECORD::get_cached_value<unsigned int>(bool& valid) const
+inline unsigned int CFG_INI_RECORD::get_cached_value<unsigned int>(bool& valid) const ZON_LOCK_HELD
 {
     valid = uint_valid;
     return uint_value;
 }
 
+namespace zon_cfg
+{
 // Memory that single entries never give back, since no entry is ever removed: it is taken in pieces of growing size.
 struct CFG_INI_TABLE_MEMORY
 {
@@ -106,93 +108,76 @@ private:
 static_assert(std::__cache_default<std::string, STL_CASE_INSENSITIVE_HASH_COMPARE>::value,
               "the table must keep the hash codes");
 #endif
+}
 
 // The table, null while there is no store. Changed only under the lock; tested without it to decide whether the
-// settings files must be read first, hence atomic. A store that was there at the test may be gone once the lock is
+// settings files must be loaded first, hence atomic. A store that was there at the test may be gone once the lock is
 // taken.
-extern constinit std::atomic<CFG_INI_TABLE*> cfg_ini_file;
+extern constinit std::atomic<zon_cfg::CFG_INI_TABLE*> cfg_ini_file;
 
-// The store's recursive lock, null until first needed, never destroyed. It guards the table, every record, the callback
-// registry and the flag below.
-extern constinit std::atomic<THR_MUTEX*> cfg_ini_mutex;
+// Variables may have changed since the debug-message settings were last read.
+extern constinit bool cfg_ini_dirty ZON_GUARDED;
 
-// Variables may have changed since the debug-message settings were last read. Guarded by the lock.
-extern constinit bool cfg_ini_dirty;
-
-// The lock's handle, made now if need be; racing first callers get the same one.
-THR_MUTEX* store_mutex();
-
-// Holds the store's lock for a scope.
-class STORE_LOCK
+namespace zon_cfg
 {
-public:
-    STORE_LOCK() : mutex(store_mutex())
-    {
-        thr_mutex_lock(mutex);
-    }
-    ~STORE_LOCK()
-    {
-        thr_mutex_unlock(mutex);
-    }
-    STORE_LOCK(const STORE_LOCK&) = delete;
-    STORE_LOCK& operator=(const STORE_LOCK&) = delete;
+// Whether there is a store; it may be gone by the time the caller takes the lock.
+inline bool store_exists()
+{
+    return cfg_ini_file.load(std::memory_order_acquire) != nullptr;
+}
 
-private:
-    THR_MUTEX* const mutex;
-};
+// The table, or null.
+inline CFG_INI_TABLE* store_table() ZON_LOCK_HELD
+{
+    return cfg_ini_file.load(std::memory_order_relaxed);
+}
 
-// --- The caller holds the lock and there is a store ---
+// --- There is a store ---
 
 // The record of that name, or null, as the table has it. Counts nothing, creates nothing.
-CFG_INI_RECORD* find_record_in_table(const SOUGHT_NAME& name);
+CFG_INI_RECORD* find_record_in_table(const SOUGHT_NAME& name) ZON_LOCK_HELD;
 
-// The same, looking among the names found last before it asks the table.
-[[gnu::always_inline]] inline CFG_INI_RECORD* find_record(const SOUGHT_NAME& name)
+// The same, looking in the name cache before it asks the table.
+[[gnu::always_inline]] inline CFG_INI_RECORD* find_record(const SOUGHT_NAME& name) ZON_LOCK_HELD
 {
-    CFG_INI_RECORD* const recent = name.recent();
-    return recent != nullptr ? recent : find_record_in_table(name);
+    CFG_INI_RECORD* const cached = name.cached();
+    return cached != nullptr ? cached : find_record_in_table(name);
 }
-CFG_INI_RECORD* cfg_ini_get_record(const std::string& name);
-
-// Gives `record` to the table. A name already present keeps its record, and `record` stays the caller's.
-void cfg_ini_insert_record(const std::string& name, CFG_INI_RECORD* record);
 
 // The record of that name, or a new empty one; counts nothing.
-CFG_INI_RECORD& find_or_insert_record_in_table(std::string_view name);
+CFG_INI_RECORD& find_or_insert_record_in_table(std::string_view name) ZON_LOCK_HELD;
 
-// The same, looking among the names found last before it asks the table.
-inline CFG_INI_RECORD& find_or_insert_record(const SOUGHT_NAME& name)
+// The same, looking in the name cache before it asks the table.
+inline CFG_INI_RECORD& find_or_insert_record(const SOUGHT_NAME& name) ZON_LOCK_HELD
 {
-    CFG_INI_RECORD* const recent = name.recent();
-    return *(recent != nullptr ? recent : name.remember(&find_or_insert_record_in_table(name.text)));
+    CFG_INI_RECORD* const cached = name.cached();
+    return *(cached != nullptr ? cached : name.cache(&find_or_insert_record_in_table(name.text)));
 }
 
 // The record of that name, one access counted; or a new empty record, with no access counted. Not counting the lookup
 // that creates the record is intended: by this difference of one the usage reports tell a variable that a source set
 // from one that was only asked for.
-[[gnu::always_inline]] inline CFG_INI_RECORD& find_counted_or_insert_record(const SOUGHT_NAME& name)
+[[gnu::always_inline]] inline CFG_INI_RECORD& find_counted_or_insert_record(const SOUGHT_NAME& name) ZON_LOCK_HELD
 {
     if (CFG_INI_RECORD* const record = find_record(name); record != nullptr) [[likely]]
     {
         ++record->access_count;
         return *record;
     }
-    return *name.remember(&find_or_insert_record_in_table(name.text));
+    return *name.cache(&find_or_insert_record_in_table(name.text));
 }
-CFG_INI_RECORD* cfg_ini_get_record_or_insert_empty(const std::string& name);
 
-// --- The caller holds the lock ---
+// Makes room for that many further names, so that loading them need not grow the table again and again.
+void reserve_records(std::size_t further) ZON_LOCK_HELD;
 
-// Makes room for that many further names, so that reading them in need not grow the table again and again.
-void reserve_records(std::size_t further);
+// --- With a store or without ---
 
-// Frees every record and the table, if there is one. Tells nobody.
-void discard_store();
+// Frees every record and the table, if there is one. Notifies nobody.
+void discard_store() ZON_LOCK_HELD;
 
-// --- These take the lock; without a store they answer false at once, and read nothing ---
-
-// Marks the record of that name as validly read; whether there is one.
-bool mark_had_valid_read(const SOUGHT_NAME& name);
-bool cfg_mark_record_had_valid_read(const std::string& name);
+// Marks the record of that name as validly read; whether there is one. Takes the lock. Without a store it answers false
+// at once and loads nothing.
+bool mark_had_valid_read(std::string_view name);
+}
 
 #endif

@@ -1,3 +1,21 @@
+// Loads the settings, layer by layer.
+//
+// A load of the main file replaces the store under one hold of the lock, so that other threads see the old store or the
+// whole main file. The layers on top of it (appended file, inline assignments, regression-test file) are applied one
+// assignment at a time, each under a hold of its own, and their files are opened and read without the lock: a file may
+// be a pipe whose writer asks for variables itself. Only the first load, which a lookup triggers, holds the lock over
+// all layers, so that racing first users see all of them.
+//
+// Another thread may empty the store between two assignments. A layer that the library applies by itself then ends
+// without a report: the next use of a variable loads everything anew. A layer that the host applies itself goes on, and
+// its next assignment loads the settings first.
+//
+// Each assignment runs the callbacks of its name, and these may change what the host handed in: the text of a path, the
+// current directory, the environment. Every text is therefore copied before the first callback can run. A relative path
+// stays one: it is resolved whenever a file is asked for or opened. An exception ends the load where it is; the
+// assignments made so far stay.
+//
+// A line costs one search of the table, or one insertion into it; room for a file's names is made ahead, by its size.
 #include "cfg_ini/cfg_ini_reader/settings_files.h"
 
 #include <algorithm>
@@ -6,83 +24,188 @@
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/change_callbacks.h"
+#include "cfg_ini/cfg_ini_reader/fork_recovery.h"
 #include "cfg_ini/cfg_ini_reader/ini_text.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "cfg_ini/cfg_ini_reader/report_lines.h"
 #include "cfg_ini/cfg_ini_reader/settings_lines.h"
 #include "cfg_ini/cfg_ini_reader/settings_sources.h"
 #include "cfg_ini/cfg_ini_reader/value_storing.h"
-#include "platform/err/err.h"
 #include "platform/fio/fio.h"
 #include "platform/mem/mem.h"
 
-constinit char cfg_current_velmar_ini_path_name[longest_path + 1] = {};
-constinit char cfg_current_regtest_ini_path_name[longest_path + 1] = {};
-constinit char cfg_current_appended_environment_ini_path_name[longest_path + 1] = {};
+constinit char cfg_current_velmar_ini_path_name[zon_cfg::longest_path + 1] = {};
+constinit char cfg_current_regtest_ini_path_name[zon_cfg::longest_path + 1] = {};
+constinit char cfg_current_appended_environment_ini_path_name[zon_cfg::longest_path + 1] = {};
 
+namespace zon_cfg
+{
 namespace
 {
+// Made before cfg_ini_initializer, and so destroyed after it: callbacks of the last emptying may emit messages.
 const MEM_INITIALIZER mem_initializer("CFG_INI");
-
-// For making room ahead of a file: twice what it needs at 40 characters a line, so that most new names find their place
-// empty and need not be told from others.
-constexpr std::size_t line_length_to_reserve_by = 20;
-constexpr std::size_t most_reserved = std::size_t{1} << 22;
-
-// Stores every assignment of the file `path`, as external ones or not, and remembers the path, if the file opens.
-void read_lines(const std::string& path, char (&path_buffer)[longest_path + 1], bool external)
-{
-    SETTINGS_LINES lines(path);
-    if (!lines.opened())
-        return;
-    {
-        // Only for this: two threads may lay files over the store at the same time.
-        const STORE_LOCK lock;
-        std::strncpy(path_buffer, path.c_str(), longest_path); // the byte behind stays zero
-        if (cfg_ini_file.load(std::memory_order_relaxed) != nullptr)
-            reserve_records(std::min(lines.size_hint() / line_length_to_reserve_by, most_reserved));
-    }
-    std::string_view line;
-    LINE_ASSIGNMENT assignment;
-    while (lines.next(line))
-    {
-        if (parse_settings_line(line, assignment) == SETTINGS_LINE::ASSIGNMENT)
-            store_setting(assignment.name, assignment.value, external);
-    }
-}
-
-// Makes a fresh store of the main settings file. The lock is held throughout, so that other threads see the old store
-// or the whole file.
-void replace_store(const std::string& path)
-{
-    NOTIFYING_STORE_LOCK lock;
-    cfg_close_ini_file();
-    discard_store(); // a callback told of the emptying may have read a variable, and so have made a store
-    cfg_ini_file.store(new CFG_INI_TABLE, std::memory_order_release);
-    if (FIO_FILE_SYSTEM::exists(path.c_str()))
-        read_lines(path, cfg_current_velmar_ini_path_name, true);
-    lock.unlock();
 }
 }
 
 CFG_INI_INITIALIZER cfg_ini_initializer;
 
+namespace zon_cfg
+{
+namespace
+{
+// For making room ahead of a file: twice what it needs at 40 characters a line, so that most new names find their
+// bucket empty and need not be compared with others.
+constexpr std::size_t line_length_to_reserve_by = 20;
+constexpr std::size_t most_reserved = std::size_t{1} << 22;
+
+using PATH_BUFFER = char[longest_path + 1];
+
+// What an assignment of a layer does that finds no store.
+enum class IF_NO_STORE
+{
+    END_LAYER,    // the library applies the layer
+    LOAD_SETTINGS // the host does
+};
+
+// Where the assignments of a layer go.
+struct LAYER
+{
+    bool external;
+    IF_NO_STORE if_no_store;
+};
+
+// Whether the assignment was stored. File and inline names bypass the name cache: they are mostly new, and would evict
+// those in use.
+bool store_if_possible(std::string_view name, std::string_view value, bool external)
+{
+    NOTIFYING_STORE_LOCK lock;
+    const bool possible = store_table() != nullptr;
+    if (possible)
+        store_in_record(find_or_insert_record_in_table(name), name, value, external);
+    lock.unlock();
+    return possible;
+}
+
+// Whether the layer goes on.
+bool store_in_layer(std::string_view name, std::string_view value, const LAYER& layer)
+{
+    while (!store_if_possible(name, value, layer.external))
+    {
+        if (layer.if_no_store == IF_NO_STORE::END_LAYER)
+            return false;
+        load_settings_if_no_store();
+    }
+    return true;
+}
+
+// Stores every assignment of the file `path`, and keeps the path in the buffer, if the file opens.
+void apply_file(const std::string& path, PATH_BUFFER& path_buffer, const LAYER& layer)
+{
+    SETTINGS_LINES lines(path);
+    if (!lines.opened())
+        return;
+    const std::size_t size_hint = lines.size_hint();
+    {
+        // Not held while the file is read: two threads may apply files at the same time, and one may wait for the
+        // other.
+        const STORE_LOCK lock;
+        std::strncpy(path_buffer, path.c_str(), longest_path); // the byte behind stays zero
+        if (store_table() != nullptr)
+            reserve_records(std::min(size_hint / line_length_to_reserve_by, most_reserved));
+    }
+    std::string_view line;
+    LINE_ASSIGNMENT assignment;
+    while (lines.next(line))
+    {
+        if (parse_settings_line(line, assignment) == SETTINGS_LINE::ASSIGNMENT &&
+            !store_in_layer(assignment.name, assignment.value, layer))
+            return;
+    }
+}
+
+void apply_inline_text(const std::string& text, const LAYER& layer)
+{
+    INLINE_TEXT items(text);
+    INLINE_ITEM kind{};
+    std::string name;
+    std::string value;
+    while (items.next(kind, name, value))
+    {
+        if (kind == INLINE_ITEM::ASSIGNMENT && !store_in_layer(name, value, layer))
+            return;
+    }
+}
+
+void apply_file_if_exists(const std::string& path, PATH_BUFFER& path_buffer, const LAYER& layer)
+{
+    if (FIO_FILE_SYSTEM::exists(path.c_str()))
+        apply_file(path, path_buffer, layer);
+}
+
+void apply_regtest_file(const std::string& path, IF_NO_STORE if_no_store) ZON_UNCHECKED
+{
+    apply_file_if_exists(path, cfg_current_regtest_ini_path_name, {.external = false, .if_no_store = if_no_store});
+}
+
+void apply_appended_file(const std::string& path, IF_NO_STORE if_no_store) ZON_UNCHECKED
+{
+    apply_file_if_exists(path, cfg_current_appended_environment_ini_path_name,
+                         {.external = false, .if_no_store = if_no_store});
+}
+
+// Makes a fresh store of the main settings file.
+void replace_store(const std::string& path)
+{
+    NOTIFYING_STORE_LOCK lock;
+    cfg_close_ini_file();
+    discard_store(); // a callback that was notified may have read a variable, and so have made a store
+    start_fork_recovery();
+    cfg_ini_file.store(new CFG_INI_TABLE, std::memory_order_release);
+    apply_file_if_exists(path, cfg_current_velmar_ini_path_name,
+                         {.external = true, .if_no_store = IF_NO_STORE::END_LAYER});
+    lock.unlock();
+}
+}
+
+void load_settings_if_no_store()
+{
+    if (store_exists())
+        return;
+    const std::string path = cfg_get_default_ini_file(false);
+
+    // Held over all layers. No value that a racing thread stores is overridden by a layer.
+    const STORE_LOCK lock;
+    if (store_table() == nullptr)
+        cfg_read_ini_file(path);
+}
+}
+
+using namespace zon_cfg;
+
 CFG_INI_INITIALIZER::~CFG_INI_INITIALIZER()
 {
     cfg_close_ini_file();
     const STORE_LOCK lock;
-    discard_store(); // one that a callback made by reading a variable while it was told of the emptying
+    discard_store(); // one that a callback made by reading a variable while it was notified of the emptying
+    stop_fork_recovery();
+}
+
+void cfg_process_ini_string(const std::string& text, bool internal)
+{
+    const std::string kept(text); // callbacks may change the caller's
+    apply_inline_text(kept, {.external = !internal, .if_no_store = IF_NO_STORE::LOAD_SETTINGS});
 }
 
 void cfg_read_ini_file(const std::string& path)
 {
     const MEM_TBB_NO_MSG_DEBUG_UNTIL_SCOPE_EXIT no_debug_messages;
-    replace_store(path);
+    replace_store(std::string(path)); // a copy: callbacks may change the caller's
 
     // Also when the main file is missing or disabled.
     if (const std::string appended = appended_settings_path(); !appended.empty())
-        cfg_read_and_append_environment_ini_file(appended);
+        apply_appended_file(appended, IF_NO_STORE::END_LAYER);
     if (const char* const assignments = inline_settings(); assignments != nullptr)
-        cfg_process_ini_string(assignments, false);
+        apply_inline_text(assignments, {.external = true, .if_no_store = IF_NO_STORE::END_LAYER});
 }
 
 void cfg_read_ini_file()
@@ -97,37 +220,34 @@ void cfg_read_default_ini_file()
 
 void cfg_read_regtest_ini_file(const std::string& path)
 {
-    if (FIO_FILE_SYSTEM::exists(path.c_str()))
-        read_lines(path, cfg_current_regtest_ini_path_name, false);
+    apply_regtest_file(std::string(path), IF_NO_STORE::LOAD_SETTINGS);
 }
 
 void cfg_read_and_append_environment_ini_file(const std::string& path)
 {
-    if (cfg_ini_file.load(std::memory_order_acquire) == nullptr)
-    {
-        err_report_internal_error("cfg_ini_file", "CFG_INI", "cfg_ini/cfg_ini_reader", 1172);
-        return;
-    }
-    if (FIO_FILE_SYSTEM::exists(path.c_str()))
-        read_lines(path, cfg_current_appended_environment_ini_path_name, false);
+    if (!store_exists())
+        report_broken_precondition("cfg_ini_file", APPENDED_WITHOUT_STORE);
+    else
+        apply_appended_file(std::string(path), IF_NO_STORE::LOAD_SETTINGS);
 }
 
 void cfg_read_project_ini_file(const char* proj_dirpath, bool regtest)
 {
     if (proj_dirpath == nullptr)
     {
-        err_report_internal_error("proj_dirpath != NULL", "CFG_INI", "cfg_ini/cfg_ini_reader", 1309);
+        report_broken_precondition("proj_dirpath != NULL", NULL_PROJECT_DIRECTORY);
         return;
     }
-    cfg_read_ini_file(find_project_settings(proj_dirpath, false));
+    const std::string directory(proj_dirpath); // callbacks may change the caller's
+    cfg_read_ini_file(find_project_settings(directory.c_str(), false));
     if (regtest)
-        cfg_read_regtest_ini_file(find_project_settings(proj_dirpath, true));
+        apply_regtest_file(find_project_settings(directory.c_str(), true), IF_NO_STORE::END_LAYER);
 }
 
 void cfg_close_ini_file()
 {
     NOTIFYING_STORE_LOCK lock;
-    if (cfg_ini_file.load(std::memory_order_relaxed) != nullptr)
+    if (store_table() != nullptr)
     {
         discard_store();
         reset_callbacks();

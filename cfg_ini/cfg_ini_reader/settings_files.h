@@ -1,14 +1,22 @@
-// Reading the settings: layering, and emptying. The operations are public
-// (cfg_ini/cfg_ini.h).
+// Loading the settings: layering, and emptying. Most operations are public (cfg_ini/cfg_ini.h).
 #ifndef CFG_INI_CFG_INI_READER_SETTINGS_FILES_H
 #define CFG_INI_CFG_INI_READER_SETTINGS_FILES_H
 
 #include "cfg_ini/cfg_ini_reader/settings_sources.h"
+#include "cfg_ini/cfg_ini_reader/store_lock.h"
 
-// Zero-terminated paths of the files last opened, cut at longest_path. Written under the store's lock, never cleared.
-extern constinit char cfg_current_velmar_ini_path_name[longest_path + 1];
-extern constinit char cfg_current_regtest_ini_path_name[longest_path + 1];
-extern constinit char cfg_current_appended_environment_ini_path_name[longest_path + 1];
+// Zero-terminated paths of the files last opened, cut at longest_path. Never cleared. The public getters hand them out
+// without the lock.
+extern constinit char cfg_current_velmar_ini_path_name[zon_cfg::longest_path + 1] ZON_GUARDED;
+extern constinit char cfg_current_regtest_ini_path_name[zon_cfg::longest_path + 1] ZON_GUARDED;
+extern constinit char cfg_current_appended_environment_ini_path_name[zon_cfg::longest_path + 1] ZON_GUARDED;
+
+namespace zon_cfg
+{
+// Loads the settings if there is no store. Racing callers wait for one load, and see all its layers. Another thread may
+// have emptied the store again by the time it returns.
+void load_settings_if_no_store();
+}
 
 // Empties the store when the library is unloaded.
 class CFG_INI_INITIALIZER

@@ -1,33 +1,76 @@
+// Reads a settings file through a buffer of 64 KiB and finds its lines there.
+//
+// A line is handed out as a view of the buffer. Only a line that runs over the end of the buffer is copied, piece by
+// piece, into a string. Each byte is searched once for a newline and each read asks for a whole buffer, so the cost is
+// linear in the size of the file, whatever the lengths of its lines.
+//
+// The host's signals must not shorten a file: a call that a signal interrupted is repeated. A read that fails otherwise
+// is tried once more; it left the position where it was, so nothing is lost or read twice. Two failures in a row end
+// the file, so that a directory or a dead device cannot hold the reader. The line that such an end cuts short is
+// dropped: half a value is worse than none.
 #include "cfg_ini/cfg_ini_reader/settings_lines.h"
 
-#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+namespace zon_cfg
+{
 namespace
 {
 constexpr std::size_t buffer_size = std::size_t{64} * 1024;
+
+// What call() answers once no signal interrupts it.
+template <typename CALL>
+auto uninterrupted(CALL call)
+{
+    for (;;)
+    {
+        const auto result = call();
+        if (result >= 0 || errno != EINTR)
+            return result;
+    }
 }
 
-SETTINGS_LINES::SETTINGS_LINES(const std::string& path) : file(std::fopen(path.c_str(), "re"))
+int open_for_reading(const std::string& path)
 {
-    if (file == nullptr)
-        return;
-    std::setvbuf(file.get(), nullptr, _IONBF, 0); // the buffer below is the only one
-    buffer = std::make_unique_for_overwrite<char[]>(buffer_size);
+    // Programs that the host starts get no descriptor of ours, and a terminal does not become the host's own.
+    return uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY); });
+}
+}
+
+// The buffer comes first: without memory for it nothing has been opened.
+SETTINGS_LINES::SETTINGS_LINES(const std::string& path)
+    : buffer(std::make_unique_for_overwrite<char[]>(buffer_size)), descriptor(open_for_reading(path)),
+      ended(descriptor < 0)
+{
+}
+
+SETTINGS_LINES::~SETTINGS_LINES()
+{
+    // Not repeated when a signal interrupts it: the descriptor is free by then, and may be another thread's.
+    if (descriptor >= 0)
+        ::close(descriptor);
 }
 
 bool SETTINGS_LINES::fill()
 {
+    if (ended)
+        return false;
+    const auto read_piece = [this] { return ::read(descriptor, buffer.get(), buffer_size); };
+    ssize_t size = uninterrupted(read_piece);
+    if (size < 0)
+        size = uninterrupted(read_piece);
+    failed = size < 0;
+    ended = size <= 0;
     position = 0;
-    std::clearerr(file.get()); // the file's error is that of its last reading
-    filled = std::fread(buffer.get(), 1, buffer_size, file.get());
-    return filled > 0;
+    filled = ended ? 0 : static_cast<std::size_t>(size);
+    return !ended;
 }
 
 bool SETTINGS_LINES::next(std::string_view& line)
 {
-    if (file == nullptr)
-        return false;
-
     divided.clear();
     while (position < filled || fill())
     {
@@ -44,19 +87,12 @@ bool SETTINGS_LINES::next(std::string_view& line)
         divided.append(part);
     }
     line = divided;
-    return !divided.empty() && std::ferror(file.get()) == 0; // half a line is none
+    return !divided.empty() && !failed;
 }
 
-std::size_t SETTINGS_LINES::size_hint()
+std::size_t SETTINGS_LINES::size_hint() const
 {
-    if (file == nullptr || !fill())
-        return 0;
-    if (filled < buffer_size)
-        return filled;
-    const long here = std::ftell(file.get());
-    if (here < 0 || std::fseek(file.get(), 0, SEEK_END) != 0)
-        return 0;
-    const long end = std::ftell(file.get());
-    std::fseek(file.get(), here, SEEK_SET);
-    return static_cast<std::size_t>(std::max(end, here));
+    struct stat status;
+    return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) ? static_cast<std::size_t>(status.st_size) : 0;
+}
 }

@@ -1,3 +1,10 @@
+// The search is a loop over places. The directory of a place is worked out only when the search gets there: asking for
+// the module's or the installation's directory may be dear, and most searches end at an earlier place. Nothing is
+// remembered between searches, since the current directory, the environment and the files may change at any time; a
+// search costs one question to the file system for each place that it visits.
+//
+// VELMAR_INI_DISABLED takes effect only once a file was found: it empties the result, and the questions that lead to the
+// result are asked all the same. A project's own file is not searched for, so the variable has no effect on it.
 #include "cfg_ini/cfg_ini_reader/settings_sources.h"
 
 #include <cstdlib>
@@ -7,6 +14,8 @@
 #include "platform/gen/gen.h"
 #include "platform/ver/ver.h"
 
+namespace zon_cfg
+{
 namespace
 {
 constexpr const char* regtest_base = "regtest";
@@ -78,7 +87,7 @@ bool SETTINGS_SEARCH::next(SEARCH_PLACE& place)
         place = next_place;
         next_place = static_cast<SEARCH_PLACE>(static_cast<int>(next_place) + 1);
         const std::string directory = directory_of(place);
-        // The module's directory is tried as it stands, also when it cannot be told.
+        // The module's directory is tried as it stands, also when it is empty because it is not known.
         if (directory.empty() && place != SEARCH_PLACE::MODULE_DIRECTORY)
             continue;
         candidate.directory(directory);
@@ -100,23 +109,12 @@ bool settings_search_is_disabled()
     return disabled != nullptr && std::strcmp(disabled, "1") == 0;
 }
 
-std::string cfg_get_default_ini_file(bool regtest)
-{
-    SETTINGS_SEARCH search(settings_file_name(regtest));
-    for (SEARCH_PLACE place{}; search.next(place);)
-    {
-        if (FIO_FILE_SYSTEM::exists(search.path()))
-            return settings_search_is_disabled() ? std::string() : search.path().fullpath();
-    }
-    return {};
-}
-
 FIO_PATH project_settings_path(const char* proj_dirpath, bool regtest)
 {
     FIO_PATH path;
     path.directory(proj_dirpath);
-    path.base(regtest ? regtest_base : ver_get_kestrin_product_filename());
-    path.extension(extension, "");
+    // The name as a whole: set as a base, a product name with a "." would lose what follows it to the extension.
+    path.filename(settings_file_name(regtest));
     return path;
 }
 
@@ -139,4 +137,17 @@ std::string appended_settings_path()
 const char* inline_settings()
 {
     return environment_value("VELMAR_INI_VARS");
+}
+}
+
+std::string cfg_get_default_ini_file(bool regtest)
+{
+    using namespace zon_cfg;
+    SETTINGS_SEARCH search(settings_file_name(regtest));
+    for (SEARCH_PLACE place{}; search.next(place);)
+    {
+        if (FIO_FILE_SYSTEM::exists(search.path()))
+            return settings_search_is_disabled() ? std::string() : search.path().fullpath();
+    }
+    return {};
 }

@@ -1,5 +1,5 @@
-// Which sources the settings come from: the search for a file, a project's own files, and what the environment lays
-// over them. Nothing is read here, and no lock is taken.
+// Which sources the settings come from: the search for a file, a project's own files, and the sources that the
+// environment applies on top of them. Nothing is read here, and no lock is taken.
 #ifndef CFG_INI_CFG_INI_READER_SETTINGS_SOURCES_H
 #define CFG_INI_CFG_INI_READER_SETTINGS_SOURCES_H
 
@@ -8,10 +8,12 @@
 
 #include "platform/fio/fio.h"
 
+namespace zon_cfg
+{
 // Paths of more bytes are cut when they are remembered, and a longer HOME is no candidate.
 inline constexpr std::size_t longest_path = 1024;
 
-// The places of the search, in its order.
+// The directories of the search, in its order.
 enum class SEARCH_PLACE
 {
     CURRENT_DIRECTORY,
@@ -23,14 +25,14 @@ enum class SEARCH_PLACE
     END
 };
 
-// Where a file is looked for, one place at a time: a place is worked out only when the search gets there.
+// Where a file is looked for, one directory at a time.
 class SETTINGS_SEARCH
 {
 public:
     explicit SETTINGS_SEARCH(const std::string& file_name);
 
-    // Whether there is a further place to look; if so, `place` names it and path() is where the file would be there. A
-    // place that names no directory (an environment variable that is not set, say) is passed over.
+    // Whether there is a further directory to look in; if so, `place` names it and path() is where the file would be
+    // there. A place without a directory (an environment variable that is not set, say) is skipped.
     bool next(SEARCH_PLACE& place);
 
     const FIO_PATH& path() const
@@ -60,5 +62,6 @@ std::string appended_settings_path();
 
 // The text of VELMAR_INI_VARS, or null when it is not set or empty. Belongs to the environment.
 const char* inline_settings();
+}
 
 #endif

@@ -1,3 +1,9 @@
+// The four reports about the use of variables.
+//
+// Each is one walk over the table with the lock held, which copies out what it reports; sorting comes after the
+// release. The ranked report sorts no more entries than it lists. The order of the table itself is not fixed: ranks are
+// sorted by count and then by name, maps are by name, and the single most accessed variable is any one of those with
+// the highest count.
 #include "cfg_ini/cfg_ini_reader/usage_report.h"
 
 #include <algorithm>
@@ -6,8 +12,11 @@
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/own_variables.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "cfg_ini/cfg_ini_reader/store_lock.h"
 #include "platform/gen/gen.h"
 
+namespace zon_cfg
+{
 namespace
 {
 bool goes_before(const USAGE& a, const USAGE& b)
@@ -16,16 +25,11 @@ bool goes_before(const USAGE& a, const USAGE& b)
     return a.second != b.second ? a.second > b.second : a.first > b.first;
 }
 
-bool store_exists()
-{
-    return cfg_ini_file.load(std::memory_order_acquire) != nullptr;
-}
-
-// Calls visit(name, record) for every record; for none when the store is gone. The caller holds the lock.
+// Calls visit(name, record) for every record; for none when the store is gone.
 template <typename VISIT>
-void for_each_record(VISIT visit)
+void for_each_record(VISIT visit) ZON_LOCK_HELD
 {
-    const CFG_INI_TABLE* const table = cfg_ini_file.load(std::memory_order_relaxed);
+    const CFG_INI_TABLE* const table = store_table();
     if (table == nullptr)
         return;
     for (const auto& [name, record] : *table)
@@ -50,7 +54,7 @@ void add_variables(std::map<std::string, std::string>* out, WANTED wanted)
         return;
     const STORE_LOCK lock;
     for_each_record(
-        [&](const std::string& name, const CFG_INI_RECORD& record)
+        [&](const std::string& name, const CFG_INI_RECORD& record) ZON_LOCK_HELD
         {
             if (wanted(record) && !record.value.empty())
                 out->emplace(name, record.value);
@@ -62,7 +66,7 @@ std::vector<USAGE> usages_of_at_least(std::uint64_t min)
     std::vector<USAGE> usages;
     const STORE_LOCK lock;
     for_each_record(
-        [&](const std::string& name, const CFG_INI_RECORD& record)
+        [&](const std::string& name, const CFG_INI_RECORD& record) ZON_LOCK_HELD
         {
             if (record.access_count >= min)
                 usages.emplace_back(name, record.access_count);
@@ -70,6 +74,9 @@ std::vector<USAGE> usages_of_at_least(std::uint64_t min)
     return usages;
 }
 }
+}
+
+using namespace zon_cfg;
 
 bool cfg_ini_usage_compare(USAGE a, USAGE b) // NOLINT(performance-unnecessary-value-param): by value as hosts call it
 {
@@ -103,7 +110,7 @@ std::uint64_t cfg_get_single_most_accessed_ini(std::string& name, std::string& v
 
     const STORE_LOCK lock;
     for_each_record(
-        [&](const std::string& record_name, const CFG_INI_RECORD& record)
+        [&](const std::string& record_name, const CFG_INI_RECORD& record) ZON_LOCK_HELD
         {
             if (record.access_count <= highest || is_debug_message_setting(record_name))
                 return;
@@ -121,10 +128,11 @@ std::uint64_t cfg_get_single_most_accessed_ini(std::string& name, std::string& v
 
 void cfg_get_used_variable_value_map(std::map<std::string, std::string>* out)
 {
-    add_variables(out, [](const CFG_INI_RECORD& record) { return record.access_count != 0 && record.had_valid_read; });
+    add_variables(out, [](const CFG_INI_RECORD& record) ZON_LOCK_HELD
+                  { return record.access_count != 0 && record.had_valid_read; });
 }
 
 void cfg_get_external_variable_value_map(std::map<std::string, std::string>* out)
 {
-    add_variables(out, [](const CFG_INI_RECORD& record) { return record.external; });
+    add_variables(out, [](const CFG_INI_RECORD& record) ZON_LOCK_HELD { return record.external; });
 }

@@ -6,10 +6,13 @@
 #include <string>
 #include <utility>
 
+namespace zon_cfg
+{
 // A variable's name and access count.
 using USAGE = std::pair<std::string, std::uint64_t>;
+}
 
 // Whether `a` goes before `b`: the higher count first; of equal counts the name that is greater byte by byte first.
-bool cfg_ini_usage_compare(USAGE a, USAGE b);
+bool cfg_ini_usage_compare(zon_cfg::USAGE a, zon_cfg::USAGE b);
 
 #endif

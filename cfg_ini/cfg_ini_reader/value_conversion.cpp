@@ -50,13 +50,6 @@ bool convert_if_whole(const char* text, T* value)
     *value = static_cast<T>(negative ? -number : number);
     return true;
 }
-
-template <typename T>
-std::optional<T> whole_number(const char* text)
-{
-    T value;
-    return convert_if_whole(text, &value) ? std::optional<T>(value) : std::nullopt;
-}
 }
 
 bool cfg_ini_convert_to_bool(const char* text, bool* value)
@@ -102,18 +95,6 @@ bool cfg_ini_str_to_bool(const char* text, bool default_value)
     return cfg_ini_convert_to_bool(text, &value) ? value : default_value;
 }
 
-template <>
-std::optional<int> cfg_ini_convert_to<int>(const char* text)
-{
-    return whole_number<int>(text);
-}
-
-template <>
-std::optional<unsigned int> cfg_ini_convert_to<unsigned int>(const char* text)
-{
-    return whole_number<unsigned int>(text);
-}
-
 bool cfg_ini_convert_to_int(const char* text, int* value)
 {
     return convert_if_whole(text, value);
@@ -124,7 +105,7 @@ bool cfg_ini_convert_to_uint(const char* text, unsigned int* value)
     return convert_if_whole(text, value);
 }
 
-double cfg_ini_convert_to_double(const char* text, bool* whole)
+double zon_cfg::convert_to_double(const char* text, bool* whole)
 {
     char* stop = nullptr;
     const double number = std::strtod(text, &stop);

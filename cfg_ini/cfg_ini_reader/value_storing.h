@@ -1,19 +1,19 @@
-// Storing an assignment: the one way by which a value gets into a record.
+// Storing an assignment: the one way by which a value gets into a record. Knows nothing of files.
 #ifndef CFG_INI_CFG_INI_READER_VALUE_STORING_H
 #define CFG_INI_CFG_INI_READER_VALUE_STORING_H
 
-#include <string>
 #include <string_view>
 
-// Each reads the settings files first if there is no store, takes the lock, makes the record if need be, stores and
-// converts the text, clears the mark of a valid read, tells the callbacks of exactly this name with the lock held, and
-// marks the settings as changed. No access is counted. An exception out of a callback leaves the lock held.
-void cfg_ini_insert_element(const std::string& name, const std::string& value);
+#include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "cfg_ini/cfg_ini_reader/store_lock.h"
 
-// The same, and marks the record external; the first form never touches that mark.
-void cfg_ini_insert_element_external_ini(const std::string& name, const std::string& value);
-
-// Either of the two, for texts that are no strings. They need not end in a zero byte.
-void store_setting(std::string_view name, std::string_view value, bool external);
+namespace zon_cfg
+{
+// Stores and converts the text, clears the mark of a valid read, notifies the callbacks of exactly this name and marks
+// the settings as changed. With `external` it marks the record external, and otherwise leaves that mark alone. Counts
+// no access. `record` is the record of `name`; neither text need end in a zero byte. Requires a NOTIFYING_STORE_LOCK.
+void store_in_record(CFG_INI_RECORD& record, std::string_view name, std::string_view value,
+                     bool external) ZON_LOCK_HELD;
+}
 
 #endif

@@ -5,8 +5,10 @@
 #include <string_view>
 
 #include "cfg_ini/cfg_ini_reader/name_matching.h"
-#include "platform/err/err.h"
+#include "cfg_ini/cfg_ini_reader/report_lines.h"
 
+namespace zon_cfg
+{
 namespace
 {
 struct CATALOGUE_ROW
@@ -98,24 +100,39 @@ constexpr auto sorted_by_name()
 
 constexpr auto by_name = sorted_by_name();
 }
+}
 
 constinit const std::array<std::pair<const char*, const char*>, CFG_INI_VAR_END> cfg_enum_based_defaults =
-    names_and_defaults();
+    zon_cfg::names_and_defaults();
 
+namespace zon_cfg
+{
 const std::pair<const char*, const char*>& catalogue_entry(CFG_INI_VAR_ENUM ini_enum, int line)
 {
     if (ini_enum < CFG_INI_VAR_BEGIN || ini_enum >= CFG_INI_VAR_END)
     {
-        err_report_internal_error("ini_enum >= CFG_INI_VAR_BEGIN && ini_enum < CFG_INI_VAR_END", "CFG_INI",
-                                  "cfg_ini/cfg_ini_reader", line);
+        report_broken_precondition("ini_enum >= CFG_INI_VAR_BEGIN && ini_enum < CFG_INI_VAR_END", line);
         std::abort();
     }
     return cfg_enum_based_defaults[static_cast<std::size_t>(ini_enum)];
 }
 
+std::optional<CFG_INI_VAR_ENUM> catalogue_position(std::string_view name)
+{
+    // Not through the map above, which is gone once static objects are destroyed: exit handlers still ask.
+    const auto row = std::ranges::lower_bound(by_name, name, {},
+                                              [](const CATALOGUE_ROW& entry) { return std::string_view(entry.name); });
+    if (row == by_name.end() || row->name != name)
+        return std::nullopt;
+    return row->position;
+}
+}
+
+using namespace zon_cfg;
+
 std::string cfg_get_default_value(CFG_INI_VAR_ENUM ini_enum)
 {
-    return catalogue_entry(ini_enum, 2349).second;
+    return catalogue_entry(ini_enum, DEFAULT_OF_UNKNOWN_VARIABLE).second;
 }
 
 const std::unordered_map<std::string, CFG_INI_VAR_ENUM>& cfg_ini_get_string_to_id_map()
@@ -128,16 +145,6 @@ const std::unordered_map<std::string, CFG_INI_VAR_ENUM>& cfg_ini_get_string_to_i
         return map;
     }();
     return positions;
-}
-
-std::optional<CFG_INI_VAR_ENUM> catalogue_position(std::string_view name)
-{
-    // Not through the map above, which is gone once static objects are destroyed: exit handlers still ask.
-    const auto row = std::ranges::lower_bound(by_name, name, {},
-                                              [](const CATALOGUE_ROW& entry) { return std::string_view(entry.name); });
-    if (row == by_name.end() || row->name != name)
-        return std::nullopt;
-    return row->position;
 }
 
 std::optional<CFG_INI_VAR_ENUM> cfg_get_ini_var_enum_from_string(const char* name)

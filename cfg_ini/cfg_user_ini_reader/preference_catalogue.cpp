@@ -1,3 +1,14 @@
+// Everything here is constant data, made by the compiler from the rows of preference_rows.h: the columns are picked
+// from the rows, the triples laid out behind each other with the position of each number's first one kept, and the keys
+// entered into an index. Nothing is initialised when a process starts, so that the tables can be used before and after
+// static objects live. Static assertions further down hold what the store relies on.
+//
+// The index is a hash table of 256 one-byte slots with open addressing: a key that finds its slot taken goes to the
+// next free one. Its hash and its comparison fold the letters A to Z, as gen_stricmp does, since any letter case finds
+// a key. The preference's number then leads to every column without a search.
+//
+// Cost: finding a key hashes the name once and compares it with one key, rarely two; a test of a value walks over the
+// preference's allowed values, at most 32.
 #include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
 
 #include <algorithm>
@@ -9,6 +20,10 @@
 #include "platform/gen/gen.h"
 #include "platform/mem/mem.h"
 
+using namespace zon_cfg;
+
+namespace zon_cfg
+{
 namespace
 {
 const MEM_INITIALIZER mem_initializer("CFG_INI");
@@ -42,12 +57,13 @@ consteval auto names_and_defaults()
     return pairs;
 }
 
-// The position of each number's first triple.
+// The position of each number's first triple, and at the end the position behind all: a number's triples go up to the
+// next one's first.
 consteval auto first_triples()
 {
-    std::array<std::size_t, row_count> firsts{};
-    for (std::size_t i = 1; i < row_count; ++i)
-        firsts[i] = firsts[i - 1] + preference_rows[i - 1].allowed_values.size();
+    std::array<std::size_t, row_count + 1> firsts{};
+    for (std::size_t i = 0; i < row_count; ++i)
+        firsts[i + 1] = firsts[i] + preference_rows[i].allowed_values.size();
     return firsts;
 }
 
@@ -96,7 +112,7 @@ constexpr std::uint32_t folded_hash(const char* text)
     return hash ^ (hash >> 16U);
 }
 
-// Numbers by the hash of their keys, open addressing; a key that finds its slot taken goes to the next free one.
+// The end marker, which is no key, marks a free slot.
 constexpr std::size_t slot_count = 256;
 constexpr std::uint8_t free_slot = CFG_USER_INI_ENUMS_END;
 static_assert(slot_count > row_count, "a search for an unknown key ends at a free slot");
@@ -136,6 +152,7 @@ constexpr CFG_USER_INI_ENUMS find_at_compile_time(const char* name)
     return find_in_slots(name, equal_folded);
 }
 }
+}
 
 // ---------------------------------------------------------------------------------------------------------------------
 // The tables
@@ -146,6 +163,8 @@ constinit const PREFERENCE_COLUMN cfg_user_ini_ini_desc = column(&PREFERENCE_ROW
 constinit const PREFERENCE_COLUMN cfg_user_ini_registry_names = column(&PREFERENCE_ROW::registry_name);
 constinit const PREFERENCE_COLUMN cfg_user_ini_registry_branches = column(&PREFERENCE_ROW::registry_branch);
 constinit const PREFERENCE_COLUMN cfg_user_ini_registry_sub_branches = empty_column();
+
+constinit const PREFERENCE_COLUMN zon_cfg::preference_sections = column(&PREFERENCE_ROW::section);
 
 constinit const std::array<std::pair<const char*, const char*>, CFG_USER_INI_ENUMS_END + 1>
     cfg_user_ini_name_default_values = names_and_defaults();
@@ -179,6 +198,8 @@ constexpr std::array<std::pair<const char*, const char*>, old_preference_name_co
 // What the tables rely on
 // ---------------------------------------------------------------------------------------------------------------------
 
+namespace zon_cfg
+{
 namespace
 {
 consteval bool numbers_are_positions()
@@ -250,11 +271,14 @@ static_assert(every_key_finds_its_row(), "keys that differ only in letter case w
 static_assert(old_names_lead_to_keys(), "a key that is also an old name would be renamed when it is read");
 static_assert(is_empty(cfg_user_ini_name_old_name_table.back().second));
 }
+}
 
 // ---------------------------------------------------------------------------------------------------------------------
 // Access
 // ---------------------------------------------------------------------------------------------------------------------
 
+namespace zon_cfg
+{
 CFG_USER_INI_ENUMS find_preference(const char* name)
 {
     return find_in_slots(name, [](const char* key, const char* text)
@@ -264,8 +288,7 @@ CFG_USER_INI_ENUMS find_preference(const char* name)
 std::span<const PREFERENCE_TRIPLE> preference_triples(CFG_USER_INI_ENUMS preference)
 {
     const std::size_t position = preference_position(preference);
-    return cfg_user_ini_enum_section_value_table.subspan(first_triple[position],
-                                                         preference_rows[position].allowed_values.size());
+    return {triple_table.data() + first_triple[position], triple_table.data() + first_triple[position + 1]};
 }
 
 const PREFERENCE_TRIPLE* find_fitting_triple(CFG_USER_INI_ENUMS preference, const char* value)
@@ -276,6 +299,7 @@ const PREFERENCE_TRIPLE* find_fitting_triple(CFG_USER_INI_ENUMS preference, cons
             return &triple;
     }
     return nullptr;
+}
 }
 
 std::string cfg_get_name_from_enum(CFG_USER_INI_ENUMS preference)

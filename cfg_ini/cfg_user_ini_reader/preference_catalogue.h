@@ -10,24 +10,10 @@
 #include <span>
 #include <utility>
 
+namespace zon_cfg
+{
 // The columns by number, the end marker's row included. Never null; an absent text is the empty text.
 using PREFERENCE_COLUMN = std::array<const char*, CFG_USER_INI_ENUMS_END + 1>;
-extern const PREFERENCE_COLUMN cfg_user_ini_ini_names;
-extern const PREFERENCE_COLUMN cfg_user_ini_ini_desc;
-extern const PREFERENCE_COLUMN cfg_user_ini_registry_names;
-extern const PREFERENCE_COLUMN cfg_user_ini_registry_branches;
-extern const PREFERENCE_COLUMN cfg_user_ini_registry_sub_branches;
-
-// (key, default value) by number; the last pair is empty. Numbers that belong to no preference have empty pairs too, so
-// a walk goes by count.
-extern const std::array<std::pair<const char*, const char*>, CFG_USER_INI_ENUMS_END + 1>
-    cfg_user_ini_name_default_values;
-
-// (current key, old name), in the order in which old names are tried; the last pair is empty. An old name is a key of
-// an earlier release or the label under which the preference was once kept.
-inline constexpr std::size_t old_preference_name_count = 18;
-extern const std::array<std::pair<const char*, const char*>, old_preference_name_count + 1>
-    cfg_user_ini_name_old_name_table;
 
 // One allowed value of a preference. The triples of a key follow each other and share its section; a key that takes
 // free text has one triple, with an empty value.
@@ -38,8 +24,32 @@ struct PREFERENCE_TRIPLE
     const char* value;
 };
 
+inline constexpr std::size_t old_preference_name_count = 18;
+}
+
+extern const zon_cfg::PREFERENCE_COLUMN cfg_user_ini_ini_names;
+extern const zon_cfg::PREFERENCE_COLUMN cfg_user_ini_ini_desc;
+extern const zon_cfg::PREFERENCE_COLUMN cfg_user_ini_registry_names;
+extern const zon_cfg::PREFERENCE_COLUMN cfg_user_ini_registry_branches;
+extern const zon_cfg::PREFERENCE_COLUMN cfg_user_ini_registry_sub_branches;
+
+// (key, default value) by number; the last pair is empty. Numbers that belong to no preference have empty pairs too, so
+// a walk goes by count.
+extern const std::array<std::pair<const char*, const char*>, CFG_USER_INI_ENUMS_END + 1>
+    cfg_user_ini_name_default_values;
+
+// (current key, old name), in the order in which old names are tried; the last pair is empty. An old name is a key of
+// an earlier release or the label under which the preference was once kept.
+extern const std::array<std::pair<const char*, const char*>, zon_cfg::old_preference_name_count + 1>
+    cfg_user_ini_name_old_name_table;
+
 // Every triple in the order of the numbers; the last one is empty.
-extern const std::span<const PREFERENCE_TRIPLE> cfg_user_ini_enum_section_value_table;
+extern const std::span<const zon_cfg::PREFERENCE_TRIPLE> cfg_user_ini_enum_section_value_table;
+
+namespace zon_cfg
+{
+// The section of each preference, without a release.
+extern const PREFERENCE_COLUMN preference_sections;
 
 // Where the tables by number hold a preference.
 constexpr std::size_t preference_position(CFG_USER_INI_ENUMS preference)
@@ -57,5 +67,6 @@ std::span<const PREFERENCE_TRIPLE> preference_triples(CFG_USER_INI_ENUMS prefere
 // The first triple of the preference that allows `value`, letter case ignored; with a null `value` its first triple.
 // Null when no triple fits.
 const PREFERENCE_TRIPLE* find_fitting_triple(CFG_USER_INI_ENUMS preference, const char* value);
+}
 
 #endif

@@ -1,3 +1,13 @@
+// The file is read line by line, and each line says by itself what it is: its first bracket, else its first "=",
+// decides. The only state from line to line is the current section.
+//
+// Invariants:
+// - The maps that a reading fills belong to it alone. They are handed out when the reading is over; an exception on the
+//   way, such as a failed allocation, frees them, and what is loaded does not change.
+// - The first line of a key wins. Keys are sections and names run together, so that two different pairs may share one.
+// - What the reader does to a line, the tool that checks preference files takes from the same function.
+//
+// Cost: one pass over the bytes; a search of the map for each key line, and a walk over the few old names.
 #include "cfg_ini/cfg_user_ini_reader/preference_file.h"
 
 #include <cstdlib>
@@ -9,14 +19,12 @@
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
-#include "cfg_ini/cfg_user_ini_reader/running_records.h"
-#include "platform/err/err.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_reports.h"
 #include "platform/fio/fio.h"
 #include "platform/gen/gen.h"
 #include "platform/ver/ver.h"
 
-constinit CFG_USER_VALUE_MAP* cfg_user_ini_records = nullptr;
-constinit CFG_USER_VALUE_MAP* cfg_user_ini_sections_read = nullptr;
+using namespace zon_cfg;
 
 // ---------------------------------------------------------------------------------------------------------------------
 // Names and sections
@@ -37,7 +45,7 @@ std::string cfg_get_section_for_name(const char* name, const char* value, bool w
 {
     if (name == nullptr)
     {
-        err_report_internal_error("name != NULL", "CFG_INI", preference_store_source, __LINE__);
+        report_preference_error("name != NULL", PREFERENCE_REPORT::NULL_NAME_OF_SECTION);
         return {};
     }
     const PREFERENCE_TRIPLE* const triple = find_fitting_triple(find_preference(name), value);
@@ -46,6 +54,8 @@ std::string cfg_get_section_for_name(const char* name, const char* value, bool w
     return with_version ? released_section(triple->section, ver_get_version()) : triple->section;
 }
 
+namespace zon_cfg
+{
 std::string released_section(const std::string& section, const std::string& version)
 {
     std::string text;
@@ -110,6 +120,7 @@ PREFERENCE_LINE classify_preference_line(std::string_view text)
         return key_line(text, equals);
     return line;
 }
+}
 
 // ---------------------------------------------------------------------------------------------------------------------
 // The file
@@ -128,36 +139,20 @@ std::string cfg_generate_user_ini_file_path()
     return path.fullpath();
 }
 
+namespace zon_cfg
+{
 namespace
 {
-struct FREE_WITH_RECORDS
-{
-    void operator()(CFG_USER_VALUE_MAP* map) const
-    {
-        for (const auto& [key, record] : *map)
-            delete record;
-        delete map;
-    }
-};
-
-// What is being read, until it is whole: half a file must not be looked up, and above all not saved over the file.
-struct FILE_CONTENTS
-{
-    std::unique_ptr<CFG_USER_VALUE_MAP, FREE_WITH_RECORDS> records{new CFG_USER_VALUE_MAP};
-    std::unique_ptr<CFG_USER_VALUE_MAP> sections = std::make_unique<CFG_USER_VALUE_MAP>();
-};
-
 void insert_record(CFG_USER_VALUE_MAP& records, const std::string& section, PREFERENCE_LINE&& line)
 {
     auto record = std::make_unique<CFG_USER_VALUE_STRUCT>(
         CFG_USER_VALUE_STRUCT{section, std::move(line.name), std::move(line.value)});
-    const auto [place, inserted] = records.try_emplace(section + record->name, nullptr);
-    // The first line of a key keeps its place, later ones are dropped.
+    const auto [position, inserted] = records.try_emplace(section + record->name, nullptr);
     if (inserted)
-        place->second = record.release();
+        position->second = record.release();
 }
 
-void read_lines(std::istream& file, FILE_CONTENTS& contents)
+void read_lines(std::istream& file, PREFERENCE_MAPS& maps)
 {
     std::string current_section;
     for (std::string text; std::getline(file, text);)
@@ -166,54 +161,28 @@ void read_lines(std::istream& file, FILE_CONTENTS& contents)
         if (line.kind == PREFERENCE_LINE_KIND::HEADER)
         {
             current_section = std::move(line.section);
-            contents.sections->try_emplace(current_section, nullptr);
+            maps.sections->try_emplace(current_section, nullptr);
         }
         else if (line.kind == PREFERENCE_LINE_KIND::KEY && !current_section.empty())
-            insert_record(*contents.records, current_section, std::move(line));
+            insert_record(*maps.records, current_section, std::move(line));
     }
 }
+}
 
-FILE_CONTENTS read_contents(const std::string& path)
+PREFERENCE_MAPS read_preferences(const std::string& path)
 {
-    FILE_CONTENTS contents;
+    PREFERENCE_MAPS maps = make_preference_maps();
     std::ifstream file(path);
     // Left to itself, the stream would turn a failed allocation into an early end of the file.
     file.exceptions(std::ios::badbit);
     try
     {
-        read_lines(file, contents);
+        read_lines(file, maps);
     }
     catch (const std::ios_base::failure&) // NOLINT(bugprone-empty-catch)
     {
         // A directory, or a device that fails: there are no more lines.
     }
-    return contents;
+    return maps;
 }
-
-void publish(FILE_CONTENTS&& contents)
-{
-    forget_running_records();
-    cfg_user_ini_records = contents.records.release();
-    cfg_user_ini_sections_read = contents.sections.release();
-}
-
-void pass_on(CFG_USER_INI_ENUMS preference, void (*take_paths)(const std::string& paths))
-{
-    if (const std::string paths = cfg_get_user_ini_value(preference); !paths.empty())
-        take_paths(paths);
-}
-}
-
-void cfg_read_user_ini_file()
-{
-    const std::string path = cfg_generate_user_ini_file_path();
-    if (!FIO_FILE_SYSTEM::exists(path.c_str()))
-    {
-        publish({});
-        return;
-    }
-    publish(read_contents(path));
-    // The store is loaded by now, so these lookups do not read again.
-    pass_on(USER_LIBRARIES, gen_set_user_library_paths);
-    pass_on(USER_IP_SEARCH_PATHS, gen_set_user_ip_search_paths);
 }

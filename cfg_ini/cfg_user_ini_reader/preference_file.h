@@ -1,37 +1,11 @@
-// The preference file velmar2.ini: where it is, how a line of it reads, and the maps that hold what was read.
-//
-// No lock anywhere in the preference store: one thread uses it at a time.
+// The preference file velmar2.ini: where it is, how a line of it reads, and reading it into maps. No state.
 #ifndef CFG_INI_CFG_USER_INI_READER_PREFERENCE_FILE_H
 #define CFG_INI_CFG_USER_INI_READER_PREFERENCE_FILE_H
 
-#include <functional>
-#include <map>
 #include <string>
 #include <string_view>
 
-// What internal errors of the preference store name as their source.
-inline constexpr const char* preference_store_source = "cfg_ini/cfg_user_ini_reader";
-
-// One key line of the file, or one assigned preference.
-struct CFG_USER_VALUE_STRUCT
-{
-    std::string section; // as it stands between the brackets, the release included
-    std::string name;    // current, not old; in the spelling of the file or of the assignment
-    std::string value;
-    bool pending_write = false; // the writer's mark; false outside a save
-};
-
-using CFG_USER_VALUE_MAP = std::map<std::string, CFG_USER_VALUE_STRUCT*, std::less<>>;
-
-// Both are null while nothing is loaded, and both exist while something is.
-//
-// The records by section and name, with nothing in between: two pairs of section and name may share a key, which then
-// belongs to the pair that came first. The map owns its records. Its order is the order of the written file.
-extern constinit CFG_USER_VALUE_MAP* cfg_user_ini_records;
-
-// A set: the section headers that the file holds, with null values. Assignments do not add to it, so that the other
-// preferences of an assigned one's section are still carried over from older releases until the file is read again.
-extern constinit CFG_USER_VALUE_MAP* cfg_user_ini_sections_read;
+#include "cfg_ini/cfg_user_ini_reader/preference_records.h"
 
 // ---------------------------------------------------------------------------------------------------------------------
 // Names and sections
@@ -47,13 +21,18 @@ std::string cfg_convert_from_old_to_new(const std::string& name);
 // text.
 std::string cfg_get_section_for_name(const char* name, const char* value, bool with_version);
 
+namespace zon_cfg
+{
 // The section of one release, such as "General 23.4_pro".
 std::string released_section(const std::string& section, const std::string& version);
+}
 
 // ---------------------------------------------------------------------------------------------------------------------
 // Lines
 // ---------------------------------------------------------------------------------------------------------------------
 
+namespace zon_cfg
+{
 enum class PREFERENCE_LINE_KIND
 {
     TOO_SHORT,        // fewer than three characters before the line's end or its first NUL: ignored
@@ -78,6 +57,7 @@ struct PREFERENCE_LINE
 // Reads one line, given without its line feed. The file has no comments: a line that begins with ";" or "#" is read as
 // any other. A carriage return at the end counts towards the length.
 PREFERENCE_LINE classify_preference_line(std::string_view text);
+}
 
 // ---------------------------------------------------------------------------------------------------------------------
 // The file
@@ -87,9 +67,10 @@ PREFERENCE_LINE classify_preference_line(std::string_view text);
 // profile directory.
 std::string cfg_generate_user_ini_file_path();
 
-// Loads the file into new maps, then hands the user's library and IP search paths, where not empty, to the general
-// service. A missing file leaves the maps empty, an unreadable one too. To be called only while nothing is loaded: maps
-// that are there are forgotten, not freed.
-void cfg_read_user_ini_file();
+namespace zon_cfg
+{
+// What the file holds. A file that cannot be opened gives no lines, one that fails gives the lines before the failure.
+PREFERENCE_MAPS read_preferences(const std::string& path);
+}
 
 #endif

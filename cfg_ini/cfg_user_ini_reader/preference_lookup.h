@@ -11,6 +11,8 @@
 // unknown name. Loads the file first if need be. A null name is reported and answers the empty text.
 std::string cfg_get_user_ini_value_internal(const char* name, bool use_default);
 
+namespace zon_cfg
+{
 enum class PREFERENCE_SOURCE
 {
     NOWHERE, // no value
@@ -26,9 +28,10 @@ struct PREFERENCE_ORIGIN
     std::string section; // of the file; empty for NOWHERE and DEFAULT
 };
 
-// Where the file as it was read has the value that a lookup of the preference answers, default included. Follows the
+// Where the file as it was loaded has the value that a lookup of the preference answers, default included. Follows the
 // steps of a lookup without its effects; loads the file first if need be. What the program has assigned since is not
 // seen where the file lacks the running release's section.
 PREFERENCE_ORIGIN preference_origin(CFG_USER_INI_ENUMS preference);
+}
 
 #endif

@@ -7,6 +7,8 @@
 
 #include <span>
 
+namespace zon_cfg
+{
 // One row for each number from 0 to CFG_USER_INI_ENUMS_END, in this order. No text is null. A number that belongs to no
 // preference has empty texts and no allowed values.
 struct PREFERENCE_ROW
@@ -526,5 +528,6 @@ constexpr PREFERENCE_ROW preference_rows[] = {
 
 #undef PREFERENCE
 #undef NO_PREFERENCE
+}
 
 #endif

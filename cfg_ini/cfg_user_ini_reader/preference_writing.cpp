@@ -1,15 +1,38 @@
+// The file's layout is defined by passes over the records in map order: each pass takes the section of the first record
+// that is not written yet, and writes it with all such records of that section, letter case ignored. One pass a section
+// would take the square of the sections. The same bytes come from one walk that puts the records into groups:
+//
+// - A group is one section, letter case ignored. The groups stand in the order of their first records, and a group's
+//   records in map order; its header is the section of its first record.
+// - Records of one section mostly follow each other, but need not: "AB" + "c" stands between "A" + "A" and "A" + "Z".
+// So
+//   a record is compared with the one before it, and else its group is searched.
+// - Whatever needs memory happens before the file is opened, which empties it. A save that runs out of memory leaves
+// the
+//   file as it was.
+//
+// Cost: n records in s sections take n comparisons and up to n * log s more for the searches, whatever the file holds;
+// the time goes to the flush of each line.
 #include "cfg_ini/cfg_user_ini_reader/preference_writing.h"
 
+#include <array>
 #include <cstdarg>
+#include <cstddef>
+#include <cstdio>
 #include <fstream>
+#include <map>
 #include <string>
+#include <vector>
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_file.h"
-#include "cfg_ini/cfg_user_ini_reader/running_records.h"
-#include "platform/err/err.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_loading.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_records.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_reports.h"
 #include "platform/gen/gen.h"
 #include "platform/mem/mem.h"
+
+using namespace zon_cfg;
 
 namespace
 {
@@ -28,30 +51,48 @@ void mark_records_to_write()
         record->pending_write = !record->value.empty();
 }
 
-// Writes the section of the first pending record, with all pending records of that section, letter case ignored.
-// Whether pending records remain.
-bool write_next_section(std::ostream& file)
+// The pending records of one section, in map order; at least one.
+using SECTION_GROUP = std::vector<CFG_USER_VALUE_STRUCT*>;
+
+struct LESS_IGNORING_CASE
 {
-    const std::string* section = nullptr;
-    bool some_remain = false;
+    bool operator()(const char* a, const char* b) const
+    {
+        return gen_stricmp(a, b) < 0;
+    }
+};
+
+std::vector<SECTION_GROUP> group_pending_records()
+{
+    std::vector<SECTION_GROUP> groups;
+    std::map<const char*, std::size_t, LESS_IGNORING_CASE> positions;
+    const CFG_USER_VALUE_STRUCT* previous = nullptr;
+    std::size_t position = 0;
     for (const auto& [key, record] : *cfg_user_ini_records)
     {
         if (!record->pending_write)
             continue;
-        if (section == nullptr)
+        if (previous == nullptr || record->section != previous->section)
         {
-            section = &record->section;
-            file << std::endl << '[' << *section << ']' << std::endl;
+            position = positions.try_emplace(record->section.c_str(), groups.size()).first->second;
+            if (position == groups.size())
+                groups.emplace_back();
         }
-        if (gen_stricmp(record->section.c_str(), section->c_str()) == 0)
-        {
-            file << record->name << " = " << record->value << std::endl;
-            record->pending_write = false;
-        }
-        else
-            some_remain = true;
+        groups[position].push_back(record);
+        previous = record;
     }
-    return some_remain;
+    return groups;
+}
+
+// Each line is flushed, so that a process that ends here leaves whole lines; what a write fails to do is not told.
+void write_group(std::ostream& file, const SECTION_GROUP& group)
+{
+    file << std::endl << '[' << group.front()->section << ']' << std::endl;
+    for (CFG_USER_VALUE_STRUCT* const record : group)
+    {
+        file << record->name << " = " << record->value << std::endl;
+        record->pending_write = false;
+    }
 }
 }
 
@@ -60,16 +101,22 @@ bool cfg_write_user_ini_file()
     if (cfg_user_ini_records == nullptr)
         return true;
 
+    // A search path whose hand-over failed is still to be carried over: once the running release's section is saved
+    // without it, no later reading would do that.
+    load_preferences_if_needed();
     mark_records_to_write();
+    const std::vector<SECTION_GROUP> groups = group_pending_records();
     const std::string path = cfg_generate_user_ini_file_path();
-    std::ofstream file(path);
+    // Left to itself, the stream would allocate its buffer when the file is open and empty already.
+    std::array<char, BUFSIZ> buffer;
+    std::ofstream file;
+    file.rdbuf()->pubsetbuf(buffer.data(), buffer.size());
+    file.open(path);
     mem_msg_vdebug("writing ini file: %s", path.c_str());
     if (!file)
         return false;
-    // Each line is flushed, so that a process that ends here leaves whole lines; what a write fails to do is not told.
-    while (write_next_section(file))
-    {
-    }
+    for (const SECTION_GROUP& group : groups)
+        write_group(file, group);
     return true;
 }
 
@@ -82,19 +129,13 @@ bool cfg_write_and_close_user_ini_file()
 
 void cfg_close_user_ini_file()
 {
-    forget_running_records();
-    if (cfg_user_ini_records != nullptr)
+    // Withdrawn before anything is reported: a reporter that throws leaves nothing half unloaded.
+    const PREFERENCE_MAPS maps = withdraw_preferences();
+    if (maps.records == nullptr)
+        return;
+    for (const auto& [key, record] : *maps.records)
     {
-        for (auto& [key, record] : *cfg_user_ini_records)
-        {
-            if (record == nullptr)
-                err_report_internal_error("(*i).second != 0", "CFG_INI", preference_store_source, __LINE__);
-            delete record;
-            record = nullptr;
-        }
+        if (record == nullptr)
+            report_preference_error("(*i).second != 0", PREFERENCE_REPORT::NULL_RECORD_AT_UNLOADING);
     }
-    delete cfg_user_ini_records;
-    cfg_user_ini_records = nullptr;
-    delete cfg_user_ini_sections_read;
-    cfg_user_ini_sections_read = nullptr;
 }

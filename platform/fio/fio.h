@@ -2,7 +2,7 @@
 //
 // What the library expects. Questions about the file system answer false, or empty, on any failure; they may throw
 // std::bad_alloc only. FIO_FILE_SYSTEM::exists is called with the store's lock held while the main settings file is
-// being read, and throughout a first read; it must not wait for a thread that uses the store. Paths are bytes.
+// being read, and throughout a first load; it must not wait for a thread that uses the store. Paths are bytes.
 #ifndef PLATFORM_FIO_FIO_H
 #define PLATFORM_FIO_FIO_H
 
@@ -59,7 +59,7 @@ public:
     // Fills `result` with what stat(2) says of the path; false, with `result` unspecified, when it says nothing.
     static bool status(const char* path, struct stat* result);
 
-    // The process's current directory, without a final "/" but for the root; empty when it cannot be told.
+    // The process's current directory, without a final "/" but for the root; empty when it is not known.
     static std::string get_current_directory();
 };
 

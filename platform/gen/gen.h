@@ -3,7 +3,9 @@
 // What the library expects. The string functions are pure; gen_stricmp neither allocates nor throws and is called with
 // the store's lock held. The path functions may be called from any thread, also with the store's lock held during a
 // first read; they must not use the configuration library. The two setters are called from the thread that uses the
-// preferences and must not use the preference store.
+// preferences and must not use the preference store. They may throw: the exception goes to the caller of the
+// preference, an assignment is undone, and what loading has to hand over is handed over at the next use of the
+// preferences.
 #ifndef PLATFORM_GEN_GEN_H
 #define PLATFORM_GEN_GEN_H
 
@@ -25,7 +27,8 @@ std::string gen_get_module_path();
 // empty when it cannot be told.
 std::string gen_get_velmar_path();
 
-// HOME, else the home directory of the password database; empty when there is neither.
+// HOME, else the home directory of the password database. Never empty, which would mean the current directory: the
+// default answers "/dev/null/" when there is neither, a directory below which no file is found and none can be made.
 std::string gen_get_user_profile_directory();
 
 // Take the user's library paths and IP search paths, as the preferences hold them. The defaults keep the text last set

@@ -1,12 +1,38 @@
 #include "platform/gen/gen.h"
 
-#include <array>
+#include <cerrno>
+#include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <pwd.h>
 #include <string_view>
 #include <system_error>
 #include <unistd.h>
+#include <vector>
+
+namespace
+{
+// Where nothing can be made, not even by root: the device is no directory.
+constexpr const char* nowhere = "/dev/null/";
+
+// The home directory of the running user in the password database; empty when there is none.
+std::string home_in_password_database()
+{
+    // An entry that comes from a directory service may be of any length; one beyond this is a broken service's.
+    constexpr std::size_t most_characters = std::size_t{1} << 24U;
+    for (std::vector<char> texts(1024); texts.size() <= most_characters;)
+    {
+        struct passwd entry;
+        struct passwd* found = nullptr;
+        const int error = getpwuid_r(getuid(), &entry, texts.data(), texts.size(), &found);
+        if (error == ERANGE)
+            texts.resize(2 * texts.size());
+        else if (error != EINTR)
+            return error == 0 && found != nullptr ? found->pw_dir : "";
+    }
+    return {};
+}
+}
 
 std::string gen_get_module_path()
 {
@@ -28,11 +54,6 @@ std::string gen_get_user_profile_directory()
 {
     if (const char* const home = std::getenv("HOME"); home != nullptr && *home != '\0')
         return home;
-
-    std::array<char, 16384> texts;
-    struct passwd entry;
-    struct passwd* found = nullptr;
-    if (getpwuid_r(getuid(), &entry, texts.data(), texts.size(), &found) == 0 && found != nullptr)
-        return found->pw_dir;
-    return {};
+    const std::string home = home_in_password_database();
+    return home.empty() ? nowhere : home;
 }

@@ -19,10 +19,13 @@ std::string trimmed(const std::string& text, const char* unwanted)
 
 int gen_stricmp(const char* a, const char* b)
 {
-    for (; *a != '\0' && folded(*a) == folded(*b); ++a, ++b)
+    for (; *a != *b || *a != '\0'; ++a, ++b)
     {
+        // Most characters are equal as they are.
+        if (*a != *b && folded(*a) != folded(*b))
+            return folded(*a) - folded(*b);
     }
-    return folded(*a) - folded(*b);
+    return 0;
 }
 
 std::string gen_remove_leading_and_trailing_spaces(const std::string& text)

@@ -3,10 +3,13 @@
 #include <cstring>
 #include <mutex>
 
+#include "platform/held_during_fork.h"
+
 namespace
 {
 // The living objects, linked through themselves: registering happens at load and must not allocate.
 constinit std::mutex registry_mutex;
+const HELD_DURING_FORK<registry_mutex> registry_mutex_during_fork;
 constinit MEM_INITIALIZER* first_registered = nullptr;
 }
 

@@ -5,13 +5,17 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <new>
 #include <optional>
 #include <type_traits>
 #include <utility>
 
 #include "cfg_ini/cfg_ini_reader/change_callbacks.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "cfg_ini/cfg_ini_reader/store_primitives.h"
 #include "tests/support/faked_test.h"
+
+using namespace zon_cfg;
 
 namespace
 {
@@ -270,16 +274,18 @@ TEST_F(CACHED_VALUE, AnAnswerThatWasOvertakenByARereadingIsNotKept)
 // A cell during whose writing something happens on what another thread would be.
 struct INTERRUPTED_CELL
 {
-    int load() const
+    bool load(int& out) const
     {
-        return value;
+        out = value;
+        return true;
     }
 
-    void store(int new_value)
+    bool store(int new_value)
     {
         if (const auto interrupt = std::exchange(interruption, nullptr); interrupt != nullptr)
             interrupt();
         value = new_value;
+        return true;
     }
 
     static inline std::function<void()> interruption;
@@ -295,11 +301,12 @@ TEST(KEPT_ANSWER, AWriterThatWasOvertakenDoesNotReplaceAnAnswerThatIsKnown)
         kept.keep(6, kept.changes());
     };
     kept.keep(5, kept.changes());
-    EXPECT_TRUE(!kept.is_known() || kept.load() == 6);
+    int answer = 0;
+    EXPECT_TRUE(!kept.load(answer) || answer == 6);
 
     kept.keep(7, kept.changes());
-    EXPECT_TRUE(kept.is_known());
-    EXPECT_EQ(7, kept.load());
+    EXPECT_TRUE(kept.load(answer));
+    EXPECT_EQ(7, answer);
 }
 
 TEST(KEPT_ANSWER, ALateWriterDoesNotReplaceAnAnswerThatIsKnown)
@@ -309,8 +316,89 @@ TEST(KEPT_ANSWER, ALateWriterDoesNotReplaceAnAnswerThatIsKnown)
     kept.forget();
     kept.keep(6, kept.changes());
     kept.keep(5, old);
-    EXPECT_TRUE(kept.is_known());
-    EXPECT_EQ(6, kept.load());
+    int answer = 0;
+    EXPECT_TRUE(kept.load(answer));
+    EXPECT_EQ(6, answer);
+}
+
+// A text during whose copying something happens, as for a fork that copies the memory in the middle of it.
+struct INTERRUPTED_TEXT
+{
+    INTERRUPTED_TEXT() = default;
+    explicit INTERRUPTED_TEXT(int number) : value(number) {}
+    INTERRUPTED_TEXT(const INTERRUPTED_TEXT&) = default;
+    INTERRUPTED_TEXT(INTERRUPTED_TEXT&&) = default;
+    ~INTERRUPTED_TEXT() = default;
+
+    INTERRUPTED_TEXT& operator=(const INTERRUPTED_TEXT& other)
+    {
+        if (const auto interrupt = std::exchange(interruption, nullptr); interrupt != nullptr)
+            interrupt();
+        value = other.value;
+        return *this;
+    }
+    INTERRUPTED_TEXT& operator=(INTERRUPTED_TEXT&& other)
+    {
+        return *this = other;
+    }
+
+    static inline std::function<void()> interruption;
+    int value = 0;
+};
+
+// What holds the cell's flag never comes back in the child of a fork: there every get() asks the store.
+TEST(TEXT_CELL, ATextThatIsBeingCopiedIsNeitherWaitedForNorRead)
+{
+    using CELL = CFG_CACHED_VALUE_DETAIL::TEXT_CELL<INTERRUPTED_TEXT>;
+    CFG_CACHED_VALUE_DETAIL::KEPT_ANSWER<INTERRUPTED_TEXT, CELL> kept;
+    kept.keep(INTERRUPTED_TEXT(5), kept.changes());
+
+    INTERRUPTED_TEXT inner;
+    bool inner_loaded = true;
+    INTERRUPTED_TEXT::interruption = [&] { inner_loaded = kept.load(inner); };
+    INTERRUPTED_TEXT outer;
+    EXPECT_TRUE(kept.load(outer));
+    EXPECT_EQ(5, outer.value);
+    EXPECT_FALSE(inner_loaded);
+    EXPECT_TRUE(kept.load(inner)) << "the flag is released after the copy";
+
+    INTERRUPTED_TEXT::interruption = [&] { inner_loaded = kept.load(inner); };
+    kept.forget();
+    kept.keep(INTERRUPTED_TEXT(6), kept.changes());
+    EXPECT_FALSE(inner_loaded);
+    EXPECT_TRUE(kept.load(outer));
+    EXPECT_EQ(6, outer.value);
+}
+
+// A text that could not be kept is not known: the next get() asks again.
+TEST(TEXT_CELL, AnAnswerThatFindsTheTextBeingCopiedIsNotKept)
+{
+    using CELL = CFG_CACHED_VALUE_DETAIL::TEXT_CELL<INTERRUPTED_TEXT>;
+    CFG_CACHED_VALUE_DETAIL::KEPT_ANSWER<INTERRUPTED_TEXT, CELL> kept;
+    kept.keep(INTERRUPTED_TEXT(5), kept.changes());
+    INTERRUPTED_TEXT::interruption = [&]
+    {
+        kept.forget();
+        kept.keep(INTERRUPTED_TEXT(6), kept.changes());
+    };
+    INTERRUPTED_TEXT text;
+    EXPECT_TRUE(kept.load(text));
+    EXPECT_EQ(5, text.value);
+    EXPECT_FALSE(kept.load(text));
+    kept.keep(INTERRUPTED_TEXT(7), kept.changes());
+    EXPECT_TRUE(kept.load(text));
+    EXPECT_EQ(7, text.value);
+}
+
+// The flag is released when there is no memory for a copy.
+TEST(TEXT_CELL, AFailedCopyReleasesTheText)
+{
+    using CELL = CFG_CACHED_VALUE_DETAIL::TEXT_CELL<INTERRUPTED_TEXT>;
+    CELL cell;
+    INTERRUPTED_TEXT text;
+    INTERRUPTED_TEXT::interruption = [] { throw std::bad_alloc(); };
+    EXPECT_THROW(static_cast<void>(cell.load(text)), std::bad_alloc);
+    EXPECT_TRUE(cell.load(text));
 }
 
 // A failed reading (here: no memory for the file's name) leaves nothing behind that a later answer could trip over.

@@ -5,8 +5,10 @@
 #include <memory>
 #include <type_traits>
 
-#include "cfg_ini/cfg_ini_reader/value_storing.h"
+#include "cfg_ini/cfg_ini_reader/variable_assignment.h"
 #include "tests/support/store_test.h"
+
+using namespace zon_cfg;
 
 namespace
 {

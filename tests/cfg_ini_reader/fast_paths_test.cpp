@@ -13,12 +13,15 @@
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/ini_text.h"
 #include "cfg_ini/cfg_ini_reader/name_matching.h"
-#include "cfg_ini/cfg_ini_reader/recent_names.h"
+#include "cfg_ini/cfg_ini_reader/name_cache.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "cfg_ini/cfg_ini_reader/store_primitives.h"
 #include "cfg_ini/cfg_ini_reader/settings_lines.h"
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"
 #include "tests/support/faked_test.h"
 #include "tests/support/plain_rules.h"
+
+using namespace zon_cfg;
 
 namespace
 {
@@ -229,11 +232,11 @@ TEST_F(FAST_STORE, remembered_names_of_every_length_are_told_apart)
 {
     cfg_read_ini_file(std::string());
     const auto name_of = [](std::size_t length) { return std::string(length, 'n'); };
-    for (std::size_t length = 0; length <= 2 * RECENT_NAME::longest; ++length)
+    for (std::size_t length = 0; length <= 2 * CACHED_NAME::longest; ++length)
         cfg_set_int_value(name_of(length), static_cast<int>(length));
     for (int time = 0; time < 2; ++time)
     {
-        for (std::size_t length = 0; length <= 2 * RECENT_NAME::longest; ++length)
+        for (std::size_t length = 0; length <= 2 * CACHED_NAME::longest; ++length)
         {
             EXPECT_EQ(cfg_get_int_value(name_of(length), -1), static_cast<int>(length));
             for (std::size_t at = 0; at < length; ++at)
@@ -255,13 +258,13 @@ TEST_F(FAST_STORE, nearly_all_of_a_thousand_names_are_remembered)
     RANDOM_TEXT random(7, "abcdefghijklmnopqrstuvwxyz_");
     std::vector<std::string> names;
     for (int i = 0; i < 1000; ++i)
-        names.push_back(random(RECENT_NAME::longest - 4) + std::to_string(i));
+        names.push_back(random(CACHED_NAME::longest - 4) + std::to_string(i));
     for (const std::string& name : names)
         cfg_set_int_value(name, 1);
 
     const STORE_LOCK lock;
     const auto remembered =
-        std::ranges::count_if(names, [](const std::string& name) { return SOUGHT_NAME(name).recent() != nullptr; });
+        std::ranges::count_if(names, [](const std::string& name) { return SOUGHT_NAME(name).cached() != nullptr; });
     EXPECT_GE(remembered, 985); // random places leave nine without one
 }
 
@@ -272,11 +275,11 @@ TEST_F(FAST_STORE, names_up_to_the_longest_are_remembered)
     {
         cfg_get_int_value(name, 0);
         const STORE_LOCK lock;
-        return SOUGHT_NAME(name).recent() != nullptr;
+        return SOUGHT_NAME(name).cached() != nullptr;
     };
-    for (std::size_t length = 0; length <= RECENT_NAME::longest; ++length)
+    for (std::size_t length = 0; length <= CACHED_NAME::longest; ++length)
         EXPECT_TRUE(is_remembered_after_lookup(std::string(length, 'n'))) << length;
-    EXPECT_FALSE(is_remembered_after_lookup(std::string(RECENT_NAME::longest + 1, 'n')));
+    EXPECT_FALSE(is_remembered_after_lookup(std::string(CACHED_NAME::longest + 1, 'n')));
 }
 
 TEST_F(FAST_STORE, an_emptied_store_is_not_remembered)
@@ -291,12 +294,12 @@ TEST_F(FAST_STORE, an_emptied_store_is_not_remembered)
 TEST_F(FAST_STORE, nothing_is_remembered_from_before_the_emptyings_were_counted_anew)
 {
     cfg_read_ini_file(std::string());
-    cfg_ini_recent_epoch = 1;
+    name_cache_epoch = 1;
     cfg_set_int_value("remembered_name", 7);
     EXPECT_EQ(cfg_get_int_value("remembered_name", -1), 7); // remembered under 1
-    cfg_ini_recent_epoch = 0xFFFFFFFE;
+    name_cache_epoch = 0xFFFFFFFE;
     cfg_read_ini_file(std::string());    // forgets twice: the old store, and what a callback may have made
-    EXPECT_EQ(cfg_ini_recent_epoch, 1U); // 0 is that of a place that was never used
+    EXPECT_EQ(name_cache_epoch, 1U); // 0 is that of a place that was never used
     EXPECT_EQ(cfg_get_int_value("remembered_name", -1), -1);
     EXPECT_EQ(cfg_get_int_value("remembered_name", -1), -1);
 }

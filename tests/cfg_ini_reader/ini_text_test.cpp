@@ -1,6 +1,12 @@
 #include "cfg_ini/cfg_ini_reader/ini_text.h"
 
+#include <ctime>
+#include <functional>
+#include <limits>
+
 #include "tests/support/store_test.h"
+
+using namespace zon_cfg;
 
 namespace
 {
@@ -141,8 +147,11 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(shortest, SETTINGS_LINE_TEST,
                          testing::Values(STORED{"", {}}, STORED{"a", {}}, STORED{"=", {}}, STORED{"ab", {}},
                                          STORED{"a=", {}}, STORED{"a=1", {{"a", "1"}}}, STORED{"=5", {{"", "5"}}},
-                                         STORED{"==", {{"", "="}}}, STORED{"= ", {{"", ""}}}, STORED{" =", {}},
-                                         STORED{"=5;", {{"", "5"}}}));
+                                         STORED{"==", {{"", "="}}}, STORED{"= ", {}}, STORED{"=\t", {}},
+                                         STORED{"=;", {}}, STORED{"=#", {}}, STORED{"=\r", {}},
+                                         STORED{"=\"", {{"", "\""}}}, STORED{"=/", {{"", "/"}}}, STORED{" =", {}},
+                                         STORED{"//", {}}, STORED{"\"=", {}}, STORED{"=  ", {{"", ""}}},
+                                         STORED{"=;;", {{"", ""}}}, STORED{"=5;", {{"", "5"}}}));
 
 INSTANTIATE_TEST_SUITE_P(carriage_returns, SETTINGS_LINE_TEST,
                          testing::Values(STORED{"a=1\r", {{"a", "1"}}},
@@ -155,6 +164,43 @@ INSTANTIATE_TEST_SUITE_P(embedded_zero, SETTINGS_LINE_TEST,
                          testing::Values(STORED{std::string("a=x\0y", 5), {{"a", std::string("x\0y", 3)}}},
                                          STORED{std::string("a\0b=1", 5), {{std::string("a\0b", 3), "1"}}},
                                          STORED{std::string("\0\0\0", 3), {}}));
+
+// Neither begins a value: a comment does not, and white space is trimmed off.
+const std::string no_value_alone = ";# \t\n\v\f\r";
+
+TEST(SHORT_LINE_TEST, an_equals_sign_and_a_character_of_a_value_set_the_empty_name)
+{
+    for (int c = 0; c < 256; ++c)
+    {
+        const std::string line{'=', static_cast<char>(c)};
+        std::string name = "untouched";
+        std::string value = "untouched";
+        const SETTINGS_LINE kind = parse_settings_line(line, name, value);
+        if (no_value_alone.find(line[1]) != std::string::npos)
+        {
+            EXPECT_EQ(kind, SETTINGS_LINE::TOO_SHORT) << "= and " << c;
+            EXPECT_EQ(name + value, "untoucheduntouched") << "= and " << c;
+            continue;
+        }
+        EXPECT_EQ(kind, SETTINGS_LINE::ASSIGNMENT) << "= and " << c;
+        EXPECT_EQ(name, "") << "= and " << c;
+        EXPECT_EQ(value, line.substr(1)) << "= and " << c;
+    }
+}
+
+TEST(SHORT_LINE_TEST, no_other_line_of_two_characters_sets_anything)
+{
+    std::string name;
+    std::string value;
+    for (int first = 0; first < 256; ++first)
+    {
+        for (int second = 0; second < 256 && first != '='; ++second)
+        {
+            const std::string line{static_cast<char>(first), static_cast<char>(second)};
+            ASSERT_EQ(parse_settings_line(line, name, value), SETTINGS_LINE::TOO_SHORT) << first << " and " << second;
+        }
+    }
+}
 
 // --- The separator of an inline text ---
 
@@ -250,4 +296,124 @@ TEST(INLINE_WALK_TEST, tells_of_each_item_how_it_stands_and_what_becomes_of_it)
     EXPECT_EQ(value, "5:f");
     EXPECT_FALSE(walk.next(kind, name, value));
 }
+
+// --- Long texts ---
+
+// A text made of a start, many middles and an end.
+struct LONG_TEXT
+{
+    const char* about;
+    std::string start;
+    std::string middle;
+    std::string end;
+
+    std::string of_size(std::size_t size) const
+    {
+        std::string text = start;
+        while (text.size() < size)
+            text += middle;
+        return text + end;
+    }
+};
+
+void PrintTo(const LONG_TEXT& row, std::ostream* out)
+{
+    *out << row.about;
+}
+
+// The processor time of this thread that the quickest of some calls took.
+double quickest_seconds(const std::function<void()>& action)
+{
+    const auto now = []
+    {
+        timespec time{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+    };
+    double quickest = std::numeric_limits<double>::max();
+    for (int time = 0; time < 3; ++time)
+    {
+        const double start = now();
+        action();
+        quickest = std::min(quickest, now() - start);
+    }
+    return quickest;
+}
+
+// Four times the text takes about four times as long, and not sixteen times. A busy machine may need some attempts.
+void expect_linear(const LONG_TEXT& row, const std::function<void(const std::string&)>& action)
+{
+    const std::string text = row.of_size(std::size_t{32} << 10);
+    const std::string longer = row.of_size(std::size_t{128} << 10);
+    double ratio = 0;
+    for (int attempt = 0; attempt < 5; ++attempt)
+    {
+        ratio = quickest_seconds([&] { action(longer); }) / quickest_seconds([&] { action(text); });
+        if (ratio < 9)
+            return;
+    }
+    ADD_FAILURE() << "four times the text takes " << ratio << " times as long";
+}
+
+class LONG_INLINE_TEXT_TEST : public testing::TestWithParam<LONG_TEXT>
+{
+};
+
+TEST_P(LONG_INLINE_TEXT_TEST, takes_linear_time)
+{
+    expect_linear(GetParam(),
+                  [](const std::string& text)
+                  {
+                      INLINE_TEXT walk(text);
+                      INLINE_ITEM kind{};
+                      std::string name;
+                      std::string value;
+                      while (walk.next(kind, name, value))
+                      {
+                      }
+                  });
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , LONG_INLINE_TEXT_TEST,
+    testing::Values(LONG_TEXT{"semicolons", "", ";", ""}, LONG_TEXT{"colons", "", ":", ""},
+                    LONG_TEXT{"no separator", "", "a", ""}, LONG_TEXT{"names alone", "", "a;", ""},
+                    LONG_TEXT{"an assignment at the end", "", ";", "a=1"},
+                    LONG_TEXT{"an assignment at the start", "a=1", ";", ""},
+                    LONG_TEXT{"the separator at the start alone", ":", ";", ""},
+                    LONG_TEXT{"the separator at the end alone", "", "a", ";"}, LONG_TEXT{"equals signs", "", "=", ""},
+                    LONG_TEXT{"equals signs alone", "", "=;", ""}, LONG_TEXT{"assignments", "", "a=1;", ""},
+                    LONG_TEXT{"blanks", "", " ", ""}, LONG_TEXT{"blanks before a name", "", " ", "a=1"},
+                    LONG_TEXT{"blanks behind a value", "a=1", " ", ""}, LONG_TEXT{"blank items", "", " ;", ""}));
+
+class LONG_SETTINGS_LINE_TEST : public testing::TestWithParam<LONG_TEXT>
+{
+};
+
+TEST_P(LONG_SETTINGS_LINE_TEST, takes_linear_time)
+{
+    expect_linear(GetParam(),
+                  [](const std::string& line)
+                  {
+                      LINE_ASSIGNMENT assignment;
+                      parse_settings_line(line, assignment);
+                      std::string rest = line;
+                      cfg_remove_commented_portion(&rest);
+                      cfg_trim_string(&rest);
+                  });
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , LONG_SETTINGS_LINE_TEST,
+    testing::Values(LONG_TEXT{"a value", "a=", "x", ""}, LONG_TEXT{"a name", "", "x", "=1"},
+                    LONG_TEXT{"no equals sign", "", "x", ""}, LONG_TEXT{"quotes", "", "\"", "=1"},
+                    LONG_TEXT{"quotes in a value", "a=", "\"", ""}, LONG_TEXT{"comments in quotes", "a=\"", ";#", ""},
+                    LONG_TEXT{"single slashes", "", "/ ", "=1"}, LONG_TEXT{"slashes in a value", "a=", "/", ""},
+                    LONG_TEXT{"equals signs", "", "=", ""}, LONG_TEXT{"blanks", "", " ", ""},
+                    LONG_TEXT{"blanks around all", "", " ", " = 1 "},
+                    LONG_TEXT{"blanks behind a value", "a=1", " ", ""}, LONG_TEXT{"blanks in a name", "", "a ", "=1"},
+                    LONG_TEXT{"vertical tabs", "", "\v", "=\v"},
+                    LONG_TEXT{"vertical tabs before a value", "a=", "\v", "1"},
+                    LONG_TEXT{"high bytes in a name", "", "\xE4", "=1"},
+                    LONG_TEXT{"zero bytes", "", std::string(1, '\0'), "=1"}));
 }

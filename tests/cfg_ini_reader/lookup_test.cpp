@@ -1,9 +1,11 @@
-#include "cfg_ini/cfg_ini_reader/lookup.h"
+#include "cfg_ini/cfg_ini_reader/store_primitives.h"
 
 #include <cmath>
 #include <limits>
 
 #include "tests/support/store_test.h"
+
+using namespace zon_cfg;
 
 namespace
 {

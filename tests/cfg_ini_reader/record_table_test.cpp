@@ -3,9 +3,11 @@
 #include <cstddef>
 #include <memory>
 
-#include "cfg_ini/cfg_ini_reader/lookup.h"
-#include "cfg_ini/cfg_ini_reader/value_storing.h"
+#include "cfg_ini/cfg_ini_reader/store_primitives.h"
+#include "cfg_ini/cfg_ini_reader/variable_assignment.h"
 #include "tests/support/store_test.h"
+
+using namespace zon_cfg;
 
 namespace
 {

@@ -1,4 +1,5 @@
 // What failing calls, and files that change between the calls, do to a reading of all settings sources.
+#include <cerrno>
 #include <filesystem>
 #include <functional>
 
@@ -6,6 +7,8 @@
 #include "tests/support/every_fault.h"
 #include "tests/support/failing_files.h"
 #include "tests/support/store_test.h"
+
+using namespace zon_cfg;
 
 namespace
 {
@@ -81,30 +84,38 @@ protected:
 
 struct FAILING_CALL
 {
+    const char* name;
     FILE_CALL call;
-    std::vector<ASSIGNMENTS> values; // with the first call failing, the second, and so on
+    std::vector<int> errors;         // of that call and those after it
+    std::vector<ASSIGNMENTS> values; // with the first call failing so, the second, and so on
 };
 
 TEST_F(SETTINGS_FAULTS_TEST, a_call_that_fails_costs_what_it_was_to_bring_and_nothing_else)
 {
+    const std::vector<ASSIGNMENTS> everything_each_time(7, everything);
+    // A first piece of the main file; the rest, and half a line with it; the end. Then the appended and the
+    // regression-test file: all of it, and the end.
+    const std::vector<ASSIGNMENTS> ended_by_read = {
+        no_main, without({"long", "last", "appended"}), everything, no_appended, everything, no_regtest, everything};
     const FAILING_CALL table[] = {
-        {FILE_CALL::OPEN, {no_main, no_appended, no_regtest}},
-        // The main file: a first piece, for the size as well, whose failure is made good by another try; the rest, and
-        // half a line with it; the end. Then the appended and the regression-test file: all of it, and the end.
-        {FILE_CALL::READ,
-         {everything, without({"long", "last", "appended"}), everything, everything, everything, everything,
-          everything}},
-        {FILE_CALL::CLOSE, {everything, everything, everything}},
-        // Where the main file is, and how long; only for making room.
-        {FILE_CALL::TELL, {everything, everything}},
+        {"open", FILE_CALL::OPEN, {EIO}, {no_main, no_appended, no_regtest}},
+        {"open, interrupted", FILE_CALL::OPEN, {EINTR, EINTR, EINTR}, {everything, everything, everything}},
+        {"size", FILE_CALL::SIZE, {EIO}, {everything, everything, everything}},
+        {"read", FILE_CALL::READ, {EIO}, everything_each_time},
+        {"read, interrupted", FILE_CALL::READ, {EINTR, EINTR, EINTR}, everything_each_time},
+        {"read, interrupted and then failing", FILE_CALL::READ, {EINTR, EIO, EINTR}, everything_each_time},
+        {"read, twice", FILE_CALL::READ, {EIO, EIO}, ended_by_read},
+        {"read, twice with interruptions", FILE_CALL::READ, {EINTR, EIO, EINTR, EIO}, ended_by_read},
+        {"close", FILE_CALL::CLOSE, {EIO}, {everything, everything, everything}},
+        {"close, interrupted", FILE_CALL::CLOSE, {EINTR}, {everything, everything, everything}},
     };
     for (const FAILING_CALL& row : table)
     {
-        SCOPED_TRACE("call of kind " + std::to_string(static_cast<int>(row.call)));
+        SCOPED_TRACE(row.name);
         const auto attempt = [&](long nth)
         {
             cfg_close_ini_file();
-            const auto fault = std::make_unique<FILE_FAULT>(row.call, nth);
+            const auto fault = std::make_unique<FILE_FAULT>(row.call, nth, row.errors);
             read_everything();
             const bool reached = fault->was_reached();
             const bool expected = static_cast<std::size_t>(nth) <= row.values.size();
@@ -117,13 +128,32 @@ TEST_F(SETTINGS_FAULTS_TEST, a_call_that_fails_costs_what_it_was_to_bring_and_no
     }
 }
 
-TEST_F(SETTINGS_FAULTS_TEST, a_size_that_cannot_be_told_costs_nothing)
+TEST_F(SETTINGS_FAULTS_TEST, a_read_that_fails_every_second_time_brings_everything)
 {
     cfg_close_ini_file();
-    const FILE_FAULT fault(FILE_CALL::SEEK, 1); // to the end; the way back cannot fail where this does not
+    const FILE_FAULT fault(FILE_CALL::READ, 1, {EIO, 0, EIO, 0, EIO, 0, EIO, 0, EIO, 0, EIO, 0, EIO});
     read_everything();
-    EXPECT_TRUE(fault.was_reached());
     EXPECT_EQ(all_values(), everything);
+}
+
+TEST_F(SETTINGS_FAULTS_TEST, a_file_that_was_ended_by_failures_is_not_read_any_more)
+{
+    const std::string other = temporary.path("other.ini");
+    write_file(other, "a=1\n");
+    SETTINGS_LINES lines(other);
+    std::string_view line;
+    const FILE_FAULT fault(FILE_CALL::READ, 1, {EIO, EIO});
+    EXPECT_FALSE(lines.next(line));
+    EXPECT_FALSE(lines.next(line)) << "the next read would succeed";
+}
+
+TEST_F(SETTINGS_FAULTS_TEST, a_close_is_not_repeated)
+{
+    const std::string other = temporary.path("other.ini");
+    write_file(other, "a=1\n");
+    const FILE_FAULT fault(FILE_CALL::CLOSE, 1, {EINTR});
+    cfg_read_regtest_ini_file(other);
+    EXPECT_EQ(fault.calls_seen(), 1) << "another thread may have opened a file in the meantime";
 }
 
 TEST_F(SETTINGS_FAULTS_TEST, every_question_for_a_file_may_be_denied)
@@ -158,16 +188,33 @@ TEST_F(SETTINGS_FAULTS_TEST, a_path_is_remembered_only_if_its_file_opened)
     EXPECT_EQ(cfg_get_ini_file_path_name(), other);
 }
 
-TEST_F(SETTINGS_FAULTS_TEST, a_last_line_without_newline_counts_after_a_reading_that_was_made_good)
+TEST_F(SETTINGS_FAULTS_TEST, a_last_line_without_newline_counts_unless_the_file_was_ended_by_failures)
 {
     const std::string other = temporary.path("other.ini");
     write_file(other, "a=1\nb=2");
+    // The first call reads all bytes, the second finds the end.
+    struct
     {
-        const FILE_FAULT fault(FILE_CALL::READ, 1);
+        long nth;
+        std::vector<int> errors;
+        ASSIGNMENTS expected;
+    } const table[] = {
+        {1, {EIO}, {{"a", "1"}, {"b", "2"}}},
+        {1, {EINTR}, {{"a", "1"}, {"b", "2"}}},
+        {1, {EIO, EIO}, {}},
+        {2, {EIO}, {{"a", "1"}, {"b", "2"}}},
+        {2, {EINTR}, {{"a", "1"}, {"b", "2"}}},
+        {2, {EIO, EIO}, {{"a", "1"}}},
+        {3, {EIO, EIO}, {{"a", "1"}, {"b", "2"}}},
+    };
+    environment.unset("APPENDED_VELMAR_INI");
+    environment.unset("VELMAR_INI_VARS");
+    for (const auto& row : table)
+    {
+        const FILE_FAULT fault(FILE_CALL::READ, row.nth, row.errors);
         cfg_read_ini_file(other);
+        EXPECT_EQ(all_values(), row.expected) << row.nth << ", " << row.errors.size() << " errors";
     }
-    EXPECT_EQ(cfg_get_value("a"), "1");
-    EXPECT_EQ(cfg_get_value("b"), "2");
 }
 
 TEST_F(SETTINGS_FAULTS_TEST, a_first_lookup_answers_whatever_fails)

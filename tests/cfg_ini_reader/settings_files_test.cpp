@@ -5,6 +5,8 @@
 #include "platform/mem/mem.h"
 #include "tests/support/store_test.h"
 
+using namespace zon_cfg;
+
 namespace
 {
 using SETTINGS_FILES_TEST = STORE_TEST;

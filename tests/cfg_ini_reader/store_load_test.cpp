@@ -11,6 +11,8 @@
 #include "tests/support/isolated_test.h"
 #include "tests/support/threads.h"
 
+using namespace zon_cfg;
+
 namespace
 {
 constexpr int variable_count = 50;

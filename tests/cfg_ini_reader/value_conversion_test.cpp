@@ -1,8 +1,11 @@
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"
+#include "cfg_ini/cfg_ini_reader/store_primitives.h"
 
 #include <gtest/gtest.h>
 
 #include "tests/support/scoped_process_state.h"
+
+using namespace zon_cfg;
 
 namespace
 {

@@ -4,6 +4,8 @@
 
 #include "tests/support/store_test.h"
 
+using namespace zon_cfg;
+
 namespace
 {
 using VARIABLE_CATALOGUE_TEST = STORE_TEST;

@@ -6,7 +6,10 @@
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "cfg_ini/cfg_ini_reader/store_primitives.h"
 #include "tests/support/faked_test.h"
+
+using namespace zon_cfg;
 
 bool operator==(const VARIABLE_USAGE& a, const VARIABLE_USAGE& b)
 {

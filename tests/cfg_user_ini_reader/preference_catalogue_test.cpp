@@ -11,6 +11,8 @@
 #include "tests/cfg_user_ini_reader/expected_preferences.h"
 #include "tests/cfg_user_ini_reader/letter_case.h"
 
+using namespace zon_cfg;
+
 namespace
 {
 constexpr int end_marker = 126;

@@ -304,7 +304,7 @@ TEST_F(PREFERENCE_FILE_TEST, missing_file_gives_empty_maps_and_ends_the_reading)
     EXPECT_EQ(records(), RECORDS{});
     EXPECT_EQ(sections_read(), SECTIONS{});
     EXPECT_EQ(fake::fio::asked(), std::vector<std::string>{file_path()});
-    EXPECT_EQ(fake::ver::all_versions_calls(), 0); // no search path is looked up
+    EXPECT_EQ(fake::ver::version_calls(), 0); // no search path is looked up
 }
 
 TEST_F(PREFERENCE_FILE_TEST, file_that_is_said_to_be_missing_is_not_opened)
@@ -321,7 +321,7 @@ TEST_F(PREFERENCE_FILE_TEST, file_that_is_said_to_exist_but_does_not_open_gives_
     cfg_read_user_ini_file();
     EXPECT_EQ(records(), RECORDS{});
     EXPECT_EQ(sections_read(), SECTIONS{});
-    EXPECT_EQ(fake::ver::all_versions_calls(), 2); // the search paths are looked up all the same
+    EXPECT_EQ(fake::ver::version_calls(), 2); // the search paths are looked up all the same
     EXPECT_EQ(fake::gen::user_library_paths(), std::vector<std::string>{});
 }
 

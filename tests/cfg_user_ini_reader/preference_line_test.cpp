@@ -5,6 +5,7 @@
 
 namespace
 {
+using namespace zon_cfg;
 using KIND = PREFERENCE_LINE_KIND;
 using namespace std::string_literals;
 

@@ -550,9 +550,8 @@ TEST_F(PREFERENCE_LOOKUP_TEST, accessors_of_the_catalogue_load_nothing)
 
 TEST_F(PREFERENCE_LOOKUP_TEST, releases_are_fetched_where_the_answer_depends_on_them)
 {
-    write_preferences("[Messages 23.4_pro]\nSHOW_MESSAGE_ID = off\n[General 23.2_pro]\nUSER_LIBRARIES = /lib\n");
-    fake::ver::set_version("23.4");
-    fake::ver::set_all_versions({"23.4", "23.3", "23.2"});
+    write_preferences("[Messages 23.4_pro]\nSHOW_MESSAGE_ID = off\n[General 23.2_pro]\nUSER_LIBRARIES = /lib\n"
+                      "[Cloud 22.1_pro]\nCLOUD_SERVER = of an unknown release\n");
     cfg_get_user_ini_value(SHOW_MESSAGE_ID); // loads, which looks up two search paths
     for (int time = 0; time < 3; ++time)
     {
@@ -560,8 +559,10 @@ TEST_F(PREFERENCE_LOOKUP_TEST, releases_are_fetched_where_the_answer_depends_on_
         EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "off");           // in the running release's section
         EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_PARTITION_ID), "off"); // not in it, though it is there
         EXPECT_EQ(cfg_get_user_ini_value("NO_SUCH_KEY"), "");
+        EXPECT_EQ(cfg_get_user_ini_value(CLOUD_USERNAME), ""); // in no release's section, known or not
+        EXPECT_EQ(cfg_get_user_ini_value(WEB_BROWSER), "");    // nor this one, of whose section there is nothing at all
         EXPECT_EQ(fake::ver::all_versions_calls(), calls);
-        EXPECT_EQ(cfg_get_user_ini_value(CLOUD_SERVER), ""); // in no release's section
+        EXPECT_EQ(cfg_get_user_ini_value(CLOUD_SERVER), ""); // in that of a release that may become known
         EXPECT_EQ(fake::ver::all_versions_calls(), calls + 1);
         cfg_set_user_ini_value(SHOW_MESSAGE_ID, "off");
         EXPECT_EQ(fake::ver::all_versions_calls(), calls + 1);

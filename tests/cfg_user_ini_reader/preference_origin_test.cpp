@@ -4,6 +4,8 @@
 #include "cfg_ini/cfg_ini.h"
 #include "tests/cfg_user_ini_reader/preference_test.h"
 
+namespace zon_cfg
+{
 bool operator==(const PREFERENCE_ORIGIN& a, const PREFERENCE_ORIGIN& b)
 {
     return a.source == b.source && a.section == b.section;
@@ -13,6 +15,9 @@ void PrintTo(const PREFERENCE_ORIGIN& origin, std::ostream* out)
 {
     *out << "source " << static_cast<int>(origin.source) << " [" << origin.section << "]";
 }
+}
+
+using namespace zon_cfg;
 
 namespace
 {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cfg_ini/cfg_user_ini_reader/preference_file.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_loading.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_writing.h"
 #include "tests/support/faked_test.h"
@@ -35,15 +36,22 @@ class PREFERENCE_TEST : public FAKED_TEST
 protected:
     PREFERENCE_TEST()
     {
-        fake::gen::set_user_profile_directory(temporary.path("home"));
-        fake::ver::set_version("23.4");
-        fake::ver::set_all_versions({"23.4", "23.3", "23.2"});
+        begin_services();
         write_file(temporary.path("home/other"), ""); // makes the directory
     }
 
     ~PREFERENCE_TEST() override
     {
         cfg_close_user_ini_file();
+    }
+
+    // The platform services as at the start of a test, with nothing recorded.
+    void begin_services() const
+    {
+        fake::reset();
+        fake::gen::set_user_profile_directory(temporary.path("home"));
+        fake::ver::set_version("23.4");
+        fake::ver::set_all_versions({"23.4", "23.3", "23.2"});
     }
 
     // The preference file, in the profile directory.

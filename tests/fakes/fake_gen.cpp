@@ -51,6 +51,17 @@ long calls_of(const DIRECTORY& directory)
     const std::lock_guard lock(state().mutex);
     return directory.calls;
 }
+
+// Records only what the real service took, also where an allocation fails.
+void hand_on_and_record(const std::string& paths, void (*real)(const std::string& paths),
+                        std::vector<std::string>& recorded)
+{
+    std::string copy = paths;
+    const std::lock_guard lock(state().mutex);
+    recorded.reserve(recorded.size() + 1);
+    real(paths);
+    recorded.push_back(std::move(copy));
+}
 }
 
 std::string gen_get_module_path()
@@ -72,21 +83,13 @@ std::string gen_get_user_profile_directory()
 void gen_set_user_library_paths(const std::string& paths)
 {
     state().library_paths_hook.called();
-    {
-        const std::lock_guard lock(state().mutex);
-        state().library_paths.push_back(paths);
-    }
-    real_gen_set_user_library_paths(paths);
+    hand_on_and_record(paths, real_gen_set_user_library_paths, state().library_paths);
 }
 
 void gen_set_user_ip_search_paths(const std::string& paths)
 {
     state().ip_search_paths_hook.called();
-    {
-        const std::lock_guard lock(state().mutex);
-        state().ip_search_paths.push_back(paths);
-    }
-    real_gen_set_user_ip_search_paths(paths);
+    hand_on_and_record(paths, real_gen_set_user_ip_search_paths, state().ip_search_paths);
 }
 
 std::string gen_get_user_library_paths()

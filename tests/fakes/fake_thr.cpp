@@ -50,6 +50,11 @@ void thr_mutex_unlock(THR_MUTEX* mutex)
     real_thr_mutex_unlock(mutex);
 }
 
+void thr_mutex_call_if_lost(THR_MUTEX* mutex, void (*lost)())
+{
+    real_thr_mutex_call_if_lost(mutex, lost);
+}
+
 long fake::thr::creations()
 {
     return creation_count;

@@ -14,6 +14,7 @@ struct stat;
 THR_MUTEX* real_thr_mutex_create();
 void real_thr_mutex_lock(THR_MUTEX* mutex);
 void real_thr_mutex_unlock(THR_MUTEX* mutex);
+void real_thr_mutex_call_if_lost(THR_MUTEX* mutex, void (*lost)());
 
 void real_err_report_internal_error(const char* condition, const char* module, const char* source_file, int line);
 

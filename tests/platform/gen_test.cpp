@@ -1,9 +1,12 @@
+#include <cerrno>
 #include <filesystem>
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "platform/gen/gen.h"
 #include "tests/support/isolated_test.h"
+#include "tests/support/password_database.h"
 #include "tests/support/run_program.h"
 
 namespace
@@ -153,11 +156,72 @@ TEST_F(DIRECTORIES_TEST, profile_directory_is_home_as_it_stands)
 TEST_F(DIRECTORIES_TEST, profile_directory_without_home_is_that_of_the_password_database)
 {
     const struct passwd* const entry = getpwuid(getuid());
-    const std::string expected = entry != nullptr ? entry->pw_dir : "";
+    const std::string expected = entry != nullptr && *entry->pw_dir != '\0' ? entry->pw_dir : "/dev/null/";
     environment.unset("HOME");
     EXPECT_EQ(gen_get_user_profile_directory(), expected);
     environment.set("HOME", "");
     EXPECT_EQ(gen_get_user_profile_directory(), expected);
+}
+
+TEST_F(DIRECTORIES_TEST, profile_directory_with_home_asks_no_password_database)
+{
+    const SCOPED_PASSWORD_DATABASE database("/of/the/database");
+    environment.set("HOME", "/of/the/environment");
+    EXPECT_EQ(gen_get_user_profile_directory(), "/of/the/environment");
+    EXPECT_EQ(database.calls(), 0);
+}
+
+TEST_F(DIRECTORIES_TEST, profile_directory_of_a_long_password_entry_is_read_whole)
+{
+    environment.unset("HOME");
+    for (const std::size_t size : {1U, 1022U, 1023U, 1024U, 16383U, 16384U, 100000U, (1U << 24U) - 1U})
+    {
+        const std::string home = "/" + std::string(size - 1, 'h');
+        const SCOPED_PASSWORD_DATABASE database(home);
+        EXPECT_TRUE(gen_get_user_profile_directory() == home) << size;
+    }
+}
+
+TEST_F(DIRECTORIES_TEST, interrupted_question_to_the_password_database_is_asked_again)
+{
+    environment.unset("HOME");
+    SCOPED_PASSWORD_DATABASE database("/home/someone");
+    database.fail(EINTR, 3);
+    EXPECT_EQ(gen_get_user_profile_directory(), "/home/someone");
+    EXPECT_EQ(database.calls(), 4);
+}
+
+// What the default answers in place of the current directory.
+TEST_F(DIRECTORIES_TEST, profile_directory_without_home_and_password_entry_is_one_where_nothing_can_be_made)
+{
+    environment.unset("HOME");
+    {
+        const SCOPED_PASSWORD_DATABASE database(std::nullopt);
+        EXPECT_EQ(gen_get_user_profile_directory(), "/dev/null/") << "no entry";
+        environment.set("HOME", "");
+        EXPECT_EQ(gen_get_user_profile_directory(), "/dev/null/") << "no entry, an empty HOME";
+    }
+    {
+        const SCOPED_PASSWORD_DATABASE database("");
+        EXPECT_EQ(gen_get_user_profile_directory(), "/dev/null/") << "an entry without a directory";
+    }
+    for (const int error : {EIO, ENOENT, EMFILE})
+    {
+        SCOPED_PASSWORD_DATABASE database("/home/someone");
+        database.fail(error, 1);
+        EXPECT_EQ(gen_get_user_profile_directory(), "/dev/null/") << "error " << error;
+    }
+    EXPECT_EQ(mkdir("/dev/null/directory", 0700), -1);
+    EXPECT_EQ(errno, ENOTDIR);
+}
+
+TEST_F(DIRECTORIES_TEST, password_database_that_finds_no_buffer_long_enough_is_given_up)
+{
+    environment.unset("HOME");
+    SCOPED_PASSWORD_DATABASE database("/home/someone");
+    database.fail(ERANGE, 1000);
+    EXPECT_EQ(gen_get_user_profile_directory(), "/dev/null/");
+    EXPECT_EQ(database.calls(), 15); // with room for 1024 characters, twice as many each time, up to 16 M
 }
 
 // --- Search paths ---

@@ -1,10 +1,12 @@
 #include "tests/support/failing_files.h"
 
 #include <cerrno>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/uio.h>
 #include <unistd.h>
 #include <utility>
@@ -15,10 +17,10 @@ constinit thread_local FILE_FAULT* armed = nullptr;
 
 bool is_to_fail(FILE_CALL call)
 {
-    if (armed == nullptr || !armed->strikes(call))
-        return false;
-    errno = EIO;
-    return true;
+    const int error = armed != nullptr ? armed->strikes(call) : 0;
+    if (error != 0)
+        errno = error;
+    return error != 0;
 }
 
 // The function that was replaced.
@@ -30,28 +32,16 @@ FUNCTION* original(const char* name)
         std::abort();
     return reinterpret_cast<FUNCTION*>(address);
 }
-
-using READ_FILE = std::size_t(void* to, std::size_t size, std::size_t count, std::FILE* file);
-
-std::size_t read_or_fail(READ_FILE* read, void* to, std::size_t size, std::size_t count, std::FILE* file)
-{
-    if (!is_to_fail(FILE_CALL::READ))
-        return read(to, size, count, file);
-    // The error is to be the stream's own, which it remembers: for this one call there is a directory in its place.
-    const int file_descriptor = fileno(file);
-    const int kept = dup(file_descriptor);
-    const int directory = open("/", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    dup2(directory, file_descriptor);
-    const std::size_t nothing = read(to, size, count, file);
-    dup2(kept, file_descriptor);
-    close(directory);
-    close(kept);
-    return nothing;
-}
 }
 
 FILE_FAULT::FILE_FAULT(FILE_CALL awaited, long nth, FAULT_LASTS how_long)
-    : kind(awaited), calls_to_go(nth), lasts(how_long)
+    : kind(awaited), calls_to_go(nth), lasts(how_long), errors{EIO}
+{
+    armed = this;
+}
+
+FILE_FAULT::FILE_FAULT(FILE_CALL awaited, long nth, std::vector<int> errors_of_calls)
+    : kind(awaited), calls_to_go(nth), errors(std::move(errors_of_calls))
 {
     armed = this;
 }
@@ -67,18 +57,19 @@ FILE_FAULT::~FILE_FAULT()
     armed = nullptr;
 }
 
-bool FILE_FAULT::strikes(FILE_CALL call)
+int FILE_FAULT::strikes(FILE_CALL call)
 {
-    if (call != kind)
-        return false;
-    if (calls_to_go <= 0)
-        return lasts == FAULT_LASTS::FROM_THEN_ON;
-    if (--calls_to_go > 0)
-        return false;
-    if (!before)
-        return true;
-    before(); // what it calls is not counted: nothing is awaited any more
-    return false;
+    if (call != kind || --calls_to_go > 0)
+        return 0;
+    if (before)
+    {
+        std::exchange(before, nullptr)(); // what it calls is not counted: nothing is awaited any more
+        return 0;
+    }
+    if (lasts == FAULT_LASTS::FROM_THEN_ON)
+        return errors.front();
+    const auto nth_error = static_cast<std::size_t>(-calls_to_go);
+    return nth_error < errors.size() ? errors[nth_error] : 0;
 }
 
 // --- In place of the C library's functions; their symbols must be seen by the libraries ---
@@ -97,9 +88,17 @@ extern "C"
         return is_to_fail(FILE_CALL::OPEN) ? nullptr : original<decltype(fopen64)>("fopen64")(path, mode);
     }
 
-    std::size_t fread(void* to, std::size_t size, std::size_t count, std::FILE* file)
+    int open(const char* path, int flags, ...) // NOLINT(cert-dcl50-cpp): declared so by the system
     {
-        return read_or_fail(original<READ_FILE>("fread"), to, size, count, file);
+        mode_t mode = 0;
+        if ((flags & O_CREAT) != 0)
+        {
+            std::va_list arguments;
+            va_start(arguments, flags);
+            mode = va_arg(arguments, mode_t);
+            va_end(arguments);
+        }
+        return is_to_fail(FILE_CALL::OPEN) ? -1 : original<decltype(open)>("open")(path, flags, mode);
     }
 
     ssize_t read(int file_descriptor, void* to, std::size_t size)
@@ -117,14 +116,16 @@ extern "C"
         return is_to_fail(FILE_CALL::WRITE) ? -1 : original<decltype(writev)>("writev")(file_descriptor, from, count);
     }
 
-    int fseek(std::FILE* file, long offset, int origin)
+    int fstat(int file_descriptor, struct stat* status) noexcept
     {
-        return is_to_fail(FILE_CALL::SEEK) ? -1 : original<decltype(fseek)>("fseek")(file, offset, origin);
+        return is_to_fail(FILE_CALL::SIZE) ? -1 : original<decltype(fstat)>("fstat")(file_descriptor, status);
     }
 
-    long ftell(std::FILE* file)
+    int close(int file_descriptor)
     {
-        return is_to_fail(FILE_CALL::TELL) ? -1 : original<decltype(ftell)>("ftell")(file);
+        const bool fails = is_to_fail(FILE_CALL::CLOSE);
+        const int result = original<decltype(close)>("close")(file_descriptor);
+        return fails ? -1 : result;
     }
 
     int fclose(std::FILE* file)

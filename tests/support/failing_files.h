@@ -4,15 +4,15 @@
 #define TESTS_SUPPORT_FAILING_FILES_H
 
 #include <functional>
+#include <vector>
 
 enum class FILE_CALL
 {
-    OPEN,  // fopen
-    READ,  // fread, and read as the file streams use it
+    OPEN,  // open, and fopen as the file streams use it
+    READ,  // read
     WRITE, // write and writev, as the file streams use them
-    SEEK,  // fseek
-    TELL,  // ftell
-    CLOSE, // fclose; the file is closed nevertheless
+    SIZE,  // fstat
+    CLOSE, // close, and fclose as the file streams use it; the file is closed nevertheless
 };
 
 enum class FAULT_LASTS
@@ -28,6 +28,9 @@ public:
     // The call fails, as after an input or output error.
     FILE_FAULT(FILE_CALL awaited, long nth, FAULT_LASTS how_long = FAULT_LASTS::ONCE);
 
+    // That call and those after it fail with these errors, one each; 0 stands for one that does not fail.
+    FILE_FAULT(FILE_CALL awaited, long nth, std::vector<int> errors);
+
     // `action` runs, and then the call as if nothing was.
     FILE_FAULT(FILE_CALL awaited, long nth, std::function<void()> action);
 
@@ -40,13 +43,20 @@ public:
         return calls_to_go <= 0;
     }
 
-    // For the replaced functions: counts a call; whether it is to fail.
-    bool strikes(FILE_CALL call);
+    // How many calls came, the awaited one included; only once that was reached.
+    long calls_seen() const
+    {
+        return 1 - calls_to_go;
+    }
+
+    // For the replaced functions: counts a call; the error that it is to fail with, or 0.
+    int strikes(FILE_CALL call);
 
 private:
     const FILE_CALL kind;
     long calls_to_go;
     const FAULT_LASTS lasts = FAULT_LASTS::ONCE;
+    std::vector<int> errors;
     std::function<void()> before;
 };
 

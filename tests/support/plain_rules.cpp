@@ -72,7 +72,8 @@ void plain::remove_comment(std::string& line)
 
 std::optional<plain::ASSIGNMENT> plain::assignment(std::string line)
 {
-    if (line.size() < 3 && !(line.size() == 2 && line[0] == '='))
+    const bool is_short = line.size() < 3;
+    if (is_short && !(line.size() == 2 && line[0] == '='))
         return std::nullopt;
     remove_comment(line);
     const std::size_t equals = line.find('=');
@@ -84,7 +85,10 @@ std::optional<plain::ASSIGNMENT> plain::assignment(std::string line)
         if (std::isspace(static_cast<unsigned char>(c)) == 0)
             name += c;
     }
-    return ASSIGNMENT(name, trimmed(line.substr(equals + 1), " \t\n\v\f\r"));
+    const std::string value = trimmed(line.substr(equals + 1), " \t\n\v\f\r");
+    if (is_short && value.empty())
+        return std::nullopt;
+    return ASSIGNMENT(name, value);
 }
 
 std::vector<plain::ASSIGNMENT> plain::assignments_of_file(const std::string& bytes)

@@ -9,6 +9,7 @@
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "cfg_ini/cfg_ini_reader/store_primitives.h"
 #include "tests/support/faked_test.h"
 
 using ASSIGNMENTS = std::map<std::string, std::string>;
@@ -44,7 +45,7 @@ protected:
     // A copy of the variable's record; empty when it has none or there is no store. Counts nothing.
     static std::optional<CFG_INI_RECORD> record_of(const std::string& name)
     {
-        const STORE_LOCK lock;
+        const zon_cfg::STORE_LOCK lock;
         const CFG_INI_RECORD* const record = store_exists() ? cfg_ini_get_record(name) : nullptr;
         return record != nullptr ? std::optional<CFG_INI_RECORD>(*record) : std::nullopt;
     }
@@ -53,7 +54,7 @@ protected:
     static std::map<std::string, CFG_INI_RECORD> all_records()
     {
         std::map<std::string, CFG_INI_RECORD> records;
-        const STORE_LOCK lock;
+        const zon_cfg::STORE_LOCK lock;
         if (store_exists())
         {
             for (const auto& [name, record] : *cfg_ini_file.load())

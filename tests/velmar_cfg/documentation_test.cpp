@@ -6,8 +6,8 @@
 
 #include "tests/support/run_program.h"
 #include "tests/velmar_cfg/tool_test.h"
-#include "tools/velmar-cfg/command_line.h"
-#include "tools/velmar-cfg/environment.h"
+#include "tools/velmar-cfg/commands/command_line.h"
+#include "tools/velmar-cfg/settings/environment.h"
 
 namespace
 {

@@ -1,4 +1,4 @@
-#include "tools/velmar-cfg/nearest_name.h"
+#include "tools/velmar-cfg/base/nearest_name.h"
 
 #include <gtest/gtest.h>
 

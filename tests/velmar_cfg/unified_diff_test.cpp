@@ -1,4 +1,4 @@
-#include "tools/velmar-cfg/unified_diff.h"
+#include "tools/velmar-cfg/base/unified_diff.h"
 
 #include <gtest/gtest.h>
 

@@ -5,10 +5,10 @@
 #include <memory>
 
 #include "cfg_ini/cfg_ini.h"
-#include "tools/velmar-cfg/command_line.h"
-#include "tools/velmar-cfg/known_variables.h"
-#include "tools/velmar-cfg/preferences.h"
-#include "tools/velmar-cfg/tool.h"
+#include "tools/velmar-cfg/commands/command_line.h"
+#include "tools/velmar-cfg/commands/tool.h"
+#include "tools/velmar-cfg/preferences/preferences.h"
+#include "tools/velmar-cfg/settings/known_variables.h"
 
 namespace
 {

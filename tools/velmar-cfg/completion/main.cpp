@@ -18,10 +18,10 @@ std::string content_of(const char* path)
 
 void put_in_place(std::string& script, const std::string& mark, const std::string& text)
 {
-    const std::size_t place = script.find(mark);
-    if (place == std::string::npos)
+    const std::size_t location = script.find(mark);
+    if (location == std::string::npos)
         throw std::runtime_error("no " + mark + " in the template");
-    script.replace(place, mark.size(), text);
+    script.replace(location, mark.size(), text);
 }
 }
 

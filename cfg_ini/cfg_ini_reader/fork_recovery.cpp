@@ -1,0 +1,40 @@
+#include "cfg_ini/cfg_ini_reader/fork_recovery.h"
+
+#include "cfg_ini/cfg_ini_reader/change_callbacks.h"
+#include "cfg_ini/cfg_ini_reader/record_table.h"
+
+namespace zon_cfg
+{
+namespace
+{
+// Keeps the table reachable, so that leak checkers of the child know that nobody meant to free it.
+constinit CFG_INI_TABLE* left_behind = nullptr;
+
+// Runs in the child before fork returns there, on its only thread, which is why it may go without the lock. It neither
+// allocates nor frees. The load that the next use of a variable begins with does the rest: it clears the name cache and
+// marks the settings as changed.
+void start_without_store() ZON_UNCHECKED
+{
+    if (CFG_INI_TABLE* const table = cfg_ini_file.exchange(nullptr, std::memory_order_relaxed); table != nullptr)
+        left_behind = table;
+    leave_changing_registry();
+}
+
+void set_recovery(void (*recovery)())
+{
+    // A host's thread service may be older than this function; its children take the store as they find it.
+    if (thr_mutex_call_if_lost != nullptr)
+        thr_mutex_call_if_lost(store_mutex(), recovery);
+}
+}
+
+void start_fork_recovery()
+{
+    set_recovery(start_without_store);
+}
+
+void stop_fork_recovery()
+{
+    set_recovery(nullptr);
+}
+}

@@ -1,0 +1,51 @@
+// The store's primitives under their given names, each a thin form of what the lookups use. Tests and programs that
+// link the library's objects call them; the library itself does not.
+#ifndef CFG_INI_CFG_INI_READER_STORE_PRIMITIVES_H
+#define CFG_INI_CFG_INI_READER_STORE_PRIMITIVES_H
+
+#include <optional>
+#include <string>
+
+#include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "cfg_ini/cfg_ini_reader/store_lock.h"
+
+// --- The caller holds the lock and there is a store ---
+
+// The record of that name, or null. Counts nothing, creates nothing.
+CFG_INI_RECORD* cfg_ini_get_record(const std::string& name) ZON_LOCK_HELD;
+
+// Gives `record`, made with new, to the table. A name already present keeps its record, and `record` stays the
+// caller's.
+void cfg_ini_insert_record(const std::string& name, CFG_INI_RECORD* record) ZON_LOCK_HELD;
+
+// The record of that name, one access counted; or a new empty record, with no access counted. Never null.
+CFG_INI_RECORD* cfg_ini_get_record_or_insert_empty(const std::string& name) ZON_LOCK_HELD;
+
+// --- These take the lock ---
+
+// Marks the record of that name as validly read; whether there is one. Without a store it answers false at once and
+// loads nothing.
+bool cfg_mark_record_had_valid_read(const std::string& name);
+
+// The core readers. Each loads the settings first if there is no store, and counts the access or leaves an empty record
+// behind. The cached value is meaningful only when *found (not null) becomes true; the variable is then marked as
+// validly read.
+bool cfg_ini_read_boolean(const std::string& name, bool* found);
+int cfg_ini_read_int(const std::string& name, bool* found);
+unsigned int cfg_ini_read_uint(const std::string& name, bool* found);
+
+// A copy of the text. The variable is marked as validly read when `mark_valid` is true, whatever the text.
+std::string cfg_ini_read_string(const std::string& name, bool mark_valid);
+
+// --- No store needed ---
+
+// The decimal number that is the whole text, for T = int (with an optional "-", no "+") and unsigned int (no sign at
+// all). Empty when any other character stands there, blanks included, or when the number does not fit.
+template <typename T>
+std::optional<T> cfg_ini_convert_to(const char* text);
+template <>
+std::optional<int> cfg_ini_convert_to<int>(const char* text);
+template <>
+std::optional<unsigned int> cfg_ini_convert_to<unsigned int>(const char* text);
+
+#endif

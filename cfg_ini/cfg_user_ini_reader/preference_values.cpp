@@ -1,0 +1,238 @@
+// A value is looked for in up to three places of the loaded records, which differ in the section of the key:
+//   1. the running release's section;
+//   2. if the file has no such section at all, the sections of the known releases in their order, and then the section
+//      without a release; what is found there is stored in the running release's section as well;
+//   3. the catalogue, for the default.
+// A record with an empty value is found, but its value counts as none.
+//
+// The cache (preference_cache.h) spares the searches where their outcome is settled: the running release's record, once
+// found, is the answer, and a miss is final until the map grows. A miss in place 2 depends on which releases are known,
+// which a host may change. It is final all the same if no record at all could be one of the preference in some release;
+// that is seen from the keys between its bare section and the next, once each time that the map has grown.
+//
+// Storing is all or nothing: the old value comes back, or the new record goes, if the host's function throws.
+//
+// Cost: a cached answer needs no search; others take one search of the map, plus one for each known release in place 2.
+#include "cfg_ini/cfg_user_ini_reader/preference_values.h"
+
+#include <cstring>
+#include <memory>
+#include <utility>
+
+#include "cfg_ini/cfg_user_ini_reader/preference_cache.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_file.h"
+#include "platform/gen/gen.h"
+#include "platform/ver/ver.h"
+
+namespace zon_cfg
+{
+// ---------------------------------------------------------------------------------------------------------------------
+// Records
+// ---------------------------------------------------------------------------------------------------------------------
+
+RECORD_KEY record_key(std::string section, const char* name)
+{
+    const std::size_t section_size = section.size();
+    section += name;
+    return {std::move(section), section_size};
+}
+
+CFG_USER_VALUE_STRUCT* find_record(const RECORD_KEY& key)
+{
+    const auto found = cfg_user_ini_records->find(key.text);
+    return found != cfg_user_ini_records->end() ? found->second : nullptr;
+}
+
+const CFG_USER_VALUE_STRUCT* find_released_record(const std::string& section, const char* name,
+                                                  const std::vector<std::string>& versions)
+{
+    for (const std::string& version : versions)
+    {
+        if (const auto* const record = find_record(record_key(released_section(section, version), name)))
+            return record;
+    }
+    return nullptr;
+}
+
+namespace
+{
+RECORD_KEY running_key(const NAMED_PREFERENCE& preference)
+{
+    return record_key(released_section(preference.section, preference.version), preference.name);
+}
+
+// The cache is about the catalogue's own spellings, which every call by number uses; others have records of their own.
+CACHED_RECORD* cached_record_of(const NAMED_PREFERENCE& preference)
+{
+    const char* const key = cfg_user_ini_ini_names[preference_position(preference.number)];
+    const bool is_catalogue_spelling = preference.name == key || std::strcmp(preference.name, key) == 0;
+    return is_catalogue_spelling ? cached_record(preference.number, preference.version) : nullptr;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Lookup
+// ---------------------------------------------------------------------------------------------------------------------
+
+// Whether a record could be the preference's in some release, known or not, or in the section without a release: its
+// key begins with the bare section and ends with the name. Gives up with true after many keys, so that a file with a
+// million of them costs no more than the search among the known releases that is to be spared.
+bool may_be_of_some_release(std::string_view section, std::string_view name)
+{
+    constexpr int most_keys = 1000;
+    int keys = 0;
+    for (auto next = cfg_user_ini_records->lower_bound(section);
+         next != cfg_user_ini_records->end() && next->first.starts_with(section); ++next)
+    {
+        if (++keys > most_keys || next->first.ends_with(name))
+            return true;
+    }
+    return false;
+}
+
+// Stores a value for the running release if the catalogue allows it. What it refuses is still the lookup's answer.
+void carry_over(const NAMED_PREFERENCE& preference, const std::string& value)
+{
+    if (find_fitting_triple(preference.number, value.c_str()) != nullptr)
+        store_value(preference, value.c_str());
+}
+
+std::string carried_over_value(const NAMED_PREFERENCE& preference)
+{
+    std::string value;
+    if (const auto* const record = find_released_record(preference.section, preference.name, ver_get_all_versions()))
+    {
+        value = record->value;
+        carry_over(preference, value);
+    }
+    // An empty value ends the walk over the releases, but not the search.
+    if (value.empty())
+    {
+        if (const auto* const record = find_record(record_key(preference.section, preference.name)))
+        {
+            value = record->value;
+            carry_over(preference, value);
+        }
+    }
+    return value;
+}
+
+// Empty when there is none.
+std::string value_in_records(const NAMED_PREFERENCE& preference)
+{
+    CACHED_RECORD* const cached = cached_record_of(preference);
+    const std::size_t searched = cfg_user_ini_records->size() + 1;
+    const bool is_cached_miss = cached != nullptr && cached->searched == searched;
+    if (cached != nullptr && cached->record != nullptr)
+        return cached->record->value;
+    if (is_cached_miss && !cached->releases_may_have_it)
+        return {};
+
+    const RECORD_KEY current = running_key(preference);
+    CFG_USER_VALUE_STRUCT* const record = find_record(current);
+    // A file that has the running release's section has had it saved: what is missing there is meant to be.
+    const bool other_releases_count = record == nullptr && !cfg_user_ini_sections_read->contains(current.section());
+    const bool releases_may_have_it =
+        other_releases_count &&
+        (cached == nullptr || is_cached_miss || may_be_of_some_release(preference.section, preference.name));
+    if (cached != nullptr)
+        *cached = {record, searched, releases_may_have_it};
+    if (record != nullptr)
+        return record->value;
+    return releases_may_have_it ? carried_over_value(preference) : std::string();
+}
+}
+
+std::string value_of(const NAMED_PREFERENCE& preference, bool use_default)
+{
+    std::string value;
+    if (*preference.section != '\0')
+        value = value_in_records(preference);
+    if (value.empty() && use_default)
+        value = cfg_user_ini_name_default_values[preference_position(preference.number)].second;
+    return value;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Assignment
+// ---------------------------------------------------------------------------------------------------------------------
+
+TAKE_PATHS taker_of(CFG_USER_INI_ENUMS preference)
+{
+    switch (preference)
+    {
+    case USER_LIBRARIES:
+        return gen_set_user_library_paths;
+    case USER_IP_SEARCH_PATHS:
+        return gen_set_user_ip_search_paths;
+    default:
+        return nullptr;
+    }
+}
+
+namespace
+{
+// `undo` runs if the host's function throws, and must not throw itself.
+template <typename UNDO>
+void hand_over_or_undo(TAKE_PATHS take_paths, const char* value, UNDO undo)
+{
+    try
+    {
+        take_paths(value);
+    }
+    catch (...)
+    {
+        undo();
+        throw;
+    }
+}
+
+void replace_value(CFG_USER_INI_ENUMS preference, CFG_USER_VALUE_STRUCT& record, const char* value)
+{
+    std::string text = value;
+    record.value.swap(text);
+    if (const TAKE_PATHS take_paths = taker_of(preference))
+        hand_over_or_undo(take_paths, value, [&] { record.value.swap(text); });
+}
+
+CFG_USER_VALUE_STRUCT* insert_record(const NAMED_PREFERENCE& preference, const RECORD_KEY& key, const char* value)
+{
+    auto record = std::make_unique<CFG_USER_VALUE_STRUCT>(
+        CFG_USER_VALUE_STRUCT{std::string(key.section()), preference.name, value});
+    const auto inserted = cfg_user_ini_records->try_emplace(key.text, nullptr).first;
+    inserted->second = record.get();
+    if (const TAKE_PATHS take_paths = taker_of(preference.number))
+    {
+        hand_over_or_undo(take_paths, value,
+                          [&]
+                          {
+                              clear_preference_cache(); // the host's function may have looked the record up
+                              cfg_user_ini_records->erase(inserted);
+                          });
+    }
+    return record.release();
+}
+
+// Out of line, so that the fast path below does not pay for its frame.
+[[gnu::noinline]] void store_in_records(const NAMED_PREFERENCE& preference, const char* value, CACHED_RECORD* cached)
+{
+    const RECORD_KEY key = running_key(preference);
+    CFG_USER_VALUE_STRUCT* record = find_record(key);
+    if (record != nullptr)
+        replace_value(preference.number, *record, value);
+    else
+        record = insert_record(preference, key, value);
+    if (cached != nullptr)
+        cached->record = record;
+}
+}
+
+void store_value(const NAMED_PREFERENCE& preference, const char* value)
+{
+    CACHED_RECORD* const cached = cached_record_of(preference);
+    if (cached != nullptr && cached->record != nullptr && taker_of(preference.number) == nullptr)
+        cached->record->value = value; // mostly in place
+    else
+        store_in_records(preference, value, cached);
+}
+}

@@ -1,0 +1,23 @@
+// Suggestions for a name that was probably mistyped.
+#ifndef TOOLS_VELMAR_CFG_BASE_NEAREST_NAME_H
+#define TOOLS_VELMAR_CFG_BASE_NEAREST_NAME_H
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// How many letters must be inserted, left out, replaced, or swapped with their neighbour to make one name of the other
+// (no letter taking part in two such steps). The case of A to Z does not count.
+std::size_t edit_distance(std::string_view a, std::string_view b);
+
+// The first of the candidates with the least distance to `name`, if that is small for the name's length: up to 1 for
+// 3 to 5 letters, 2 for 6 to 11, 3 for longer ones, nothing for shorter ones. A candidate that is the name itself,
+// letter case ignored, is passed over.
+std::optional<std::string> nearest_name(std::string_view name, const std::vector<std::string>& candidates);
+
+// ", did you mean 'NEAREST'?" or nothing.
+std::string did_you_mean(std::string_view name, const std::vector<std::string>& candidates);
+
+#endif

@@ -1,0 +1,96 @@
+#include "tools/velmar-cfg/commands/command.h"
+
+#include <CLI/CLI.hpp>
+#include <utility>
+
+namespace
+{
+// A target of its own type would take the empty text for no value.
+auto taking(std::optional<std::string>& value)
+{
+    return [&value](const std::string& text) { value = text; };
+}
+
+// The parser is not to describe what the name says.
+constexpr const char* no_type = "";
+}
+
+COMMAND COMMAND::add_group(const std::string& name, const std::string& description, const std::string& example)
+{
+    CLI::App* const command = app->add_subcommand(name, description);
+    command->fallthrough(); // the global options may stand behind the command
+    command->footer("Example:\n  " + example + "\n");
+    command->require_subcommand(1);
+    return COMMAND(*command);
+}
+
+COMMAND COMMAND::add_command(TOOL& tool, const std::string& name, const std::string& description,
+                             const std::string& example, std::function<EXIT_CODE()> run)
+{
+    const COMMAND command = add_group(name, description, example);
+    command.app->require_subcommand(0);
+    command.app->final_callback([&tool, run = std::move(run)] { tool.command = run; });
+    return command;
+}
+
+void COMMAND::add_argument(const std::string& name, std::string& value, const std::string& description)
+{
+    app->add_option(name, value, description)->required()->type_name(no_type);
+}
+
+void COMMAND::add_argument(const std::string& name, std::vector<std::string>& values, const std::string& description)
+{
+    app->add_option(name, values, description)->required()->type_name(no_type);
+}
+
+void COMMAND::add_optional_argument(const std::string& name, std::optional<std::string>& value,
+                                    const std::string& description)
+{
+    app->add_option_function<std::string>(name, taking(value), description)->type_name(no_type);
+}
+
+void COMMAND::add_optional_argument(const std::string& name, std::vector<std::string>& values,
+                                    const std::string& description)
+{
+    app->add_option(name, values, description)->type_name(no_type);
+}
+
+void COMMAND::add_option(const std::string& names, const std::string& value_name, std::optional<std::string>& value,
+                         const std::string& description)
+{
+    app->add_option_function<std::string>(names, taking(value), description)->type_name(value_name);
+}
+
+void COMMAND::add_option(const std::string& names, const std::string& value_name, unsigned int& value,
+                         const std::string& description)
+{
+    app->add_option(names, value, description)->type_name(value_name);
+}
+
+void COMMAND::add_choice(const std::string& names, const std::string& value_name, std::string& value,
+                         const std::vector<std::string>& choices, const std::string& description)
+{
+    // The validator bears the words, separated by blanks, as its name, from which completion has them.
+    std::string words;
+    for (const std::string& choice : choices)
+        words += (words.empty() ? "" : " ") + choice;
+    CLI::Validator one_of = CLI::IsMember(choices);
+    one_of.description("");
+    one_of.name(words);
+    app->add_option(names, value, description)->check(one_of)->type_name(value_name);
+}
+
+void COMMAND::add_flag(const std::string& names, bool& value, const std::string& description)
+{
+    app->add_flag(names, value, description);
+}
+
+void COMMAND::add_nul_flag(TOOL& tool)
+{
+    add_flag("-z", tool.options.nul_terminated, "End each record with a zero byte, nothing escaped");
+}
+
+void COMMAND::require_with(const std::string& option, const std::string& other)
+{
+    app->get_option(option)->needs(app->get_option(other));
+}

@@ -1,0 +1,172 @@
+#include "tools/velmar-cfg/commands/command_line.h"
+
+#include <algorithm>
+#include <sstream>
+
+#include "platform/ver/ver.h"
+#include "tools/velmar-cfg/base/nearest_name.h"
+#include "tools/velmar-cfg/commands/command.h"
+#include "tools/velmar-cfg/commands/commands.h"
+
+namespace
+{
+// Lists commands with the summaries of their descriptions, each on one line.
+class HELP_FORMATTER : public CLI::Formatter
+{
+public:
+    std::string make_subcommand(const CLI::App* command) const override
+    {
+        std::ostringstream line;
+        CLI::detail::format_help(line, command->get_name(), summary(command->get_description()), get_column_width());
+        return line.str();
+    }
+};
+
+void add_global_options(CLI::App& app, TOOL& tool)
+{
+    GLOBAL_OPTIONS& options = tool.options;
+    app.add_option("--project", options.scope.project, "Read the settings as a host does for the project in DIR")
+        ->type_name("DIR");
+    app.add_flag("--regtest", options.scope.regtest, "Lay regtest.ini over the settings, as regression runs do");
+    app.add_option("--root", options.root, "Look at the installation in DIR, whose programs are in DIR/bin")
+        ->type_name("DIR");
+    app.add_flag("--json", options.json, "Write JSON");
+    COMMAND(app).add_choice("--color", "WHEN", options.color, {"auto", "always", "never"},
+                            "Colours: auto (on a terminal, unless NO_COLOR is set), always or never");
+}
+
+// The innermost command that the command line named so far.
+CLI::App* named_command(CLI::App* app)
+{
+    while (!app->get_subcommands().empty())
+        app = app->get_subcommands().front();
+    return app;
+}
+
+// Whether an option of the command or of one above it has this name and takes a value.
+bool takes_value(const CLI::App* command, const std::string& name)
+{
+    for (; command != nullptr; command = command->get_parent())
+    {
+        if (const CLI::Option* const option = command->get_option_no_throw(name); option != nullptr)
+            return option->get_items_expected_min() > 0;
+    }
+    return false;
+}
+
+// The arguments with every "--option=" in two words: the parser would take the next word for its value.
+std::vector<std::string> with_empty_values_apart(const CLI::App& app, int argc, const char* const* argv)
+{
+    std::vector<std::string> words;
+    const CLI::App* command = &app;
+    bool options_ended = false;
+    for (int i = 1; i < argc; ++i)
+    {
+        const std::string word = argv[i];
+        options_ended = options_ended || word == "--";
+        const std::string name = word.substr(0, word.find('='));
+        if (!options_ended && word.size() == name.size() + 1 && takes_value(command, name))
+        {
+            words.push_back(name);
+            words.emplace_back();
+            continue;
+        }
+        const auto named = command->get_subcommands([&word](const CLI::App* one) { return one->get_name() == word; });
+        if (!named.empty())
+            command = named.front();
+        words.push_back(word);
+    }
+    return words;
+}
+}
+
+std::unique_ptr<CLI::App> make_command_line(TOOL& tool)
+{
+    auto app = std::make_unique<CLI::App>(
+        "Shows, explains, checks and edits what the configuration library answers: internal variables from the layers "
+        "of velmar.ini, and user preferences from velmar2.ini.");
+    app->name("velmar-cfg");
+    app->formatter(std::make_shared<HELP_FORMATTER>()); // before the commands, which take it over
+    app->set_version_flag("--version", "velmar-cfg " VELMAR_CFG_VERSION ", release " + ver_get_version());
+    app->require_subcommand(1);
+    app->footer("Example:\n  velmar-cfg --project designs/cpu list\n"
+                "      every internal variable that a run in designs/cpu would see\n\n"
+                "Exit codes: 0 fine; 1 unset, findings or differences; 2 usage; 3 input missing, unreadable or\n"
+                "malformed; 4 could not write or lock; 5 name or value refused.\n");
+    add_global_options(*app, tool);
+    const COMMAND commands(*app);
+    add_get_command(commands, tool);
+    add_list_command(commands, tool);
+    add_explain_command(commands, tool);
+    add_paths_command(commands, tool);
+    add_lint_command(commands, tool);
+    add_prefs_command(commands, tool);
+    add_run_report_command(commands, tool);
+    add_snapshot_command(commands, tool);
+    add_diff_command(commands, tool);
+    return app;
+}
+
+std::string summary(const std::string& description)
+{
+    return description.substr(0, std::min({description.find(". "), description.find(": "), description.find("; ")}));
+}
+
+std::vector<CLI::App*> all_commands(CLI::App& app)
+{
+    std::vector<CLI::App*> commands = {&app};
+    for (CLI::App* const command : app.get_subcommands([](CLI::App*) { return true; }))
+    {
+        const std::vector<CLI::App*> more = all_commands(*command);
+        commands.insert(commands.end(), more.begin(), more.end());
+    }
+    return commands;
+}
+
+std::vector<CLI::Option*> options_of(CLI::App* command)
+{
+    return command->get_options([](CLI::Option* option) { return option->nonpositional(); });
+}
+
+std::vector<CLI::Option*> arguments_of(CLI::App* command)
+{
+    return command->get_options([](CLI::Option* option) { return option->get_positional(); });
+}
+
+std::vector<std::string> names_of(const CLI::Option* option)
+{
+    std::vector<std::string> names;
+    for (const std::string& name : option->get_lnames())
+        names.push_back("--" + name);
+    for (const std::string& name : option->get_snames())
+        names.push_back("-" + name);
+    return names;
+}
+
+std::string spoken_name(const CLI::App* command)
+{
+    const CLI::App* const parent = command->get_parent();
+    return parent == nullptr ? command->get_name() : spoken_name(parent) + " " + command->get_name();
+}
+
+void parse_command_line(CLI::App& app, int argc, const char* const* argv)
+{
+    std::vector<std::string> words = with_empty_values_apart(app, argc, argv);
+    std::ranges::reverse(words); // as the parser wants them
+    app.parse(std::move(words));
+}
+
+std::string usage_complaint(CLI::App* app, const CLI::ParseError& error)
+{
+    const CLI::App* const command = named_command(app);
+    std::string what = error.what();
+    const std::vector<std::string> unknown = app->remaining(true);
+    if (command->get_require_subcommand_min() > 0 && !unknown.empty() && !unknown.front().starts_with('-'))
+    {
+        std::vector<std::string> names;
+        for (const CLI::App* subcommand : command->get_subcommands([](const CLI::App*) { return true; }))
+            names.push_back(subcommand->get_name());
+        what = "there is no command '" + unknown.front() + "'" + did_you_mean(unknown.front(), names);
+    }
+    return what + "; see " + spoken_name(command) + " --help";
+}

@@ -1,0 +1,37 @@
+// The whole command line: every command, option and argument.
+#ifndef TOOLS_VELMAR_CFG_COMMANDS_COMMAND_LINE_H
+#define TOOLS_VELMAR_CFG_COMMANDS_COMMAND_LINE_H
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tools/velmar-cfg/commands/tool.h"
+
+// What is parsed goes into `tool`, which must outlive it.
+std::unique_ptr<CLI::App> make_command_line(TOOL& tool);
+
+// The program itself, then every command, each followed by its own commands.
+std::vector<CLI::App*> all_commands(CLI::App& app);
+
+// What is declared for this very command: its options, help included, and its arguments.
+std::vector<CLI::Option*> options_of(CLI::App* command);
+std::vector<CLI::Option*> arguments_of(CLI::App* command);
+
+// "--output" and "-o".
+std::vector<std::string> names_of(const CLI::Option* option);
+
+// The first sentence of a description, or the clause before a colon or semicolon.
+std::string summary(const std::string& description);
+
+// "velmar-cfg prefs set" for the command set of prefs.
+std::string spoken_name(const CLI::App* command);
+
+// Throws CLI::ParseError.
+void parse_command_line(CLI::App& app, int argc, const char* const* argv);
+
+// One line that says what is wrong with the command line, and where the help stands.
+std::string usage_complaint(CLI::App* app, const CLI::ParseError& error);
+
+#endif

@@ -1,0 +1,80 @@
+// velmar-cfg diff: what differs between two snapshots, and which layer made it differ.
+#include <nlohmann/json.hpp>
+#include <sys/stat.h>
+
+#include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/base/output.h"
+#include "tools/velmar-cfg/commands/command.h"
+#include "tools/velmar-cfg/commands/commands.h"
+#include "tools/velmar-cfg/commands/differences_output.h"
+#include "tools/velmar-cfg/commands/tool.h"
+#include "tools/velmar-cfg/documents/differences_json.h"
+#include "tools/velmar-cfg/documents/run_reports.h"
+#include "tools/velmar-cfg/documents/snapshot.h"
+#include "tools/velmar-cfg/documents/snapshot_differences.h"
+#include "tools/velmar-cfg/documents/snapshot_json.h"
+
+namespace
+{
+struct DIFF_OPTIONS
+{
+    std::string a;
+    std::optional<std::string> b;
+    std::optional<std::string> used;
+};
+
+bool is_directory(const std::string& path)
+{
+    struct stat found;
+    return stat(path.c_str(), &found) == 0 && S_ISDIR(found.st_mode);
+}
+
+// A snapshot's file is read; of a project's directory a snapshot is taken, as if --project had named it.
+COMPARED_SNAPSHOT snapshot_of(const std::string& path, const SETTINGS_SCOPE& scope)
+{
+    if (!is_directory(path))
+        return {path, read_snapshot(path)};
+    check_input_directory(path, "name an existing one");
+    SETTINGS_SCOPE of_project = scope;
+    of_project.project = path;
+    return {path, take_snapshot(of_project)};
+}
+
+EXIT_CODE diff(const DIFF_OPTIONS& options, TOOL& tool)
+{
+    std::optional<RUN_REPORT> run;
+    if (options.used)
+        run = read_run_report(*options.used);
+    const COMPARED_SNAPSHOT a = snapshot_of(options.a, tool.options.scope);
+    const COMPARED_SNAPSHOT b = options.b ? snapshot_of(*options.b, tool.options.scope)
+                                          : COMPARED_SNAPSHOT{"now", take_snapshot(tool.options.scope)};
+
+    SNAPSHOT_DIFFERENCES differences = compare_snapshots(a.snapshot, b.snapshot);
+    if (run)
+        keep_what_the_run_read(differences, *run);
+    if (tool.options.json)
+        tool.out.json(differences_as_json(a, b, differences, run));
+    else
+        write_differences(a, b, differences, run, tool.out);
+    return differences.none() ? EXIT_CODE::FINE : EXIT_CODE::FINDINGS;
+}
+}
+
+void add_diff_command(COMMAND app, TOOL& tool)
+{
+    auto options = std::make_shared<DIFF_OPTIONS>();
+    COMMAND command = app.add_command(
+        tool, "diff",
+        "Show what differs between two snapshots and which layer made it differ: release, environment, content of the "
+        "files, variables and preferences. Exit code 1 when something does.",
+        "velmar-cfg --project designs/cpu diff before.json\n"
+        "      what has changed for runs in designs/cpu since the snapshot\n"
+        "  velmar-cfg diff monday.json tuesday.json --used run.json\n"
+        "      only the variables that the run of run.json read\n"
+        "  velmar-cfg diff designs/cpu designs/gpu\n      two projects, as runs in them would see them now",
+        [options, &tool] { return diff(*options, tool); });
+    command.add_argument("A", options->a, "A snapshot's file, or a project's directory");
+    command.add_optional_argument("B", options->b, "The same; without it: what holds now, for --project if given");
+    command.add_option("--used", "REPORT", options->used,
+                       "Only the variables that the run of this report read, and nothing else");
+}

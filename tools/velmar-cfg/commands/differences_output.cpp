@@ -1,0 +1,138 @@
+#include "tools/velmar-cfg/commands/differences_output.h"
+
+#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
+#include "tools/velmar-cfg/base/text.h"
+#include "tools/velmar-cfg/preferences/preferences.h"
+#include "tools/velmar-cfg/settings/layers.h"
+
+namespace
+{
+std::string shown(const std::string& text)
+{
+    return text.empty() ? "(empty)" : printable(text);
+}
+
+// "A  text" or "B  text", indented, in the colour of its side.
+void write_side(const char* side, const std::string& text, OUTPUT& out)
+{
+    out << "    " << out.painted(*side == 'A' ? STYLE::BAD : STYLE::GOOD, std::string(side) + "  " + text) << "\n";
+}
+
+void write_heading(const char* heading, OUTPUT& out)
+{
+    out << "\n" << out.painted(STYLE::STRONG, heading) << "\n";
+}
+
+void write_entry(const std::string& name, const std::string& made_by, const std::string& a, const std::string& b,
+                 OUTPUT& out)
+{
+    out << "  " << out.painted(STYLE::STRONG, printable(name));
+    if (!made_by.empty())
+        out << ", by " << out.painted(STYLE::WARNING, made_by);
+    out << "\n";
+    write_side("A", a, out);
+    write_side("B", b, out);
+}
+
+std::string side_as_text(const ENVIRONMENT_VARIABLE* variable)
+{
+    return variable == nullptr || !variable->value ? "not set" : shown(*variable->value);
+}
+
+std::string side_as_text(const SNAPSHOT_FILE* file)
+{
+    if (file == nullptr || !file->path)
+        return "none";
+    if (!file->sha256)
+        return printable(*file->path) + ", which does not exist";
+    constexpr std::size_t telling_digits = 12;
+    return printable(*file->path) + ", " + std::to_string(file->size.value_or(0)) + " bytes, SHA-256 " +
+           printable(file->sha256->substr(0, telling_digits)) + "...";
+}
+
+std::string side_as_text(const SNAPSHOT_VARIABLE* variable)
+{
+    if (variable == nullptr)
+        return "not set";
+    return shown(variable->value) + "  at " + printable(location_as_text(variable->location)) + " (" +
+           layer_title(variable->location.layer.kind) + (variable->external ? ", external)" : ")");
+}
+
+std::string side_as_text(const SNAPSHOT_PREFERENCE* preference)
+{
+    if (preference == nullptr)
+        return "no such preference";
+    return shown(preference->value) + "  " + printable(origin_as_text(preference->origin));
+}
+
+std::string maker_as_text(const VARIABLE_DIFFERENCE& difference)
+{
+    const std::string maker =
+        difference.made_by ? layer_title(*difference.made_by) : "the release, which reads it otherwise";
+    return difference.dependence == DEPENDENCE::KIND::PERHAPS ? maker + "; perhaps read, once, while unset" : maker;
+}
+
+const char* maker_as_text(PREFERENCE_SOURCE source)
+{
+    switch (source)
+    {
+    case PREFERENCE_SOURCE::RUNNING_RELEASE:
+        return "the running release's section";
+    case PREFERENCE_SOURCE::OLDER_RELEASE:
+        return "an older release's section";
+    case PREFERENCE_SOURCE::UNVERSIONED_SECTION:
+        return "the section without a release";
+    case PREFERENCE_SOURCE::DEFAULT:
+        return "the catalogue's default";
+    case PREFERENCE_SOURCE::NOWHERE:
+        break;
+    }
+    return "the catalogue";
+}
+
+std::string role_as_text(const std::string& role)
+{
+    const std::optional<LAYER_KIND> layer = layer_of_code(role);
+    return layer ? layer_title(*layer) : "preference file";
+}
+
+std::string side_in_words(const COMPARED_SNAPSHOT& side)
+{
+    const SNAPSHOT& snapshot = side.snapshot;
+    return printable(side.title) + " (" + printable(snapshot.product) + " " + printable(snapshot.release) +
+           (snapshot.project.empty() || snapshot.project == side.title ? ""
+                                                                       : ", project " + printable(snapshot.project)) +
+           (snapshot.regtest ? ", regression test)" : ")");
+}
+}
+
+void write_differences(const COMPARED_SNAPSHOT& a, const COMPARED_SNAPSHOT& b, const SNAPSHOT_DIFFERENCES& differences,
+                       const std::optional<RUN_REPORT>& run, OUTPUT& out)
+{
+    if (differences.none())
+        return;
+    out << out.painted(STYLE::BAD, "A  " + side_in_words(a)) << "\n";
+    out << out.painted(STYLE::GOOD, "B  " + side_in_words(b)) << "\n";
+    if (!differences.installation.empty())
+        write_heading("Installation", out);
+    for (const INSTALLATION_DIFFERENCE& difference : differences.installation)
+        write_entry(difference.what, "", shown(difference.a), shown(difference.b), out);
+    if (!differences.environment.empty())
+        write_heading("Environment", out);
+    for (const ENVIRONMENT_DIFFERENCE& difference : differences.environment)
+        write_entry(difference.name, "", side_as_text(difference.a), side_as_text(difference.b), out);
+    if (!differences.files.empty())
+        write_heading("Files", out);
+    for (const FILE_DIFFERENCE& difference : differences.files)
+        write_entry(role_as_text(difference.role), "", side_as_text(difference.a), side_as_text(difference.b), out);
+    if (!differences.variables.empty())
+        write_heading(run ? ("Variables that " + printable(run->run) + " read").c_str() : "Variables", out);
+    for (const VARIABLE_DIFFERENCE& difference : differences.variables)
+        write_entry(difference.name, maker_as_text(difference), side_as_text(difference.a), side_as_text(difference.b),
+                    out);
+    if (!differences.preferences.empty())
+        write_heading("Preferences", out);
+    for (const PREFERENCE_DIFFERENCE& difference : differences.preferences)
+        write_entry(difference.key, maker_as_text(difference.made_by), side_as_text(difference.a),
+                    side_as_text(difference.b), out);
+}

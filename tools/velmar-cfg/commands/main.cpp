@@ -1,0 +1,75 @@
+// velmar-cfg: shows, explains, checks and edits what the configuration library would answer.
+#include <csignal>
+#include <unistd.h>
+
+#include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/base/output.h"
+#include "tools/velmar-cfg/commands/command_line.h"
+#include "tools/velmar-cfg/commands/diagnostics.h"
+#include "tools/velmar-cfg/commands/tool.h"
+#include "tools/velmar-cfg/settings/installation.h"
+
+namespace
+{
+void apply_global_options(const CLI::App& app, TOOL& tool)
+{
+    for (const auto& [option, directory] :
+         {std::pair("--project", &tool.options.scope.project), std::pair("--root", &tool.options.root)})
+    {
+        if (app.count(option) > 0)
+            check_input_directory(*directory, std::string("give ") + option + " an existing one");
+    }
+    if (tool.options.json && tool.options.nul_terminated)
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "--json and -z exclude each other");
+    if (!tool.options.root.empty())
+        set_installation_root(tool.options.root);
+    tool.out.choose_color(tool.options.color, STDOUT_FILENO);
+}
+
+EXIT_CODE run(int argc, const char* const* argv)
+{
+    TOOL tool;
+    const std::unique_ptr<CLI::App> app = make_command_line(tool);
+    EXIT_CODE end = EXIT_CODE::FINE;
+    try
+    {
+        parse_command_line(*app, argc, argv);
+        apply_global_options(*app, tool);
+        end = tool.command();
+    }
+    catch (const CLI::CallForVersion&)
+    {
+        tool.out << app->version() << "\n";
+    }
+    catch (const CLI::CallForHelp&)
+    {
+        tool.out << app->help();
+    }
+    catch (const CLI::ParseError& error)
+    {
+        throw TOOL_ERROR(EXIT_CODE::USAGE, usage_complaint(app.get(), error));
+    }
+    tool.out.write_to(STDOUT_FILENO);
+    return end;
+}
+}
+
+int main(int argc, char** argv)
+{
+    std::signal(SIGPIPE, SIG_IGN); // "velmar-cfg list | head -1" ends as if all had been read
+    std::signal(SIGXFSZ, SIG_IGN); // a write beyond a limit fails like one to a full device
+    try
+    {
+        return static_cast<int>(run(argc, argv));
+    }
+    catch (const TOOL_ERROR& error)
+    {
+        complain(error.what());
+        return static_cast<int>(error.exit_code);
+    }
+    catch (const std::exception& error)
+    {
+        complain(error.what());
+        return static_cast<int>(EXIT_CODE::BAD_INPUT);
+    }
+}

@@ -1,0 +1,94 @@
+// velmar-cfg prefs set and reset: changing the preference file.
+#include "cfg_ini/cfg_ini.h"
+#include "tools/velmar-cfg/base/json_values.h"
+#include "tools/velmar-cfg/base/output.h"
+#include "tools/velmar-cfg/base/unified_diff.h"
+#include "tools/velmar-cfg/commands/command.h"
+#include "tools/velmar-cfg/commands/commands.h"
+#include "tools/velmar-cfg/commands/diagnostics.h"
+#include "tools/velmar-cfg/commands/tool.h"
+#include "tools/velmar-cfg/preferences/preference_edit.h"
+#include "tools/velmar-cfg/preferences/preferences.h"
+
+namespace
+{
+struct EDIT_OPTIONS
+{
+    std::string key;
+    std::string value;
+    bool dry_run = false;
+    unsigned int seconds_to_wait = 10;
+};
+
+STYLE style_of(std::string_view line)
+{
+    return line.starts_with("@@")  ? STYLE::FAINT
+           : line.starts_with('-') ? STYLE::BAD
+           : line.starts_with('+') ? STYLE::GOOD
+                                   : STYLE::PLAIN;
+}
+
+void write_difference(std::string_view difference, OUTPUT& out)
+{
+    while (!difference.empty())
+    {
+        const std::string_view line = difference.substr(0, difference.find('\n'));
+        out << out.painted(style_of(line), line) << "\n";
+        difference.remove_prefix(line.size() + 1);
+    }
+}
+
+EXIT_CODE edit(const EDIT_OPTIONS& options, bool reset, TOOL& tool)
+{
+    PREFERENCE_CHANGE change{preference_number(options.key), {}};
+    if (!reset)
+        change.value = options.value;
+    const EDITED_FILE file = edit_preference(change, options.dry_run, std::chrono::seconds(options.seconds_to_wait));
+    complain_of(file.warnings);
+    const std::string difference =
+        options.dry_run ? unified_diff(file.before, file.after, file.path, file.path + " (new)") : "";
+
+    if (tool.options.json)
+        tool.out.json({{"key", cfg_get_user_ini_ini_string(change.number)},
+                       {"value", value_or_null(change.value)},
+                       {"path", file.path},
+                       {"changed", file.changed()},
+                       {"dry_run", options.dry_run},
+                       {"dropped_lines", file.dropped_lines},
+                       {"difference", difference}});
+    else
+        write_difference(difference, tool.out);
+    if (file.dropped_lines > 0)
+        complain(file.path + ": lines that are no preferences, such as comments, " +
+                 (options.dry_run ? "would not be kept: " : "were not kept: ") + std::to_string(file.dropped_lines));
+    return EXIT_CODE::FINE;
+}
+
+COMMAND add_edit(COMMAND prefs, TOOL& tool, const std::string& name, const std::string& description,
+                 const std::string& example)
+{
+    auto options = std::make_shared<EDIT_OPTIONS>();
+    const bool reset = name == "reset";
+    COMMAND command = prefs.add_command(tool, name, description, example,
+                                        [options, reset, &tool] { return edit(*options, reset, tool); });
+    command.add_argument("KEY", options->key, "The preference, in any letter case");
+    if (!reset)
+        command.add_argument("VALUE", options->value,
+                             "One of the allowed values; put -- before one that begins with \"-\"");
+    command.add_flag("--dry-run", options->dry_run,
+                     "Change nothing: show the difference, with the comments and other lines that would be lost");
+    command.add_option("--wait", "SECONDS", options->seconds_to_wait,
+                       "How long to wait for another velmar-cfg that changes the file (10 by default)");
+    return command;
+}
+}
+
+void add_prefs_edit_commands(COMMAND prefs, TOOL& tool)
+{
+    add_edit(prefs, tool, "set",
+             "Give a preference a value, for the running release. The file is replaced as a whole once the new one has "
+             "been read back; other preferences keep their values.",
+             "velmar-cfg prefs set HDL_PREFERENCE VHDL\n      new designs are in VHDL from now on");
+    add_edit(prefs, tool, "reset", "Bring a preference back to its default",
+             "velmar-cfg prefs reset HDL_PREFERENCE --dry-run\n      what the file would lose");
+}

@@ -1,0 +1,156 @@
+// velmar-cfg prefs list, get, describe and path: the preferences as they are.
+#include "cfg_ini/cfg_ini.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
+#include "platform/fio/fio.h"
+#include "tools/velmar-cfg/base/json_values.h"
+#include "tools/velmar-cfg/base/output.h"
+#include "tools/velmar-cfg/base/text.h"
+#include "tools/velmar-cfg/commands/command.h"
+#include "tools/velmar-cfg/commands/commands.h"
+#include "tools/velmar-cfg/commands/diagnostics.h"
+#include "tools/velmar-cfg/commands/tool.h"
+#include "tools/velmar-cfg/preferences/preferences.h"
+
+namespace
+{
+constexpr std::string_view zero_byte("\0", 1);
+
+void write_list_entry(const PREFERENCE& preference, OUTPUT& out)
+{
+    out << out.painted(STYLE::STRONG, preference.key) << "=" << printable(preference.value) << "\n    "
+        << printable(origin_as_text(preference.origin)) << "; default "
+        << (preference.default_value.empty() ? "none" : preference.default_value)
+        << "; allowed: " << allowed_as_text(preference) << "\n";
+}
+
+EXIT_CODE list(bool all, TOOL& tool)
+{
+    check_preference_file();
+    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+    for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
+    {
+        const PREFERENCE preference = look_up_preference(number);
+        if (!all && !preference.differs_from_default())
+            continue;
+        if (tool.options.json)
+            rows.push_back(preference_as_json(preference));
+        else if (tool.options.nul_terminated)
+            tool.out << preference.key << "=" << preference.value << zero_byte;
+        else
+            write_list_entry(preference, tool.out);
+    }
+    if (tool.options.json)
+        tool.out.json(rows);
+    return EXIT_CODE::FINE;
+}
+
+EXIT_CODE get(const std::string& key, TOOL& tool)
+{
+    const CFG_USER_INI_ENUMS number = preference_number(key);
+    check_preference_file();
+    const PREFERENCE preference = look_up_preference(number);
+    if (tool.options.json)
+        tool.out.json(preference_as_json(preference));
+    else if (!preference.value.empty())
+        tool.out << preference.value << (tool.options.nul_terminated ? zero_byte : "\n");
+    if (!preference.value.empty())
+        return EXIT_CODE::FINE;
+    complain(preference.key + " is not set, and has no default");
+    return EXIT_CODE::FINDINGS;
+}
+
+std::vector<std::string> old_names(const PREFERENCE& preference)
+{
+    std::vector<std::string> names;
+    for (const auto& [current, old] : cfg_user_ini_name_old_name_table)
+    {
+        if (preference.key == current)
+            names.emplace_back(old);
+    }
+    return names;
+}
+
+EXIT_CODE describe(const std::string& key, TOOL& tool)
+{
+    const CFG_USER_INI_ENUMS number = preference_number(key);
+    check_preference_file();
+    const PREFERENCE preference = look_up_preference(number);
+    if (tool.options.json)
+    {
+        nlohmann::ordered_json document = preference_as_json(preference);
+        document["description"] = cfg_get_user_ini_ini_desc(number);
+        document["catalogue_section"] = preference.section;
+        document["old_names"] = old_names(preference);
+        document["registry_name"] = text_or_null(cfg_get_user_ini_registry_string(number));
+        document["registry_branch"] = text_or_null(cfg_get_user_ini_registry_branch_string(number));
+        tool.out.json(document);
+        return EXIT_CODE::FINE;
+    }
+    tool.out << tool.out.painted(STYLE::STRONG, preference.key) << "\n\n"
+             << cfg_get_user_ini_ini_desc(number) << "\n\n";
+    tool.out << "value    " << (preference.value.empty() ? "none" : printable(preference.value)) << ", "
+             << printable(origin_as_text(preference.origin)) << "\n";
+    tool.out << "default  " << (preference.default_value.empty() ? "none" : preference.default_value) << "\n";
+    tool.out << "allowed  " << allowed_as_text(preference) << "\n";
+    tool.out << "section  " << preference.section << "\n";
+    for (const std::string& name : old_names(preference))
+        tool.out << "once     " << name << "\n";
+    if (const std::string name = cfg_get_user_ini_registry_string(number); !name.empty())
+        tool.out << "registry " << name << ", in " << cfg_get_user_ini_registry_branch_string(number) << "\n";
+    return EXIT_CODE::FINE;
+}
+
+EXIT_CODE path(TOOL& tool)
+{
+    const PREFERENCE_FILE_LOCATION location = preference_file_location();
+    if (!location.remark.empty())
+        complain(location.remark);
+    if (tool.options.json)
+        tool.out.json({{"path", location.path},
+                       {"exists", FIO_FILE_SYSTEM::exists(location.path.c_str())},
+                       {"from", location.from_variable ? "VELMAR2_INI" : "profile directory"}});
+    else
+        tool.out << location.path << (tool.options.nul_terminated ? zero_byte : "\n");
+    return EXIT_CODE::FINE;
+}
+
+void add_list(COMMAND prefs, TOOL& tool)
+{
+    auto all = std::make_shared<bool>(false);
+    COMMAND command = prefs.add_command(
+        tool, "list",
+        "List the preferences whose value differs from the default: value, where it comes from, default and "
+        "allowed values",
+        "velmar-cfg prefs list --all\n      every preference, those at their default too",
+        [all, &tool] { return list(*all, tool); });
+    command.add_flag("--all", *all, "Also those that have their default value");
+    command.add_nul_flag(tool);
+}
+
+COMMAND add_keyed(COMMAND prefs, TOOL& tool, const std::string& name, const std::string& description,
+                  const std::string& example, EXIT_CODE (*run)(const std::string&, TOOL&))
+{
+    auto key = std::make_shared<std::string>();
+    COMMAND command =
+        prefs.add_command(tool, name, description, example, [key, run, &tool] { return run(*key, tool); });
+    command.add_argument("KEY", *key, "The preference, in any letter case");
+    return command;
+}
+}
+
+void add_prefs_show_commands(COMMAND prefs, TOOL& tool)
+{
+    add_list(prefs, tool);
+    COMMAND get_command = add_keyed(
+        prefs, tool, "get", "Print the value of a preference; exit code 1 when it has none, not even a default",
+        "velmar-cfg prefs get HDL_PREFERENCE\n      the value, or the default: Verilog", get);
+    get_command.add_nul_flag(tool);
+    add_keyed(prefs, tool, "describe",
+              "Show what a preference does, its value, its default, the values allowed and its older names",
+              "velmar-cfg prefs describe NUM_PARALLEL_PROCESSORS\n      what the preference means, and its default",
+              describe);
+    COMMAND command = prefs.add_command(tool, "path", "Print the path of the preference file, existing or not",
+                                        "velmar-cfg prefs path\n      the velmar2.ini that the programs read",
+                                        [&tool] { return path(tool); });
+    command.add_nul_flag(tool);
+}

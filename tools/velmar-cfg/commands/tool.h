@@ -1,0 +1,29 @@
+// One invocation of velmar-cfg: what the command line asks for.
+#ifndef TOOLS_VELMAR_CFG_COMMANDS_TOOL_H
+#define TOOLS_VELMAR_CFG_COMMANDS_TOOL_H
+
+#include <functional>
+#include <string>
+
+#include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/base/output.h"
+#include "tools/velmar-cfg/settings/layers.h"
+
+// The options that every command takes. A path that was not given is empty.
+struct GLOBAL_OPTIONS
+{
+    SETTINGS_SCOPE scope;
+    std::string root;
+    bool json = false;
+    bool nul_terminated = false; // only by commands that list for scripts
+    std::string color = "auto";
+};
+
+struct TOOL
+{
+    GLOBAL_OPTIONS options;
+    OUTPUT out;
+    std::function<EXIT_CODE()> command; // the one that the command line names
+};
+
+#endif

@@ -1,0 +1,147 @@
+#include "tools/velmar-cfg/documents/run_reports.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+#include "cfg_run_report/run_report_format.h"
+#include "tools/velmar-cfg/base/json_reader.h"
+#include "tools/velmar-cfg/settings/variable_name.h"
+
+namespace
+{
+constexpr DOCUMENT_KIND run_report_kind = {run_report_schema, run_report_schema_version, "run report",
+                                           "a host's cfg_write_run_report"};
+
+READ_VARIABLE read_variable(const JSON_NODE& row)
+{
+    return {row.member("name").text(), row.member("count").natural_number(), row.member("value").text_or_null(),
+            row.member("external").truth(), row.member("used").truth()};
+}
+
+template <typename VARIABLES>
+auto find_variable(const VARIABLES& variables, const std::string& name)
+{
+    return std::ranges::find_if(variables, [&name](const auto& variable) { return same_name(variable.name, name); });
+}
+
+void add_once(std::vector<std::string>& texts, const std::string& text)
+{
+    if (std::ranges::find(texts, text) == texts.end())
+        texts.push_back(text);
+}
+}
+
+RUN_REPORT read_run_report(const std::string& path)
+{
+    const JSON_DOCUMENT document(path, run_report_kind);
+    const JSON_NODE root = document.root();
+    const JSON_NODE files = root.member("files");
+    RUN_REPORT report;
+    report.file = path;
+    report.run = root.member("run").text();
+    if (report.run.empty())
+        report.run = path;
+    report.release = root.member("release").text();
+    report.main_file = files.member("main").text_or_null();
+    report.appended_file = files.member("appended").text_or_null();
+    report.regtest_file = files.member("regtest").text_or_null();
+    for (const JSON_NODE& row : root.member("read").elements())
+        report.read.push_back(read_variable(row));
+    for (const JSON_NODE& row : root.member("external_never_read").elements())
+        report.external_never_read.push_back({row.member("name").text(), row.member("value").text()});
+    for (const JSON_NODE& name : root.member("uncounted").elements())
+        report.uncounted.push_back(name.text());
+    std::ranges::stable_sort(report.read, std::greater<>(), &READ_VARIABLE::count);
+    return report;
+}
+
+std::vector<RUN_REPORT> read_run_reports(const std::vector<std::string>& paths)
+{
+    std::vector<RUN_REPORT> reports;
+    std::unordered_map<std::string, int> runs_of_name;
+    for (const std::string& path : paths)
+    {
+        reports.push_back(read_run_report(path));
+        ++runs_of_name[reports.back().run];
+    }
+    for (RUN_REPORT& report : reports)
+    {
+        if (runs_of_name[report.run] > 1)
+            report.run += " (" + report.file + ")";
+    }
+    return reports;
+}
+
+DEPENDENCE dependence_on(const std::string& name, const RUN_REPORT& report)
+{
+    if (const auto found = find_variable(report.read, name); found != report.read.end())
+        return {DEPENDENCE::KIND::READ, found->count, found->value};
+    if (const auto found = find_variable(report.external_never_read, name); found != report.external_never_read.end())
+        return {DEPENDENCE::KIND::NEVER_READ, 0, found->value};
+    if (std::ranges::any_of(report.uncounted, [&name](const auto& other) { return same_name(other, name); }))
+        return {DEPENDENCE::KIND::PERHAPS, 0, std::nullopt};
+    return {};
+}
+
+const char* dependence_word(DEPENDENCE::KIND kind)
+{
+    switch (kind)
+    {
+    case DEPENDENCE::KIND::READ:
+        return "read";
+    case DEPENDENCE::KIND::PERHAPS:
+        return "perhaps";
+    case DEPENDENCE::KIND::NEVER_READ:
+        return "never read";
+    case DEPENDENCE::KIND::UNKNOWN:
+        break;
+    }
+    return "unknown";
+}
+
+std::vector<NEVER_READ_VARIABLE> variables_that_no_run_read(const std::vector<RUN_REPORT>& reports)
+{
+    BY_VARIABLE_NAME<NEVER_READ_VARIABLE> unread_somewhere;
+    BY_VARIABLE_NAME<bool> read_somewhere;
+    BY_VARIABLE_NAME<std::vector<std::string>> uncounted_in;
+    for (const RUN_REPORT& report : reports)
+    {
+        for (const READ_VARIABLE& variable : report.read)
+            read_somewhere[variable.name] = true;
+        for (const std::string& name : report.uncounted)
+            uncounted_in[name].push_back(report.run);
+        for (const UNREAD_VARIABLE& unread : report.external_never_read)
+        {
+            NEVER_READ_VARIABLE& variable = unread_somewhere[unread.name];
+            if (variable.name.empty())
+                variable.name = unread.name;
+            add_once(variable.values, unread.value);
+            variable.set_in_runs.push_back(report.run);
+        }
+    }
+    std::vector<NEVER_READ_VARIABLE> variables;
+    for (auto& [name, variable] : unread_somewhere)
+    {
+        if (read_somewhere.contains(name))
+            continue;
+        if (const auto found = uncounted_in.find(name); found != uncounted_in.end())
+            variable.perhaps_read_by_runs = found->second;
+        variables.push_back(std::move(variable));
+    }
+    std::ranges::sort(variables, {}, &NEVER_READ_VARIABLE::name);
+    return variables;
+}
+
+std::vector<std::string> names_in_reports(const std::vector<RUN_REPORT>& reports)
+{
+    std::vector<std::string> names;
+    for (const RUN_REPORT& report : reports)
+    {
+        for (const READ_VARIABLE& variable : report.read)
+            names.push_back(variable.name);
+        for (const UNREAD_VARIABLE& variable : report.external_never_read)
+            names.push_back(variable.name);
+        names.insert(names.end(), report.uncounted.begin(), report.uncounted.end());
+    }
+    return names;
+}

@@ -1,0 +1,82 @@
+// Run reports as hosts write them (cfg_run_report/cfg_run_report.h), and what several of them say together.
+#ifndef TOOLS_VELMAR_CFG_DOCUMENTS_RUN_REPORTS_H
+#define TOOLS_VELMAR_CFG_DOCUMENTS_RUN_REPORTS_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct READ_VARIABLE
+{
+    std::string name;
+    std::uint64_t count;
+    std::optional<std::string> value;
+    bool external;
+    bool used;
+};
+
+struct UNREAD_VARIABLE
+{
+    std::string name;
+    std::string value;
+};
+
+struct RUN_REPORT
+{
+    std::string file; // of the report itself
+    std::string run;  // what the host called it; the file where it gave no name
+    std::string release;
+    std::optional<std::string> main_file;
+    std::optional<std::string> appended_file;
+    std::optional<std::string> regtest_file;
+    std::vector<READ_VARIABLE> read; // highest count first
+    std::vector<UNREAD_VARIABLE> external_never_read;
+    std::vector<std::string> uncounted;
+};
+
+// Throws TOOL_ERROR(BAD_INPUT) for a file that is no run report, or of a newer version.
+RUN_REPORT read_run_report(const std::string& path);
+
+// The reports of these files, in this order. Runs of the same name get their file's name as well, so that they can be
+// told apart. Throws as above.
+std::vector<RUN_REPORT> read_run_reports(const std::vector<std::string>& paths);
+
+// How a run stands to one variable.
+struct DEPENDENCE
+{
+    enum class KIND
+    {
+        READ,       // it was looked up
+        PERHAPS,    // no access was counted: unset and asked for once, or set in the run and never read
+        NEVER_READ, // it came from outside and was never looked up
+        UNKNOWN,    // the run never came across it
+    };
+
+    KIND kind = KIND::UNKNOWN;
+    std::uint64_t count = 0;
+    std::optional<std::string> value;
+};
+
+// "read", "perhaps", "never read" or "unknown".
+const char* dependence_word(DEPENDENCE::KIND kind);
+
+// Names are equal as in the store.
+DEPENDENCE dependence_on(const std::string& name, const RUN_REPORT& report);
+
+// A variable that came from outside in some run and that no run looked up.
+struct NEVER_READ_VARIABLE
+{
+    std::string name;                // as first met
+    std::vector<std::string> values; // those that differ, in the order of the runs
+    std::vector<std::string> set_in_runs;
+    std::vector<std::string> perhaps_read_by_runs;
+};
+
+// In the byte order of the names.
+std::vector<NEVER_READ_VARIABLE> variables_that_no_run_read(const std::vector<RUN_REPORT>& reports);
+
+// Every name in the reports, some of them twice.
+std::vector<std::string> names_in_reports(const std::vector<RUN_REPORT>& reports);
+
+#endif

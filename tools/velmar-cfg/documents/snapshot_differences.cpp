@@ -1,0 +1,195 @@
+#include "tools/velmar-cfg/documents/snapshot_differences.h"
+
+#include <algorithm>
+#include <map>
+#include <nlohmann/json.hpp>
+
+#include "tools/velmar-cfg/settings/typed_readings.h"
+#include "tools/velmar-cfg/settings/variable_name.h"
+
+namespace
+{
+// The rows of both sides under each name: those of A in their order, then those that only B has.
+template <typename INDEX, typename ROW>
+std::vector<std::pair<const ROW*, const ROW*>> pairs_of(const std::vector<ROW>& a, const std::vector<ROW>& b,
+                                                        std::string ROW::*name)
+{
+    INDEX index_of_name;
+    std::vector<std::pair<const ROW*, const ROW*>> pairs;
+    for (const ROW& row : a)
+    {
+        index_of_name[row.*name] = pairs.size();
+        pairs.emplace_back(&row, nullptr);
+    }
+    for (const ROW& row : b)
+    {
+        if (const auto found = index_of_name.find(row.*name); found != index_of_name.end())
+            pairs[found->second].second = &row;
+        else
+            pairs.emplace_back(nullptr, &row);
+    }
+    return pairs;
+}
+
+using BY_NAME = std::map<std::string, std::size_t>;
+
+template <typename ROW>
+const std::string& name_of_pair(const std::pair<const ROW*, const ROW*>& rows, std::string ROW::*name)
+{
+    return (rows.first != nullptr ? rows.first : rows.second)->*name;
+}
+
+// --- Variables ---
+
+bool same_answers(const SNAPSHOT_VARIABLE& a, const SNAPSHOT_VARIABLE& b)
+{
+    // As JSON, where not-a-number is equal to itself.
+    return a.value == b.value && a.external == b.external &&
+           readings_as_json(a.readings) == readings_as_json(b.readings);
+}
+
+// The highest of the layers that assign to the variable on one side only and that `counts` accepts.
+template <typename COUNTS>
+std::optional<LAYER_KIND> highest_on_one_side(const SNAPSHOT_VARIABLE& a, const SNAPSHOT_VARIABLE& b, COUNTS counts)
+{
+    std::optional<LAYER_KIND> highest;
+    for (const auto& [one, other] : {std::pair(&a, &b), std::pair(&b, &a)})
+    {
+        for (const LAYER_KIND kind : one->layers)
+        {
+            if (counts(kind) && std::ranges::count(other->layers, kind) == 0)
+                highest = std::max(highest, std::optional(kind));
+        }
+    }
+    return highest;
+}
+
+// The later layer wins, so that of the two that won the later one has changed, or has come or gone.
+std::optional<LAYER_KIND> maker_of(const SNAPSHOT_VARIABLE* a, const SNAPSHOT_VARIABLE* b)
+{
+    if (a == nullptr || b == nullptr)
+        return (a != nullptr ? a : b)->location.layer.kind;
+    if (a->value != b->value)
+        return std::max(a->location.layer.kind, b->location.layer.kind);
+    return highest_on_one_side(*a, *b, [](LAYER_KIND kind) { return marks_external(kind); });
+}
+
+std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAPSHOT& b)
+{
+    std::vector<VARIABLE_DIFFERENCE> differences;
+    for (const auto& rows : pairs_of<BY_VARIABLE_NAME<std::size_t>>(a.variables, b.variables, &SNAPSHOT_VARIABLE::name))
+    {
+        const auto [left, right] = rows;
+        if (left == nullptr || right == nullptr || !same_answers(*left, *right))
+            differences.push_back({name_of_pair(rows, &SNAPSHOT_VARIABLE::name), left, right, maker_of(left, right)});
+    }
+    std::ranges::sort(differences, {}, &VARIABLE_DIFFERENCE::name);
+    return differences;
+}
+
+// --- Preferences ---
+
+// How much a source comes before others.
+int rank_of(PREFERENCE_SOURCE source)
+{
+    switch (source)
+    {
+    case PREFERENCE_SOURCE::RUNNING_RELEASE:
+        return 4;
+    case PREFERENCE_SOURCE::OLDER_RELEASE:
+        return 3;
+    case PREFERENCE_SOURCE::UNVERSIONED_SECTION:
+        return 2;
+    case PREFERENCE_SOURCE::DEFAULT:
+        return 1;
+    case PREFERENCE_SOURCE::NOWHERE:
+        break;
+    }
+    return 0;
+}
+
+PREFERENCE_SOURCE source_of(const SNAPSHOT_PREFERENCE* preference)
+{
+    return preference == nullptr ? PREFERENCE_SOURCE::NOWHERE : preference->origin.source;
+}
+
+std::vector<PREFERENCE_DIFFERENCE> compare_preferences(const SNAPSHOT& a, const SNAPSHOT& b)
+{
+    std::vector<PREFERENCE_DIFFERENCE> differences;
+    for (const auto& rows : pairs_of<BY_NAME>(a.preferences, b.preferences, &SNAPSHOT_PREFERENCE::key))
+    {
+        const auto [left, right] = rows;
+        if (left != nullptr && right != nullptr && left->value == right->value)
+            continue;
+        const PREFERENCE_SOURCE of_left = source_of(left);
+        const PREFERENCE_SOURCE of_right = source_of(right);
+        differences.push_back({name_of_pair(rows, &SNAPSHOT_PREFERENCE::key), left, right,
+                               rank_of(of_left) < rank_of(of_right) ? of_right : of_left});
+    }
+    return differences;
+}
+
+// Hosts write U+FFFD for what is no UTF-8 in a name.
+std::string as_in_run_reports(const std::string& name)
+{
+    using nlohmann::ordered_json;
+    return ordered_json::parse(ordered_json(name).dump(-1, ' ', false, ordered_json::error_handler_t::replace))
+        .get<std::string>();
+}
+
+// --- The rest ---
+
+std::vector<INSTALLATION_DIFFERENCE> compare_installations(const SNAPSHOT& a, const SNAPSHOT& b)
+{
+    std::vector<INSTALLATION_DIFFERENCE> differences;
+    if (a.product != b.product)
+        differences.push_back({"product", a.product, b.product});
+    if (a.release != b.release)
+        differences.push_back({"release", a.release, b.release});
+    return differences;
+}
+
+std::vector<ENVIRONMENT_DIFFERENCE> compare_environments(const SNAPSHOT& a, const SNAPSHOT& b)
+{
+    const auto value_of = [](const ENVIRONMENT_VARIABLE* variable)
+    { return variable == nullptr ? std::nullopt : variable->value; };
+    std::vector<ENVIRONMENT_DIFFERENCE> differences;
+    for (const auto& rows : pairs_of<BY_NAME>(a.environment, b.environment, &ENVIRONMENT_VARIABLE::name))
+    {
+        if (value_of(rows.first) != value_of(rows.second))
+            differences.push_back({name_of_pair(rows, &ENVIRONMENT_VARIABLE::name), rows.first, rows.second});
+    }
+    return differences;
+}
+
+std::vector<FILE_DIFFERENCE> compare_files(const SNAPSHOT& a, const SNAPSHOT& b)
+{
+    const auto content_of = [](const SNAPSHOT_FILE* file) { return file == nullptr ? std::nullopt : file->sha256; };
+    std::vector<FILE_DIFFERENCE> differences;
+    for (const auto& rows : pairs_of<BY_NAME>(a.files, b.files, &SNAPSHOT_FILE::role))
+    {
+        if (content_of(rows.first) != content_of(rows.second))
+            differences.push_back({name_of_pair(rows, &SNAPSHOT_FILE::role), rows.first, rows.second});
+    }
+    return differences;
+}
+}
+
+SNAPSHOT_DIFFERENCES compare_snapshots(const SNAPSHOT& a, const SNAPSHOT& b)
+{
+    return {compare_installations(a, b), compare_environments(a, b), compare_files(a, b), compare_variables(a, b),
+            compare_preferences(a, b)};
+}
+
+void keep_what_the_run_read(SNAPSHOT_DIFFERENCES& differences, const RUN_REPORT& run)
+{
+    std::vector<VARIABLE_DIFFERENCE> kept;
+    for (VARIABLE_DIFFERENCE& difference : differences.variables)
+    {
+        difference.dependence = dependence_on(as_in_run_reports(difference.name), run).kind;
+        if (difference.dependence == DEPENDENCE::KIND::READ || difference.dependence == DEPENDENCE::KIND::PERHAPS)
+            kept.push_back(std::move(difference));
+    }
+    differences = {};
+    differences.variables = std::move(kept);
+}

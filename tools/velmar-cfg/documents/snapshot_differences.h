@@ -1,0 +1,85 @@
+// What differs between two snapshots, and what made it differ.
+#ifndef TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_DIFFERENCES_H
+#define TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_DIFFERENCES_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
+#include "tools/velmar-cfg/documents/run_reports.h"
+#include "tools/velmar-cfg/documents/snapshot.h"
+#include "tools/velmar-cfg/settings/environment.h"
+#include "tools/velmar-cfg/settings/layers.h"
+
+// One side of the comparison: what it is called, "now" for the present, and what holds there.
+struct COMPARED_SNAPSHOT
+{
+    std::string title;
+    SNAPSHOT snapshot;
+};
+
+using zon_cfg::PREFERENCE_SOURCE;
+
+// The pointers are null on the side that has no such row.
+struct INSTALLATION_DIFFERENCE
+{
+    std::string what; // "product" or "release"
+    std::string a;
+    std::string b;
+};
+
+struct ENVIRONMENT_DIFFERENCE
+{
+    std::string name;
+    const ENVIRONMENT_VARIABLE* a;
+    const ENVIRONMENT_VARIABLE* b;
+};
+
+// The content differs, or there is a file on one side only. Its path alone makes no difference.
+struct FILE_DIFFERENCE
+{
+    std::string role;
+    const SNAPSHOT_FILE* a;
+    const SNAPSHOT_FILE* b;
+};
+
+// Value, external mark or readings differ; where the value comes from alone makes no difference.
+struct VARIABLE_DIFFERENCE
+{
+    std::string name;
+    const SNAPSHOT_VARIABLE* a;
+    const SNAPSHOT_VARIABLE* b;
+    std::optional<LAYER_KIND> made_by; // nothing for readings of the same assignment, which another release makes
+    DEPENDENCE::KIND dependence = DEPENDENCE::KIND::UNKNOWN; // of the run, when one was given
+};
+
+struct PREFERENCE_DIFFERENCE
+{
+    std::string key;
+    const SNAPSHOT_PREFERENCE* a;
+    const SNAPSHOT_PREFERENCE* b;
+    PREFERENCE_SOURCE made_by;
+};
+
+// Points into the two snapshots, which must outlive it.
+struct SNAPSHOT_DIFFERENCES
+{
+    std::vector<INSTALLATION_DIFFERENCE> installation;
+    std::vector<ENVIRONMENT_DIFFERENCE> environment;
+    std::vector<FILE_DIFFERENCE> files;
+    std::vector<VARIABLE_DIFFERENCE> variables; // in the byte order of the names
+    std::vector<PREFERENCE_DIFFERENCE> preferences;
+
+    bool none() const
+    {
+        return installation.empty() && environment.empty() && files.empty() && variables.empty() && preferences.empty();
+    }
+};
+
+SNAPSHOT_DIFFERENCES compare_snapshots(const SNAPSHOT& a, const SNAPSHOT& b);
+
+// Drops everything but the variables that the run read, or perhaps read.
+void keep_what_the_run_read(SNAPSHOT_DIFFERENCES& differences, const RUN_REPORT& run);
+
+#endif

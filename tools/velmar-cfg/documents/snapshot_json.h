@@ -1,0 +1,36 @@
+// Snapshots as JSON documents, schema "velmar-snapshot", version 1:
+//
+//     schema, schema_version    the two above; a reader refuses a higher version
+//     product, release          of the installation: "velmar", "23.4"
+//     project, regtest          the project's directory as given, null for none; whether regtest.ini was asked for
+//     files                     of each role (main, appended, regtest, preferences): role, path, size, sha256; path is
+//                               null when there is no such layer, the other two when the file does not exist
+//     environment               name and value of the environment variables that matter; value is null for none
+//     variables                 name, value, external; layer, file, line, item of the assignment that won; layers, all
+//                               that assign to it; readings: bool, int, uint, double, double_whole
+//     preferences               key, value, default, source, section, release
+//
+// A text that is no UTF-8 is {"hex": "<two digits a byte>"}. Rows of one kind all have the same fields.
+#ifndef TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_JSON_H
+#define TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_JSON_H
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+
+#include "tools/velmar-cfg/documents/snapshot.h"
+
+// What a file is to the library, in the order of the rows: a layer's code, or the last.
+inline constexpr const char* preference_file_role = "preferences";
+std::vector<std::string> all_file_roles();
+
+nlohmann::ordered_json snapshot_as_json(const SNAPSHOT& snapshot);
+
+// Its rows, of which other documents consist as well.
+nlohmann::ordered_json file_as_json(const SNAPSHOT_FILE& file);
+nlohmann::ordered_json variable_as_json(const SNAPSHOT_VARIABLE& variable);
+nlohmann::ordered_json snapshot_preference_as_json(const SNAPSHOT_PREFERENCE& preference);
+
+// Throws TOOL_ERROR(BAD_INPUT) for a file that is no snapshot, or of a newer version.
+SNAPSHOT read_snapshot(const std::string& path);
+
+#endif

@@ -1,0 +1,215 @@
+#include "tools/velmar-cfg/lint/preference_rules.h"
+
+#include <algorithm>
+#include <map>
+
+#include "cfg_ini/cfg_ini.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_file.h"
+#include "platform/gen/gen.h"
+#include "platform/ver/ver.h"
+#include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/base/nearest_name.h"
+#include "tools/velmar-cfg/base/text.h"
+#include "tools/velmar-cfg/preferences/preferences.h"
+
+using namespace zon_cfg;
+
+namespace
+{
+// One file under examination, line by line.
+class EXAMINATION
+{
+public:
+    explicit EXAMINATION(const std::string& path_of_file) : path(path_of_file) {}
+
+    std::vector<FINDING> findings(std::string_view bytes)
+    {
+        while (!bytes.empty())
+        {
+            text = bytes.substr(0, bytes.find('\n'));
+            bytes.remove_prefix(std::min(text.size() + 1, bytes.size()));
+            ++number;
+            if (text.find('\0') != std::string_view::npos)
+                throw_binary_file(path, number);
+            line = classify_preference_line(text);
+            examine();
+        }
+        return std::move(found);
+    }
+
+private:
+    void add(SEVERITY severity, const char* reason, const std::string& message, const std::string& instead,
+             std::size_t offset = std::string_view::npos)
+    {
+        const std::size_t first = std::min(text.find_first_not_of(" \t\r\v\f"), text.size());
+        found.push_back({path,
+                         number,
+                         {},
+                         (offset == std::string_view::npos ? first : offset) + 1,
+                         severity,
+                         reason,
+                         message,
+                         instead});
+    }
+
+    void examine();
+    void examine_header();
+    void examine_key();
+    bool examine_place();
+    void examine_known_key(CFG_USER_INI_ENUMS preference);
+    void unknown_key();
+
+    const std::string path;
+    std::string_view text; // the line, and
+    std::size_t number = 0;
+    PREFERENCE_LINE line; // what the reader takes from it
+
+    std::string section;
+    std::map<std::string, std::size_t> first_lines; // of section and name, as the store keeps them
+    std::vector<FINDING> found;
+};
+
+void EXAMINATION::examine()
+{
+    const bool blank = trimmed(text).empty();
+    switch (line.kind)
+    {
+    case PREFERENCE_LINE_KIND::HEADER:
+        examine_header();
+        break;
+    case PREFERENCE_LINE_KIND::KEY:
+        examine_key();
+        break;
+    case PREFERENCE_LINE_KIND::TOO_SHORT:
+        if (!blank)
+            add(SEVERITY::ERROR, "too-short", "a line of fewer than 3 characters is ignored", "write 'KEY = VALUE'");
+        break;
+    case PREFERENCE_LINE_KIND::MALFORMED_HEADER:
+        add(SEVERITY::ERROR, line.bracket_after_equals ? "bracket-in-value" : "malformed-header",
+            "a line with a \"[\" is taken for a section header; without \"]\" it is ignored",
+            line.bracket_after_equals ? "write a value without \"[\"" : "close the header with \"]\"", text.find('['));
+        break;
+    case PREFERENCE_LINE_KIND::OTHER:
+        if (!blank)
+            add(SEVERITY::NOTE, "not-kept", "this line says nothing, and the next save drops it",
+                "keep comments elsewhere; for a preference write 'KEY = VALUE'");
+        break;
+    }
+}
+
+void EXAMINATION::examine_header()
+{
+    section = line.section;
+    if (line.bracket_after_equals)
+    {
+        add(SEVERITY::ERROR, "bracket-in-value",
+            "a line with a \"[\" is taken for a section header: the section " + in_single_quotes(section) +
+                " begins here",
+            "write a value without \"[\"", text.find('['));
+        return;
+    }
+    if (section.empty())
+    {
+        add(SEVERITY::ERROR, "empty-header", "a header without a name: the lines below it are ignored",
+            "write '[" + released_section("General", ver_get_version()) + "]'");
+        return;
+    }
+    std::vector<std::string> sections;
+    for (const CFG_USER_INI_ENUMS preference : all_preference_numbers())
+    {
+        const std::string bare = preference_triples(preference).front().section;
+        if (std::ranges::find(sections, bare) != sections.end())
+            continue;
+        sections.push_back(bare);
+        for (const std::string& version : ver_get_all_versions())
+            sections.push_back(released_section(bare, version));
+    }
+    if (std::ranges::find(sections, section) != sections.end())
+        return;
+    const auto other_case = std::ranges::find_if(sections, [&](const std::string& known)
+                                                 { return gen_stricmp(known.c_str(), section.c_str()) == 0; });
+    const std::optional<std::string> nearest =
+        other_case != sections.end() ? std::optional<std::string>(*other_case) : nearest_name(section, sections);
+    add(SEVERITY::WARNING, "unknown-section",
+        "no lookup gets to the section " + in_single_quotes(section) + "; letter case counts",
+        nearest ? "write '[" + *nearest + "]'" : "write the section, a blank, a release and \"_pro\"", text.find('['));
+}
+
+// Whether the key line takes effect at all.
+bool EXAMINATION::examine_place()
+{
+    if (section.empty())
+    {
+        add(SEVERITY::ERROR, "before-section", "a key line before any section is ignored",
+            "put it below a header such as '[" + released_section("General", ver_get_version()) + "]'");
+        return false;
+    }
+    const auto [first, is_first] = first_lines.emplace(section + line.name, number);
+    if (is_first)
+        return true;
+    add(SEVERITY::ERROR, "duplicate",
+        "line " + std::to_string(first->second) + " of this section sets " + in_single_quotes(line.name) +
+            " already: the first one counts, this one is dropped",
+        "remove one of the two");
+    return false;
+}
+
+void EXAMINATION::examine_key()
+{
+    if (!examine_place())
+        return;
+    if (line.old_name_converted)
+        add(SEVERITY::NOTE, "old-name", "the old name of " + line.name + ", converted by the next save",
+            "write " + in_single_quotes(line.name + " = " + line.value));
+    const CFG_USER_INI_ENUMS preference = find_preference(line.name.c_str());
+    if (preference == CFG_USER_INI_ENUMS_END)
+        unknown_key();
+    else
+        examine_known_key(preference);
+    if (line.value.empty())
+        add(SEVERITY::WARNING, "empty-value", "an empty value counts as none, and the next save drops the line",
+            "give a value or remove the line", text.find('='));
+}
+
+void EXAMINATION::unknown_key()
+{
+    if (line.name.starts_with('#') || line.name.starts_with(';'))
+    {
+        add(SEVERITY::WARNING, "no-comment",
+            "there are no comments: this is kept as a preference " + in_single_quotes(line.name), "remove the line");
+        return;
+    }
+    const std::optional<std::string> nearest = nearest_name(line.name, all_preference_keys());
+    add(SEVERITY::WARNING, "unknown-key",
+        "there is no preference " + in_single_quotes(line.name) + "; the line is kept, unused",
+        nearest ? "write " + in_single_quotes(*nearest + " = " + line.value) : "remove the line");
+}
+
+void EXAMINATION::examine_known_key(CFG_USER_INI_ENUMS preference)
+{
+    const std::string key = cfg_get_user_ini_ini_string(preference);
+    const std::string bare_section = preference_triples(preference).front().section;
+    if (line.name != key)
+        add(SEVERITY::ERROR, "letter-case", "a value is found only under the key's own spelling",
+            "write " + in_single_quotes(key + " = " + line.value));
+    if (section != bare_section && !section.starts_with(bare_section + " "))
+        add(SEVERITY::ERROR, "wrong-section",
+            key + " is looked for in sections " + in_single_quotes(bare_section) + " only",
+            "move it below '[" + released_section(bare_section, ver_get_version()) + "]'");
+    if (!line.value.empty() && find_fitting_triple(preference, line.value.c_str()) == nullptr)
+    {
+        std::string allowed;
+        for (const PREFERENCE_TRIPLE& triple : preference_triples(preference))
+            allowed += (allowed.empty() ? "" : ", ") + std::string(triple.value);
+        const std::size_t behind = text.find('=') + 1;
+        add(SEVERITY::ERROR, "not-allowed", in_single_quotes(line.value) + " is not allowed for " + key,
+            "write one of " + allowed, text.find_first_not_of(" \t", behind));
+    }
+}
+}
+
+std::vector<FINDING> lint_preferences(const std::string& path)
+{
+    return EXAMINATION(path).findings(read_input_file(path));
+}

@@ -1,0 +1,13 @@
+// Lines of a preference file that are ignored or read otherwise than they look, or that the next save loses.
+#ifndef TOOLS_VELMAR_CFG_LINT_PREFERENCE_RULES_H
+#define TOOLS_VELMAR_CFG_LINT_PREFERENCE_RULES_H
+
+#include <string>
+#include <vector>
+
+#include "tools/velmar-cfg/lint/finding.h"
+
+// The findings in the order of the lines. Throws TOOL_ERROR(BAD_INPUT) for a file that cannot be read as one.
+std::vector<FINDING> lint_preferences(const std::string& path);
+
+#endif

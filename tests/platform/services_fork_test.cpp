@@ -24,7 +24,7 @@ protected:
     SERVICES_FORK_TEST& operator=(const SERVICES_FORK_TEST&) = delete;
 };
 
-constexpr int forks = 500;
+constexpr int forks = 200;
 
 TEST_F(SERVICES_FORK_TEST, search_paths_can_be_handed_over_and_read)
 {

@@ -2,7 +2,9 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <latch>
+#include <memory>
 #include <pthread.h>
 #include <sys/syscall.h>
 #include <thread>
@@ -38,26 +40,28 @@ void use(THR_MUTEX* mutex)
     thr_mutex_unlock(mutex);
 }
 
-// Whether another thread can lock the mutex at once. Not to be asked in a child where that cannot start threads.
+// Whether another thread can lock the mutex at once. Otherwise that thread goes on waiting. Not to be asked in a child
+// where that cannot start threads.
 bool is_free_for_others(THR_MUTEX* mutex)
 {
-    std::atomic<pid_t> other = 0;
-    std::atomic<bool> entered = false;
-    std::thread thread(
-        [&]
+    struct OTHER
+    {
+        std::atomic<pid_t> id = 0;
+        std::atomic<bool> entered = false;
+    };
+    const auto other = std::make_shared<OTHER>();
+    std::thread(
+        [other, mutex]
         {
-            other = gettid();
-            use(mutex);
-            entered = true;
-        });
-    while (other == 0 || (!entered && !sleeps(other)))
+            other->id = gettid();
+            thr_mutex_lock(mutex);
+            other->entered = true;
+            thr_mutex_unlock(mutex);
+        })
+        .detach();
+    while (other->id == 0 || (!other->entered && !sleeps(other->id)))
         std::this_thread::yield();
-    const bool entered_at_once = entered;
-    if (entered_at_once)
-        thread.join();
-    else
-        thread.detach(); // it uses this function's variables: the process is to end now
-    return entered_at_once;
+    return other->entered;
 }
 
 // Another thread that holds mutexes until told to release them.
@@ -217,7 +221,8 @@ TEST_F(THR_FORK_TEST, a_mutex_held_for_too_long_is_free_in_the_child_and_lost)
             alarm(seconds_until_hung / 2);
             const int lost_before_fork_returned = losses;
             use(mutex);
-            _exit(lost_before_fork_returned == 1 && losses == 1 ? 7 : 8);
+            const bool is_free = !CHILDREN_CAN_START_THREADS || is_free_for_others(mutex);
+            _exit(is_free && lost_before_fork_returned == 1 && losses == 1 ? 7 : 8);
         }
         EXPECT_LT(std::chrono::steady_clock::now() - start, longest_fork);
         EXPECT_EQ(status_of(child), 7);
@@ -420,7 +425,7 @@ TEST_F(THR_FORK_TEST, a_fork_that_fails_leaves_nothing_held)
     EXPECT_IN_FRESH_PROCESS(fail_to_fork());
 }
 
-// --- Beside the fork handlers of others, registered before the first mutex ---
+// --- Beside the fork handlers of others, registered before the first mutex: hence without the fixture ---
 
 THR_MUTEX* mutex_of_handlers = nullptr;
 int losses_seen_by_the_child_handler = -1;
@@ -449,7 +454,7 @@ void lose_beside_an_earlier_handler()
               7);
 }
 
-TEST_F(THR_FORK_TEST, a_handler_of_others_can_lock_in_the_child_what_was_lost)
+TEST(THR_FORK_HANDLERS_TEST, a_handler_of_others_can_lock_in_the_child_what_was_lost)
 {
     EXPECT_IN_FRESH_PROCESS(lose_beside_an_earlier_handler());
 }
@@ -457,13 +462,20 @@ TEST_F(THR_FORK_TEST, a_handler_of_others_can_lock_in_the_child_what_was_lost)
 bool nested = false;
 int status_of_nested_child = -1;
 
+bool is_held_for_the_outer_fork()
+{
+    return !CHILDREN_CAN_START_THREADS || !is_free_for_others(mutex_of_handlers);
+}
+
 // After the service's own handler before the fork.
 void fork_within()
 {
     if (nested)
         return;
     nested = true;
-    status_of_nested_child = status_of_child([] { return use(mutex_of_handlers), losses == 0 ? 7 : 8; });
+    status_of_nested_child =
+        status_of_child([] { return use(mutex_of_handlers), losses == 0 && is_held_for_the_outer_fork() ? 7 : 8; });
+    EXPECT_TRUE(is_held_for_the_outer_fork());
 }
 
 void fork_within_a_fork(bool held)
@@ -481,11 +493,120 @@ void fork_within_a_fork(bool held)
     EXPECT_TRUE(is_free_for_others(mutex_of_handlers));
 }
 
-TEST_F(THR_FORK_TEST, a_handler_of_others_can_fork)
+TEST(THR_FORK_HANDLERS_TEST, a_handler_of_others_can_fork)
 {
     EXPECT_IN_FRESH_PROCESS(fork_within_a_fork(false));
     EXPECT_IN_FRESH_PROCESS(fork_within_a_fork(true));
 }
+
+// --- In the middle of a fork: what the handlers of others do between the service's own two ---
+
+std::function<void()> in_the_middle = [] {};
+
+void be_in_the_middle()
+{
+    in_the_middle();
+}
+
+void set_up_for_the_middle(const std::function<void()>& action)
+{
+    alarm(seconds_until_hung);
+    ASSERT_EQ(pthread_atfork(be_in_the_middle, nullptr, nullptr), 0);
+    mutex_of_handlers = thr_mutex_create();
+    in_the_middle = action;
+}
+
+void create_in_the_middle()
+{
+    std::thread creating;
+    std::atomic<bool> created = false;
+    bool created_in_the_middle = true;
+    set_up_for_the_middle(
+        [&]
+        {
+            std::atomic<pid_t> id = 0;
+            creating = std::thread(
+                [&]
+                {
+                    id = gettid();
+                    use(thr_mutex_create());
+                    created = true;
+                });
+            while (id == 0 || (!created && !sleeps(id)))
+                std::this_thread::yield();
+            created_in_the_middle = created;
+        });
+    EXPECT_EQ(status_of_child([] { return use(thr_mutex_create()), 7; }), 7);
+    EXPECT_FALSE(created_in_the_middle);
+    creating.join();
+}
+
+TEST(THR_FORK_HANDLERS_TEST, no_other_thread_makes_a_mutex_during_a_fork)
+{
+    EXPECT_IN_FRESH_PROCESS(create_in_the_middle());
+}
+
+void lock_in_the_middle()
+{
+    THR_MUTEX* locked = nullptr;
+    set_up_for_the_middle(
+        [&]
+        {
+            locked = thr_mutex_create();
+            thr_mutex_lock(locked);
+        });
+    EXPECT_EQ(status_of_child(
+                  [&]
+                  {
+                      use(locked);
+                      return CHILDREN_CAN_START_THREADS && is_free_for_others(locked) ? 8 : 7;
+                  }),
+              7);
+    EXPECT_FALSE(is_free_for_others(locked));
+}
+
+TEST(THR_FORK_HANDLERS_TEST, what_a_handler_locks_stays_locked)
+{
+    EXPECT_IN_FRESH_PROCESS(lock_in_the_middle());
+}
+
+// Another thread's fork holds every mutex, and that for adding to the mutexes.
+void fork_beside_a_fork_that_hangs()
+{
+    const pid_t self = gettid();
+    std::latch other_is_forking(1);
+    std::latch enough(1);
+    set_up_for_the_middle(
+        [&]
+        {
+            if (gettid() == self)
+                return;
+            other_is_forking.count_down();
+            enough.wait();
+        });
+    thr_mutex_call_if_lost(mutex_of_handlers, count_loss);
+    std::thread other([]
+                      { EXPECT_EQ(status_of_child([] { return use(mutex_of_handlers), losses == 0 ? 7 : 8; }), 7); });
+    other_is_forking.wait();
+    EXPECT_EQ(status_of_child(
+                  []
+                  {
+                      use(thr_mutex_create());
+                      use(mutex_of_handlers);
+                      return losses == 1 ? 7 : 8;
+                  }),
+              7);
+    enough.count_down();
+    other.join();
+    EXPECT_TRUE(is_free_for_others(mutex_of_handlers));
+}
+
+TEST(THR_FORK_HANDLERS_TEST, a_fork_of_another_thread_may_hang)
+{
+    EXPECT_IN_FRESH_PROCESS(fork_beside_a_fork_that_hangs());
+}
+
+// --- Handlers registered more than once ---
 
 void make_the_first_mutexes_at_once()
 {
@@ -511,7 +632,7 @@ void make_the_first_mutexes_at_once()
         EXPECT_TRUE(is_free_for_others(mutex));
 }
 
-TEST_F(THR_FORK_TEST, the_first_mutexes_may_be_made_by_several_threads)
+TEST(THR_FORK_HANDLERS_TEST, the_first_mutexes_may_be_made_by_several_threads)
 {
     for (int i = 0; i < 10; ++i)
         EXPECT_IN_FRESH_PROCESS(make_the_first_mutexes_at_once());

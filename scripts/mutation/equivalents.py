@@ -30,7 +30,7 @@ def read_equivalents():
 
 
 def dead_entries(entries, mutants_in_file=mutants_of):
-    """A complaint for each entry that stands for no mutant: one that would hide nothing today, and who knows what later."""
+    """Each entry that stands for no mutant, and why: it hides nothing today, but who knows what later."""
     offered = {}
     for entry in entries:
         if entry.file not in offered:
@@ -44,7 +44,15 @@ def dead_entries(entries, mutants_in_file=mutants_of):
             why = f"{entry.file} has the line, but no mutant makes this of it: {entry.after}"
         else:
             continue
-        yield f"{LIST}:{entry.line}: {why}; remove the entry"
+        yield entry, why
+
+
+def without(text, entries):
+    """The list without these entries, and without the stanzas that hold no others."""
+    gone = {entry.line for entry in entries} | {entry.line - 1 for entry in entries}
+    kept = "\n".join(line for number, line in enumerate(text.splitlines(), 1) if number not in gone)
+    stanzas = [stanza for stanza in kept.split("\n\n") if stanza.startswith("#") or "\n+ " in stanza]
+    return "\n\n".join(stanzas).rstrip("\n") + "\n"
 
 
 def key(mutant):

@@ -3,8 +3,8 @@
 A mutant is built in two steps. The first builds what its tests load or run, the shared library for most, and runs the tests
 that have nothing of the mutant in themselves: this kills most mutants for the compilation of one source and one link. The
 second builds and runs one after the other those that include the changed header or contain the changed source, the quickest
-to build first. Afterwards the source and all files of the build are put back with their old times: the build is what it was, and nothing of it has to
-be compiled again for the next mutant.
+to build first. Afterwards the source and all files of the build are put back with their old times: the build is what it was,
+and nothing of it has to be compiled again for the next mutant.
 """
 
 import json
@@ -46,7 +46,7 @@ class Scratch:
         self.copy_sources()
         launcher = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
         self.call(["cmake", "-S", self.source, "-B", self.build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=",
-                   "-DCMAKE_CXX_FLAGS=-O0 -g0 -w", "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=gold",
+                   "-DCMAKE_CXX_FLAGS=-O0 -g0 -w", "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=gold -Wl,--no-as-needed",
                    "-DCMAKE_SHARED_LINKER_FLAGS=-fuse-ld=gold", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON",
                    "-DZON_PRECOMPILE_HEADERS=ON", "-DZON_BUILD_EXAMPLES=OFF", f"-DZON_BUILD_TOOLS={'ON' if with_tool else 'OFF'}",
                    "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST",
@@ -172,7 +172,7 @@ class Scratch:
         # An endless loop shows in the processor's time, which does not grow when the machine is busy.
         limits = ["prlimit", f"--cpu={2 + int(3 * run.processor_seconds)}", f"--as={4 << 30}", "--core=0", f"--fsize={1 << 28}"]
         status, _ = self.runner.run([*limits, self.build / "bin" / test, "--gtest_brief=1", "--gtest_fail_fast",
-                                     f"--gtest_filter={run.filter}"], 20 + 10 * run.seconds, 5 + run.seconds,
+                                     f"--gtest_filter={run.filter}"], 20 + 10 * run.seconds, 8 + 2 * run.seconds,
                                     cwd=self.playground, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                                     env={**os.environ, "TMPDIR": str(self.playground)})
         return status == 0

@@ -7,12 +7,13 @@ from mutation.sources import ROOT
 # The first row whose beginning a file's name has. The executables that kill most stand first.
 KILLED_BY = [
     ("cfg_ini/cfg_ini_reader/", ["variable_store_tests", "variable_store_fault_tests", "variable_store_memory_tests",
-                                 "cfg_cached_value_tests", "variable_store_thread_tests", "plugin_tests"]),
+                                 "cfg_cached_value_tests", "variable_store_thread_tests", "plugin_tests",
+                                 "variable_store_fork_tests"]),
     ("cfg_ini/cfg_user_ini_reader/", ["preference_store_tests", "preference_store_fault_tests",
                                       "preference_store_memory_tests"]),
     ("cfg_ini/cfg_cached_value.h", ["cfg_cached_value_tests", "cfg_cached_value_threads_tests"]),
     ("cfg_ini/", ["variable_store_tests", "public_header_tests", "variable_store_memory_tests", "preference_store_tests"]),
-    ("platform/thr/", ["platform_tests", "variable_store_thread_tests", "variable_store_tests"]),
+    ("platform/thr/", ["platform_tests", "variable_store_thread_tests", "variable_store_fork_tests", "variable_store_tests"]),
     ("platform/", ["platform_tests", "variable_store_tests", "preference_store_tests"]),
     ("cfg_run_report/", ["cfg_run_report_tests"]),
     ("tools/velmar-cfg/", ["velmar_cfg_function_tests", "velmar_cfg_layer_tests", "velmar_cfg_tests",
@@ -26,6 +27,8 @@ NOT_RUN = {
     "fakes_tests": "the fakes'",
     "generated_settings_tests": "the benchmarks'",
     "loading_tests": "the library as it is loaded; the tests above kill its mutants sooner",
+    "old_thread_service_tests": "a host's own thread service",
+    "static_host_tests": "the names that a host may define",
     "variable_store_load_tests": "takes long by intention",
     "velmar_cfg_tutorial_tests": "the tutorial's",
 }

@@ -470,6 +470,22 @@ TEST_F(CHANGE_CALLBACKS_TEST, a_failed_registration_within_a_notification_leaves
     EXPECT_EQ(release_lock(), 2);
 }
 
+TEST_F(CHANGE_CALLBACKS_TEST, nothing_counts_as_failed_that_did_not)
+{
+    const int notifications = notifications_under_way;
+    make_empty_store();
+    LISTENER listener("x", "x", events);
+    cfg_set_value("x", "1");
+    cfg_close_ini_file();
+    EXPECT_EQ(events.size(), 2U);
+    EXPECT_EQ(notifications_under_way, notifications);
+    make_empty_store();
+    listener.on_refresh = fail;
+    EXPECT_THROW(cfg_set_value("x", "1"), HOST_FAILURE);
+    EXPECT_EQ(notifications_under_way, notifications + 1);
+    EXPECT_EQ(release_lock(), 1);
+}
+
 TEST_F(CHANGE_CALLBACKS_TEST, a_callback_without_a_registry_goes_quietly)
 {
     CFG_INI_CALLBACK_REGISTRY* registry = nullptr;

@@ -99,7 +99,11 @@ CFG_INI_CALLBACK::~CFG_INI_CALLBACK()
     if (s_ini_callbacks == nullptr)
         return;
     const zon_cfg::REGISTRY_CHANGE change;
-    std::erase((*s_ini_callbacks)[std::string(name)], this);
+    // Found without a copy of the name: a lack of memory here would end the process.
+    if (const auto entry = s_ini_callbacks->find(std::string_view(name)); entry != s_ini_callbacks->end())
+        std::erase(entry->second, this);
+    else
+        s_ini_callbacks->try_emplace(name); // the host changed the name, and keeps an empty list under the new one
 }
 
 void CFG_INI_CALLBACK::refresh() {}

@@ -93,6 +93,6 @@ bool SETTINGS_LINES::next(std::string_view& line)
 std::size_t SETTINGS_LINES::size_hint() const
 {
     struct stat status;
-    return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) ? static_cast<std::size_t>(status.st_size) : 0;
+    return ::fstat(descriptor, &status) == 0 ? static_cast<std::size_t>(status.st_size) : 0;
 }
 }

@@ -29,8 +29,8 @@ public:
     // whole one. A line may be of any length and may hold any byte.
     bool next(std::string_view& line);
 
-    // How many bytes the file has; 0 when it is no regular file. Reads nothing and waits for nobody. Only for making
-    // room: the file may grow or shrink while it is read.
+    // How many bytes the file has as the system sees it, which is 0 for a pipe; 0 when it is not known. Reads nothing
+    // and waits for nobody. Only for making room: the file may grow or shrink while it is read.
     std::size_t size_hint() const;
 
 private:

@@ -442,6 +442,50 @@ TEST_F(CHANGE_CALLBACKS_TEST, a_null_name_throws_with_the_lock_held_and_register
     EXPECT_EQ(s_ini_callbacks->size(), names);
 }
 
+TEST_F(CHANGE_CALLBACKS_TEST, after_a_failed_registration_the_owner_of_the_lock_can_go_on)
+{
+    make_empty_store();
+    EXPECT_THROW(const CFG_INI_CALLBACK callback(nullptr), std::logic_error);
+    {
+        const LISTENER listener("x", "x", events);
+        cfg_set_value("x", "1");
+        read_main_file("x=2\n");
+        EXPECT_EQ(events, (EVENTS{"x refresh", "x reset", "x refresh"}));
+        EXPECT_EQ(cfg_get_value("x"), "2");
+    }
+    cfg_set_value("x", "3");
+    EXPECT_EQ(events.size(), 3U);
+    EXPECT_EQ(release_lock(), 1) << "each later use released its own";
+}
+
+TEST_F(CHANGE_CALLBACKS_TEST, a_failed_registration_within_a_notification_leaves_only_its_own_lock_held)
+{
+    make_empty_store();
+    LISTENER listener("x", "x", events);
+    listener.on_refresh = [] { EXPECT_THROW(const CFG_INI_CALLBACK callback(nullptr), std::logic_error); };
+    cfg_set_value("x", "1");
+    EXPECT_EQ(release_lock(), 1);
+    listener.on_refresh = [] { const CFG_INI_CALLBACK callback(nullptr); };
+    EXPECT_THROW(cfg_set_value("x", "1"), std::logic_error);
+    EXPECT_EQ(release_lock(), 2);
+}
+
+TEST_F(CHANGE_CALLBACKS_TEST, nothing_counts_as_failed_that_did_not)
+{
+    const int notifications = notifications_under_way;
+    make_empty_store();
+    LISTENER listener("x", "x", events);
+    cfg_set_value("x", "1");
+    cfg_close_ini_file();
+    EXPECT_EQ(events.size(), 2U);
+    EXPECT_EQ(notifications_under_way, notifications);
+    make_empty_store();
+    listener.on_refresh = fail;
+    EXPECT_THROW(cfg_set_value("x", "1"), HOST_FAILURE);
+    EXPECT_EQ(notifications_under_way, notifications + 1);
+    EXPECT_EQ(release_lock(), 1);
+}
+
 TEST_F(CHANGE_CALLBACKS_TEST, a_callback_without_a_registry_goes_quietly)
 {
     CFG_INI_CALLBACK_REGISTRY* registry = nullptr;
@@ -499,7 +543,7 @@ TEST_F(CHANGE_CALLBACKS_TEST, an_exception_from_refresh_during_a_first_use_leave
     EXPECT_EQ(release_lock(), 2);
 }
 
-TEST_F(CHANGE_CALLBACKS_TEST, an_exception_from_refresh_while_a_file_is_laid_over_leaves_the_lines_lock_held)
+TEST_F(CHANGE_CALLBACKS_TEST, an_exception_from_refresh_while_a_file_is_applied_on_top_leaves_the_lines_lock_held)
 {
     make_empty_store();
     LISTENER listener("x", "x", events);

@@ -107,6 +107,14 @@ TEST_F(MODE_SWITCHES_TEST, benchmarking_says_so_on_its_first_call_only)
             fake::mem::messages(), (std::vector<fake::mem::MESSAGE>{{"CFG_INI", "Benchmarking Mode Enabled", false}})));
 }
 
+TEST_F(MODE_SWITCHES_TEST, benchmarking_is_remembered_only_once_it_was_said)
+{
+    EXPECT_IN_FRESH_PROCESS(cfg_set_on("enable_benchmarking_mode"); fake::mem::before_message(
+                                1, [] { EXPECT_TRUE(cfg_is_benchmarking_mode()); }); // asks the variable as well
+                            EXPECT_TRUE(cfg_is_benchmarking_mode()); EXPECT_EQ(fake::mem::messages().size(), 2U);
+                            EXPECT_EQ(record_of("enable_benchmarking_mode")->access_count, 2U));
+}
+
 TEST_F(MODE_SWITCHES_TEST, no_benchmarking_says_nothing)
 {
     EXPECT_IN_FRESH_PROCESS(EXPECT_FALSE(cfg_is_benchmarking_mode()); EXPECT_TRUE(fake::mem::messages().empty()));
@@ -152,6 +160,16 @@ TEST_F(MODE_SWITCHES_TEST, forcing_off_turns_all_three_modes_off_at_once)
                             cfg_force_vexe_mode_off(); EXPECT_FALSE(cfg_is_vexe_mode());
                             EXPECT_FALSE(cfg_is_vexe_cmd_mode()); EXPECT_FALSE(cfg_is_vexe_rpt_mode());
                             EXPECT_FALSE(cfg_is_vexe_mode()));
+}
+
+TEST_F(MODE_SWITCHES_TEST, a_mode_first_asked_after_forcing_off_reads_its_variable)
+{
+    EXPECT_IN_FRESH_PROCESS(
+        cfg_force_vexe_mode_off(); EXPECT_FALSE(cfg_is_vexe_mode());
+        EXPECT_EQ(all_values(), (ASSIGNMENTS{{"disable_vexe_mode", ""}})); EXPECT_FALSE(cfg_is_vexe_cmd_mode());
+        EXPECT_FALSE(cfg_is_vexe_rpt_mode()); EXPECT_EQ(
+            all_values(),
+            (ASSIGNMENTS{{"disable_vexe_cmd_mode", ""}, {"disable_vexe_mode", ""}, {"disable_vexe_rpt_mode", ""}})));
 }
 
 TEST_F(MODE_SWITCHES_TEST, forcing_off_reads_nothing_and_leaves_the_other_questions_alone)
@@ -258,6 +276,33 @@ TEST_F(MODE_SWITCHES_TEST, debug_settings_read_under_one_held_lock)
     debug_values();
     EXPECT_EQ(depths, std::vector<int>{1});
     EXPECT_EQ(fake::thr::depth(), 0);
+}
+
+TEST_F(MODE_SWITCHES_TEST, debug_settings_stay_stale_until_all_three_are_read)
+{
+    make_empty_store();
+    cfg_process_ini_string("debug_msg=on;msg_debug_per_subsystem=on;debug_msg_level=7", true);
+    // The first time that the lock is taken is for all, the next three are for one read each.
+    for (int nth = 2; nth <= 4; ++nth)
+    {
+        fake::thr::before_lock(nth, fake::out_of_memory);
+        EXPECT_THROW(debug_values(), std::bad_alloc);
+        EXPECT_TRUE(cfg_ini_dirty) << nth;
+        EXPECT_EQ(fake::thr::depth(), 0);
+    }
+    EXPECT_EQ(debug_values(), (DEBUG_VALUES{true, true, 7}));
+    EXPECT_FALSE(cfg_ini_dirty);
+}
+
+TEST_F(MODE_SWITCHES_TEST, debug_settings_are_handed_out_after_the_lock_is_released)
+{
+    debug_values();
+    DEBUG_VALUES values;
+    DEBUG_VALUES at_release;
+    fake::thr::before_unlock(1, [&] { at_release = values; });
+    cfg_check_debug_ini_values(&values.global, &values.per_subsystem, &values.level);
+    EXPECT_EQ(at_release, DEBUG_VALUES{}) << "as they were";
+    EXPECT_EQ(values, (DEBUG_VALUES{false, false, 2}));
 }
 
 TEST_F(MODE_SWITCHES_TEST, debug_settings_survive_a_store_that_vanishes_before_the_lock_is_taken)

@@ -151,6 +151,7 @@ TEST_F(SETTINGS_FAULTS_TEST, a_close_is_not_repeated)
 {
     const std::string other = temporary.path("other.ini");
     write_file(other, "a=1\n");
+    make_empty_store();
     const FILE_FAULT fault(FILE_CALL::CLOSE, 1, {EINTR});
     cfg_read_regtest_ini_file(other);
     EXPECT_EQ(fault.calls_seen(), 1) << "another thread may have opened a file in the meantime";

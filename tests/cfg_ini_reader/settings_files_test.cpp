@@ -88,6 +88,45 @@ TEST_F(DISCOVERY_TEST, takes_the_main_file_name_from_the_product)
     EXPECT_EQ(cfg_get_default_ini_file(true), "");
 }
 
+TEST_F(DISCOVERY_TEST, and_a_project_form_the_main_file_name_alike_of_every_product_name)
+{
+    struct
+    {
+        const char* product;
+        const char* file;
+    } const table[] = {
+        {"velmar", "velmar.ini"},
+        {"velmar.pro", "velmar.pro.ini"},
+        {"velmar.pro.2", "velmar.pro.2.ini"},
+        {"velmar.ini", "velmar.ini.ini"},
+        {".velmar", ".velmar.ini"},
+        {"velmar.", "velmar..ini"},
+        {"velmar pro", "velmar pro.ini"},
+        {"v", "v.ini"},
+        {"", ".ini"},
+    };
+    for (const auto& row : table)
+    {
+        SCOPED_TRACE(row.product);
+        fake::ver::set_product_filename(row.product);
+        EXPECT_EQ(settings_file_name(false), row.file);
+        EXPECT_EQ(settings_file_name(true), "regtest.ini");
+        const std::string directory = temporary.path(std::string("products/") + row.file + ".d");
+        write_file(directory + "/" + row.file, std::string("found=") + row.file + "\n");
+        write_file(directory + "/regtest.ini", "regtest=found\n");
+        environment.set("VELMAR_INI", directory);
+        EXPECT_EQ(cfg_get_default_ini_file(false), directory + "/" + row.file);
+        EXPECT_EQ(cfg_get_default_ini_file(true), directory + "/regtest.ini");
+        environment.unset("VELMAR_INI");
+        for (const char* const slash : {"", "/"})
+        {
+            cfg_close_ini_file();
+            cfg_read_project_ini_file((directory + slash).c_str(), true);
+            EXPECT_EQ(all_values(), (ASSIGNMENTS{{"found", row.file}, {"regtest", "found"}}));
+        }
+    }
+}
+
 TEST_F(DISCOVERY_TEST, puts_one_slash_behind_the_current_directory)
 {
     fake::fio::set_current_directory("/");
@@ -185,6 +224,15 @@ TEST_F(DISCOVERY_TEST, is_disabled_by_exactly_1)
         EXPECT_EQ(cfg_get_default_ini_file(false), temporary.path("home/velmar.ini")) << other;
         EXPECT_EQ(cfg_get_default_ini_file(true), temporary.path("home/regtest.ini")) << other;
     }
+}
+
+TEST_F(DISCOVERY_TEST, asks_the_same_questions_when_it_is_disabled)
+{
+    write_file(temporary.path("home/velmar.ini"), "");
+    environment.set("VELMAR_INI_DISABLED", "1");
+    EXPECT_EQ(cfg_get_default_ini_file(false), "");
+    const std::vector<std::string> paths = candidate_paths("velmar.ini");
+    EXPECT_EQ(fake::fio::asked(), std::vector<std::string>(paths.begin(), paths.begin() + 3)) << "up to home";
 }
 
 TEST_F(DISCOVERY_TEST, takes_no_lock_and_makes_no_store)
@@ -417,7 +465,7 @@ TEST_F(SETTINGS_FILES_TEST, the_lock_is_held_from_the_emptying_to_the_end_of_the
     EXPECT_EQ(fake::thr::depth(), 0);
 }
 
-TEST_F(SETTINGS_FILES_TEST, laying_over_holds_no_lock_across_the_file)
+TEST_F(SETTINGS_FILES_TEST, applying_on_top_holds_no_lock_across_the_file)
 {
     make_empty_store();
     write_file(temporary.path("regtest.ini"), "a=1\n");
@@ -535,7 +583,7 @@ TEST_F(SETTINGS_FILES_TEST, a_relative_appended_path_starts_at_the_current_direc
 
 // --- Regression-test and appended files by themselves ---
 
-TEST_F(SETTINGS_FILES_TEST, laying_over_keeps_what_is_there_and_applies_no_environment_source)
+TEST_F(SETTINGS_FILES_TEST, applying_on_top_keeps_what_is_there_and_applies_no_environment_source)
 {
     read_main_file("a=m\nb=m\n");
     cfg_set_value("c", "s");
@@ -550,7 +598,7 @@ TEST_F(SETTINGS_FILES_TEST, laying_over_keeps_what_is_there_and_applies_no_envir
     EXPECT_EQ(all_values(), (ASSIGNMENTS{{"a", "m"}, {"b", "p"}, {"c", "s"}}));
 }
 
-TEST_F(SETTINGS_FILES_TEST, a_missing_file_changes_nothing_when_laid_over)
+TEST_F(SETTINGS_FILES_TEST, a_missing_file_changes_nothing_when_applied_on_top)
 {
     read_main_file("a=1\n");
     cfg_ini_dirty = false;
@@ -680,7 +728,7 @@ TEST_F(PROJECT_TEST, its_regression_test_file_is_read_only_when_asked_for)
     EXPECT_EQ(regtest_path(), temporary.path("project/regtest.ini"));
 }
 
-TEST_F(PROJECT_TEST, its_regression_test_file_lies_over_the_default_main_file)
+TEST_F(PROJECT_TEST, its_regression_test_file_overrides_the_default_main_file)
 {
     write_file(temporary.path("project/regtest.ini"), "b=regtest\n");
     write_file(temporary.path("cwd/regtest.ini"), "b=wrong\n");
@@ -807,6 +855,20 @@ TEST_F(LONG_PATH_TEST, is_cut_after_1024_characters)
     }
 }
 
+TEST_F(SETTINGS_FILES_TEST, a_path_ends_at_its_first_zero_byte)
+{
+    const std::string path = temporary.path("velmar.ini");
+    write_file(path, "a=1\n");
+    const std::string with_more = path + std::string("\0more", 5);
+    cfg_read_ini_file(with_more);
+    EXPECT_EQ(all_values(), (ASSIGNMENTS{{"a", "1"}}));
+    EXPECT_EQ(main_path(), path);
+    cfg_read_regtest_ini_file(with_more);
+    cfg_read_and_append_environment_ini_file(with_more);
+    EXPECT_EQ(regtest_path(), path);
+    EXPECT_EQ(appended_path(), path);
+}
+
 // --- Emptying ---
 
 TEST_F(SETTINGS_FILES_TEST, emptying_without_a_store_sets_the_dirty_flag)
@@ -834,6 +896,28 @@ TEST_F(SETTINGS_FILES_TEST, emptying_may_be_the_first_use)
     EXPECT_IN_FRESH_PROCESS(cfg_ini_dirty = false; cfg_close_ini_file(); EXPECT_TRUE(cfg_ini_dirty);
                             EXPECT_FALSE(store_exists()); EXPECT_EQ(fake::thr::creations(), 1);
                             EXPECT_EQ(fake::thr::depth(), 0));
+}
+
+TEST_F(SETTINGS_FILES_TEST, callbacks_of_the_last_emptying_may_emit_messages)
+{
+    class MESSENGER : public CFG_INI_CALLBACK
+    {
+    public:
+        using CFG_INI_CALLBACK::CFG_INI_CALLBACK;
+        void reset_to_default() override
+        {
+            std::fputs(MEM_INITIALIZER::is_registered("CFG_INI") ? "registered" : "not registered", stderr);
+        }
+    };
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            make_empty_store();
+            static MESSENGER* const messenger = new MESSENGER("x"); // outlives the library
+            EXPECT_NE(messenger, nullptr);
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0), "^registered");
 }
 
 // --- Services that fail ---

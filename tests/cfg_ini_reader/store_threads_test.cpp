@@ -439,7 +439,7 @@ TEST_F(STORE_THREADS_TEST, a_reader_sees_the_old_store_or_the_whole_main_file)
               });
 }
 
-TEST_F(STORE_THREADS_TEST, two_threads_may_lay_files_over_the_store)
+TEST_F(STORE_THREADS_TEST, two_threads_may_apply_files_on_top)
 {
     write_file(temporary.path("one.ini"), "one=1\nboth=1\n");
     write_file(temporary.path("two.ini"), "two=2\nboth=2\n");
@@ -476,6 +476,26 @@ TEST_F(STORE_THREADS_TEST, several_threads_may_reread)
                          EXPECT_EQ(cfg_get_int_value("main", -1), 1);
                      }
                  });
+    EXPECT_EQ(cfg_get_int_value("inline", -1), 3);
+}
+
+TEST_F(STORE_THREADS_TEST, a_load_beside_an_emptying_reports_nothing)
+{
+    write_layers();
+    write_file(temporary.path("cwd/regtest.ini"), "regtest=4\n");
+    const std::string main_file = temporary.path("cwd/velmar.ini");
+    const std::string project = temporary.path("cwd");
+    testing::internal::CaptureStderr(); // where internal errors are reported
+    run_while({cfg_close_ini_file, [] { EXPECT_EQ(cfg_get_int_value("main", -1), 1); }},
+              [&]
+              {
+                  for (int i = 0; i < 500; ++i)
+                  {
+                      cfg_read_ini_file(main_file);
+                      cfg_read_project_ini_file(project.c_str(), true);
+                  }
+              });
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     EXPECT_EQ(cfg_get_int_value("inline", -1), 3);
 }
 

@@ -1,22 +1,253 @@
-// Sixteen characters at once, where the processor has registers of that size.
+// Blocks of sixteen characters that are loaded, compared and hashed as a whole: everything that depends on the
+// processor's registers, and nothing of what the blocks are used for.
+//
+// There are two types of block with the same operations: SSE2_BLOCK, a vector register, and PORTABLE_BLOCK, two
+// ordinary registers of eight characters each. Algorithms take the type as a template parameter; the library gives them
+// CHARACTER_BLOCK, the quickest type that the processor has, and the tests each type that can be compiled.
+//
+// A comparison answers for each character by the high bit of its byte; the other bits mean nothing. Answers combine by
+// `|` and `&`, and high_bits() makes a number of them whose bit n is the answer for character n. Characters of 0x80 and
+// above have the high bit set themselves. No operation branches: a block costs the same whatever it holds.
 #ifndef CFG_INI_CFG_INI_READER_CHARACTER_BLOCK_H
 #define CFG_INI_CFG_INI_READER_CHARACTER_BLOCK_H
 
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
 #ifdef __SSE2__
 #include <emmintrin.h>
-
-#include <cstddef>
+#endif
 
 namespace zon_cfg
 {
 inline constexpr std::size_t block_size = 16;
+inline constexpr std::size_t half_block_size = 8;
 
-// `from` begins `block_size` readable characters, at any address.
-inline __m128i load_block(const char* from)
+// Two halves of a block, each as a number: the sum of its characters times the powers of 17, the last character's being
+// 1.
+struct BLOCK_NUMBERS
 {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
-}
-}
+    std::uint64_t first;
+    std::uint64_t second;
+};
+
+// Eight characters in an ordinary register, the first in its lowest byte.
+class CHARACTER_WORD
+{
+public:
+    // `from` begins eight readable characters, at any address.
+    static CHARACTER_WORD load(const char* from)
+    {
+        std::uint64_t bits;
+        std::memcpy(&bits, from, sizeof bits);
+        if constexpr (std::endian::native == std::endian::big)
+            bits = __builtin_bswap64(bits);
+        return CHARACTER_WORD(bits);
+    }
+
+    // Tells exactly: no character disturbs its neighbour's answer.
+    CHARACTER_WORD equal_to(char c) const
+    {
+        const std::uint64_t difference = word ^ (ones * static_cast<unsigned char>(c));
+        return CHARACTER_WORD(~(((difference & ~high) + ~high) | difference));
+    }
+
+    CHARACTER_WORD between(char first, char last) const
+    {
+        const std::uint64_t low = word & ~high;
+        const std::uint64_t from_first = low + ones * (0x80U - static_cast<unsigned char>(first));
+        const std::uint64_t past_last = low + ones * (0x7FU - static_cast<unsigned char>(last));
+        return CHARACTER_WORD(from_first & ~past_last & ~word);
+    }
+
+    unsigned int high_bits() const
+    {
+        // Each factor moves the bit of one byte to its place in the highest byte.
+        return static_cast<unsigned int>((((word & high) >> 7) * 0x0102040810204080U) >> 56);
+    }
+
+    bool has_high_bits() const
+    {
+        return (word & high) != 0;
+    }
+
+    CHARACTER_WORD folded() const
+    {
+        const std::uint64_t from_a = word + ones * (0x80U - 'A');
+        const std::uint64_t past_z = word + ones * (0x7FU - 'Z');
+        return CHARACTER_WORD(word | (((from_a ^ past_z) & high) >> 2)); // 0x80 >> 2 is what separates the cases
+    }
+
+    // Neighbours are joined to numbers of 2, of 4 and of 8 characters; no lane overflows into the next.
+    std::uint64_t number() const
+    {
+        const std::uint64_t pairs = (word & 0x00FF00FF00FF00FFU) * 17 + ((word >> 8) & 0x00FF00FF00FF00FFU);
+        const std::uint64_t quads = (pairs & 0x0000FFFF0000FFFFU) * (17 * 17) + ((pairs >> 16) & 0x0000FFFF0000FFFFU);
+        return (quads & 0xFFFFFFFFU) * (17 * 17 * 17 * 17) + (quads >> 32);
+    }
+
+    friend CHARACTER_WORD operator|(CHARACTER_WORD a, CHARACTER_WORD b)
+    {
+        return CHARACTER_WORD(a.word | b.word);
+    }
+
+    friend CHARACTER_WORD operator&(CHARACTER_WORD a, CHARACTER_WORD b)
+    {
+        return CHARACTER_WORD(a.word & b.word);
+    }
+
+    friend bool operator==(CHARACTER_WORD a, CHARACTER_WORD b) = default;
+
+private:
+    explicit CHARACTER_WORD(std::uint64_t bits) : word(bits) {}
+
+    static constexpr std::uint64_t ones = 0x0101010101010101U;
+    static constexpr std::uint64_t high = 0x8080808080808080U;
+
+    std::uint64_t word;
+};
+
+class PORTABLE_BLOCK
+{
+public:
+    // `from` begins `block_size` readable characters, at any address.
+    static PORTABLE_BLOCK load(const char* from)
+    {
+        return load_halves(from, from + half_block_size);
+    }
+
+    // Each begins `half_block_size` readable characters.
+    static PORTABLE_BLOCK load_halves(const char* first, const char* second)
+    {
+        return {CHARACTER_WORD::load(first), CHARACTER_WORD::load(second)};
+    }
+
+    PORTABLE_BLOCK equal_to(char c) const
+    {
+        return {lower.equal_to(c), upper.equal_to(c)};
+    }
+
+    // Whether a character is one from `first` to `last`, both ASCII.
+    PORTABLE_BLOCK between(char first, char last) const
+    {
+        return {lower.between(first, last), upper.between(first, last)};
+    }
+
+    unsigned int high_bits() const
+    {
+        return lower.high_bits() | upper.high_bits() << half_block_size;
+    }
+
+    bool has_high_bits() const
+    {
+        return (lower | upper).has_high_bits();
+    }
+
+    // The letters A to Z folded to lower case. No character has its high bit set, here and for numbers().
+    PORTABLE_BLOCK folded() const
+    {
+        return {lower.folded(), upper.folded()};
+    }
+
+    BLOCK_NUMBERS numbers() const
+    {
+        return {lower.number(), upper.number()};
+    }
+
+    friend PORTABLE_BLOCK operator|(PORTABLE_BLOCK a, PORTABLE_BLOCK b)
+    {
+        return {a.lower | b.lower, a.upper | b.upper};
+    }
+
+    friend PORTABLE_BLOCK operator&(PORTABLE_BLOCK a, PORTABLE_BLOCK b)
+    {
+        return {a.lower & b.lower, a.upper & b.upper};
+    }
+
+private:
+    PORTABLE_BLOCK(CHARACTER_WORD first, CHARACTER_WORD second) : lower(first), upper(second) {}
+
+    CHARACTER_WORD lower;
+    CHARACTER_WORD upper;
+};
+
+#ifdef __SSE2__
+class SSE2_BLOCK
+{
+public:
+    static SSE2_BLOCK load(const char* from)
+    {
+        return SSE2_BLOCK(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from)));
+    }
+
+    static SSE2_BLOCK load_halves(const char* first, const char* second)
+    {
+        return SSE2_BLOCK(_mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(first)),
+                                             _mm_loadl_epi64(reinterpret_cast<const __m128i*>(second))));
+    }
+
+    SSE2_BLOCK equal_to(char c) const
+    {
+        return SSE2_BLOCK(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)));
+    }
+
+    SSE2_BLOCK between(char first, char last) const
+    {
+        // As signed numbers, so that characters of 0x80 and above are less than all others.
+        return SSE2_BLOCK(_mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8(static_cast<char>(first - 1))),
+                                        _mm_cmplt_epi8(bytes, _mm_set1_epi8(static_cast<char>(last + 1)))));
+    }
+
+    unsigned int high_bits() const
+    {
+        return static_cast<unsigned int>(_mm_movemask_epi8(bytes));
+    }
+
+    bool has_high_bits() const
+    {
+        return high_bits() != 0;
+    }
+
+    SSE2_BLOCK folded() const
+    {
+        return SSE2_BLOCK(_mm_or_si128(bytes, _mm_and_si128(between('A', 'Z').bytes, _mm_set1_epi8('a' - 'A'))));
+    }
+
+    // Joined as by CHARACTER_WORD::number().
+    BLOCK_NUMBERS numbers() const
+    {
+        const __m128i pairs =
+            _mm_add_epi16(_mm_mullo_epi16(_mm_and_si128(bytes, _mm_set1_epi16(0x00FF)), _mm_set1_epi16(17)),
+                          _mm_srli_epi16(bytes, 8));
+        const __m128i quads = _mm_madd_epi16(pairs, _mm_set1_epi32(1 << 16 | 17 * 17));
+        const __m128i halves =
+            _mm_add_epi64(_mm_mul_epu32(quads, _mm_set1_epi32(17 * 17 * 17 * 17)), _mm_srli_epi64(quads, 32));
+        return {static_cast<std::uint64_t>(_mm_cvtsi128_si64(halves)),
+                static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(halves, halves)))};
+    }
+
+    friend SSE2_BLOCK operator|(SSE2_BLOCK a, SSE2_BLOCK b)
+    {
+        return SSE2_BLOCK(_mm_or_si128(a.bytes, b.bytes));
+    }
+
+    friend SSE2_BLOCK operator&(SSE2_BLOCK a, SSE2_BLOCK b)
+    {
+        return SSE2_BLOCK(_mm_and_si128(a.bytes, b.bytes));
+    }
+
+private:
+    explicit SSE2_BLOCK(__m128i of_sixteen) : bytes(of_sixteen) {}
+
+    __m128i bytes;
+};
+
+using CHARACTER_BLOCK = SSE2_BLOCK;
+#else
+using CHARACTER_BLOCK = PORTABLE_BLOCK;
 #endif
+}
 
 #endif

@@ -1,10 +1,19 @@
+// Lines and inline texts taken apart in place.
+//
+// A line is divided in one scan (line_division.h), and name and value are parts of it: nothing is copied as long as taking
+// blanks and tabs off the ends leaves visible ASCII there, and in the name throughout. That is what nearly every line is.
+// For the others the rule itself is asked, isspace of the current locale for a name and the platform's trimming for a
+// value, and the result is kept beside the line.
+//
+// An inline text is walked once. What is looked for in an item is looked for in that item alone, so that any text costs
+// linear time.
 #include "cfg_ini/cfg_ini_reader/ini_text.h"
 
 #include <algorithm>
-#include <bit>
 #include <cctype>
 
 #include "cfg_ini/cfg_ini_reader/character_block.h"
+#include "cfg_ini/cfg_ini_reader/line_division.h"
 #include "cfg_ini/cfg_ini_reader/report_lines.h"
 #include "platform/gen/gen.h"
 
@@ -12,132 +21,19 @@ namespace zon_cfg
 {
 namespace
 {
-// Where a settings line divides.
-struct DIVIDED_LINE
-{
-    std::size_t end;    // of the line without its comment
-    std::size_t equals; // the first "=", or npos when there is none before the end
-};
-
-bool divides(char c)
-{
-    return c == '"' || c == ';' || c == '#' || c == '=' || c == '/';
-}
-
-// The scan of a line, told of each character that divides lines, from left to right. A comment starts at the first ";"
-// or "#" outside double quotes; an unclosed quote reaches to the end of the line. Behind the first "=" a "//" belongs
-// to the value, so that values may hold paths and addresses; before it, it starts a comment too, quoted or not.
-class DIVISION
-{
-public:
-    explicit DIVISION(std::string_view whole_line) : line(whole_line) {}
-
-    // Whether the line ends there.
-    bool ends_at(std::size_t at)
-    {
-        switch (line[at])
-        {
-        case '"':
-            in_quotes = !in_quotes;
-            return false;
-        case '=':
-            equals = std::min(equals, at);
-            return false;
-        case '/':
-            return equals == std::string_view::npos && at + 1 < line.size() && line[at + 1] == '/';
-        default:
-            return !in_quotes;
-        }
-    }
-
-    DIVIDED_LINE ended_at(std::size_t end) const
-    {
-        return {end, equals};
-    }
-
-private:
-    const std::string_view line;
-    bool in_quotes = false;
-    std::size_t equals = std::string_view::npos;
-};
-
-#ifdef __SSE2__
-// The characters of a block that divide lines: bit n is that of character n.
-unsigned int dividers_in_block(const char* from)
-{
-    const __m128i block = load_block(from);
-    const auto equal = [block](char c) { return _mm_cmpeq_epi8(block, _mm_set1_epi8(c)); };
-    const __m128i any = _mm_or_si128(
-        _mm_or_si128(_mm_or_si128(equal('"'), equal('#')), _mm_or_si128(equal(';'), equal('='))), equal('/'));
-    return static_cast<unsigned int>(_mm_movemask_epi8(any));
-}
-#endif
-
 DIVIDED_LINE divide(std::string_view line)
 {
-    DIVISION division(line);
-    std::size_t at = 0;
-#ifdef __SSE2__
-    // Whole blocks; the last one reaches back over characters that were seen, which are shifted out.
-    if (line.size() >= block_size)
-    {
-        for (std::size_t next = block_size;; next = std::min(next + block_size, line.size()))
-        {
-            const std::size_t from = next - block_size;
-            for (unsigned int found = dividers_in_block(line.data() + from) >> (at - from) << (at - from); found != 0;
-                 found &= found - 1)
-            {
-                const std::size_t divider = from + static_cast<std::size_t>(std::countr_zero(found));
-                if (division.ends_at(divider))
-                    return division.ended_at(divider);
-            }
-            at = next;
-            if (at == line.size())
-                return division.ended_at(at);
-        }
-    }
-#endif
-    for (; at < line.size(); ++at)
-    {
-        if (divides(line[at]) && division.ends_at(at))
-            return division.ended_at(at);
-    }
-    return division.ended_at(at);
+    return divide_by_blocks<CHARACTER_BLOCK>(line);
 }
 
-// Visible ASCII is white space in no locale: most characters need no question.
-bool is_visible_ascii(char c)
+bool is_all_visible_ascii(std::string_view text)
 {
-    return c > ' ' && c <= '~';
+    return is_visible_ascii_by_blocks<CHARACTER_BLOCK>(text);
 }
 
 bool is_white_space(char c)
 {
     return !is_visible_ascii(c) && std::isspace(static_cast<unsigned char>(c)) != 0;
-}
-
-bool is_all_visible_ascii(std::string_view text)
-{
-#ifdef __SSE2__
-    if (text.size() >= block_size)
-    {
-        // Bytes of 0x80 and above are negative. The last block reaches back.
-        const auto is_visible_block = [](const char* from)
-        {
-            const __m128i block = load_block(from);
-            const __m128i visible =
-                _mm_and_si128(_mm_cmpgt_epi8(block, _mm_set1_epi8(' ')), _mm_cmplt_epi8(block, _mm_set1_epi8('~' + 1)));
-            return _mm_movemask_epi8(visible) == 0xFFFF;
-        };
-        for (std::size_t at = 0; at + block_size < text.size(); at += block_size)
-        {
-            if (!is_visible_block(text.data() + at))
-                return false;
-        }
-        return is_visible_block(text.data() + text.size() - block_size);
-    }
-#endif
-    return std::ranges::all_of(text, is_visible_ascii);
 }
 
 // `text` without the blanks and tabs, white space to anyone, at its ends.
@@ -166,9 +62,10 @@ std::string_view value_of(std::string_view line, const DIVIDED_LINE& divided, st
 // that is a value, as in "=5", set the variable of empty name. "=;" and "= " have no value and stay ignored.
 bool assigns_to_the_empty_name(std::string_view short_line)
 {
-    std::string changed;
-    return short_line.size() == 2 && short_line.front() == '=' &&
-           !value_of(short_line, divide(short_line), changed).empty();
+    if (short_line.size() != 2 || short_line.front() != '=')
+        return false;
+    const std::size_t end = divide(short_line).end;
+    return !gen_remove_leading_and_trailing_white_spaces(std::string(short_line.substr(1, end - 1))).empty();
 }
 }
 }
@@ -241,7 +138,9 @@ bool INLINE_TEXT::next(INLINE_ITEM& kind, std::string& name, std::string& value)
 {
     if (position >= text.size())
         return false;
-    const std::size_t end = std::min(text.find(separator, position), text.size());
+    // Not searched for where it stands at once: a megabyte of separators is then quickly over.
+    const std::size_t end =
+        text[position] == separator ? position : std::min(text.find(separator, position), text.size());
     item_start = position;
     item_size = end - position;
     position = end + 1;

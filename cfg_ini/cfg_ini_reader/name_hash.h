@@ -1,0 +1,134 @@
+// The hash of a variable name: h = 0, then h * 17 + b for each folded byte b as a signed number, in 64 bits with
+// wrap-around, up to the first zero byte.
+//
+// A name of at least half a block is hashed by blocks. A block is two numbers in base 17, each of eight characters, and
+// numbers join as the characters of the rule do: first * 17^(characters of second) + second. What is left over behind
+// whole blocks is hashed as the end of a block that reaches back over characters that were hashed already; these are
+// taken out by making them zero bytes, which add nothing in front of a number. Nothing outside the name is read.
+//
+// This holds only for characters of 0x01 to 0x7F: a block with another one sends the whole name to the bytewise rule.
+// That is at most one scan more, so that the cost stays linear whatever the name holds.
+#ifndef CFG_INI_CFG_INI_READER_NAME_HASH_H
+#define CFG_INI_CFG_INI_READER_NAME_HASH_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "cfg_ini/cfg_ini_reader/character_block.h"
+
+namespace zon_cfg
+{
+constexpr char folded(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+inline std::size_t hash_bytewise(std::string_view name)
+{
+    std::uint64_t hash = 0;
+    for (const char c : name)
+    {
+        if (c == '\0')
+            break;
+        // A byte of 0x80 and above counts as a negative number.
+        hash = hash * 17 + static_cast<std::uint64_t>(static_cast<signed char>(folded(c)));
+    }
+    return hash;
+}
+
+using POWERS = std::array<std::uint64_t, block_size + 1>;
+
+constexpr POWERS powers_of_17()
+{
+    POWERS all{1};
+    for (std::size_t n = 1; n < all.size(); ++n)
+        all[n] = all[n - 1] * 17;
+    return all;
+}
+
+// 17 to the power of n.
+inline constexpr POWERS powers = powers_of_17();
+
+// Eight bytes with all bits set, sixteen with none, sixteen with all.
+using MASKS = std::array<char, half_block_size + 2 * block_size>;
+
+constexpr MASKS all_bits_none_and_all()
+{
+    MASKS bytes{};
+    for (std::size_t n = 0; n < bytes.size(); ++n)
+        bytes[n] = n < half_block_size || n >= half_block_size + block_size ? '\xFF' : '\0';
+    return bytes;
+}
+
+inline constexpr MASKS masks = all_bits_none_and_all();
+
+// Begins the mask of the last n characters of a block.
+constexpr const char* mask_of_last(std::size_t n)
+{
+    return masks.data() + half_block_size + n;
+}
+
+// Begins the mask of the last n characters of half a block.
+constexpr const char* mask_of_last_in_half(std::size_t n)
+{
+    return masks.data() + block_size + n;
+}
+
+template <typename BLOCK>
+bool is_plain(const BLOCK& block)
+{
+    return !(block | block.equal_to('\0')).has_high_bits();
+}
+
+// Of the characters of both halves, of which the second has as many as the power of 17 says.
+template <typename BLOCK>
+[[gnu::always_inline]] inline std::uint64_t hash_of_block(const BLOCK& block, std::uint64_t power_of_second)
+{
+    const BLOCK_NUMBERS numbers = block.folded().numbers();
+    return numbers.first * power_of_second + numbers.second;
+}
+
+// Of half a block and more, but less than a whole one.
+template <typename BLOCK>
+[[gnu::always_inline]] inline std::size_t hash_by_halves(std::string_view name)
+{
+    const std::size_t left = name.size() - half_block_size;
+    const BLOCK block = BLOCK::load_halves(name.data(), name.data() + left);
+    if (!is_plain(block))
+        return hash_bytewise(name);
+    const BLOCK mask = BLOCK::load_halves(masks.data(), mask_of_last_in_half(left));
+    return hash_of_block(block & mask, powers[left]);
+}
+
+template <typename BLOCK>
+[[gnu::always_inline]] inline std::size_t hash_by_blocks(std::string_view name)
+{
+    if (name.size() < half_block_size)
+        return hash_bytewise(name);
+    if (name.size() < block_size)
+        return hash_by_halves<BLOCK>(name);
+
+    std::uint64_t hash = 0;
+    std::size_t left = name.size();
+    for (const char* next = name.data(); left >= block_size; next += block_size, left -= block_size)
+    {
+        const BLOCK block = BLOCK::load(next);
+        if (!is_plain(block))
+            return hash_bytewise(name);
+        hash = hash * powers[block_size] + hash_of_block(block, powers[half_block_size]);
+    }
+    if (left > 0)
+    {
+        const BLOCK block = BLOCK::load(name.data() + name.size() - block_size);
+        if (!is_plain(block))
+            return hash_bytewise(name);
+        const BLOCK mask = BLOCK::load(mask_of_last(left));
+        hash = hash * powers[left] + hash_of_block(block & mask, powers[half_block_size]);
+    }
+    return hash;
+}
+}
+
+#endif

@@ -1,47 +1,71 @@
-// The search paths that were handed over last. A text that was once handed over is never changed, only replaced: the
-// mutex guards the two pointers to the texts and is held to copy or swap one, never to allocate or free.
+// The search paths that were handed over last. A text is never changed, only replaced, and freed by its last user. The
+// mutex guards which text is the present one and how many use each; it is not held to allocate, copy or free.
 #include "platform/gen/gen.h"
 
-#include <memory>
 #include <mutex>
+#include <utility>
 
 #include "platform/held_during_fork.h"
 
 namespace
 {
-using TEXT = std::shared_ptr<const std::string>;
-
-// Never destroyed: preferences may be used before and after this file's static objects live.
-union KEPT_TEXT
+struct TEXT
 {
-    constexpr KEPT_TEXT() : text() {}
-    ~KEPT_TEXT() {} // NOLINT(modernize-use-equals-default): that of a union with such a member would be deleted
-    KEPT_TEXT(const KEPT_TEXT&) = delete;
-    KEPT_TEXT& operator=(const KEPT_TEXT&) = delete;
-
-    TEXT text;
+    const std::string text;
+    int users = 1; // readers, and one for being the present one
 };
 
 constinit std::mutex texts_mutex;
 const HELD_DURING_FORK<texts_mutex> texts_mutex_during_fork;
-constinit KEPT_TEXT user_libraries;
-constinit KEPT_TEXT user_ip;
 
-void replace(KEPT_TEXT& kept, const std::string& paths)
-{
-    TEXT other = std::make_shared<const std::string>(paths);
-    const std::lock_guard lock(texts_mutex);
-    kept.text.swap(other); // the old text is freed after the unlocking
-}
+// Never freed at the process's end: preferences may be used before and after this file's static objects live.
+constinit TEXT* user_libraries = nullptr;
+constinit TEXT* user_ip = nullptr;
 
-std::string copy_of(const KEPT_TEXT& kept)
+void stop_using(TEXT* text)
 {
-    TEXT text;
+    bool was_last = false;
+    if (text != nullptr)
     {
         const std::lock_guard lock(texts_mutex);
-        text = kept.text;
+        was_last = --text->users == 0;
     }
-    return text == nullptr ? std::string() : *text;
+    if (was_last)
+        delete text;
+}
+
+void replace(TEXT*& present, const std::string& paths)
+{
+    TEXT* other = new TEXT{paths};
+    {
+        const std::lock_guard lock(texts_mutex);
+        std::swap(present, other);
+    }
+    stop_using(other);
+}
+
+// Gives a text back, whatever becomes of its copy.
+struct USE
+{
+    TEXT* const text;
+    ~USE()
+    {
+        stop_using(text);
+    }
+};
+
+TEXT* used(TEXT* const& present)
+{
+    const std::lock_guard lock(texts_mutex);
+    if (present != nullptr)
+        ++present->users;
+    return present;
+}
+
+std::string copy_of(TEXT* const& present)
+{
+    const USE use{used(present)};
+    return use.text == nullptr ? std::string() : use.text->text;
 }
 }
 

@@ -37,8 +37,10 @@ void meet_at_the_moment_of_falling_asleep()
     THR_MUTEX* const mutex = thr_mutex_create();
     have_refused(SYS_membarrier);
 
-    constexpr int rounds = 100'000;
+    constexpr int rounds = 100'000; // or as many as there is time for
+    const auto enough = std::chrono::steady_clock::now() + std::chrono::seconds(5);
     constexpr int most_pauses = 400; // the mutex spins 200 times before it sleeps
+    constexpr int no_more_rounds = -2;
     std::vector<unsigned char> cold_memory(std::size_t{64} << 20U);
     std::minstd_rand random(1);
     std::barrier both(2);
@@ -49,14 +51,17 @@ void meet_at_the_moment_of_falling_asleep()
         {
             for (int round = 0; round < rounds; ++round)
             {
-                while (round_held.load(std::memory_order_acquire) != round)
+                int held = -1;
+                while ((held = round_held.load(std::memory_order_acquire)) != round && held != no_more_rounds)
                     std::this_thread::yield();
+                if (held == no_more_rounds)
+                    return;
                 thr_mutex_lock(mutex);
                 thr_mutex_unlock(mutex);
                 both.arrive_and_wait();
             }
         });
-    for (int round = 0; round < rounds; ++round)
+    for (int round = 0; round < rounds && std::chrono::steady_clock::now() < enough; ++round)
     {
         thr_mutex_lock(mutex);
         round_held.store(round, std::memory_order_release);
@@ -67,6 +72,7 @@ void meet_at_the_moment_of_falling_asleep()
         thr_mutex_unlock(mutex);
         both.arrive_and_wait();
     }
+    round_held.store(no_more_rounds, std::memory_order_release);
     second.join();
 }
 

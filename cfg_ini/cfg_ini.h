@@ -23,6 +23,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -80,8 +81,10 @@ enum CFG_INI_VAR_ENUM : int
 //   boolean   "on", "1", "true" and "off", "0", "false" in any letter case, nothing else, no blanks;
 //   int       an optional "-" and decimal digits, the whole text, -2147483648 to 2147483647;
 //   unsigned  decimal digits, the whole text, 0 to 4294967295.
-// The forms that take the name as characters answer as the std::string forms do, without building a string when the
-// variable exists. A null name, or a view that is null, throws std::logic_error and reads nothing.
+// A name is a std::string, or characters: a literal, an array or a pointer to a zero-terminated text, a
+// std::string_view, or an object that converts to one of these two and not to std::string. Characters answer as the
+// std::string of them does, zero bytes included, without a string being built when the variable exists. A null name, or
+// a view that is null, throws std::logic_error and reads nothing.
 
 // The characters of a name, its length known to the compiler when the name is a literal; null for null.
 inline std::string_view cfg_ini_name_view(const char* name)
@@ -89,20 +92,63 @@ inline std::string_view cfg_ini_name_view(const char* name)
     return name != nullptr ? std::string_view(name) : std::string_view();
 }
 
+// A name as characters. The readers by std::string_view are declared as friends of this class and are found through an
+// argument of it alone. In sight for every call, they would compete with the forms by std::string for arguments such as
+// {"name", 2}, and make them ambiguous.
+class CFG_INI_NAME_VIEW : public std::string_view
+{
+public:
+    explicit CFG_INI_NAME_VIEW(std::string_view name) : std::string_view(name) {}
+
+    friend CFG_INI_API bool cfg_is_on(std::string_view name, bool default_value);
+    friend CFG_INI_API bool cfg_is_on(std::string_view name);
+    friend CFG_INI_API int cfg_get_int_value(std::string_view name, int default_value);
+    friend CFG_INI_API unsigned int cfg_get_uint_value(std::string_view name, unsigned int default_value);
+    friend CFG_INI_API double cfg_get_double_value(std::string_view name, double default_value);
+    friend CFG_INI_API std::string cfg_get_value(std::string_view name);
+    template <typename T>
+    friend std::optional<T> cfg_get_value_as(std::string_view name); // the library has the instances for each T below
+};
+
+// Whether a NAME, const and reference included, is a name as characters and nothing that the other forms take.
+template <typename NAME>
+constexpr bool cfg_ini_is_characters()
+{
+    using PLAIN = std::decay_t<NAME>;
+    constexpr bool is_characters =
+        std::is_convertible_v<NAME, const char*> || std::is_convertible_v<NAME, std::string_view>;
+    // Pointers, arrays and nullptr also convert to std::string.
+    constexpr bool is_object = std::is_class_v<PLAIN> || std::is_union_v<PLAIN>;
+    return is_characters && !std::is_same_v<PLAIN, CFG_INI_NAME_VIEW> &&
+           !(is_object && (std::is_convertible_v<NAME, std::string> || std::is_convertible_v<NAME, CFG_INI_VAR_ENUM>));
+}
+
+template <typename NAME>
+using CFG_INI_IF_CHARACTERS = std::enable_if_t<cfg_ini_is_characters<NAME>(), int>;
+
+template <typename NAME>
+CFG_INI_NAME_VIEW cfg_ini_name_of(NAME&& name)
+{
+    if constexpr (std::is_class_v<std::decay_t<NAME>> && std::is_convertible_v<NAME, std::string_view>)
+        return CFG_INI_NAME_VIEW(std::forward<NAME>(name));
+    else
+        return CFG_INI_NAME_VIEW(cfg_ini_name_view(std::forward<NAME>(name)));
+}
+
 // The variable as a boolean, or `default_value` when it has none.
 CFG_INI_API bool cfg_is_on(const std::string& name, bool default_value);
-CFG_INI_API bool cfg_is_on(std::string_view name, bool default_value);
-inline bool cfg_is_on(const char* name, bool default_value)
+template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
+bool cfg_is_on(NAME&& name, bool default_value)
 {
-    return cfg_is_on(cfg_ini_name_view(name), default_value);
+    return cfg_is_on(cfg_ini_name_of(std::forward<NAME>(name)), default_value);
 }
 
 // As above; the default is true exactly for a catalogued name (spelt exactly) whose default text is "on".
 CFG_INI_API bool cfg_is_on(const std::string& name);
-CFG_INI_API bool cfg_is_on(std::string_view name);
-inline bool cfg_is_on(const char* name)
+template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
+bool cfg_is_on(NAME&& name)
 {
-    return cfg_is_on(cfg_ini_name_view(name));
+    return cfg_is_on(cfg_ini_name_of(std::forward<NAME>(name)));
 }
 
 // The catalogued variable as a boolean, else its default text read as a boolean.
@@ -110,10 +156,10 @@ CFG_INI_API bool cfg_is_on(CFG_INI_VAR_ENUM ini_enum);
 
 // The variable as a signed 32-bit integer, or `default_value` when it has none.
 CFG_INI_API int cfg_get_int_value(const std::string& name, int default_value);
-CFG_INI_API int cfg_get_int_value(std::string_view name, int default_value);
-inline int cfg_get_int_value(const char* name, int default_value)
+template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
+int cfg_get_int_value(NAME&& name, int default_value)
 {
-    return cfg_get_int_value(cfg_ini_name_view(name), default_value);
+    return cfg_get_int_value(cfg_ini_name_of(std::forward<NAME>(name)), default_value);
 }
 
 // The catalogued variable as an integer, else the number its default text begins with (0 for "on" and "off").
@@ -121,27 +167,27 @@ CFG_INI_API int cfg_get_int_value(CFG_INI_VAR_ENUM ini_enum);
 
 // The variable as an unsigned 32-bit integer, or `default_value` when it has none.
 CFG_INI_API unsigned int cfg_get_uint_value(const std::string& name, unsigned int default_value);
-CFG_INI_API unsigned int cfg_get_uint_value(std::string_view name, unsigned int default_value);
-inline unsigned int cfg_get_uint_value(const char* name, unsigned int default_value)
+template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
+unsigned int cfg_get_uint_value(NAME&& name, unsigned int default_value)
 {
-    return cfg_get_uint_value(cfg_ini_name_view(name), default_value);
+    return cfg_get_uint_value(cfg_ini_name_of(std::forward<NAME>(name)), default_value);
 }
 
 // The value of cfg_get_value_as<double>, or `default_value` when the variable's text is empty.
 CFG_INI_API double cfg_get_double_value(const std::string& name, double default_value);
-CFG_INI_API double cfg_get_double_value(std::string_view name, double default_value);
-inline double cfg_get_double_value(const char* name, double default_value)
+template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
+double cfg_get_double_value(NAME&& name, double default_value)
 {
-    return cfg_get_double_value(cfg_ini_name_view(name), default_value);
+    return cfg_get_double_value(cfg_ini_name_of(std::forward<NAME>(name)), default_value);
 }
 
 // The variable's text as stored, quotes included; the empty text when it has none. Marks the variable as validly read
 // whatever its text, also when this very call created its record.
 CFG_INI_API std::string cfg_get_value(const std::string& name);
-CFG_INI_API std::string cfg_get_value(std::string_view name);
-inline std::string cfg_get_value(const char* name)
+template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
+std::string cfg_get_value(NAME&& name)
 {
-    return cfg_get_value(cfg_ini_name_view(name));
+    return cfg_get_value(cfg_ini_name_of(std::forward<NAME>(name)));
 }
 
 // The catalogued variable's text; its default text when that is empty.
@@ -157,12 +203,10 @@ CFG_INI_API std::string cfg_get_value(CFG_INI_VAR_ENUM ini_enum);
 // The floating forms convert at each call. There is no unsigned form.
 template <typename T>
 std::optional<T> cfg_get_value_as(const std::string& name);
-template <typename T>
-std::optional<T> cfg_get_value_as(std::string_view name);
-template <typename T>
-std::optional<T> cfg_get_value_as(const char* name)
+template <typename T, typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
+std::optional<T> cfg_get_value_as(NAME&& name)
 {
-    return cfg_get_value_as<T>(cfg_ini_name_view(name));
+    return cfg_get_value_as<T>(cfg_ini_name_of(std::forward<NAME>(name)));
 }
 
 template <>
@@ -175,16 +219,6 @@ template <>
 CFG_INI_API std::optional<double> cfg_get_value_as<double>(const std::string& name);
 template <>
 CFG_INI_API std::optional<float> cfg_get_value_as<float>(const std::string& name);
-template <>
-CFG_INI_API std::optional<bool> cfg_get_value_as<bool>(std::string_view name);
-template <>
-CFG_INI_API std::optional<int> cfg_get_value_as<int>(std::string_view name);
-template <>
-CFG_INI_API std::optional<std::string> cfg_get_value_as<std::string>(std::string_view name);
-template <>
-CFG_INI_API std::optional<double> cfg_get_value_as<double>(std::string_view name);
-template <>
-CFG_INI_API std::optional<float> cfg_get_value_as<float>(std::string_view name);
 
 // --- Setting a variable ---
 //

@@ -159,19 +159,7 @@ std::optional<bool> cfg_get_value_as<bool>(const std::string& name)
 }
 
 template <>
-std::optional<bool> cfg_get_value_as<bool>(std::string_view name)
-{
-    return cached_or_nothing<bool>(name);
-}
-
-template <>
 std::optional<int> cfg_get_value_as<int>(const std::string& name)
-{
-    return cached_or_nothing<int>(name);
-}
-
-template <>
-std::optional<int> cfg_get_value_as<int>(std::string_view name)
 {
     return cached_or_nothing<int>(name);
 }
@@ -183,19 +171,7 @@ std::optional<std::string> cfg_get_value_as<std::string>(const std::string& name
 }
 
 template <>
-std::optional<std::string> cfg_get_value_as<std::string>(std::string_view name)
-{
-    return text_or_nothing(name);
-}
-
-template <>
 std::optional<double> cfg_get_value_as<double>(const std::string& name)
-{
-    return number_or_nothing(name);
-}
-
-template <>
-std::optional<double> cfg_get_value_as<double>(std::string_view name)
 {
     return number_or_nothing(name);
 }
@@ -206,11 +182,25 @@ std::optional<float> cfg_get_value_as<float>(const std::string& name)
     return narrow_number_or_nothing(name);
 }
 
-template <>
-std::optional<float> cfg_get_value_as<float>(std::string_view name)
+// The instances by view; calls reach them through the class in the public header that names them friends.
+template <typename T>
+std::optional<T> cfg_get_value_as(std::string_view name)
 {
-    return narrow_number_or_nothing(name);
+    if constexpr (std::is_same_v<T, std::string>)
+        return text_or_nothing(name);
+    else if constexpr (std::is_same_v<T, double>)
+        return number_or_nothing(name);
+    else if constexpr (std::is_same_v<T, float>)
+        return narrow_number_or_nothing(name);
+    else
+        return cached_or_nothing<T>(name);
 }
+
+template CFG_INI_API std::optional<bool> cfg_get_value_as<bool>(std::string_view name);
+template CFG_INI_API std::optional<int> cfg_get_value_as<int>(std::string_view name);
+template CFG_INI_API std::optional<std::string> cfg_get_value_as<std::string>(std::string_view name);
+template CFG_INI_API std::optional<double> cfg_get_value_as<double>(std::string_view name);
+template CFG_INI_API std::optional<float> cfg_get_value_as<float>(std::string_view name);
 
 bool cfg_dyn_is_on(const char* name, bool default_value)
 {

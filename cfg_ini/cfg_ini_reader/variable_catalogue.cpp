@@ -1,8 +1,12 @@
 #include "cfg_ini/cfg_ini_reader/variable_catalogue.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
+#include <memory>
+#include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "cfg_ini/cfg_ini_reader/name_matching.h"
 #include "cfg_ini/cfg_ini_reader/report_lines.h"
@@ -117,6 +121,45 @@ const std::pair<const char*, const char*>& catalogue_entry(CFG_INI_VAR_ENUM ini_
     return cfg_enum_based_defaults[static_cast<std::size_t>(ini_enum)];
 }
 
+namespace
+{
+using POSITIONS = std::unordered_map<std::string, CFG_INI_VAR_ENUM>;
+
+// The map of the first call, for the rest of the process. Racing first callers each build one, and all get the first
+// that is finished. Nobody waits for another, as at the guard of a local static: a child forked while some thread of
+// its parent builds has no such thread, and would wait for ever.
+class POSITIONS_BY_NAME
+{
+public:
+    constexpr POSITIONS_BY_NAME() = default;
+    ~POSITIONS_BY_NAME()
+    {
+        delete map.load(std::memory_order_acquire);
+    }
+    POSITIONS_BY_NAME(const POSITIONS_BY_NAME&) = delete;
+    POSITIONS_BY_NAME& operator=(const POSITIONS_BY_NAME&) = delete;
+
+    const POSITIONS& get()
+    {
+        const POSITIONS* found = map.load(std::memory_order_acquire);
+        if (found != nullptr)
+            return *found;
+
+        auto made = std::make_unique<POSITIONS>();
+        for (const CATALOGUE_ROW& row : catalogue)
+            made->emplace(row.name, row.position);
+        if (map.compare_exchange_strong(found, made.get(), std::memory_order_acq_rel, std::memory_order_acquire))
+            found = made.release();
+        return *found;
+    }
+
+private:
+    std::atomic<const POSITIONS*> map = nullptr;
+};
+
+constinit POSITIONS_BY_NAME positions_by_name;
+}
+
 std::optional<CFG_INI_VAR_ENUM> catalogue_position(std::string_view name)
 {
     // Not through the map above, which is gone once static objects are destroyed: exit handlers still ask.
@@ -137,14 +180,7 @@ std::string cfg_get_default_value(CFG_INI_VAR_ENUM ini_enum)
 
 const std::unordered_map<std::string, CFG_INI_VAR_ENUM>& cfg_ini_get_string_to_id_map()
 {
-    static const std::unordered_map<std::string, CFG_INI_VAR_ENUM> positions = []
-    {
-        std::unordered_map<std::string, CFG_INI_VAR_ENUM> map;
-        for (const CATALOGUE_ROW& row : catalogue)
-            map.emplace(row.name, row.position);
-        return map;
-    }();
-    return positions;
+    return positions_by_name.get();
 }
 
 std::optional<CFG_INI_VAR_ENUM> cfg_get_ini_var_enum_from_string(const char* name)

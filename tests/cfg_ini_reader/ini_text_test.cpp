@@ -79,6 +79,38 @@ INSTANTIATE_TEST_SUITE_P(, NAME_TEST,
 
 using TRIM_STRING_TEST = STORE_TEST;
 
+TEST_F(TRIM_STRING_TEST, follows_the_current_locale)
+{
+    const std::string visible = "!\"#$%&'()*+,-./0123456789:;<=>?@ABCDEFGHIJKLMNOPQRSTUVWXYZ[\\]^_`abcdefghijklmnopqr"
+                                "stuvwxyz{|}~";
+    const CUT rows[] = {{"a\xA0z", "az"},
+                        {"\xA0", ""},
+                        {" \xA0\tname\xA0\xE4\xA0", "name\xE4"},
+                        {visible, visible},
+                        {"\xA0" + visible + " ", visible},
+                        {"a_name_longer_than_a_block\xA0", "a_name_longer_than_a_block"}};
+    for (const CUT& row : rows)
+    {
+        std::string name = row.line;
+        {
+            const SCOPED_WHITE_A0_LOCALE locale;
+            cfg_trim_string(&name);
+        }
+        EXPECT_EQ(name, row.rest) << testing::PrintToString(row.line);
+    }
+    const SCOPED_POINT_LOCALE locale;
+    std::string kept = "a\xA0z";
+    cfg_trim_string(&kept);
+    EXPECT_EQ(kept, "a\xA0z");
+}
+
+TEST_F(TRIM_STRING_TEST, names_in_a_file_follow_the_current_locale_and_values_do_not)
+{
+    const SCOPED_WHITE_A0_LOCALE locale;
+    read_main_file("a\xA0z = \xA0x\xA0\n");
+    EXPECT_EQ(all_values(), (ASSIGNMENTS{{"az", "\xA0x\xA0"}}));
+}
+
 TEST_F(TRIM_STRING_TEST, reports_a_null_pointer)
 {
     cfg_trim_string(nullptr);

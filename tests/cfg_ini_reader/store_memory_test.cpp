@@ -1,5 +1,9 @@
 // What the store allocates, and what it leaves behind when there is no more memory.
 #include <functional>
+#include <latch>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
 
 #include "cfg_ini/cfg_ini_reader/change_callbacks.h"
 #include "cfg_ini/cfg_ini_reader/store_primitives.h"
@@ -359,5 +363,55 @@ TEST_F(STORE_MEMORY_TEST, a_failed_registration_leaves_the_lock_held_and_registe
         const auto list = s_ini_callbacks->find(long_name);
         EXPECT_TRUE(list == s_ini_callbacks->end() || list->second.empty() || callback);
     }
+}
+
+// --- The catalogue's map ---
+
+// A thread that stops in the middle of building it is one that a forked child does not have.
+void call_for_the_map_in_a_child_while_a_thread_builds_it()
+{
+    alarm(60); // whoever waits for ever is ended
+    std::latch building(1);
+    std::latch forked(1);
+    const void* seen_by_thread = nullptr;
+    std::thread builder(
+        [&]
+        {
+            const ACTION_AT_ALLOCATION stop(10,
+                                            [&]
+                                            {
+                                                building.count_down();
+                                                forked.wait();
+                                            });
+            seen_by_thread = &cfg_ini_get_string_to_id_map();
+        });
+    building.wait();
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        alarm(20);
+        _exit(cfg_ini_get_string_to_id_map().size() == 30 ? 0 : 1);
+    }
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the child waited for ever";
+
+    // The builder is late: it gets the map that is there.
+    const void* const seen = &cfg_ini_get_string_to_id_map();
+    forked.count_down();
+    builder.join();
+    EXPECT_EQ(seen_by_thread, seen);
+    EXPECT_EQ(&cfg_ini_get_string_to_id_map(), seen);
+}
+
+TEST_F(STORE_MEMORY_TEST, a_forked_child_gets_the_catalogues_map_whoever_builds_it)
+{
+    EXPECT_IN_FRESH_PROCESS(call_for_the_map_in_a_child_while_a_thread_builds_it());
+}
+
+TEST_F(STORE_MEMORY_TEST, the_catalogues_map_is_built_at_the_next_call_when_memory_fails)
+{
+    EXPECT_IN_FRESH_PROCESS(fail_at_every_allocation([] {}, [] { cfg_ini_get_string_to_id_map(); }, [] {});
+                            EXPECT_EQ(cfg_ini_get_string_to_id_map().size(), 30U));
 }
 }

@@ -187,6 +187,8 @@ TEST_P(POSITION_CHECK_TEST, reports_and_lets_the_reporter_throw)
         EXPECT_EQ(report.condition, "ini_enum >= CFG_INI_VAR_BEGIN && ini_enum < CFG_INI_VAR_END");
         EXPECT_EQ(report.module, "CFG_INI");
         EXPECT_EQ(report.source_file, "cfg_ini/cfg_ini_reader");
+        // The number by which hosts know the report of the default's reader.
+        EXPECT_EQ(report.line == 2349, std::string(GetParam().name) == "cfg_get_default_value") << report.line;
         EXPECT_GT(report.line, 0);
         fake::reset();
     }
@@ -207,6 +209,8 @@ INSTANTIATE_TEST_SUITE_P(
                     CALL_BY_POSITION{"cfg_get_int_value", [](CFG_INI_VAR_ENUM var) { cfg_get_int_value(var); }},
                     CALL_BY_POSITION{"cfg_get_value", [](CFG_INI_VAR_ENUM var) { cfg_get_value(var); }},
                     CALL_BY_POSITION{"cfg_set_value", [](CFG_INI_VAR_ENUM var) { cfg_set_value(var, "1"); }},
+                    CALL_BY_POSITION{"cfg_set_value, the value null",
+                                     [](CFG_INI_VAR_ENUM var) { cfg_set_value(var, nullptr); }},
                     CALL_BY_POSITION{"cfg_set_int_value", [](CFG_INI_VAR_ENUM var) { cfg_set_int_value(var, 1); }},
                     CALL_BY_POSITION{"cfg_set_on", [](CFG_INI_VAR_ENUM var) { cfg_set_on(var); }},
                     CALL_BY_POSITION{"cfg_set_off", [](CFG_INI_VAR_ENUM var) { cfg_set_off(var); }}));

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <new>
+#include <utility>
 
 #include "tests/support/every_fault.h"
 
@@ -12,10 +13,14 @@ constinit thread_local long allocations = 0;
 constinit thread_local long deallocations = 0;
 constinit thread_local long allocations_to_failure = 0;
 constinit thread_local bool failed = false;
+constinit thread_local long allocations_to_action = 0;
+constinit thread_local const std::function<void()>* action_at_allocation = nullptr;
 
 void* allocate(std::size_t size, std::size_t alignment)
 {
     ++allocations;
+    if (allocations_to_action > 0 && --allocations_to_action == 0)
+        (*action_at_allocation)();
     if (allocations_to_failure > 0 && --allocations_to_failure == 0)
     {
         failed = true;
@@ -123,6 +128,17 @@ FAILING_ALLOCATION::~FAILING_ALLOCATION()
 bool FAILING_ALLOCATION::has_failed() const // NOLINT: asked of the object that lies in wait
 {
     return failed;
+}
+
+ACTION_AT_ALLOCATION::ACTION_AT_ALLOCATION(long nth, std::function<void()> the_action) : action(std::move(the_action))
+{
+    action_at_allocation = &action;
+    allocations_to_action = nth;
+}
+
+ACTION_AT_ALLOCATION::~ACTION_AT_ALLOCATION()
+{
+    allocations_to_action = 0;
 }
 
 void fail_at_every_allocation(const std::function<void()>& prepare, const std::function<void()>& action,

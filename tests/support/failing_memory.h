@@ -32,6 +32,19 @@ public:
     bool has_failed() const;
 };
 
+// The nth allocation of the calling thread after construction calls `action` first, once; until destruction.
+class ACTION_AT_ALLOCATION
+{
+public:
+    ACTION_AT_ALLOCATION(long nth, std::function<void()> action);
+    ~ACTION_AT_ALLOCATION();
+    ACTION_AT_ALLOCATION(const ACTION_AT_ALLOCATION&) = delete;
+    ACTION_AT_ALLOCATION& operator=(const ACTION_AT_ALLOCATION&) = delete;
+
+private:
+    const std::function<void()> action;
+};
+
 // Lets the first allocation of `action` fail, then the second, and so on until it gets through; each failure is to
 // leave it as std::bad_alloc. `prepare` comes before each try, `check` after each, told whether an allocation failed.
 void fail_at_every_allocation(const std::function<void()>& prepare, const std::function<void()>& action,

@@ -57,6 +57,14 @@ public:
     SCOPED_COMMA_LOCALE();
 };
 
+// A locale of single bytes in which the byte 0xA0 is white space; no locale that machines have calls it so. Taken from
+// the build tree as well.
+class SCOPED_WHITE_A0_LOCALE : public SCOPED_LOCALE
+{
+public:
+    SCOPED_WHITE_A0_LOCALE();
+};
+
 // The locale in which numbers are written as in the tests.
 class SCOPED_POINT_LOCALE : public SCOPED_LOCALE
 {

@@ -21,37 +21,53 @@ struct CACHED
     bool found;
 };
 
-// The value as a T = bool, int or unsigned int; the variable is marked as validly read if it is one.
-template <typename T>
-[[gnu::always_inline]] inline CACHED<T> read_cached(std::string_view name)
+// What answer(cached, name) makes of the value as a T = bool, int or unsigned int; the variable is marked as validly
+// read if it is one. `answer` runs with the lock held. The name is the one to go by: the caller's may have changed.
+template <typename T, typename ANSWER>
+[[gnu::always_inline]] inline auto read_cached(std::string_view name, ANSWER answer)
 {
     return with_store(name,
-                      [](const SOUGHT_NAME& sought) ZON_LOCK_HELD
+                      [answer](const SOUGHT_NAME& sought) ZON_INLINED ZON_LOCK_HELD
                       {
                           CFG_INI_RECORD& record = find_counted_or_insert_record(sought);
                           CACHED<T> cached;
                           cached.value = record.get_cached_value<T>(cached.found);
                           record.had_valid_read |= cached.found;
-                          return cached;
+                          return answer(cached, sought.text);
                       });
 }
-
-// A copy of the text; the variable is marked as validly read when `mark_valid` is true, whatever the text. A caller
-// that uses the name afterwards gives `kept_name`, which becomes a copy of the name if the settings had to be loaded.
-inline std::string read_string(std::string_view name, bool mark_valid, std::string& kept_name)
+template <typename T>
+[[gnu::always_inline]] inline CACHED<T> read_cached(std::string_view name)
 {
-    return with_store(name, kept_name,
-                      [mark_valid](const SOUGHT_NAME& sought) ZON_LOCK_HELD
+    return read_cached<T>(name, [](CACHED<T> cached, std::string_view /*name*/) ZON_INLINED { return cached; });
+}
+
+// A copy of the text; the variable is marked as validly read when `mark_valid` is true, whatever the text.
+[[gnu::always_inline]] inline std::string read_string(std::string_view name, bool mark_valid)
+{
+    return with_store(name,
+                      [mark_valid](const SOUGHT_NAME& sought) ZON_INLINED ZON_LOCK_HELD
                       {
                           CFG_INI_RECORD& record = find_counted_or_insert_record(sought);
                           record.had_valid_read |= mark_valid;
                           return record.value;
                       });
 }
-inline std::string read_string(std::string_view name, bool mark_valid)
+
+// The same without a mark, for a caller that marks later. `kept_name` becomes a copy of the name if the settings had to
+// be loaded; the caller goes on with it then.
+[[gnu::always_inline]] inline std::string read_string(std::string_view name, std::string& kept_name,
+                                                      FOUND_RECORD& found)
 {
-    std::string kept_name;
-    return read_string(name, mark_valid, kept_name);
+    return with_store(
+        name,
+        [&found](const SOUGHT_NAME& sought) ZON_INLINED ZON_LOCK_HELD
+        {
+            CFG_INI_RECORD& record = find_counted_or_insert_record(sought);
+            found = {.record = &record, .epoch = name_cache.epoch};
+            return record.value;
+        },
+        kept_name);
 }
 }
 

@@ -1,4 +1,3 @@
-#include <cstdlib>
 #include <cstring>
 #include <string_view>
 
@@ -17,8 +16,8 @@ namespace
 template <typename T>
 [[gnu::always_inline]] inline T cached_or_default(std::string_view name, T default_value)
 {
-    const CACHED<T> cached = read_cached<T>(name);
-    return cached.found ? cached.value : default_value;
+    return read_cached<T>(name, [default_value](CACHED<T> cached, std::string_view /*name*/) ZON_INLINED
+                          { return cached.found ? cached.value : default_value; });
 }
 
 template <typename T>
@@ -37,7 +36,8 @@ std::optional<std::string> text_or_nothing(std::string_view name)
 std::optional<double> number_or_nothing(std::string_view name)
 {
     std::string kept_name;
-    const std::string text = read_string(name, false, kept_name);
+    FOUND_RECORD found;
+    const std::string text = read_string(name, kept_name, found);
     if (text.empty())
         return std::nullopt;
     if (!kept_name.empty())
@@ -46,7 +46,7 @@ std::optional<double> number_or_nothing(std::string_view name)
     bool whole;
     const double number = convert_to_double(text.c_str(), &whole);
     if (whole)
-        mark_had_valid_read(name);
+        mark_had_valid_read(name, found);
     else
     {
         // Still a number, and only not marked: callers rely on "2.5ms" being 2.5.
@@ -63,10 +63,20 @@ std::optional<float> narrow_number_or_nothing(std::string_view name)
 }
 
 // The default text compared as it stands, intended: the by-enumeration form converts it with all the boolean words.
+// Today both come to the same, since every default is "on" or "off".
 bool is_on_by_default(std::string_view name)
 {
-    const std::optional<CFG_INI_VAR_ENUM> position = catalogue_position(name.substr(0, name.find('\0')));
-    return position && std::string_view(catalogue_entry(*position).second) == "on";
+    std::optional<CFG_INI_VAR_ENUM> position = catalogue_position(name);
+    if (!position)
+        position = catalogue_position(name.substr(0, name.find('\0')));
+    return position && catalogue_entry(*position).is_on;
+}
+
+// The default is worked out only if it is needed; most callers ask for what is set.
+[[gnu::always_inline]] inline bool is_on_or_default_of_catalogue(std::string_view name)
+{
+    return read_cached<bool>(name, [](CACHED<bool> cached, std::string_view sought) ZON_INLINED
+                             { return cached.found ? cached.value : is_on_by_default(sought); });
 }
 }
 }
@@ -85,18 +95,18 @@ bool cfg_is_on(std::string_view name, bool default_value)
 
 bool cfg_is_on(const std::string& name)
 {
-    return cached_or_default(name, is_on_by_default(name));
+    return is_on_or_default_of_catalogue(name);
 }
 
 bool cfg_is_on(std::string_view name)
 {
-    return cached_or_default(name, is_on_by_default(name));
+    return is_on_or_default_of_catalogue(name);
 }
 
 bool cfg_is_on(CFG_INI_VAR_ENUM ini_enum)
 {
-    const auto& [name, default_text] = catalogue_entry(ini_enum);
-    return cfg_is_on(name, cfg_ini_str_to_bool(default_text, false));
+    const CATALOGUE_ENTRY& entry = catalogue_entry(ini_enum);
+    return cached_or_default(entry.name, entry.is_on);
 }
 
 int cfg_get_int_value(const std::string& name, int default_value)
@@ -111,8 +121,8 @@ int cfg_get_int_value(std::string_view name, int default_value)
 
 int cfg_get_int_value(CFG_INI_VAR_ENUM ini_enum)
 {
-    const auto& [name, default_text] = catalogue_entry(ini_enum);
-    return cfg_get_int_value(name, static_cast<int>(std::strtol(default_text, nullptr, 10)));
+    // The number that "on" and "off" begin with.
+    return cached_or_default(catalogue_entry(ini_enum).name, 0);
 }
 
 unsigned int cfg_get_uint_value(const std::string& name, unsigned int default_value)
@@ -147,9 +157,9 @@ std::string cfg_get_value(std::string_view name)
 
 std::string cfg_get_value(CFG_INI_VAR_ENUM ini_enum)
 {
-    const auto& [name, default_text] = catalogue_entry(ini_enum);
-    std::string text = cfg_get_value(name);
-    return text.empty() ? default_text : text;
+    const CATALOGUE_ENTRY& entry = catalogue_entry(ini_enum);
+    std::string text = read_string(entry.name, true);
+    return text.empty() ? std::string(entry.default_text) : text;
 }
 
 template <>

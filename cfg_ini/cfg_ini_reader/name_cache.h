@@ -1,10 +1,20 @@
 // A cache over the record table: most lookups are spared the hash and the walk through the table.
 //
-// The cache is two-way set-associative and keyed by the name as the lookup spells it. It answers what the table would
-// answer; an entry may be evicted at any time.
+// It is two-way set-associative and keyed by the name as the lookup spells it. The set of a name is picked by some of
+// its characters, mixed; a hit compares the whole name. An entry names its record, which stays where it is as long as
+// the table lives. It is valid while it carries the current epoch, so that emptying the cache is one addition.
+//
+// The cache grows with the names in use: it begins with 64 sets and doubles as they fill, up to 4096, so that small
+// hosts spend little on it. All sizes lie at the start of one array, of which the system gives only the pages that were
+// touched. Lookups find their set ahead of the lock, while another thread may be doubling; what they find then is the
+// set of a smaller cache, and at worst a miss. Every entry stands in the set of its name in the present size.
+//
+// A hit costs the mix, the comparison, and one cache line beside the record's. A miss costs the hash and the walk, and
+// may evict another name.
 #ifndef CFG_INI_CFG_INI_READER_NAME_CACHE_H
 #define CFG_INI_CFG_INI_READER_NAME_CACHE_H
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -26,113 +36,116 @@ struct alignas(64) CACHED_NAME
     std::uint32_t epoch; // the entry is valid while this is the current one
     std::uint8_t length;
     char characters[longest];
+
+    // Whether the entry is valid and of that name.
+    bool is_of(std::string_view name) const ZON_LOCK_HELD;
 };
 static_assert(sizeof(CACHED_NAME) == 64);
 
 // The two ways of a set, tried in this order.
 using CACHE_SET = CACHED_NAME[2];
 
-inline constexpr unsigned int cache_index_bits = 12;
+// The number of sets is a power of two; these are its exponents. Of a thousand names in use all but ten find a way.
+inline constexpr unsigned int least_cache_bits = 6;
+inline constexpr unsigned int most_cache_bits = 12;
 
-// Of a thousand names in use all but ten find a way of their set.
-extern constinit CACHE_SET name_cache[1U << cache_index_bits] ZON_GUARDED;
-extern constinit std::uint32_t name_cache_epoch ZON_GUARDED; // never 0
+struct NAME_CACHE
+{
+    CACHE_SET* const sets; // room for the most
+    // How far a mix is shifted to give the index of its set: 64 less the exponent of the number of sets. Changed only
+    // under the lock; read without it.
+    std::atomic<unsigned int> shift;
+    std::uint32_t epoch ZON_GUARDED; // never 0
+};
+extern constinit NAME_CACHE name_cache;
 
-// A name to be looked up: its set in the cache is worked out, and prefetched, ahead of the lock.
+// --- How names are mixed and compared ---
+
+template <typename T>
+T first_of(const char* from)
+{
+    T value;
+    std::memcpy(&value, from, sizeof value);
+    return value;
+}
+
+// Of eight characters each; 0 when they are equal.
+inline std::uint64_t difference(const char* a, const char* b)
+{
+    return first_of<std::uint64_t>(a) ^ first_of<std::uint64_t>(b);
+}
+
+// Mixes characters of the start, the middle and the end. Names of the same set only evict each other.
+[[gnu::always_inline]] inline std::uint64_t mix_of(std::string_view name)
+{
+    const std::size_t length = name.size();
+    const char* const start = name.data();
+    std::uint64_t mix = length;
+    if (length >= 8) [[likely]]
+        mix += first_of<std::uint64_t>(start) * 0x9E3779B97F4A7C15U +
+               first_of<std::uint64_t>(start + length / 2 - 4) * 0xC2B2AE3D27D4EB4FU +
+               first_of<std::uint64_t>(start + length - 8) * 0x165667B19E3779F9U;
+    else if (length >= 4)
+        mix += (first_of<std::uint32_t>(start) | std::uint64_t{first_of<std::uint32_t>(start + length - 4)} << 32) *
+               0x9E3779B97F4A7C15U;
+    else
+    {
+        for (const char c : not_null(name)) // a null view is of length 0
+            mix = (mix + static_cast<unsigned char>(c)) * 0x9E3779B97F4A7C15U;
+    }
+    return mix;
+}
+
+// Few branches, which names of most lengths share: the lengths of names that follow each other are hard to foresee.
+[[gnu::always_inline]] inline bool equal_bytes(const char* a, const char* b, std::size_t length)
+{
+    if (length >= 16) [[likely]]
+    {
+        // The first, the last and a middle part, each of sixteen characters; they may overlap.
+        const std::size_t last = length - 16;
+        const std::size_t middle = last < 16 ? last : 16;
+        return (difference(a, b) | difference(a + 8, b + 8) | difference(a + middle, b + middle) |
+                difference(a + middle + 8, b + middle + 8) | difference(a + last, b + last) |
+                difference(a + last + 8, b + last + 8)) == 0;
+    }
+    if (length >= 8)
+        return (difference(a, b) | difference(a + length - 8, b + length - 8)) == 0;
+    if (length >= 4)
+        return first_of<std::uint32_t>(a) == first_of<std::uint32_t>(b) &&
+               first_of<std::uint32_t>(a + length - 4) == first_of<std::uint32_t>(b + length - 4);
+    return std::memcmp(a, b, length) == 0;
+}
+
+[[gnu::always_inline]] inline bool CACHED_NAME::is_of(std::string_view name) const
+{
+    return epoch == name_cache.epoch && length == name.size() && equal_bytes(characters, name.data(), name.size());
+}
+
+// --- Using the cache ---
+
+// The two ways of a name's set. Needs no lock: only the address is worked out.
+[[gnu::always_inline]] inline CACHED_NAME* cache_set_of(std::string_view name)
+{
+    return name_cache.sets[mix_of(name) >> name_cache.shift.load(std::memory_order_relaxed)];
+}
+
+// A name to be looked up: its set in the cache is worked out, and prefetched, ahead of the lock. Made to stay in
+// registers: what is not compiled into the lookup takes its parts.
 class SOUGHT_NAME
 {
 public:
     // A null name (a view without characters) throws std::logic_error, as making a std::string of it does.
-    explicit SOUGHT_NAME(std::string_view name) : text(not_null(name)), ways(set_of(name))
+    [[gnu::always_inline]] explicit SOUGHT_NAME(std::string_view name) : text(name), ways(cache_set_of(name))
     {
         __builtin_prefetch(ways);
     }
 
-    // The record cached for the name, or null.
-    [[gnu::always_inline]] CFG_INI_RECORD* cached() const ZON_LOCK_HELD
-    {
-        if (is_in(ways[0])) [[likely]]
-            return ways[0].record;
-        return cached_in_second_way();
-    }
-
-    // Caches the record that the name was found to have, and returns it.
-    CFG_INI_RECORD* cache(CFG_INI_RECORD* record) const ZON_LOCK_HELD;
-
     const std::string_view text;
-
-private:
-    CFG_INI_RECORD* cached_in_second_way() const ZON_LOCK_HELD;
-
-    bool is_in(const CACHED_NAME& way) const ZON_LOCK_HELD
-    {
-        return way.epoch == name_cache_epoch && way.length == text.size() &&
-               equal_bytes(way.characters, text.data(), text.size());
-    }
-
-    // Only the address of the set is worked out, which needs no lock.
-    static CACHED_NAME* set_of(std::string_view name) ZON_UNCHECKED
-    {
-        return name_cache[index_of(name)];
-    }
-
-    // Mixes characters of the start, the middle and the end. Names of the same set only evict each other.
-    static std::size_t index_of(std::string_view name)
-    {
-        const std::size_t length = name.size();
-        const char* const start = name.data();
-        std::uint64_t mix = length;
-        if (length >= 8) [[likely]]
-            mix += first_of<std::uint64_t>(start) * 0x9E3779B97F4A7C15U +
-                   first_of<std::uint64_t>(start + length / 2 - 4) * 0xC2B2AE3D27D4EB4FU +
-                   first_of<std::uint64_t>(start + length - 8) * 0x165667B19E3779F9U;
-        else if (length >= 4)
-            mix += (first_of<std::uint32_t>(start) | std::uint64_t{first_of<std::uint32_t>(start + length - 4)} << 32) *
-                   0x9E3779B97F4A7C15U;
-        else
-        {
-            for (const char c : name)
-                mix = (mix + static_cast<unsigned char>(c)) * 0x9E3779B97F4A7C15U;
-        }
-        return mix >> (64 - cache_index_bits);
-    }
-
-    // Few branches, which names of most lengths share: the lengths of names that follow each other are hard to foresee.
-    static bool equal_bytes(const char* a, const char* b, std::size_t length)
-    {
-        if (length >= 16) [[likely]]
-        {
-            // The first, the last and a middle part, each of sixteen characters; they may overlap.
-            const std::size_t last = length - 16;
-            const std::size_t middle = last < 16 ? last : 16;
-            return (difference(a, b) | difference(a + 8, b + 8) | difference(a + middle, b + middle) |
-                    difference(a + middle + 8, b + middle + 8) | difference(a + last, b + last) |
-                    difference(a + last + 8, b + last + 8)) == 0;
-        }
-        if (length >= 8)
-            return (difference(a, b) | difference(a + length - 8, b + length - 8)) == 0;
-        if (length >= 4)
-            return first_of<std::uint32_t>(a) == first_of<std::uint32_t>(b) &&
-                   first_of<std::uint32_t>(a + length - 4) == first_of<std::uint32_t>(b + length - 4);
-        return std::memcmp(a, b, length) == 0;
-    }
-
-    // Of eight characters each; 0 when they are equal.
-    static std::uint64_t difference(const char* a, const char* b)
-    {
-        return first_of<std::uint64_t>(a) ^ first_of<std::uint64_t>(b);
-    }
-
-    template <typename T>
-    static T first_of(const char* from)
-    {
-        T value;
-        std::memcpy(&value, from, sizeof value);
-        return value;
-    }
-
-    CACHED_NAME* const ways; // two
+    const CACHED_NAME* const ways; // two; guarded by the lock
 };
+
+// Caches the record that the name was found to have, and returns it. Names that are too long are not cached.
+CFG_INI_RECORD* cache_record(std::string_view name, CFG_INI_RECORD* record) ZON_LOCK_HELD;
 
 // Invalidates every entry; to be called before the table goes.
 void clear_name_cache() ZON_LOCK_HELD;

@@ -64,11 +64,8 @@ bool equal_folded(const char* a, const char* b, std::size_t length)
     return length == 0;
 }
 
-bool equal_names(std::string_view a, std::string_view b)
+bool equal_up_to_zero_byte(std::string_view a, std::string_view b)
 {
-    if (a.size() == b.size() && equal_folded(a.data(), b.data(), a.size()))
-        return true;
-    // Names of different lengths, or different as a whole, may still agree up to a zero byte.
     a = up_to_zero_byte(a);
     b = up_to_zero_byte(b);
     return a.size() == b.size() && equal_folded(a.data(), b.data(), a.size());

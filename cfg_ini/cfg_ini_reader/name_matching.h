@@ -23,12 +23,21 @@ inline std::string_view not_null(std::string_view name)
 // h = 0, then h * 17 + b for each folded byte b as a signed number, in 64 bits with wrap-around.
 std::size_t hash_name(std::string_view name);
 
-// Whether two names are equal.
-bool equal_names(std::string_view a, std::string_view b);
-
 // Whether two texts of the same length are equal but for the case of the letters A to Z; a zero byte does not end
 // these.
 bool equal_folded(const char* a, const char* b, std::size_t length);
+
+// Whether two names are equal that may end in a zero byte before they end.
+bool equal_up_to_zero_byte(std::string_view a, std::string_view b);
+
+// Whether two names are equal.
+inline bool equal_names(std::string_view a, std::string_view b)
+{
+    if (a.size() == b.size() && equal_folded(a.data(), b.data(), a.size())) [[likely]]
+        return true;
+    // Names of different lengths, or different as a whole, may still agree up to a zero byte.
+    return equal_up_to_zero_byte(a, b);
+}
 
 // A name with its hash, so that it is hashed once however often it is looked for. The characters stay the caller's.
 struct HASHED_NAME
@@ -39,11 +48,25 @@ struct HASHED_NAME
     std::size_t hash;
 };
 
+// A name as the record table keeps it. The hash stands beside the characters: growing the table and telling its entries
+// apart need not hash again, and whoever has hashed a name to look for it inserts it under that hash.
+class RECORD_NAME : public std::string
+{
+public:
+    explicit RECORD_NAME(const HASHED_NAME& name) : std::string(name.text), name_hash(name.hash) {}
+
+    std::size_t hash() const
+    {
+        return name_hash;
+    }
+
+private:
+    std::size_t name_hash;
+};
 }
 
-// The functors of the record table. The call operators are not noexcept, and must not become so: that is what makes the
-// standard library keep each entry's hash code, so that growing the table and telling entries apart need not hash
-// again.
+// The functors of the record table. Those for its own names are noexcept: that keeps the standard library from storing
+// each hash a second time.
 struct STL_CASE_INSENSITIVE_HASH_COMPARE
 {
     using is_transparent = void;
@@ -52,9 +75,13 @@ struct STL_CASE_INSENSITIVE_HASH_COMPARE
     {
         return zon_cfg::hash_name(name);
     }
-    std::size_t operator()(const zon_cfg::HASHED_NAME& name) const
+    std::size_t operator()(const zon_cfg::HASHED_NAME& name) const noexcept
     {
         return name.hash;
+    }
+    std::size_t operator()(const zon_cfg::RECORD_NAME& name) const noexcept
+    {
+        return name.hash();
     }
 };
 
@@ -66,13 +93,17 @@ struct STL_CASE_INSENSITIVE_EQUAL
     {
         return zon_cfg::equal_names(a, b);
     }
-    bool operator()(const zon_cfg::HASHED_NAME& a, const std::string& b) const
+    bool operator()(const zon_cfg::RECORD_NAME& a, const zon_cfg::RECORD_NAME& b) const
     {
-        return zon_cfg::equal_names(a.text, b);
+        return a.hash() == b.hash() && zon_cfg::equal_names(a, b);
     }
-    bool operator()(const std::string& a, const zon_cfg::HASHED_NAME& b) const
+    bool operator()(const zon_cfg::HASHED_NAME& a, const zon_cfg::RECORD_NAME& b) const
     {
-        return zon_cfg::equal_names(a, b.text);
+        return a.hash == b.hash() && zon_cfg::equal_names(a.text, b);
+    }
+    bool operator()(const zon_cfg::RECORD_NAME& a, const zon_cfg::HASHED_NAME& b) const
+    {
+        return (*this)(b, a);
     }
 };
 

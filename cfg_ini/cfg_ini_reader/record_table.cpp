@@ -24,35 +24,55 @@ bool with_record(std::string_view name, VISIT visit)
 }
 }
 
-CFG_INI_RECORD* find_record_in_table(const SOUGHT_NAME& name)
+CFG_INI_RECORD* find_record_elsewhere(const char* characters, std::size_t length, const CACHED_NAME& second_way)
 {
-    const CFG_INI_TABLE& table = *store_table();
-    const auto entry = table.find(HASHED_NAME(name.text));
-    return entry == table.end() ? nullptr : name.cache(entry->second);
+    const std::string_view name(characters, length);
+    if (second_way.is_of(name))
+        return second_way.record;
+    CFG_INI_RECORD* const record = store_table()->find_record(HASHED_NAME(name));
+    return record != nullptr ? cache_record(name, record) : nullptr;
+}
+
+CFG_INI_RECORD& find_or_insert_record_elsewhere(const char* characters, std::size_t length,
+                                                const CACHED_NAME& second_way)
+{
+    const std::string_view name(characters, length);
+    if (second_way.is_of(name))
+        return *second_way.record;
+    CFG_INI_TABLE& table = *store_table();
+    const HASHED_NAME hashed(name);
+    // Inserting at once would copy the name, which mostly is there.
+    CFG_INI_RECORD* const record = table.find_record(hashed);
+    return *cache_record(name, record != nullptr ? record : table.find_or_insert_record(hashed));
+}
+
+CFG_INI_RECORD& find_counted_or_insert_record_elsewhere(const char* characters, std::size_t length,
+                                                        const CACHED_NAME& second_way)
+{
+    const std::string_view name(characters, length);
+    if (second_way.is_of(name))
+    {
+        ++second_way.record->access_count;
+        return *second_way.record;
+    }
+    CFG_INI_TABLE& table = *store_table();
+    const HASHED_NAME hashed(name);
+    CFG_INI_RECORD* record = table.find_record(hashed);
+    if (record != nullptr)
+        ++record->access_count;
+    else
+        record = table.find_or_insert_record(hashed);
+    return *cache_record(name, record);
 }
 
 CFG_INI_RECORD& find_or_insert_record_in_table(std::string_view name)
 {
-    CFG_INI_TABLE& table = *store_table();
-    const auto [entry, is_new] = table.try_emplace(std::string(name), nullptr);
-    if (!is_new)
-        return *entry->second;
-    try
-    {
-        entry->second = table.make_record();
-    }
-    catch (...)
-    {
-        table.erase(entry);
-        throw;
-    }
-    return *entry->second;
+    return *store_table()->find_or_insert_record(HASHED_NAME(name));
 }
 
-void reserve_records(std::size_t further)
+void reserve_records(std::size_t names_of_file)
 {
-    CFG_INI_TABLE& table = *store_table();
-    table.reserve(table.size() + further);
+    store_table()->reserve_records(names_of_file);
 }
 
 void discard_store()
@@ -64,6 +84,15 @@ void discard_store()
 bool mark_had_valid_read(std::string_view name)
 {
     return with_record(name, [](CFG_INI_RECORD& record) ZON_LOCK_HELD { return record.had_valid_read = true; });
+}
+
+bool mark_had_valid_read(std::string_view name, const FOUND_RECORD& found)
+{
+    const STORE_LOCK lock(HANDLE_EXISTS{});
+    if (store_table() == nullptr)
+        return false;
+    CFG_INI_RECORD* const record = found.epoch == name_cache.epoch ? found.record : find_record(SOUGHT_NAME(name));
+    return record != nullptr && (record->had_valid_read = true);
 }
 }
 

@@ -1,4 +1,13 @@
 // The internal variable store itself: the records, and the table that finds them.
+//
+// The table is a hash map from names to records. Neither entries nor records are ever removed singly, so their memory
+// comes in blocks that go with the table: entries from a monotonic resource, records from arrays that double in size.
+// Records therefore stay where they are, and a pointer to one is good until the store is emptied. Bucket arrays do come
+// back, when the table grows; they have memory of their own. All of it is the global heap's: the default resource of
+// std::pmr belongs to the host, which may change it, empty it or refuse with it at any time.
+//
+// A lookup or an assignment hashes its name at most once, whether it finds the record or makes it; the table keeps the
+// hash with the name.
 #ifndef CFG_INI_CFG_INI_READER_RECORD_TABLE_H
 #define CFG_INI_CFG_INI_READER_RECORD_TABLE_H
 
@@ -10,7 +19,9 @@
 #include <memory_resource>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "cfg_ini/cfg_ini_reader/name_cache.h"
@@ -60,10 +71,54 @@ inline unsigned int CFG_INI_RECORD::get_cached_value<unsigned int>(bool& valid) 
 
 namespace zon_cfg
 {
-// Memory that single entries never give back, since no entry is ever removed: it is taken in pieces of growing size.
+// The table's allocator: entries from a resource that frees nothing before it goes, arrays of buckets from the heap.
+template <typename T>
+class ENTRY_ALLOCATOR
+{
+public:
+    using value_type = T;
+
+    explicit ENTRY_ALLOCATOR(std::pmr::memory_resource* entry_memory) : memory(entry_memory) {}
+    template <typename U>
+    ENTRY_ALLOCATOR(const ENTRY_ALLOCATOR<U>& other) : memory(other.memory) // NOLINT: converts, as allocators do
+    {
+    }
+
+    T* allocate(std::size_t number)
+    {
+        if constexpr (is_bucket)
+            return std::allocator<T>().allocate(number);
+        else
+            return static_cast<T*>(memory->allocate(number * sizeof(T), alignof(T)));
+    }
+    void deallocate(T* from, std::size_t number)
+    {
+        if constexpr (is_bucket)
+            std::allocator<T>().deallocate(from, number);
+    }
+
+    template <typename U>
+    bool operator==(const ENTRY_ALLOCATOR<U>& other) const
+    {
+        return memory == other.memory;
+    }
+
+private:
+    template <typename U>
+    friend class ENTRY_ALLOCATOR;
+
+    static constexpr bool is_bucket = std::is_pointer_v<T>;
+
+    std::pmr::memory_resource* memory;
+};
+
+using RECORDS_BY_NAME =
+    std::unordered_map<RECORD_NAME, CFG_INI_RECORD*, STL_CASE_INSENSITIVE_HASH_COMPARE, STL_CASE_INSENSITIVE_EQUAL,
+                       ENTRY_ALLOCATOR<std::pair<const RECORD_NAME, CFG_INI_RECORD*>>>;
+
 struct CFG_INI_TABLE_MEMORY
 {
-    std::pmr::monotonic_buffer_resource entry_memory;
+    std::pmr::monotonic_buffer_resource entry_memory{std::pmr::new_delete_resource()};
     std::vector<std::unique_ptr<CFG_INI_RECORD[]>> record_blocks;
     std::size_t last_block_size = 0;
     std::size_t last_block_used = 0;
@@ -71,25 +126,42 @@ struct CFG_INI_TABLE_MEMORY
 };
 
 // The table, with the memory of its entries and records.
-class CFG_INI_TABLE : private CFG_INI_TABLE_MEMORY,
-                      public std::pmr::unordered_map<std::string, CFG_INI_RECORD*, STL_CASE_INSENSITIVE_HASH_COMPARE,
-                                                     STL_CASE_INSENSITIVE_EQUAL>
+class CFG_INI_TABLE : private CFG_INI_TABLE_MEMORY, public RECORDS_BY_NAME
 {
 public:
-    CFG_INI_TABLE() : unordered_map(&entry_memory) {}
+    CFG_INI_TABLE() : RECORDS_BY_NAME(allocator_type(&entry_memory)) {}
 
-    // A new value-initialised record, which lives as long as the table.
-    CFG_INI_RECORD* make_record()
+    // The record of that name, or null.
+    CFG_INI_RECORD* find_record(const HASHED_NAME& name) const
     {
-        if (last_block_used == last_block_size) [[unlikely]]
-            add_record_block();
-        return &record_blocks.back()[last_block_used++];
+        const auto entry = find(name);
+        return entry == end() ? nullptr : entry->second;
     }
 
-    // Takes over a record that the caller made with new.
-    void adopt(CFG_INI_RECORD* record)
+    // The record of that name, or a new value-initialised one. If that fails for want of memory, nothing has changed.
+    CFG_INI_RECORD* find_or_insert_record(const HASHED_NAME& name)
     {
-        adopted_records.emplace_back(record);
+        if (last_block_used == last_block_size) [[unlikely]]
+            add_record_block(); // first, so that there is never an entry without a record
+        const auto [entry, is_new] = try_emplace(RECORD_NAME(name), nullptr);
+        if (is_new)
+            entry->second = &record_blocks.back()[last_block_used++];
+        return entry->second;
+    }
+
+    // Gives `record`, made with new, to the table. A name already present keeps its record, and `record` stays the
+    // caller's.
+    void insert_record(const HASHED_NAME& name, CFG_INI_RECORD* record)
+    {
+        if (try_emplace(RECORD_NAME(name), record).second)
+            adopted_records.emplace_back(record);
+    }
+
+    // Makes room for so many names in all; never takes room away.
+    void reserve_records(std::size_t in_all)
+    {
+        if (in_all > bucket_count())
+            reserve(in_all);
     }
 
 private:
@@ -103,11 +175,6 @@ private:
         last_block_used = 0;
     }
 };
-
-#ifdef __GLIBCXX__
-static_assert(std::__cache_default<std::string, STL_CASE_INSENSITIVE_HASH_COMPARE>::value,
-              "the table must keep the hash codes");
-#endif
 }
 
 // The table, null while there is no store. Changed only under the lock; tested without it to decide whether the
@@ -134,24 +201,32 @@ inline CFG_INI_TABLE* store_table() ZON_LOCK_HELD
 
 // --- There is a store ---
 
-// The record of that name, or null, as the table has it. Counts nothing, creates nothing.
-CFG_INI_RECORD* find_record_in_table(const SOUGHT_NAME& name) ZON_LOCK_HELD;
+// The record of that name, or a new empty one; counts nothing and passes the name cache by.
+CFG_INI_RECORD& find_or_insert_record_in_table(std::string_view name) ZON_LOCK_HELD;
 
-// The same, looking in the name cache before it asks the table.
+// What the three forms below do when the first way of the name's set is of another name. They take the parts of the
+// name one by one: compilers would keep a whole that is an argument in memory, and so on the fast path as well.
+CFG_INI_RECORD* find_record_elsewhere(const char* characters, std::size_t length,
+                                      const CACHED_NAME& second_way) ZON_LOCK_HELD;
+CFG_INI_RECORD& find_or_insert_record_elsewhere(const char* characters, std::size_t length,
+                                                const CACHED_NAME& second_way) ZON_LOCK_HELD;
+CFG_INI_RECORD& find_counted_or_insert_record_elsewhere(const char* characters, std::size_t length,
+                                                        const CACHED_NAME& second_way) ZON_LOCK_HELD;
+
+// The record of that name, or null. Counts nothing, creates nothing.
 [[gnu::always_inline]] inline CFG_INI_RECORD* find_record(const SOUGHT_NAME& name) ZON_LOCK_HELD
 {
-    CFG_INI_RECORD* const cached = name.cached();
-    return cached != nullptr ? cached : find_record_in_table(name);
+    if (name.ways[0].is_of(name.text)) [[likely]]
+        return name.ways[0].record;
+    return find_record_elsewhere(name.text.data(), name.text.size(), name.ways[1]);
 }
 
 // The record of that name, or a new empty one; counts nothing.
-CFG_INI_RECORD& find_or_insert_record_in_table(std::string_view name) ZON_LOCK_HELD;
-
-// The same, looking in the name cache before it asks the table.
-inline CFG_INI_RECORD& find_or_insert_record(const SOUGHT_NAME& name) ZON_LOCK_HELD
+[[gnu::always_inline]] inline CFG_INI_RECORD& find_or_insert_record(const SOUGHT_NAME& name) ZON_LOCK_HELD
 {
-    CFG_INI_RECORD* const cached = name.cached();
-    return *(cached != nullptr ? cached : name.cache(&find_or_insert_record_in_table(name.text)));
+    if (name.ways[0].is_of(name.text)) [[likely]]
+        return *name.ways[0].record;
+    return find_or_insert_record_elsewhere(name.text.data(), name.text.size(), name.ways[1]);
 }
 
 // The record of that name, one access counted; or a new empty record, with no access counted. Not counting the lookup
@@ -159,16 +234,15 @@ inline CFG_INI_RECORD& find_or_insert_record(const SOUGHT_NAME& name) ZON_LOCK_H
 // from one that was only asked for.
 [[gnu::always_inline]] inline CFG_INI_RECORD& find_counted_or_insert_record(const SOUGHT_NAME& name) ZON_LOCK_HELD
 {
-    if (CFG_INI_RECORD* const record = find_record(name); record != nullptr) [[likely]]
-    {
-        ++record->access_count;
-        return *record;
-    }
-    return *name.cache(&find_or_insert_record_in_table(name.text));
+    if (!name.ways[0].is_of(name.text)) [[unlikely]]
+        return find_counted_or_insert_record_elsewhere(name.text.data(), name.text.size(), name.ways[1]);
+    ++name.ways[0].record->access_count;
+    return *name.ways[0].record;
 }
 
-// Makes room for that many further names, so that loading them need not grow the table again and again.
-void reserve_records(std::size_t further) ZON_LOCK_HELD;
+// Makes room for the names of a file of so many, so that loading them need not grow the table again and again. A file
+// whose names are there already adds nothing, however often it is applied.
+void reserve_records(std::size_t names_of_file) ZON_LOCK_HELD;
 
 // --- With a store or without ---
 
@@ -178,6 +252,16 @@ void discard_store() ZON_LOCK_HELD;
 // Marks the record of that name as validly read; whether there is one. Takes the lock. Without a store it answers false
 // at once and loads nothing.
 bool mark_had_valid_read(std::string_view name);
+
+// A record found under the lock, to be found again under a later hold of it.
+struct FOUND_RECORD
+{
+    CFG_INI_RECORD* record;
+    std::uint32_t epoch; // of the name cache: while it lasts, so does the record
+};
+
+// The same for a name whose record was found before. The name is looked for only if the store may have been emptied.
+bool mark_had_valid_read(std::string_view name, const FOUND_RECORD& found);
 }
 
 #endif

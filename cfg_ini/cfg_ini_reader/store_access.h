@@ -1,8 +1,12 @@
 // Getting at the store: an operation run with the lock held and a store present, the settings loaded first where there
 // is none.
 //
-// A load runs callbacks, and a callback may change the string that the caller handed in. The call is about the name as
-// it was when the call was made, so the path that loads works on a copy. Calls that find a store copy nothing.
+// The fast path tests for a store, takes the lock and tests again, since another thread may have emptied the store in
+// between. Everything on it is compiled into the function that the host calls; nothing is copied.
+//
+// The slow path loads, and repeats that as often as other threads empty the store again. A load runs callbacks, and a
+// callback may change the string that the caller handed in. The call is about the name as it was when the call was
+// made, so the slow path works on a copy. It is a function of its own, so that the fast path does not pay for the copy.
 #ifndef CFG_INI_CFG_INI_READER_STORE_ACCESS_H
 #define CFG_INI_CFG_INI_READER_STORE_ACCESS_H
 
@@ -14,44 +18,50 @@
 #include "cfg_ini/cfg_ini_reader/settings_files.h"
 #include "cfg_ini/cfg_ini_reader/store_lock.h"
 
+// Between the parameters and the body of a lambda: its body becomes part of the function that calls it.
+#define ZON_INLINED __attribute__((always_inline))
+
 namespace zon_cfg
 {
-// Loads the settings, as often as other threads empty the store again, and runs operation(lock) with LOCK held.
+// Loads the settings if there is no store, and runs operation(lock) with LOCK held.
 template <typename LOCK, typename OPERATION>
-[[gnu::noinline]] auto with_loaded_store(OPERATION operation)
+auto with_loaded_store(OPERATION operation)
 {
     for (;;)
     {
-        load_settings_if_no_store();
-        LOCK lock;
-        if (store_table() != nullptr)
+        if (!store_exists()) [[unlikely]]
+            load_settings_if_no_store();
+        LOCK lock(HANDLE_EXISTS{});
+        if (store_table() != nullptr) [[likely]]
             return operation(lock);
         if constexpr (requires { lock.unlock(); })
             lock.unlock(); // emptied by another thread in between
     }
 }
 
-// What operation(sought) answers, run with the lock held and a store present; it runs no callback and keeps nothing of
-// the name. `kept_name`, empty at the call, becomes a copy of a name that is not empty if the settings had to be
-// loaded.
+// The slow path for a name, whose parts come one by one: an argument of the type std::string_view would have to be in
+// memory, and be put there on the fast path. `kept_name` becomes a copy of the name.
 template <typename OPERATION>
-[[gnu::always_inline]] inline auto with_store(std::string_view name, std::string& kept_name, OPERATION operation)
+[[gnu::noinline, gnu::cold]] auto load_for_name(const char* characters, std::size_t length, OPERATION operation,
+                                                std::string& kept_name)
 {
-    const SOUGHT_NAME sought(name);
-    if (store_exists()) [[likely]]
-    {
-        const STORE_LOCK lock(HANDLE_EXISTS{});
-        if (store_table() != nullptr) [[likely]]
-            return operation(sought);
-    }
-    kept_name = name;
+    kept_name.assign(characters, length);
     return with_loaded_store<STORE_LOCK>([&](const STORE_LOCK& /*held*/) ZON_LOCK_HELD
                                          { return operation(SOUGHT_NAME(kept_name)); });
 }
 
-// The same for a caller that has no use for the name afterwards.
 template <typename OPERATION>
-[[gnu::always_inline]] inline auto with_store(std::string_view name, OPERATION operation)
+[[gnu::noinline, gnu::cold]] auto load_for_name(const char* characters, std::size_t length, OPERATION operation)
+{
+    std::string kept_name;
+    return load_for_name(characters, length, operation, kept_name);
+}
+
+// What operation(sought) answers, run with the lock held and a store present; it runs no callback and keeps nothing of
+// the name. A caller that uses the name afterwards gives `kept_name`, an empty string: it becomes a copy of a name
+// that is not empty if the settings had to be loaded.
+template <typename OPERATION, typename... KEPT_NAME>
+[[gnu::always_inline]] inline auto with_store(std::string_view name, OPERATION operation, KEPT_NAME&... kept_name)
 {
     const SOUGHT_NAME sought(name);
     if (store_exists()) [[likely]]
@@ -60,8 +70,7 @@ template <typename OPERATION>
         if (store_table() != nullptr) [[likely]]
             return operation(sought);
     }
-    return with_loaded_store<STORE_LOCK>([kept_name = std::string(name), operation](const STORE_LOCK& /*held*/)
-                                             ZON_LOCK_HELD { return operation(SOUGHT_NAME(kept_name)); });
+    return load_for_name(name.data(), name.size(), operation, kept_name...);
 }
 }
 

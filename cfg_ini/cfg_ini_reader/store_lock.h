@@ -56,7 +56,7 @@ public:
     {
         thr_mutex_lock(mutex);
     }
-    ~STORE_LOCK() ZON_UNLOCKS
+    [[gnu::always_inline]] ~STORE_LOCK() ZON_UNLOCKS
     {
         thr_mutex_unlock(mutex);
     }
@@ -87,7 +87,7 @@ public:
     {
     }
 
-    ~NOTIFYING_STORE_LOCK() ZON_UNLOCKS
+    [[gnu::always_inline]] ~NOTIFYING_STORE_LOCK() ZON_UNLOCKS
     {
         if (mutex != nullptr && notifications_under_way == notifications_around)
             thr_mutex_unlock(mutex);

@@ -25,9 +25,7 @@ CFG_INI_RECORD* cfg_ini_get_record(const std::string& name)
 
 void cfg_ini_insert_record(const std::string& name, CFG_INI_RECORD* record)
 {
-    CFG_INI_TABLE& table = *store_table();
-    if (table.try_emplace(name, record).second)
-        table.adopt(record);
+    store_table()->insert_record(HASHED_NAME(name), record);
 }
 
 CFG_INI_RECORD* cfg_ini_get_record_or_insert_empty(const std::string& name)

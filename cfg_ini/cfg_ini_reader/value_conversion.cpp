@@ -1,108 +1,113 @@
+// A text is tried by its first character, which settles most texts: at most one word of each answer begins with it. A
+// number is read once, and the ranges of the types decide what it is. Costs a step for each character that fits.
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"
 
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
-
-#include "platform/gen/gen.h"
 
 namespace
 {
-constexpr std::size_t longest_word = 5;
-
-// The length of a text up to one more than the longest word has.
-std::size_t short_length(const char* text)
-{
-    std::size_t length = 0;
-    while (length <= longest_word && text[length] != '\0')
-        ++length;
-    return length;
-}
-
-// Whether `text`, of the word's length, is the word in some letter case; it mostly is the word as it stands.
+// Whether the text goes on as the word, given in lower case, and ends with it.
 template <std::size_t SIZE>
-bool is_word(const char* text, const char (&word)[SIZE])
+bool ends_in(const char* text, const char (&word)[SIZE])
 {
-    return std::memcmp(text, word, SIZE) == 0 || gen_stricmp(text, word) == 0;
+    constexpr char to_lower = 'a' - 'A'; // no other character becomes a letter by it
+    for (std::size_t i = 0; i < SIZE - 1; ++i)
+    {
+        if ((text[i] | to_lower) != word[i])
+            return false;
+    }
+    return text[SIZE - 1] == '\0';
 }
 
-// Whether `text` is as a whole a decimal number of type T; *value is written only then. Any number of leading zeros may
-// stand before it, and a "-" if T has negative numbers.
-template <typename T>
-bool convert_if_whole(const char* text, T* value)
+// Whether `text` is as a whole a decimal number with an optional "-", within what any type here holds; *number is
+// written only then. Any number of leading zeros may stand before it.
+bool is_whole_number(const char* text, std::int64_t* number)
 {
-    using LIMITS = std::numeric_limits<T>;
-    const bool negative = LIMITS::is_signed && *text == '-';
+    constexpr std::int64_t limit = std::numeric_limits<unsigned int>::max();
+    const bool negative = *text == '-';
     const char* const first_digit = text + (negative ? 1 : 0);
-    const std::int64_t limit = negative ? -std::int64_t{LIMITS::min()} : std::int64_t{LIMITS::max()};
 
-    std::int64_t number = 0;
+    std::int64_t magnitude = 0;
     const char* digit = first_digit;
     for (; *digit >= '0' && *digit <= '9'; ++digit)
     {
-        number = number * 10 + (*digit - '0');
-        if (number > limit)
+        magnitude = magnitude * 10 + (*digit - '0');
+        if (magnitude > limit)
             return false;
     }
     if (digit == first_digit || *digit != '\0')
         return false;
-    *value = static_cast<T>(negative ? -number : number);
+    *number = negative ? -magnitude : magnitude;
     return true;
 }
+
+// `on` or `off` is the only word that a text with this beginning can be.
+zon_cfg::CONVERTED converted_word(bool is_on, bool is_off)
+{
+    return {.number = 0, .is_bool = is_on || is_off, .bool_value = is_on, .is_int = false, .is_uint = false};
+}
+
+zon_cfg::CONVERTED converted_number(const char* text)
+{
+    std::int64_t number = 0;
+    if (!is_whole_number(text, &number))
+        return {};
+    const bool is_bool = (*text == '0' || *text == '1') && text[1] == '\0'; // "01" is a number and no boolean word
+    return {.number = number,
+            .is_bool = is_bool,
+            .bool_value = is_bool && *text == '1',
+            .is_int = number >= std::numeric_limits<int>::min() && number <= std::numeric_limits<int>::max(),
+            .is_uint = *text != '-'}; // not even "-0" is one
+}
+}
+
+zon_cfg::CONVERTED zon_cfg::convert(const char* text)
+{
+    switch (*text)
+    {
+    case 'o':
+    case 'O':
+        return converted_word(ends_in(text + 1, "n"), ends_in(text + 1, "ff"));
+    case 't':
+    case 'T':
+        return converted_word(ends_in(text + 1, "rue"), false);
+    case 'f':
+    case 'F':
+        return converted_word(false, ends_in(text + 1, "alse"));
+    default:
+        return *text == '-' || (*text >= '0' && *text <= '9') ? converted_number(text) : CONVERTED{};
+    }
 }
 
 bool cfg_ini_convert_to_bool(const char* text, bool* value)
 {
-    *value = false;
-    // The first character settles most texts, the length nearly all others.
-    switch (*text)
-    {
-    case '0':
-    case '1':
-        *value = *text == '1' && text[1] == '\0';
-        return text[1] == '\0';
-    case 'o':
-    case 'O':
-    case 't':
-    case 'T':
-    case 'f':
-    case 'F':
-        break;
-    default:
-        return false;
-    }
-    switch (short_length(text))
-    {
-    case 2:
-        *value = is_word(text, "on");
-        return *value;
-    case 3:
-        return is_word(text, "off");
-    case 4:
-        *value = is_word(text, "true");
-        return *value;
-    case 5:
-        return is_word(text, "false");
-    default:
-        return false;
-    }
+    const zon_cfg::CONVERTED converted = zon_cfg::convert(text);
+    *value = converted.bool_value;
+    return converted.is_bool;
 }
 
 bool cfg_ini_str_to_bool(const char* text, bool default_value)
 {
-    bool value = false;
-    return cfg_ini_convert_to_bool(text, &value) ? value : default_value;
+    const zon_cfg::CONVERTED converted = zon_cfg::convert(text);
+    return converted.is_bool ? converted.bool_value : default_value;
 }
 
 bool cfg_ini_convert_to_int(const char* text, int* value)
 {
-    return convert_if_whole(text, value);
+    const zon_cfg::CONVERTED converted = zon_cfg::convert(text);
+    if (converted.is_int)
+        *value = static_cast<int>(converted.number);
+    return converted.is_int;
 }
 
 bool cfg_ini_convert_to_uint(const char* text, unsigned int* value)
 {
-    return convert_if_whole(text, value);
+    const zon_cfg::CONVERTED converted = zon_cfg::convert(text);
+    if (converted.is_uint)
+        *value = static_cast<unsigned int>(converted.number);
+    return converted.is_uint;
 }
 
 double zon_cfg::convert_to_double(const char* text, bool* whole)

@@ -1,36 +1,62 @@
 #include "cfg_ini/cfg_ini_reader/value_storing.h"
 
-#include "cfg_ini/cfg_ini_reader/change_callbacks.h"
+#include <charconv>
+#include <iterator>
+#include <limits>
+#include <string>
+
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"
 
 namespace zon_cfg
 {
 namespace
 {
-void set_value(CFG_INI_RECORD& record, std::string_view value) ZON_LOCK_HELD
+// to = text, for a text that is no part of `to`: where there is room already, which is nearly always, that takes less
+// than an assignment that is ready for anything. Leaves `to` as it was if there is no memory.
+void assign_other_text(std::string& to, std::string_view text)
 {
-    record.value = value;
-    const char* const text = record.value.c_str();
-    record.bool_valid = cfg_ini_convert_to_bool(text, &record.bool_value);
-    record.int_valid = cfg_ini_convert_to_int(text, &record.int_value);
-    if (record.int_valid && *text != '-')
+    if (text.size() <= to.size())
     {
-        // What fits a signed integer and has no sign fits an unsigned one.
-        record.uint_valid = true;
-        record.uint_value = static_cast<unsigned int>(record.int_value);
+        text.copy(to.data(), text.size());
+        to.resize(text.size());
+    }
+    else if (text.size() <= to.capacity())
+    {
+        to.clear();
+        to.append(text);
     }
     else
-        record.uint_valid = cfg_ini_convert_to_uint(text, &record.uint_value);
-    record.had_valid_read = false;
+        to = text;
 }
 }
 
-void store_in_record(CFG_INI_RECORD& record, std::string_view name, std::string_view value, bool external)
+// A number that the text does not convert to keeps what it was; a boolean becomes false.
+void set_value(CFG_INI_RECORD& record, std::string_view value)
 {
-    set_value(record, value);
-    if (external)
-        record.external = true;
-    refresh_callbacks(name); // may set other variables; the record stays where it is
-    cfg_ini_dirty = true;
+    assign_other_text(record.value, value);
+    const CONVERTED converted = convert(record.value.c_str());
+    record.bool_valid = converted.is_bool;
+    record.bool_value = converted.bool_value;
+    record.int_valid = converted.is_int;
+    if (converted.is_int)
+        record.int_value = static_cast<int>(converted.number);
+    record.uint_valid = converted.is_uint;
+    if (converted.is_uint)
+        record.uint_value = static_cast<unsigned int>(converted.number);
+    record.had_valid_read = false;
+}
+
+void set_value(CFG_INI_RECORD& record, int value)
+{
+    char text[std::numeric_limits<int>::digits10 + 2]; // a sign, and one digit more than any number of them can have
+    assign_other_text(record.value, {text, std::to_chars(std::begin(text), std::end(text), value).ptr});
+    record.bool_valid = value == 0 || value == 1;
+    record.bool_value = value == 1;
+    record.int_valid = true;
+    record.int_value = value;
+    record.uint_valid = value >= 0;
+    if (record.uint_valid)
+        record.uint_value = static_cast<unsigned int>(value);
+    record.had_valid_read = false;
 }
 }

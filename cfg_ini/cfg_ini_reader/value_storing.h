@@ -4,16 +4,30 @@
 
 #include <string_view>
 
+#include "cfg_ini/cfg_ini_reader/change_callbacks.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "cfg_ini/cfg_ini_reader/store_lock.h"
 
 namespace zon_cfg
 {
-// Stores and converts the text, clears the mark of a valid read, notifies the callbacks of exactly this name and marks
-// the settings as changed. With `external` it marks the record external, and otherwise leaves that mark alone. Counts
-// no access. `record` is the record of `name`; neither text need end in a zero byte. Requires a NOTIFYING_STORE_LOCK.
-void store_in_record(CFG_INI_RECORD& record, std::string_view name, std::string_view value,
-                     bool external) ZON_LOCK_HELD;
+// Sets the record's value, that is its text, what that converts to, and that nobody has read it yet. The text need not
+// end in a zero byte; that of a number is the number in decimal. If there is no memory, nothing has changed.
+void set_value(CFG_INI_RECORD& record, std::string_view value) ZON_LOCK_HELD;
+void set_value(CFG_INI_RECORD& record, int value) ZON_LOCK_HELD;
+
+// Sets the value of the record of `name`, notifies the callbacks of exactly this name and marks the settings as
+// changed. With `external` it marks the record external, and otherwise leaves that mark alone. Counts no access. VALUE
+// is std::string_view or int. Requires a NOTIFYING_STORE_LOCK.
+template <typename VALUE>
+[[gnu::always_inline]] inline void store_in_record(CFG_INI_RECORD& record, std::string_view name, VALUE value,
+                                                   bool external) ZON_LOCK_HELD
+{
+    set_value(record, value);
+    if (external)
+        record.external = true;
+    refresh_callbacks(name); // may set other variables; the record stays where it is
+    cfg_ini_dirty = true;
+}
 }
 
 #endif

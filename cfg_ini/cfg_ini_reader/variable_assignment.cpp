@@ -1,6 +1,7 @@
 #include "cfg_ini/cfg_ini_reader/variable_assignment.h"
 
-#include <cstdio>
+#include <cstddef>
+#include <string>
 #include <string_view>
 
 #include "cfg_ini/cfg_ini.h"
@@ -15,31 +16,64 @@ namespace zon_cfg
 {
 namespace
 {
-void assign(const SOUGHT_NAME& name, std::string_view value, bool external,
-            NOTIFYING_STORE_LOCK& held) ZON_LOCK_HELD ZON_UNCHECKED
+// Loads, and stores copies: a load runs callbacks, which may change the caller's strings. Takes the name and a text in
+// parts for the reason that load_for_name does (store_access.h).
+template <typename VALUE>
+void load_and_store(const std::string& name, const VALUE& value, bool external)
 {
-    store_in_record(find_or_insert_record(name), name.text, value, external);
-    held.unlock();
+    const auto store_and_unlock = [&](NOTIFYING_STORE_LOCK& lock) ZON_LOCK_HELD ZON_UNCHECKED
+    {
+        store_in_record(find_or_insert_record(SOUGHT_NAME(name)), name, value, external);
+        lock.unlock();
+    };
+    with_loaded_store<NOTIFYING_STORE_LOCK>(store_and_unlock);
+}
+[[gnu::noinline, gnu::cold]] void load_and_assign(const char* name, std::size_t name_length, const char* value,
+                                                  std::size_t value_length, bool external)
+{
+    load_and_store(std::string(name, name_length), std::string(value, value_length), external);
+}
+[[gnu::noinline, gnu::cold]] void load_and_assign(const char* name, std::size_t name_length, int value)
+{
+    load_and_store(std::string(name, name_length), value, false);
 }
 
-// Copies both texts: a load runs callbacks, which may change the caller's.
-[[gnu::noinline]] void load_and_assign(const std::string name, const std::string value, bool external)
-{
-    with_loaded_store<NOTIFYING_STORE_LOCK>([&](NOTIFYING_STORE_LOCK& held) ZON_LOCK_HELD
-                                            { assign(SOUGHT_NAME(name), value, external, held); });
-}
-
-void assign(std::string_view name, std::string_view value, bool external)
+// The fast path of all setters: that of a lookup, with a lock for callbacks. False where the settings must be loaded.
+template <typename VALUE>
+[[gnu::always_inline]] inline bool assign_if_loaded(std::string_view name, VALUE value, bool external)
 {
     const SOUGHT_NAME sought(name);
-    if (store_exists()) [[likely]]
-    {
-        NOTIFYING_STORE_LOCK lock(HANDLE_EXISTS{});
-        if (store_table() != nullptr) [[likely]]
-            return assign(sought, value, external, lock);
-        lock.unlock();
-    }
-    load_and_assign(std::string(name), std::string(value), external);
+    if (!store_exists()) [[unlikely]]
+        return false;
+    NOTIFYING_STORE_LOCK lock(HANDLE_EXISTS{});
+    const bool is_loaded = store_table() != nullptr;
+    if (is_loaded) [[likely]]
+        store_in_record(find_or_insert_record(sought), name, value, external);
+    lock.unlock();
+    return is_loaded;
+}
+
+[[gnu::always_inline]] inline void assign(std::string_view name, std::string_view value, bool external)
+{
+    if (!assign_if_loaded(name, value, external)) [[unlikely]]
+        load_and_assign(name.data(), name.size(), value.data(), value.size(), external);
+}
+
+[[gnu::always_inline]] inline void assign(std::string_view name, int value)
+{
+    if (!assign_if_loaded(name, value, false)) [[unlikely]]
+        load_and_assign(name.data(), name.size(), value);
+}
+
+// For the setters that are not worth a copy of the code above.
+[[gnu::noinline]] void assign_text(std::string_view name, std::string_view value)
+{
+    assign(name, value, false);
+}
+
+[[gnu::noinline]] void assign_number(std::string_view name, int value)
+{
+    assign(name, value);
 }
 }
 }
@@ -48,7 +82,7 @@ using namespace zon_cfg;
 
 void cfg_ini_insert_element(const std::string& name, const std::string& value)
 {
-    assign(name, value, false);
+    assign_text(name, value);
 }
 
 void cfg_ini_insert_element_external_ini(const std::string& name, const std::string& value)
@@ -64,43 +98,42 @@ void cfg_set_value(const std::string& name, const std::string& value)
 void cfg_set_value(CFG_INI_VAR_ENUM ini_enum, const char* value)
 {
     // Checked before the value is: an enumeration out of range is what gets reported.
-    const char* const name = catalogue_entry(ini_enum).first;
-    assign(name, std::string(value), false);
+    const std::string_view name = catalogue_entry(ini_enum).name;
+    assign_text(name, std::string(value));
 }
 
 void cfg_set_int_value(const char* name, int value)
 {
-    char text[16];
-    const int length = std::snprintf(text, sizeof text, "%d", value);
-    assign(not_null(cfg_ini_name_view(name)), std::string_view(text, static_cast<std::size_t>(length)), false);
+    assign_number(cfg_ini_name_view(name), value);
 }
 
 void cfg_set_int_value(const std::string& name, int value)
 {
-    cfg_set_int_value(name.c_str(), value);
+    // Up to a zero byte, as the form above takes it.
+    assign_number(name.c_str(), value);
 }
 
 void cfg_set_int_value(CFG_INI_VAR_ENUM ini_enum, int value)
 {
-    cfg_set_int_value(catalogue_entry(ini_enum).first, value);
+    assign_number(catalogue_entry(ini_enum).name, value);
 }
 
 void cfg_set_on(const std::string& name)
 {
-    assign(name, "on", false);
+    assign_text(name, "on");
 }
 
 void cfg_set_on(CFG_INI_VAR_ENUM ini_enum)
 {
-    assign(catalogue_entry(ini_enum).first, "on", false);
+    assign_text(catalogue_entry(ini_enum).name, "on");
 }
 
 void cfg_set_off(const std::string& name)
 {
-    assign(name, "off", false);
+    assign_text(name, "off");
 }
 
 void cfg_set_off(CFG_INI_VAR_ENUM ini_enum)
 {
-    assign(catalogue_entry(ini_enum).first, "off", false);
+    assign_text(catalogue_entry(ini_enum).name, "off");
 }

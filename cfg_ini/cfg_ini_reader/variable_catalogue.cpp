@@ -1,7 +1,15 @@
+// The catalogue is written down once, as rows; what lookups need of it is derived at compile time: the pairs of texts
+// and the entries by position, and a perfect hash from names to positions.
+//
+// The hash takes the length of a name and three of its characters, times a factor that the compiler searches until all
+// catalogued names get slots of their own. A name is looked for by one multiplication and one comparison with the
+// only name that it can be. Nothing is built at run time, and nothing is gone when exit handlers ask; the map that
+// hosts can get is built for them alone.
 #include "cfg_ini/cfg_ini_reader/variable_catalogue.h"
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <string>
@@ -95,14 +103,56 @@ constexpr auto names_and_defaults()
     return pairs;
 }
 
-constexpr auto sorted_by_name()
+constexpr auto entries_of_rows()
 {
-    auto rows = catalogue;
-    std::ranges::sort(rows, {}, [](const CATALOGUE_ROW& row) { return std::string_view(row.name); });
-    return rows;
+    std::array<CATALOGUE_ENTRY, CFG_INI_VAR_END> entries{};
+    std::ranges::transform(catalogue, entries.begin(),
+                           [](const CATALOGUE_ROW& row)
+                           {
+                               const std::string_view default_text = row.default_text;
+                               return CATALOGUE_ENTRY{row.name, default_text, default_text == "on"};
+                           });
+    return entries;
 }
 
-constexpr auto by_name = sorted_by_name();
+// --- From a name to its position ---
+
+constexpr unsigned int slot_bits = 7;
+
+// Of a name that is not empty.
+constexpr std::size_t slot_of(std::string_view name, std::uint64_t factor)
+{
+    const auto character = [&](std::size_t at) { return std::uint64_t{static_cast<unsigned char>(name[at])}; };
+    const std::uint64_t key =
+        name.size() << 24 | character(0) << 16 | character(name.size() / 2) << 8 | character(name.size() - 1);
+    return (key * factor) >> (64 - slot_bits);
+}
+
+struct NAME_INDEX
+{
+    std::uint64_t factor;
+    std::array<std::int8_t, std::size_t{1} << slot_bits> positions; // negative where no name is
+};
+
+constexpr NAME_INDEX index_of_names()
+{
+    for (std::uint64_t factor = 0x9E3779B97F4A7C15U;; factor += 0x9E3779B97F4A7C16U) // odd ones, and different
+    {
+        NAME_INDEX index{factor, {}};
+        index.positions.fill(-1);
+        if (std::ranges::all_of(catalogue,
+                                [&index](const CATALOGUE_ROW& row)
+                                {
+                                    std::int8_t& position = index.positions[slot_of(row.name, index.factor)];
+                                    const bool is_free = position < 0;
+                                    position = static_cast<std::int8_t>(row.position);
+                                    return is_free;
+                                }))
+            return index; // names of the same length and characters would have no end of it, which the compiler reports
+    }
+}
+
+constexpr NAME_INDEX name_index = index_of_names();
 }
 }
 
@@ -111,14 +161,12 @@ constinit const std::array<std::pair<const char*, const char*>, CFG_INI_VAR_END>
 
 namespace zon_cfg
 {
-const std::pair<const char*, const char*>& catalogue_entry(CFG_INI_VAR_ENUM ini_enum, int line)
+constinit const std::array<CATALOGUE_ENTRY, CFG_INI_VAR_END> catalogue_entries = entries_of_rows();
+
+void refuse_unknown_variable(int line)
 {
-    if (ini_enum < CFG_INI_VAR_BEGIN || ini_enum >= CFG_INI_VAR_END)
-    {
-        report_broken_precondition("ini_enum >= CFG_INI_VAR_BEGIN && ini_enum < CFG_INI_VAR_END", line);
-        std::abort();
-    }
-    return cfg_enum_based_defaults[static_cast<std::size_t>(ini_enum)];
+    report_broken_precondition("ini_enum >= CFG_INI_VAR_BEGIN && ini_enum < CFG_INI_VAR_END", line);
+    std::abort();
 }
 
 namespace
@@ -162,12 +210,12 @@ constinit POSITIONS_BY_NAME positions_by_name;
 
 std::optional<CFG_INI_VAR_ENUM> catalogue_position(std::string_view name)
 {
-    // Not through the map above, which is gone once static objects are destroyed: exit handlers still ask.
-    const auto row = std::ranges::lower_bound(by_name, name, {},
-                                              [](const CATALOGUE_ROW& entry) { return std::string_view(entry.name); });
-    if (row == by_name.end() || row->name != name)
+    if (name.empty())
         return std::nullopt;
-    return row->position;
+    const int position = name_index.positions[slot_of(name, name_index.factor)];
+    if (position < 0 || catalogue_entries[static_cast<std::size_t>(position)].name != name)
+        return std::nullopt;
+    return static_cast<CFG_INI_VAR_ENUM>(position);
 }
 }
 
@@ -175,7 +223,7 @@ using namespace zon_cfg;
 
 std::string cfg_get_default_value(CFG_INI_VAR_ENUM ini_enum)
 {
-    return catalogue_entry(ini_enum, DEFAULT_OF_UNKNOWN_VARIABLE).second;
+    return std::string(catalogue_entry(ini_enum, DEFAULT_OF_UNKNOWN_VARIABLE).default_text);
 }
 
 const std::unordered_map<std::string, CFG_INI_VAR_ENUM>& cfg_ini_get_string_to_id_map()

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <random>
@@ -12,16 +13,34 @@
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/ini_text.h"
-#include "cfg_ini/cfg_ini_reader/name_matching.h"
 #include "cfg_ini/cfg_ini_reader/name_cache.h"
+#include "cfg_ini/cfg_ini_reader/name_matching.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
-#include "cfg_ini/cfg_ini_reader/store_primitives.h"
 #include "cfg_ini/cfg_ini_reader/settings_lines.h"
+#include "cfg_ini/cfg_ini_reader/store_primitives.h"
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"
 #include "tests/support/faked_test.h"
 #include "tests/support/plain_rules.h"
 
 using namespace zon_cfg;
+
+// --- The hash of names, counted: the linker puts this in its place (CMakeLists.txt) ---
+
+std::size_t
+hash_name_itself(std::string_view name) asm("__real__ZN7zon_cfg9hash_nameESt17basic_string_viewIcSt11char_traitsIcEE");
+std::size_t
+count_hash(std::string_view name) asm("__wrap__ZN7zon_cfg9hash_nameESt17basic_string_viewIcSt11char_traitsIcEE");
+
+namespace
+{
+long hashes = 0;
+}
+
+std::size_t count_hash(std::string_view name)
+{
+    ++hashes;
+    return hash_name_itself(name);
+}
 
 namespace
 {
@@ -106,7 +125,7 @@ TEST(FAST_PATHS, names_are_equal_when_the_folded_bytes_up_to_zero_are)
             const bool expected = plain::folded_up_to_zero(a) == plain::folded_up_to_zero(b);
             ASSERT_EQ(STL_CASE_INSENSITIVE_EQUAL()(a, b), expected)
                 << testing::PrintToString(a) << " and " << testing::PrintToString(b);
-            ASSERT_EQ(STL_CASE_INSENSITIVE_EQUAL()(HASHED_NAME(a), b), expected)
+            ASSERT_EQ(STL_CASE_INSENSITIVE_EQUAL()(HASHED_NAME(a), RECORD_NAME(HASHED_NAME(b))), expected)
                 << testing::PrintToString(a) << " and " << testing::PrintToString(b);
         }
     }
@@ -184,6 +203,18 @@ TEST(FAST_PATHS, texts_convert_as_whole_numbers_and_words)
 
 class FAST_STORE : public FAKED_TEST
 {
+protected:
+    ~FAST_STORE() override
+    {
+        cfg_close_ini_file();
+    }
+
+    static bool is_cached(const std::string& name)
+    {
+        const STORE_LOCK lock;
+        const CACHED_NAME* const ways = SOUGHT_NAME(name).ways;
+        return ways[0].is_of(name) || ways[1].is_of(name);
+    }
 };
 
 // More names than are remembered, in many spellings, against an ordered map under the folded name.
@@ -263,8 +294,7 @@ TEST_F(FAST_STORE, nearly_all_of_a_thousand_names_are_remembered)
         cfg_set_int_value(name, 1);
 
     const STORE_LOCK lock;
-    const auto remembered =
-        std::ranges::count_if(names, [](const std::string& name) { return SOUGHT_NAME(name).cached() != nullptr; });
+    const auto remembered = std::ranges::count_if(names, [](const std::string& name) { return is_cached(name); });
     EXPECT_GE(remembered, 985); // random places leave nine without one
 }
 
@@ -275,7 +305,7 @@ TEST_F(FAST_STORE, names_up_to_the_longest_are_remembered)
     {
         cfg_get_int_value(name, 0);
         const STORE_LOCK lock;
-        return SOUGHT_NAME(name).cached() != nullptr;
+        return is_cached(name);
     };
     for (std::size_t length = 0; length <= CACHED_NAME::longest; ++length)
         EXPECT_TRUE(is_remembered_after_lookup(std::string(length, 'n'))) << length;
@@ -294,14 +324,151 @@ TEST_F(FAST_STORE, an_emptied_store_is_not_remembered)
 TEST_F(FAST_STORE, nothing_is_remembered_from_before_the_emptyings_were_counted_anew)
 {
     cfg_read_ini_file(std::string());
-    name_cache_epoch = 1;
+    name_cache.epoch = 1;
     cfg_set_int_value("remembered_name", 7);
     EXPECT_EQ(cfg_get_int_value("remembered_name", -1), 7); // remembered under 1
-    name_cache_epoch = 0xFFFFFFFE;
-    cfg_read_ini_file(std::string());    // forgets twice: the old store, and what a callback may have made
-    EXPECT_EQ(name_cache_epoch, 1U); // 0 is that of a place that was never used
+    name_cache.epoch = 0xFFFFFFFE;
+    cfg_read_ini_file(std::string()); // forgets twice: the old store, and what a callback may have made
+    EXPECT_EQ(name_cache.epoch, 1U);  // 0 is that of a place that was never used
     EXPECT_EQ(cfg_get_int_value("remembered_name", -1), -1);
     EXPECT_EQ(cfg_get_int_value("remembered_name", -1), -1);
+}
+
+// --- How the name cache grows ---
+
+std::size_t cache_sets()
+{
+    return std::size_t{1} << (64 - name_cache.shift.load());
+}
+
+void look_up_names(int number)
+{
+    for (int i = 0; i < number; ++i)
+        cfg_is_on("variable_of_the_host_" + std::to_string(i), false);
+}
+
+TEST_F(FAST_STORE, the_name_cache_grows_with_the_names_in_use)
+{
+    const auto look_up = []
+    {
+        cfg_read_ini_file(std::string());
+        EXPECT_EQ(cache_sets(), 64U);
+        look_up_names(28);
+        EXPECT_EQ(cache_sets(), 64U);
+        look_up_names(29);
+        EXPECT_EQ(cache_sets(), 128U);
+        look_up_names(200);
+        EXPECT_EQ(cache_sets(), 512U); // 64 KiB
+        look_up_names(1'000);
+        EXPECT_EQ(cache_sets(), 4096U);
+        look_up_names(20'000);
+        EXPECT_EQ(cache_sets(), 4096U);
+        cfg_read_ini_file(std::string());
+        EXPECT_EQ(cache_sets(), 4096U); // its memory has been touched
+    };
+    EXPECT_IN_FRESH_PROCESS(look_up());
+}
+
+TEST_F(FAST_STORE, a_name_cache_that_grows_loses_no_name)
+{
+    const auto look_up = []
+    {
+        cfg_read_ini_file(std::string());
+        look_up_names(28);
+        std::vector<bool> before;
+        for (int i = 0; i < 28; ++i)
+            before.push_back(is_cached("variable_of_the_host_" + std::to_string(i)));
+        EXPECT_GE(std::ranges::count(before, true), 26);
+        cfg_is_on("the_one_that_is_too_many", false);
+        EXPECT_EQ(cache_sets(), 128U);
+        for (int i = 0; i < 28; ++i)
+            EXPECT_EQ(is_cached("variable_of_the_host_" + std::to_string(i)), before[static_cast<std::size_t>(i)]) << i;
+        EXPECT_TRUE(is_cached("the_one_that_is_too_many"));
+    };
+    EXPECT_IN_FRESH_PROCESS(look_up());
+}
+
+TEST_F(FAST_STORE, a_set_found_before_the_cache_grew_does_no_harm)
+{
+    const auto look_up = []
+    {
+        cfg_read_ini_file(std::string());
+        std::vector<std::string> names;
+        std::vector<SOUGHT_NAME> sought; // as threads have them that wait for the lock
+        for (int i = 0; i < 1'000; ++i)
+            names.push_back("name_of_a_waiting_thread_" + std::to_string(i));
+        for (const std::string& name : names)
+        {
+            cfg_set_value(name, name);
+            sought.emplace_back(name);
+        }
+        look_up_names(1'000);
+        const STORE_LOCK lock;
+        for (int time = 0; time < 2; ++time)
+        {
+            for (const SOUGHT_NAME& name : sought)
+            {
+                const CFG_INI_RECORD* const record = find_record(name);
+                ASSERT_NE(record, nullptr) << name.text;
+                ASSERT_EQ(record->value, name.text);
+            }
+        }
+        ASSERT_EQ(cfg_ini_file.load()->size(), 2'000U);
+    };
+    EXPECT_IN_FRESH_PROCESS(look_up());
+}
+
+// --- One hash a call ---
+
+struct HASH_COUNT
+{
+    const char* call;
+    std::function<void()> make;
+    long expected;
+};
+
+TEST_F(FAST_STORE, a_call_hashes_its_name_at_most_once)
+{
+    const std::string cached = "a_name_in_the_cache";
+    const std::string known = "a_known_name";
+    const std::string long_name(CACHED_NAME::longest + 1, 'n');
+    const std::string fresh = "a_fresh_name";
+    const std::string long_fresh(CACHED_NAME::longest + 1, 'f');
+    const SCOPED_POINT_LOCALE locale;
+    write_file(temporary.path("velmar.ini"), cached + "=1\n" + known + "=1\n" + long_name + "=2.5\n");
+    write_file(temporary.path("regtest.ini"), known + "=2\n" + fresh + "=2\n");
+    int number = 0;
+    const HASH_COUNT rows[] = {
+        {"lookup, cached", [&] { cfg_is_on(cached, false); }, 0},
+        {"lookup by default, cached", [&] { cfg_is_on(cached); }, 0},
+        {"assignment, cached", [&] { cfg_set_value(cached, "2"); }, 0},
+        {"number, cached", [&] { cfg_get_double_value(cached, 0); }, 0},
+        {"lookup", [&] { cfg_is_on(known, false); }, 1},
+        {"lookup, created", [&] { cfg_is_on(fresh, false); }, 1},
+        {"lookup, long", [&] { cfg_is_on(long_name, false); }, 1},
+        {"lookup, long, created", [&] { cfg_is_on(long_fresh, false); }, 1},
+        {"lookup by default, long, created", [&] { cfg_is_on(long_fresh); }, 1},
+        {"lookup by position, created", [&] { cfg_is_on(CFG_INI_VAR_MSG_SQLITE); }, 1},
+        {"text, long", [&] { cfg_get_value(long_name); }, 1},
+        {"number, long, which is marked afterwards", [&] { cfg_get_double_value(long_name, 0); }, 1},
+        {"late bound, long", [&] { cfg_dyn_get_int_value(long_name.c_str(), &number, 0); }, 1},
+        {"external, long", [&] { cfg_ini_is_external(long_name); }, 1},
+        {"assignment", [&] { cfg_set_value(known, "2"); }, 1},
+        {"assignment, created", [&] { cfg_set_value(fresh, "2"); }, 1},
+        {"assignment, long", [&] { cfg_set_value(long_name, "2"); }, 1},
+        {"assignment, long, created", [&] { cfg_set_int_value(long_fresh, 2); }, 1},
+        {"inline text", [&] { cfg_process_ini_string(known + "=2;" + fresh + "=2", false); }, 2},
+        {"file", [&] { cfg_read_regtest_ini_file(temporary.path("regtest.ini")); }, 2},
+        {"many that make the table grow", [&] { look_up_names(5'000); }, 5'000},
+    };
+    for (const HASH_COUNT& row : rows)
+    {
+        cfg_read_ini_file(temporary.path("velmar.ini"));
+        cfg_is_on(cached, false);
+        hashes = 0;
+        row.make();
+        EXPECT_EQ(hashes, row.expected) << row.call;
+    }
 }
 
 TEST_F(FAST_STORE, lines_come_out_whole_wherever_the_buffer_ends)

@@ -1,6 +1,7 @@
 // What the store allocates, and what it leaves behind when there is no more memory.
 #include <functional>
 #include <latch>
+#include <memory_resource>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -121,6 +122,187 @@ TEST_F(STORE_MEMORY_TEST, emptying_gives_everything_back)
     EXPECT_GT(live_allocations(), before);
     cfg_close_ini_file();
     EXPECT_EQ(live_allocations(), before);
+}
+
+// --- The host's default memory resource ---
+
+// Stands for the host's default resource, and counts what is asked of it.
+class WATCHED_DEFAULT : public std::pmr::memory_resource
+{
+public:
+    WATCHED_DEFAULT() : before(std::pmr::set_default_resource(this)) {}
+    ~WATCHED_DEFAULT() override
+    {
+        std::pmr::set_default_resource(before);
+    }
+    WATCHED_DEFAULT(const WATCHED_DEFAULT&) = delete;
+    WATCHED_DEFAULT& operator=(const WATCHED_DEFAULT&) = delete;
+
+    int calls = 0;
+
+private:
+    void* do_allocate(std::size_t size, std::size_t alignment) override
+    {
+        ++calls;
+        return before->allocate(size, alignment);
+    }
+    void do_deallocate(void* memory, std::size_t size, std::size_t alignment) override
+    {
+        ++calls;
+        before->deallocate(memory, size, alignment);
+    }
+    bool do_is_equal(const std::pmr::memory_resource& other) const noexcept override
+    {
+        return this == &other;
+    }
+
+    std::pmr::memory_resource* const before;
+};
+
+void store_some(const std::string& prefix)
+{
+    for (int i = 0; i < 500; ++i)
+    {
+        cfg_set_value(long_name + prefix + std::to_string(i), long_value);
+        cfg_get_value(other_name + prefix + std::to_string(i));
+    }
+}
+
+TEST_F(STORE_MEMORY_TEST, nothing_is_asked_of_the_hosts_default_resource)
+{
+    write_file(temporary.path("velmar.ini"), long_name + " = " + long_value + "\n");
+    write_file(temporary.path("regtest.ini"), other_name + " = 12\n");
+    const WATCHED_DEFAULT resource;
+    cfg_read_ini_file(temporary.path("velmar.ini"));
+    cfg_read_regtest_ini_file(temporary.path("regtest.ini"));
+    cfg_process_ini_string(long_name + "=12", false);
+    store_some("");
+    std::vector<std::pair<std::string, std::string>> ranks;
+    cfg_get_most_accessed(&ranks);
+    ASSIGNMENTS used;
+    cfg_get_used_variable_value_map(&used);
+    cfg_check_debug_ini_values(nullptr, nullptr, nullptr);
+    const CFG_INI_CALLBACK callback(long_name.c_str());
+    cfg_close_ini_file();
+    EXPECT_EQ(resource.calls, 0);
+}
+
+TEST_F(STORE_MEMORY_TEST, a_host_whose_default_resource_refuses_is_answered)
+{
+    std::pmr::memory_resource* const before = std::pmr::set_default_resource(std::pmr::null_memory_resource());
+    EXPECT_NO_THROW(make_empty_store(); store_some(""));
+    std::pmr::set_default_resource(before);
+    EXPECT_EQ(cfg_get_value(long_name + "7"), long_value);
+}
+
+TEST_F(STORE_MEMORY_TEST, a_store_outlives_the_hosts_scoped_default_resource)
+{
+    make_empty_store();
+    {
+        std::pmr::monotonic_buffer_resource scoped;
+        std::pmr::memory_resource* const before = std::pmr::set_default_resource(&scoped);
+        store_some("inside");
+        cfg_close_ini_file();
+        make_empty_store();
+        store_some("inside");
+        std::pmr::set_default_resource(before);
+    }
+    store_some("outside");
+    EXPECT_EQ(cfg_get_value(long_name + "inside7"), long_value);
+    EXPECT_EQ(cfg_get_value(long_name + "outside7"), long_value);
+    EXPECT_EQ(all_records().size(), 2000U);
+}
+
+TEST_F(STORE_MEMORY_TEST, a_host_exits_whose_default_resource_is_a_static_pool)
+{
+    // Destroyed before the store is: it is made later than the library's own static objects.
+    const auto use_a_static_pool = []
+    {
+        static std::pmr::unsynchronized_pool_resource pool(std::pmr::new_delete_resource());
+        std::pmr::set_default_resource(&pool);
+        make_empty_store();
+        store_some("");
+    };
+    EXPECT_IN_FRESH_PROCESS(use_a_static_pool());
+}
+
+// --- Files that are applied again and again ---
+
+// The fakes are to forget what they recorded: it takes memory, too.
+void apply_again(const std::string& path)
+{
+    cfg_read_regtest_ini_file(path);
+    fake::reset();
+}
+
+std::string file_of_names(int number)
+{
+    std::string text;
+    for (int i = 0; i < number; ++i)
+        text += "variable_of_a_name_that_is_not_short_" + std::to_string(i) + " = 12\n";
+    return text;
+}
+
+TEST_F(STORE_MEMORY_TEST, files_of_known_names_that_are_applied_again_add_nothing)
+{
+    make_empty_store();
+    const std::string small = temporary.path("10.ini");
+    const std::string middle = temporary.path("200.ini");
+    const std::string large = temporary.path("3000.ini");
+    write_file(small, file_of_names(10));
+    write_file(middle, file_of_names(200));
+    write_file(large, file_of_names(3000));
+    for (const std::string& each : {small, middle, large})
+        apply_again(each);
+    const long bytes = live_bytes();
+    const std::size_t buckets = cfg_ini_file.load()->bucket_count();
+    for (int time = 0; time < 1'000; ++time)
+    {
+        apply_again(middle);
+        if (time % 100 == 0)
+        {
+            apply_again(small);
+            apply_again(large);
+        }
+    }
+    EXPECT_EQ(live_bytes(), bytes);
+    EXPECT_EQ(cfg_ini_file.load()->bucket_count(), buckets);
+}
+
+TEST_F(STORE_MEMORY_TEST, a_long_file_that_is_applied_again_adds_nothing)
+{
+    const std::string path = temporary.path("20000.ini");
+    write_file(path, file_of_names(20'000));
+    cfg_read_ini_file(path);
+    apply_again(path);
+    const long bytes = live_bytes();
+    for (int time = 0; time < 10; ++time)
+        apply_again(path);
+    EXPECT_EQ(live_bytes(), bytes);
+}
+
+// Arrays of buckets come back when the table grows; the rest of a table is what its entries take.
+TEST_F(STORE_MEMORY_TEST, a_table_that_grew_takes_hardly_more_than_one_made_with_room)
+{
+    constexpr int names = 20'000;
+    const auto bytes_of_store = [](const auto& fill)
+    {
+        cfg_close_ini_file();
+        const long before = live_bytes();
+        fill();
+        return live_bytes() - before;
+    };
+    const std::string path = temporary.path("20000.ini");
+    write_file(path, file_of_names(names));
+    const long at_once = bytes_of_store([&] { cfg_read_ini_file(path); });
+    const long one_by_one = bytes_of_store(
+        []
+        {
+            make_empty_store();
+            for (int i = 0; i < names; ++i)
+                cfg_set_value("variable_of_a_name_that_is_not_short_" + std::to_string(i), "12");
+        });
+    EXPECT_LT(one_by_one, at_once + at_once / 10);
 }
 
 // --- No more memory ---
@@ -329,15 +511,22 @@ TEST_F(STORE_MEMORY_TEST, failed_reports_release_the_lock)
 
 TEST_F(STORE_MEMORY_TEST, failed_debug_settings_are_read_again)
 {
-    int level = 0;
-    const auto prepare = []
+    const auto level_now = []
     {
+        int level = 0;
+        cfg_check_debug_ini_values(nullptr, nullptr, &level);
+        return level;
+    };
+    const auto prepare = [&]
+    {
+        make_empty_store();
+        cfg_set_value("debug_msg_level", "7");
+        EXPECT_EQ(level_now(), 7); // what a question that read nothing would answer
         make_empty_store();
         cfg_set_value("debug_msg_level", "12");
     };
     fail_at_every_allocation(
-        prepare, [&] { cfg_check_debug_ini_values(nullptr, nullptr, &level); }, [] {});
-    EXPECT_EQ(level, 12);
+        prepare, [&] { level_now(); }, [&] { EXPECT_EQ(level_now(), 12); });
 }
 
 TEST_F(STORE_MEMORY_TEST, a_failed_registration_leaves_the_lock_held_and_registers_nothing)

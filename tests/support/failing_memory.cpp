@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <new>
 #include <utility>
 
@@ -11,6 +12,7 @@ namespace
 {
 constinit thread_local long allocations = 0;
 constinit thread_local long deallocations = 0;
+constinit thread_local long bytes = 0;
 constinit thread_local long allocations_to_failure = 0;
 constinit thread_local bool failed = false;
 constinit thread_local long allocations_to_action = 0;
@@ -28,15 +30,20 @@ void* allocate(std::size_t size, std::size_t alignment)
     }
     // A multiple of the alignment, as std::aligned_alloc asks for, and never none.
     const std::size_t rounded = (size / alignment + 1) * alignment;
-    if (void* const memory = std::aligned_alloc(alignment, rounded))
-        return memory;
-    throw std::bad_alloc();
+    void* const memory = std::aligned_alloc(alignment, rounded);
+    if (memory == nullptr)
+        throw std::bad_alloc();
+    bytes += static_cast<long>(malloc_usable_size(memory));
+    return memory;
 }
 
 void release(void* memory)
 {
     if (memory != nullptr)
+    {
         ++deallocations;
+        bytes -= static_cast<long>(malloc_usable_size(memory));
+    }
     std::free(memory);
 }
 }
@@ -112,6 +119,11 @@ long ALLOCATION_COUNT::since_start() const
 long live_allocations()
 {
     return allocations - deallocations;
+}
+
+long live_bytes()
+{
+    return bytes;
 }
 
 FAILING_ALLOCATION::FAILING_ALLOCATION(long nth)

@@ -18,6 +18,7 @@ private:
 
 // What the calling thread has allocated and not freed; only differences mean something.
 long live_allocations();
+long live_bytes(); // as the heap rounds them
 
 // The nth allocation of the calling thread after construction throws std::bad_alloc, once; until destruction.
 class FAILING_ALLOCATION

@@ -112,12 +112,12 @@ public:
             fail();
     }
 
-    void put_in_place_of(const std::string& target)
+    void put_in_place_of(const std::string& replaced)
     {
         if (fsync(descriptor) != 0)
             fail();
         close();
-        if (rename(made.c_str(), target.c_str()) != 0)
+        if (rename(made.c_str(), replaced.c_str()) != 0)
             fail();
         made.clear();
     }

@@ -1,11 +1,9 @@
 #include "cfg_run_report/whole_file.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <fcntl.h>
-#include <memory>
+#include <filesystem>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
 
 namespace
@@ -17,30 +15,82 @@ constexpr mode_t mode_of_new_files = 0666; // less the process's umask
     throw std::system_error(errno, std::generic_category());
 }
 
-int open_for_writing(const std::string& path, int flags)
+std::string directory_of(const std::string& path)
 {
-    return open(path.c_str(), O_WRONLY | O_CLOEXEC | flags, mode_of_new_files);
+    const std::string directory = std::filesystem::path(path).parent_path().string();
+    return directory.empty() ? "." : directory;
 }
 
-// An open file; closed at the latest by the destructor.
-class OUTPUT_FILE
+void take_over(int file, const struct stat& existing, FILE_OWNER owner)
+{
+    struct stat own;
+    if (fstat(file, &own) != 0)
+        fail();
+    const bool same = existing.st_uid == own.st_uid && existing.st_gid == own.st_gid;
+    if (!same && fchown(file, existing.st_uid, existing.st_gid) != 0 && owner == FILE_OWNER::KEPT)
+        throw OWNER_NOT_KEPT(errno, std::generic_category());
+    // Behind the owner, a change of whom takes mode bits away.
+    if (fchmod(file, existing.st_mode & 07777U) != 0)
+        fail();
+}
+
+std::error_code synchronise_directory(const std::string& path)
+{
+    const int directory = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    // Some file systems have nothing to synchronise and say so.
+    const bool done = directory >= 0 && (fsync(directory) == 0 || errno == EINVAL);
+    const std::error_code error = done ? std::error_code() : std::error_code(errno, std::generic_category());
+    if (directory >= 0)
+        close(directory);
+    return error;
+}
+}
+
+// An open file, closed at the latest by the destructor; one that is made for another's place goes with it.
+class WHOLE_FILE_WRITER::OPEN_FILE
 {
 public:
-    // Takes over what open_for_writing returned.
-    explicit OUTPUT_FILE(int opened) : descriptor(opened)
+    explicit OPEN_FILE(const std::string& device) : descriptor(open(device.c_str(), O_WRONLY | O_CLOEXEC))
     {
         if (descriptor < 0)
             fail();
     }
 
-    ~OUTPUT_FILE()
+    struct BESIDE
+    {
+        const std::string& target;
+    };
+
+    explicit OPEN_FILE(BESIDE place)
+    {
+        // A name may be taken by what a killed process of the same number left behind.
+        constexpr int tries = 100;
+        for (int i = 0; i < tries && descriptor < 0; ++i)
+        {
+            made = place.target + "." + std::to_string(getpid()) + "." + std::to_string(i) + ".tmp";
+            descriptor = open(made.c_str(), O_WRONLY | O_CLOEXEC | O_CREAT | O_EXCL, mode_of_new_files);
+            if (descriptor < 0 && errno != EEXIST)
+                break;
+        }
+        if (descriptor < 0)
+            fail();
+    }
+
+    ~OPEN_FILE()
     {
         if (descriptor >= 0)
             ::close(descriptor);
+        if (!made.empty())
+            unlink(made.c_str());
     }
 
-    OUTPUT_FILE(const OUTPUT_FILE&) = delete;
-    OUTPUT_FILE& operator=(const OUTPUT_FILE&) = delete;
+    OPEN_FILE(const OPEN_FILE&) = delete;
+    OPEN_FILE& operator=(const OPEN_FILE&) = delete;
+
+    int number() const
+    {
+        return descriptor;
+    }
 
     void write(std::string_view bytes)
     {
@@ -54,18 +104,6 @@ public:
         }
     }
 
-    void take_mode(mode_t mode)
-    {
-        if (fchmod(descriptor, mode & 07777) != 0)
-            fail();
-    }
-
-    void sync()
-    {
-        if (fsync(descriptor) != 0)
-            fail();
-    }
-
     void close()
     {
         const int closing = descriptor;
@@ -74,94 +112,105 @@ public:
             fail();
     }
 
-private:
-    int descriptor;
-};
-
-// The file that `path` leads to through links; `path` itself when nothing stands there.
-std::string resolved(const std::string& path)
-{
-    const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), std::free);
-    return real != nullptr ? real.get() : path;
-}
-
-// A new file beside another one; removed again unless it is put in that one's place.
-class FILE_BESIDE
-{
-public:
-    explicit FILE_BESIDE(const std::string& place) : target(place), opened(create()) {}
-
-    ~FILE_BESIDE()
+    void put_in_place_of(const std::string& replaced)
     {
-        if (!path.empty())
-            unlink(path.c_str());
-    }
-
-    FILE_BESIDE(const FILE_BESIDE&) = delete;
-    FILE_BESIDE& operator=(const FILE_BESIDE&) = delete;
-
-    OUTPUT_FILE& file()
-    {
-        return opened;
-    }
-
-    void put_in_place()
-    {
-        opened.sync();
-        opened.close();
-        if (rename(path.c_str(), target.c_str()) != 0)
+        if (fsync(descriptor) != 0)
             fail();
-        path.clear();
+        close();
+        if (rename(made.c_str(), replaced.c_str()) != 0)
+            fail();
+        made.clear();
     }
 
 private:
-    int create()
-    {
-        // A name may be taken by what a killed process of the same number left behind.
-        constexpr int tries = 100;
-        int descriptor = -1;
-        for (int i = 0; i < tries && descriptor < 0; ++i)
-        {
-            path = target + "." + std::to_string(getpid()) + "." + std::to_string(i) + ".tmp";
-            descriptor = open_for_writing(path, O_CREAT | O_EXCL);
-            if (descriptor < 0 && errno != EEXIST)
-                break;
-        }
-        return descriptor;
-    }
-
-    const std::string target;
-    std::string path;
-    OUTPUT_FILE opened;
+    int descriptor = -1;
+    std::string made;
 };
 
-void replace_file(const std::string& target, const struct stat* existing, std::string_view bytes)
+std::string followed_path(const std::string& path)
 {
-    if (existing != nullptr && faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)
-        fail();
-    FILE_BESIDE beside(target);
-    if (existing != nullptr)
-        beside.file().take_mode(existing->st_mode);
-    beside.file().write(bytes);
-    beside.put_in_place();
+    constexpr int most_links = 40;
+    std::filesystem::path followed(path);
+    for (int links = 0; std::filesystem::is_symlink(std::filesystem::symlink_status(followed)); ++links)
+    {
+        if (links == most_links)
+            throw std::system_error(ELOOP, std::generic_category());
+        followed = followed.parent_path() / std::filesystem::read_symlink(followed);
+    }
+    std::error_code error;
+    const std::filesystem::path directory = std::filesystem::canonical(directory_of(followed.string()), error);
+    if (error)
+        throw std::system_error(error.value(), std::generic_category());
+    return (directory / followed.filename()).string();
 }
+
+std::error_code replace_file(const std::string& made, const std::string& target, FILE_OWNER owner)
+{
+    struct stat existing;
+    const bool exists = stat(target.c_str(), &existing) == 0;
+    const int file = open(made.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        fail();
+    try
+    {
+        if (exists)
+            take_over(file, existing, owner);
+        if (fsync(file) != 0)
+            fail();
+    }
+    catch (...)
+    {
+        close(file);
+        throw;
+    }
+    close(file);
+    if (rename(made.c_str(), target.c_str()) != 0)
+        fail();
+    return synchronise_directory(directory_of(target));
+}
+
+WHOLE_FILE_WRITER::WHOLE_FILE_WRITER(const std::string& path)
+{
+    struct stat found;
+    const bool exists = stat(path.c_str(), &found) == 0;
+    if (exists && !S_ISREG(found.st_mode))
+    {
+        file = std::make_unique<OPEN_FILE>(path);
+        return;
+    }
+    target = followed_path(path);
+    if (exists && faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)
+        fail();
+    file = std::make_unique<OPEN_FILE>(OPEN_FILE::BESIDE{target});
+    if (exists)
+        take_over(file->number(), found, FILE_OWNER::KEPT_IF_POSSIBLE);
+}
+
+WHOLE_FILE_WRITER::~WHOLE_FILE_WRITER() = default;
+
+void WHOLE_FILE_WRITER::write(std::string_view bytes)
+{
+    file->write(bytes);
+}
+
+void WHOLE_FILE_WRITER::put_in_place()
+{
+    if (target.empty())
+    {
+        file->close();
+        return;
+    }
+    file->put_in_place_of(target);
+    synchronise_directory(directory_of(target)); // a report that a power cut takes away is no failure
 }
 
 std::string write_whole_file(const std::string& path, std::string_view bytes)
 {
     try
     {
-        const std::string target = resolved(path);
-        struct stat found;
-        const bool exists = stat(target.c_str(), &found) == 0;
-        if (exists && !S_ISREG(found.st_mode))
-        {
-            OUTPUT_FILE file(open_for_writing(target, 0));
-            file.write(bytes);
-            file.close();
-        }
-        else
-            replace_file(target, exists ? &found : nullptr, bytes);
+        WHOLE_FILE_WRITER file(path);
+        file.write(bytes);
+        file.put_in_place();
         return {};
     }
     catch (const std::exception& error)

@@ -1,15 +1,13 @@
 // The bytes of a file as a snapshot and as a run report: what is refused is refused with one line that names the file,
 // and what is accepted, written and read again, is the same and does not differ from itself.
-#include <nlohmann/json.hpp>
-
 #include "fuzz/fuzz_support.h"
 #include "tools/velmar-cfg/base/errors.h"
-#include "tools/velmar-cfg/base/json_values.h"
+#include "tools/velmar-cfg/base/json_writer.h"
+#include "tools/velmar-cfg/documents/run_report_json.h"
 #include "tools/velmar-cfg/documents/snapshot_differences.h"
 #include "tools/velmar-cfg/documents/snapshot_json.h"
 
 using fuzz::expect_equal;
-using nlohmann::ordered_json;
 
 namespace
 {
@@ -32,33 +30,25 @@ auto accepted(const std::string& path, READ read) -> std::optional<decltype(read
 
 std::string as_text(const SNAPSHOT& snapshot)
 {
-    return document_as_text(snapshot_as_json(snapshot));
+    TEXT_SINK text;
+    JSON_WRITER out(text);
+    write_json(out, snapshot);
+    out.finish();
+    return text.text;
 }
 
 // As a host writes it, but for the name of a run without one.
 std::string as_text(const RUN_REPORT& report)
 {
-    ordered_json read = ordered_json::array();
-    for (const READ_VARIABLE& variable : report.read)
-        read.push_back({{"name", variable.name},
-                        {"count", variable.count},
-                        {"value", value_or_null(variable.value)},
-                        {"external", variable.external},
-                        {"used", variable.used}});
-    ordered_json never_read = ordered_json::array();
-    for (const UNREAD_VARIABLE& variable : report.external_never_read)
-        never_read.push_back({{"name", variable.name}, {"value", variable.value}});
-    return document_as_text({{"schema", "velmar-run-report"},
-                             {"schema_version", 1},
-                             {"run", report.run},
-                             {"release", report.release},
-                             {"files",
-                              {{"main", value_or_null(report.main_file)},
-                               {"appended", value_or_null(report.appended_file)},
-                               {"regtest", value_or_null(report.regtest_file)}}},
-                             {"read", read},
-                             {"external_never_read", never_read},
-                             {"uncounted", report.uncounted}});
+    TEXT_SINK text;
+    JSON_WRITER out(text);
+    out.begin_object();
+    out.field("schema", "velmar-run-report");
+    out.field("schema_version", 1);
+    write_fields(out, report);
+    out.end_object();
+    out.finish();
+    return text.text;
 }
 
 // Writes what was accepted, and reads it again.

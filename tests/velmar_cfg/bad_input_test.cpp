@@ -56,6 +56,17 @@ TEST_P(BAD_SETTINGS, a_file_without_permission)
                         "user\n"}));
 }
 
+// Not the end of the file: the kernel fails every read of address 0.
+TEST_P(BAD_SETTINGS, a_file_whose_reading_fails)
+{
+    write_file("project/velmar.ini", "a=1\n");
+    variables["APPENDED_VELMAR_INI"] = "/proc/self/mem";
+    EXPECT_EQ(run_on_project(),
+              (TOOL_RUN{3, "",
+                        "velmar-cfg: /proc/self/mem: Input/output error, after 0 bytes; check the device, or name a "
+                        "copy of the file\n"}));
+}
+
 INSTANTIATE_TEST_SUITE_P(commands, BAD_SETTINGS,
                          testing::Values(std::vector<std::string>{"get", "a"}, std::vector<std::string>{"list"},
                                          std::vector<std::string>{"explain", "a"}, std::vector<std::string>{"lint"},

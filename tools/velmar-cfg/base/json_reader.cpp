@@ -6,7 +6,6 @@
 
 #include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/input_file.h"
-#include "tools/velmar-cfg/base/json_values.h"
 #include "tools/velmar-cfg/base/text.h"
 
 using nlohmann::ordered_json;
@@ -153,7 +152,7 @@ std::optional<double> JSON_NODE::double_or_null() const
     for (const double number : {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
                                 std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::quiet_NaN()})
     {
-        if (number_as_json(number) == value)
+        if (number_as_text(number) == value.get_ref<const std::string&>())
             return number;
     }
     refuse("number");

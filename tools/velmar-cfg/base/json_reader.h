@@ -27,14 +27,14 @@ public:
     JSON_NODE member(const char* name) const;
     std::vector<JSON_NODE> elements() const;
 
-    // A text, or the bytes of one that is no UTF-8 (see document_as_text).
+    // A text, or the bytes of one that is no UTF-8 (see JSON_WRITER).
     std::string text() const;
     std::optional<std::string> text_or_null() const;
     std::uint64_t natural_number() const;
     std::optional<std::uint64_t> natural_number_or_null() const;
     std::optional<int> int_or_null() const;
     std::optional<unsigned int> uint_or_null() const;
-    std::optional<double> double_or_null() const; // infinities and not-a-number as number_as_json has them
+    std::optional<double> double_or_null() const; // infinities and not-a-number as JSON_WRITER has them
     bool truth() const;
     std::optional<bool> truth_or_null() const;
 

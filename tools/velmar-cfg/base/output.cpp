@@ -3,13 +3,15 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <poll.h>
 #include <unistd.h>
 
 #include "tools/velmar-cfg/base/errors.h"
-#include "tools/velmar-cfg/base/json_values.h"
 
 namespace
 {
+constexpr std::size_t buffer_size = std::size_t{64} * 1024;
+
 bool environment_allows_color()
 {
     const char* const no_color = std::getenv("NO_COLOR");
@@ -40,20 +42,16 @@ const char* escape_sequence(STYLE style)
 }
 }
 
-void OUTPUT::choose_color(std::string_view choice, int descriptor)
+void OUTPUT::choose_color(std::string_view choice)
 {
     colored = choice == "always" || (choice == "auto" && isatty(descriptor) == 1 && environment_allows_color());
 }
 
-OUTPUT& OUTPUT::operator<<(std::string_view text)
+void OUTPUT::write(std::string_view text)
 {
-    bytes += text;
-    return *this;
-}
-
-void OUTPUT::json(const nlohmann::ordered_json& document)
-{
-    bytes += document_as_text(document);
+    buffer += text;
+    if (buffer.size() >= buffer_size)
+        finish();
 }
 
 std::string OUTPUT::painted(STYLE style, std::string_view text) const
@@ -63,19 +61,24 @@ std::string OUTPUT::painted(STYLE style, std::string_view text) const
     return escape_sequence(style) + std::string(text) + "\x1b[0m";
 }
 
-void OUTPUT::write_to(int descriptor)
+void OUTPUT::finish()
 {
-    std::string_view rest = bytes;
-    while (!rest.empty())
+    std::string_view rest = buffer;
+    while (!rest.empty() && !reader_has_gone)
     {
         const ssize_t written = ::write(descriptor, rest.data(), rest.size());
         if (written >= 0)
             rest.remove_prefix(static_cast<std::size_t>(written));
         else if (errno == EPIPE)
-            break;
+            reader_has_gone = true;
+        else if (errno == EAGAIN)
+        {
+            pollfd writable{descriptor, POLLOUT, 0};
+            poll(&writable, 1, -1);
+        }
         else if (errno != EINTR)
             throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN, std::string("standard output: ") + std::strerror(errno) +
                                                          "; send it somewhere that can take it");
     }
-    bytes.clear();
+    buffer.clear();
 }

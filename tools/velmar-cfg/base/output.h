@@ -2,9 +2,10 @@
 #ifndef TOOLS_VELMAR_CFG_BASE_OUTPUT_H
 #define TOOLS_VELMAR_CFG_BASE_OUTPUT_H
 
-#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
+
+#include "tools/velmar-cfg/base/byte_sink.h"
 
 enum class STYLE
 {
@@ -16,27 +17,35 @@ enum class STYLE
     BAD,
 };
 
-// Collects what a command answers; it is written at the end of the command, so that a failure to write is noticed.
-class OUTPUT
+// Writes to a descriptor through a buffer, whole, also where it does not block. A reader that has gone is no error:
+// what it did not want is dropped. Any other failure throws TOOL_ERROR(NOT_WRITTEN), which calls the descriptor
+// standard output.
+class OUTPUT : public BYTE_SINK
 {
 public:
-    // "always", "never", or "auto": when `descriptor` is a terminal that shows colours and NO_COLOR is not set.
-    void choose_color(std::string_view choice, int descriptor);
+    explicit OUTPUT(int where) : descriptor(where) {}
 
-    OUTPUT& operator<<(std::string_view text);
+    // "always", "never", or "auto": when the descriptor is a terminal that shows colours and NO_COLOR is not set.
+    void choose_color(std::string_view choice);
 
-    // The document as document_as_text has it.
-    void json(const nlohmann::ordered_json& document);
+    void write(std::string_view text) override;
+
+    OUTPUT& operator<<(std::string_view text)
+    {
+        write(text);
+        return *this;
+    }
 
     // `text` in that style; as it is when there is no colour.
     std::string painted(STYLE style, std::string_view text) const;
 
-    // Writes everything to the descriptor, standard output in a complaint's words. A reader that has gone is no error:
-    // what it did not want is dropped. Any other failure throws TOOL_ERROR.
-    void write_to(int descriptor);
+    // Writes what is left in the buffer. To be called when all is said; without it, the rest is dropped.
+    void finish();
 
 private:
-    std::string bytes;
+    const int descriptor;
+    std::string buffer;
+    bool reader_has_gone = false;
     bool colored = false;
 };
 

@@ -1,14 +1,13 @@
 #include "tools/velmar-cfg/base/staged_file.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <string_view>
 #include <sys/stat.h>
-#include <unistd.h>
 
+#include "cfg_run_report/whole_file.h"
 #include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/input_file.h"
 
@@ -22,7 +21,7 @@ constexpr std::string_view unique_part = "XXXXXX";
     throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN, path + ": " + what);
 }
 
-[[noreturn]] void fail_with_errno(const std::string& path, const char* then = "; nothing was changed")
+[[noreturn]] void fail_with_errno(const std::string& path, const char* then)
 {
     fail(path, std::strerror(errno) + std::string(then));
 }
@@ -38,41 +37,6 @@ bool exists(const std::string& path)
     struct stat found;
     return stat(path.c_str(), &found) == 0;
 }
-
-// Closes a descriptor at the end of a scope.
-class DESCRIPTOR
-{
-public:
-    DESCRIPTOR(const std::string& path, int flags) : number(open(path.c_str(), flags | O_CLOEXEC)) {}
-    ~DESCRIPTOR()
-    {
-        if (number >= 0)
-            close(number);
-    }
-    DESCRIPTOR(const DESCRIPTOR&) = delete;
-    DESCRIPTOR& operator=(const DESCRIPTOR&) = delete;
-
-    const int number;
-};
-
-void synchronise(const std::string& path, int flags)
-{
-    const DESCRIPTOR file(path, flags);
-    if (file.number < 0 || fsync(file.number) != 0)
-        fail_with_errno(path);
-}
-}
-
-std::string followed_path(const std::string& path)
-{
-    std::filesystem::path followed(path);
-    std::error_code error;
-    for (int links = 0; links < 40 && std::filesystem::is_symlink(followed, error); ++links)
-        followed = followed.parent_path() / std::filesystem::read_symlink(followed, error);
-    const std::filesystem::path directory = std::filesystem::canonical(parent_of(followed.string()), error);
-    if (error || std::filesystem::is_symlink(followed))
-        fail(path, "no such directory, or links in a circle; make the directory first");
-    return (directory / followed.filename()).string();
 }
 
 STAGED_FILE::STAGED_FILE(const std::string& the_target, const std::string& file_name, bool beside_target)
@@ -108,38 +72,25 @@ STAGED_FILE::~STAGED_FILE()
     std::filesystem::remove_all(staging, ignored);
 }
 
-void STAGED_FILE::copy_ownership(int file) const
-{
-    struct stat old_file;
-    struct stat new_file;
-    if (stat(target.c_str(), &old_file) != 0)
-        return; // there was none: the new file is as its maker made it
-    if (fstat(file, &new_file) != 0)
-        fail_with_errno(path());
-    const bool same_owner = old_file.st_uid == new_file.st_uid && old_file.st_gid == new_file.st_gid;
-    if (!same_owner && fchown(file, old_file.st_uid, old_file.st_gid) != 0)
-        fail(target, "belongs to somebody else, and its owner could not be kept; nothing was changed");
-    if (fchmod(file, old_file.st_mode & 07777U) != 0)
-        fail_with_errno(path());
-}
-
 void STAGED_FILE::replace_target()
 {
-    {
-        const DESCRIPTOR file(path(), O_RDONLY);
-        if (file.number < 0)
-            fail_with_errno(path());
-        copy_ownership(file.number);
-        if (fsync(file.number) != 0)
-            fail_with_errno(path());
-    }
     // Programs that save preferences themselves know nothing of the lock.
     const std::string now = exists(target) ? read_input_file(target) : std::string();
     if (now != before)
         fail(target, "another program changed it meanwhile; nothing was changed, run the command again");
-    if (std::rename(path().c_str(), target.c_str()) != 0)
-        fail_with_errno(target);
-    synchronise(parent_of(target), O_RDONLY | O_DIRECTORY);
+    try
+    {
+        if (const std::error_code not_lasting = replace_file(path(), target, FILE_OWNER::KEPT))
+            fail(target, "was changed, but a power cut may undo that: " + not_lasting.message());
+    }
+    catch (const OWNER_NOT_KEPT&)
+    {
+        fail(target, "belongs to somebody else, and its owner could not be kept; nothing was changed");
+    }
+    catch (const std::system_error& error)
+    {
+        fail(target, error.code().message() + "; nothing was changed");
+    }
 }
 
 void remove_abandoned_staging(const std::string& target, const std::string& file_name)

@@ -5,9 +5,6 @@
 
 #include <string>
 
-// Where a path leads once every symbolic link is followed; the file itself need not exist.
-std::string followed_path(const std::string& path);
-
 // A private directory in which the new file is made before it takes the old one's place. Gone with the object; one that
 // a killed process left is removed with remove_abandoned_staging.
 class STAGED_FILE
@@ -43,8 +40,6 @@ public:
     void replace_target();
 
 private:
-    void copy_ownership(int file) const;
-
     const std::string target;
     const std::string name;
     std::string staging;

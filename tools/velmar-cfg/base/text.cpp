@@ -70,6 +70,44 @@ std::string printable(std::string_view text)
     return result;
 }
 
+namespace
+{
+// The length of the well-formed sequence that the bytes, of which there is one, begin with; 0 when they do not.
+std::size_t utf_8_sequence(std::string_view bytes)
+{
+    const auto byte = [&bytes](std::size_t at) { return static_cast<unsigned char>(bytes[at]); };
+    const unsigned char lead = byte(0);
+    if (lead < 0x80)
+        return 1;
+    const std::size_t length = lead >= 0xc2 && lead < 0xe0 ? 2 : lead >= 0xe0 && lead < 0xf0 ? 3 : 4;
+    if (lead < 0xc2 || lead > 0xf4 || bytes.size() < length)
+        return 0;
+    // What the second byte may be keeps overlong forms, surrogates and too large numbers out.
+    const unsigned char least = lead == 0xe0 ? 0xa0 : lead == 0xf0 ? 0x90 : 0x80;
+    const unsigned char most = lead == 0xed ? 0x9f : lead == 0xf4 ? 0x8f : 0xbf;
+    if (byte(1) < least || byte(1) > most)
+        return 0;
+    for (std::size_t at = 2; at < length; ++at)
+    {
+        if ((byte(at) & 0xc0U) != 0x80)
+            return 0;
+    }
+    return length;
+}
+}
+
+bool is_utf_8(std::string_view bytes)
+{
+    while (!bytes.empty())
+    {
+        const std::size_t length = utf_8_sequence(bytes);
+        if (length == 0)
+            return false;
+        bytes.remove_prefix(length);
+    }
+    return true;
+}
+
 std::string number_as_text(double number)
 {
     std::array<char, 32> text; // the longest is "-2.2250738585072014e-308"

@@ -19,6 +19,9 @@ std::optional<std::string> from_hexadecimal(std::string_view digits);
 // `text` fit for one line of a terminal: control characters as \n, \t or \x1b, and the backslash itself as it is.
 std::string printable(std::string_view text);
 
+// Whether the bytes are well-formed UTF-8: no overlong form, no surrogate, nothing above U+10FFFF.
+bool is_utf_8(std::string_view bytes);
+
 // The shortest text that reads back as this number.
 std::string number_as_text(double number);
 

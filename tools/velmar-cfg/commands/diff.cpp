@@ -1,5 +1,4 @@
 // velmar-cfg diff: what differs between two snapshots, and which layer made it differ.
-#include <nlohmann/json.hpp>
 #include <sys/stat.h>
 
 #include "tools/velmar-cfg/base/input_file.h"
@@ -13,6 +12,7 @@
 #include "tools/velmar-cfg/documents/snapshot.h"
 #include "tools/velmar-cfg/documents/snapshot_differences.h"
 #include "tools/velmar-cfg/documents/snapshot_json.h"
+#include "tools/velmar-cfg/documents/take_snapshot.h"
 
 namespace
 {
@@ -30,14 +30,14 @@ bool is_directory(const std::string& path)
 }
 
 // A snapshot's file is read; of a project's directory a snapshot is taken, as if --project had named it.
-COMPARED_SNAPSHOT snapshot_of(const std::string& path, const SETTINGS_SCOPE& scope)
+COMPARED_SNAPSHOT snapshot_of(const std::string& path, const SETTINGS_SCOPE& scope, INPUT_FILES& files)
 {
     if (!is_directory(path))
         return {path, read_snapshot(path)};
     check_input_directory(path, "name an existing one");
     SETTINGS_SCOPE of_project = scope;
     of_project.project = path;
-    return {path, take_snapshot(of_project)};
+    return {path, take_snapshot(of_project, files)};
 }
 
 EXIT_CODE diff(const DIFF_OPTIONS& options, TOOL& tool)
@@ -45,15 +45,15 @@ EXIT_CODE diff(const DIFF_OPTIONS& options, TOOL& tool)
     std::optional<RUN_REPORT> run;
     if (options.used)
         run = read_run_report(*options.used);
-    const COMPARED_SNAPSHOT a = snapshot_of(options.a, tool.options.scope);
-    const COMPARED_SNAPSHOT b = options.b ? snapshot_of(*options.b, tool.options.scope)
-                                          : COMPARED_SNAPSHOT{"now", take_snapshot(tool.options.scope)};
+    const COMPARED_SNAPSHOT a = snapshot_of(options.a, tool.options.scope, tool.files);
+    const COMPARED_SNAPSHOT b = options.b ? snapshot_of(*options.b, tool.options.scope, tool.files)
+                                          : COMPARED_SNAPSHOT{"now", take_snapshot(tool.options.scope, tool.files)};
 
     SNAPSHOT_DIFFERENCES differences = compare_snapshots(a.snapshot, b.snapshot);
     if (run)
         keep_what_the_run_read(differences, *run);
     if (tool.options.json)
-        tool.out.json(differences_as_json(a, b, differences, run));
+        answer_in_json(tool, [&](JSON_WRITER& out) { write_differences_json(out, a, b, differences, run); });
     else
         write_differences(a, b, differences, run, tool.out);
     return differences.none() ? EXIT_CODE::FINE : EXIT_CODE::FINDINGS;

@@ -1,13 +1,12 @@
 #include "tools/velmar-cfg/commands/differences_output.h"
 
-#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/layers.h"
 
 namespace
 {
-std::string shown(const std::string& text)
+std::string shown(std::string_view text)
 {
     return text.empty() ? "(empty)" : printable(text);
 }
@@ -50,12 +49,12 @@ std::string side_as_text(const SNAPSHOT_FILE* file)
            printable(file->sha256->substr(0, telling_digits)) + "...";
 }
 
-std::string side_as_text(const SNAPSHOT_VARIABLE* variable)
+std::string side_as_text(const std::optional<SNAPSHOT_VARIABLE>& variable)
 {
-    if (variable == nullptr)
+    if (!variable)
         return "not set";
     return shown(variable->value) + "  at " + printable(location_as_text(variable->location)) + " (" +
-           layer_title(variable->location.layer.kind) + (variable->external ? ", external)" : ")");
+           layer_title(variable->location.layer) + (variable->external ? ", external)" : ")");
 }
 
 std::string side_as_text(const SNAPSHOT_PREFERENCE* preference)

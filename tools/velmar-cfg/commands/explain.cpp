@@ -1,12 +1,10 @@
 // velmar-cfg explain: why a variable has its value.
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
-#include "tools/velmar-cfg/commands/diagnostics.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/lint/explanation.h"
 #include "tools/velmar-cfg/settings/layers.h"
@@ -15,21 +13,22 @@
 
 namespace
 {
-void write_assignments(const EXPLANATION& explanation, const SETTINGS_LAYERS& layers, OUTPUT& out)
+void write_assignments(const EXPLANATION& explanation, OUTPUT& out)
 {
     std::size_t width = 0;
-    for (const STATEMENT* const statement : explanation.assignments)
-        width = std::max(width, location_of(layers, *statement).size());
+    for (const EXPLAINED_ASSIGNMENT& assignment : explanation.assignments)
+        width = std::max(width, location_as_text(assignment.location).size());
     out << "assignments, the last one wins:\n";
-    for (const STATEMENT* const statement : explanation.assignments)
+    for (const EXPLAINED_ASSIGNMENT& assignment : explanation.assignments)
     {
-        const bool won = statement == explanation.assignments.back();
-        std::string location = location_of(layers, *statement);
+        const bool won = &assignment == &explanation.assignments.back();
+        std::string location = location_as_text(assignment.location);
         location.resize(width, ' ');
+        std::string text(assignment.name);
+        text.append(" = ").append(assignment.value);
         out << (won ? "  won   " : "  lost  ")
-            << out.painted(won ? STYLE::GOOD : STYLE::FAINT,
-                           printable(location) + "  " + printable(statement->name + " = " + statement->value))
-            << "  (" << layer_title(layers.layer_of(*statement).kind) << ")\n";
+            << out.painted(won ? STYLE::GOOD : STYLE::FAINT, printable(location) + "  " + printable(text)) << "  ("
+            << layer_title(assignment.location.layer) << ")\n";
     }
 }
 
@@ -47,7 +46,7 @@ void write_readings(const TYPED_READINGS& readings, OUTPUT& out)
         << "\n";
 }
 
-void write_text(const EXPLANATION& explanation, const SETTINGS_LAYERS& layers, OUTPUT& out)
+void write_text(const EXPLANATION& explanation, OUTPUT& out)
 {
     const std::string name = out.painted(STYLE::STRONG, printable(explanation.name));
     if (explanation.assignments.empty())
@@ -55,7 +54,7 @@ void write_text(const EXPLANATION& explanation, const SETTINGS_LAYERS& layers, O
     else
     {
         out << name << " = " << printable(explanation.value) << "\n";
-        write_assignments(explanation, layers, out);
+        write_assignments(explanation, out);
     }
     write_readings(explanation.readings, out);
     if (explanation.known != nullptr && !explanation.known->default_text.empty())
@@ -67,15 +66,14 @@ void write_text(const EXPLANATION& explanation, const SETTINGS_LAYERS& layers, O
 
 EXIT_CODE explain(const std::string& name, TOOL& tool)
 {
-    const SETTINGS settings = load_settings(tool.options.scope);
+    LAYERS layers = load_layers(tool.options.scope, tool.files);
+    require_text(layers);
+    const SETTINGS settings(std::move(layers));
     const EXPLANATION explanation = explain_variable(name, settings);
     if (tool.options.json)
-        tool.out.json(explanation_as_json(explanation, settings.layers));
+        answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, explanation); });
     else
-        write_text(explanation, settings.layers, tool.out);
-
-    if (!complain_of(differences_from_library(settings)))
-        return EXIT_CODE::BAD_INPUT;
+        write_text(explanation, tool.out);
     return explanation.assignments.empty() ? EXIT_CODE::FINDINGS : EXIT_CODE::FINE;
 }
 }

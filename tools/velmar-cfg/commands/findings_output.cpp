@@ -1,7 +1,6 @@
 #include "tools/velmar-cfg/commands/findings_output.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
@@ -24,16 +23,15 @@ void write_line(const FINDING& finding, OUTPUT& out)
 
 EXIT_CODE write_findings(const std::vector<FINDING>& findings, bool strict, TOOL& tool)
 {
-    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
-    for (const FINDING& finding : findings)
+    if (tool.options.json)
+        answer_in_json(
+            tool, [&](JSON_WRITER& out)
+            { out.list(findings, [](JSON_WRITER& writer, const FINDING& finding) { write_json(writer, finding); }); });
+    else
     {
-        if (tool.options.json)
-            rows.push_back(finding_as_json(finding));
-        else
+        for (const FINDING& finding : findings)
             write_line(finding, tool.out);
     }
-    if (tool.options.json)
-        tool.out.json(rows);
 
     const SEVERITY least = strict ? SEVERITY::WARNING : SEVERITY::ERROR;
     const bool fails = std::ranges::any_of(findings, [&](const FINDING& finding) { return finding.severity >= least; });

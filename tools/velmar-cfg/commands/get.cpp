@@ -1,11 +1,7 @@
 // velmar-cfg get: one variable's value as one type reads it.
-#include <nlohmann/json.hpp>
-
-#include "cfg_ini/cfg_ini.h"
-#include "tools/velmar-cfg/base/json_values.h"
+#include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/base/output.h"
-#include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/diagnostics.h"
@@ -14,6 +10,7 @@
 #include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
+#include "tools/velmar-cfg/settings/typed_value.h"
 
 namespace
 {
@@ -24,101 +21,64 @@ struct GET_OPTIONS
     std::optional<std::string> fallback;
 };
 
-// What a reader of the type answers, as text and as JSON; null for no usable value.
-struct ANSWER
+std::string why_not_set(const SETTINGS& settings, const std::string& name)
 {
-    std::optional<std::string> text;
-    nlohmann::ordered_json json;
-};
-
-template <typename T, typename AS_TEXT>
-ANSWER answer(const std::optional<T>& value, AS_TEXT as_text)
-{
-    return value ? ANSWER{as_text(*value), *value} : ANSWER{};
-}
-
-ANSWER answer_of_type(const GET_OPTIONS& options, const std::string& text, const TYPED_READINGS& readings)
-{
-    const auto in_decimal = [](auto number) { return std::to_string(number); };
-    if (options.type == "bool")
-        return answer(readings.boolean, boolean_as_text);
-    if (options.type == "int")
-        return answer(readings.signed_integer, in_decimal);
-    if (options.type == "uint")
-        return answer(readings.unsigned_integer, in_decimal);
-    if (options.type == "double")
-    {
-        ANSWER number = answer(readings.floating, number_as_text);
-        if (readings.floating)
-            number.json = number_as_json(*readings.floating);
-        return number;
-    }
-    return text.empty() ? ANSWER{} : ANSWER{text, text};
-}
-
-const char* type_as_words(const std::string& type)
-{
-    return type == "bool"  ? "no switch (on, 1, true, off, 0, false)"
-           : type == "int" ? "no integer from -2147483648 to 2147483647"
-                           : "no integer from 0 to 4294967295";
-}
-
-std::vector<std::string> all_names(const SETTINGS& settings)
-{
+    const std::string not_set = "'" + name + "' is not set";
+    if (const KNOWN_VARIABLE* const known = find_known_variable(name); known != nullptr)
+        return not_set + (known->default_text.empty() ? "" : "; the catalogue's default is " + known->default_text);
     std::vector<std::string> names = known_variable_names();
-    for (const VARIABLE& variable : settings.variables)
-        names.push_back(variable.name);
-    return names;
+    for (std::string& other : names_of_variables(SETTINGS(settings.layers())))
+        names.push_back(std::move(other));
+    return not_set + did_you_mean(name, names);
 }
 
-// Why there is no usable value.
-std::string reason(const SETTINGS& settings, const GET_OPTIONS& options)
+std::string why_not_usable(const SETTINGS& settings, const VARIABLE& variable, const std::string& name,
+                           READER_TYPE type)
 {
-    const std::string name = "'" + options.name + "'";
-    const STATEMENT* const winner = settings.layers.winner_of(options.name);
-    if (winner == nullptr)
-    {
-        const KNOWN_VARIABLE* const known = find_known_variable(options.name);
-        if (known == nullptr)
-            return name + " is not set" + did_you_mean(options.name, all_names(settings));
-        return name + " is not set" +
-               (known->default_text.empty() ? "" : "; the catalogue's default is " + known->default_text);
-    }
-    const std::string location = location_of(settings.layers, *winner);
-    if (winner->value.empty())
-        return name + " is set to the empty text at " + location;
-    return name + " is '" + winner->value + "' at " + location + ": " + type_as_words(options.type);
+    const std::string value(settings.value_of(variable));
+    const std::string location = location_as_text(settings.location_of(variable));
+    return value.empty() ? "'" + name + "' is set to the empty text at " + location
+                         : "'" + name + "' is '" + value + "' at " + location + ": " + what_is_wanted(type);
 }
 
 EXIT_CODE get(const GET_OPTIONS& options, TOOL& tool)
 {
-    const SETTINGS settings = load_settings(tool.options.scope);
-    const std::string text = cfg_get_value(options.name);
-    const TYPED_READINGS readings = read_typed(options.name);
-    ANSWER answer = answer_of_type(options, text, readings);
-    const bool usable = answer.text.has_value();
+    LAYERS layers = load_layers(tool.options.scope, tool.files);
+    require_text(layers);
+    const SETTINGS settings = SETTINGS::of_one_variable(std::move(layers), options.name);
+    const VARIABLE* const variable = settings.find(options.name);
+    const std::string text(variable == nullptr ? "" : settings.value_of(*variable));
+    const TYPED_READINGS readings = read_typed(text);
+    const READER_TYPE type = type_of_word(options.type).value_or(READER_TYPE::TEXT);
+    const TYPED_VALUE value = value_of_type(type, text, readings);
+    const std::optional<std::string> usable = value_as_text(value);
 
-    if (options.type == "double" && usable && !readings.floating_is_whole)
-        complain("'" + options.name + "' is '" + text + "': only the number at its start is read, " + *answer.text);
+    if (type == READER_TYPE::DOUBLE && usable && !readings.floating_is_whole)
+        complain("'" + options.name + "' is '" + text + "': only the number at its start is read, " + *usable);
     if (!usable && !options.fallback)
-        complain(reason(settings, options));
-    if (!usable && options.fallback)
-        answer = {options.fallback, *options.fallback};
+        complain(variable == nullptr ? why_not_set(settings, options.name)
+                                     : why_not_usable(settings, *variable, options.name, type));
 
+    const std::optional<std::string> answer = usable ? usable : options.fallback;
     if (tool.options.json)
-    {
-        nlohmann::ordered_json row = {{"name", options.name}, {"type", options.type},
-                                      {"value", answer.json}, {"usable", usable},
-                                      {"text", text},         {"external", cfg_ini_is_external(options.name)}};
-        row.update(location_as_json(settings.layers, settings.layers.winner_of(options.name)));
-        tool.out.json(row);
-    }
-    else if (answer.text)
-        tool.out << *answer.text << (tool.options.nul_terminated ? std::string_view("\0", 1) : "\n");
-
-    if (!complain_of(differences_from_library(settings)))
-        return EXIT_CODE::BAD_INPUT;
-    return answer.text ? EXIT_CODE::FINE : EXIT_CODE::FINDINGS;
+        answer_in_json(tool,
+                       [&](JSON_WRITER& out)
+                       {
+                           out.begin_object();
+                           out.field("name", options.name);
+                           out.field("type", options.type);
+                           out.key("value");
+                           write_json(out, usable || !answer ? value : TYPED_VALUE(*answer));
+                           out.field("usable", usable.has_value());
+                           out.field("text", text);
+                           out.field("external", variable != nullptr && variable->layers.mark_external());
+                           const LOCATION location = variable == nullptr ? LOCATION{} : settings.location_of(*variable);
+                           write_location_fields(out, variable == nullptr ? nullptr : &location);
+                           out.end_object();
+                       });
+    else if (answer)
+        tool.out << *answer << (tool.options.nul_terminated ? std::string_view("\0", 1) : "\n");
+    return answer ? EXIT_CODE::FINE : EXIT_CODE::FINDINGS;
 }
 }
 

@@ -1,7 +1,6 @@
 // velmar-cfg lint: what is ignored, or read otherwise than it looks.
 #include <iterator>
 
-#include "platform/fio/fio.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/findings_output.h"
@@ -11,6 +10,7 @@
 #include "tools/velmar-cfg/lint/settings_rules.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/settings/settings.h"
 
 namespace
 {
@@ -30,11 +30,17 @@ bool is_preference_file(const std::string& path)
     return path.substr(path.rfind('/') + 1) == "velmar2.ini";
 }
 
-// The preference file, if there is one.
-std::vector<FINDING> lint_preferences_in_use()
+std::vector<FINDING> lint_settings_of(LAYERS layers)
 {
-    const std::string path = preference_file_location().path;
-    return FIO_FILE_SYSTEM::exists(path.c_str()) ? lint_preferences(path) : std::vector<FINDING>();
+    require_text(layers);
+    return lint_settings(SETTINGS(std::move(layers)));
+}
+
+// Of the preference file, if there is one.
+std::vector<FINDING> lint_preferences_in_use(INPUT_FILES& files)
+{
+    const std::shared_ptr<const INPUT_FILE> file = preference_file_in_use(files);
+    return file == nullptr ? std::vector<FINDING>() : lint_preferences(*file);
 }
 
 EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
@@ -42,11 +48,12 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
     std::vector<FINDING> findings;
     if (options.files.empty())
     {
-        append(findings, lint_settings(read_layers(tool.options.scope)));
-        append(findings, lint_preferences_in_use());
+        append(findings, lint_settings_of(load_layers(tool.options.scope, tool.files)));
+        append(findings, lint_preferences_in_use(tool.files));
     }
     for (const std::string& file : options.files)
-        append(findings, is_preference_file(file) ? lint_preferences(file) : lint_settings(read_single_layer(file)));
+        append(findings, is_preference_file(file) ? lint_preferences(*tool.files.read(file))
+                                                  : lint_settings_of(single_layer(file, tool.files)));
     return write_findings(findings, options.strict, tool);
 }
 
@@ -54,9 +61,9 @@ EXIT_CODE lint_only_preferences(const LINT_OPTIONS& options, TOOL& tool)
 {
     std::vector<FINDING> findings;
     if (options.files.empty())
-        append(findings, lint_preferences_in_use());
+        append(findings, lint_preferences_in_use(tool.files));
     for (const std::string& file : options.files)
-        append(findings, lint_preferences(file));
+        append(findings, lint_preferences(*tool.files.read(file)));
     return write_findings(findings, options.strict, tool);
 }
 

@@ -1,12 +1,11 @@
 // velmar-cfg list: every variable, and where it came from.
 #include <fnmatch.h>
-#include <nlohmann/json.hpp>
 
+#include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
-#include "tools/velmar-cfg/commands/diagnostics.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/settings.h"
@@ -26,24 +25,23 @@ struct LIST_OPTIONS
     bool external = false;
 };
 
-bool wanted(const LIST_OPTIONS& options, const VARIABLE& variable)
+bool wanted(const LIST_OPTIONS& options, const SETTINGS& settings, const VARIABLE& variable)
 {
-    if (options.external && !variable.external)
+    if (options.external && !variable.layers.mark_external())
         return false;
-    return !options.has_pattern() || fnmatch(options.pattern->c_str(), variable.name.c_str(), FNM_CASEFOLD) == 0;
+    return !options.has_pattern() ||
+           fnmatch(options.pattern->c_str(), std::string(settings.name_of(variable)).c_str(), FNM_CASEFOLD) == 0;
 }
 
-std::string origin_of(const SETTINGS& settings, const VARIABLE& variable)
+void write_row(JSON_WRITER& out, const SETTINGS& settings, const VARIABLE& variable)
 {
-    const STATEMENT* const winner = settings.layers.winner_of(variable.name);
-    return winner == nullptr ? "" : location_of(settings.layers, *winner);
-}
-
-nlohmann::ordered_json row_of(const SETTINGS& settings, const VARIABLE& variable)
-{
-    nlohmann::ordered_json row = {{"name", variable.name}, {"value", variable.value}, {"external", variable.external}};
-    row.update(location_as_json(settings.layers, settings.layers.winner_of(variable.name)));
-    return row;
+    const LOCATION location = settings.location_of(variable);
+    out.begin_object();
+    out.field("name", settings.name_of(variable));
+    out.field("value", settings.value_of(variable));
+    out.field("external", variable.layers.mark_external());
+    write_location_fields(out, &location);
+    out.end_object();
 }
 
 void write_record(const LIST_OPTIONS& options, const SETTINGS& settings, const VARIABLE& variable, TOOL& tool)
@@ -52,35 +50,41 @@ void write_record(const LIST_OPTIONS& options, const SETTINGS& settings, const V
     {
         constexpr std::string_view end("\0", 1);
         if (options.show_origin)
-            tool.out << origin_of(settings, variable) << end;
-        tool.out << variable.name << "=" << variable.value << end;
+            tool.out << location_as_text(settings.location_of(variable)) << end;
+        tool.out << settings.name_of(variable) << "=" << settings.value_of(variable) << end;
         return;
     }
     if (options.show_origin)
-        tool.out << tool.out.painted(STYLE::FAINT, printable(origin_of(settings, variable))) << "\t";
-    tool.out << tool.out.painted(STYLE::STRONG, printable(variable.name)) << "=" << printable(variable.value) << "\n";
+        tool.out << tool.out.painted(STYLE::FAINT, printable(location_as_text(settings.location_of(variable)))) << "\t";
+    tool.out << tool.out.painted(STYLE::STRONG, printable(settings.name_of(variable))) << "="
+             << printable(settings.value_of(variable)) << "\n";
 }
 
 EXIT_CODE list(const LIST_OPTIONS& options, TOOL& tool)
 {
-    const SETTINGS settings = load_settings(tool.options.scope);
-    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+    LAYERS layers = load_layers(tool.options.scope, tool.files);
+    require_text(layers);
+    const SETTINGS settings(std::move(layers));
+    JSON_WRITER json(tool.out);
+    if (tool.options.json)
+        json.begin_list();
     bool found = false;
-    for (const VARIABLE& variable : settings.variables)
+    for (const std::uint32_t index : settings.order_by_name())
     {
-        if (!wanted(options, variable))
+        const VARIABLE& variable = settings.variables()[index];
+        if (!wanted(options, settings, variable))
             continue;
         found = true;
         if (tool.options.json)
-            rows.push_back(row_of(settings, variable));
+            write_row(json, settings, variable);
         else
             write_record(options, settings, variable, tool);
     }
     if (tool.options.json)
-        tool.out.json(rows);
-
-    if (!complain_of(differences_from_library(settings)))
-        return EXIT_CODE::BAD_INPUT;
+    {
+        json.end_list();
+        json.finish();
+    }
     return found || !options.has_pattern() ? EXIT_CODE::FINE : EXIT_CODE::FINDINGS;
 }
 }

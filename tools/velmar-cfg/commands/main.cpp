@@ -1,6 +1,5 @@
 // velmar-cfg: shows, explains, checks and edits what the configuration library would answer.
 #include <csignal>
-#include <unistd.h>
 
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/output.h"
@@ -23,7 +22,7 @@ void apply_global_options(const CLI::App& app, TOOL& tool)
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--json and -z exclude each other");
     if (!tool.options.root.empty())
         set_installation_root(tool.options.root);
-    tool.out.choose_color(tool.options.color, STDOUT_FILENO);
+    tool.out.choose_color(tool.options.color);
 }
 
 EXIT_CODE run(int argc, const char* const* argv)
@@ -49,7 +48,7 @@ EXIT_CODE run(int argc, const char* const* argv)
     {
         throw TOOL_ERROR(EXIT_CODE::USAGE, usage_complaint(app.get(), error));
     }
-    tool.out.write_to(STDOUT_FILENO);
+    tool.out.finish();
     return end;
 }
 }

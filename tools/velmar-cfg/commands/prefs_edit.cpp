@@ -1,6 +1,6 @@
 // velmar-cfg prefs set and reset: changing the preference file.
 #include "cfg_ini/cfg_ini.h"
-#include "tools/velmar-cfg/base/json_values.h"
+#include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/unified_diff.h"
 #include "tools/velmar-cfg/commands/command.h"
@@ -49,13 +49,19 @@ EXIT_CODE edit(const EDIT_OPTIONS& options, bool reset, TOOL& tool)
         options.dry_run ? unified_diff(file.before, file.after, file.path, file.path + " (new)") : "";
 
     if (tool.options.json)
-        tool.out.json({{"key", cfg_get_user_ini_ini_string(change.number)},
-                       {"value", value_or_null(change.value)},
-                       {"path", file.path},
-                       {"changed", file.changed()},
-                       {"dry_run", options.dry_run},
-                       {"dropped_lines", file.dropped_lines},
-                       {"difference", difference}});
+        answer_in_json(tool,
+                       [&](JSON_WRITER& out)
+                       {
+                           out.begin_object();
+                           out.field("key", cfg_get_user_ini_ini_string(change.number));
+                           out.field("value", change.value);
+                           out.field("path", file.path);
+                           out.field("changed", file.changed());
+                           out.field("dry_run", options.dry_run);
+                           out.field("dropped_lines", file.dropped_lines);
+                           out.field("difference", difference);
+                           out.end_object();
+                       });
     else
         write_difference(difference, tool.out);
     if (file.dropped_lines > 0)

@@ -1,8 +1,6 @@
 // velmar-cfg prefs list, get, describe and path: the preferences as they are.
-#include "cfg_ini/cfg_ini.h"
-#include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
 #include "platform/fio/fio.h"
-#include "tools/velmar-cfg/base/json_values.h"
+#include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
@@ -20,37 +18,47 @@ void write_list_entry(const PREFERENCE& preference, OUTPUT& out)
     out << out.painted(STYLE::STRONG, preference.key) << "=" << printable(preference.value) << "\n    "
         << printable(origin_as_text(preference.origin)) << "; default "
         << (preference.default_value.empty() ? "none" : preference.default_value)
-        << "; allowed: " << allowed_as_text(preference) << "\n";
+        << "; allowed: " << allowed_as_text(preference.allowed) << "\n";
+}
+
+void write_json(JSON_WRITER& out, const PREFERENCE& preference)
+{
+    out.begin_object();
+    write_preference_fields(out, preference);
+    out.end_object();
 }
 
 EXIT_CODE list(bool all, TOOL& tool)
 {
-    check_preference_file();
-    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+    const PREFERENCES preferences = load_preferences(tool.files);
+    std::vector<PREFERENCE> wanted;
     for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
     {
-        const PREFERENCE preference = look_up_preference(number);
-        if (!all && !preference.differs_from_default())
-            continue;
-        if (tool.options.json)
-            rows.push_back(preference_as_json(preference));
-        else if (tool.options.nul_terminated)
+        PREFERENCE preference = preferences.look_up(number);
+        if (all || preference.differs_from_default())
+            wanted.push_back(std::move(preference));
+    }
+    if (tool.options.json)
+    {
+        answer_in_json(tool, [&](JSON_WRITER& out) { out.list(wanted, write_json); });
+        return EXIT_CODE::FINE;
+    }
+    for (const PREFERENCE& preference : wanted)
+    {
+        if (tool.options.nul_terminated)
             tool.out << preference.key << "=" << preference.value << zero_byte;
         else
             write_list_entry(preference, tool.out);
     }
-    if (tool.options.json)
-        tool.out.json(rows);
     return EXIT_CODE::FINE;
 }
 
 EXIT_CODE get(const std::string& key, TOOL& tool)
 {
     const CFG_USER_INI_ENUMS number = preference_number(key);
-    check_preference_file();
-    const PREFERENCE preference = look_up_preference(number);
+    const PREFERENCE preference = load_preferences(tool.files).look_up(number);
     if (tool.options.json)
-        tool.out.json(preference_as_json(preference));
+        answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, preference); });
     else if (!preference.value.empty())
         tool.out << preference.value << (tool.options.nul_terminated ? zero_byte : "\n");
     if (!preference.value.empty())
@@ -73,17 +81,21 @@ std::vector<std::string> old_names(const PREFERENCE& preference)
 EXIT_CODE describe(const std::string& key, TOOL& tool)
 {
     const CFG_USER_INI_ENUMS number = preference_number(key);
-    check_preference_file();
-    const PREFERENCE preference = look_up_preference(number);
+    const PREFERENCE preference = load_preferences(tool.files).look_up(number);
     if (tool.options.json)
     {
-        nlohmann::ordered_json document = preference_as_json(preference);
-        document["description"] = cfg_get_user_ini_ini_desc(number);
-        document["catalogue_section"] = preference.section;
-        document["old_names"] = old_names(preference);
-        document["registry_name"] = text_or_null(cfg_get_user_ini_registry_string(number));
-        document["registry_branch"] = text_or_null(cfg_get_user_ini_registry_branch_string(number));
-        tool.out.json(document);
+        answer_in_json(tool,
+                       [&](JSON_WRITER& out)
+                       {
+                           out.begin_object();
+                           write_preference_fields(out, preference);
+                           out.field("description", cfg_get_user_ini_ini_desc(number));
+                           out.field("catalogue_section", preference.section);
+                           out.field("old_names", old_names(preference));
+                           out.field_or_null("registry_name", cfg_get_user_ini_registry_string(number));
+                           out.field_or_null("registry_branch", cfg_get_user_ini_registry_branch_string(number));
+                           out.end_object();
+                       });
         return EXIT_CODE::FINE;
     }
     tool.out << tool.out.painted(STYLE::STRONG, preference.key) << "\n\n"
@@ -91,7 +103,7 @@ EXIT_CODE describe(const std::string& key, TOOL& tool)
     tool.out << "value    " << (preference.value.empty() ? "none" : printable(preference.value)) << ", "
              << printable(origin_as_text(preference.origin)) << "\n";
     tool.out << "default  " << (preference.default_value.empty() ? "none" : preference.default_value) << "\n";
-    tool.out << "allowed  " << allowed_as_text(preference) << "\n";
+    tool.out << "allowed  " << allowed_as_text(preference.allowed) << "\n";
     tool.out << "section  " << preference.section << "\n";
     for (const std::string& name : old_names(preference))
         tool.out << "once     " << name << "\n";
@@ -106,9 +118,15 @@ EXIT_CODE path(TOOL& tool)
     if (!location.remark.empty())
         complain(location.remark);
     if (tool.options.json)
-        tool.out.json({{"path", location.path},
-                       {"exists", FIO_FILE_SYSTEM::exists(location.path.c_str())},
-                       {"from", location.from_variable ? "VELMAR2_INI" : "profile directory"}});
+        answer_in_json(tool,
+                       [&](JSON_WRITER& out)
+                       {
+                           out.begin_object();
+                           out.field("path", location.path);
+                           out.field("exists", FIO_FILE_SYSTEM::exists(location.path.c_str()));
+                           out.field("from", location.from_variable ? "VELMAR2_INI" : "profile directory");
+                           out.end_object();
+                       });
     else
         tool.out << location.path << (tool.options.nul_terminated ? zero_byte : "\n");
     return EXIT_CODE::FINE;

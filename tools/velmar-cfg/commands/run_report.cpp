@@ -1,7 +1,6 @@
 // velmar-cfg run-report: what a run depended on, and what the runs of a farm did together.
 #include <algorithm>
 #include <cmath>
-#include <nlohmann/json.hpp>
 
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/base/output.h"
@@ -147,7 +146,7 @@ EXIT_CODE show_runs_of_switch(const std::string& name, const std::vector<RUN_REP
         static_cast<std::size_t>(std::ranges::count(dependences, DEPENDENCE::KIND::READ, &DEPENDENCE::kind));
 
     if (tool.options.json)
-        tool.out.json(dependences_as_json(name, reports, dependences));
+        answer_in_json(tool, [&](JSON_WRITER& out) { write_dependences_json(out, name, reports, dependences); });
     else
     {
         tool.out << tool.out.painted(STYLE::STRONG, printable(name) + " was read by " + std::to_string(depending) +
@@ -171,7 +170,7 @@ EXIT_CODE merge(const RUN_REPORT_OPTIONS& options, TOOL& tool)
 
     const std::vector<NEVER_READ_VARIABLE> variables = variables_that_no_run_read(reports);
     if (tool.options.json)
-        tool.out.json(never_read_as_json(variables, reports.size()));
+        answer_in_json(tool, [&](JSON_WRITER& out) { write_never_read_json(out, variables, reports.size()); });
     else
         write_never_read(variables, reports.size(), tool.out);
     return EXIT_CODE::FINE;
@@ -185,7 +184,7 @@ EXIT_CODE run_report(const RUN_REPORT_OPTIONS& options, TOOL& tool)
         throw TOOL_ERROR(EXIT_CODE::USAGE, "run-report shows one report; give --merge to put several together");
     const RUN_REPORT report = read_run_report(options.files.front());
     if (tool.options.json)
-        tool.out.json(report_as_json(report));
+        answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, report); });
     else
         write_report(report, tool.out);
     return EXIT_CODE::FINE;

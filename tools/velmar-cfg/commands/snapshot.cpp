@@ -1,22 +1,57 @@
 // velmar-cfg snapshot: everything at once, to be kept and compared.
 #include "tools/velmar-cfg/documents/snapshot.h"
 #include "cfg_run_report/whole_file.h"
-#include "tools/velmar-cfg/base/json_values.h"
+#include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/documents/snapshot_json.h"
+#include "tools/velmar-cfg/documents/take_snapshot.h"
 
 namespace
 {
+// The file that the document becomes, whole or not at all.
+class FILE_SINK : public BYTE_SINK
+{
+public:
+    explicit FILE_SINK(const std::string& path) : file(path) {}
+
+    void write(std::string_view bytes) override
+    {
+        file.write(bytes);
+    }
+
+    void put_in_place()
+    {
+        file.put_in_place();
+    }
+
+private:
+    WHOLE_FILE_WRITER file;
+};
+
 EXIT_CODE snapshot(const std::optional<std::string>& file, TOOL& tool)
 {
-    const nlohmann::ordered_json document = snapshot_as_json(take_snapshot(tool.options.scope));
+    const SNAPSHOT taken = take_snapshot(tool.options.scope, tool.files);
     if (!file)
-        tool.out.json(document);
-    else if (const std::string error = write_whole_file(*file, document_as_text(document)); !error.empty())
-        throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN, *file + ": " + error + "; name a file that can be written");
+    {
+        answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, taken); });
+        return EXIT_CODE::FINE;
+    }
+    try
+    {
+        FILE_SINK document(*file);
+        JSON_WRITER writer(document);
+        write_json(writer, taken);
+        writer.finish();
+        document.put_in_place();
+    }
+    catch (const std::system_error& error)
+    {
+        throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN,
+                         *file + ": " + error.code().message() + "; name a file that can be written");
+    }
     return EXIT_CODE::FINE;
 }
 }

@@ -4,8 +4,11 @@
 
 #include <functional>
 #include <string>
+#include <unistd.h>
 
 #include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/settings/layers.h"
 
@@ -22,8 +25,18 @@ struct GLOBAL_OPTIONS
 struct TOOL
 {
     GLOBAL_OPTIONS options;
-    OUTPUT out;
+    INPUT_FILES files; // all that the command reads, each once
+    OUTPUT out = OUTPUT(STDOUT_FILENO);
     std::function<EXIT_CODE()> command; // the one that the command line names
 };
+
+// Answers with one JSON document, which `write` writes to the writer it is given.
+template <typename WRITE>
+void answer_in_json(TOOL& tool, WRITE write)
+{
+    JSON_WRITER writer(tool.out);
+    write(writer);
+    writer.finish();
+}
 
 #endif

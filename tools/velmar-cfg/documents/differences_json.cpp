@@ -1,80 +1,117 @@
 #include "tools/velmar-cfg/documents/differences_json.h"
 
-#include "tools/velmar-cfg/base/json_values.h"
 #include "tools/velmar-cfg/documents/snapshot_json.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
-#include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/layers.h"
 
 namespace
 {
-using nlohmann::ordered_json;
-
-template <typename ROW, typename AS_JSON>
-ordered_json row_or_null(const ROW* row, AS_JSON as_json)
+// `row` is a pointer or an optional.
+template <typename ROW>
+void write_row_or_null(JSON_WRITER& out, const char* name, const ROW& row)
 {
-    return row == nullptr ? ordered_json() : ordered_json(as_json(*row));
+    out.key(name);
+    if (row)
+        write_json(out, *row);
+    else
+        out.value(std::nullopt);
 }
 
-ordered_json side_as_json(const COMPARED_SNAPSHOT& side)
+void write_side(JSON_WRITER& out, const char* name, const COMPARED_SNAPSHOT& side)
 {
-    return {{"title", side.title},
-            {"product", side.snapshot.product},
-            {"release", side.snapshot.release},
-            {"project", text_or_null(side.snapshot.project)},
-            {"regtest", side.snapshot.regtest}};
+    out.key(name);
+    out.begin_object();
+    out.field("title", side.title);
+    out.field("product", side.snapshot.product);
+    out.field("release", side.snapshot.release);
+    out.field_or_null("project", side.snapshot.project);
+    out.field("regtest", side.snapshot.regtest);
+    out.end_object();
 }
 
-ordered_json row_of(const INSTALLATION_DIFFERENCE& difference)
+void write_installation(JSON_WRITER& out, const INSTALLATION_DIFFERENCE& difference)
 {
-    return {{"what", difference.what}, {"a", difference.a}, {"b", difference.b}};
+    out.begin_object();
+    out.field("what", difference.what);
+    out.field("a", difference.a);
+    out.field("b", difference.b);
+    out.end_object();
 }
 
-ordered_json row_of(const ENVIRONMENT_DIFFERENCE& difference)
+void write_environment(JSON_WRITER& out, const ENVIRONMENT_DIFFERENCE& difference)
 {
     const auto value_of = [](const ENVIRONMENT_VARIABLE* variable)
-    { return variable == nullptr ? ordered_json() : value_or_null(variable->value); };
-    return {{"name", difference.name}, {"a", value_of(difference.a)}, {"b", value_of(difference.b)}};
+    { return variable == nullptr ? std::nullopt : variable->value; };
+    out.begin_object();
+    out.field("name", difference.name);
+    out.field("a", value_of(difference.a));
+    out.field("b", value_of(difference.b));
+    out.end_object();
 }
 
-ordered_json row_of(const FILE_DIFFERENCE& difference)
+void write_file(JSON_WRITER& out, const FILE_DIFFERENCE& difference)
 {
-    return {{"role", difference.role},
-            {"a", row_or_null(difference.a, file_as_json)},
-            {"b", row_or_null(difference.b, file_as_json)}};
+    out.begin_object();
+    out.field("role", difference.role);
+    write_row_or_null(out, "a", difference.a);
+    write_row_or_null(out, "b", difference.b);
+    out.end_object();
 }
 
-ordered_json row_of(const VARIABLE_DIFFERENCE& difference, bool run_given)
+void write_preference(JSON_WRITER& out, const PREFERENCE_DIFFERENCE& difference)
 {
-    return {{"name", difference.name},
-            {"a", row_or_null(difference.a, variable_as_json)},
-            {"b", row_or_null(difference.b, variable_as_json)},
-            {"made_by", difference.made_by ? ordered_json(layer_code(*difference.made_by)) : ordered_json()},
-            {"dependence", run_given ? ordered_json(dependence_word(difference.dependence)) : ordered_json()}};
+    out.begin_object();
+    out.field("key", difference.key);
+    write_row_or_null(out, "a", difference.a);
+    write_row_or_null(out, "b", difference.b);
+    out.field("made_by", source_word(difference.made_by));
+    out.end_object();
 }
 
-ordered_json row_of(const PREFERENCE_DIFFERENCE& difference)
+void write_variable(JSON_WRITER& out, const VARIABLE_DIFFERENCE& difference, bool run_given)
 {
-    return {{"key", difference.key},
-            {"a", row_or_null(difference.a, snapshot_preference_as_json)},
-            {"b", row_or_null(difference.b, snapshot_preference_as_json)},
-            {"made_by", source_word(difference.made_by)}};
+    out.begin_object();
+    out.field("name", difference.name);
+    write_row_or_null(out, "a", difference.a);
+    write_row_or_null(out, "b", difference.b);
+    out.field("made_by", difference.made_by ? std::optional(layer_code(*difference.made_by)) : std::nullopt);
+    out.field("dependence", run_given ? std::optional(dependence_word(difference.dependence)) : std::nullopt);
+    out.end_object();
+}
+
+void write_run(JSON_WRITER& out, const std::optional<RUN_REPORT>& run)
+{
+    out.key("used");
+    if (!run)
+    {
+        out.value(std::nullopt);
+        return;
+    }
+    out.begin_object();
+    out.field("file", run->file);
+    out.field("run", run->run);
+    out.end_object();
 }
 }
 
-ordered_json differences_as_json(const COMPARED_SNAPSHOT& a, const COMPARED_SNAPSHOT& b,
-                                 const SNAPSHOT_DIFFERENCES& differences, const std::optional<RUN_REPORT>& run)
+void write_differences_json(JSON_WRITER& out, const COMPARED_SNAPSHOT& a, const COMPARED_SNAPSHOT& b,
+                            const SNAPSHOT_DIFFERENCES& differences, const std::optional<RUN_REPORT>& run)
 {
-    const auto row_as_json = [](const auto& difference) { return row_of(difference); };
-    const auto variable_row = [&run](const VARIABLE_DIFFERENCE& difference)
-    { return row_of(difference, run.has_value()); };
-    return {{"a", side_as_json(a)},
-            {"b", side_as_json(b)},
-            {"used", run ? ordered_json{{"file", run->file}, {"run", run->run}} : ordered_json()},
-            {"same", differences.none()},
-            {"installation", rows_as_json(differences.installation, row_as_json)},
-            {"environment", rows_as_json(differences.environment, row_as_json)},
-            {"files", rows_as_json(differences.files, row_as_json)},
-            {"variables", rows_as_json(differences.variables, variable_row)},
-            {"preferences", rows_as_json(differences.preferences, row_as_json)}};
+    out.begin_object();
+    write_side(out, "a", a);
+    write_side(out, "b", b);
+    write_run(out, run);
+    out.field("same", differences.none());
+    out.key("installation");
+    out.list(differences.installation, write_installation);
+    out.key("environment");
+    out.list(differences.environment, write_environment);
+    out.key("files");
+    out.list(differences.files, write_file);
+    out.key("variables");
+    out.list(differences.variables, [&run](JSON_WRITER& writer, const VARIABLE_DIFFERENCE& difference)
+             { write_variable(writer, difference, run.has_value()); });
+    out.key("preferences");
+    out.list(differences.preferences, write_preference);
+    out.end_object();
 }

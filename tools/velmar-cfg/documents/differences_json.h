@@ -2,15 +2,14 @@
 #ifndef TOOLS_VELMAR_CFG_DOCUMENTS_DIFFERENCES_JSON_H
 #define TOOLS_VELMAR_CFG_DOCUMENTS_DIFFERENCES_JSON_H
 
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 
+#include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/documents/run_reports.h"
 #include "tools/velmar-cfg/documents/snapshot_differences.h"
 
 // {"a", "b", "used", "same", "installation", "environment", "files", "variables", "preferences"}.
-nlohmann::ordered_json differences_as_json(const COMPARED_SNAPSHOT& a, const COMPARED_SNAPSHOT& b,
-                                           const SNAPSHOT_DIFFERENCES& differences,
-                                           const std::optional<RUN_REPORT>& run);
+void write_differences_json(JSON_WRITER& out, const COMPARED_SNAPSHOT& a, const COMPARED_SNAPSHOT& b,
+                            const SNAPSHOT_DIFFERENCES& differences, const std::optional<RUN_REPORT>& run);
 
 #endif

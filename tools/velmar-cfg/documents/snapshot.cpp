@@ -1,106 +1,42 @@
 #include "tools/velmar-cfg/documents/snapshot.h"
 
-#include <algorithm>
-
-#include "cfg_ini/cfg_ini.h"
-#include "cfg_ini/cfg_user_ini_reader/preference_writing.h"
-#include "platform/fio/fio.h"
-#include "platform/ver/ver.h"
-#include "tools/velmar-cfg/base/content_hash.h"
-#include "tools/velmar-cfg/base/errors.h"
-#include "tools/velmar-cfg/base/input_file.h"
-#include "tools/velmar-cfg/documents/snapshot_json.h"
-#include "tools/velmar-cfg/preferences/preferences.h"
-#include "tools/velmar-cfg/settings/settings.h"
-
-namespace
+std::vector<std::string> all_file_roles()
 {
-void add_content(SNAPSHOT_FILE& file, const std::string& path)
-{
-    file.path = path;
-    if (!FIO_FILE_SYSTEM::exists(path.c_str()))
-        return;
-    const std::string bytes = read_input_file(path);
-    file.size = bytes.size();
-    file.sha256 = sha256_of(bytes);
+    return {layer_code(LAYER_KIND::MAIN_FILE), layer_code(LAYER_KIND::APPENDED_FILE),
+            layer_code(LAYER_KIND::REGTEST_FILE), preference_file_role};
 }
 
-std::vector<SNAPSHOT_FILE> files_as_they_are(const SETTINGS_LAYERS& layers)
+SNAPSHOT_VARIABLES::SNAPSHOT_VARIABLES(SETTINGS of_layers)
+    : settings(std::move(of_layers)), order(settings->order_by_name())
 {
-    std::vector<SNAPSHOT_FILE> files;
-    for (const std::string& role : all_file_roles())
-    {
-        SNAPSHOT_FILE file{role, {}, {}, {}};
-        const auto layer = std::ranges::find_if(layers.layers, [&role](const LAYER& candidate)
-                                                { return role == layer_code(candidate.kind); });
-        if (role == preference_file_role)
-            add_content(file, preference_file_location().path);
-        else if (layer != layers.layers.end())
-            add_content(file, layer->source);
-        files.push_back(std::move(file));
-    }
-    return files;
 }
 
-std::vector<LAYER_KIND> layers_that_assign(const SETTINGS_LAYERS& layers, const std::string& name)
+std::size_t SNAPSHOT_VARIABLES::size() const
 {
-    std::vector<LAYER_KIND> kinds;
-    for (const STATEMENT* const statement : layers.assignments_of(name))
-    {
-        const LAYER_KIND kind = layers.layer_of(*statement).kind;
-        if (kinds.empty() || kinds.back() != kind)
-            kinds.push_back(kind);
-    }
-    return kinds;
+    return settings ? order.size() : rows.size();
 }
 
-std::vector<SNAPSHOT_VARIABLE> variables_as_they_are(const SETTINGS& settings)
+SNAPSHOT_VARIABLE SNAPSHOT_VARIABLES::operator[](std::size_t index) const
 {
-    // From here on every variable has an assignment that won.
-    if (const std::vector<std::string> differences = differences_from_library(settings); !differences.empty())
-        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, differences.front() + "; no snapshot was taken");
-    std::vector<SNAPSHOT_VARIABLE> variables;
-    for (const VARIABLE& variable : settings.variables)
-        variables.push_back({variable.name, variable.value, variable.external,
-                             location(settings.layers, *settings.layers.winner_of(variable.name)),
-                             layers_that_assign(settings.layers, variable.name), read_typed(variable.name)});
-    return variables;
+    if (!settings)
+        return rows[index];
+    const VARIABLE& variable = settings->variables()[order[index]];
+    const std::string_view value = settings->value_of(variable);
+    return {settings->name_of(variable),     value,           variable.layers.mark_external(),
+            settings->location_of(variable), variable.layers, read_typed(value)};
 }
 
-std::vector<SNAPSHOT_PREFERENCE> preferences_as_they_are()
+std::string_view SNAPSHOT_VARIABLES::lasting(std::string_view text)
 {
-    check_preference_file();
-    cfg_close_user_ini_file(); // an earlier snapshot may have loaded another file
-    std::vector<SNAPSHOT_PREFERENCE> preferences;
-    for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
-    {
-        PREFERENCE preference = look_up_preference(number);
-        preferences.push_back({std::move(preference.key), std::move(preference.value),
-                               std::move(preference.default_value), std::move(preference.origin),
-                               std::move(preference.release)});
-    }
-    return preferences;
-}
+    return texts.emplace_back(text);
 }
 
-SNAPSHOT take_snapshot(const SETTINGS_SCOPE& scope)
+void SNAPSHOT_VARIABLES::add(const SNAPSHOT_VARIABLE& row)
 {
-    const std::vector<SNAPSHOT_FILE> files_before = files_as_they_are(read_layers(scope));
-    const SETTINGS settings = load_settings(scope);
-    SNAPSHOT snapshot;
-    snapshot.product = ver_get_kestrin_product_filename();
-    snapshot.release = ver_get_version();
-    snapshot.project = scope.project;
-    snapshot.regtest = scope.regtest;
-    snapshot.environment = environment_that_matters();
-    snapshot.variables = variables_as_they_are(settings);
-    snapshot.preferences = preferences_as_they_are();
-    snapshot.files = files_as_they_are(settings.layers);
-    for (std::size_t i = 0; i < snapshot.files.size(); ++i)
-    {
-        if (snapshot.files[i] != files_before[i])
-            throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, snapshot.files[i].path.value_or(snapshot.files[i].role) +
-                                                       ": changed while it was read; run the command again");
-    }
-    return snapshot;
+    SNAPSHOT_VARIABLE& kept = rows.emplace_back(row);
+    kept.name = lasting(row.name);
+    kept.value = lasting(row.value);
+    // Most rows have the source of the one before.
+    const bool same_source = rows.size() > 1 && rows[rows.size() - 2].location.source == row.location.source;
+    kept.location.source = same_source ? rows[rows.size() - 2].location.source : lasting(row.location.source);
 }

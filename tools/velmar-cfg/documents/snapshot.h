@@ -2,15 +2,20 @@
 #ifndef TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_H
 #define TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_H
 
+#include <cstddef>
 #include <cstdint>
+#include <deque>
+#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
+#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
 
 using zon_cfg::PREFERENCE_ORIGIN;
@@ -25,13 +30,18 @@ struct SNAPSHOT_FILE
     bool operator==(const SNAPSHOT_FILE&) const = default;
 };
 
+// What a file is to the library, in the order of the rows: a layer's code, or the last.
+inline constexpr const char* preference_file_role = "preferences";
+std::vector<std::string> all_file_roles();
+
+// The texts belong to the snapshot.
 struct SNAPSHOT_VARIABLE
 {
-    std::string name; // as first spelt
-    std::string value;
+    std::string_view name; // as first spelt
+    std::string_view value;
     bool external;
-    LOCATION location;              // of the assignment that won
-    std::vector<LAYER_KIND> layers; // all that assign to it, in order
+    LOCATION location; // of the assignment that won
+    LAYER_SET layers;  // all that assign to it
     TYPED_READINGS readings;
 };
 
@@ -44,6 +54,31 @@ struct SNAPSHOT_PREFERENCE
     std::string release; // of the origin's section; empty for none
 };
 
+// The variables of a snapshot: made one at a time from settings, or kept as a document has them.
+class SNAPSHOT_VARIABLES
+{
+public:
+    SNAPSHOT_VARIABLES() = default;
+
+    // In the byte order of the names.
+    explicit SNAPSHOT_VARIABLES(SETTINGS of_layers);
+
+    std::size_t size() const;
+    SNAPSHOT_VARIABLE operator[](std::size_t index) const;
+
+    // Keeps the row and its texts. Only for variables that were not made from settings.
+    void add(const SNAPSHOT_VARIABLE& row);
+
+private:
+    std::string_view lasting(std::string_view text);
+
+    std::optional<SETTINGS> settings;
+    std::vector<std::uint32_t> order; // of the settings' variables
+
+    std::vector<SNAPSHOT_VARIABLE> rows;
+    std::deque<std::string> texts; // of the rows
+};
+
 struct SNAPSHOT
 {
     std::string product;
@@ -52,12 +87,8 @@ struct SNAPSHOT
     bool regtest = false;
     std::vector<SNAPSHOT_FILE> files; // one of each role
     std::vector<ENVIRONMENT_VARIABLE> environment;
-    std::vector<SNAPSHOT_VARIABLE> variables; // in the byte order of the names
+    SNAPSHOT_VARIABLES variables;
     std::vector<SNAPSHOT_PREFERENCE> preferences;
 };
-
-// What holds now for the settings that `scope` asks for. Has the library read settings and preferences anew. Throws
-// TOOL_ERROR(BAD_INPUT) for a file that cannot be read, or that changes meanwhile.
-SNAPSHOT take_snapshot(const SETTINGS_SCOPE& scope);
 
 #endif

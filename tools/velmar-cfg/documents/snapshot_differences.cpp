@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <unordered_map>
 
 #include "tools/velmar-cfg/settings/typed_readings.h"
 #include "tools/velmar-cfg/settings/variable_name.h"
@@ -10,11 +11,11 @@
 namespace
 {
 // The rows of both sides under each name: those of A in their order, then those that only B has.
-template <typename INDEX, typename ROW>
+template <typename ROW>
 std::vector<std::pair<const ROW*, const ROW*>> pairs_of(const std::vector<ROW>& a, const std::vector<ROW>& b,
                                                         std::string ROW::*name)
 {
-    INDEX index_of_name;
+    std::map<std::string, std::size_t> index_of_name;
     std::vector<std::pair<const ROW*, const ROW*>> pairs;
     for (const ROW& row : a)
     {
@@ -31,8 +32,6 @@ std::vector<std::pair<const ROW*, const ROW*>> pairs_of(const std::vector<ROW>& 
     return pairs;
 }
 
-using BY_NAME = std::map<std::string, std::size_t>;
-
 template <typename ROW>
 const std::string& name_of_pair(const std::pair<const ROW*, const ROW*>& rows, std::string ROW::*name)
 {
@@ -43,9 +42,7 @@ const std::string& name_of_pair(const std::pair<const ROW*, const ROW*>& rows, s
 
 bool same_answers(const SNAPSHOT_VARIABLE& a, const SNAPSHOT_VARIABLE& b)
 {
-    // As JSON, where not-a-number is equal to itself.
-    return a.value == b.value && a.external == b.external &&
-           readings_as_json(a.readings) == readings_as_json(b.readings);
+    return a.value == b.value && a.external == b.external && same_readings(a.readings, b.readings);
 }
 
 // The highest of the layers that assign to the variable on one side only and that `counts` accepts.
@@ -53,36 +50,58 @@ template <typename COUNTS>
 std::optional<LAYER_KIND> highest_on_one_side(const SNAPSHOT_VARIABLE& a, const SNAPSHOT_VARIABLE& b, COUNTS counts)
 {
     std::optional<LAYER_KIND> highest;
-    for (const auto& [one, other] : {std::pair(&a, &b), std::pair(&b, &a)})
+    for (const LAYER_KIND kind : all_layer_kinds)
     {
-        for (const LAYER_KIND kind : one->layers)
-        {
-            if (counts(kind) && std::ranges::count(other->layers, kind) == 0)
-                highest = std::max(highest, std::optional(kind));
-        }
+        if (counts(kind) && a.layers.contains(kind) != b.layers.contains(kind))
+            highest = kind;
     }
     return highest;
 }
 
 // The later layer wins, so that of the two that won the later one has changed, or has come or gone.
-std::optional<LAYER_KIND> maker_of(const SNAPSHOT_VARIABLE* a, const SNAPSHOT_VARIABLE* b)
+std::optional<LAYER_KIND> maker_of(const VARIABLE_DIFFERENCE& rows)
 {
-    if (a == nullptr || b == nullptr)
-        return (a != nullptr ? a : b)->location.layer.kind;
-    if (a->value != b->value)
-        return std::max(a->location.layer.kind, b->location.layer.kind);
-    return highest_on_one_side(*a, *b, [](LAYER_KIND kind) { return marks_external(kind); });
+    if (!rows.a || !rows.b)
+        return (rows.a ? rows.a : rows.b)->location.layer;
+    if (rows.a->value != rows.b->value)
+        return std::max(rows.a->location.layer, rows.b->location.layer);
+    const auto marks_external = [](LAYER_KIND kind)
+    {
+        LAYER_SET only;
+        only.insert(kind);
+        return only.mark_external();
+    };
+    return highest_on_one_side(*rows.a, *rows.b, marks_external);
 }
 
 std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAPSHOT& b)
 {
     std::vector<VARIABLE_DIFFERENCE> differences;
-    for (const auto& rows : pairs_of<BY_VARIABLE_NAME<std::size_t>>(a.variables, b.variables, &SNAPSHOT_VARIABLE::name))
+    const auto add = [&differences](std::string_view name, std::optional<SNAPSHOT_VARIABLE> left,
+                                    std::optional<SNAPSHOT_VARIABLE> right)
     {
-        const auto [left, right] = rows;
-        if (left == nullptr || right == nullptr || !same_answers(*left, *right))
-            differences.push_back({name_of_pair(rows, &SNAPSHOT_VARIABLE::name), left, right, maker_of(left, right)});
+        VARIABLE_DIFFERENCE difference{std::string(name), std::move(left), std::move(right), {}};
+        difference.made_by = maker_of(difference);
+        differences.push_back(std::move(difference));
+    };
+    std::unordered_map<std::string_view, std::size_t, NAME_HASH, NAME_EQUAL> only_in_b;
+    for (std::size_t i = 0; i < b.variables.size(); ++i)
+        only_in_b.emplace(b.variables[i].name, i);
+    for (std::size_t i = 0; i < a.variables.size(); ++i)
+    {
+        const SNAPSHOT_VARIABLE left = a.variables[i];
+        const auto found = only_in_b.find(left.name);
+        if (found == only_in_b.end())
+        {
+            add(left.name, left, std::nullopt);
+            continue;
+        }
+        if (const SNAPSHOT_VARIABLE right = b.variables[found->second]; !same_answers(left, right))
+            add(left.name, left, right);
+        only_in_b.erase(found);
     }
+    for (const auto& [name, index] : only_in_b)
+        add(name, std::nullopt, b.variables[index]);
     std::ranges::sort(differences, {}, &VARIABLE_DIFFERENCE::name);
     return differences;
 }
@@ -116,7 +135,7 @@ PREFERENCE_SOURCE source_of(const SNAPSHOT_PREFERENCE* preference)
 std::vector<PREFERENCE_DIFFERENCE> compare_preferences(const SNAPSHOT& a, const SNAPSHOT& b)
 {
     std::vector<PREFERENCE_DIFFERENCE> differences;
-    for (const auto& rows : pairs_of<BY_NAME>(a.preferences, b.preferences, &SNAPSHOT_PREFERENCE::key))
+    for (const auto& rows : pairs_of(a.preferences, b.preferences, &SNAPSHOT_PREFERENCE::key))
     {
         const auto [left, right] = rows;
         if (left != nullptr && right != nullptr && left->value == right->value)
@@ -154,7 +173,7 @@ std::vector<ENVIRONMENT_DIFFERENCE> compare_environments(const SNAPSHOT& a, cons
     const auto value_of = [](const ENVIRONMENT_VARIABLE* variable)
     { return variable == nullptr ? std::nullopt : variable->value; };
     std::vector<ENVIRONMENT_DIFFERENCE> differences;
-    for (const auto& rows : pairs_of<BY_NAME>(a.environment, b.environment, &ENVIRONMENT_VARIABLE::name))
+    for (const auto& rows : pairs_of(a.environment, b.environment, &ENVIRONMENT_VARIABLE::name))
     {
         if (value_of(rows.first) != value_of(rows.second))
             differences.push_back({name_of_pair(rows, &ENVIRONMENT_VARIABLE::name), rows.first, rows.second});
@@ -166,7 +185,7 @@ std::vector<FILE_DIFFERENCE> compare_files(const SNAPSHOT& a, const SNAPSHOT& b)
 {
     const auto content_of = [](const SNAPSHOT_FILE* file) { return file == nullptr ? std::nullopt : file->sha256; };
     std::vector<FILE_DIFFERENCE> differences;
-    for (const auto& rows : pairs_of<BY_NAME>(a.files, b.files, &SNAPSHOT_FILE::role))
+    for (const auto& rows : pairs_of(a.files, b.files, &SNAPSHOT_FILE::role))
     {
         if (content_of(rows.first) != content_of(rows.second))
             differences.push_back({name_of_pair(rows, &SNAPSHOT_FILE::role), rows.first, rows.second});

@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
 #include "tools/velmar-cfg/documents/run_reports.h"
 #include "tools/velmar-cfg/documents/snapshot.h"
 #include "tools/velmar-cfg/settings/environment.h"
@@ -19,9 +18,7 @@ struct COMPARED_SNAPSHOT
     SNAPSHOT snapshot;
 };
 
-using zon_cfg::PREFERENCE_SOURCE;
-
-// The pointers are null on the side that has no such row.
+// The side that has no such row has null or nothing.
 struct INSTALLATION_DIFFERENCE
 {
     std::string what; // "product" or "release"
@@ -48,8 +45,8 @@ struct FILE_DIFFERENCE
 struct VARIABLE_DIFFERENCE
 {
     std::string name;
-    const SNAPSHOT_VARIABLE* a;
-    const SNAPSHOT_VARIABLE* b;
+    std::optional<SNAPSHOT_VARIABLE> a;
+    std::optional<SNAPSHOT_VARIABLE> b;
     std::optional<LAYER_KIND> made_by; // nothing for readings of the same assignment, which another release makes
     DEPENDENCE::KIND dependence = DEPENDENCE::KIND::UNKNOWN; // of the run, when one was given
 };

@@ -4,9 +4,7 @@
 #include <functional>
 #include <set>
 
-#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
 #include "tools/velmar-cfg/base/json_reader.h"
-#include "tools/velmar-cfg/base/json_values.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/layers.h"
@@ -15,9 +13,9 @@
 
 namespace
 {
-using nlohmann::ordered_json;
-
 constexpr DOCUMENT_KIND snapshot_kind = {"velmar-snapshot", 1, "snapshot", "velmar-cfg snapshot"};
+
+constexpr const char* unlike_the_others = "row of its own: there is another of that name";
 
 // The rows of a list, in order, each read by `read`. Refuses a second row with the same name, which `name_of` gives.
 template <typename NAMES, typename READ, typename NAME_OF>
@@ -29,7 +27,7 @@ auto read_rows(const JSON_NODE& list, READ read, NAME_OF name_of)
     {
         rows.push_back(read(row));
         if (!names.insert(std::invoke(name_of, rows.back())).second)
-            row.refuse("row of its own: there is another of that name");
+            row.refuse(unlike_the_others);
     }
     return rows;
 }
@@ -56,17 +54,17 @@ LAYER_KIND read_layer(const JSON_NODE& code)
     return *kind;
 }
 
-LOCATION read_location(const JSON_NODE& row)
+// The source looks into `file`, which is set.
+LOCATION read_location(const JSON_NODE& row, std::optional<std::string>& file)
 {
     const LAYER_KIND kind = read_layer(row.member("layer"));
-    const std::optional<std::string> file = row.member("file").text_or_null();
+    file = row.member("file").text_or_null();
     const std::optional<std::uint64_t> line = row.member("line").natural_number_or_null();
     const std::optional<std::uint64_t> item = row.member("item").natural_number_or_null();
-    LOCATION location{{kind, file.value_or(inline_source)}, line.value_or(item.value_or(0))};
-    if (file.has_value() != location.layer.is_file() || line.has_value() != location.layer.is_file() ||
-        item.has_value() == location.layer.is_file())
+    const bool in_file = is_file(kind);
+    if (file.has_value() != in_file || line.has_value() != in_file || item.has_value() == in_file)
         row.refuse("row with file and line, or else an item, as its layer has");
-    return location;
+    return {kind, in_file ? std::string_view(*file) : inline_source, line.value_or(item.value_or(0))};
 }
 
 TYPED_READINGS read_readings(const JSON_NODE& readings)
@@ -76,18 +74,25 @@ TYPED_READINGS read_readings(const JSON_NODE& readings)
             readings.member("double_whole").truth()};
 }
 
-SNAPSHOT_VARIABLE read_variable(const JSON_NODE& row)
+SNAPSHOT_VARIABLES read_variables(const JSON_NODE& list)
 {
-    SNAPSHOT_VARIABLE variable{row.member("name").text(),
-                               row.member("value").text(),
-                               row.member("external").truth(),
-                               read_location(row),
-                               {},
-                               {}};
-    for (const JSON_NODE& code : row.member("layers").elements())
-        variable.layers.push_back(read_layer(code));
-    variable.readings = read_readings(row.member("readings"));
-    return variable;
+    SNAPSHOT_VARIABLES variables;
+    VARIABLE_NAMES names;
+    for (const JSON_NODE& row : list.elements())
+    {
+        const std::string name = row.member("name").text();
+        const std::string value = row.member("value").text();
+        const bool external = row.member("external").truth();
+        std::optional<std::string> file;
+        const LOCATION location = read_location(row, file);
+        LAYER_SET layers;
+        for (const JSON_NODE& code : row.member("layers").elements())
+            layers.insert(read_layer(code));
+        variables.add({name, value, external, location, layers, read_readings(row.member("readings"))});
+        if (!names.insert(name).second)
+            row.refuse(unlike_the_others);
+    }
+    return variables;
 }
 
 SNAPSHOT_PREFERENCE read_preference(const JSON_NODE& row)
@@ -103,51 +108,70 @@ SNAPSHOT_PREFERENCE read_preference(const JSON_NODE& row)
 }
 }
 
-std::vector<std::string> all_file_roles()
+void write_json(JSON_WRITER& out, const SNAPSHOT_FILE& file)
 {
-    return {layer_code(LAYER_KIND::MAIN_FILE), layer_code(LAYER_KIND::APPENDED_FILE),
-            layer_code(LAYER_KIND::REGTEST_FILE), preference_file_role};
+    out.begin_object();
+    out.field("role", file.role);
+    out.field("path", file.path);
+    out.field("size", file.size);
+    out.field("sha256", file.sha256);
+    out.end_object();
 }
 
-ordered_json file_as_json(const SNAPSHOT_FILE& file)
+void write_json(JSON_WRITER& out, const SNAPSHOT_VARIABLE& variable)
 {
-    return {{"role", file.role},
-            {"path", value_or_null(file.path)},
-            {"size", value_or_null(file.size)},
-            {"sha256", value_or_null(file.sha256)}};
+    out.begin_object();
+    out.field("name", variable.name);
+    out.field("value", variable.value);
+    out.field("external", variable.external);
+    write_location_fields(out, &variable.location);
+    out.key("layers");
+    out.begin_list();
+    for (const LAYER_KIND kind : all_layer_kinds)
+    {
+        if (variable.layers.contains(kind))
+            out.value(layer_code(kind));
+    }
+    out.end_list();
+    out.key("readings");
+    write_json(out, variable.readings);
+    out.end_object();
 }
 
-ordered_json variable_as_json(const SNAPSHOT_VARIABLE& variable)
+void write_json(JSON_WRITER& out, const SNAPSHOT_PREFERENCE& preference)
 {
-    ordered_json row = {{"name", variable.name}, {"value", variable.value}, {"external", variable.external}};
-    row.update(location_as_json(&variable.location));
-    row["layers"] = rows_as_json(variable.layers, layer_code);
-    row["readings"] = readings_as_json(variable.readings);
-    return row;
+    out.begin_object();
+    out.field("key", preference.key);
+    out.field("value", preference.value);
+    out.field("default", preference.default_value);
+    out.field("source", source_word(preference.origin.source));
+    out.field_or_null("section", preference.origin.section);
+    out.field_or_null("release", preference.release);
+    out.end_object();
 }
 
-ordered_json snapshot_preference_as_json(const SNAPSHOT_PREFERENCE& preference)
+void write_json(JSON_WRITER& out, const SNAPSHOT& snapshot)
 {
-    return {{"key", preference.key},
-            {"value", preference.value},
-            {"default", preference.default_value},
-            {"source", source_word(preference.origin.source)},
-            {"section", text_or_null(preference.origin.section)},
-            {"release", text_or_null(preference.release)}};
-}
-
-ordered_json snapshot_as_json(const SNAPSHOT& snapshot)
-{
-    return {{"schema", snapshot_kind.schema},
-            {"schema_version", snapshot_kind.newest_version},
-            {"product", snapshot.product},
-            {"release", snapshot.release},
-            {"project", text_or_null(snapshot.project)},
-            {"regtest", snapshot.regtest},
-            {"files", rows_as_json(snapshot.files, file_as_json)},
-            {"environment", environment_as_json(snapshot.environment)},
-            {"variables", rows_as_json(snapshot.variables, variable_as_json)},
-            {"preferences", rows_as_json(snapshot.preferences, snapshot_preference_as_json)}};
+    const auto write_row = [](JSON_WRITER& writer, const auto& row) { write_json(writer, row); };
+    out.begin_object();
+    out.field("schema", snapshot_kind.schema);
+    out.field("schema_version", snapshot_kind.newest_version);
+    out.field("product", snapshot.product);
+    out.field("release", snapshot.release);
+    out.field_or_null("project", snapshot.project);
+    out.field("regtest", snapshot.regtest);
+    out.key("files");
+    out.list(snapshot.files, write_row);
+    out.key("environment");
+    out.list(snapshot.environment, write_row);
+    out.key("variables");
+    out.begin_list();
+    for (std::size_t i = 0; i < snapshot.variables.size(); ++i)
+        write_json(out, snapshot.variables[i]);
+    out.end_list();
+    out.key("preferences");
+    out.list(snapshot.preferences, write_row);
+    out.end_object();
 }
 
 SNAPSHOT read_snapshot(const std::string& path)
@@ -164,7 +188,7 @@ SNAPSHOT read_snapshot(const std::string& path)
         root.member("files").refuse("list of a file of each role");
     snapshot.environment = read_rows<std::set<std::string>>(root.member("environment"), read_environment_variable,
                                                             &ENVIRONMENT_VARIABLE::name);
-    snapshot.variables = read_rows<VARIABLE_NAMES>(root.member("variables"), read_variable, &SNAPSHOT_VARIABLE::name);
+    snapshot.variables = read_variables(root.member("variables"));
     snapshot.preferences =
         read_rows<std::set<std::string>>(root.member("preferences"), read_preference, &SNAPSHOT_PREFERENCE::key);
     return snapshot;

@@ -14,21 +14,18 @@
 #ifndef TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_JSON_H
 #define TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_JSON_H
 
-#include <nlohmann/json_fwd.hpp>
 #include <string>
 
+#include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/documents/snapshot.h"
 
-// What a file is to the library, in the order of the rows: a layer's code, or the last.
-inline constexpr const char* preference_file_role = "preferences";
-std::vector<std::string> all_file_roles();
-
-nlohmann::ordered_json snapshot_as_json(const SNAPSHOT& snapshot);
+// Writes a variable at a time: no document is built.
+void write_json(JSON_WRITER& out, const SNAPSHOT& snapshot);
 
 // Its rows, of which other documents consist as well.
-nlohmann::ordered_json file_as_json(const SNAPSHOT_FILE& file);
-nlohmann::ordered_json variable_as_json(const SNAPSHOT_VARIABLE& variable);
-nlohmann::ordered_json snapshot_preference_as_json(const SNAPSHOT_PREFERENCE& preference);
+void write_json(JSON_WRITER& out, const SNAPSHOT_FILE& file);
+void write_json(JSON_WRITER& out, const SNAPSHOT_VARIABLE& variable);
+void write_json(JSON_WRITER& out, const SNAPSHOT_PREFERENCE& preference);
 
 // Throws TOOL_ERROR(BAD_INPUT) for a file that is no snapshot, or of a newer version.
 SNAPSHOT read_snapshot(const std::string& path);

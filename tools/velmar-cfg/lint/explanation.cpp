@@ -2,56 +2,60 @@
 
 #include <algorithm>
 
-#include "cfg_ini/cfg_ini.h"
-#include "cfg_ini/cfg_ini_reader/ini_text.h"
-#include "tools/velmar-cfg/base/json_values.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/lint/finding.h"
 #include "tools/velmar-cfg/lint/settings_rules.h"
-#include "tools/velmar-cfg/settings/variable_name.h"
 
 namespace
 {
-// Whether the comment of a statement, or the line that is all comment, would set the variable if it were none.
-bool would_set(const STATEMENT& statement, const std::string& name)
+// Whether the comment of a line, or the line that is all comment, would set the variable if it were none.
+bool would_set(std::string_view line, OUTCOME outcome, std::string_view name)
 {
-    std::string_view comment = statement.text;
-    comment.remove_prefix(std::min(statement.kept, comment.size()));
-    comment.remove_prefix(std::min(comment.find_first_not_of(";#/ \t"), comment.size()));
-    std::string line(comment);
-    std::string commented_name;
-    std::string value;
-    return zon_cfg::parse_settings_line(line, commented_name, value) == zon_cfg::SETTINGS_LINE::ASSIGNMENT &&
-           same_name(commented_name, name);
+    line.remove_prefix(outcome == OUTCOME::TOO_SHORT ? line.size() : length_without_comment(line));
+    line.remove_prefix(std::min(line.find_first_not_of(";#/ \t"), line.size()));
+    LINE_PARTS parts;
+    return outcome_of_line(line, parts) == OUTCOME::STORED && same_name(parts.name, name);
 }
 
-void add_hints_of_statements(EXPLANATION& explanation, const SETTINGS_LAYERS& layers)
+// Goes through all statements: those that assign to the variable, and the comments that look as if they did.
+void add_statements(EXPLANATION& explanation, const SETTINGS& settings)
 {
-    for (const STATEMENT& statement : layers.statements)
+    STATEMENTS statements(settings.layers());
+    STATEMENT statement{};
+    for (ASSIGNMENT_INDEX assignment = 0; statements.next(statement);)
     {
-        if (statement.outcome == OUTCOME::STORED && same_name(statement.name, explanation.name))
+        const LOCATION location = location_of(settings.layers(), statement);
+        if (statement.outcome == OUTCOME::STORED)
         {
-            for (const FINDING& finding : lint_statement(layers, statement))
+            if (same_name(statement.name, explanation.name))
             {
-                // The table of assignments shows that a later one won.
-                if (finding.reason != "overridden")
-                    explanation.hints.push_back({finding.reason, location_of(layers, statement) + ": " +
-                                                                     finding.message + "; " + finding.instead});
+                const ASSIGNMENT& assigned = settings.assignments()[assignment];
+                explanation.assignments.push_back(
+                    {assigned.name, assigned.value, location, std::string(statement.text)});
+                for (const FINDING& finding : lint_statement(settings, statement, assignment))
+                {
+                    // The table of assignments shows that a later one won.
+                    if (finding.reason != "overridden")
+                        explanation.hints.push_back({finding.reason, location_as_text(location) + ": " +
+                                                                         finding.message + "; " + finding.instead});
+                }
             }
+            ++assignment;
         }
-        if (layers.layer_of(statement).is_file() && would_set(statement, explanation.name))
-            explanation.hints.push_back({"in-comment", location_of(layers, statement) +
+        if (is_file(location.layer) && would_set(statement.text, statement.outcome, explanation.name))
+            explanation.hints.push_back({"in-comment", location_as_text(location) +
                                                            ": an assignment to it stands in a comment and is ignored"});
     }
 }
 
 void add_hint_of_spelling(EXPLANATION& explanation)
 {
-    const auto other = std::ranges::find_if(explanation.assignments, [&](const STATEMENT* statement)
-                                            { return statement->name != explanation.name; });
+    const auto other = std::ranges::find_if(explanation.assignments, [&](const EXPLAINED_ASSIGNMENT& assignment)
+                                            { return assignment.name != explanation.name; });
     if (other != explanation.assignments.end())
-        explanation.hints.push_back({"spelling", "set as '" + (*other)->name +
-                                                     "': the same variable, since the case of A to Z does not count"});
+        explanation.hints.insert(explanation.hints.begin(),
+                                 {"spelling", "set as '" + std::string(other->name) +
+                                                  "': the same variable, since the case of A to Z does not count"});
 }
 
 void add_hint_of_near_miss(EXPLANATION& explanation, const SETTINGS& settings)
@@ -59,50 +63,64 @@ void add_hint_of_near_miss(EXPLANATION& explanation, const SETTINGS& settings)
     if (explanation.known != nullptr)
         return;
     std::vector<std::string> names = known_variable_names();
-    for (const VARIABLE& variable : settings.variables)
-        names.push_back(variable.name);
+    for (std::string& name : names_of_variables(settings))
+        names.push_back(std::move(name));
     if (const std::optional<std::string> nearest = nearest_name(explanation.name, names))
         explanation.hints.push_back({"near-miss", "there is also '" + *nearest + "'; is that the one?"});
 }
 
+void write_assignment(JSON_WRITER& out, const EXPLAINED_ASSIGNMENT& assignment, bool won)
+{
+    out.begin_object();
+    out.field("name", assignment.name);
+    out.field("value", assignment.value);
+    write_location_fields(out, &assignment.location);
+    out.field("text", assignment.text);
+    out.field("won", won);
+    out.end_object();
+}
+
+void write_hint(JSON_WRITER& out, const HINT& hint)
+{
+    out.begin_object();
+    out.field("reason", hint.reason);
+    out.field("text", hint.text);
+    out.end_object();
+}
 }
 
 EXPLANATION explain_variable(const std::string& name, const SETTINGS& settings)
 {
-    EXPLANATION explanation{name,
-                            find_known_variable(name),
-                            cfg_get_value(name),
-                            cfg_ini_is_external(name),
-                            read_typed(name),
-                            settings.layers.assignments_of(name),
-                            {}};
+    EXPLANATION explanation;
+    explanation.name = name;
+    explanation.known = find_known_variable(name);
+    if (const VARIABLE* const variable = settings.find(name); variable != nullptr)
+    {
+        explanation.value = settings.value_of(*variable);
+        explanation.external = variable->layers.mark_external();
+        explanation.readings = read_typed(explanation.value);
+    }
+    add_statements(explanation, settings);
     add_hint_of_spelling(explanation);
-    add_hints_of_statements(explanation, settings.layers);
     add_hint_of_near_miss(explanation, settings);
     return explanation;
 }
 
-nlohmann::ordered_json explanation_as_json(const EXPLANATION& explanation, const SETTINGS_LAYERS& layers)
+void write_json(JSON_WRITER& out, const EXPLANATION& explanation)
 {
-    nlohmann::ordered_json assignments = nlohmann::ordered_json::array();
-    for (const STATEMENT* const statement : explanation.assignments)
-    {
-        nlohmann::ordered_json row = {{"name", statement->name}, {"value", statement->value}};
-        row.update(location_as_json(layers, statement));
-        row["text"] = statement->text;
-        row["won"] = statement == explanation.assignments.back();
-        assignments.push_back(std::move(row));
-    }
-    nlohmann::ordered_json hints = nlohmann::ordered_json::array();
-    for (const HINT& hint : explanation.hints)
-        hints.push_back({{"reason", hint.reason}, {"text", hint.text}});
-    return {{"name", explanation.name},
-            {"set", !explanation.assignments.empty()},
-            {"value", explanation.value},
-            {"external", explanation.external},
-            {"assignments", assignments},
-            {"readings", readings_as_json(explanation.readings)},
-            {"known", explanation.known != nullptr},
-            {"default", text_or_null(explanation.known == nullptr ? "" : explanation.known->default_text)},
-            {"hints", hints}};
+    out.begin_object();
+    out.field("name", explanation.name);
+    out.field("set", !explanation.assignments.empty());
+    out.field("value", explanation.value);
+    out.field("external", explanation.external);
+    out.key("assignments");
+    out.list(explanation.assignments, [&explanation](JSON_WRITER& writer, const EXPLAINED_ASSIGNMENT& assignment)
+             { write_assignment(writer, assignment, &assignment == &explanation.assignments.back()); });
+    out.key("readings");
+    write_json(out, explanation.readings);
+    out.field("known", explanation.known != nullptr);
+    out.field_or_null("default", explanation.known == nullptr ? "" : explanation.known->default_text);
+    out.key("hints");
+    out.list(explanation.hints, write_hint);
+    out.end_object();
 }

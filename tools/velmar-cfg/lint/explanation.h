@@ -2,12 +2,12 @@
 #ifndef TOOLS_VELMAR_CFG_LINT_EXPLANATION_H
 #define TOOLS_VELMAR_CFG_LINT_EXPLANATION_H
 
-#include <nlohmann/json_fwd.hpp>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/settings/known_variables.h"
-#include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
 
@@ -18,21 +18,29 @@ struct HINT
     std::string text;
 };
 
-// Points into the settings that were asked, which must outlive it.
+struct EXPLAINED_ASSIGNMENT
+{
+    std::string_view name;
+    std::string_view value;
+    LOCATION location;
+    std::string text; // the line or the item as it stands
+};
+
+// Looks into the settings that were asked, which must outlive it.
 struct EXPLANATION
 {
     std::string name;
-    const KNOWN_VARIABLE* known; // null for any other
-    std::string value;
-    bool external;
+    const KNOWN_VARIABLE* known = nullptr; // null for any other
+    std::string_view value;                // empty when it is not set
+    bool external = false;
     TYPED_READINGS readings;
-    std::vector<const STATEMENT*> assignments; // in layering order; the last one won
+    std::vector<EXPLAINED_ASSIGNMENT> assignments; // in layering order; the last one won
     std::vector<HINT> hints;
 };
 
 EXPLANATION explain_variable(const std::string& name, const SETTINGS& settings);
 
 // {"name", "set", "value", "external", "assignments", "readings", "known", "default", "hints"}.
-nlohmann::ordered_json explanation_as_json(const EXPLANATION& explanation, const SETTINGS_LAYERS& layers);
+void write_json(JSON_WRITER& out, const EXPLANATION& explanation);
 
 #endif

@@ -1,20 +1,20 @@
 #include "tools/velmar-cfg/lint/finding.h"
 
-#include "tools/velmar-cfg/base/json_values.h"
-
 const char* severity_word(SEVERITY severity)
 {
     return severity == SEVERITY::ERROR ? "error" : severity == SEVERITY::WARNING ? "warning" : "note";
 }
 
-nlohmann::ordered_json finding_as_json(const FINDING& finding)
+void write_json(JSON_WRITER& out, const FINDING& finding)
 {
-    return {{"file", finding.file},
-            {"line", value_or_null(finding.line)},
-            {"item", value_or_null(finding.item)},
-            {"column", finding.column},
-            {"severity", severity_word(finding.severity)},
-            {"reason", finding.reason},
-            {"message", finding.message},
-            {"instead", finding.instead}};
+    out.begin_object();
+    out.field("file", finding.file);
+    out.field("line", finding.line);
+    out.field("item", finding.item);
+    out.field("column", finding.column);
+    out.field("severity", severity_word(finding.severity));
+    out.field("reason", finding.reason);
+    out.field("message", finding.message);
+    out.field("instead", finding.instead);
+    out.end_object();
 }

@@ -3,9 +3,10 @@
 #define TOOLS_VELMAR_CFG_LINT_FINDING_H
 
 #include <cstddef>
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
+
+#include "tools/velmar-cfg/base/json_writer.h"
 
 enum class SEVERITY
 {
@@ -30,6 +31,6 @@ struct FINDING
 const char* severity_word(SEVERITY severity);
 
 // {"file", "line", "item", "column", "severity", "reason", "message", "instead"}.
-nlohmann::ordered_json finding_as_json(const FINDING& finding);
+void write_json(JSON_WRITER& out, const FINDING& finding);
 
 #endif

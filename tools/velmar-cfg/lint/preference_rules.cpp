@@ -3,9 +3,6 @@
 #include <algorithm>
 #include <map>
 
-#include "cfg_ini/cfg_ini.h"
-#include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
-#include "cfg_ini/cfg_user_ini_reader/preference_file.h"
 #include "platform/gen/gen.h"
 #include "platform/ver/ver.h"
 #include "tools/velmar-cfg/base/input_file.h"
@@ -30,8 +27,6 @@ public:
             text = bytes.substr(0, bytes.find('\n'));
             bytes.remove_prefix(std::min(text.size() + 1, bytes.size()));
             ++number;
-            if (text.find('\0') != std::string_view::npos)
-                throw_binary_file(path, number);
             line = classify_preference_line(text);
             examine();
         }
@@ -209,7 +204,8 @@ void EXAMINATION::examine_known_key(CFG_USER_INI_ENUMS preference)
 }
 }
 
-std::vector<FINDING> lint_preferences(const std::string& path)
+std::vector<FINDING> lint_preferences(const INPUT_FILE& file)
 {
-    return EXAMINATION(path).findings(read_input_file(path));
+    file.require_text();
+    return EXAMINATION(file.path).findings(file.bytes);
 }

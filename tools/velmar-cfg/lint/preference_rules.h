@@ -2,12 +2,12 @@
 #ifndef TOOLS_VELMAR_CFG_LINT_PREFERENCE_RULES_H
 #define TOOLS_VELMAR_CFG_LINT_PREFERENCE_RULES_H
 
-#include <string>
 #include <vector>
 
+#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/lint/finding.h"
 
-// The findings in the order of the lines. Throws TOOL_ERROR(BAD_INPUT) for a file that cannot be read as one.
-std::vector<FINDING> lint_preferences(const std::string& path);
+// The findings in the order of the lines. Throws TOOL_ERROR(BAD_INPUT) for a file that cannot be read as text.
+std::vector<FINDING> lint_preferences(const INPUT_FILE& file);
 
 #endif

@@ -5,13 +5,10 @@
 #include <cctype>
 #include <cstdio>
 
-#include "cfg_ini/cfg_ini_reader/ini_text.h"
-#include "cfg_ini/cfg_ini_reader/settings_sources.h"
-#include "cfg_ini/cfg_ini_reader/value_conversion.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/settings/known_variables.h"
-#include "tools/velmar-cfg/settings/variable_name.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 
 using namespace zon_cfg;
 
@@ -38,26 +35,28 @@ bool looks_like_a_name(std::string_view text)
 }
 
 // Whether `text`, taken for a line of its own, sets a variable whose name looks like one.
-bool looks_like_an_assignment(const std::string& text)
+bool looks_like_an_assignment(std::string_view text)
 {
-    std::string name;
-    std::string value;
-    const std::string before_equals = trimmed(std::string_view(text).substr(0, text.find('=')));
-    return parse_settings_line(text, name, value) == SETTINGS_LINE::ASSIGNMENT && looks_like_a_name(before_equals);
+    LINE_PARTS parts;
+    return outcome_of_line(text, parts) == OUTCOME::STORED &&
+           looks_like_a_name(trimmed(text.substr(0, text.find('='))));
 }
 
 // One statement under examination. Columns are handed over as offsets into its text.
 class EXAMINATION
 {
 public:
-    EXAMINATION(const SETTINGS_LAYERS& the_layers, const STATEMENT& the_statement)
-        : layers(the_layers), statement(the_statement), text(the_statement.text)
+    EXAMINATION(const SETTINGS& the_settings, const STATEMENT& the_statement, ASSIGNMENT_INDEX assignment)
+        : settings(the_settings), statement(the_statement), own_assignment(assignment),
+          layer(the_settings.layers()[the_statement.layer]), text(the_statement.text),
+          kept_length(is_file(layer.kind) && the_statement.outcome != OUTCOME::TOO_SHORT ? length_without_comment(text)
+                                                                                         : text.size())
     {
     }
 
     std::vector<FINDING> findings()
     {
-        if (layers.layer_of(statement).is_file())
+        if (is_file(layer.kind))
             examine_line();
         else
             examine_item();
@@ -69,9 +68,8 @@ private:
     void add(std::size_t offset, SEVERITY severity, const char* reason, const std::string& message,
              const std::string& instead)
     {
-        const LAYER& layer = layers.layer_of(statement);
-        FINDING finding{layer.source, {}, {}, offset + 1, severity, reason, message, instead};
-        (layer.is_file() ? finding.line : finding.item) = statement.position;
+        FINDING finding{layer.source->path, {}, {}, offset + 1, severity, reason, message, instead};
+        (is_file(layer.kind) ? finding.line : finding.item) = statement.position;
         found.push_back(std::move(finding));
     }
 
@@ -99,7 +97,7 @@ private:
     // The text without its comment.
     std::string_view kept() const
     {
-        return text.substr(0, statement.kept);
+        return text.substr(0, kept_length);
     }
 
     // The offset of the value, or where it would stand.
@@ -114,15 +112,12 @@ private:
         return in_single_quotes(std::string(name) + " = " + std::string(value));
     }
 
-    // Where the statements that set this variable are.
-    const std::vector<std::size_t>& assignments_of_name() const
-    {
-        return layers.assignments.find(statement.name)->second;
-    }
-
-    const SETTINGS_LAYERS& layers;
+    const SETTINGS& settings;
     const STATEMENT& statement;
+    const ASSIGNMENT_INDEX own_assignment; // for a statement that is stored
+    const LAYER& layer;
     const std::string_view text;
+    const std::size_t kept_length; // of the text without its comment
     std::vector<FINDING> found;
 };
 
@@ -150,9 +145,7 @@ void EXAMINATION::examine_line()
 
 void EXAMINATION::too_short()
 {
-    std::string line(text);
-    cfg_remove_commented_portion(&line);
-    line = trimmed(line);
+    const std::string line = trimmed(text.substr(0, length_without_comment(text)));
     if (line.empty())
         return;
     const std::string name = trimmed(line.substr(0, line.find('=')));
@@ -167,10 +160,9 @@ void EXAMINATION::no_equals_sign()
     const std::string line = trimmed(kept());
     if (line.empty())
         return;
-    if (text.find('=', statement.kept) != std::string_view::npos)
+    if (text.find('=', kept_length) != std::string_view::npos)
     {
-        add(statement.kept, SEVERITY::ERROR, "comment-cut",
-            "the comment begins before the \"=\", so the line is ignored",
+        add(kept_length, SEVERITY::ERROR, "comment-cut", "the comment begins before the \"=\", so the line is ignored",
             "take the comment sign away, or put \"#\" before " + in_single_quotes(line) + " to make it all a comment");
         return;
     }
@@ -185,22 +177,22 @@ bool EXAMINATION::byte_order_mark_before_text()
 {
     if (statement.position != 1 || !text.starts_with(byte_order_mark))
         return false;
-    std::string line(text.substr(byte_order_mark.size()));
-    cfg_remove_commented_portion(&line);
-    if (!trimmed(line).empty())
+    const std::string_view behind = text.substr(byte_order_mark.size());
+    const std::string line = trimmed(behind.substr(0, length_without_comment(behind)));
+    if (!line.empty())
         add(0, SEVERITY::ERROR, "byte-order-mark",
             "the file begins with a byte order mark, which belongs to the first line",
-            "save the file without a byte order mark, beginning with " + in_single_quotes(trimmed(line)));
+            "save the file without a byte order mark, beginning with " + in_single_quotes(line));
     return true;
 }
 
 void EXAMINATION::comment()
 {
-    if (statement.kept == text.size())
+    if (kept_length == text.size())
         return;
-    const std::size_t sign = statement.kept;
+    const std::size_t sign = kept_length;
     const std::string_view behind = text.substr(sign + 1);
-    if (text[sign] == ';' && looks_like_an_assignment(std::string(behind)))
+    if (text[sign] == ';' && looks_like_an_assignment(behind))
     {
         add(sign, SEVERITY::ERROR, "second-assignment",
             "a line holds one assignment: what follows the \";\" is a comment and is ignored",
@@ -267,7 +259,7 @@ void EXAMINATION::examine_item()
     if (statement.outcome == OUTCOME::STORED)
     {
         separator();
-        if (statement.name.find(' ') != std::string::npos)
+        if (statement.name.find(' ') != std::string_view::npos)
             add(first_visible(text), SEVERITY::WARNING, "blanks-in-name",
                 "blanks in a name are kept here, while a settings file removes them: this sets " +
                     in_single_quotes(statement.name),
@@ -287,8 +279,7 @@ void EXAMINATION::examine_item()
 
 void EXAMINATION::separator()
 {
-    const char* const whole = inline_settings();
-    const char used = cfg_find_separator_in_ini_string(whole == nullptr ? "" : whole);
+    const char used = separator_of_items(layer.source->bytes);
     const char other = used == ';' ? ':' : ';';
     const std::size_t at = text.find(other);
     if (at == std::string_view::npos || text.find('=', at) == std::string_view::npos)
@@ -340,10 +331,10 @@ void EXAMINATION::name_characters()
 
 void EXAMINATION::quotes_kept()
 {
-    const std::string& value = statement.value;
+    const std::string_view value = statement.value;
     const bool in_quotes = value.size() >= 2 && value.front() == '"' && value.back() == '"';
     // Quotes that keep a comment sign in the value have a reason to be there.
-    if (in_quotes && (value.find_first_of(";#") == std::string::npos || !layers.layer_of(statement).is_file()))
+    if (in_quotes && (value.find_first_of(";#") == std::string_view::npos || !is_file(layer.kind)))
         add(text.find('"', text.find('=')), SEVERITY::NOTE, "quotes-kept", "the quotes are part of the value",
             "write " + assignment_of(statement.name, value.substr(1, value.size() - 2)) +
                 " unless the reader of the variable takes them off");
@@ -351,15 +342,13 @@ void EXAMINATION::quotes_kept()
 
 void EXAMINATION::known_variable(const KNOWN_VARIABLE& known)
 {
-    const char* const value = statement.value.c_str();
-    bool as_boolean = false;
-    int as_integer = 0;
-    if (known.kind == KNOWN_VARIABLE::KIND::SWITCH && !cfg_ini_convert_to_bool(value, &as_boolean))
+    const std::string value(statement.value);
+    if (known.kind == KNOWN_VARIABLE::KIND::SWITCH && !as_boolean(value))
         add(value_offset(), SEVERITY::ERROR, "no-boolean",
             in_single_quotes(statement.value) + " is no boolean, so readers of " + in_single_quotes(known.name) +
                 " take their default",
             "write " + assignment_of(statement.name, "on") + " or " + assignment_of(statement.name, "off"));
-    if (known.kind == KNOWN_VARIABLE::KIND::INTEGER && !cfg_ini_convert_to_int(value, &as_integer))
+    if (known.kind == KNOWN_VARIABLE::KIND::INTEGER && !as_integer(value))
         add(value_offset(), SEVERITY::ERROR, "no-integer",
             in_single_quotes(statement.value) + " is no integer, so readers of " + in_single_quotes(known.name) +
                 " take their default",
@@ -376,12 +365,12 @@ void EXAMINATION::almost_known()
 
 void EXAMINATION::letter_case()
 {
-    const STATEMENT& first = layers.statements[assignments_of_name().front()];
+    const ASSIGNMENT& first = settings.assignments()[settings.find(statement.name)->first];
     const KNOWN_VARIABLE* const known = find_known_variable(statement.name);
-    const std::string& expected = known != nullptr ? known->name : first.name;
+    const std::string_view expected = known != nullptr ? std::string_view(known->name) : first.name;
     if (statement.name == expected)
         return;
-    const std::string whence = known != nullptr ? "" : " at " + location_of(layers, first);
+    const std::string whence = known != nullptr ? "" : " at " + location_as_text(settings.location_of(first));
     add(first_visible(text), SEVERITY::WARNING, "letter-case",
         "the same variable as " + in_single_quotes(expected) + whence +
             ", but objects registered under that spelling are not told of this one",
@@ -390,32 +379,34 @@ void EXAMINATION::letter_case()
 
 void EXAMINATION::overridden()
 {
-    const std::vector<std::size_t>& positions = assignments_of_name();
-    const auto own = static_cast<std::size_t>(&statement - layers.statements.data());
-    const auto next = std::ranges::upper_bound(positions, own);
-    if (next == positions.end() || layers.statements[*next].layer != statement.layer)
+    const ASSIGNMENT_INDEX next = settings.assignments()[own_assignment].next_to_same;
+    if (next == no_assignment || settings.assignments()[next].layer != statement.layer)
         return;
-    const STATEMENT& later = layers.statements[*next];
+    const ASSIGNMENT& later = settings.assignments()[next];
     const bool same = later.value == statement.value;
     add(first_visible(text), same ? SEVERITY::NOTE : SEVERITY::WARNING, "overridden",
-        location_of(layers, later) + " sets " + in_single_quotes(statement.name) + " again" +
+        location_as_text(settings.location_of(later)) + " sets " + in_single_quotes(statement.name) + " again" +
             (same ? ", to the same value" : ""),
         "remove one of the two");
 }
 }
 
-std::vector<FINDING> lint_statement(const SETTINGS_LAYERS& layers, const STATEMENT& statement)
+std::vector<FINDING> lint_statement(const SETTINGS& settings, const STATEMENT& statement, ASSIGNMENT_INDEX assignment)
 {
-    return EXAMINATION(layers, statement).findings();
+    return EXAMINATION(settings, statement, assignment).findings();
 }
 
-std::vector<FINDING> lint_settings(const SETTINGS_LAYERS& layers)
+std::vector<FINDING> lint_settings(const SETTINGS& settings)
 {
     std::vector<FINDING> findings;
-    for (const STATEMENT& statement : layers.statements)
+    STATEMENTS statements(settings.layers());
+    STATEMENT statement{};
+    for (ASSIGNMENT_INDEX assignment = 0; statements.next(statement);)
     {
-        for (FINDING& finding : lint_statement(layers, statement))
+        for (FINDING& finding : lint_statement(settings, statement, assignment))
             findings.push_back(std::move(finding));
+        if (statement.outcome == OUTCOME::STORED)
+            ++assignment;
     }
     return findings;
 }

@@ -8,12 +8,13 @@
 #include <vector>
 
 #include "tools/velmar-cfg/lint/finding.h"
-#include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/settings/settings.h"
 
-// The findings of every statement, in the order of the statements.
-std::vector<FINDING> lint_settings(const SETTINGS_LAYERS& layers);
+// The findings of every statement, in the order of the statements. The settings are those of all their layers'
+// variables.
+std::vector<FINDING> lint_settings(const SETTINGS& settings);
 
-// The findings of one statement of `layers`.
-std::vector<FINDING> lint_statement(const SETTINGS_LAYERS& layers, const STATEMENT& statement);
+// The findings of one statement. `assignment` is its index among the assignments, when it is stored.
+std::vector<FINDING> lint_statement(const SETTINGS& settings, const STATEMENT& statement, ASSIGNMENT_INDEX assignment);
 
 #endif

@@ -5,11 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
-#include "cfg_ini/cfg_user_ini_reader/preference_file.h"
-#include "cfg_ini/cfg_user_ini_reader/preference_loading.h"
-#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
-#include "cfg_ini/cfg_user_ini_reader/preference_writing.h"
+#include "cfg_run_report/whole_file.h"
 #include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/file_lock.h"
 #include "tools/velmar-cfg/base/input_file.h"
@@ -69,7 +65,7 @@ void check_value(const PREFERENCE_CHANGE& change)
         refuse("an empty value counts as none; velmar-cfg prefs reset " + key + " goes back to the default");
     if (find_fitting_triple(change.number, change.value->c_str()) == nullptr)
         refuse("'" + *change.value + "' is not allowed for " + key +
-               "; allowed: " + allowed_as_text(look_up_preference(change.number)));
+               "; allowed: " + allowed_as_text(allowed_preference_values(change.number)));
 }
 
 // --- What is loaded, for comparison ---
@@ -138,9 +134,9 @@ CFG_USER_VALUE_STRUCT* current_record(CFG_USER_INI_ENUMS number)
 }
 
 // Whether the file says already what the change wants.
-bool nothing_to_do(const PREFERENCE_CHANGE& change)
+bool nothing_to_do(const PREFERENCE_CHANGE& change, std::string_view bytes)
 {
-    const PREFERENCE preference = look_up_preference(change.number);
+    const PREFERENCE preference = PREFERENCES(bytes).look_up(change.number);
     if (!change.value)
         return preference.origin.source == PREFERENCE_SOURCE::DEFAULT ||
                preference.origin.source == PREFERENCE_SOURCE::NOWHERE;
@@ -166,7 +162,7 @@ void save_and_read_back(const PREFERENCE_CHANGE& change, const std::string& path
 // writing the default.
 void save_reset(const PREFERENCE_CHANGE& change, const std::string& path)
 {
-    const std::string default_value = look_up_preference(change.number).default_value;
+    const std::string default_value = default_preference_value(change.number);
     if (CFG_USER_VALUE_STRUCT* const record = current_record(change.number); record != nullptr)
         record->value.clear(); // empty values are not written
     save_and_read_back(change, path);
@@ -232,14 +228,29 @@ std::size_t count_dropped_lines(std::string_view text)
     }
     return dropped;
 }
+
+// Where the file is, links followed.
+std::string target_of(const std::string& path)
+{
+    try
+    {
+        return followed_path(path);
+    }
+    catch (const std::system_error&)
+    {
+        throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN,
+                         path + ": no such directory, or links in a circle; make the directory first");
+    }
+}
 }
 
 EDITED_FILE edit_preference(const PREFERENCE_CHANGE& change, bool dry_run, std::chrono::milliseconds patience)
 {
-    check_preference_file();
+    INPUT_FILES files;
+    preference_file_in_use(files); // must be readable
     check_value(change);
     EDITED_FILE result;
-    result.path = followed_path(cfg_generate_user_ini_file_path());
+    result.path = target_of(cfg_generate_user_ini_file_path());
 
     std::unique_ptr<FILE_LOCK> lock;
     if (!dry_run)
@@ -249,8 +260,7 @@ EDITED_FILE edit_preference(const PREFERENCE_CHANGE& change, bool dry_run, std::
     }
     STAGED_FILE staged(result.path, file_name, !dry_run);
     result.before = staged.bytes_before();
-    cfg_close_user_ini_file(); // what was loaded may be from before the lock
-    if (nothing_to_do(change))
+    if (nothing_to_do(change, result.before))
     {
         result.after = result.before;
         return result;

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "cfg_ini/cfg_ini.h"
+#include "tools/velmar-cfg/preferences/library_preferences.h"
 
 struct PREFERENCE_CHANGE
 {

@@ -3,14 +3,10 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
-#include "cfg_ini/cfg_user_ini_reader/preference_file.h"
 #include "platform/fio/fio.h"
 #include "platform/gen/gen.h"
 #include "platform/ver/ver.h"
 #include "tools/velmar-cfg/base/errors.h"
-#include "tools/velmar-cfg/base/input_file.h"
-#include "tools/velmar-cfg/base/json_values.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
 
 using namespace zon_cfg;
@@ -49,7 +45,7 @@ const char* source_word(PREFERENCE_SOURCE source)
     return "none";
 }
 
-std::optional<PREFERENCE_SOURCE> source_of_word(const std::string& word)
+std::optional<PREFERENCE_SOURCE> source_of_word(std::string_view word)
 {
     for (const PREFERENCE_SOURCE source :
          {PREFERENCE_SOURCE::NOWHERE, PREFERENCE_SOURCE::RUNNING_RELEASE, PREFERENCE_SOURCE::OLDER_RELEASE,
@@ -80,15 +76,88 @@ PREFERENCE_FILE_LOCATION preference_file_location()
     return location;
 }
 
-void check_preference_file()
+FILE_CANDIDATE preference_file_candidate()
+{
+    const PREFERENCE_FILE_LOCATION location = preference_file_location();
+    FILE_CANDIDATE candidate =
+        sole_candidate("velmar2.ini", location.from_variable ? "VELMAR2_INI" : "profile directory", location.path);
+    if (candidate.remark.empty())
+        candidate.remark = location.remark;
+    return candidate;
+}
+
+std::shared_ptr<const INPUT_FILE> preference_file_in_use(INPUT_FILES& files)
 {
     const std::string path = cfg_generate_user_ini_file_path();
     if (!FIO_FILE_SYSTEM::exists(path.c_str()))
-        return;
-    const std::string bytes = read_input_file(path);
-    if (const std::size_t zero = bytes.find('\0'); zero != std::string::npos)
-        throw_binary_file(path, 1 + static_cast<std::size_t>(std::count(
-                                        bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(zero), '\n')));
+        return nullptr;
+    std::shared_ptr<const INPUT_FILE> file = files.read(path);
+    file->require_text();
+    return file;
+}
+
+PREFERENCES load_preferences(INPUT_FILES& files)
+{
+    const std::shared_ptr<const INPUT_FILE> file = preference_file_in_use(files);
+    return PREFERENCES(file == nullptr ? "" : std::string_view(file->bytes));
+}
+
+PREFERENCES::PREFERENCES(std::string_view bytes)
+{
+    std::string section;
+    while (!bytes.empty())
+    {
+        const std::string_view text = bytes.substr(0, bytes.find('\n'));
+        bytes.remove_prefix(std::min(text.size() + 1, bytes.size()));
+        PREFERENCE_LINE line = classify_preference_line(text);
+        if (line.kind == PREFERENCE_LINE_KIND::HEADER)
+        {
+            section = std::move(line.section);
+            sections.insert(section);
+        }
+        // The first line of a key counts.
+        else if (line.kind == PREFERENCE_LINE_KIND::KEY && !section.empty())
+            records.try_emplace(section + line.name, RECORD{section, std::move(line.value)});
+    }
+}
+
+const PREFERENCES::RECORD* PREFERENCES::find(const std::string& section, const std::string& key) const
+{
+    const auto found = records.find(section + key);
+    return found == records.end() ? nullptr : &found->second;
+}
+
+const PREFERENCES::RECORD* PREFERENCES::find_in_releases(const std::string& section, const std::string& key,
+                                                         const std::vector<std::string>& releases) const
+{
+    for (const std::string& release : releases)
+    {
+        if (const RECORD* const record = find(released_section(section, release), key); record != nullptr)
+            return record;
+    }
+    return nullptr;
+}
+
+// From an older release, where an empty value ends the walk over the releases, or else from the section without one.
+PREFERENCES::FOUND PREFERENCES::find_carried_over(const std::string& section, const std::string& key) const
+{
+    const RECORD* const older = find_in_releases(section, key, ver_get_all_versions());
+    if (older != nullptr && !older->value.empty())
+        return {older->value, {PREFERENCE_SOURCE::OLDER_RELEASE, older->section}};
+    const RECORD* const unversioned = find(section, key);
+    if (unversioned != nullptr && !unversioned->value.empty())
+        return {unversioned->value, {PREFERENCE_SOURCE::UNVERSIONED_SECTION, unversioned->section}};
+    return {};
+}
+
+PREFERENCES::FOUND PREFERENCES::find_in_file(const std::string& section, const std::string& key) const
+{
+    const std::string running = released_section(section, ver_get_version());
+    if (const RECORD* const record = find(running, key); record != nullptr)
+        return record->value.empty() ? FOUND{}
+                                     : FOUND{record->value, {PREFERENCE_SOURCE::RUNNING_RELEASE, record->section}};
+    // A file that has the running release's section has had it saved: what is missing there is meant to be.
+    return sections.contains(running) ? FOUND{} : find_carried_over(section, key);
 }
 
 std::vector<CFG_USER_INI_ENUMS> all_preference_numbers()
@@ -122,17 +191,28 @@ std::vector<std::string> allowed_preference_values(CFG_USER_INI_ENUMS number)
     return allowed;
 }
 
-PREFERENCE look_up_preference(CFG_USER_INI_ENUMS number)
+std::string default_preference_value(CFG_USER_INI_ENUMS number)
+{
+    return cfg_user_ini_name_default_values[preference_position(number)].second;
+}
+
+PREFERENCE PREFERENCES::look_up(CFG_USER_INI_ENUMS number) const
 {
     PREFERENCE preference;
     preference.number = number;
     preference.key = cfg_get_user_ini_ini_string(number);
     preference.section = cfg_get_section_for_name(preference.key.c_str(), nullptr, false);
-    preference.origin = preference_origin(number);
-    preference.release = release_of_section(preference);
-    preference.value = cfg_get_user_ini_value(number);
-    preference.default_value = cfg_user_ini_name_default_values[preference_position(number)].second;
+    preference.default_value = default_preference_value(number);
     preference.allowed = allowed_preference_values(number);
+    FOUND found = find_in_file(preference.section, preference.key);
+    preference.value = std::move(found.value);
+    preference.origin = std::move(found.origin);
+    if (preference.value.empty() && !preference.default_value.empty())
+    {
+        preference.value = preference.default_value;
+        preference.origin.source = PREFERENCE_SOURCE::DEFAULT;
+    }
+    preference.release = release_of_section(preference);
     return preference;
 }
 
@@ -149,22 +229,21 @@ CFG_USER_INI_ENUMS preference_number(const std::string& key)
                                              (suggestion.empty() ? "; see" : " See") + " velmar-cfg prefs list --all");
 }
 
-nlohmann::ordered_json preference_as_json(const PREFERENCE& preference)
+void write_preference_fields(JSON_WRITER& out, const PREFERENCE& preference)
 {
-    return {
-        {"key", preference.key},
-        {"value", preference.value},
-        {"default", preference.default_value},
-        {"allowed", preference.allowed.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(preference.allowed)},
-        {"source", source_word(preference.origin.source)},
-        {"section", text_or_null(preference.origin.section)},
-        {"release", text_or_null(preference.release)}};
+    out.field("key", preference.key);
+    out.field("value", preference.value);
+    out.field("default", preference.default_value);
+    out.field("allowed", preference.allowed.empty() ? std::nullopt : std::optional(preference.allowed));
+    out.field("source", source_word(preference.origin.source));
+    out.field_or_null("section", preference.origin.section);
+    out.field_or_null("release", preference.release);
 }
 
-std::string allowed_as_text(const PREFERENCE& preference)
+std::string allowed_as_text(const std::vector<std::string>& allowed)
 {
     std::string text;
-    for (const std::string& value : preference.allowed)
+    for (const std::string& value : allowed)
         text += (text.empty() ? "" : ", ") + value;
     return text.empty() ? "any text" : text;
 }

@@ -1,14 +1,20 @@
-// The user preferences as the library answers them, each with what the catalogue says of it.
+// The user preferences as the library would answer them, each with what the catalogue says of it. The file's bytes are
+// read by the library's rules for lines; nothing is loaded.
 #ifndef TOOLS_VELMAR_CFG_PREFERENCES_PREFERENCES_H
 #define TOOLS_VELMAR_CFG_PREFERENCES_PREFERENCES_H
 
-#include <nlohmann/json_fwd.hpp>
+#include <map>
+#include <memory>
 #include <optional>
+#include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "cfg_ini/cfg_ini.h"
-#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
+#include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/base/json_writer.h"
+#include "tools/velmar-cfg/preferences/library_preferences.h"
+#include "tools/velmar-cfg/settings/file_candidates.h"
 
 using zon_cfg::PREFERENCE_ORIGIN;
 using zon_cfg::PREFERENCE_SOURCE;
@@ -37,9 +43,48 @@ struct PREFERENCE_FILE_LOCATION
 };
 PREFERENCE_FILE_LOCATION preference_file_location();
 
-// Throws TOOL_ERROR(BAD_INPUT) when there is a preference file but it cannot be read as one. Every command that uses
-// the preferences calls it before it asks the library.
-void check_preference_file();
+// The same as the one candidate that it is.
+FILE_CANDIDATE preference_file_candidate();
+
+// The preference file in use. Nothing when there is none. Throws TOOL_ERROR(BAD_INPUT) when it cannot be read as text.
+std::shared_ptr<const INPUT_FILE> preference_file_in_use(INPUT_FILES& files);
+
+// What a preference file holds.
+class PREFERENCES
+{
+public:
+    explicit PREFERENCES(std::string_view bytes);
+
+    // The preference as the library answers it once it has loaded the file.
+    PREFERENCE look_up(CFG_USER_INI_ENUMS number) const;
+
+private:
+    struct RECORD
+    {
+        std::string section;
+        std::string value;
+    };
+
+    struct FOUND
+    {
+        std::string value;
+        PREFERENCE_ORIGIN origin;
+    };
+
+    const RECORD* find(const std::string& section, const std::string& key) const;
+    const RECORD* find_in_releases(const std::string& section, const std::string& key,
+                                   const std::vector<std::string>& releases) const;
+    FOUND find_carried_over(const std::string& section, const std::string& key) const;
+    FOUND find_in_file(const std::string& section, const std::string& key) const;
+
+    // By section immediately followed by the key, as in the store: two pairs may share an entry, which then belongs to
+    // the one that came first.
+    std::map<std::string, RECORD> records;
+    std::set<std::string> sections;
+};
+
+// Those of the file in use; none when there is none. Throws TOOL_ERROR as above.
+PREFERENCES load_preferences(INPUT_FILES& files);
 
 // The numbers of all preferences of the catalogue, in its order, and their keys.
 std::vector<CFG_USER_INI_ENUMS> all_preference_numbers();
@@ -48,23 +93,23 @@ std::vector<std::string> all_preference_keys();
 // The values that the catalogue allows; none for free text.
 std::vector<std::string> allowed_preference_values(CFG_USER_INI_ENUMS number);
 
-// The preference as the library answers it now. Never writes the file.
-PREFERENCE look_up_preference(CFG_USER_INI_ENUMS number);
+// The catalogue's default; empty for none.
+std::string default_preference_value(CFG_USER_INI_ENUMS number);
 
 // The preference of that key, in any letter case. Throws TOOL_ERROR(REFUSED), with a suggestion, for any other name.
 CFG_USER_INI_ENUMS preference_number(const std::string& key);
 
-// {"key", "value", "default", "allowed", "source", "section", "release"}; "source" is "running release", "older
-// release", "unversioned section", "default" or "none", "section" that of the file or null, "release" the section's or
-// null, "allowed" null for free text.
-nlohmann::ordered_json preference_as_json(const PREFERENCE& preference);
+// The fields "key", "value", "default", "allowed", "source", "section" and "release"; "source" is "running release",
+// "older release", "unversioned section", "default" or "none", "section" that of the file or null, "release" the
+// section's or null, "allowed" null for free text.
+void write_preference_fields(JSON_WRITER& out, const PREFERENCE& preference);
 
 // "off, on" or "any text".
-std::string allowed_as_text(const PREFERENCE& preference);
+std::string allowed_as_text(const std::vector<std::string>& allowed);
 
 // "running release", ...: for JSON. And back, if it is one.
 const char* source_word(PREFERENCE_SOURCE source);
-std::optional<PREFERENCE_SOURCE> source_of_word(const std::string& word);
+std::optional<PREFERENCE_SOURCE> source_of_word(std::string_view word);
 
 // Where the value comes from, in words.
 std::string origin_as_text(const PREFERENCE_ORIGIN& origin);

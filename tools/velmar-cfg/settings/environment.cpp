@@ -2,8 +2,6 @@
 
 #include <cstdlib>
 
-#include "tools/velmar-cfg/base/json_values.h"
-
 std::vector<ENVIRONMENT_VARIABLE> environment_that_matters()
 {
     std::vector<ENVIRONMENT_VARIABLE> variables;
@@ -16,10 +14,10 @@ std::vector<ENVIRONMENT_VARIABLE> environment_that_matters()
     return variables;
 }
 
-nlohmann::ordered_json environment_as_json(const std::vector<ENVIRONMENT_VARIABLE>& variables)
+void write_json(JSON_WRITER& out, const ENVIRONMENT_VARIABLE& variable)
 {
-    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
-    for (const ENVIRONMENT_VARIABLE& variable : variables)
-        rows.push_back({{"name", variable.name}, {"value", value_or_null(variable.value)}});
-    return rows;
+    out.begin_object();
+    out.field("name", variable.name);
+    out.field("value", variable.value);
+    out.end_object();
 }

@@ -2,10 +2,11 @@
 #ifndef TOOLS_VELMAR_CFG_SETTINGS_ENVIRONMENT_H
 #define TOOLS_VELMAR_CFG_SETTINGS_ENVIRONMENT_H
 
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "tools/velmar-cfg/base/json_writer.h"
 
 struct ENVIRONMENT_VARIABLE
 {
@@ -18,7 +19,7 @@ struct ENVIRONMENT_VARIABLE
 // All of them, set or not, in the order in which they take part.
 std::vector<ENVIRONMENT_VARIABLE> environment_that_matters();
 
-// A list of {"name", "value"}, "value" null when not set.
-nlohmann::ordered_json environment_as_json(const std::vector<ENVIRONMENT_VARIABLE>& variables);
+// {"name", "value"}, "value" null when not set.
+void write_json(JSON_WRITER& out, const ENVIRONMENT_VARIABLE& variable);
 
 #endif

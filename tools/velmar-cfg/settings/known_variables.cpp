@@ -1,11 +1,8 @@
 #include "tools/velmar-cfg/settings/known_variables.h"
 
 #include <algorithm>
-#include <iterator>
 
-#include "cfg_ini/cfg_ini_reader/own_variables.h"
-#include "cfg_ini/cfg_ini_reader/variable_catalogue.h"
-#include "tools/velmar-cfg/settings/variable_name.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 
 using namespace zon_cfg;
 
@@ -14,13 +11,11 @@ const std::vector<KNOWN_VARIABLE>& known_variables()
     static const std::vector<KNOWN_VARIABLE> variables = []
     {
         std::vector<KNOWN_VARIABLE> all;
-        all.reserve(std::size(cfg_enum_based_defaults) + std::size(OWN_VARIABLE::switches) +
-                    std::size(OWN_VARIABLE::integers));
-        for (const auto& [name, default_text] : cfg_enum_based_defaults)
+        for (const auto& [name, default_text] : catalogued_variables())
             all.push_back({name, KNOWN_VARIABLE::KIND::SWITCH, default_text});
-        for (const char* const name : OWN_VARIABLE::switches)
+        for (const char* const name : own_switches())
             all.push_back({name, KNOWN_VARIABLE::KIND::SWITCH, ""});
-        for (const char* const name : OWN_VARIABLE::integers)
+        for (const char* const name : own_integers())
             all.push_back({name, KNOWN_VARIABLE::KIND::INTEGER, ""});
         return all;
     }();
@@ -39,7 +34,7 @@ const std::vector<std::string>& known_variable_names()
     return names;
 }
 
-const KNOWN_VARIABLE* find_known_variable(const std::string& name)
+const KNOWN_VARIABLE* find_known_variable(std::string_view name)
 {
     const auto found = std::ranges::find_if(known_variables(), [&](const KNOWN_VARIABLE& variable)
                                             { return same_name(variable.name, name); });

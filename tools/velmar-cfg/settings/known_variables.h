@@ -4,6 +4,7 @@
 #define TOOLS_VELMAR_CFG_SETTINGS_KNOWN_VARIABLES_H
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 struct KNOWN_VARIABLE
@@ -26,6 +27,6 @@ const std::vector<KNOWN_VARIABLE>& known_variables();
 const std::vector<std::string>& known_variable_names();
 
 // The known variable of that name, in any letter case; null when there is none.
-const KNOWN_VARIABLE* find_known_variable(const std::string& name);
+const KNOWN_VARIABLE* find_known_variable(std::string_view name);
 
 #endif

@@ -1,99 +1,26 @@
 #include "tools/velmar-cfg/settings/layers.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
-#include <string_view>
+#include <cstring>
 
-#include "cfg_ini/cfg_ini.h"
-#include "cfg_ini/cfg_ini_reader/ini_text.h"
-#include "cfg_ini/cfg_ini_reader/settings_lines.h"
-#include "cfg_ini/cfg_ini_reader/settings_sources.h"
-#include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/base/errors.h"
 
 using namespace zon_cfg;
 
 namespace
 {
-OUTCOME outcome_of(SETTINGS_LINE line)
+constexpr char folded(char c)
 {
-    switch (line)
-    {
-    case SETTINGS_LINE::TOO_SHORT:
-        return OUTCOME::TOO_SHORT;
-    case SETTINGS_LINE::NO_EQUALS_SIGN:
-        return OUTCOME::NO_EQUALS_SIGN;
-    case SETTINGS_LINE::ASSIGNMENT:
-        break;
-    }
-    return OUTCOME::STORED;
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
 }
 
-OUTCOME outcome_of(INLINE_ITEM item)
+// Whether the first character that is no white space is the one that begins the name; "=" for the empty one. White
+// space goes from names throughout, so that no other line can assign to the variable. Locales add to white space only
+// bytes above ASCII, which are let through.
+bool may_assign(std::string_view line, char beginning)
 {
-    switch (item)
-    {
-    case INLINE_ITEM::NO_EQUALS_SIGN:
-        return OUTCOME::NO_EQUALS_SIGN;
-    case INLINE_ITEM::EMPTY_NAME:
-        return OUTCOME::EMPTY_NAME;
-    case INLINE_ITEM::EMPTY_VALUE:
-        return OUTCOME::EMPTY_VALUE;
-    case INLINE_ITEM::ASSIGNMENT:
-        break;
-    }
-    return OUTCOME::STORED;
-}
-
-void add_statement(SETTINGS_LAYERS& result, STATEMENT statement)
-{
-    statement.layer = result.layers.size() - 1;
-    if (statement.outcome == OUTCOME::STORED)
-        result.assignments[statement.name].push_back(result.statements.size());
-    else
-    {
-        statement.name.clear();
-        statement.value.clear();
-    }
-    result.statements.push_back(std::move(statement));
-}
-
-void add_file(SETTINGS_LAYERS& result, LAYER_KIND kind, const std::string& path)
-{
-    check_input_file(path);
-    result.layers.push_back({kind, path});
-    SETTINGS_LINES lines(path);
-    std::string_view line;
-    for (std::size_t position = 1; lines.next(line); ++position)
-    {
-        if (line.find('\0') != std::string_view::npos)
-            throw_binary_file(path, position);
-        STATEMENT statement{0, position, std::string(line), line.size(), {}, {}, {}};
-        const SETTINGS_LINE parsed = parse_settings_line(line, statement.name, statement.value);
-        statement.outcome = outcome_of(parsed);
-        if (parsed != SETTINGS_LINE::TOO_SHORT)
-        {
-            std::string kept(line);
-            cfg_remove_commented_portion(&kept);
-            statement.kept = kept.size();
-        }
-        add_statement(result, std::move(statement));
-    }
-}
-
-void add_inline_text(SETTINGS_LAYERS& result, const std::string& text)
-{
-    result.layers.push_back({LAYER_KIND::INLINE_TEXT, inline_source});
-    INLINE_TEXT items(text);
-    INLINE_ITEM kind{};
-    STATEMENT statement{};
-    while (items.next(kind, statement.name, statement.value))
-    {
-        ++statement.position;
-        statement.text = items.item();
-        statement.kept = statement.text.size();
-        statement.outcome = outcome_of(kind);
-        add_statement(result, statement);
-    }
+    const auto first = std::ranges::find_if_not(line, [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); });
+    return first != line.end() && (folded(*first) == beginning || static_cast<unsigned char>(*first) >= 0x80);
 }
 }
 
@@ -113,10 +40,9 @@ const char* layer_code(LAYER_KIND kind)
     return "regtest";
 }
 
-std::optional<LAYER_KIND> layer_of_code(const std::string& code)
+std::optional<LAYER_KIND> layer_of_code(std::string_view code)
 {
-    for (const LAYER_KIND kind :
-         {LAYER_KIND::MAIN_FILE, LAYER_KIND::APPENDED_FILE, LAYER_KIND::INLINE_TEXT, LAYER_KIND::REGTEST_FILE})
+    for (const LAYER_KIND kind : all_layer_kinds)
     {
         if (code == layer_code(kind))
             return kind;
@@ -140,95 +66,118 @@ const char* layer_title(LAYER_KIND kind)
     return "regression-test file";
 }
 
-std::vector<const STATEMENT*> SETTINGS_LAYERS::assignments_of(const std::string& name) const
+std::string_view LAYER::text() const
 {
-    std::vector<const STATEMENT*> found;
-    if (const auto entry = assignments.find(name); entry != assignments.end())
+    const std::string_view bytes = source->bytes;
+    return source->problem.empty() ? bytes : bytes.substr(0, bytes.rfind('\n') + 1);
+}
+
+LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files)
+{
+    LAYERS layers;
+    const auto add_file = [&](LAYER_KIND kind, const std::string& path)
     {
-        for (const std::size_t location : entry->second)
-            found.push_back(&statements[location]);
-    }
-    return found;
-}
-
-const STATEMENT* SETTINGS_LAYERS::winner_of(const std::string& name) const
-{
-    const auto entry = assignments.find(name);
-    return entry == assignments.end() ? nullptr : &statements[entry->second.back()];
-}
-
-bool SETTINGS_LAYERS::external(const std::string& name) const
-{
-    const auto entry = assignments.find(name);
-    return entry != assignments.end() &&
-           std::ranges::any_of(entry->second, [this](std::size_t location)
-                               { return layer_of(statements[location]).marks_external(); });
-}
-
-SETTINGS_LAYERS read_layers(const SETTINGS_SCOPE& scope)
-{
-    const auto find_file = [&scope](bool regtest)
-    {
-        return scope.project.empty() ? cfg_get_default_ini_file(regtest)
-                                     : find_project_settings(scope.project.c_str(), regtest);
+        if (!path.empty())
+            layers.push_back({kind, files.read(path)});
     };
-    SETTINGS_LAYERS result;
-    if (const std::string path = find_file(false); !path.empty())
-        add_file(result, LAYER_KIND::MAIN_FILE, path);
-    if (const std::string path = appended_settings_path(); !path.empty())
-        add_file(result, LAYER_KIND::APPENDED_FILE, path);
-    if (const char* const text = inline_settings(); text != nullptr)
-        add_inline_text(result, text);
+    add_file(LAYER_KIND::MAIN_FILE, settings_file_of(scope.project, false));
+    add_file(LAYER_KIND::APPENDED_FILE, appended_file());
+    if (const char* const text = inline_text(); text != nullptr)
+        layers.push_back(
+            {LAYER_KIND::INLINE_TEXT, std::make_shared<const INPUT_FILE>(INPUT_FILE{inline_source, text, {}})});
     if (scope.regtest)
+        add_file(LAYER_KIND::REGTEST_FILE, settings_file_of(scope.project, true));
+    return layers;
+}
+
+LAYERS single_layer(const std::string& path, INPUT_FILES& files)
+{
+    return {{LAYER_KIND::MAIN_FILE, files.read(path)}};
+}
+
+void require_text(const LAYERS& layers)
+{
+    for (const LAYER& layer : layers)
+        layer.source->require_text();
+}
+
+bool STATEMENTS::next_item(STATEMENT& statement)
+{
+    if (!items)
+        items.emplace(layers[layer].source->bytes);
+    if (!items->next(statement.outcome, item_name, item_value))
     {
-        if (const std::string path = find_file(true); !path.empty())
-            add_file(result, LAYER_KIND::REGTEST_FILE, path);
+        items.reset();
+        return false;
     }
-    return result;
+    statement.text = items->text();
+    statement.name = item_name;
+    statement.value = item_value;
+    return true;
 }
 
-SETTINGS_LAYERS read_single_layer(const std::string& path)
+template <typename ACCEPT>
+bool STATEMENTS::next_accepted(STATEMENT& statement, ACCEPT accept)
 {
-    SETTINGS_LAYERS result;
-    add_file(result, LAYER_KIND::MAIN_FILE, path);
-    return result;
+    for (; layer < layers.size(); ++layer, offset = 0, position = 0)
+    {
+        statement.layer = layer;
+        if (!is_file(layers[layer].kind))
+        {
+            statement.position = ++position;
+            if (next_item(statement))
+                return true;
+            continue;
+        }
+        const std::string_view text = layers[layer].text();
+        while (offset < text.size())
+        {
+            const std::string_view line = text.substr(offset, text.find('\n', offset) - offset);
+            offset += line.size() + 1;
+            ++position;
+            if (!accept(line))
+                continue;
+            statement.position = position;
+            statement.text = line;
+            statement.outcome = outcome_of_line(line, parts);
+            statement.name = parts.name;
+            statement.value = parts.value;
+            return true;
+        }
+    }
+    return false;
 }
 
-std::string location_of(const SETTINGS_LAYERS& layers, const STATEMENT& statement)
+bool STATEMENTS::next(STATEMENT& statement)
 {
-    return location_as_text(location(layers, statement));
+    return next_accepted(statement, [](std::string_view) { return true; });
 }
 
-LOCATION location(const SETTINGS_LAYERS& layers, const STATEMENT& statement)
+bool STATEMENTS::next_for(std::string_view name, STATEMENT& statement)
 {
-    return {layers.layer_of(statement), statement.position};
+    // A zero byte ends a name.
+    const char beginning = name.empty() || name.front() == '\0' ? '=' : folded(name.front());
+    return next_accepted(statement, [beginning](std::string_view line)
+                         { return may_assign(line, beginning) || (beginning == '=' && may_assign(line, '\0')); });
+}
+
+LOCATION location_of(const LAYERS& layers, const STATEMENT& statement)
+{
+    const LAYER& layer = layers[statement.layer];
+    return {layer.kind, layer.source->path, statement.position};
 }
 
 std::string location_as_text(const LOCATION& location)
 {
-    return location.layer.source + ":" + std::to_string(location.position);
+    return std::string(location.source) + ":" + std::to_string(location.position);
 }
 
-nlohmann::ordered_json location_as_json(const LOCATION* location)
+void write_location_fields(JSON_WRITER& out, const LOCATION* location)
 {
-    nlohmann::ordered_json json = {{"layer", nullptr}, {"file", nullptr}, {"line", nullptr}, {"item", nullptr}};
-    if (location == nullptr)
-        return json;
-    json["layer"] = layer_code(location->layer.kind);
-    if (location->layer.is_file())
-    {
-        json["file"] = location->layer.source;
-        json["line"] = location->position;
-    }
-    else
-        json["item"] = location->position;
-    return json;
-}
-
-nlohmann::ordered_json location_as_json(const SETTINGS_LAYERS& layers, const STATEMENT* statement)
-{
-    if (statement == nullptr)
-        return location_as_json(nullptr);
-    const LOCATION found = location(layers, *statement);
-    return location_as_json(&found);
+    const bool in_file = location != nullptr && is_file(location->layer);
+    const bool is_item = location != nullptr && !in_file;
+    out.field("layer", location == nullptr ? std::nullopt : std::optional(layer_code(location->layer)));
+    out.field("file", in_file ? std::optional(location->source) : std::nullopt);
+    out.field("line", in_file ? std::optional(location->position) : std::nullopt);
+    out.field("item", is_item ? std::optional(location->position) : std::nullopt);
 }

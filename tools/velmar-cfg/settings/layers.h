@@ -1,16 +1,19 @@
-// The settings as they are laid over each other, statement by statement: where each assignment came from, which one
-// won, and which lines did nothing. Every file is taken apart by the library's own line and item rules, and the
-// library's own choice of files decides what is a layer.
+// The sources of the settings, in the order in which one is applied on top of the other, each with all of its text; and
+// what the library does with each line and item.
 #ifndef TOOLS_VELMAR_CFG_SETTINGS_LAYERS_H
 #define TOOLS_VELMAR_CFG_SETTINGS_LAYERS_H
 
 #include <cstddef>
-#include <nlohmann/json_fwd.hpp>
+#include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "tools/velmar-cfg/settings/variable_name.h"
+#include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/base/json_writer.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 
 // Whose settings are asked for.
 struct SETTINGS_SCOPE
@@ -19,8 +22,8 @@ struct SETTINGS_SCOPE
     bool regtest = false; // regtest.ini as well, as regression runs read it
 };
 
-// In the order in which they are laid over each other.
-enum class LAYER_KIND
+// In the order in which they are applied.
+enum class LAYER_KIND : std::uint8_t
 {
     MAIN_FILE,
     APPENDED_FILE,
@@ -28,20 +31,55 @@ enum class LAYER_KIND
     REGTEST_FILE,
 };
 
+inline constexpr LAYER_KIND all_layer_kinds[] = {LAYER_KIND::MAIN_FILE, LAYER_KIND::APPENDED_FILE,
+                                                 LAYER_KIND::INLINE_TEXT, LAYER_KIND::REGTEST_FILE};
+
 // "main", "appended", "inline" and "regtest": for JSON.
 const char* layer_code(LAYER_KIND kind);
 
 // The layer of that code, if there is one.
-std::optional<LAYER_KIND> layer_of_code(const std::string& code);
+std::optional<LAYER_KIND> layer_of_code(std::string_view code);
 
 // "main settings file", "file of APPENDED_VELMAR_INI", ...: for people.
 const char* layer_title(LAYER_KIND kind);
 
-// Whether variables that it sets count as external.
-constexpr bool marks_external(LAYER_KIND kind)
+// Whether its lines are a file's; else they are items of a text.
+constexpr bool is_file(LAYER_KIND kind)
 {
-    return kind == LAYER_KIND::MAIN_FILE || kind == LAYER_KIND::INLINE_TEXT;
+    return kind != LAYER_KIND::INLINE_TEXT;
 }
+
+// Some of the kinds.
+class LAYER_SET
+{
+public:
+    void insert(LAYER_KIND kind)
+    {
+        bits = static_cast<std::uint8_t>(bits | bit(kind));
+    }
+
+    bool contains(LAYER_KIND kind) const
+    {
+        return (bits & bit(kind)) != 0;
+    }
+
+    // Whether a variable that these layers assign to counts as external: the other two never set the mark, nor do they
+    // take it away.
+    bool mark_external() const
+    {
+        return contains(LAYER_KIND::MAIN_FILE) || contains(LAYER_KIND::INLINE_TEXT);
+    }
+
+    bool operator==(const LAYER_SET&) const = default;
+
+private:
+    static constexpr std::uint8_t bit(LAYER_KIND kind)
+    {
+        return static_cast<std::uint8_t>(1U << static_cast<unsigned int>(kind));
+    }
+
+    std::uint8_t bits = 0;
+};
 
 // The source of the inline text.
 inline constexpr const char* inline_source = "VELMAR_INI_VARS";
@@ -49,89 +87,80 @@ inline constexpr const char* inline_source = "VELMAR_INI_VARS";
 struct LAYER
 {
     LAYER_KIND kind;
-    std::string source; // the file's path as the library opens it, or inline_source
 
-    bool is_file() const
-    {
-        return kind != LAYER_KIND::INLINE_TEXT;
-    }
+    // The path as the library opens it, or inline_source, with the text. Never null. Where the file could not be read
+    // whole, the library goes on with the whole lines before the error, and so does the tool's model.
+    std::shared_ptr<const INPUT_FILE> source;
 
-    bool marks_external() const
-    {
-        return ::marks_external(kind);
-    }
+    std::string_view text() const;
 };
 
-enum class OUTCOME
-{
-    STORED,
-    TOO_SHORT,
-    NO_EQUALS_SIGN,
-    EMPTY_NAME,  // only of an inline item: a line stores under the empty name
-    EMPTY_VALUE, // only of an inline item
-};
+using LAYERS = std::vector<LAYER>;
 
-// One line of a file, or one item of the inline text.
+// The layers of the settings that `scope` asks for, as the library would choose them now.
+LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files);
+
+// One file as the only layer, taken for a main settings file.
+LAYERS single_layer(const std::string& path, INPUT_FILES& files);
+
+// Throws TOOL_ERROR(BAD_INPUT) for the first layer that cannot be read as text: a directory, no permission, no regular
+// file, a failing disk, a zero byte in it.
+void require_text(const LAYERS& layers);
+
+// One line of a file, or one item of the inline text. The texts are valid until the walk goes on.
 struct STATEMENT
 {
-    std::size_t layer;    // its place among the layers
-    std::size_t position; // the line or the item, counted from 1
-    std::string text;     // as it stands, without the newline
-    std::size_t kept;     // how much of the text is left once the comment is removed
+    std::size_t layer;     // its index among the layers
+    std::size_t position;  // the line or the item, counted from 1
+    std::string_view text; // as it stands, without the newline
     OUTCOME outcome;
-    std::string name;  // when stored
-    std::string value; // when stored
+    std::string_view name;  // when stored
+    std::string_view value; // when stored
 };
 
-struct SETTINGS_LAYERS
+// Walks all statements in the order in which the library meets them. Nothing is kept of them.
+class STATEMENTS
 {
-    std::vector<LAYER> layers;
-    std::vector<STATEMENT> statements; // in the order in which the library meets them
+public:
+    // The layers must outlive the walk.
+    explicit STATEMENTS(const LAYERS& the_layers) : layers(the_layers) {}
 
-    // The stored statements of each name, as places in `statements`, in order; the last one won. Names are equal as in
-    // the store.
-    BY_VARIABLE_NAME<std::vector<std::size_t>> assignments;
+    // Whether there is a further statement; if so, `statement` is set to it.
+    bool next(STATEMENT& statement);
 
-    const LAYER& layer_of(const STATEMENT& statement) const
-    {
-        return layers[statement.layer];
-    }
+    // The same for the statements that may assign to the variable, and perhaps some others: quick where few do.
+    bool next_for(std::string_view name, STATEMENT& statement);
 
-    // The statements that set this variable, in order; none for a name that nothing sets.
-    std::vector<const STATEMENT*> assignments_of(const std::string& name) const;
+private:
+    template <typename ACCEPT>
+    bool next_accepted(STATEMENT& statement, ACCEPT accept);
+    bool next_item(STATEMENT& statement);
 
-    // The statement that won; null when nothing sets the variable.
-    const STATEMENT* winner_of(const std::string& name) const;
-
-    // Whether the library must hold the variable for external.
-    bool external(const std::string& name) const;
+    const LAYERS& layers;
+    std::size_t layer = 0;
+    std::size_t offset = 0; // into the layer's text
+    std::size_t position = 0;
+    LINE_PARTS parts;
+    std::optional<INLINE_ITEMS> items;
+    std::string item_name;
+    std::string item_value;
 };
 
-// The layers of the settings that `scope` asks for. Throws TOOL_ERROR for a file that cannot be read as one: a
-// directory, no permission, no regular file, a zero byte in it.
-SETTINGS_LAYERS read_layers(const SETTINGS_SCOPE& scope);
-
-// The statements of one file, given as the only layer and taken for a main settings file. Throws as above, and for a
-// missing file.
-SETTINGS_LAYERS read_single_layer(const std::string& path);
-
-// "velmar.ini:12", or "VELMAR_INI_VARS:2" for the second item.
-std::string location_of(const SETTINGS_LAYERS& layers, const STATEMENT& statement);
-
-// A line or an item, apart from its layers.
+// Where a line or an item stands. The source belongs to a layer or to a document.
 struct LOCATION
 {
-    LAYER layer;
+    LAYER_KIND layer;
+    std::string_view source;
     std::size_t position; // the line or the item, counted from 1
 };
-LOCATION location(const SETTINGS_LAYERS& layers, const STATEMENT& statement);
 
-// As location_of has it.
+LOCATION location_of(const LAYERS& layers, const STATEMENT& statement);
+
+// "velmar.ini:12", or "VELMAR_INI_VARS:2" for the second item.
 std::string location_as_text(const LOCATION& location);
 
-// {"layer", "file", "line", "item"}, all null for a null pointer; "item" is null for a line, "file" and "line" are for
-// an item.
-nlohmann::ordered_json location_as_json(const LOCATION* location);
-nlohmann::ordered_json location_as_json(const SETTINGS_LAYERS& layers, const STATEMENT* statement);
+// The fields "layer", "file", "line" and "item", all null for a null pointer; "item" is null for a line, "file" and
+// "line" are for an item.
+void write_location_fields(JSON_WRITER& out, const LOCATION* location);
 
 #endif

@@ -1,31 +1,42 @@
 #include "tools/velmar-cfg/settings/typed_readings.h"
 
-#include "cfg_ini/cfg_ini.h"
-#include "cfg_ini/cfg_ini_reader/store_primitives.h"
-#include "cfg_ini/cfg_ini_reader/value_conversion.h"
-#include "tools/velmar-cfg/base/json_values.h"
+#include <cmath>
+#include <string>
 
-using namespace zon_cfg;
+#include "tools/velmar-cfg/base/text.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 
-TYPED_READINGS read_typed(const std::string& name)
+TYPED_READINGS read_typed(std::string_view text)
 {
+    const std::string terminated(text);
     TYPED_READINGS readings;
-    readings.boolean = cfg_get_value_as<bool>(name);
-    readings.signed_integer = cfg_get_value_as<int>(name);
-    bool found = false;
-    if (const unsigned int number = cfg_ini_read_uint(name, &found); found)
-        readings.unsigned_integer = number;
-    readings.floating = cfg_get_value_as<double>(name);
-    if (readings.floating)
-        convert_to_double(cfg_get_value(name).c_str(), &readings.floating_is_whole);
+    readings.boolean = as_boolean(terminated);
+    readings.signed_integer = as_integer(terminated);
+    readings.unsigned_integer = as_unsigned(terminated);
+    if (!text.empty())
+        readings.floating = as_floating(terminated, &readings.floating_is_whole);
     return readings;
 }
 
-nlohmann::ordered_json readings_as_json(const TYPED_READINGS& readings)
+bool same_readings(const TYPED_READINGS& a, const TYPED_READINGS& b)
 {
-    return {{"bool", value_or_null(readings.boolean)},
-            {"int", value_or_null(readings.signed_integer)},
-            {"uint", value_or_null(readings.unsigned_integer)},
-            {"double", readings.floating ? number_as_json(*readings.floating) : nlohmann::ordered_json()},
-            {"double_whole", readings.floating_is_whole}};
+    const auto same_number = [](const std::optional<double>& one, const std::optional<double>& other)
+    {
+        return one.has_value() == other.has_value() && (!one || (std::isfinite(*one) || std::isfinite(*other)
+                                                                     ? *one == *other
+                                                                     : number_as_text(*one) == number_as_text(*other)));
+    };
+    return a.boolean == b.boolean && a.signed_integer == b.signed_integer && a.unsigned_integer == b.unsigned_integer &&
+           a.floating_is_whole == b.floating_is_whole && same_number(a.floating, b.floating);
+}
+
+void write_json(JSON_WRITER& out, const TYPED_READINGS& readings)
+{
+    out.begin_object();
+    out.field("bool", readings.boolean);
+    out.field("int", readings.signed_integer);
+    out.field("uint", readings.unsigned_integer);
+    out.field("double", readings.floating);
+    out.field("double_whole", readings.floating_is_whole);
+    out.end_object();
 }

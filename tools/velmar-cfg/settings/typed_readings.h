@@ -1,10 +1,11 @@
-// A variable as each type of reader of the library reads it.
+// A text as each type of reader of the library reads it.
 #ifndef TOOLS_VELMAR_CFG_SETTINGS_TYPED_READINGS_H
 #define TOOLS_VELMAR_CFG_SETTINGS_TYPED_READINGS_H
 
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
-#include <string>
+#include <string_view>
+
+#include "tools/velmar-cfg/base/json_writer.h"
 
 struct TYPED_READINGS
 {
@@ -15,10 +16,13 @@ struct TYPED_READINGS
     bool floating_is_whole = false; // the number is the whole text
 };
 
-// The library's answers for the variable as it is now.
-TYPED_READINGS read_typed(const std::string& name);
+// What the readers of a variable with this text answer; the floating-point ones in the current locale.
+TYPED_READINGS read_typed(std::string_view text);
+
+// Equal as JSON shows them: not-a-number is equal to itself.
+bool same_readings(const TYPED_READINGS& a, const TYPED_READINGS& b);
 
 // {"bool", "int", "uint", "double", "double_whole"}, null for what has no reading.
-nlohmann::ordered_json readings_as_json(const TYPED_READINGS& readings);
+void write_json(JSON_WRITER& out, const TYPED_READINGS& readings);
 
 #endif

@@ -1,0 +1,98 @@
+// How often each command opens the files that it is about: once.
+#include <cstring>
+#include <fcntl.h>
+#include <sys/ptrace.h>
+#include <sys/syscall.h>
+#include <sys/uio.h>
+#include <sys/wait.h>
+
+#include "tests/velmar_cfg/tool_test.h"
+
+namespace
+{
+class FILE_OPENS : public TOOL_TEST, public testing::WithParamInterface<std::vector<std::string>>
+{
+protected:
+    FILE_OPENS()
+    {
+        variables["ASAN_OPTIONS"] = "detect_leaks=0"; // no leak check in a traced process
+        variables["APPENDED_VELMAR_INI"] = "appended.ini";
+        variables["VELMAR2_INI"] = "user";
+        write_file("project/velmar.ini", "a=1\nb=2 # note\n");
+        write_file("project/regtest.ini", "a=3\n");
+        write_file("appended.ini", "c=4\n");
+        write_file("user/velmar2.ini", "[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n");
+    }
+
+    // The text at an address of the traced process, as far as it can be read.
+    static std::string text_at(pid_t child, std::uint64_t address)
+    {
+        std::string text;
+        char c = 0;
+        for (iovec here{&c, 1}; text.size() < 4096; ++address)
+        {
+            iovec there{reinterpret_cast<void*>(address), 1};
+            if (process_vm_readv(child, &here, 1, &there, 1, 0) != 1 || c == '\0')
+                break;
+            text += c;
+        }
+        return text;
+    }
+
+    // Runs the tool and counts the opens of each path, existing or not.
+    std::map<std::string, int> opens_of(const std::vector<std::string>& arguments) const
+    {
+        std::map<std::string, int> opens;
+        const pid_t child = start_traced(arguments);
+        EXPECT_EQ(ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD), 0); // tells calls from signals
+        for (int status = 0;;)
+        {
+            ptrace(PTRACE_SYSCALL, child, nullptr, nullptr);
+            EXPECT_EQ(waitpid(child, &status, 0), child);
+            if (!WIFSTOPPED(status))
+            {
+                EXPECT_TRUE(WIFEXITED(status));
+                return opens;
+            }
+            __ptrace_syscall_info info;
+            if (ptrace(PTRACE_GET_SYSCALL_INFO, child, sizeof info, &info) <= 0 || info.op != PTRACE_SYSCALL_INFO_ENTRY)
+                continue;
+            if (info.entry.nr == SYS_openat)
+                ++opens[text_at(child, info.entry.args[1])];
+            else if (info.entry.nr == SYS_open)
+                ++opens[text_at(child, info.entry.args[0])];
+        }
+    }
+};
+
+TEST_P(FILE_OPENS, each_file_is_opened_once)
+{
+    std::vector<std::string> arguments = GetParam();
+    arguments.insert(arguments.begin(), {"--project", "project", "--regtest"});
+    const std::map<std::string, int> opens = opens_of(arguments);
+    std::map<std::string, int> of_files;
+    for (const auto& [path, count] : opens)
+    {
+        if (path.ends_with(".ini"))
+            of_files[path.substr(path.rfind('/') + 1)] += count;
+    }
+    const std::string command = GetParam().front();
+    std::map<std::string, int> expected = {{"velmar.ini", 1}, {"regtest.ini", 1}, {"appended.ini", 1}};
+    if (command == "snapshot" || command == "lint" || command == "diff")
+        expected["velmar2.ini"] = 1;
+    if (command == "paths")
+        expected.clear(); // it only looks whether they are there
+    if (command == "prefs")
+        expected = {{"velmar2.ini", 1}};
+    EXPECT_EQ(of_files, expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(commands, FILE_OPENS,
+                         testing::Values(std::vector<std::string>{"get", "a"}, std::vector<std::string>{"get", "unset"},
+                                         std::vector<std::string>{"list"}, std::vector<std::string>{"explain", "a"},
+                                         std::vector<std::string>{"lint"}, std::vector<std::string>{"snapshot"},
+                                         std::vector<std::string>{"diff", "project"},
+                                         std::vector<std::string>{"diff", "project", "project"},
+                                         std::vector<std::string>{"paths"}, std::vector<std::string>{"prefs", "list"},
+                                         std::vector<std::string>{"prefs", "get", "HDL_PREFERENCE"}));
+}

@@ -1,0 +1,173 @@
+#include "tools/velmar-cfg/base/json_writer.h"
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "tools/velmar-cfg/base/text.h"
+
+namespace
+{
+constexpr std::size_t buffer_size = std::size_t{64} * 1024;
+constexpr std::size_t indentation = 2;
+
+// The length of the text's beginning that stands in JSON as it is.
+std::size_t plain_length(std::string_view text)
+{
+    std::size_t length = 0;
+    while (length < text.size() && static_cast<unsigned char>(text[length]) >= 0x20 && text[length] != '"' &&
+           text[length] != '\\')
+        ++length;
+    return length;
+}
+
+void append_escaped(std::string& to, char c)
+{
+    constexpr std::string_view escaped = "\"\\\b\f\n\r\t";
+    constexpr std::string_view letters = "\"\\bfnrt";
+    to += '\\';
+    if (const std::size_t at = escaped.find(c); at != std::string_view::npos)
+        to += letters[at];
+    else
+        to.append("u00").append(as_hexadecimal({&c, 1}));
+}
+}
+
+void JSON_WRITER::new_line()
+{
+    buffer += '\n';
+    buffer.append(depth * indentation, ' ');
+}
+
+void JSON_WRITER::before_value()
+{
+    if (behind_key)
+        behind_key = false;
+    else if (depth > 0)
+    {
+        if (!first)
+            buffer += ',';
+        new_line();
+    }
+    first = false;
+    if (buffer.size() >= buffer_size)
+    {
+        sink.write(buffer);
+        buffer.clear();
+    }
+}
+
+void JSON_WRITER::plain(std::string_view text)
+{
+    before_value();
+    buffer += text;
+}
+
+void JSON_WRITER::quoted(std::string_view text)
+{
+    buffer += '"';
+    while (!text.empty())
+    {
+        const std::size_t length = plain_length(text);
+        buffer += text.substr(0, length);
+        text.remove_prefix(length);
+        if (text.empty())
+            break;
+        append_escaped(buffer, text.front());
+        text.remove_prefix(1);
+    }
+    buffer += '"';
+}
+
+void JSON_WRITER::begin(char bracket)
+{
+    before_value();
+    buffer += bracket;
+    ++depth;
+    first = true;
+}
+
+void JSON_WRITER::end(char bracket)
+{
+    --depth;
+    if (!first)
+        new_line();
+    buffer += bracket;
+    first = false;
+}
+
+void JSON_WRITER::begin_object()
+{
+    begin('{');
+}
+
+void JSON_WRITER::end_object()
+{
+    end('}');
+}
+
+void JSON_WRITER::begin_list()
+{
+    begin('[');
+}
+
+void JSON_WRITER::end_list()
+{
+    end(']');
+}
+
+void JSON_WRITER::key(std::string_view name)
+{
+    before_value();
+    quoted(name);
+    buffer += ": ";
+    behind_key = true;
+}
+
+void JSON_WRITER::value(std::string_view text)
+{
+    if (!is_utf_8(text))
+    {
+        begin_object();
+        field("hex", as_hexadecimal(text));
+        end_object();
+        return;
+    }
+    before_value();
+    quoted(text);
+}
+
+void JSON_WRITER::value(bool truth)
+{
+    plain(truth ? "true" : "false");
+}
+
+void JSON_WRITER::value(double number)
+{
+    if (!std::isfinite(number))
+        value(number_as_text(number));
+    else if (number == 0 && !std::signbit(number))
+        plain("0.0"); // what most texts are
+    else
+        plain(nlohmann::json(number).dump());
+}
+
+void JSON_WRITER::value(std::nullopt_t)
+{
+    plain("null");
+}
+
+void JSON_WRITER::field_or_null(std::string_view name, std::string_view text)
+{
+    key(name);
+    if (text.empty())
+        value(std::nullopt);
+    else
+        value(text);
+}
+
+void JSON_WRITER::finish()
+{
+    buffer += '\n';
+    sink.write(buffer);
+    buffer.clear();
+}

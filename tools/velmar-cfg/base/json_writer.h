@@ -1,0 +1,104 @@
+// JSON written as a stream: no document is built, so that a million rows take no memory.
+//
+// The text is indented by two blanks. A text that is no UTF-8 becomes {"hex": "<two digits a byte>"}, from which
+// JSON_NODE::text reads it back. A number that JSON has not, infinity or not-a-number, becomes a text.
+#ifndef TOOLS_VELMAR_CFG_BASE_JSON_WRITER_H
+#define TOOLS_VELMAR_CFG_BASE_JSON_WRITER_H
+
+#include <concepts>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/velmar-cfg/base/byte_sink.h"
+
+class JSON_WRITER
+{
+public:
+    // Writes to `where`, which must outlive it, through a buffer.
+    explicit JSON_WRITER(BYTE_SINK& where) : sink(where) {}
+
+    // A value stands by itself, in a list, or behind a key.
+    void begin_object();
+    void end_object();
+    void begin_list();
+    void end_list();
+
+    void key(std::string_view name);
+
+    void value(std::string_view text);
+    void value(const char* text)
+    {
+        value(std::string_view(text));
+    }
+    void value(const std::string& text)
+    {
+        value(std::string_view(text));
+    }
+    void value(bool truth);
+    void value(double number);
+    void value(std::nullopt_t);
+    void value(std::integral auto number)
+    {
+        const std::string digits = std::to_string(number);
+        plain(digits);
+    }
+    template <typename T>
+    void value(const std::optional<T>& maybe)
+    {
+        if (maybe)
+            value(*maybe);
+        else
+            value(std::nullopt);
+    }
+    template <typename T>
+    void value(const std::vector<T>& list)
+    {
+        begin_list();
+        for (const T& one : list)
+            value(one);
+        end_list();
+    }
+
+    template <typename T>
+    void field(std::string_view name, const T& its_value)
+    {
+        key(name);
+        value(its_value);
+    }
+
+    // The text, or null for the empty one.
+    void field_or_null(std::string_view name, std::string_view text);
+
+    // A list of what `write` writes of each row, given this writer and the row.
+    template <typename ROWS, typename WRITE>
+    void list(const ROWS& rows, WRITE write)
+    {
+        begin_list();
+        for (const auto& row : rows)
+            write(*this, row);
+        end_list();
+    }
+
+    // Ends the document with a newline and hands the rest of it over. To be called once, when every list and object
+    // has ended; without it, the rest is dropped.
+    void finish();
+
+private:
+    void before_value();
+    void plain(std::string_view text);
+    void quoted(std::string_view text);
+    void begin(char bracket);
+    void end(char bracket);
+    void new_line();
+
+    BYTE_SINK& sink;
+    std::string buffer;
+    std::size_t depth = 0;
+    bool first = true; // nothing stands in the innermost list or object yet
+    bool behind_key = false;
+};
+
+#endif

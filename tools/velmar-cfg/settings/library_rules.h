@@ -1,0 +1,123 @@
+// The library's own rules for settings: lines, inline texts, names, conversions, and the search for files. Everything
+// that the tool takes from the internals of the variable store is taken here, so that what the tool says is what the
+// library does.
+#ifndef TOOLS_VELMAR_CFG_SETTINGS_LIBRARY_RULES_H
+#define TOOLS_VELMAR_CFG_SETTINGS_LIBRARY_RULES_H
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "cfg_ini/cfg_ini_reader/ini_text.h"
+#include "cfg_ini/cfg_ini_reader/name_matching.h"
+#include "cfg_ini/cfg_ini_reader/settings_sources.h"
+#include "cfg_ini/cfg_ini_reader/value_conversion.h"
+
+// --- Lines and items ---
+
+// What becomes of a line of a settings file, or of an item of an inline text.
+enum class OUTCOME
+{
+    STORED,
+    TOO_SHORT,
+    NO_EQUALS_SIGN,
+    EMPTY_NAME,  // only of an inline item: a line stores under the empty name
+    EMPTY_VALUE, // only of an inline item
+};
+
+// The name and the value of a stored line, as parts of the line or of this.
+using LINE_PARTS = zon_cfg::LINE_ASSIGNMENT;
+
+// Takes a line without its newline apart; the parts are set only for STORED.
+OUTCOME outcome_of_line(std::string_view line, LINE_PARTS& parts);
+
+// The length of a line without its comment.
+std::size_t length_without_comment(std::string_view line);
+
+// Walks the items of an inline text, which must outlive the walk.
+class INLINE_ITEMS
+{
+public:
+    explicit INLINE_ITEMS(const std::string& text) : items(text) {}
+
+    // Whether there is a further item; if so, all three are set, name and value only for STORED.
+    bool next(OUTCOME& outcome, std::string& name, std::string& value);
+
+    // The last item as it stands in the text.
+    std::string_view text() const
+    {
+        return items.item();
+    }
+
+private:
+    zon_cfg::INLINE_TEXT items;
+};
+
+// What separates the items of an inline text: ";" or ":".
+char separator_of_items(const std::string& text);
+
+// --- Names ---
+
+// Whether two names are the same variable's: the case of A to Z does not count, nor what stands behind a zero byte.
+inline bool same_name(std::string_view a, std::string_view b)
+{
+    return zon_cfg::equal_names(a, b);
+}
+
+inline std::size_t hash_of_name(std::string_view name)
+{
+    return zon_cfg::hash_name(name);
+}
+
+// For tables by name.
+struct NAME_HASH
+{
+    using is_transparent = void;
+    std::size_t operator()(std::string_view name) const
+    {
+        return zon_cfg::hash_name(name);
+    }
+};
+
+struct NAME_EQUAL
+{
+    using is_transparent = void;
+    bool operator()(std::string_view a, std::string_view b) const
+    {
+        return zon_cfg::equal_names(a, b);
+    }
+};
+
+// --- Known variables ---
+
+// Names and default texts of the catalogued variables, and the variables that steer the library itself.
+std::span<const std::pair<const char*, const char*>> catalogued_variables();
+std::span<const char* const> own_switches();
+std::span<const char* const> own_integers();
+
+// --- Values ---
+
+// What the typed readers make of a text; nothing for what is no value of the type.
+std::optional<bool> as_boolean(const std::string& text);
+std::optional<int> as_integer(const std::string& text);
+std::optional<unsigned int> as_unsigned(const std::string& text);
+
+// The number at the start of the text, 0 when there is none; *whole tells whether it is the whole text.
+double as_floating(const std::string& text, bool* whole);
+
+// --- Sources ---
+
+// The settings file of a project's directory if that exists, else what the search finds; with an empty directory, what
+// the search finds. Empty for nothing.
+std::string settings_file_of(const std::string& project, bool regtest);
+
+// The file that APPENDED_VELMAR_INI names, if it exists; else empty.
+std::string appended_file();
+
+// The text of VELMAR_INI_VARS; null when it is not set or empty.
+const char* inline_text();
+
+#endif

@@ -1,6 +1,7 @@
 // The search paths reach the host exactly once for each loading and assignment, whatever fails on the way.
 #include "cfg_ini/cfg_user_ini_reader/preference_loading.h"
 
+#include <filesystem>
 #include <functional>
 #include <stdexcept>
 

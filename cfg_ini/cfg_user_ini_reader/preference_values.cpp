@@ -90,43 +90,40 @@ bool may_be_of_some_release(std::string_view section, std::string_view name)
     return false;
 }
 
-// Stores a value for the running release if the catalogue allows it. What it refuses is still the lookup's answer.
-void carry_over(const NAMED_PREFERENCE& preference, const std::string& value)
+// Stores the record's value for the running release if the catalogue allows it. What it refuses is still the lookup's
+// answer.
+void carry_over(const NAMED_PREFERENCE& preference, const CFG_USER_VALUE_STRUCT& record)
 {
-    if (find_fitting_triple(preference.number, value.c_str()) != nullptr)
-        store_value(preference, value.c_str());
+    const char* const value = record.value.c_str();
+    if (find_fitting_triple(preference.number, value) != nullptr)
+        store_value(preference, value);
 }
 
-std::string carried_over_value(const NAMED_PREFERENCE& preference)
+const CFG_USER_VALUE_STRUCT* carried_over_record(const NAMED_PREFERENCE& preference)
 {
-    std::string value;
-    if (const auto* const record = find_released_record(preference.section, preference.name, ver_get_all_versions()))
-    {
-        value = record->value;
-        carry_over(preference, value);
-    }
+    const auto* record = find_released_record(preference.section, preference.name, ver_get_all_versions());
+    if (record != nullptr)
+        carry_over(preference, *record);
     // An empty value ends the walk over the releases, but not the search.
-    if (value.empty())
+    if (record == nullptr || record->value.empty())
     {
-        if (const auto* const record = find_record(record_key(preference.section, preference.name)))
-        {
-            value = record->value;
-            carry_over(preference, value);
-        }
+        record = find_record(record_key(preference.section, preference.name));
+        if (record != nullptr)
+            carry_over(preference, *record);
     }
-    return value;
+    return record;
 }
 
-// Empty when there is none.
-std::string value_in_records(const NAMED_PREFERENCE& preference)
+// The record whose value is the answer, of whatever release; null when there is none.
+const CFG_USER_VALUE_STRUCT* answering_record(const NAMED_PREFERENCE& preference)
 {
     CACHED_RECORD* const cached = cached_record_of(preference);
+    if (cached != nullptr && cached->record != nullptr)
+        return cached->record;
     const std::size_t record_count = cfg_user_ini_records->size();
     const bool is_cached_miss = cached != nullptr && cached->missed_among == record_count;
-    if (cached != nullptr && cached->record != nullptr)
-        return cached->record->value;
     if (is_cached_miss && !cached->releases_may_have_it)
-        return {};
+        return nullptr;
 
     const RECORD_KEY current = running_key(preference);
     CFG_USER_VALUE_STRUCT* const record = find_record(current);
@@ -137,20 +134,16 @@ std::string value_in_records(const NAMED_PREFERENCE& preference)
         (cached == nullptr || is_cached_miss || may_be_of_some_release(preference.section, preference.name));
     if (cached != nullptr)
         *cached = {record, record_count, releases_may_have_it};
-    if (record != nullptr)
-        return record->value;
-    return releases_may_have_it ? carried_over_value(preference) : std::string();
+    return releases_may_have_it ? carried_over_record(preference) : record;
 }
 }
 
 std::string value_of(const NAMED_PREFERENCE& preference, bool use_default)
 {
-    std::string value;
-    if (*preference.section != '\0')
-        value = value_in_records(preference);
-    if (value.empty() && use_default)
-        value = cfg_user_ini_name_default_values[preference_position(preference.number)].second;
-    return value;
+    const auto* const record = *preference.section != '\0' ? answering_record(preference) : nullptr;
+    if (record != nullptr && !record->value.empty())
+        return record->value;
+    return use_default ? cfg_user_ini_name_default_values[preference_position(preference.number)].second : "";
 }
 
 // ---------------------------------------------------------------------------------------------------------------------

@@ -577,6 +577,19 @@ TEST_F(PREFERENCE_LOOKUP_TEST, the_running_release_is_asked_for_before_the_file_
     EXPECT_FALSE(loaded_at_first_version);
 }
 
+TEST_F(PREFERENCE_LOOKUP_TEST, the_running_release_is_asked_for_only_where_a_section_needs_it)
+{
+    cfg_get_user_ini_value(SHOW_MESSAGE_ID);
+    const long calls = fake::ver::version_calls();
+    EXPECT_EQ(cfg_get_user_ini_value("NO_SUCH_KEY"), "");
+    EXPECT_EQ(cfg_get_user_ini_value(CFG_USER_INI_ENUMS_END), "");
+    EXPECT_FALSE(cfg_set_user_ini_value("NO_SUCH_KEY", "1"));
+    EXPECT_FALSE(cfg_set_user_ini_value(SHOW_MESSAGE_ID, "1"));
+    EXPECT_EQ(fake::ver::version_calls(), calls);
+    EXPECT_EQ(cfg_get_user_ini_value(SHOW_MESSAGE_ID), "on");
+    EXPECT_EQ(fake::ver::version_calls(), calls + 1);
+}
+
 TEST_F(PREFERENCE_LOOKUP_TEST, running_release_may_have_any_name)
 {
     for (const std::string& version : {""s, "24.1 beta"s, std::string(300, '7')})

@@ -1,4 +1,6 @@
 // What the preference store leaves behind when there is no more memory.
+#include <new>
+
 #include "cfg_ini/cfg_ini.h"
 #include "platform/gen/gen.h"
 #include "tests/cfg_user_ini_reader/preference_test.h"

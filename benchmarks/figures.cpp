@@ -4,6 +4,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <fstream>
 
 #include "benchmarks/allocation_count.h"
@@ -93,6 +95,31 @@ void add_resident_bytes(std::vector<FIGURE>& figures, const std::string& who, co
 }
 }
 
+// --- Processes that have not used the library yet ---
+
+namespace
+{
+// What benchmarks/fresh_process.cpp prints; negative where it fails.
+double number_of_fresh_process(const std::string& task)
+{
+    std::FILE* const output = popen((std::string(ZON_FRESH_PROCESS) + ' ' + task).c_str(), "re");
+    double number = -1;
+    if (output == nullptr || std::fscanf(output, "%lf", &number) != 1)
+        number = -1;
+    return output != nullptr && pclose(output) == 0 ? number : -1;
+}
+
+double median_of_fresh_processes(const std::string& task)
+{
+    constexpr int processes = 21;
+    std::vector<double> numbers;
+    for (int i = 0; i < processes; ++i)
+        numbers.push_back(number_of_fresh_process(task));
+    std::sort(numbers.begin(), numbers.end());
+    return numbers[processes / 2];
+}
+}
+
 void measure_allocations(std::vector<FIGURE>& figures)
 {
     add_allocations<OURS>(figures, ours);
@@ -104,4 +131,13 @@ void measure_resident_bytes(std::vector<FIGURE>& figures, std::size_t lines)
     const SETTINGS_FILE& file = file_of_lines(lines);
     add_resident_bytes<OURS>(figures, ours, file);
     add_resident_bytes<PLAIN>(figures, plain, file);
+}
+
+void measure_fresh_processes(std::vector<FIGURE>& figures)
+{
+    const std::string& file = file_of_lines(200).path;
+    figures.push_back({figure_own_pages, ours, median_of_fresh_processes("own_pages " + file) / 1024, "KiB"});
+    figures.push_back({figure_first_lookup, ours, median_of_fresh_processes("first_lookup") / 1e3, "us"});
+    figures.push_back({figure_fork, ours, number_of_fresh_process("fork_median") / 1e3, "us"});
+    figures.push_back({figure_longest_fork, ours, number_of_fresh_process("fork_longest") / 1e6, "ms"});
 }

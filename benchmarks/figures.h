@@ -13,4 +13,7 @@ void measure_allocations(std::vector<FIGURE>& figures);
 // own: to be called before there is a second thread.
 void measure_resident_bytes(std::vector<FIGURE>& figures, std::size_t lines);
 
+// What takes a process of its own: the pages that 200 variables take, the first lookup, and a fork.
+void measure_fresh_processes(std::vector<FIGURE>& figures);
+
 #endif

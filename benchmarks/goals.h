@@ -12,7 +12,7 @@ struct VERDICT
 {
     std::string goal;               // such as "set an existing variable / lock"
     double limit;                   // the most that meets it
-    std::string unit;               // "x" for ratios, "ns"
+    std::string unit;               // "x" for ratios, "ns"; that of the figure
     std::optional<double> measured; // of medians; nothing when a row that it takes did not run
     std::optional<double> least;    // of the least times, which other programs disturb less
 

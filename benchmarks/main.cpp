@@ -105,6 +105,7 @@ int main(int argc, char** argv)
 
     RESULTS results;
     measure_resident_bytes(results.figures, options.is_short ? 1'000 : 200'000);
+    measure_fresh_processes(results.figures);
     const PARKED_THREAD second_thread;
     measure_allocations(results.figures);
     const bool long_files = !options.is_short;

@@ -37,9 +37,11 @@ inline constexpr const char* work_two_threads_other_names = "2 threads, bool, ot
 inline constexpr const char* work_repeated_miss = "miss on an empty record";
 inline constexpr const char* work_creating_miss = "miss that creates a record";
 inline constexpr const char* work_set_existing = "set an existing variable";
+inline constexpr const char* work_set_int = "set an int to changing values";
 inline constexpr const char* work_report_ten = "ranked report, 10 of 10 000, a variable";
 inline constexpr const char* work_report_all = "ranked report, all 10 000, a variable";
 inline constexpr const char* work_catalogue = "catalogue lookup, bool";
+inline constexpr const char* work_catalogue_default = "one argument, the catalogue's default";
 inline constexpr const char* work_mode = "mode question after the first";
 inline constexpr const char* work_debug_settings = "debug settings, nothing changed";
 inline constexpr const char* work_cached_switch = "cached switch";
@@ -71,6 +73,18 @@ inline std::string getline_work(std::size_t lines)
 {
     return "floor: getline of " + std::to_string(lines) + " lines, a line";
 }
+
+inline std::string bare_loop_work(std::size_t lines)
+{
+    return "floor: bare loop over " + std::to_string(lines) + " lines, a line";
+}
+
+// --- Figures that are not times of rows ---
+
+inline constexpr const char* figure_own_pages = "own pages of 200 variables asked for";
+inline constexpr const char* figure_first_lookup = "first lookup without files, 5 threads";
+inline constexpr const char* figure_fork = "fork and end of the child, beside a lookup";
+inline constexpr const char* figure_longest_fork = "the longest of 200 such forks";
 
 // --- Who ---
 

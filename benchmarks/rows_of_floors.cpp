@@ -1,13 +1,16 @@
 // What no store of this design can do without, each measured alone.
+#include <algorithm>
 #include <cstring>
 #include <fstream>
 #include <memory>
 #include <mutex>
+#include <string_view>
 
 #include "benchmarks/plain_store.h"
 #include "benchmarks/rows.h"
 #include "benchmarks/store_workloads.h"
 #include "benchmarks/stores.h"
+#include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "platform/thr/thr.h"
 #include "platform/ver/ver.h"
 
@@ -70,22 +73,34 @@ void shuffled_find(benchmark::State& state)
     }
 }
 
-// Opened, read by one call and closed; the newlines found one by one.
+struct FILE_TEXT
+{
+    std::unique_ptr<char[]> characters;
+    std::size_t size;
+};
+
+// Opened, read by one call and closed.
+FILE_TEXT text_of(const SETTINGS_FILE& file, benchmark::State& state)
+{
+    std::FILE* const stream = std::fopen(file.path.c_str(), "re");
+    std::setvbuf(stream, nullptr, _IONBF, 0);
+    std::fseek(stream, 0, SEEK_END);
+    const auto size = static_cast<std::size_t>(std::ftell(stream));
+    std::rewind(stream);
+    auto text = std::make_unique_for_overwrite<char[]>(size);
+    if (std::fread(text.get(), 1, size, stream) != size)
+        state.SkipWithError("the file cannot be read");
+    std::fclose(stream);
+    return {std::move(text), size};
+}
+
+// The newlines found one by one.
 void read_at_once(benchmark::State& state, std::size_t lines)
 {
     const SETTINGS_FILE& file = file_of_lines(lines);
     while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(lines)))
     {
-        std::FILE* const stream = std::fopen(file.path.c_str(), "re");
-        std::setvbuf(stream, nullptr, _IONBF, 0);
-        std::fseek(stream, 0, SEEK_END);
-        const auto size = static_cast<std::size_t>(std::ftell(stream));
-        std::rewind(stream);
-        const auto text = std::make_unique_for_overwrite<char[]>(size);
-        if (std::fread(text.get(), 1, size, stream) != size)
-            state.SkipWithError("the file cannot be read");
-        std::fclose(stream);
-
+        const auto [text, size] = text_of(file, state);
         std::size_t newlines = 0;
         const char* const end = text.get() + size;
         for (const void* at = text.get();
@@ -93,6 +108,47 @@ void read_at_once(benchmark::State& state, std::size_t lines)
              at = static_cast<const char*>(at) + 1)
             ++newlines;
         benchmark::DoNotOptimize(newlines);
+    }
+}
+
+std::string_view without_blanks(std::string_view text)
+{
+    while (!text.empty() && text.front() == ' ')
+        text.remove_prefix(1);
+    while (!text.empty() && text.back() == ' ')
+        text.remove_suffix(1);
+    return text;
+}
+
+// The library's own table filled with what stands around the first "=" of each line: no comment, no quote, no
+// conversion, no callback, no lock.
+void fill_table(zon_cfg::CFG_INI_TABLE& table, std::string_view text) ZON_UNCHECKED // nobody else knows the table
+{
+    table.reserve_records(text.size() / 20);
+    while (!text.empty())
+    {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+        if (const std::size_t divider = line.find('='); divider != std::string_view::npos)
+            table.find_or_insert_record(zon_cfg::HASHED_NAME(without_blanks(line.substr(0, divider))))->value =
+                without_blanks(line.substr(divider + 1));
+    }
+}
+
+void bare_loop(benchmark::State& state, std::size_t lines)
+{
+    const SETTINGS_FILE& file = file_of_lines(lines);
+    while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(lines)))
+    {
+        auto table = std::make_unique<zon_cfg::CFG_INI_TABLE>();
+        {
+            const auto [text, size] = text_of(file, state);
+            fill_table(*table, {text.get(), size});
+        }
+        benchmark::DoNotOptimize(table->size());
+        state.PauseTiming(); // as the other loads
+        table.reset();
+        state.ResumeTiming();
     }
 }
 
@@ -119,6 +175,9 @@ void add_rows_of_floors(bool long_files)
     add_row(work_shuffled_find, plain, shuffled_find);
     for (const std::size_t lines : file_lengths(long_files))
     {
+        auto* const bare = add_row(bare_loop_work(lines), plain, bare_loop, lines);
+        if (lines == longest_file)
+            bare->Repetitions(repetitions_of_longest_file);
         add_row(one_read_work(lines), standard_library, read_at_once, lines);
         add_row(getline_work(lines), standard_library, read_by_getline, lines);
     }

@@ -1,3 +1,5 @@
+#include <limits>
+
 #include "benchmarks/rows.h"
 #include "benchmarks/store_workloads.h"
 #include "benchmarks/stores.h"
@@ -53,6 +55,28 @@ void catalogue_lookup(benchmark::State& state)
         benchmark::DoNotOptimize(cfg_is_on(CFG_INI_VAR_MSG_SQLITE));
 }
 
+// Of a catalogued name that no line gives a value.
+void catalogue_default(benchmark::State& state)
+{
+    hold<OURS>(file_for_lookups());
+    const std::string name = "msg_sqlite";
+    for (auto _ : state)
+        benchmark::DoNotOptimize(cfg_is_on(name));
+}
+
+// Numbers of one to ten digits, and of both signs.
+void set_int(benchmark::State& state)
+{
+    hold<OURS>(file_for_lookups());
+    const std::string name = "a_number_of_the_benchmark";
+    int value = 1;
+    for (auto _ : state)
+    {
+        cfg_set_int_value(name, value);
+        value = value > std::numeric_limits<int>::max() / 7 ? -value / 3 : value < 0 ? 1 : value * 7 + 3;
+    }
+}
+
 void cached_switch(benchmark::State& state)
 {
     hold<OURS>(file_for_lookups());
@@ -90,6 +114,8 @@ void add_rows_of_this_library(bool long_files)
     add_row(work_report_ten, ours, ranked_report, 10);
     add_row(work_report_all, ours, ranked_report, -1);
     add_row(work_catalogue, ours, catalogue_lookup);
+    add_row(work_catalogue_default, ours, catalogue_default);
+    add_row(work_set_int, ours, set_int);
     add_row(work_cached_switch, ours, cached_switch);
     add_row(work_mode, ours, mode_question);
     add_row(work_debug_settings, ours, debug_settings);

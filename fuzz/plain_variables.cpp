@@ -177,7 +177,7 @@ void PLAIN_VARIABLES::expect_same_store() const
     {
         const auto place = variables.find(plain::folded_up_to_zero(name));
         expect(place != variables.end(), "a variable that nothing made: " + fuzz::quoted(name));
-        expect_equal(std::string(std::string_view(name)), place->second.spelling, "name");
+        expect_equal<std::string>(name, place->second.spelling, "name");
         expect_same_record(*record, place->second);
     }
 }

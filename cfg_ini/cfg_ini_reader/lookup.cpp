@@ -1,3 +1,13 @@
+// The typed readers. Each is one pass through with_store (store_access.h): the record found or made, the access
+// counted, and the value taken that was converted when the text was stored. What a caller needs then, a default or an
+// optional, is made of it in registers.
+//
+// Two readers do more. The one-argument boolean looks its default up in the catalogue, but only if the variable has no
+// value. Floating-point readers convert at each call, after the lock is released: strtod takes many times what a lookup
+// takes, and depends on the locale. They mark the record in a second hold of the lock, without looking for it again; a
+// value that another thread stores in between is marked in place of the one read, which is accepted.
+//
+// The overloads for std::string and for characters are the same code twice, so that neither pays for the other.
 #include <cstring>
 #include <string_view>
 

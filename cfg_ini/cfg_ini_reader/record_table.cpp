@@ -1,3 +1,8 @@
+// Finding and making records, beyond the first way of the name cache, which the header looks into.
+//
+// A lookup looks for the name before it inserts: an insertion copies the name first, and most names are there. Lines of
+// files insert at once, since their names are mostly new. Both hash the name once; the second search for a name that
+// has to be made takes the hash along.
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 
 #include "cfg_ini/cfg_ini.h"
@@ -77,7 +82,7 @@ void reserve_records(std::size_t names_of_file)
 
 void discard_store()
 {
-    clear_name_cache();
+    clear_name_cache(); // first: no entry may name a record that is gone
     delete cfg_ini_file.exchange(nullptr, std::memory_order_relaxed);
 }
 

@@ -1,3 +1,7 @@
+// Setting a value. All three conversions are made here, once, so that lookups make none. A number that the program
+// hands in is written by to_chars, which no locale changes, and need not be converted back.
+//
+// The text is assigned first, since only that can fail: a record whose text did not fit into memory is as it was.
 #include "cfg_ini/cfg_ini_reader/value_storing.h"
 
 #include <charconv>
@@ -30,7 +34,8 @@ void assign_other_text(std::string& to, std::string_view text)
 }
 }
 
-// A number that the text does not convert to keeps what it was; a boolean becomes false.
+// A number that the text does not convert to keeps what it was, and a boolean becomes false. Nobody reads either while
+// its flag is down; both are intended, for programs that look at records themselves.
 void set_value(CFG_INI_RECORD& record, std::string_view value)
 {
     assign_other_text(record.value, value);

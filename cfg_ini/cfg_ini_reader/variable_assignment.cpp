@@ -1,3 +1,9 @@
+// The setters. The fast path is that of a lookup, under a lock that callbacks may run with. A record is found by the
+// name as the caller spells it, and callbacks are looked for under that spelling.
+//
+// A setter without a store loads the settings first, and then stores: what the program sets wins over what the files
+// say. The load runs callbacks, and these may change the very strings that are to be stored, so that path works on
+// copies of both. It is the only one that copies.
 #include "cfg_ini/cfg_ini_reader/variable_assignment.h"
 
 #include <cstddef>
@@ -16,8 +22,6 @@ namespace zon_cfg
 {
 namespace
 {
-// Loads, and stores copies: a load runs callbacks, which may change the caller's strings. Takes the name and a text in
-// parts for the reason that load_for_name does (store_access.h).
 template <typename VALUE>
 void load_and_store(const std::string& name, const VALUE& value, bool external)
 {
@@ -28,6 +32,7 @@ void load_and_store(const std::string& name, const VALUE& value, bool external)
     };
     with_loaded_store<NOTIFYING_STORE_LOCK>(store_and_unlock);
 }
+// These take texts in parts for the reason that load_for_name does (store_access.h).
 [[gnu::noinline, gnu::cold]] void load_and_assign(const char* name, std::size_t name_length, const char* value,
                                                   std::size_t value_length, bool external)
 {

@@ -111,18 +111,6 @@ SETTINGS_LINE zon_cfg::parse_settings_line(std::string_view line, LINE_ASSIGNMEN
     return SETTINGS_LINE::ASSIGNMENT;
 }
 
-SETTINGS_LINE zon_cfg::parse_settings_line(std::string_view line, std::string& name, std::string& value)
-{
-    LINE_ASSIGNMENT assignment;
-    const SETTINGS_LINE kind = parse_settings_line(line, assignment);
-    if (kind == SETTINGS_LINE::ASSIGNMENT)
-    {
-        name = assignment.name;
-        value = assignment.value;
-    }
-    return kind;
-}
-
 char cfg_find_separator_in_ini_string(const std::string& text)
 {
     const std::size_t separator = text.find_first_of(":;");

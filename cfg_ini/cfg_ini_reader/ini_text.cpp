@@ -1,9 +1,9 @@
 // Lines and inline texts taken apart in place.
 //
-// A line is divided in one scan (line_division.h), and name and value are parts of it: nothing is copied as long as taking
-// blanks and tabs off the ends leaves visible ASCII there, and in the name throughout. That is what nearly every line is.
-// For the others the rule itself is asked, isspace of the current locale for a name and the platform's trimming for a
-// value, and the result is kept beside the line.
+// A line is divided in one scan (line_division.h), and name and value are parts of it: nothing is copied as long as
+// taking blanks and tabs off the ends leaves visible ASCII there, and in the name throughout. That is what nearly every
+// line is. For the others the rule itself is asked, isspace of the current locale for a name and the platform's
+// trimming for a value, and the result is kept beside the line.
 //
 // An inline text is walked once. What is looked for in an item is looked for in that item alone, so that any text costs
 // linear time.
@@ -62,7 +62,7 @@ std::string_view value_of(std::string_view line, const DIVIDED_LINE& divided, st
 // that is a value, as in "=5", set the variable of empty name. "=;" and "= " have no value and stay ignored.
 bool assigns_to_the_empty_name(std::string_view short_line)
 {
-    if (short_line.size() != 2 || short_line.front() != '=')
+    if (!short_line.starts_with('='))
         return false;
     const std::size_t end = divide(short_line).end;
     return !gen_remove_leading_and_trailing_white_spaces(std::string(short_line.substr(1, end - 1))).empty();
@@ -109,18 +109,6 @@ SETTINGS_LINE zon_cfg::parse_settings_line(std::string_view line, LINE_ASSIGNMEN
 
     assignment.value = value_of(line, divided, assignment.changed_value);
     return SETTINGS_LINE::ASSIGNMENT;
-}
-
-SETTINGS_LINE zon_cfg::parse_settings_line(std::string_view line, std::string& name, std::string& value)
-{
-    LINE_ASSIGNMENT assignment;
-    const SETTINGS_LINE kind = parse_settings_line(line, assignment);
-    if (kind == SETTINGS_LINE::ASSIGNMENT)
-    {
-        name = assignment.name;
-        value = assignment.value;
-    }
-    return kind;
 }
 
 char cfg_find_separator_in_ini_string(const std::string& text)

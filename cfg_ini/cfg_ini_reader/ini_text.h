@@ -42,8 +42,18 @@ struct LINE_ASSIGNMENT
 // Either may be empty.
 SETTINGS_LINE parse_settings_line(std::string_view line, LINE_ASSIGNMENT& assignment);
 
-// The same into strings.
-SETTINGS_LINE parse_settings_line(std::string_view line, std::string& name, std::string& value);
+// The same into strings, for those who keep them; the library's own readers do not.
+inline SETTINGS_LINE parse_settings_line(std::string_view line, std::string& name, std::string& value)
+{
+    LINE_ASSIGNMENT assignment;
+    const SETTINGS_LINE kind = parse_settings_line(line, assignment);
+    if (kind == SETTINGS_LINE::ASSIGNMENT)
+    {
+        name = assignment.name;
+        value = assignment.value;
+    }
+    return kind;
+}
 
 // What the store does with one item of an inline text.
 enum class INLINE_ITEM

@@ -192,8 +192,8 @@ CFG_INI_INITIALIZER::~CFG_INI_INITIALIZER()
 
 void cfg_process_ini_string(const std::string& text, bool internal)
 {
-    const std::string kept(text); // callbacks may change the caller's
-    apply_inline_text(kept, {.external = !internal, .if_no_store = IF_NO_STORE::LOAD_SETTINGS});
+    // A copy: callbacks may change the caller's.
+    apply_inline_text(std::string(text), {.external = !internal, .if_no_store = IF_NO_STORE::LOAD_SETTINGS});
 }
 
 void cfg_read_ini_file(const std::string& path)

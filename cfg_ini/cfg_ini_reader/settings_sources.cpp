@@ -3,8 +3,8 @@
 // remembered between searches, since the current directory, the environment and the files may change at any time; a
 // search costs one question to the file system for each place that it visits.
 //
-// VELMAR_INI_DISABLED takes effect only once a file was found: it empties the result, and the questions that lead to the
-// result are asked all the same. A project's own file is not searched for, so the variable has no effect on it.
+// VELMAR_INI_DISABLED takes effect only once a file was found: it empties the result, and the questions that lead to
+// the result are asked all the same. A project's own file is not searched for, so the variable has no effect on it.
 #include "cfg_ini/cfg_ini_reader/settings_sources.h"
 
 #include <cstdlib>

@@ -88,7 +88,7 @@ extern "C"
         return is_to_fail(FILE_CALL::OPEN) ? nullptr : original<decltype(fopen64)>("fopen64")(path, mode);
     }
 
-    int open(const char* path, int flags, ...) // NOLINT(cert-dcl50-cpp): declared so by the system
+    int open(const char* path, int flags, ...)
     {
         mode_t mode = 0;
         if ((flags & O_CREAT) != 0)

@@ -1,5 +1,5 @@
-#include "cfg_ini/cfg_ini_reader/value_conversion.h"
 #include "cfg_ini/cfg_ini_reader/store_primitives.h"
+#include "cfg_ini/cfg_ini_reader/value_conversion.h"
 
 #include <gtest/gtest.h>
 

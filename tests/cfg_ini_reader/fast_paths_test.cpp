@@ -355,6 +355,9 @@ TEST_F(FAST_STORE, the_name_cache_grows_with_the_names_in_use)
         EXPECT_EQ(cache_sets(), 64U);
         look_up_names(28);
         EXPECT_EQ(cache_sets(), 64U);
+        cfg_read_ini_file(std::string());
+        look_up_names(28); // not names in use on top of those that the cache was emptied of
+        EXPECT_EQ(cache_sets(), 64U);
         look_up_names(29);
         EXPECT_EQ(cache_sets(), 128U);
         look_up_names(200);

@@ -393,6 +393,19 @@ TEST_F(LOOKUP_TEST, the_default_by_name_is_on_for_catalogued_names_spelt_exactly
     EXPECT_TRUE(cfg_is_on("msg_sqlite"));
 }
 
+TEST_F(LOOKUP_TEST, the_default_by_name_goes_by_the_name_up_to_its_first_zero_byte)
+{
+    using namespace std::string_literals;
+    for (const auto& [name, expected] :
+         {std::pair("msg_sqlite"s, true), std::pair("msg_sqlite\0x"s, true), std::pair("msg_sqlit\0e"s, false),
+          std::pair("msg_sqlit"s, false), std::pair("\0msg_sqlite"s, false), std::pair(""s, false)})
+    {
+        cfg_read_ini_file("");
+        EXPECT_EQ(cfg_is_on(name), expected) << testing::PrintToString(name);
+        EXPECT_EQ(cfg_is_on(std::string_view(name)), expected) << testing::PrintToString(name);
+    }
+}
+
 TEST_F(LOOKUP_TEST, a_catalogued_variable_of_empty_text_gives_the_default_text)
 {
     cfg_set_value("msg_sqlite", "");

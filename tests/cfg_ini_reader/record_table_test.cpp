@@ -1,6 +1,7 @@
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 
 #include <cstddef>
+#include <limits>
 #include <memory>
 
 #include "cfg_ini/cfg_ini_reader/store_primitives.h"
@@ -407,6 +408,28 @@ TEST_F(RECORD_TABLE_TEST, a_failed_integer_conversion_keeps_the_old_number_and_a
     expect_cache(*record_of("a"), {"ON", true, true, false, -7, false, 3000000000U});
     cfg_set_value("a", "");
     expect_cache(*record_of("a"), {"", false, false, false, -7, false, 3000000000U});
+}
+
+TEST_F(RECORD_TABLE_TEST, a_number_is_stored_as_its_text_would_be)
+{
+    make_empty_store();
+    for (const int before : {0, 1, 12, -7})
+    {
+        for (const int number : {0, 1, 2, -1, 12, -7, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()})
+        {
+            SCOPED_TRACE(std::to_string(before) + ", then " + std::to_string(number));
+            cfg_set_value("by text", std::to_string(before));
+            cfg_set_value("by text", std::to_string(number));
+            cfg_set_int_value("by number", before);
+            cfg_is_on("by number", false);
+            cfg_set_int_value("by number", number);
+            const CFG_INI_RECORD expected = *record_of("by text");
+            expect_cache(*record_of("by number"),
+                         {std::to_string(number), expected.bool_valid, expected.bool_value, expected.int_valid,
+                          expected.int_value, expected.uint_valid, expected.uint_value});
+            EXPECT_FALSE(record_of("by number")->had_valid_read);
+        }
+    }
 }
 
 TEST_F(RECORD_TABLE_TEST, storing_the_external_way_converts_the_same)

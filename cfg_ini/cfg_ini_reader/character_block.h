@@ -84,8 +84,9 @@ public:
     std::uint64_t number() const
     {
         const std::uint64_t pairs = (word & 0x00FF00FF00FF00FFU) * 17 + ((word >> 8) & 0x00FF00FF00FF00FFU);
-        const std::uint64_t quads = (pairs & 0x0000FFFF0000FFFFU) * (17 * 17) + ((pairs >> 16) & 0x0000FFFF0000FFFFU);
-        return (quads & 0xFFFFFFFFU) * (17 * 17 * 17 * 17) + (quads >> 32);
+        const std::uint64_t quads =
+            (pairs & 0x0000FFFF0000FFFFU) * (std::uint64_t{17} * 17) + ((pairs >> 16) & 0x0000FFFF0000FFFFU);
+        return (quads & 0xFFFFFFFFU) * (std::uint64_t{17} * 17 * 17 * 17) + (quads >> 32);
     }
 
     friend CHARACTER_WORD operator|(CHARACTER_WORD a, CHARACTER_WORD b)

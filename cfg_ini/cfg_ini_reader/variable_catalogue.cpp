@@ -212,7 +212,7 @@ std::optional<CFG_INI_VAR_ENUM> catalogue_position(std::string_view name)
 {
     if (name.empty())
         return std::nullopt;
-    const int position = name_index.positions[slot_of(name, name_index.factor)];
+    const std::ptrdiff_t position{name_index.positions[slot_of(name, name_index.factor)]};
     if (position < 0 || catalogue_entries[static_cast<std::size_t>(position)].name != name)
         return std::nullopt;
     return static_cast<CFG_INI_VAR_ENUM>(position);

@@ -105,7 +105,7 @@ def test_list():
 def test_table():
     for file, first in (("cfg_ini/cfg_ini_reader/lookup.cpp", "variable_store_tests"),
                         ("cfg_ini/cfg_cached_value.h", "cfg_cached_value_tests"),
-                        ("platform/thr/thr_mutex.cpp", "platform_tests"), ("tools/velmar-cfg/text.cpp", "velmar_cfg_function_tests")):
+                        ("platform/thr/thr_mutex.cpp", "platform_tests"), ("tools/velmar-cfg/text.cpp", "velmar_cfg_model_tests")):
         yield complain(tests_for(file)[0], first, f"the first test of {file}")
     for name, of_tool, expected in (("cfg_ini/cfg_ini.h", False, True), ("tools/velmar-cfg/text.h", False, False),
                                     ("tools/velmar-cfg/text.h", True, True), ("tests/velmar_cfg/get_test.cpp", False, False),

@@ -18,6 +18,27 @@
 #include <thread>
 #include <unistd.h>
 
+// What the sanitizers leave to a child whose parent has several threads: the thread sanitizer ends it when it starts a
+// thread, and the address sanitizer's allocator may be locked in it for ever.
+#if defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define __SANITIZE_THREAD__ 1
+#endif
+#if __has_feature(address_sanitizer)
+#define __SANITIZE_ADDRESS__ 1
+#endif
+#endif
+#if defined(__SANITIZE_THREAD__)
+constexpr bool children_can_start_threads = false;
+#else
+constexpr bool children_can_start_threads = true;
+#endif
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool children_can_allocate = false;
+#else
+constexpr bool children_can_allocate = true;
+#endif
+
 // For alarm().
 constexpr unsigned int seconds_until_hung = 60;
 

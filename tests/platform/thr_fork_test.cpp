@@ -172,10 +172,12 @@ TEST_F(THR_FORK_TEST, a_child_holds_what_the_forking_thread_held_as_often)
     }
 }
 
+// On a busy machine the holder may come to release the mutex too late, but not each time.
 TEST_F(THR_FORK_TEST, fork_waits_for_a_thread_that_holds_the_mutex)
 {
     thr_mutex_call_if_lost(mutex, count_loss);
-    for (int i = 0; i < 5; ++i)
+    bool was_waited_for = false;
+    for (int tries = 0; tries < 30 && !was_waited_for; ++tries)
     {
         HOLDER holder({mutex});
         const pid_t forking = gettid();
@@ -185,16 +187,12 @@ TEST_F(THR_FORK_TEST, fork_waits_for_a_thread_that_holds_the_mutex)
                 wait_until_it_sleeps(forking);
                 holder.release();
             });
-        const pid_t child = fork();
-        if (child == 0)
-        {
-            alarm(seconds_until_hung / 2);
-            use(mutex);
-            _exit(losses);
-        }
-        EXPECT_EQ(status_of(child), 0) << "was lost";
+        const int losses_in_child = status_of_child([&] { return use(mutex), losses.load(); });
         releasing.join();
+        EXPECT_LE(losses_in_child, 1);
+        was_waited_for = losses_in_child == 0;
     }
+    EXPECT_TRUE(was_waited_for);
 }
 
 TEST_F(THR_FORK_TEST, a_mutex_held_for_too_long_is_free_in_the_child_and_lost)
@@ -211,7 +209,7 @@ TEST_F(THR_FORK_TEST, a_mutex_held_for_too_long_is_free_in_the_child_and_lost)
             const int lost_before_fork_returned = losses;
             use(mutex);
             const bool is_free = !children_can_start_threads || is_free_for_others(mutex);
-            _exit(is_free && lost_before_fork_returned == 1 && losses == 1 ? 7 : 8);
+            leave(is_free && lost_before_fork_returned == 1 && losses == 1 ? 7 : 8);
         }
         EXPECT_LT(std::chrono::steady_clock::now() - start, longest_fork);
         EXPECT_EQ(status_of(child), 7);
@@ -276,7 +274,7 @@ TEST_F(THR_FORK_TEST, several_mutexes_are_waited_for_together_and_lost_each_for_
         use(free_one);
         use(mutex);
         thr_mutex_unlock(mutex);
-        _exit(losses);
+        leave(losses);
     }
     EXPECT_LT(std::chrono::steady_clock::now() - start, longest_fork);
     EXPECT_EQ(status_of(child), 6);

@@ -52,6 +52,14 @@ inline int status_of(pid_t child)
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
+// Ends this process at once. The thread sanitizer follows _exit, and takes what ended in the parent but was not joined
+// for a leak of the child.
+[[noreturn]] inline void leave(int status)
+{
+    for (;;)
+        syscall(SYS_exit_group, status);
+}
+
 // Forks, and has the child exit with what action() answers. The child's status.
 inline int status_of_child(const std::function<int()>& action)
 {
@@ -59,7 +67,7 @@ inline int status_of_child(const std::function<int()>& action)
     if (child == 0)
     {
         alarm(seconds_until_hung / 2);
-        _exit(action());
+        leave(action());
     }
     return child == -1 ? -1 : status_of(child);
 }

@@ -334,7 +334,8 @@ TEST_F(SETTINGS_MODEL, shares_a_file_that_two_layers_name)
 // The library takes the whole lines before an error; what is left of the last one is none.
 TEST_F(SETTINGS_MODEL, goes_on_with_the_whole_lines_before_a_read_error)
 {
-    const auto file = std::make_shared<const INPUT_FILE>(INPUT_FILE{"bad.ini", "aa=1\nbb=2\ncc", "Input/output error"});
+    const auto file =
+        std::make_shared<const INPUT_FILE>(INPUT_FILE{"bad.ini", "aa=1\nbb=2\ncc=3", "Input/output error"});
     const LAYERS layers = {{LAYER_KIND::MAIN_FILE, file}};
     const SETTINGS settings(layers);
     EXPECT_EQ(settings.variables().size(), 2U);

@@ -126,6 +126,7 @@ inline std::uint64_t difference(const char* a, const char* b)
 // The two ways of a name's set. Needs no lock: only the address is worked out.
 [[gnu::always_inline]] inline CACHED_NAME* cache_set_of(std::string_view name)
 {
+    // cppcheck-suppress CastIntegerToAddressAtReturn
     return name_cache.sets[mix_of(name) >> name_cache.shift.load(std::memory_order_relaxed)];
 }
 

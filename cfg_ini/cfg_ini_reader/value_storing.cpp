@@ -54,6 +54,7 @@ void set_value(CFG_INI_RECORD& record, std::string_view value)
 void set_value(CFG_INI_RECORD& record, int value)
 {
     char text[std::numeric_limits<int>::digits10 + 2]; // a sign, and one digit more than any number of them can have
+    // cppcheck-suppress legacyUninitvar
     assign_other_text(record.value, {text, std::to_chars(std::begin(text), std::end(text), value).ptr});
     record.bool_valid = value == 0 || value == 1;
     record.bool_value = value == 1;

@@ -64,6 +64,7 @@ consteval auto first_triples()
 {
     std::array<std::size_t, row_count + 1> firsts{};
     for (std::size_t i = 0; i < row_count; ++i)
+        // cppcheck-suppress containerOutOfBounds
         firsts[i + 1] = firsts[i] + preference_rows[i].allowed_values.size();
     return firsts;
 }

@@ -35,12 +35,14 @@ bool equals_ignoring_case(const std::string& text, const char* other)
 
 const char* key_of(CFG_USER_INI_ENUMS preference)
 {
+    // cppcheck-suppress CastIntegerToAddressAtReturn
     return cfg_user_ini_ini_names[preference_position(preference)];
 }
 
 // Empty for a number that belongs to no preference.
 const char* section_of(CFG_USER_INI_ENUMS preference)
 {
+    // cppcheck-suppress CastIntegerToAddressAtReturn
     return preference_sections[preference_position(preference)];
 }
 

@@ -3,5 +3,4 @@ add_library(zon_warnings INTERFACE)
 target_compile_options(zon_warnings INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wformat=2 -Wcast-qual -Wundef
     "$<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast;-Wnon-virtual-dtor;-Woverloaded-virtual>"
-    $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wthread-safety> # what a lock guards, by the annotations at the declarations
     $<$<BOOL:${ZON_WARNINGS_AS_ERRORS}>:-Werror>)

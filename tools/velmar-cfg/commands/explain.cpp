@@ -83,8 +83,7 @@ void add_explain_command(COMMAND app, TOOL& tool)
     auto name = std::make_shared<std::string>();
     COMMAND command = app.add_command(
         tool, "explain",
-        "Show why a variable has its value: every assignment in the order in which the layers are laid over each "
-        "other, "
+        "Show why a variable has its value: every assignment in the order in which the layers apply, "
         "the one that won, what each type of reader makes of it, and what may be a mistake. Exit code 1 when it is not "
         "set.",
         "velmar-cfg --project designs/cpu --regtest explain max_fanout\n"

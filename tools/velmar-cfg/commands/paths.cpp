@@ -82,8 +82,8 @@ void add_paths_command(COMMAND app, TOOL& tool)
     app.add_command(
         tool, "paths",
         "Show where settings are looked for: each candidate in the order of the search, which one is read and "
-        "which are shadowed by it, the files laid over it, the preference file, and the environment variables "
-        "that take part.",
+        "which are shadowed by it, the files applied on top of it, the preference file, and the environment "
+        "variables that take part.",
         "velmar-cfg --project designs/cpu paths\n      which velmar.ini a run in designs/cpu reads",
         [&tool] { return paths(tool); });
 }

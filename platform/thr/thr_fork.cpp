@@ -9,17 +9,14 @@
 // What the child may rely on. The kernel copies one page after the other while the other threads of the parent run on:
 // all that one of them writes during the fork may be in the child or not.
 // - A mutex that was taken, and what it guards, nobody else writes meanwhile. (Others may mark it as held with
-// sleepers;
-//   then one wake-up finds nobody.)
+//   sleepers; then one wake-up finds nobody.)
 // - Any other mutex counts as lost, whatever the copy of its word says. The one thing never found in that is the
 //   identity of the forking thread, so that is_own() tells them apart.
 // - The mutexes are linked from the newest to the oldest, and a mutex of the service's own lets one thread at a time
-// add
-//   to them. It is taken first: then no mutex is made half before and half after the copying. If it is lost itself,
-//   the child goes back to the newest mutex that was seen before.
+//   add to them. It is taken first: then no mutex is made half before and half after the copying. If it is lost
+//   itself, the child goes back to the newest mutex that was seen before.
 // - Identities given meanwhile may be given again in the child, as the count of them is copied as well; the threads
-// that
-//   have them are not there, nor is anything that names them once the lost mutexes are free.
+//   that have them are not there, nor is anything that names them once the lost mutexes are free.
 //
 // Handlers may be registered twice, where threads make the first mutexes at once: waiting for each other would need a
 // lock that a fork could copy. And handlers of others may fork. Only the outermost call takes and releases.

@@ -188,6 +188,30 @@ TEST_F(STORE_FORK_TEST, AChildForkedInANotificationOwnsTheLock)
     EXPECT_EQ(1, cfg_get_int_value("forks", 0));
 }
 
+// Both go on with the load, of a file that takes several reads; neither takes lines from the other.
+TEST_F(STORE_FORK_TEST, AChildForkedDuringALoadReadsTheWholeFileAsItsParentDoes)
+{
+    constexpr int lines = 10'000;
+    std::string text = "forks = 1\n";
+    for (int i = 0; i < lines; ++i)
+        text += "variable_" + std::to_string(i) + " = 1\n";
+    write_file(temporary.path("long.ini"), text);
+    const auto missing_lines = []
+    {
+        int missing = 0;
+        for (int i = 0; i < lines; ++i)
+            missing += cfg_is_on("variable_" + std::to_string(i), false) ? 0 : 1;
+        return missing;
+    };
+
+    FORKING callback;
+    cfg_read_ini_file(temporary.path("long.ini"));
+    if (callback.child == 0)
+        _exit(missing_lines() == 0 ? all_well : 1);
+    EXPECT_EQ(all_well, status_of(callback.child));
+    EXPECT_EQ(0, missing_lines());
+}
+
 class NOTIFIED : public CFG_INI_CALLBACK
 {
 public:

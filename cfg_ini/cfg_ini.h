@@ -13,9 +13,10 @@
 //
 // fork: a thread may fork at any moment outside a signal handler, also within a notification. The child can use
 // everything here. If another thread held the store's lock for longer than fork waits (some 80 ms: it was loading from
-// a pipe, or a callback had thrown), the child starts without a store and loads the settings anew; values that the
-// program had set are gone there, and callbacks stay registered. A host's own fork handler may take a lock under which
-// other threads use the library if it is registered once the library is loaded. See platform/thr/thr.h.
+// a pipe, or a callback had thrown), the child starts without a store and loads the settings anew. Values that the
+// program had set are gone there. Callbacks stay registered, unless that thread was registering one at that moment, and
+// are reset by the load. A host's own fork handler may take a lock under which other threads use the library if it is
+// registered once the library is loaded. See platform/thr/thr.h.
 //
 // Errors: absence is not an error (defaults, empty texts and empty optionals stand for it). A broken precondition is
 // reported through err_report_internal_error of platform/err/err.h; what follows the report stands at the function. The

@@ -42,8 +42,7 @@ inline bool equal_names(std::string_view a, std::string_view b)
 // A name with its hash, so that it is hashed once however often it is looked for. The characters stay the caller's.
 struct HASHED_NAME
 {
-    // Inlined also where nothing is optimised: the tests count calls of hash_name by what calls it from outside its file.
-    [[gnu::always_inline]] explicit HASHED_NAME(std::string_view name) : text(name), hash(hash_name(name)) {}
+    explicit HASHED_NAME(std::string_view name) : text(name), hash(hash_name(name)) {}
 
     std::string_view text;
     std::size_t hash;

@@ -196,7 +196,8 @@ TEST(MANUAL_PAGES_, each_has_examples_files_and_precedence)
 
 TEST(MANUAL_PAGES_, name_every_environment_variable_that_matters)
 {
-    for (const ENVIRONMENT_VARIABLE& variable : environment_that_matters())
+    SECRETS secrets;
+    for (const ENVIRONMENT_VARIABLE& variable : environment_that_matters(secrets))
     {
         const bool of_preferences = variable.name == "VELMAR2_INI";
         EXPECT_THAT(page(of_preferences ? "velmar2.ini.5" : "velmar.ini.5"),

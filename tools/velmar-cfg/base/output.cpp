@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/base/hidden_text.h"
 
 namespace
 {
@@ -49,7 +50,10 @@ void OUTPUT::choose_color(std::string_view choice)
 
 void OUTPUT::write(std::string_view text)
 {
-    buffer += text;
+    if (has_hidden_parts(text))
+        buffer += with_hidden_parts_named(text);
+    else
+        buffer += text;
     if (buffer.size() >= buffer_size)
         finish();
 }

@@ -5,6 +5,7 @@
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
+#include "tools/velmar-cfg/commands/diagnostics.h"
 #include "tools/velmar-cfg/commands/differences_output.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/documents/differences_json.h"
@@ -33,7 +34,7 @@ bool is_directory(const std::string& path)
 COMPARED_SNAPSHOT snapshot_of(const std::string& path, const SETTINGS_SCOPE& scope, INPUT_FILES& files)
 {
     if (!is_directory(path))
-        return {path, read_snapshot(path)};
+        return {path, read_snapshot(path, *scope.secrets)};
     check_input_directory(path, "name an existing one");
     SETTINGS_SCOPE of_project = scope;
     of_project.project = path;
@@ -42,12 +43,15 @@ COMPARED_SNAPSHOT snapshot_of(const std::string& path, const SETTINGS_SCOPE& sco
 
 EXIT_CODE diff(const DIFF_OPTIONS& options, TOOL& tool)
 {
+    SECRETS& secrets = *tool.options.scope.secrets;
+    secrets.use_lasting_key();
     std::optional<RUN_REPORT> run;
     if (options.used)
-        run = read_run_report(*options.used);
+        run = read_run_report(*options.used, secrets);
     const COMPARED_SNAPSHOT a = snapshot_of(options.a, tool.options.scope, tool.files);
     const COMPARED_SNAPSHOT b = options.b ? snapshot_of(*options.b, tool.options.scope, tool.files)
                                           : COMPARED_SNAPSHOT{"now", take_snapshot(tool.options.scope, tool.files)};
+    complain_of_key(secrets);
 
     SNAPSHOT_DIFFERENCES differences = compare_snapshots(a.snapshot, b.snapshot);
     if (run)

@@ -33,9 +33,8 @@ std::string why_not_set(const SETTINGS& settings, const std::string& name)
 }
 
 std::string why_not_usable(const SETTINGS& settings, const VARIABLE& variable, const std::string& name,
-                           READER_TYPE type)
+                           const std::string& value, READER_TYPE type)
 {
-    const std::string value(settings.value_of(variable));
     const std::string location = location_as_text(settings.location_of(variable));
     return value.empty() ? "'" + name + "' is set to the empty text at " + location
                          : "'" + name + "' is '" + value + "' at " + location + ": " + what_is_wanted(type);
@@ -43,7 +42,10 @@ std::string why_not_usable(const SETTINGS& settings, const VARIABLE& variable, c
 
 EXIT_CODE get(const GET_OPTIONS& options, TOOL& tool)
 {
-    LAYERS layers = load_layers(tool.options.scope, tool.files);
+    SETTINGS_SCOPE scope = tool.options.scope;
+    scope.secrets = std::make_shared<SECRETS>();
+    scope.secrets->show_all(); // the value is what was asked for
+    LAYERS layers = load_layers(scope, tool.files);
     require_text(layers);
     const SETTINGS settings = SETTINGS::of_one_variable(std::move(layers), options.name);
     const VARIABLE* const variable = settings.find(options.name);
@@ -53,11 +55,13 @@ EXIT_CODE get(const GET_OPTIONS& options, TOOL& tool)
     const TYPED_VALUE value = value_of_type(type, text, readings);
     const std::optional<std::string> usable = value_as_text(value);
 
+    // Messages go to logs: they do not tell a secret.
+    const std::string shown = hide_in_value(options.name, text, *tool.options.scope.secrets);
     if (type == READER_TYPE::DOUBLE && usable && !readings.floating_is_whole)
-        complain("'" + options.name + "' is '" + text + "': only the number at its start is read, " + *usable);
+        complain("'" + options.name + "' is '" + shown + "': only the number at its start is read, " + *usable);
     if (!usable && !options.fallback)
         complain(variable == nullptr ? why_not_set(settings, options.name)
-                                     : why_not_usable(settings, *variable, options.name, type));
+                                     : why_not_usable(settings, *variable, options.name, shown, type));
 
     const std::optional<std::string> answer = usable ? usable : options.fallback;
     if (tool.options.json)

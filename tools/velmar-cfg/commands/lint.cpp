@@ -37,10 +37,10 @@ std::vector<FINDING> lint_settings_of(LAYERS layers)
 }
 
 // Of the preference file, if there is one.
-std::vector<FINDING> lint_preferences_in_use(INPUT_FILES& files)
+std::vector<FINDING> lint_preferences_in_use(TOOL& tool)
 {
-    const std::shared_ptr<const INPUT_FILE> file = preference_file_in_use(files);
-    return file == nullptr ? std::vector<FINDING>() : lint_preferences(*file);
+    const std::shared_ptr<const INPUT_FILE> file = preference_file_in_use(tool.files);
+    return file == nullptr ? std::vector<FINDING>() : lint_preferences(*file, *tool.options.scope.secrets);
 }
 
 EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
@@ -49,11 +49,12 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
     if (options.files.empty())
     {
         append(findings, lint_settings_of(load_layers(tool.options.scope, tool.files)));
-        append(findings, lint_preferences_in_use(tool.files));
+        append(findings, lint_preferences_in_use(tool));
     }
+    SECRETS& secrets = *tool.options.scope.secrets;
     for (const std::string& file : options.files)
-        append(findings, is_preference_file(file) ? lint_preferences(*tool.files.read(file))
-                                                  : lint_settings_of(single_layer(file, tool.files)));
+        append(findings, is_preference_file(file) ? lint_preferences(*tool.files.read(file), secrets)
+                                                  : lint_settings_of(single_layer(file, tool.files, secrets)));
     return write_findings(findings, options.strict, tool);
 }
 
@@ -61,9 +62,9 @@ EXIT_CODE lint_only_preferences(const LINT_OPTIONS& options, TOOL& tool)
 {
     std::vector<FINDING> findings;
     if (options.files.empty())
-        append(findings, lint_preferences_in_use(tool.files));
+        append(findings, lint_preferences_in_use(tool));
     for (const std::string& file : options.files)
-        append(findings, lint_preferences(*tool.files.read(file)));
+        append(findings, lint_preferences(*tool.files.read(file), *tool.options.scope.secrets));
     return write_findings(findings, options.strict, tool);
 }
 

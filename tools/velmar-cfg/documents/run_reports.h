@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/velmar-cfg/settings/secrets.h"
+
 struct READ_VARIABLE
 {
     std::string name;
@@ -35,12 +37,13 @@ struct RUN_REPORT
     std::vector<std::string> uncounted;
 };
 
-// Throws TOOL_ERROR(BAD_INPUT) for a file that is no run report, or of a newer version.
-RUN_REPORT read_run_report(const std::string& path);
+// The report of the file, secret values hidden. Throws TOOL_ERROR(BAD_INPUT) for a file that is no run report, or of a
+// newer version.
+RUN_REPORT read_run_report(const std::string& path, SECRETS& secrets);
 
 // The reports of these files, in this order. Runs of the same name get their file's name as well, so that they can be
 // told apart. Throws as above.
-std::vector<RUN_REPORT> read_run_reports(const std::vector<std::string>& paths);
+std::vector<RUN_REPORT> read_run_reports(const std::vector<std::string>& paths, SECRETS& secrets);
 
 // How a run stands to one variable.
 struct DEPENDENCE

@@ -68,7 +68,8 @@ private:
     void add(std::size_t offset, SEVERITY severity, const char* reason, const std::string& message,
              const std::string& instead)
     {
-        FINDING finding{layer.source->path, {}, {}, offset + 1, severity, reason, message, instead};
+        FINDING finding{layer.source->path, {},     {},      offset_before_hiding(text, offset) + 1,
+                        severity,           reason, message, instead};
         (is_file(layer.kind) ? finding.line : finding.item) = statement.position;
         found.push_back(std::move(finding));
     }

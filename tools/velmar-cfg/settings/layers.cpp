@@ -22,6 +22,18 @@ bool may_assign(std::string_view line, char beginning)
     const auto first = std::ranges::find_if_not(line, [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); });
     return first != line.end() && (folded(*first) == beginning || static_cast<unsigned char>(*first) >= 0x80);
 }
+
+std::shared_ptr<const std::string> lasting(std::optional<std::string> text)
+{
+    return text ? std::make_shared<const std::string>(*std::move(text)) : nullptr;
+}
+
+LAYER file_layer(LAYER_KIND kind, std::shared_ptr<const INPUT_FILE> file, SECRETS& secrets)
+{
+    LAYER layer{kind, std::move(file)};
+    layer.hidden = lasting(hide_in_settings_text(layer.text(), secrets));
+    return layer;
+}
 }
 
 const char* layer_code(LAYER_KIND kind)
@@ -68,6 +80,8 @@ const char* layer_title(LAYER_KIND kind)
 
 std::string_view LAYER::text() const
 {
+    if (hidden != nullptr)
+        return *hidden;
     const std::string_view bytes = source->bytes;
     return source->problem.empty() ? bytes : bytes.substr(0, bytes.rfind('\n') + 1);
 }
@@ -78,21 +92,24 @@ LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files)
     const auto add_file = [&](LAYER_KIND kind, const std::string& path)
     {
         if (!path.empty())
-            layers.push_back({kind, files.read(path)});
+            layers.push_back(file_layer(kind, files.read(path), *scope.secrets));
     };
     add_file(LAYER_KIND::MAIN_FILE, settings_file_of(scope.project, false));
     add_file(LAYER_KIND::APPENDED_FILE, appended_file());
     if (const char* const text = inline_text(); text != nullptr)
-        layers.push_back(
-            {LAYER_KIND::INLINE_TEXT, std::make_shared<const INPUT_FILE>(INPUT_FILE{inline_source, text, {}})});
+    {
+        LAYER layer{LAYER_KIND::INLINE_TEXT, std::make_shared<const INPUT_FILE>(INPUT_FILE{inline_source, text, {}})};
+        layer.hidden = lasting(hide_in_inline_text(layer.source->bytes, *scope.secrets));
+        layers.push_back(std::move(layer));
+    }
     if (scope.regtest)
         add_file(LAYER_KIND::REGTEST_FILE, settings_file_of(scope.project, true));
     return layers;
 }
 
-LAYERS single_layer(const std::string& path, INPUT_FILES& files)
+LAYERS single_layer(const std::string& path, INPUT_FILES& files, SECRETS& secrets)
 {
-    return {{LAYER_KIND::MAIN_FILE, files.read(path)}};
+    return {file_layer(LAYER_KIND::MAIN_FILE, files.read(path), secrets)};
 }
 
 void require_text(const LAYERS& layers)
@@ -104,7 +121,7 @@ void require_text(const LAYERS& layers)
 bool STATEMENTS::next_item(STATEMENT& statement)
 {
     if (!items)
-        items.emplace(layers[layer].source->bytes);
+        items.emplace(layers[layer].hidden != nullptr ? *layers[layer].hidden : layers[layer].source->bytes);
     if (!items->next(statement.outcome, item_name, item_value))
     {
         items.reset();

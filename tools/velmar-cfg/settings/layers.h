@@ -14,12 +14,16 @@
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 
-// Whose settings are asked for.
+// Whose settings are asked for, and what of them is hidden.
 struct SETTINGS_SCOPE
 {
     std::string project;  // the project's directory; empty for the search's file
     bool regtest = false; // regtest.ini as well, as regression runs read it
+
+    // Never null; copies of the scope have the same.
+    std::shared_ptr<SECRETS> secrets = std::make_shared<SECRETS>();
 };
 
 // In the order in which they are applied.
@@ -92,6 +96,9 @@ struct LAYER
     // whole, the library goes on with the whole lines before the error, and so does the tool's model.
     std::shared_ptr<const INPUT_FILE> source;
 
+    // The text with the secrets in it hidden; nothing when it holds none.
+    std::shared_ptr<const std::string> hidden = {};
+
     std::string_view text() const;
 };
 
@@ -101,7 +108,7 @@ using LAYERS = std::vector<LAYER>;
 LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files);
 
 // One file as the only layer, taken for a main settings file.
-LAYERS single_layer(const std::string& path, INPUT_FILES& files);
+LAYERS single_layer(const std::string& path, INPUT_FILES& files, SECRETS& secrets);
 
 // Throws TOOL_ERROR(BAD_INPUT) for the first layer that cannot be read as text: a directory, no permission, no regular
 // file, a failing disk, a zero byte in it.

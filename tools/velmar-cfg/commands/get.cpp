@@ -44,7 +44,6 @@ std::string why_not_usable(const SETTINGS& settings, const VARIABLE& variable, c
 EXIT_CODE get(const GET_OPTIONS& options, TOOL& tool)
 {
     LAYERS layers = load_layers(tool.options.scope, tool.files);
-    require_text(layers);
     const SETTINGS settings = SETTINGS::of_one_variable(std::move(layers), options.name);
     const VARIABLE* const variable = settings.find(options.name);
     const std::string text(variable == nullptr ? "" : settings.value_of(*variable));

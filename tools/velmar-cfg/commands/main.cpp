@@ -49,7 +49,9 @@ EXIT_CODE run(int argc, const char* const* argv)
         throw TOOL_ERROR(EXIT_CODE::USAGE, usage_complaint(app.get(), error));
     }
     tool.out.finish();
-    return end;
+    // What could be read has been answered, as the library goes on.
+    const bool all_was_read = complain_of(tool.files.problems());
+    return all_was_read || end > EXIT_CODE::FINDINGS ? end : EXIT_CODE::BAD_INPUT;
 }
 }
 

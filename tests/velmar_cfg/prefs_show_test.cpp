@@ -1,4 +1,3 @@
-
 #include "tests/velmar_cfg/tool_test.h"
 
 namespace

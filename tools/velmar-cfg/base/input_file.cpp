@@ -7,6 +7,7 @@
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 #include "tools/velmar-cfg/base/errors.h"
 
@@ -101,7 +102,9 @@ INPUT_FILE read_named_file(const std::string& path)
     INPUT_FILE result{title_of_named_file(path), {}, {}};
     if (path == "-")
     {
-        result.problem = read_to_end(STDIN_FILENO, 0, result.bytes);
+        static bool already_read = false;
+        result.problem = std::exchange(already_read, true) ? "has been read already; give - once"
+                                                           : read_to_end(STDIN_FILENO, 0, result.bytes);
         return result;
     }
     const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);

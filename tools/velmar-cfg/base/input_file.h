@@ -28,7 +28,7 @@ struct INPUT_FILE
 INPUT_FILE read_whole_file(const std::string& path);
 
 // The same for a file that the user named to be read once, to its end: "-" is standard input, and a pipe or a device is
-// waited for.
+// waited for. Standard input can be read once.
 INPUT_FILE read_named_file(const std::string& path);
 
 // What such a file is called: its path, or "standard input".
@@ -48,7 +48,10 @@ public:
     // Has the file read again when it is asked for again, and its problem not told.
     void forget(const std::string& path);
 
-    // Adds a problem when nothing is found at the path although something may be there (see absence_of).
+    // Adds a problem, unless it is there.
+    void add_problem(const std::string& text);
+
+    // The same when nothing is found at the path although something may be there (see absence_of).
     void note_absence(const std::string& path);
 
     // What kept files from being read whole, each with its path, in the order in which they were asked for.
@@ -60,7 +63,6 @@ public:
 private:
     using READER = INPUT_FILE (*)(const std::string&);
     std::shared_ptr<const INPUT_FILE> read_with(READER reader, const std::string& path);
-    void add_problem(const std::string& text); // once
 
     std::map<std::string, std::shared_ptr<const INPUT_FILE>> files; // by path as given
     std::vector<std::string> all_problems;

@@ -3,12 +3,14 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "tests/support/failing_files.h"
 #include "tests/support/isolated_test.h"
+#include "tests/support/scoped_process_state.h"
 #include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/output.h"
 
@@ -219,6 +221,57 @@ TEST(OUTPUT_TEST, is_written_whole_where_the_descriptor_does_not_block)
         got.append(buffer, static_cast<std::size_t>(count));
     close(ends[0]);
     EXPECT_TRUE(got == text) << got.size();
+}
+
+TEST(OUTPUT_TEST, is_as_wide_as_the_terminal)
+{
+    SCOPED_ENVIRONMENT environment;
+    environment.unset("COLUMNS");
+    const int controller = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_GE(controller, 0);
+    ASSERT_EQ(grantpt(controller), 0);
+    ASSERT_EQ(unlockpt(controller), 0);
+    const int terminal = open(ptsname(controller), O_RDWR | O_NOCTTY);
+    ASSERT_GE(terminal, 0);
+    const OUTPUT out(terminal);
+    EXPECT_EQ(out.width(), 80U); // it does not know
+    const winsize size{50, 123, 0, 0};
+    ASSERT_EQ(ioctl(terminal, TIOCSWINSZ, &size), 0);
+    EXPECT_EQ(out.width(), 123U);
+    for (const auto& [columns, width] : {std::pair("60", 60U), std::pair("0", 123U), std::pair("wide", 123U)})
+    {
+        environment.set("COLUMNS", columns);
+        EXPECT_EQ(out.width(), width) << columns;
+    }
+    close(terminal);
+    close(controller);
+}
+
+TEST_F(INPUT_FILE_TEST, standard_input_may_not_block)
+{
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_NONBLOCK | O_CLOEXEC), 0);
+    const pid_t reader = fork();
+    ASSERT_GE(reader, 0);
+    if (reader == 0)
+    {
+        close(ends[1]);
+        dup2(ends[0], STDIN_FILENO);
+        const INPUT_FILE file = read_named_file("-");
+        const bool once = read_named_file("-").problem == "has been read already; give - once";
+        _exit(file.bytes == std::string(200'000, 'x') && file.problem.empty() && once ? 0 : 1);
+    }
+    close(ends[0]);
+    OUTPUT out(ends[1]);
+    for (int i = 0; i < 200; ++i) // so that the reader now and then finds nothing
+    {
+        out << std::string(1'000, 'x');
+        out.finish();
+    }
+    close(ends[1]);
+    int status = 0;
+    waitpid(reader, &status, 0);
+    EXPECT_EQ(status, 0);
 }
 
 TEST(OUTPUT_TEST, complains_of_a_full_device)

@@ -7,6 +7,7 @@
 #include <ostream>
 #include <sys/prctl.h>
 #include <sys/ptrace.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -123,6 +124,8 @@ pid_t TOOL_TEST::start_with(bool rights, const std::vector<std::string>& argumen
     const pid_t child = fork();
     if (child == 0)
     {
+        if (const rlimit limit{most_memory, most_memory}; most_memory > 0 && setrlimit(RLIMIT_AS, &limit) != 0)
+            _exit(127);
         become_tool(rights, traced, standard_input.c_str(), output.c_str(), errors.c_str(),
                     const_cast<char**>(argument_pointers.data()), const_cast<char**>(environment_pointers.data()));
     }

@@ -215,8 +215,15 @@ void check_input_directory(const std::string& path, const std::string& advice)
 {
     struct stat found;
     const bool exists = stat(path.c_str(), &found) == 0;
-    if (exists ? !S_ISDIR(found.st_mode) : errno == ENOENT || errno == ENOTDIR)
-        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, path + ": no such directory; " + advice);
+    if (exists && !S_ISDIR(found.st_mode))
+    {
+        const std::size_t end = path.rfind('/');
+        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT,
+                         path + ": is a file; " + advice + "a directory, such as " +
+                             (end == std::string::npos ? "." : path.substr(0, std::max<std::size_t>(end, 1))));
+    }
+    if (!exists && (errno == ENOENT || errno == ENOTDIR))
+        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, path + ": no such directory; " + advice + "an existing one");
     if (!exists || access(path.c_str(), X_OK) != 0)
         throw TOOL_ERROR(EXIT_CODE::BAD_INPUT,
                          path + ": " + std::strerror(errno) + "; let this user search the directory");

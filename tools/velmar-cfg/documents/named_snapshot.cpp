@@ -18,7 +18,7 @@ COMPARED_SNAPSHOT named_snapshot(const std::string& path, const SETTINGS_SCOPE& 
 {
     if (path == "-" || !is_directory(path))
         return {title_of_named_file(path), read_snapshot(path)};
-    check_input_directory(path, "name an existing one");
+    check_input_directory(path, "name ");
     SETTINGS_SCOPE of_project = scope;
     of_project.project = path;
     return {path, take_snapshot(of_project, files)};

@@ -65,8 +65,8 @@ std::string with_hidden_parts_named(std::string_view text);
 // Where the byte at `offset` of the text stood before parts were hidden.
 std::size_t offset_before_hiding(std::string_view text, std::size_t offset);
 
-// The length of the beginning of the text that has at most `shown_length` bytes once hidden parts are named. It ends in no
-// mark; one that begins before that end belongs to it.
+// The length of the beginning of the text that has at most `shown_length` bytes once hidden parts are named. It ends in
+// no mark; one that begins before that end belongs to it.
 std::size_t length_by_shown_length(std::string_view text, std::size_t shown_length);
 
 enum class SAMENESS

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdint>
+#include <cstring>
 
 #include "platform/gen/gen.h"
 #include "tools/velmar-cfg/base/hidden_text.h"
@@ -161,6 +163,18 @@ bool is_utf_8(std::string_view bytes)
 {
     while (!bytes.empty())
     {
+        // Nearly all of nearly every text is ASCII, eight bytes at a time.
+        constexpr std::uint64_t beyond_ascii = 0x8080808080808080U;
+        std::uint64_t word = 0;
+        if (bytes.size() >= sizeof word)
+        {
+            std::memcpy(&word, bytes.data(), sizeof word);
+            if ((word & beyond_ascii) == 0)
+            {
+                bytes.remove_prefix(sizeof word);
+                continue;
+            }
+        }
         const std::size_t length = utf_8_sequence(bytes);
         if (length == 0)
             return false;

@@ -32,7 +32,6 @@ bool is_preference_file(const std::string& path)
 
 std::vector<FINDING> lint_settings_of(LAYERS layers)
 {
-    require_text(layers);
     return lint_settings(SETTINGS(std::move(layers)));
 }
 
@@ -53,7 +52,7 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
     }
     SECRETS& secrets = *tool.options.scope.secrets;
     for (const std::string& file : options.files)
-        append(findings, is_preference_file(file) ? lint_preferences(*tool.files.read(file), secrets)
+        append(findings, is_preference_file(file) ? lint_preferences(*tool.files.read_named(file), secrets)
                                                   : lint_settings_of(single_layer(file, tool.files, secrets)));
     return write_findings(findings, options.strict, tool);
 }
@@ -64,7 +63,7 @@ EXIT_CODE lint_only_preferences(const LINT_OPTIONS& options, TOOL& tool)
     if (options.files.empty())
         append(findings, lint_preferences_in_use(tool));
     for (const std::string& file : options.files)
-        append(findings, lint_preferences(*tool.files.read(file), *tool.options.scope.secrets));
+        append(findings, lint_preferences(*tool.files.read_named(file), *tool.options.scope.secrets));
     return write_findings(findings, options.strict, tool);
 }
 

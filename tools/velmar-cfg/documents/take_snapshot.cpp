@@ -12,7 +12,7 @@ SNAPSHOT_FILE file_of_role(const std::string& role, const std::string& path, con
                            SECRETS& secrets)
 {
     SNAPSHOT_FILE row{role, path, {}, {}};
-    if (file != nullptr)
+    if (file != nullptr && file->problem.empty())
     {
         row.size = file->bytes.size();
         row.hash_behind_mask = sha256_of(file->bytes);
@@ -24,7 +24,7 @@ SNAPSHOT_FILE file_of_role(const std::string& role, const std::string& path, con
 std::vector<SNAPSHOT_FILE> files_of(const LAYERS& layers, const INPUT_FILE* preference_file, SECRETS& secrets)
 {
     const bool secret_preferences =
-        preference_file != nullptr && hide_in_preference_text(preference_file->bytes, secrets).has_value();
+        preference_file != nullptr && hide_in_preference_text(preference_file->whole_lines(), secrets).has_value();
     std::vector<SNAPSHOT_FILE> files;
     for (const std::string& role : all_file_roles())
     {
@@ -60,7 +60,6 @@ std::vector<SNAPSHOT_PREFERENCE> preferences_of(const INPUT_FILE* file, SECRETS&
 SNAPSHOT take_snapshot(const SETTINGS_SCOPE& scope, INPUT_FILES& files)
 {
     LAYERS layers = load_layers(scope, files);
-    require_text(layers);
     const std::shared_ptr<const INPUT_FILE> preference_file = preference_file_in_use(files);
     SNAPSHOT snapshot;
     snapshot.product = ver_get_kestrin_product_filename();

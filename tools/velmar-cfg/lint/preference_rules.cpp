@@ -207,7 +207,6 @@ void EXAMINATION::examine_known_key(CFG_USER_INI_ENUMS preference)
 
 std::vector<FINDING> lint_preferences(const INPUT_FILE& file, SECRETS& secrets)
 {
-    file.require_text();
-    const std::optional<std::string> hidden = hide_in_preference_text(file.bytes, secrets);
-    return EXAMINATION(file.path).findings(hidden ? *hidden : file.bytes);
+    const std::optional<std::string> hidden = hide_in_preference_text(file.whole_lines(), secrets);
+    return EXAMINATION(file.path).findings(hidden ? *hidden : file.whole_lines());
 }

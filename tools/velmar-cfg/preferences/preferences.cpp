@@ -90,11 +90,10 @@ FILE_CANDIDATE preference_file_candidate()
 std::shared_ptr<const INPUT_FILE> preference_file_in_use(INPUT_FILES& files)
 {
     const std::string path = cfg_generate_user_ini_file_path();
-    if (!FIO_FILE_SYSTEM::exists(path.c_str()))
-        return nullptr;
-    std::shared_ptr<const INPUT_FILE> file = files.read(path);
-    file->require_text();
-    return file;
+    if (FIO_FILE_SYSTEM::exists(path.c_str()))
+        return files.read(path);
+    files.note_absence(path);
+    return nullptr;
 }
 
 PREFERENCES load_preferences(INPUT_FILES& files, SECRETS& secrets)
@@ -106,8 +105,8 @@ PREFERENCES preferences_in(const INPUT_FILE* file, SECRETS& secrets)
 {
     if (file == nullptr)
         return PREFERENCES("");
-    const std::optional<std::string> hidden = hide_in_preference_text(file->bytes, secrets);
-    return PREFERENCES(hidden ? *hidden : file->bytes);
+    const std::optional<std::string> hidden = hide_in_preference_text(file->whole_lines(), secrets);
+    return PREFERENCES(hidden ? *hidden : file->whole_lines());
 }
 
 PREFERENCES::PREFERENCES(std::string_view bytes)

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "tools/velmar-cfg/base/errors.h"
+#include "platform/fio/fio.h"
 
 using namespace zon_cfg;
 
@@ -31,8 +31,46 @@ std::shared_ptr<const std::string> lasting(std::optional<std::string> text)
 LAYER file_layer(LAYER_KIND kind, std::shared_ptr<const INPUT_FILE> file, SECRETS& secrets)
 {
     LAYER layer{kind, std::move(file)};
-    layer.hidden = lasting(hide_in_settings_text(layer.text(), secrets));
+    layer.hidden = lasting(hide_in_settings_text(layer.source->whole_lines(), secrets));
     return layer;
+}
+
+// Adds the file that `find` finds, if it finds one. A file that is gone once it is opened is being replaced, or moved
+// away: what is there by now is searched for anew.
+template <typename FIND>
+void add_file(LAYER_KIND kind, LAYERS& layers, INPUT_FILES& files, SECRETS& secrets, FIND find)
+{
+    constexpr int most_tries = 1000;
+    for (int tries = 1;; ++tries)
+    {
+        const std::string path = find();
+        if (path.empty())
+            return;
+        std::shared_ptr<const INPUT_FILE> file = files.read(path);
+        if (!file->gone || tries == most_tries)
+        {
+            layers.push_back(file_layer(kind, std::move(file), secrets));
+            return;
+        }
+        files.forget(path);
+    }
+}
+
+// Notes the places of the search that come before the file that is found.
+void note_places_passed_over(const SETTINGS_SCOPE& scope, bool regtest, INPUT_FILES& files)
+{
+    if (!scope.project.empty())
+    {
+        const FIO_PATH path = project_settings_path(scope.project.c_str(), regtest);
+        if (FIO_FILE_SYSTEM::exists(path))
+            return;
+        files.note_absence(path.fullpath());
+    }
+    if (settings_search_is_disabled())
+        return;
+    SETTINGS_SEARCH search(settings_file_name(regtest));
+    for (SEARCH_PLACE place{}; search.next(place) && !FIO_FILE_SYSTEM::exists(search.path());)
+        files.note_absence(search.path().fullpath());
 }
 }
 
@@ -80,22 +118,21 @@ const char* layer_title(LAYER_KIND kind)
 
 std::string_view LAYER::text() const
 {
-    if (hidden != nullptr)
-        return *hidden;
-    const std::string_view bytes = source->bytes;
-    return source->problem.empty() ? bytes : bytes.substr(0, bytes.rfind('\n') + 1);
+    return hidden != nullptr ? *hidden : source->whole_lines();
 }
 
 LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files)
 {
     LAYERS layers;
-    const auto add_file = [&](LAYER_KIND kind, const std::string& path)
+    const auto add_searched = [&](LAYER_KIND kind, bool regtest)
     {
-        if (!path.empty())
-            layers.push_back(file_layer(kind, files.read(path), *scope.secrets));
+        note_places_passed_over(scope, regtest, files);
+        add_file(kind, layers, files, *scope.secrets, [&] { return settings_file_of(scope.project, regtest); });
     };
-    add_file(LAYER_KIND::MAIN_FILE, settings_file_of(scope.project, false));
-    add_file(LAYER_KIND::APPENDED_FILE, appended_file());
+    add_searched(LAYER_KIND::MAIN_FILE, false);
+    if (const std::string named = named_appended_file(); !named.empty())
+        files.note_absence(named);
+    add_file(LAYER_KIND::APPENDED_FILE, layers, files, *scope.secrets, appended_file);
     if (const char* const text = inline_text(); text != nullptr)
     {
         LAYER layer{LAYER_KIND::INLINE_TEXT, std::make_shared<const INPUT_FILE>(INPUT_FILE{inline_source, text, {}})};
@@ -103,19 +140,13 @@ LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files)
         layers.push_back(std::move(layer));
     }
     if (scope.regtest)
-        add_file(LAYER_KIND::REGTEST_FILE, settings_file_of(scope.project, true));
+        add_searched(LAYER_KIND::REGTEST_FILE, true);
     return layers;
 }
 
 LAYERS single_layer(const std::string& path, INPUT_FILES& files, SECRETS& secrets)
 {
-    return {file_layer(LAYER_KIND::MAIN_FILE, files.read(path), secrets)};
-}
-
-void require_text(const LAYERS& layers)
-{
-    for (const LAYER& layer : layers)
-        layer.source->require_text();
+    return {file_layer(LAYER_KIND::MAIN_FILE, files.read_named(path), secrets)};
 }
 
 bool STATEMENTS::next_item(STATEMENT& statement)

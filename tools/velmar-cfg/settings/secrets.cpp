@@ -7,7 +7,7 @@
 #include "tools/velmar-cfg/settings/secrets.h"
 
 #include <algorithm>
-#include <array>
+#include <cctype>
 #include <fnmatch.h>
 #include <limits>
 
@@ -108,6 +108,25 @@ std::string hide_in_line(std::string_view line, SECRETS& secrets)
     }
     return hidden + hide_behind_names(line.substr(value, end - value), true, names_of(secrets), secrets) +
            hide_behind_names(comment, true, names_of(secrets), secrets);
+}
+
+// `text` with each `word` replaced by the mark. One that is short only where it stands alone: it may be part of any
+// other.
+std::string with_mark(std::string_view text, std::string_view word, const std::string& mark)
+{
+    constexpr std::size_t short_word = 4;
+    const auto is_apart = [text](std::size_t at)
+    { return at >= text.size() || std::isalnum(static_cast<unsigned char>(text[at])) == 0; };
+    std::string result;
+    std::size_t end = 0; // of what is in the result
+    for (std::size_t at = text.find(word); at != std::string_view::npos; at = text.find(word, std::max(at + 1, end)))
+    {
+        if (word.size() < short_word && (!is_apart(at - 1) || !is_apart(at + word.size())))
+            continue;
+        result.append(text, end, at - end).append(mark);
+        end = at + word.size();
+    }
+    return result.append(text.substr(end));
 }
 
 // --- Items of an inline text ---
@@ -324,4 +343,23 @@ std::string hide_in_value(std::string_view name, std::string_view value, SECRETS
         return hide_runs(value, kept, secrets);
     return secrets.may_hold_secret_name(value) ? hide_behind_names(value, true, names_of(secrets), secrets)
                                                : std::string(value);
+}
+
+std::string hide_in_text(std::string_view text, std::string_view secret, SECRETS& secrets)
+{
+    std::string message(text);
+    while (!secret.empty())
+    {
+        const std::string_view piece = without_outer_white_space(secret.substr(0, secret.find_first_of("\"[]")));
+        secret.remove_prefix(std::min(secret.find_first_of("\"[]"), secret.size() - 1) + 1);
+        if (piece.empty())
+            continue;
+        const std::string mark = secrets.mark(piece);
+        std::string hidden;
+        TEXT_PARTS parts(message);
+        for (TEXT_PART part{}; parts.next(part);)
+            hidden += part.hidden ? std::string(part.text) : with_mark(part.text, piece, mark);
+        message = std::move(hidden);
+    }
+    return message;
 }

@@ -80,6 +80,10 @@ inline constexpr std::string_view kept_in_items = ":;";
 std::string hide_in_value(std::string_view name, std::string_view value, SECRETS& secrets,
                           std::string_view kept = kept_in_lines);
 
+// A message with the secret hidden wherever it stands in it, piece by piece: quotes and brackets may have gone, or have
+// made two texts of it. A piece of up to three bytes is hidden only where it stands apart.
+std::string hide_in_text(std::string_view text, std::string_view secret, SECRETS& secrets);
+
 // --- For rules of other files ---
 
 // `text` with each run of characters that are none of `kept` hidden, white space at the runs' ends excepted.

@@ -149,8 +149,9 @@ TEST_F(JSON_FIELDS, are_those_of_the_manual_page)
 
 TEST_F(JSON_FIELDS, stand_on_the_manual_page_for_documents_that_there_are)
 {
-    for (const auto& [title, members] : members_on_page())
+    for (const auto& item : members_on_page())
     {
+        const std::string& title = item.first;
         const auto has_title = [&title](const DOCUMENT& document) { return title == document.title; };
         EXPECT_TRUE(title.empty() || title.starts_with("members of ") || std::ranges::any_of(documents, has_title))
             << title;

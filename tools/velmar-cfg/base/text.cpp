@@ -146,7 +146,7 @@ std::string shortened(std::string_view text, std::size_t longest)
         return std::string(text);
     // A character of UTF-8 that would be cut is left out whole, so that a text stays one.
     std::size_t length = longest;
-    for (std::size_t begin = longest; begin > 0 && begin + 4 > longest; --begin)
+    for (std::size_t begin = longest; begin > 0 && begin + 3 > longest; --begin)
     {
         if (begin - 1 + utf_8_sequence(text.substr(begin - 1)) > longest)
             length = begin - 1;

@@ -6,6 +6,7 @@
 #include <set>
 
 #include "tests/velmar_cfg/settings_generator.h"
+#include "tools/velmar-cfg/settings/settings.h"
 
 namespace
 {
@@ -30,7 +31,7 @@ TEST(LINT_MODEL, says_of_each_line_what_becomes_of_it)
         SCOPED_TRACE("line '" + line + "'");
         const SETTINGS settings(
             {{LAYER_KIND::MAIN_FILE, std::make_shared<const INPUT_FILE>(INPUT_FILE{"velmar.ini", line, {}})}});
-        const std::vector<FINDING> findings = lint_settings(settings);
+        const std::vector<FINDING> findings = lint_settings(settings.layers());
         const auto found = [&](const char* reason)
         { return std::ranges::any_of(findings, [&](const FINDING& finding) { return finding.reason == reason; }); };
         if (found("carriage-return"))

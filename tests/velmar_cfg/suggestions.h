@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "tools/velmar-cfg/lint/settings_rules.h"
+#include "tools/velmar-cfg/settings/settings.h"
 
 inline LAYER layer_of(LAYER_KIND kind, const std::string& text)
 {
@@ -21,7 +22,7 @@ inline LAYER layer_of(LAYER_KIND kind, const std::string& text)
 
 inline std::vector<FINDING> findings_of(LAYER_KIND kind, const std::string& text)
 {
-    return lint_settings(SETTINGS({layer_of(kind, text)}));
+    return lint_settings({layer_of(kind, text)});
 }
 
 inline std::map<std::string, std::string> values_of(LAYER_KIND kind, const std::string& text)

@@ -76,12 +76,12 @@ std::vector<std::string> lint_reasons_in(const std::vector<HINT>& hints)
 TEST(SYSTEM_FILES, list_get_explain_and_lint_agree)
 {
     std::size_t variables = 0;
-    for_each_system_file(std::chrono::seconds(3),
+    for_each_system_file(std::chrono::seconds(2),
                          [&](const std::string& text)
                          {
                              const LAYERS layers = {layer_of(LAYER_KIND::MAIN_FILE, text)};
                              const SETTINGS settings(layers);
-                             const std::vector<FINDING> findings = lint_settings(settings);
+                             const std::vector<FINDING> findings = lint_settings(layers);
                              for (const std::string& name : some_names(settings))
                              {
                                  SCOPED_TRACE(name);
@@ -125,7 +125,7 @@ TEST(SYSTEM_FILES, lint_tells_each_line_that_sets_nothing)
         {
             const LAYERS layers = {layer_of(LAYER_KIND::MAIN_FILE, text)};
             std::set<std::size_t> told;
-            for (const FINDING& finding : lint_settings(SETTINGS(layers)))
+            for (const FINDING& finding : lint_settings(layers))
             {
                 if (finding.severity == SEVERITY::ERROR && ignoring.contains(finding.reason))
                     told.insert(*finding.line);
@@ -144,7 +144,7 @@ TEST(SYSTEM_FILES, lint_tells_each_line_that_sets_nothing)
 TEST(SYSTEM_FILES, get_suggestions_that_help)
 {
     std::size_t suggested = 0;
-    for_each_system_file(std::chrono::seconds(3), [&](const std::string& text)
+    for_each_system_file(std::chrono::seconds(2), [&](const std::string& text)
                          { suggested += expect_that_suggestions_help(LAYER_KIND::MAIN_FILE, text, 10); });
     EXPECT_TRUE(suggested > 0 || IsSkipped());
 }
@@ -180,7 +180,7 @@ TEST(SYSTEM_FILES, have_hardly_a_false_warning)
     std::size_t plain = 0;
     std::string warned;
     std::size_t warnings = 0;
-    for_each_system_file(std::chrono::seconds(3),
+    for_each_system_file(std::chrono::seconds(2),
                          [&](const std::string& text)
                          {
                              const LAYERS layers = {layer_of(LAYER_KIND::MAIN_FILE, text)};
@@ -193,7 +193,7 @@ TEST(SYSTEM_FILES, have_hardly_a_false_warning)
                                      plain_lines.emplace(statement.position, statement.text);
                              }
                              plain += plain_lines.size();
-                             for (const FINDING& finding : lint_settings(SETTINGS(layers)))
+                             for (const FINDING& finding : lint_settings(layers))
                              {
                                  if (finding.severity == SEVERITY::NOTE || !habits.contains(finding.reason) ||
                                      !plain_lines.contains(*finding.line))

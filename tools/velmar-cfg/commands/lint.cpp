@@ -16,7 +16,6 @@
 #include "tools/velmar-cfg/lint/settings_rules.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/layers.h"
-#include "tools/velmar-cfg/settings/settings.h"
 
 namespace
 {
@@ -38,7 +37,7 @@ public:
     void add_settings(LAYERS layers)
     {
         require_text(layers);
-        checks.emplace_back([layers = std::move(layers)](const TAKE& take) { lint_settings(SETTINGS(layers), take); });
+        checks.emplace_back([layers = std::move(layers)](const TAKE& take) { lint_settings(layers, take); });
     }
 
     void add_preferences(const INPUT_FILE& file)

@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <optional>
+#include <string>
 
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/lint/examination.h"
@@ -132,20 +134,16 @@ void EXAMINATION::unknown_variable()
 
 void EXAMINATION::letter_case()
 {
-    std::string_view expected;
+    const KNOWN_VARIABLE* const known = find_known_variable(statement.name);
+    std::string expected(known == nullptr ? "" : known->name);
     std::string whence;
-    if (const KNOWN_VARIABLE* const known = find_known_variable(statement.name); known != nullptr)
-        expected = known->name;
-    else if (standing.is_first)
-        return;
-    else
+    if (known == nullptr)
     {
-        const VARIABLE* const variable = settings.find(statement.name);
-        if (variable == nullptr || variable->first >= standing.index)
-            return; // then this is the first
-        const ASSIGNMENT& first = settings.assignments()[variable->first];
-        expected = first.name;
-        whence = " at " + location_as_text(settings.location_of(first));
+        const auto first = standing.is_first ? std::nullopt : namesakes.first_before(statement.name, standing.number);
+        if (!first)
+            return;
+        expected = first->name;
+        whence = " at " + location_as_text(first->location);
     }
     if (statement.name == expected)
         return;
@@ -155,32 +153,24 @@ void EXAMINATION::letter_case()
         "write " + in_single_quotes(expected));
 }
 
-// The next assignment to the variable in the same layer; null for none.
-const ASSIGNMENT* EXAMINATION::later_assignment() const
-{
-    const std::vector<ASSIGNMENT>& assignments = settings.assignments();
-    ASSIGNMENT_INDEX next = no_assignment;
-    if (standing.is_assignment && same_name(assignments[standing.index].name, statement.name))
-        next = assignments[standing.index].next_to_same;
-    else if (const VARIABLE* const variable = settings.find(statement.name); variable != nullptr)
-    {
-        // Asked only of a text that would be new. A walk through all that may stand between could be long, so that one
-        // in a later layer counts too if this layer has any.
-        const ASSIGNMENT_INDEX behind = standing.index + (standing.is_assignment ? 1 : 0);
-        return variable->winner >= behind && variable->layers.contains(layer.kind) ? &assignments[variable->winner]
-                                                                                   : nullptr;
-    }
-    return next == no_assignment || assignments[next].layer != statement.layer ? nullptr : &assignments[next];
-}
-
 void EXAMINATION::overridden()
 {
-    const ASSIGNMENT* const later = later_assignment();
-    if (later == nullptr)
+    constexpr const char* advice = "remove one of the two";
+    if (standing.is_new)
+    {
+        // All between may be many. One in a later layer counts too if this layer has any: a text is rather not
+        // suggested.
+        if (namesakes.may_be_assigned_to_later(statement.name, statement.layer,
+                                               standing.number + (standing.is_assignment ? 1 : 0)))
+            add(first_visible(text), SEVERITY::WARNING, "overridden", "set again later", advice, nullptr);
+        return;
+    }
+    const std::optional<NAMESAKES::ASSIGNED> later = namesakes.next(standing.number);
+    if (!later)
         return;
     const bool same = later->value == statement.value;
     add(first_visible(text), same ? SEVERITY::NOTE : SEVERITY::WARNING, "overridden",
-        location_as_text(settings.location_of(*later)) + " sets " + in_single_quotes(statement.name) + " again" +
+        location_as_text(later->location) + " sets " + in_single_quotes(statement.name) + " again" +
             (same ? ", to the same value" : ""),
-        "remove one of the two", nullptr);
+        advice, nullptr);
 }

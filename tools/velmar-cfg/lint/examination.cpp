@@ -21,9 +21,10 @@ FINDING separator_finding(const INPUT_FILE& source, std::size_t offset)
             std::nullopt};
 }
 
-EXAMINATION::EXAMINATION(const SETTINGS& the_settings, const STATEMENT& the_statement, const STANDING& the_standing)
-    : settings(the_settings), statement(the_statement), standing(the_standing),
-      layer(the_settings.layers()[the_statement.layer]), text(the_statement.text),
+EXAMINATION::EXAMINATION(const LAYERS& layers, const NAMESAKES& all_namesakes, const STATEMENT& the_statement,
+                         const STANDING& the_standing)
+    : namesakes(all_namesakes), statement(the_statement), standing(the_standing), layer(layers[the_statement.layer]),
+      text(the_statement.text),
       kept_length(is_file(layer.kind) && the_statement.outcome != OUTCOME::TOO_SHORT ? length_without_comment(text)
                                                                                      : text.size())
 {

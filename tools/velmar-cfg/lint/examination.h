@@ -12,8 +12,9 @@
 
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/lint/finding.h"
+#include "tools/velmar-cfg/lint/namesakes.h"
 #include "tools/velmar-cfg/settings/known_variables.h"
-#include "tools/velmar-cfg/settings/settings.h"
+#include "tools/velmar-cfg/settings/layers.h"
 
 // A finding, and how its advice goes on behind the text that it suggests.
 struct NOTICE
@@ -25,9 +26,10 @@ struct NOTICE
 // Where among the assignments a statement stands.
 struct STANDING
 {
-    ASSIGNMENT_INDEX index; // its own, or of the next assignment when it is none
-    bool is_assignment;     // the index is its own
-    bool is_first;          // known to be the first of its variable
+    ASSIGNMENT_NUMBER number; // its own, or of the next assignment when it is none
+    bool is_assignment;       // the number is its own
+    bool is_first;            // known to be the first of its variable
+    bool is_new;              // it would take the place of what stands there
 };
 
 // That an inline text mixes both separators, seen at that offset of an item.
@@ -38,7 +40,8 @@ class EXAMINATION
 {
 public:
     // All must outlive this.
-    EXAMINATION(const SETTINGS& the_settings, const STATEMENT& the_statement, const STANDING& the_standing);
+    EXAMINATION(const LAYERS& layers, const NAMESAKES& all_namesakes, const STATEMENT& the_statement,
+                const STANDING& the_standing);
 
     // In the order of their columns. To be called once.
     std::vector<NOTICE> notices();
@@ -70,7 +73,6 @@ private:
     void unknown_variable();
     void letter_case();
     void overridden();
-    const ASSIGNMENT* later_assignment() const;
 
     // The text without its comment.
     std::string_view kept() const
@@ -87,7 +89,7 @@ private:
 
     static std::size_t first_visible(std::string_view part);
 
-    const SETTINGS& settings;
+    const NAMESAKES& namesakes;
     const STATEMENT& statement;
     const STANDING standing;
     const LAYER& layer;

@@ -141,8 +141,8 @@ std::string INTENTIONS::spelt(std::string_view name) const
         return known->name;
     if (const std::string* const nearest = nearest_known_name(name); nearest != nullptr)
         return *nearest;
-    const VARIABLE* const set = settings.find(name);
-    return std::string(set == nullptr ? name : settings.name_of(*set));
+    const std::optional<NAMESAKES::ASSIGNED> first = namesakes.first_before(name);
+    return first ? first->name : std::string(name);
 }
 
 std::optional<std::string> INTENTIONS::name_of_words(std::string_view text) const

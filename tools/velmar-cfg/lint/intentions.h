@@ -9,13 +9,13 @@
 #include <string>
 #include <string_view>
 
-#include "tools/velmar-cfg/settings/settings.h"
+#include "tools/velmar-cfg/lint/namesakes.h"
 
 class INTENTIONS
 {
 public:
-    // The settings tell how a name is spelt elsewhere; they must outlive this.
-    explicit INTENTIONS(const SETTINGS& all_settings) : settings(all_settings) {}
+    // They tell how a name is spelt elsewhere, and must outlive this.
+    explicit INTENTIONS(const NAMESAKES& all_namesakes) : namesakes(all_namesakes) {}
 
     // The line, or the lines with newlines between them; its carriage return stays. Nothing where a person must decide.
     std::optional<std::string> of_line(std::string_view line, bool is_first) const;
@@ -33,7 +33,7 @@ private:
     std::optional<std::string> name_meant_by(std::string_view written) const;
     std::optional<std::string> name_of_words(std::string_view text) const;
 
-    const SETTINGS& settings;
+    const NAMESAKES& namesakes;
 };
 
 // The known variable nearest to the name, which is none itself. Null for none.

@@ -66,27 +66,27 @@ LAYERS with_inline_text(const LAYERS& layers, const std::string& text)
     }
     return changed;
 }
+}
 
 // What the rules say of the inline text alone.
-REASONS reasons_of_items(const SETTINGS& settings)
+REASONS SETTINGS_RULES::reasons_of_items() const
 {
     REASONS reasons;
-    STATEMENTS statements(settings.layers());
+    STATEMENTS statements(layers);
     STATEMENT statement{};
-    for (ASSIGNMENT_INDEX assignment = 0; statements.next(statement);)
+    for (ASSIGNMENT_NUMBER number = 0; statements.next(statement);)
     {
         const bool is_assignment = statement.outcome == OUTCOME::STORED;
-        if (!is_file(settings.layers()[statement.layer].kind))
-            add_reasons(reasons, EXAMINATION(settings, statement, {assignment, is_assignment, false}));
-        assignment += is_assignment ? 1 : 0;
+        if (!is_file(layers[statement.layer].kind))
+            add_reasons(reasons, EXAMINATION(layers, namesakes, statement, {number, is_assignment, false, false}));
+        number += is_assignment ? 1 : 0;
     }
     return reasons;
-}
 }
 
 std::optional<std::string> SETTINGS_RULES::text_meant_by(const STATEMENT& statement) const
 {
-    const LAYER& layer = settings.layers()[statement.layer];
+    const LAYER& layer = layers[statement.layer];
     if (is_file(layer.kind))
         return intentions.of_line(statement.text, statement.position == 1);
     return statement.outcome == OUTCOME::STORED
@@ -103,11 +103,12 @@ REASONS SETTINGS_RULES::reasons_of_text(const std::string& text, const STATEMENT
     STATEMENT changed = statement;
     const auto examine = [&]
     {
-        add_reasons(reasons, EXAMINATION(settings, changed, {standing.index, standing.is_assignment, false}));
+        add_reasons(reasons,
+                    EXAMINATION(layers, namesakes, changed, {standing.number, standing.is_assignment, false, true}));
         if (changed.outcome == OUTCOME::STORED && !names.emplace(changed.name).second)
             reasons.emplace("overridden"); // by another part of the text
     };
-    if (is_file(settings.layers()[statement.layer].kind))
+    if (is_file(layers[statement.layer].kind))
     {
         LINE_PARTS parts;
         for (const std::string_view line : lines_of(text))
@@ -121,7 +122,7 @@ REASONS SETTINGS_RULES::reasons_of_text(const std::string& text, const STATEMENT
         return reasons;
     }
     // The separator is that of the whole text: it stands first.
-    const std::string items = separator_of_items(settings.layers()[statement.layer].source->bytes) + text;
+    const std::string items = separator_of_items(layers[statement.layer].source->bytes) + text;
     INLINE_ITEMS walk(items);
     std::string name;
     std::string value;
@@ -163,10 +164,11 @@ bool SETTINGS_RULES::other_separator_helps(const std::string& text)
     {
         const char other = separator_of_items(text) == ';' ? ':' : ';';
         leading_separator_helps = false;
-        const REASONS before = mixes_separators(text) ? reasons_of_items(settings) : REASONS();
+        const REASONS before = mixes_separators(text) ? reasons_of_items() : REASONS();
         if (before.contains(separator_reason))
         {
-            const REASONS after = reasons_of_items(SETTINGS(with_inline_text(settings.layers(), other + text)));
+            const LAYERS changed = with_inline_text(layers, other + text);
+            const REASONS after = SETTINGS_RULES(changed).reasons_of_items();
             leading_separator_helps = !after.contains(separator_reason) && std::ranges::includes(before, after);
         }
     }
@@ -177,7 +179,7 @@ bool SETTINGS_RULES::other_separator_helps(const std::string& text)
 // those that were meant, and nothing is suggested for them.
 void SETTINGS_RULES::suggest_other_separator(std::vector<NOTICE>& notices, const STATEMENT& statement) const
 {
-    const INPUT_FILE& source = *settings.layers()[statement.layer].source;
+    const INPUT_FILE& source = *layers[statement.layer].source;
     std::erase_if(notices, [](const NOTICE& notice) { return notice.finding.reason == separator_reason; });
     if (statement.position != 1)
         return;
@@ -189,10 +191,11 @@ void SETTINGS_RULES::suggest_other_separator(std::vector<NOTICE>& notices, const
     notices.push_back({std::move(finding), nullptr});
 }
 
-std::vector<FINDING> SETTINGS_RULES::findings(const STATEMENT& statement, const STANDING& standing)
+std::vector<FINDING> SETTINGS_RULES::findings(const STATEMENT& statement, ASSIGNMENT_NUMBER number, bool is_first)
 {
-    std::vector<NOTICE> notices = EXAMINATION(settings, statement, standing).notices();
-    const LAYER& layer = settings.layers()[statement.layer];
+    const STANDING standing{number, statement.outcome == OUTCOME::STORED, is_first, false};
+    std::vector<NOTICE> notices = EXAMINATION(layers, namesakes, statement, standing).notices();
+    const LAYER& layer = layers[statement.layer];
     if (!is_file(layer.kind) && other_separator_helps(layer.source->bytes))
         suggest_other_separator(notices, statement);
     else if (!notices.empty())
@@ -204,27 +207,29 @@ std::vector<FINDING> SETTINGS_RULES::findings(const STATEMENT& statement, const 
     return findings;
 }
 
-void lint_settings(const SETTINGS& settings, const std::function<void(const FINDING&)>& take)
+void SETTINGS_RULES::run(const std::function<void(const FINDING&)>& take)
 {
-    SETTINGS_RULES rules(settings);
-    STATEMENTS statements(settings.layers());
+    STATEMENTS statements(layers);
     STATEMENT statement{};
-    std::size_t variable = 0; // the next that no statement has set yet
-    for (ASSIGNMENT_INDEX assignment = 0; statements.next(statement);)
+    std::size_t variables = 0; // that a statement has set
+    for (ASSIGNMENT_NUMBER number = 0; statements.next(statement);)
     {
         const bool is_assignment = statement.outcome == OUTCOME::STORED;
-        const bool is_first = is_assignment && variable < settings.variables().size() &&
-                              settings.variables()[variable].first == assignment;
-        for (const FINDING& finding : rules.findings(statement, {assignment, is_assignment, is_first}))
-            take(finding);
-        variable += is_first ? 1 : 0;
-        assignment += is_assignment ? 1 : 0;
+        const bool is_first = is_assignment && namesakes.is_first(number, variables);
+        std::ranges::for_each(findings(statement, number, is_first), take);
+        variables += is_first ? 1U : 0U;
+        number += is_assignment ? 1 : 0;
     }
 }
 
-std::vector<FINDING> lint_settings(const SETTINGS& settings)
+void lint_settings(const LAYERS& layers, const std::function<void(const FINDING&)>& take)
+{
+    SETTINGS_RULES(layers).run(take);
+}
+
+std::vector<FINDING> lint_settings(const LAYERS& layers)
 {
     std::vector<FINDING> findings;
-    lint_settings(settings, [&findings](const FINDING& finding) { findings.push_back(finding); });
+    lint_settings(layers, [&findings](const FINDING& finding) { findings.push_back(finding); });
     return findings;
 }

@@ -12,19 +12,23 @@
 #include "tools/velmar-cfg/lint/examination.h"
 #include "tools/velmar-cfg/lint/finding.h"
 #include "tools/velmar-cfg/lint/intentions.h"
-#include "tools/velmar-cfg/settings/settings.h"
+#include "tools/velmar-cfg/lint/namesakes.h"
+#include "tools/velmar-cfg/settings/layers.h"
 
 using REASONS = std::set<std::string>;
 
-// The rules with what they need of all settings, which must outlive this and be those of all their layers' variables.
+// The rules with what they need of all statements of the layers, which must outlive this.
 class SETTINGS_RULES
 {
 public:
-    explicit SETTINGS_RULES(const SETTINGS& all_settings) : settings(all_settings), intentions(all_settings) {}
+    explicit SETTINGS_RULES(const LAYERS& all_layers) : layers(all_layers), namesakes(layers), intentions(namesakes) {}
 
-    // The findings of one statement. The standing's index is that of its assignment, or of the next one when it is
-    // none.
-    std::vector<FINDING> findings(const STATEMENT& statement, const STANDING& standing);
+    // The findings of one statement. `number` is its own, or that of the next assignment when it is none; its texts
+    // must be parts of the layers.
+    std::vector<FINDING> findings(const STATEMENT& statement, ASSIGNMENT_NUMBER number, bool is_first = false);
+
+    // Hands the findings of every statement over, in the order of the statements.
+    void run(const std::function<void(const FINDING&)>& take);
 
 private:
     std::optional<std::string> text_meant_by(const STATEMENT& statement) const;
@@ -33,15 +37,18 @@ private:
     bool other_separator_helps(const std::string& text);
     void suggest_other_separator(std::vector<NOTICE>& notices, const STATEMENT& statement) const;
 
-    const SETTINGS& settings;
+    REASONS reasons_of_items() const;
+
+    const LAYERS& layers;
+    const NAMESAKES namesakes;
     const INTENTIONS intentions;
     std::optional<bool> leading_separator_helps; // once asked
 };
 
 // Hands the findings of every statement over, in the order of the statements.
-void lint_settings(const SETTINGS& settings, const std::function<void(const FINDING&)>& take);
+void lint_settings(const LAYERS& layers, const std::function<void(const FINDING&)>& take);
 
 // The same, all at once.
-std::vector<FINDING> lint_settings(const SETTINGS& settings);
+std::vector<FINDING> lint_settings(const LAYERS& layers);
 
 #endif

@@ -10,7 +10,7 @@ namespace
 {
 bool equal_words(std::string_view a, std::string_view b)
 {
-    return same_name(a, b) && a.size() == b.size();
+    return a.size() == b.size() && same_name(a, b);
 }
 
 bool is_word_of(std::string_view value, std::initializer_list<std::string_view> words)

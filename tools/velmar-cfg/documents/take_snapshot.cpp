@@ -34,8 +34,10 @@ std::vector<SNAPSHOT_FILE> files_of(const LAYERS& layers, const INPUT_FILE* pref
             files.push_back(
                 file_of_role(role, preference_file_location().path, preference_file, secret_preferences, secrets));
         else if (layer != layers.end())
-            files.push_back(
-                file_of_role(role, layer->source->path, layer->source.get(), layer->hidden != nullptr, secrets));
+        {
+            const INPUT_FILE* const file = (layer->original ? layer->original : layer->source).get();
+            files.push_back(file_of_role(role, file->path, file, layer->original != nullptr, secrets));
+        }
         else
             files.push_back({role, {}, {}, {}});
     }

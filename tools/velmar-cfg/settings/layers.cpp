@@ -23,16 +23,22 @@ bool may_assign(std::string_view line, char beginning)
     return first != line.end() && (folded(*first) == beginning || static_cast<unsigned char>(*first) >= 0x80);
 }
 
-std::shared_ptr<const std::string> lasting(std::optional<std::string> text)
+// The layer with its secrets hidden, given its text without them; nothing when there are none.
+LAYER hidden_layer(LAYER_KIND kind, std::shared_ptr<const INPUT_FILE> source, std::optional<std::string> hidden)
 {
-    return text ? std::make_shared<const std::string>(*std::move(text)) : nullptr;
+    if (!hidden)
+        return {kind, std::move(source)};
+    auto masked = std::make_shared<INPUT_FILE>();
+    masked->path = source->path;
+    masked->bytes = *std::move(hidden);
+    masked->problem = source->problem;
+    return {kind, std::move(masked), std::move(source)};
 }
 
 LAYER file_layer(LAYER_KIND kind, std::shared_ptr<const INPUT_FILE> file, SECRETS& secrets)
 {
-    LAYER layer{kind, std::move(file)};
-    layer.hidden = lasting(hide_in_settings_text(layer.source->whole_lines(), secrets));
-    return layer;
+    std::optional<std::string> hidden = hide_in_settings_text(file->whole_lines(), secrets);
+    return hidden_layer(kind, std::move(file), std::move(hidden));
 }
 
 // Adds the file that `find` finds, if it finds one. A file that is gone once it is opened is being replaced, or moved
@@ -116,11 +122,6 @@ const char* layer_title(LAYER_KIND kind)
     return "regression-test file";
 }
 
-std::string_view LAYER::text() const
-{
-    return hidden != nullptr ? *hidden : source->whole_lines();
-}
-
 LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files)
 {
     LAYERS layers;
@@ -135,9 +136,9 @@ LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files)
     add_file(LAYER_KIND::APPENDED_FILE, layers, files, *scope.secrets, appended_file);
     if (const char* const text = inline_text(); text != nullptr)
     {
-        LAYER layer{LAYER_KIND::INLINE_TEXT, std::make_shared<const INPUT_FILE>(INPUT_FILE{inline_source, text, {}})};
-        layer.hidden = lasting(hide_in_inline_text(layer.source->bytes, *scope.secrets));
-        layers.push_back(std::move(layer));
+        auto source = std::make_shared<const INPUT_FILE>(INPUT_FILE{inline_source, text, {}});
+        std::optional<std::string> hidden = hide_in_inline_text(source->bytes, *scope.secrets);
+        layers.push_back(hidden_layer(LAYER_KIND::INLINE_TEXT, std::move(source), std::move(hidden)));
     }
     if (scope.regtest)
         add_searched(LAYER_KIND::REGTEST_FILE, true);
@@ -152,7 +153,7 @@ LAYERS single_layer(const std::string& path, INPUT_FILES& files, SECRETS& secret
 bool STATEMENTS::next_item(STATEMENT& statement)
 {
     if (!items)
-        items.emplace(layers[layer].hidden != nullptr ? *layers[layer].hidden : layers[layer].source->bytes);
+        items.emplace(layers[layer].source->bytes);
     if (!items->next(statement.outcome, item_name, item_value))
     {
         items.reset();
@@ -177,7 +178,7 @@ bool STATEMENTS::next_accepted(STATEMENT& statement, ACCEPT accept)
                 return true;
             continue;
         }
-        const std::string_view text = layers[layer].text();
+        const std::string_view text = layers[layer].source->whole_lines();
         while (offset < text.size())
         {
             const std::string_view line = text.substr(offset, text.find('\n', offset) - offset);

@@ -92,14 +92,13 @@ struct LAYER
 {
     LAYER_KIND kind;
 
-    // The path as the library opens it, or inline_source, with the text. Never null. Where the file could not be read
-    // whole, the library goes on with the whole lines before the error, and so does the tool's model.
+    // The path as the library opens it, or inline_source, with the text, secrets hidden in it. Never null. Where the
+    // file could not be read whole, the library goes on with the whole lines before the error, and so does the tool's
+    // model.
     std::shared_ptr<const INPUT_FILE> source;
 
-    // The text with the secrets in it hidden; nothing when it holds none.
-    std::shared_ptr<const std::string> hidden = {};
-
-    std::string_view text() const;
+    // What the source is with its secrets shown, for hashes; null when the source holds none.
+    std::shared_ptr<const INPUT_FILE> original = {};
 };
 
 using LAYERS = std::vector<LAYER>;

@@ -200,6 +200,28 @@ TEST(SUGGESTIONS, are_never_cut_short)
     EXPECT_LT(findings.front().instead.size(), 200U);
 }
 
+// Texts for which a step too much for each character, or a call within a call, would not end.
+TEST(SUGGESTIONS, end_for_long_lines)
+{
+    const auto repeated = [](const std::string& part, std::size_t times)
+    {
+        std::string text;
+        for (std::size_t i = 0; i < times; ++i)
+            text += part;
+        return text;
+    };
+    const std::size_t many = 50000;
+    for (const std::string& line :
+         {"a=1" + repeated(";b=2", many), "g=1" + repeated(" h=2", many), "a=" + repeated(" //", many),
+          repeated("a=1\r", many), repeated("a b ", many) + "=1", "a" + repeated(":", many) + "=1",
+          "a=" + repeated("=", many) + "x", repeated("\"", many) + "=\"", repeated("a: ", many)})
+    {
+        const std::vector<FINDING> findings = findings_of(LAYER_KIND::MAIN_FILE, line);
+        ASSERT_FALSE(findings.empty()) << line.substr(0, 20);
+        EXPECT_LT(findings.front().message.size() + findings.front().instead.size(), 1000U) << line.substr(0, 20);
+    }
+}
+
 // ---------------------------------------------------------------------------------------------------------------------
 // Generated texts
 // ---------------------------------------------------------------------------------------------------------------------

@@ -39,7 +39,7 @@ void EXAMINATION::name_form()
             "write the name without blanks", " if that is the variable");
     if (!name.operator_sign.empty())
         add(static_cast<std::size_t>(name.operator_sign.data() - text.data()), SEVERITY::WARNING, "operator-in-name",
-            "there is no operator but \"=\": the \"" + std::string(name.operator_sign) + "\" is part of the name " +
+            "there is no operator but \"=\": the " + in_single_quotes(name.operator_sign) + " is part of the name " +
                 in_single_quotes(statement.name),
             "write the name, \"=\" and the whole value");
     if (name.quoted)

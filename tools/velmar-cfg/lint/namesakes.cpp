@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 
+#include "platform/gen/gen.h"
 #include "tools/velmar-cfg/base/errors.h"
 
 namespace
@@ -86,7 +87,7 @@ std::size_t NAMESAKES::slot_of(std::string_view name, std::uint32_t hash) const
     for (; slots[slot] != 0; slot = (slot + 1) & mask)
     {
         const VARIABLE_PLACE& variable = variables[slots[slot] - 1];
-        if (variable.hash == hash && same_name(assigned_at(variable.layer, variable.offset, 0).name, name))
+        if (variable.hash == hash && same_name(name_at(variable.layer, variable.offset), name))
             break;
     }
     return slot;
@@ -98,42 +99,44 @@ const NAMESAKES::VARIABLE_PLACE* NAMESAKES::find(std::string_view name) const
     return entry == 0 ? nullptr : &variables[entry - 1];
 }
 
-// The line or the item that begins there.
-std::string_view NAMESAKES::text_at(std::size_t layer, std::size_t offset) const
+// The name of the assignment whose text begins there. Only the text up to its "=" is looked at: the value may be long,
+// and many lines may ask for the same name.
+std::string NAMESAKES::name_at(std::size_t layer, std::size_t offset) const
 {
-    const std::string_view text = text_of(layers[layer]);
-    const char end = is_file(layers[layer].kind) ? '\n' : separator_of_items(layers[layer].source->bytes);
-    return text.substr(offset, text.find(end, offset) - offset);
+    constexpr std::size_t shortest = 3; // of a line, so that the part is one too
+    const std::string_view text = text_of(layers[layer]).substr(offset);
+    const std::string_view part = text.substr(0, std::max(text.find('=') + 1, shortest));
+    if (!is_file(layers[layer].kind))
+        return gen_remove_leading_and_trailing_spaces(std::string(part.substr(0, part.find('='))));
+    LINE_PARTS parts;
+    outcome_of_line(part, parts);
+    return std::string(parts.name);
 }
 
-NAMESAKES::ASSIGNED NAMESAKES::assigned_at(std::size_t layer, std::size_t offset, std::size_t position) const
+std::string NAMESAKES::value_at(std::size_t layer, std::size_t offset) const
 {
-    const std::string_view text = text_at(layer, offset);
-    ASSIGNED assigned{{}, {}, {layers[layer].kind, layers[layer].source->path, position}};
-    if (is_file(layers[layer].kind))
+    const std::string_view text = text_of(layers[layer]).substr(offset);
+    if (!is_file(layers[layer].kind))
     {
-        LINE_PARTS parts;
-        outcome_of_line(text, parts);
-        assigned.name = parts.name;
-        assigned.value = parts.value;
-        return assigned;
+        const std::string_view item = text.substr(0, text.find(separator_of_items(layers[layer].source->bytes)));
+        return gen_remove_leading_and_trailing_spaces(std::string(item.substr(item.find('=') + 1)));
     }
-    // The separator first, which the item alone does not tell.
-    const std::string item = separator_of_items(layers[layer].source->bytes) + std::string(text);
-    INLINE_ITEMS items(item);
-    OUTCOME outcome{};
-    while (items.next(outcome, assigned.name, assigned.value))
-    {
-    }
-    return assigned;
+    LINE_PARTS parts;
+    outcome_of_line(text.substr(0, text.find('\n')), parts);
+    return std::string(parts.value);
 }
 
-std::optional<NAMESAKES::ASSIGNED> NAMESAKES::first_before(std::string_view name, ASSIGNMENT_NUMBER assignment) const
+LOCATION NAMESAKES::location_of(std::size_t layer, std::size_t position) const
+{
+    return {layers[layer].kind, layers[layer].source->path, position};
+}
+
+std::optional<NAMESAKES::SPELT> NAMESAKES::first_before(std::string_view name, ASSIGNMENT_NUMBER assignment) const
 {
     const VARIABLE_PLACE* const variable = find(name);
     if (variable == nullptr || variable->first >= assignment)
         return std::nullopt;
-    return assigned_at(variable->layer, variable->offset, variable->position);
+    return SPELT{name_at(variable->layer, variable->offset), location_of(variable->layer, variable->position)};
 }
 
 std::optional<NAMESAKES::ASSIGNED> NAMESAKES::next(ASSIGNMENT_NUMBER assignment) const
@@ -141,7 +144,7 @@ std::optional<NAMESAKES::ASSIGNED> NAMESAKES::next(ASSIGNMENT_NUMBER assignment)
     const auto found = std::ranges::lower_bound(followed, assignment, {}, &FOLLOWED::assignment);
     if (found == followed.end() || found->assignment != assignment)
         return std::nullopt;
-    return assigned_at(found->layer, found->offset, found->position);
+    return ASSIGNED{value_at(found->layer, found->offset), location_of(found->layer, found->position)};
 }
 
 bool NAMESAKES::may_be_assigned_to_later(std::string_view name, std::size_t layer, ASSIGNMENT_NUMBER assignment) const

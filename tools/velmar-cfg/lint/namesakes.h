@@ -22,9 +22,14 @@ using ASSIGNMENT_NUMBER = std::uint32_t;
 class NAMESAKES
 {
 public:
-    struct ASSIGNED
+    struct SPELT
     {
         std::string name;
+        LOCATION location;
+    };
+
+    struct ASSIGNED
+    {
         std::string value;
         LOCATION location;
     };
@@ -40,7 +45,7 @@ public:
     }
 
     // The first assignment to the variable, if it stands before `assignment`.
-    std::optional<ASSIGNED> first_before(std::string_view name, ASSIGNMENT_NUMBER assignment = UINT32_MAX) const;
+    std::optional<SPELT> first_before(std::string_view name, ASSIGNMENT_NUMBER assignment = UINT32_MAX) const;
 
     // The next assignment, in the same layer, to the variable that this one assigns to.
     std::optional<ASSIGNED> next(ASSIGNMENT_NUMBER assignment) const;
@@ -74,8 +79,9 @@ private:
     void grow();
     std::size_t slot_of(std::string_view name, std::uint32_t hash) const;
     const VARIABLE_PLACE* find(std::string_view name) const;
-    std::string_view text_at(std::size_t layer, std::size_t offset) const;
-    ASSIGNED assigned_at(std::size_t layer, std::size_t offset, std::size_t position) const;
+    std::string name_at(std::size_t layer, std::size_t offset) const;
+    std::string value_at(std::size_t layer, std::size_t offset) const;
+    LOCATION location_of(std::size_t layer, std::size_t position) const;
 
     const LAYERS& layers;
     std::deque<VARIABLE_PLACE> variables; // in the order of their first assignments; grows without moving

@@ -190,6 +190,20 @@ TEST(SUGGESTED_SEPARATOR, makes_the_items_that_were_meant)
               (std::map<std::string, std::string>{{"url", "http://h/x"}, {"b", "3"}}));
 }
 
+// What another layer assigns to the variable is no reason against a suggestion; how it is spelt there counts.
+TEST(SUGGESTIONS, look_across_layers)
+{
+    const LAYERS layers = {layer_of(LAYER_KIND::MAIN_FILE, "Max_Fanout = 1\nmsg sqlite = yes\n"),
+                           {LAYER_KIND::APPENDED_FILE, layer_of(LAYER_KIND::MAIN_FILE, "max fanout = 12").source},
+                           layer_of(LAYER_KIND::INLINE_TEXT, "max_fanout=3;msg_sqlite=on")};
+    std::vector<std::string> suggested;
+    for (const FINDING& finding : lint_settings(layers))
+        suggested.push_back(finding.reason + ": " + finding.replacement.value_or("nothing"));
+    EXPECT_EQ(suggested, (std::vector<std::string>{"blanks-in-name: msg_sqlite = on", "almost-known: msg_sqlite = on",
+                                                   "boolean-word: msg_sqlite = on", "blanks-in-name: Max_Fanout = 12",
+                                                   "letter-case: Max_Fanout=3"}));
+}
+
 TEST(SUGGESTIONS, are_never_cut_short)
 {
     const std::string name(300, 'n');

@@ -139,7 +139,9 @@ void EXAMINATION::letter_case()
     std::string whence;
     if (known == nullptr)
     {
-        const auto first = standing.is_first ? std::nullopt : namesakes.first_before(statement.name, standing.number);
+        const auto first = standing.is_first && statement.layer == 0
+                               ? std::nullopt
+                               : namesakes.first_before(statement.name, standing.number);
         if (!first)
             return;
         expected = first->name;
@@ -158,10 +160,8 @@ void EXAMINATION::overridden()
     constexpr const char* advice = "remove one of the two";
     if (standing.is_new)
     {
-        // All between may be many. One in a later layer counts too if this layer has any: a text is rather not
-        // suggested.
-        if (namesakes.may_be_assigned_to_later(statement.name, statement.layer,
-                                               standing.number + (standing.is_assignment ? 1 : 0)))
+        if (namesakes.is_assigned_to_later(statement.name, statement.layer,
+                                           standing.number + (standing.is_assignment ? 1 : 0)))
             add(first_visible(text), SEVERITY::WARNING, "overridden", "set again later", advice, nullptr);
         return;
     }

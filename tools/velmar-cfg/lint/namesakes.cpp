@@ -12,10 +12,10 @@ constexpr std::size_t fewest_slots = 16;
 constexpr std::uint64_t largest_text = (std::uint64_t{1} << 40) - 1;
 
 // The name's hash is regular in its last letters: a multiplication spreads it.
-std::uint32_t spread_hash(std::string_view name)
+std::uint32_t spread_hash(std::size_t layer, std::string_view name)
 {
     constexpr std::uint64_t spread = 0x9e3779b97f4a7c15U;
-    return static_cast<std::uint32_t>((hash_of_name(name) * spread) >> 32);
+    return static_cast<std::uint32_t>(((hash_of_name(name) + layer) * spread) >> 32);
 }
 
 std::string_view text_of(const LAYER& layer)
@@ -45,23 +45,19 @@ void NAMESAKES::add(const STATEMENT& statement, ASSIGNMENT_NUMBER assignment)
     const auto offset = static_cast<std::size_t>(statement.text.data() - text_of(layers[statement.layer]).data());
     const auto position = static_cast<std::uint32_t>(statement.position);
     const auto layer = static_cast<std::uint8_t>(statement.layer);
-    const auto layer_bit = static_cast<std::uint8_t>(1U << layer);
-    const std::uint32_t hash = spread_hash(statement.name);
-    std::uint32_t& slot = slots[slot_of(statement.name, hash)];
+    const std::uint32_t hash = spread_hash(layer, statement.name);
+    std::uint32_t& slot = slots[slot_of(layer, statement.name, hash)];
     if (slot == 0)
     {
-        variables.push_back({offset & largest_text, layer, layer, layer_bit, position, hash, assignment, assignment});
+        variables.push_back({offset & largest_text, layer, position, hash, assignment, assignment});
         slot = static_cast<std::uint32_t>(variables.size());
         if (variables.size() * 3 > slots.size() * 2)
             grow();
         return;
     }
     VARIABLE_PLACE& variable = variables[slot - 1];
-    if (variable.last_layer == layer)
-        followed.push_back({offset & largest_text, layer, position, variable.last});
+    followed.push_back({offset & largest_text, layer, position, variable.last});
     variable.last = assignment;
-    variable.last_layer = layer;
-    variable.layers = static_cast<std::uint8_t>(variable.layers | layer_bit);
 }
 
 void NAMESAKES::grow()
@@ -80,22 +76,23 @@ void NAMESAKES::grow()
 }
 
 // Where the variable of that name is, or would be.
-std::size_t NAMESAKES::slot_of(std::string_view name, std::uint32_t hash) const
+std::size_t NAMESAKES::slot_of(std::size_t layer, std::string_view name, std::uint32_t hash) const
 {
     const std::size_t mask = slots.size() - 1;
     std::size_t slot = hash & mask;
     for (; slots[slot] != 0; slot = (slot + 1) & mask)
     {
         const VARIABLE_PLACE& variable = variables[slots[slot] - 1];
-        if (variable.hash == hash && same_name(name_at(variable.layer, variable.offset), name))
+        if (variable.hash == hash && variable.layer == layer &&
+            same_name(name_at(variable.layer, variable.offset), name))
             break;
     }
     return slot;
 }
 
-const NAMESAKES::VARIABLE_PLACE* NAMESAKES::find(std::string_view name) const
+const NAMESAKES::VARIABLE_PLACE* NAMESAKES::find(std::size_t layer, std::string_view name) const
 {
-    const std::uint32_t entry = slots[slot_of(name, spread_hash(name))];
+    const std::uint32_t entry = slots[slot_of(layer, name, spread_hash(layer, name))];
     return entry == 0 ? nullptr : &variables[entry - 1];
 }
 
@@ -133,10 +130,13 @@ LOCATION NAMESAKES::location_of(std::size_t layer, std::size_t position) const
 
 std::optional<NAMESAKES::SPELT> NAMESAKES::first_before(std::string_view name, ASSIGNMENT_NUMBER assignment) const
 {
-    const VARIABLE_PLACE* const variable = find(name);
-    if (variable == nullptr || variable->first >= assignment)
-        return std::nullopt;
-    return SPELT{name_at(variable->layer, variable->offset), location_of(variable->layer, variable->position)};
+    for (std::size_t layer = 0; layer < layers.size(); ++layer)
+    {
+        const VARIABLE_PLACE* const variable = find(layer, name);
+        if (variable != nullptr && variable->first < assignment)
+            return SPELT{name_at(layer, variable->offset), location_of(layer, variable->position)};
+    }
+    return std::nullopt;
 }
 
 std::optional<NAMESAKES::ASSIGNED> NAMESAKES::next(ASSIGNMENT_NUMBER assignment) const
@@ -147,8 +147,8 @@ std::optional<NAMESAKES::ASSIGNED> NAMESAKES::next(ASSIGNMENT_NUMBER assignment)
     return ASSIGNED{value_at(found->layer, found->offset), location_of(found->layer, found->position)};
 }
 
-bool NAMESAKES::may_be_assigned_to_later(std::string_view name, std::size_t layer, ASSIGNMENT_NUMBER assignment) const
+bool NAMESAKES::is_assigned_to_later(std::string_view name, std::size_t layer, ASSIGNMENT_NUMBER assignment) const
 {
-    const VARIABLE_PLACE* const variable = find(name);
-    return variable != nullptr && variable->last >= assignment && (variable->layers & (1U << layer)) != 0;
+    const VARIABLE_PLACE* const variable = find(layer, name);
+    return variable != nullptr && variable->last >= assignment;
 }

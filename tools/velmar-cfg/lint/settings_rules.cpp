@@ -222,7 +222,7 @@ void SETTINGS_RULES::run(const std::function<void(const FINDING&)>& take)
     for (ASSIGNMENT_NUMBER number = 0; statements.next(statement);)
     {
         const bool is_assignment = statement.outcome == OUTCOME::STORED;
-        const bool is_first = is_assignment && namesakes.is_first(number, variables);
+        const bool is_first = is_assignment && namesakes.is_first_in_layer(number, variables);
         std::ranges::for_each(findings(statement, number, is_first), take);
         variables += is_first ? 1U : 0U;
         number += is_assignment ? 1 : 0;

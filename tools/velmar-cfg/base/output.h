@@ -2,6 +2,7 @@
 #ifndef TOOLS_VELMAR_CFG_BASE_OUTPUT_H
 #define TOOLS_VELMAR_CFG_BASE_OUTPUT_H
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -17,9 +18,9 @@ enum class STYLE
     BAD,
 };
 
-// Writes to a descriptor through a buffer, whole, also where it does not block. A reader that has gone is no error:
-// what it did not want is dropped. Any other failure throws TOOL_ERROR(NOT_WRITTEN), which calls the descriptor
-// standard output.
+// Writes to a descriptor through a buffer, hidden parts of texts by name, whole, also where it does not block. A reader
+// that has gone is no error: what it did not want is dropped. Any other failure throws TOOL_ERROR(NOT_WRITTEN), which
+// calls the descriptor standard output.
 class OUTPUT : public BYTE_SINK
 {
 public:
@@ -38,6 +39,9 @@ public:
 
     // `text` in that style; as it is when there is no colour.
     std::string painted(STYLE style, std::string_view text) const;
+
+    // The columns of a line: what COLUMNS says, or the terminal; 80 for neither.
+    std::size_t width() const;
 
     // Writes what is left in the buffer. To be called when all is said; without it, the rest is dropped.
     void finish();

@@ -1,13 +1,29 @@
 #include "tools/velmar-cfg/commands/diagnostics.h"
 
-#include <cstdio>
+#include <unistd.h>
 
+#include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 
 void complain(std::string_view text)
 {
-    const std::string line = "velmar-cfg: " + printable(text) + "\n";
-    std::fwrite(line.data(), 1, line.size(), stderr);
+    OUTPUT out(STDERR_FILENO);
+    out << "velmar-cfg: " << printable(text) << "\n";
+    try
+    {
+        out.finish();
+    }
+    catch (const TOOL_ERROR&) // NOLINT(bugprone-empty-catch)
+    {
+        // There is nobody else to tell.
+    }
+}
+
+void complain_of_key(const SECRETS& secrets)
+{
+    if (const std::string problem = secrets.key_problem(); !problem.empty())
+        complain(problem);
 }
 
 bool complain_of(const std::vector<std::string>& texts)

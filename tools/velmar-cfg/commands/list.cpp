@@ -1,6 +1,7 @@
 // velmar-cfg list: every variable, and where it came from.
 #include <fnmatch.h>
 
+#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
@@ -51,7 +52,11 @@ void write_record(const LIST_OPTIONS& options, const SETTINGS& settings, const V
         constexpr std::string_view end("\0", 1);
         if (options.show_origin)
             tool.out << location_as_text(settings.location_of(variable)) << end;
-        tool.out << settings.name_of(variable) << "=" << settings.value_of(variable) << end;
+        // Nothing is escaped here, so that a mask would look like a value.
+        tool.out << settings.name_of(variable);
+        if (!has_hidden_parts(settings.value_of(variable)))
+            tool.out << "=" << settings.value_of(variable);
+        tool.out << end;
         return;
     }
     if (options.show_origin)
@@ -63,7 +68,6 @@ void write_record(const LIST_OPTIONS& options, const SETTINGS& settings, const V
 EXIT_CODE list(const LIST_OPTIONS& options, TOOL& tool)
 {
     LAYERS layers = load_layers(tool.options.scope, tool.files);
-    require_text(layers);
     const SETTINGS settings(std::move(layers));
     JSON_WRITER json(tool.out);
     if (tool.options.json)

@@ -5,6 +5,7 @@
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
+#include "tools/velmar-cfg/commands/diagnostics.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/documents/snapshot_json.h"
 #include "tools/velmar-cfg/documents/take_snapshot.h"
@@ -15,7 +16,7 @@ namespace
 class FILE_SINK : public BYTE_SINK
 {
 public:
-    explicit FILE_SINK(const std::string& path) : file(path) {}
+    FILE_SINK(const std::string& path, FILE_READERS readers) : file(path, readers) {}
 
     void write(std::string_view bytes) override
     {
@@ -33,15 +34,18 @@ private:
 
 EXIT_CODE snapshot(const std::optional<std::string>& file, TOOL& tool)
 {
+    SECRETS& secrets = *tool.options.scope.secrets;
+    secrets.use_lasting_key();
     const SNAPSHOT taken = take_snapshot(tool.options.scope, tool.files);
-    if (!file)
+    complain_of_key(secrets);
+    if (!file || *file == "-")
     {
         answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, taken); });
         return EXIT_CODE::FINE;
     }
     try
     {
-        FILE_SINK document(*file);
+        FILE_SINK document(*file, secrets.shown() ? FILE_READERS::OWNER : FILE_READERS::AS_USUAL);
         JSON_WRITER writer(document);
         write_json(writer, taken);
         writer.finish();
@@ -67,5 +71,6 @@ void add_snapshot_command(COMMAND app, TOOL& tool)
         "velmar-cfg --project designs/cpu --regtest snapshot -o before.json\n"
         "      what a regression run in designs/cpu goes by, for a later velmar-cfg diff before.json",
         [file, &tool] { return snapshot(*file, tool); });
-    command.add_option("-o,--output", "FILE", *file, "Write to this file, as a whole or not at all");
+    command.add_option("-o,--output", "FILE", *file,
+                       "Write to this file, as a whole or not at all; - is standard output");
 }

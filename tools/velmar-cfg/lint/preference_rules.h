@@ -6,8 +6,9 @@
 
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/lint/finding.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 
-// The findings in the order of the lines. Throws TOOL_ERROR(BAD_INPUT) for a file that cannot be read as text.
-std::vector<FINDING> lint_preferences(const INPUT_FILE& file);
+// The findings in the order of the lines, as far as the file could be read.
+std::vector<FINDING> lint_preferences(const INPUT_FILE& file, SECRETS& secrets);
 
 #endif

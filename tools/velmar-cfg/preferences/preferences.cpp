@@ -8,6 +8,7 @@
 #include "platform/ver/ver.h"
 #include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
+#include "tools/velmar-cfg/preferences/preference_secrets.h"
 
 using namespace zon_cfg;
 
@@ -89,17 +90,23 @@ FILE_CANDIDATE preference_file_candidate()
 std::shared_ptr<const INPUT_FILE> preference_file_in_use(INPUT_FILES& files)
 {
     const std::string path = cfg_generate_user_ini_file_path();
-    if (!FIO_FILE_SYSTEM::exists(path.c_str()))
-        return nullptr;
-    std::shared_ptr<const INPUT_FILE> file = files.read(path);
-    file->require_text();
-    return file;
+    if (FIO_FILE_SYSTEM::exists(path.c_str()))
+        return files.read(path);
+    files.note_absence(path);
+    return nullptr;
 }
 
-PREFERENCES load_preferences(INPUT_FILES& files)
+PREFERENCES load_preferences(INPUT_FILES& files, SECRETS& secrets)
 {
-    const std::shared_ptr<const INPUT_FILE> file = preference_file_in_use(files);
-    return PREFERENCES(file == nullptr ? "" : std::string_view(file->bytes));
+    return preferences_in(preference_file_in_use(files).get(), secrets);
+}
+
+PREFERENCES preferences_in(const INPUT_FILE* file, SECRETS& secrets)
+{
+    if (file == nullptr)
+        return PREFERENCES("");
+    const std::optional<std::string> hidden = hide_in_preference_text(file->whole_lines(), secrets);
+    return PREFERENCES(hidden ? *hidden : file->whole_lines());
 }
 
 PREFERENCES::PREFERENCES(std::string_view bytes)

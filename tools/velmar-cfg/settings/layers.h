@@ -14,12 +14,16 @@
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 
-// Whose settings are asked for.
+// Whose settings are asked for, and what of them is hidden.
 struct SETTINGS_SCOPE
 {
     std::string project;  // the project's directory; empty for the search's file
     bool regtest = false; // regtest.ini as well, as regression runs read it
+
+    // Never null; copies of the scope have the same.
+    std::shared_ptr<SECRETS> secrets = std::make_shared<SECRETS>();
 };
 
 // In the order in which they are applied.
@@ -88,24 +92,23 @@ struct LAYER
 {
     LAYER_KIND kind;
 
-    // The path as the library opens it, or inline_source, with the text. Never null. Where the file could not be read
-    // whole, the library goes on with the whole lines before the error, and so does the tool's model.
+    // The path as the library opens it, or inline_source, with the text, secrets hidden in it. Never null. Where the
+    // file could not be read whole, the library goes on with the whole lines before the error, and so does the tool's
+    // model.
     std::shared_ptr<const INPUT_FILE> source;
 
-    std::string_view text() const;
+    // What the source is with its secrets shown, for hashes; null when the source holds none.
+    std::shared_ptr<const INPUT_FILE> original = {};
 };
 
 using LAYERS = std::vector<LAYER>;
 
-// The layers of the settings that `scope` asks for, as the library would choose them now.
+// The layers of the settings that `scope` asks for, as the library would choose them now. Files that cannot be read,
+// and places of the search where a file may be that cannot be seen, are among the problems of `files`.
 LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files);
 
-// One file as the only layer, taken for a main settings file.
-LAYERS single_layer(const std::string& path, INPUT_FILES& files);
-
-// Throws TOOL_ERROR(BAD_INPUT) for the first layer that cannot be read as text: a directory, no permission, no regular
-// file, a failing disk, a zero byte in it.
-void require_text(const LAYERS& layers);
+// One file that the user named ("-" for standard input) as the only layer, taken for a main settings file.
+LAYERS single_layer(const std::string& path, INPUT_FILES& files, SECRETS& secrets);
 
 // One line of a file, or one item of the inline text. The texts are valid until the walk goes on.
 struct STATEMENT

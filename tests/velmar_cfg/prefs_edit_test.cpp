@@ -120,8 +120,15 @@ TEST_F(PREFS_EDIT, a_line_that_a_save_would_spoil_stops_the_change)
     write_preferences(quoted_twice);
     EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}),
               (TOOL_RUN{4, "",
-                        "velmar-cfg: [General 23.4_pro] USER_LIBRARIES = \"/lib\": this line would not survive a "
-                        "save; mend it first (velmar-cfg prefs lint)\n"}));
+                        "velmar-cfg: " + full_path() +
+                            ": lines that would not be kept as they were: 1\n"
+                            "velmar-cfg: line 2: 'USER_LIBRARIES = \"\"/lib\"\"': a save keeps these quotes, and the "
+                            "load behind it removes them\n"
+                            "velmar-cfg: " +
+                            full_path() +
+                            ": a save would also change USER_LIBRARIES from '\"/lib\"' to '/lib', as [General "
+                            "23.4_pro] says, since line 2 is not kept; set that one first, or --allow-loss does it "
+                            "anyway\n"}));
     EXPECT_EQ(preferences(), quoted_twice);
     EXPECT_TRUE(other_files().empty());
 }
@@ -153,8 +160,13 @@ TEST_F(PREFS_EDIT, a_save_that_would_change_another_preference_is_not_made)
     write_preferences(bytes);
     EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}),
               (TOOL_RUN{4, "",
-                        "velmar-cfg: a save would also change SHOW_MESSAGE_ID from 'on' to 'off'; set that one "
-                        "first, so that this release has its own value\n"}));
+                        "velmar-cfg: " + full_path() +
+                            ": lines that would not be kept as they were: 1\n"
+                            "velmar-cfg: line 1: '[Messages 23.4_pro]': a section without a value, which a save drops\n"
+                            "velmar-cfg: " +
+                            full_path() +
+                            ": a save would also change SHOW_MESSAGE_ID from 'on' to 'off', as [Messages 23.3_pro] "
+                            "says, since line 1 is not kept; set that one first, or --allow-loss does it anyway\n"}));
     EXPECT_EQ(preferences(), bytes);
     EXPECT_EQ(run({"prefs", "set", "SHOW_MESSAGE_ID", "on"}).exit_code, 0);
     EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}).exit_code, 0);
@@ -165,18 +177,19 @@ TEST_F(PREFS_EDIT, dry_run_shows_the_difference_and_changes_nothing)
     const char* const commented = "# mine\n[General 23.4_pro]\nHDL_PREFERENCE=VHDL\nno preference\n";
     write_preferences(commented);
     const std::string path = full_path();
+    const std::string lost = "velmar-cfg: line 1: '# mine': this line says nothing, and a save drops it\n"
+                             "velmar-cfg: line 4: 'no preference': this line says nothing, and a save drops it\n";
     EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--dry-run"}),
               (TOOL_RUN{0,
                         "--- " + path + "\n+++ " + path +
                             " (new)\n@@ -1,4 +1,3 @@\n-# mine\n+\n [General 23.4_pro]\n-HDL_PREFERENCE=VHDL\n-no "
                             "preference\n+HDL_PREFERENCE = KHDL\n",
-                        "velmar-cfg: " + path +
-                            ": lines that are no preferences, such as comments, would not be kept: 2\n"}));
+                        "velmar-cfg: " + path + ": lines that would not be kept as they were: 2\n" + lost}));
     EXPECT_EQ(preferences(), commented);
     EXPECT_TRUE(other_files().empty());
 
     EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL"}).err,
-              "velmar-cfg: " + path + ": lines that are no preferences, such as comments, were not kept: 2\n");
+              "velmar-cfg: " + path + ": lines that were not kept as they were: 2\n" + lost);
 }
 
 TEST_F(PREFS_EDIT, json_tells_what_was_done)
@@ -186,8 +199,10 @@ TEST_F(PREFS_EDIT, json_tells_what_was_done)
                               {"value", "VHDL"},
                               {"path", full_path()},
                               {"changed", true},
+                              {"refusal", nullptr},
                               {"dry_run", false},
                               {"dropped_lines", 0},
+                              {"lost_lines", nlohmann::json::array()},
                               {"difference", ""}}));
     const nlohmann::json reset = run({"prefs", "reset", "HDL_PREFERENCE", "--json", "--dry-run"}).json();
     EXPECT_EQ(reset.at("value"), nullptr);
@@ -216,7 +231,9 @@ TEST_F(PREFS_EDIT, reset_that_the_file_cannot_express_is_not_made)
     write_preferences(bytes);
     const TOOL_RUN reset = run({"prefs", "reset", "CLOUD_SERVER"});
     EXPECT_EQ(reset.exit_code, 4);
-    EXPECT_THAT(reset.err, HasSubstr("CLOUD_SERVER has no default that could be written"));
+    EXPECT_EQ(reset.err, "velmar-cfg: " + full_path() +
+                             ":1: the section [Cloud 23.3_pro] gives CLOUD_SERVER the value 'host', and there is no "
+                             "default that could be written above it; remove the value there\n");
     EXPECT_EQ(preferences(), bytes);
 }
 
@@ -324,7 +341,7 @@ TEST_F(PREFS_EDIT, waits_only_so_long_for_another_run)
     EXPECT_EQ(preferences(), normal_form);
     close(lock);
     EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--wait", "0"}), (TOOL_RUN{0, "", ""}));
-    EXPECT_TRUE(other_files().empty());
+    EXPECT_THAT(other_files(), testing::ElementsAre("velmar2.ini.lock")); // which no velmar-cfg made
 }
 
 TEST_F(PREFS_EDIT, runs_at_the_same_time_lose_nothing)
@@ -348,12 +365,30 @@ TEST_F(PREFS_EDIT, runs_at_the_same_time_lose_nothing)
 TEST_F(PREFS_EDIT, what_a_killed_run_left_is_removed_and_nothing_else)
 {
     write_preferences(normal_form);
-    write_file("user/velmar2.ini.edit-a1B2c3/velmar2.ini", "half");
-    write_file("user/velmar2.ini.edit-keep/velmar2.ini", "not one of ours: another length");
-    write_file("user/velmar2.ini.edit-A1B2C3/letter", "not ours");
-    write_file("user/velmar2.ini.lock", "");
-    ASSERT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL"}).exit_code, 0);
-    EXPECT_THAT(other_files(), testing::UnorderedElementsAre("velmar2.ini.edit-keep", "velmar2.ini.edit-A1B2C3"));
-    EXPECT_TRUE(std::filesystem::exists("user/velmar2.ini.edit-A1B2C3/letter"));
+    write_file("user/velmar2.ini.velmar-cfg-0123456789ab.tmp", "half");
+    write_file("user/velmar2.ini.velmar-cfg-0123456789aX.tmp", "not ours: no such number");
+    write_file("user/velmar2.ini.velmar-cfg-0123456789.tmp", "not ours: another length");
+    write_file("user/velmar2.ini.velmar-cfg-0123456789ab.txt", "not ours: another end");
+    write_file("user/other.ini.velmar-cfg-0123456789ab.tmp", "another file's");
+    write_file("user/velmar2.ini.velmar-cfg-0123456789ac.tmp/x", "a directory's");
+    write_file("user/velmar2.ini.lock", "A lock of velmar-cfg, which removes it.\n");
+    ASSERT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_THAT(other_files(), testing::UnorderedElementsAre(
+                                   "velmar2.ini.velmar-cfg-0123456789aX.tmp", "velmar2.ini.velmar-cfg-0123456789.tmp",
+                                   "velmar2.ini.velmar-cfg-0123456789ab.txt", "other.ini.velmar-cfg-0123456789ab.tmp",
+                                   "velmar2.ini.velmar-cfg-0123456789ac.tmp"));
+}
+
+TEST_F(PREFS_EDIT, a_file_of_the_lock_s_name_that_is_the_user_s_own_stays)
+{
+    for (const std::string bytes : {"", "mine\n", "A lock of velmar-cfg, which removes it.\nNot this one.\n"})
+    {
+        write_preferences(normal_form);
+        write_file("user/velmar2.ini.lock", bytes);
+        ASSERT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL"}), (TOOL_RUN{0, "", ""})) << bytes;
+        ASSERT_EQ(preferences(), "\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n");
+        EXPECT_EQ(read_file("user/velmar2.ini.lock"), bytes);
+        EXPECT_THAT(other_files(), testing::ElementsAre("velmar2.ini.lock"));
+    }
 }
 }

@@ -24,6 +24,9 @@ struct INPUT_FILE
 // Opens the file once and reads it to its end. Waits for nothing: a pipe or a device counts as a problem.
 INPUT_FILE read_whole_file(const std::string& path);
 
+// The same for a file that is open at its beginning, and stays open. `path` is for messages.
+INPUT_FILE read_open_file(int file, const std::string& path);
+
 // The files of one command: what is asked for again is not read again, so that all answers are about the same bytes.
 class INPUT_FILES
 {

@@ -1,7 +1,10 @@
 // velmar-cfg prefs set and reset: changing the preference file.
+#include <algorithm>
+
 #include "cfg_ini/cfg_ini.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
+#include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/base/unified_diff.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
@@ -18,6 +21,7 @@ struct EDIT_OPTIONS
     std::string value;
     bool dry_run = false;
     unsigned int seconds_to_wait = 10;
+    EDIT_PERMISSIONS permissions;
 };
 
 STYLE style_of(std::string_view line)
@@ -38,35 +42,82 @@ void write_difference(std::string_view difference, OUTPUT& out)
     }
 }
 
+void write_lost_line(JSON_WRITER& out, const LOST_LINE& line)
+{
+    out.begin_object();
+    out.field("line", line.number);
+    out.field("reason", loss_word(line.reason));
+    out.field("text", line.text);
+    out.field("value_lost", line.value_lost);
+    out.end_object();
+}
+
+void write_json(JSON_WRITER& out, const EDIT_OPTIONS& options, const PREFERENCE_CHANGE& change, const EDITED_FILE& file,
+                const std::string& difference)
+{
+    out.begin_object();
+    out.field("key", cfg_get_user_ini_ini_string(change.number));
+    out.field("value", change.value);
+    out.field("path", file.path);
+    out.field("changed", file.changed());
+    out.field_or_null("refusal", file.refusal);
+    out.field("dry_run", options.dry_run);
+    out.field("dropped_lines", file.plan.lost.size());
+    out.key("lost_lines");
+    out.list(file.plan.lost, write_lost_line);
+    out.field("difference", difference);
+    out.end_object();
+}
+
+// Every lost line, but of very many only the first.
+void complain_of_lost_lines(const EDITED_FILE& file, bool dry_run)
+{
+    constexpr std::size_t most = 50;
+    const std::vector<LOST_LINE>& lost = file.plan.lost;
+    if (lost.empty())
+        return;
+    complain(file.path + ": lines that " + (dry_run || !file.refusal.empty() ? "would not be" : "were not") +
+             " kept as they were: " + std::to_string(lost.size()));
+    for (std::size_t i = 0; i < std::min(lost.size(), most); ++i)
+        complain("line " + std::to_string(lost[i].number) + ": " + in_single_quotes(lost[i].text) + ": " +
+                 loss_as_text(lost[i]));
+    if (lost.size() > most)
+        complain("and " + std::to_string(lost.size() - most) + " more; --dry-run shows them all");
+}
+
 EXIT_CODE edit(const EDIT_OPTIONS& options, bool reset, TOOL& tool)
 {
     PREFERENCE_CHANGE change{preference_number(options.key), {}};
     if (!reset)
         change.value = options.value;
-    const EDITED_FILE file = edit_preference(change, options.dry_run, std::chrono::seconds(options.seconds_to_wait));
-    complain_of(file.warnings);
+    const std::chrono::seconds patience(options.seconds_to_wait);
+    const EDITED_FILE file = options.dry_run ? try_preference_change(change, options.permissions, patience)
+                                             : change_preference(change, options.permissions, patience);
+    complain_of(file.plan.warnings);
+    if (file.refusal.empty())
+    {
+        for (const std::string& other_value : file.plan.other_values)
+            complain("this also changes " + other_value);
+    }
+    complain_of_lost_lines(file, options.dry_run);
     const std::string difference =
-        options.dry_run ? unified_diff(file.before, file.after, file.path, file.path + " (new)") : "";
-
-    if (tool.options.json)
-        answer_in_json(tool,
-                       [&](JSON_WRITER& out)
-                       {
-                           out.begin_object();
-                           out.field("key", cfg_get_user_ini_ini_string(change.number));
-                           out.field("value", change.value);
-                           out.field("path", file.path);
-                           out.field("changed", file.changed());
-                           out.field("dry_run", options.dry_run);
-                           out.field("dropped_lines", file.dropped_lines);
-                           out.field("difference", difference);
-                           out.end_object();
-                       });
-    else
-        write_difference(difference, tool.out);
-    if (file.dropped_lines > 0)
-        complain(file.path + ": lines that are no preferences, such as comments, " +
-                 (options.dry_run ? "would not be kept: " : "were not kept: ") + std::to_string(file.dropped_lines));
+        options.dry_run ? unified_diff(file.before, file.plan.after, file.path, file.path + " (new)") : "";
+    try
+    {
+        if (tool.options.json)
+            answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, options, change, file, difference); });
+        else
+            write_difference(difference, tool.out);
+        tool.out.finish();
+    }
+    catch (const TOOL_ERROR& error)
+    {
+        if (!file.changed() || options.dry_run)
+            throw;
+        throw TOOL_ERROR(error.exit_code, file.path + " was changed; " + error.what());
+    }
+    if (!file.refusal.empty())
+        throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN, file.refusal);
     return EXIT_CODE::FINE;
 }
 
@@ -84,17 +135,25 @@ COMMAND add_edit(COMMAND prefs, TOOL& tool, const std::string& name, const std::
     command.add_flag("--dry-run", options->dry_run,
                      "Change nothing: show the difference, with the comments and other lines that would be lost");
     command.add_option("--wait", "SECONDS", options->seconds_to_wait,
-                       "How long to wait for another velmar-cfg that changes the file (10 by default)");
+                       "How long to wait for another velmar-cfg, or a program that writes the file (10 by default)");
+    command.add_flag("--allow-loss", options->permissions.lose_values,
+                     "Change the file also where values in other lines go or change with that");
+    command.add_flag("--break-hard-links", options->permissions.break_hard_links,
+                     "Change the file also where it has other names, which keep the old one");
+    command.add_flag("--replace-read-only", options->permissions.replace_read_only,
+                     "Change the file also where its mode forbids that");
     return command;
 }
 }
 
 void add_prefs_edit_commands(COMMAND prefs, TOOL& tool)
 {
-    add_edit(prefs, tool, "set",
-             "Give a preference a value, for the running release. The file is replaced as a whole once the new one has "
-             "been read back; other preferences keep their values.",
-             "velmar-cfg prefs set HDL_PREFERENCE VHDL\n      new designs are in VHDL from now on");
+    add_edit(
+        prefs, tool, "set",
+        "Give a preference a value, for the running release. The file is replaced as a whole; other preferences keep "
+        "their values. Lines that a save does not keep, such as comments, are shown, and where values would go the "
+        "file is not changed.",
+        "velmar-cfg prefs set HDL_PREFERENCE VHDL\n      new designs are in VHDL from now on");
     add_edit(prefs, tool, "reset", "Bring a preference back to its default",
              "velmar-cfg prefs reset HDL_PREFERENCE --dry-run\n      what the file would lose");
 }

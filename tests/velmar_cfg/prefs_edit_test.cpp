@@ -118,17 +118,18 @@ TEST_F(PREFS_EDIT, a_line_that_a_save_would_spoil_stops_the_change)
 {
     const char* const quoted_twice = "[General 23.4_pro]\nUSER_LIBRARIES = \"\"/lib\"\"\n";
     write_preferences(quoted_twice);
-    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}),
-              (TOOL_RUN{4, "",
-                        "velmar-cfg: " + full_path() +
-                            ": lines that would not be kept as they were: 1\n"
-                            "velmar-cfg: line 2: 'USER_LIBRARIES = \"\"/lib\"\"': a save keeps these quotes, and the "
-                            "load behind it removes them\n"
-                            "velmar-cfg: " +
-                            full_path() +
-                            ": a save would also change USER_LIBRARIES from '\"/lib\"' to '/lib', as [General "
-                            "23.4_pro] says, since line 2 is not kept; set that one first, or --allow-loss does it "
-                            "anyway\n"}));
+    EXPECT_EQ(
+        run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}),
+        (TOOL_RUN{4, "",
+                  "velmar-cfg: " + full_path() +
+                      ": lines that would not be kept as they were: 1\n"
+                      "velmar-cfg: line 2: 'USER_LIBRARIES = \"\"/lib\"\"': a save keeps these quotes, and the "
+                      "load behind it removes them\n"
+                      "velmar-cfg: " +
+                      full_path() +
+                      ": a save would also change USER_LIBRARIES from '\"/lib\"' to '/lib', as [General "
+                      "23.4_pro] says, since line 2 is not kept as it is; set that one first, or --allow-loss does it "
+                      "anyway\n"}));
     EXPECT_EQ(preferences(), quoted_twice);
     EXPECT_TRUE(other_files().empty());
 }
@@ -158,15 +159,17 @@ TEST_F(PREFS_EDIT, a_save_that_would_change_another_preference_is_not_made)
     // The empty section keeps the older value away, and a save does not keep empty sections.
     const char* const bytes = "[Messages 23.4_pro]\n[Messages 23.3_pro]\nSHOW_MESSAGE_ID = off\n";
     write_preferences(bytes);
-    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}),
-              (TOOL_RUN{4, "",
-                        "velmar-cfg: " + full_path() +
-                            ": lines that would not be kept as they were: 1\n"
-                            "velmar-cfg: line 1: '[Messages 23.4_pro]': a section without a value, which a save drops\n"
-                            "velmar-cfg: " +
-                            full_path() +
-                            ": a save would also change SHOW_MESSAGE_ID from 'on' to 'off', as [Messages 23.3_pro] "
-                            "says, since line 1 is not kept; set that one first, or --allow-loss does it anyway\n"}));
+    EXPECT_EQ(
+        run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}),
+        (TOOL_RUN{
+            4, "",
+            "velmar-cfg: " + full_path() +
+                ": lines that would not be kept as they were: 1\n"
+                "velmar-cfg: line 1: '[Messages 23.4_pro]': a section without a value, which a save drops\n"
+                "velmar-cfg: " +
+                full_path() +
+                ": a save would also change SHOW_MESSAGE_ID from 'on' to 'off', as [Messages 23.3_pro] "
+                "says, since line 1 is not kept as it is; set that one first, or --allow-loss does it anyway\n"}));
     EXPECT_EQ(preferences(), bytes);
     EXPECT_EQ(run({"prefs", "set", "SHOW_MESSAGE_ID", "on"}).exit_code, 0);
     EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}).exit_code, 0);

@@ -102,11 +102,12 @@ void reset(const std::string& path, std::string_view before, CFG_USER_INI_ENUMS 
 std::string reason_of_change(const PREFERENCE& before, const PREFERENCE& after, const std::vector<LOST_LINE>& lost)
 {
     std::string reason = after.origin.section.empty() ? "" : ", as [" + after.origin.section + "] says";
-    // An empty section, or an empty value, keeps older values away.
+    // An empty section, or an empty value, keeps older values away; and one in another letter case takes effect.
     const std::string running = released_section(before.section, ver_get_version());
-    const auto gone = std::ranges::find(lost, running, &LOST_LINE::section);
+    const auto gone = std::ranges::find_if(lost, [&](const LOST_LINE& line)
+                                           { return gen_stricmp(line.section.c_str(), running.c_str()) == 0; });
     if (gone != lost.end())
-        reason += ", since line " + std::to_string(gone->number) + " is not kept";
+        reason += ", since line " + std::to_string(gone->number) + " is not kept as it is";
     return reason;
 }
 

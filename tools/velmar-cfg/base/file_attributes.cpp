@@ -75,9 +75,9 @@ std::optional<ATTRIBUTES> attributes_of(int file)
     return attributes;
 }
 
-std::string not_kept(const std::string& what)
+std::string not_kept(const std::string& what, int error = errno)
 {
-    return what + " cannot be kept: " + std::strerror(errno);
+    return what + " cannot be kept: " + std::strerror(error);
 }
 
 std::string take_over_extended(int from, int to)
@@ -109,7 +109,10 @@ std::string take_over_attributes(int from, int to)
     if (fstat(from, &wanted) != 0 || fstat(to, &own) != 0)
         return not_kept("its owner");
     if (own.st_uid != wanted.st_uid && fchown(to, wanted.st_uid, static_cast<gid_t>(-1)) != 0)
-        return not_kept("its owner " + user_in_words(wanted.st_uid));
+    {
+        const int error = errno;
+        return not_kept("its owner " + user_in_words(wanted.st_uid), error);
+    }
     if (own.st_gid != wanted.st_gid && fchown(to, static_cast<uid_t>(-1), wanted.st_gid) != 0)
         return not_kept("its group number " + std::to_string(wanted.st_gid));
     if (std::string problem = take_over_extended(from, to); !problem.empty())

@@ -63,6 +63,14 @@ std::string FILE_PLACE::target_of_link(int link, uid_t owner) const
     return {text.data(), static_cast<std::size_t>(size)};
 }
 
+// Whether a file of that name, or none, is there. Opens nothing.
+bool FILE_PLACE::is_no_link(const std::string& name) const
+{
+    struct stat found;
+    return fstatat(opened.get(), name.c_str(), &found, AT_SYMLINK_NOFOLLOW) == 0 ? !S_ISLNK(found.st_mode)
+                                                                                 : errno == ENOENT;
+}
+
 void FILE_PLACE::walk(const std::string& path)
 {
     const bool absolute = path.starts_with('/');
@@ -74,10 +82,10 @@ void FILE_PLACE::walk(const std::string& path)
     {
         file_name = rest.front();
         rest.pop_front();
-        OPEN_FILE component(openat(opened.get(), file_name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-        if (component.get() < 0 && errno == ENOENT && rest.empty())
-            return;
         struct stat found;
+        if (rest.empty() && is_no_link(file_name))
+            return;
+        OPEN_FILE component(openat(opened.get(), file_name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
         if (component.get() < 0 || fstat(component.get(), &found) != 0)
             fail_to_write(path,
                           std::strerror(errno) + std::string(errno == ENOENT ? "; make the directory first" : ""));

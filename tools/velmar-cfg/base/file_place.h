@@ -36,6 +36,7 @@ public:
 
 private:
     void walk(const std::string& path);
+    bool is_no_link(const std::string& name) const;
     std::string target_of_link(int link, uid_t owner) const;
 
     OPEN_FILE opened;

@@ -16,6 +16,8 @@ struct VERDICT
     std::optional<double> measured; // of medians; nothing when a row that it takes did not run
     std::optional<double> least;    // of the least times, which other programs disturb less
 
+    bool other_form_met = false; // the goal has two forms, of which one is enough, and the other one is met
+
     bool met() const
     {
         return measured && *measured <= limit;

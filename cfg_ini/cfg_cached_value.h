@@ -32,7 +32,8 @@
 // CFG_INI_CALLBACK, no other thread may store the variable or reread the settings while the object is being destroyed.
 //
 // fork. A child may ask any of these objects. One that another thread of the parent was using at that moment may ask
-// the store at each get() in the child: right, and slower.
+// the store at each get() in the child: right, and slower. In a child that starts without a store (see the public
+// header) the objects answer as in the parent until the store itself is used, which loads the settings.
 //
 // Static objects. Constructing registers the object and reads nothing, so it may be done at load, in libraries that
 // are loaded and unloaded at run time as well, in any order relative to other static objects that do not themselves

@@ -13,8 +13,10 @@
 //
 // fork: a thread may fork at any moment outside a signal handler, also within a notification. The child can use
 // everything here. If another thread held the store's lock for longer than fork waits (some 80 ms: it was loading from
-// a pipe, or a callback had thrown), the child starts without a store and loads the settings anew; values that the
-// program had set are gone there, and callbacks stay registered. See platform/thr/thr.h.
+// a pipe, or a callback had thrown), the child starts without a store and loads the settings anew. Values that the
+// program had set are gone there. Callbacks stay registered, unless that thread was registering one at that moment, and
+// are reset by the load. A host's own fork handler may take a lock under which other threads use the library if it is
+// registered once the library is loaded. See platform/thr/thr.h.
 //
 // Errors: absence is not an error (defaults, empty texts and empty optionals stand for it). A broken precondition is
 // reported through err_report_internal_error of platform/err/err.h; what follows the report stands at the function. The
@@ -115,45 +117,53 @@ public:
     friend std::optional<T> cfg_get_value_as(std::string_view name); // the library has the instances for each T below
 };
 
-// Whether a NAME, const and reference included, is a name as characters and nothing that the other forms take.
+// Whether a NAME converts, be it a constant, changeable or a temporary.
+template <typename NAME, typename TO>
+constexpr bool cfg_ini_converts()
+{
+    return std::is_convertible_v<const NAME&, TO> || std::is_convertible_v<NAME&, TO> ||
+           std::is_convertible_v<NAME, TO>;
+}
+
+// Whether a NAME is a name as characters and nothing that the other forms take.
 template <typename NAME>
 constexpr bool cfg_ini_is_characters()
 {
-    using PLAIN = std::decay_t<NAME>;
     constexpr bool is_characters =
-        std::is_convertible_v<NAME, const char*> || std::is_convertible_v<NAME, std::string_view>;
+        std::is_convertible_v<const NAME&, const char*> || std::is_convertible_v<const NAME&, std::string_view>;
     // Pointers, arrays and nullptr also convert to std::string.
-    constexpr bool is_object = std::is_class_v<PLAIN> || std::is_union_v<PLAIN>;
-    return is_characters && !std::is_same_v<PLAIN, CFG_INI_NAME_VIEW> &&
-           !(is_object && (std::is_convertible_v<NAME, std::string> || std::is_convertible_v<NAME, CFG_INI_VAR_ENUM>));
+    constexpr bool is_object = std::is_class_v<NAME> || std::is_union_v<NAME>;
+    return is_characters && !std::is_same_v<NAME, CFG_INI_NAME_VIEW> &&
+           !(is_object && (cfg_ini_converts<NAME, std::string>() || cfg_ini_converts<NAME, CFG_INI_VAR_ENUM>()));
 }
 
 template <typename NAME>
 using CFG_INI_IF_CHARACTERS = std::enable_if_t<cfg_ini_is_characters<NAME>(), int>;
 
+// Names come by a reference to a constant: no other one can name a member of a packed structure.
 template <typename NAME>
-CFG_INI_NAME_VIEW cfg_ini_name_of(NAME&& name)
+CFG_INI_NAME_VIEW cfg_ini_name_of(const NAME& name)
 {
-    if constexpr (std::is_class_v<std::decay_t<NAME>> && std::is_convertible_v<NAME, std::string_view>)
-        return CFG_INI_NAME_VIEW(std::forward<NAME>(name));
+    if constexpr (std::is_class_v<NAME> && std::is_convertible_v<const NAME&, std::string_view>)
+        return CFG_INI_NAME_VIEW(name);
     else
-        return CFG_INI_NAME_VIEW(cfg_ini_name_view(std::forward<NAME>(name)));
+        return CFG_INI_NAME_VIEW(cfg_ini_name_view(name));
 }
 
 // The variable as a boolean, or `default_value` when it has none.
 CFG_INI_API bool cfg_is_on(const std::string& name, bool default_value);
 template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
-bool cfg_is_on(NAME&& name, bool default_value)
+bool cfg_is_on(const NAME& name, bool default_value)
 {
-    return cfg_is_on(cfg_ini_name_of(std::forward<NAME>(name)), default_value);
+    return cfg_is_on(cfg_ini_name_of(name), default_value);
 }
 
 // As above; the default is true exactly for a catalogued name (spelt exactly) whose default text is "on".
 CFG_INI_API bool cfg_is_on(const std::string& name);
 template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
-bool cfg_is_on(NAME&& name)
+bool cfg_is_on(const NAME& name)
 {
-    return cfg_is_on(cfg_ini_name_of(std::forward<NAME>(name)));
+    return cfg_is_on(cfg_ini_name_of(name));
 }
 
 // The catalogued variable as a boolean, else its default text read as a boolean.
@@ -162,9 +172,9 @@ CFG_INI_API bool cfg_is_on(CFG_INI_VAR_ENUM ini_enum);
 // The variable as a signed 32-bit integer, or `default_value` when it has none.
 CFG_INI_API int cfg_get_int_value(const std::string& name, int default_value);
 template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
-int cfg_get_int_value(NAME&& name, int default_value)
+int cfg_get_int_value(const NAME& name, int default_value)
 {
-    return cfg_get_int_value(cfg_ini_name_of(std::forward<NAME>(name)), default_value);
+    return cfg_get_int_value(cfg_ini_name_of(name), default_value);
 }
 
 // The catalogued variable as an integer, else the number its default text begins with (0 for "on" and "off").
@@ -173,26 +183,26 @@ CFG_INI_API int cfg_get_int_value(CFG_INI_VAR_ENUM ini_enum);
 // The variable as an unsigned 32-bit integer, or `default_value` when it has none.
 CFG_INI_API unsigned int cfg_get_uint_value(const std::string& name, unsigned int default_value);
 template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
-unsigned int cfg_get_uint_value(NAME&& name, unsigned int default_value)
+unsigned int cfg_get_uint_value(const NAME& name, unsigned int default_value)
 {
-    return cfg_get_uint_value(cfg_ini_name_of(std::forward<NAME>(name)), default_value);
+    return cfg_get_uint_value(cfg_ini_name_of(name), default_value);
 }
 
 // The value of cfg_get_value_as<double>, or `default_value` when the variable's text is empty.
 CFG_INI_API double cfg_get_double_value(const std::string& name, double default_value);
 template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
-double cfg_get_double_value(NAME&& name, double default_value)
+double cfg_get_double_value(const NAME& name, double default_value)
 {
-    return cfg_get_double_value(cfg_ini_name_of(std::forward<NAME>(name)), default_value);
+    return cfg_get_double_value(cfg_ini_name_of(name), default_value);
 }
 
 // The variable's text as stored, quotes included; the empty text when it has none. Marks the variable as validly read
 // whatever its text, also when this very call created its record.
 CFG_INI_API std::string cfg_get_value(const std::string& name);
 template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
-std::string cfg_get_value(NAME&& name)
+std::string cfg_get_value(const NAME& name)
 {
-    return cfg_get_value(cfg_ini_name_of(std::forward<NAME>(name)));
+    return cfg_get_value(cfg_ini_name_of(name));
 }
 
 // The catalogued variable's text; its default text when that is empty.
@@ -209,9 +219,9 @@ CFG_INI_API std::string cfg_get_value(CFG_INI_VAR_ENUM ini_enum);
 template <typename T>
 std::optional<T> cfg_get_value_as(const std::string& name);
 template <typename T, typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
-std::optional<T> cfg_get_value_as(NAME&& name)
+std::optional<T> cfg_get_value_as(const NAME& name)
 {
-    return cfg_get_value_as<T>(cfg_ini_name_of(std::forward<NAME>(name)));
+    return cfg_get_value_as<T>(cfg_ini_name_of(name));
 }
 
 template <>

@@ -1,5 +1,7 @@
 #include "cfg_ini/cfg_ini_reader/fork_recovery.h"
 
+#include <atomic>
+
 #include "cfg_ini/cfg_ini_reader/change_callbacks.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 
@@ -9,14 +11,16 @@ namespace
 {
 // Keeps the table reachable, so that leak checkers of the child know that nobody meant to free it.
 constinit CFG_INI_TABLE* left_behind = nullptr;
+constinit std::atomic<bool> callbacks_know_it = false;
 
 // Runs in the child before fork returns there, on its only thread, which is why it may go without the lock. It neither
-// allocates nor frees. The load that the next use of a variable begins with does the rest: it clears the name cache and
-// marks the settings as changed.
+// allocates nor frees. The load that the next use of a variable begins with does the rest: it clears the name cache,
+// resets the callbacks and marks the settings as changed.
 void start_without_store() ZON_UNCHECKED
 {
     if (CFG_INI_TABLE* const table = cfg_ini_file.exchange(nullptr, std::memory_order_relaxed); table != nullptr)
         left_behind = table;
+    callbacks_know_it.store(true, std::memory_order_relaxed);
     leave_changing_registry();
 }
 
@@ -36,5 +40,10 @@ void start_fork_recovery()
 void stop_fork_recovery()
 {
     set_recovery(nullptr);
+}
+
+bool callbacks_knew_store_left_behind()
+{
+    return callbacks_know_it.exchange(false, std::memory_order_relaxed);
 }
 }

@@ -3,7 +3,8 @@
 // The thread service takes the store's lock around a fork, so that the child finds the store whole. It waits for a
 // limited time only: the lock may be held by a thread that loads from a pipe, or may never be released because a
 // callback threw. The child of such a fork starts with a free lock and without a store. The old store may be half
-// changed, so it is left behind, not freed; the next use of a variable loads the settings anew.
+// changed, so it is left behind, not freed; the next use of a variable loads the settings anew. For the callbacks,
+// which know the old store, that load empties it: they are reset.
 #ifndef CFG_INI_CFG_INI_READER_FORK_RECOVERY_H
 #define CFG_INI_CFG_INI_READER_FORK_RECOVERY_H
 
@@ -16,6 +17,9 @@ void start_fork_recovery() ZON_LOCK_HELD;
 
 // Takes it back: to be called before the library is unloaded.
 void stop_fork_recovery() ZON_LOCK_HELD;
+
+// Whether callbacks keep what they made of a store that was left behind, and have not been reset since; true once.
+bool callbacks_knew_store_left_behind() ZON_LOCK_HELD;
 }
 
 #endif

@@ -2,12 +2,10 @@
 // which follow their variables.
 //
 // A remembered answer is one atomic byte, so that asking again costs one load and takes no lock. There are two kinds:
-//   - the JTAG and benchmarking questions: racing first callers may each compute the answer, and so emit the
-//   benchmarking
-//     message more than once;
+//   - the JTAG and benchmarking questions: racing first callers may each compute the answer, and so emit the message
+//     about benchmarking more than once;
 //   - the modes: racing first callers wait for one computation, which runs under the store's lock. Forcing the modes
-//   off
-//     is kept apart from the answers, so that a mode first asked afterwards still reads, and counts, its variable.
+//     off is kept apart from the answers, so that a mode first asked afterwards still reads, and counts, its variable.
 // An answer is remembered as the last step. A failure in between, such as a lack of memory, leaves the question open.
 //
 // The debug-message settings are cached as well. The flag cfg_ini_dirty, which every store sets, says when to read them

@@ -247,7 +247,7 @@ void cfg_read_project_ini_file(const char* proj_dirpath, bool regtest)
 void cfg_close_ini_file()
 {
     NOTIFYING_STORE_LOCK lock;
-    if (store_table() != nullptr)
+    if (callbacks_knew_store_left_behind() || store_table() != nullptr)
     {
         discard_store();
         reset_callbacks();

@@ -8,6 +8,10 @@
 // is tried once more; it left the position where it was, so nothing is lost or read twice. Two failures in a row end
 // the file, so that a directory or a dead device cannot hold the reader. The line that such an end cuts short is
 // dropped: half a value is worse than none.
+//
+// A callback may fork while its file is being read, and parent and child may both go on reading it. They share the
+// descriptor, hence its position; so each reads at a position of its own. Only what has no positions, such as a pipe,
+// is read as it comes.
 #include "cfg_ini/cfg_ini_reader/settings_lines.h"
 
 #include <cerrno>
@@ -54,18 +58,32 @@ SETTINGS_LINES::~SETTINGS_LINES()
         ::close(descriptor);
 }
 
+// As ::read answers.
+ssize_t SETTINGS_LINES::read_piece()
+{
+    if (has_positions)
+    {
+        const ssize_t size = ::pread(descriptor, buffer.get(), buffer_size, file_position);
+        has_positions = size >= 0 || errno != ESPIPE;
+        if (has_positions)
+            return size;
+    }
+    return ::read(descriptor, buffer.get(), buffer_size);
+}
+
 bool SETTINGS_LINES::fill()
 {
     if (ended)
         return false;
-    const auto read_piece = [this] { return ::read(descriptor, buffer.get(), buffer_size); };
-    ssize_t size = uninterrupted(read_piece);
+    const auto read = [this] { return uninterrupted([this] { return read_piece(); }); };
+    ssize_t size = read();
     if (size < 0)
-        size = uninterrupted(read_piece);
+        size = read();
     failed = size < 0;
     ended = size <= 0;
     position = 0;
     filled = ended ? 0 : static_cast<std::size_t>(size);
+    file_position += static_cast<off_t>(filled);
     return !ended;
 }
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <sys/types.h>
 
 namespace zon_cfg
 {
@@ -34,6 +35,7 @@ public:
     std::size_t size_hint() const;
 
 private:
+    ssize_t read_piece();
     bool fill();
 
     std::unique_ptr<char[]> buffer;
@@ -41,6 +43,8 @@ private:
     std::string divided; // a line that ran over the end of the buffer
     std::size_t position = 0;
     std::size_t filled = 0;
+    off_t file_position = 0; // of the next piece
+    bool has_positions = true;
     bool ended = false; // nothing is read any more, though a pipe or a terminal might have more
     bool failed = false;
 };

@@ -3,6 +3,7 @@
 #include "cfg_ini/cfg_ini_reader/core_readers.h"
 #include "cfg_ini/cfg_ini_reader/name_cache.h"
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"
+#include "cfg_ini/cfg_ini_reader/variable_assignment.h"
 
 using namespace zon_cfg;
 
@@ -56,6 +57,21 @@ unsigned int cfg_ini_read_uint(const std::string& name, bool* found)
 std::string cfg_ini_read_string(const std::string& name, bool mark_valid)
 {
     return read_string(name, mark_valid);
+}
+
+void cfg_ini_insert_element(const std::string& name, const std::string& value)
+{
+    assign_text(name, value, false);
+}
+
+void cfg_ini_insert_element_external_ini(const std::string& name, const std::string& value)
+{
+    assign_text(name, value, true);
+}
+
+bool cfg_ini_usage_compare(USAGE a, USAGE b) // NOLINT(performance-unnecessary-value-param): by value, as it is given
+{
+    return goes_before(a, b);
 }
 
 template <>

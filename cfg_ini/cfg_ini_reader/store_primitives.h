@@ -8,6 +8,7 @@
 
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "cfg_ini/cfg_ini_reader/store_lock.h"
+#include "cfg_ini/cfg_ini_reader/usage_report.h"
 
 // --- The caller holds the lock and there is a store ---
 
@@ -37,7 +38,15 @@ unsigned int cfg_ini_read_uint(const std::string& name, bool* found);
 // A copy of the text. The variable is marked as validly read when `mark_valid` is true, whatever the text.
 std::string cfg_ini_read_string(const std::string& name, bool mark_valid);
 
+// Stores and converts the text, as the setters do; callbacks run with the lock held. The first never touches the mark
+// of an external record, the second sets it.
+void cfg_ini_insert_element(const std::string& name, const std::string& value);
+void cfg_ini_insert_element_external_ini(const std::string& name, const std::string& value);
+
 // --- No store needed ---
+
+// Whether `a` goes before `b` in the ranked usage report.
+bool cfg_ini_usage_compare(zon_cfg::USAGE a, zon_cfg::USAGE b);
 
 // The decimal number that is the whole text, for T = int (with an optional "-", no "+") and unsigned int (no sign at
 // all). Empty when any other character stands there, blanks included, or when the number does not fit.

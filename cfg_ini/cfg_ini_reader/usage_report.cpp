@@ -17,14 +17,14 @@
 
 namespace zon_cfg
 {
-namespace
-{
 bool goes_before(const USAGE& a, const USAGE& b)
 {
     // Descending names among equal counts, intended: reports of earlier releases are compared with this order.
     return a.second != b.second ? a.second > b.second : a.first > b.first;
 }
 
+namespace
+{
 // Calls visit(name, record) for every record; for none when the store is gone.
 template <typename VISIT>
 void for_each_record(VISIT visit) ZON_LOCK_HELD
@@ -77,11 +77,6 @@ std::vector<USAGE> usages_of_at_least(std::uint64_t min)
 }
 
 using namespace zon_cfg;
-
-bool cfg_ini_usage_compare(USAGE a, USAGE b) // NOLINT(performance-unnecessary-value-param): by value as hosts call it
-{
-    return goes_before(a, b);
-}
 
 void cfg_get_most_accessed(std::vector<std::pair<std::string, std::string>>* out)
 {

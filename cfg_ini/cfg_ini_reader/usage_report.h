@@ -10,9 +10,9 @@ namespace zon_cfg
 {
 // A variable's name and access count.
 using USAGE = std::pair<std::string, std::uint64_t>;
-}
 
 // Whether `a` goes before `b`: the higher count first; of equal counts the name that is greater byte by byte first.
-bool cfg_ini_usage_compare(zon_cfg::USAGE a, zon_cfg::USAGE b);
+bool goes_before(const USAGE& a, const USAGE& b);
+}
 
 #endif

@@ -1,5 +1,11 @@
-// A text is tried by its first character, which settles most texts: at most one word of each answer begins with it. A
-// number is read once, and the ranges of the types decide what it is. Costs a step for each character that fits.
+// The three conversions of a text, made together when it is stored.
+//
+// The first character settles most texts: at most one word of each answer begins with it, and a number begins with a
+// digit or "-". A number is read once, into a type that holds every int and every unsigned int, and the ranges of the
+// two decide what it is. Reading stops as soon as the number is beyond both, so that no text can make it overflow.
+// Nothing here asks the locale: a file means the same wherever it is read. Only convert_to_double does, as strtod does.
+//
+// Costs a step for each character that fits.
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"
 
 #include <cstdint>

@@ -71,29 +71,19 @@ template <typename VALUE>
 }
 
 // For the setters that are not worth a copy of the code above.
-[[gnu::noinline]] void assign_text(std::string_view name, std::string_view value)
-{
-    assign(name, value, false);
-}
-
 [[gnu::noinline]] void assign_number(std::string_view name, int value)
 {
     assign(name, value);
 }
 }
+
+[[gnu::noinline]] void assign_text(std::string_view name, std::string_view value, bool external)
+{
+    assign(name, value, external);
+}
 }
 
 using namespace zon_cfg;
-
-void cfg_ini_insert_element(const std::string& name, const std::string& value)
-{
-    assign_text(name, value);
-}
-
-void cfg_ini_insert_element_external_ini(const std::string& name, const std::string& value)
-{
-    assign(name, value, true);
-}
 
 void cfg_set_value(const std::string& name, const std::string& value)
 {
@@ -104,7 +94,7 @@ void cfg_set_value(CFG_INI_VAR_ENUM ini_enum, const char* value)
 {
     // Checked before the value is: an enumeration out of range is what gets reported.
     const std::string_view name = catalogue_entry(ini_enum).name;
-    assign_text(name, std::string(value));
+    assign_text(name, std::string(value), false);
 }
 
 void cfg_set_int_value(const char* name, int value)
@@ -125,20 +115,20 @@ void cfg_set_int_value(CFG_INI_VAR_ENUM ini_enum, int value)
 
 void cfg_set_on(const std::string& name)
 {
-    assign_text(name, "on");
+    assign_text(name, "on", false);
 }
 
 void cfg_set_on(CFG_INI_VAR_ENUM ini_enum)
 {
-    assign_text(catalogue_entry(ini_enum).name, "on");
+    assign_text(catalogue_entry(ini_enum).name, "on", false);
 }
 
 void cfg_set_off(const std::string& name)
 {
-    assign_text(name, "off");
+    assign_text(name, "off", false);
 }
 
 void cfg_set_off(CFG_INI_VAR_ENUM ini_enum)
 {
-    assign_text(catalogue_entry(ini_enum).name, "off");
+    assign_text(catalogue_entry(ini_enum).name, "off", false);
 }

@@ -5,11 +5,9 @@
 // - A group is one section, letter case ignored. The groups stand in the order of their first records, and a group's
 //   records in map order; its header is the section of its first record.
 // - Records of one section mostly follow each other, but need not: "AB" + "c" stands between "A" + "A" and "A" + "Z".
-// So
-//   a record is compared with the one before it, and else its group is searched.
+//   So a record is compared with the one before it, and else its group is searched.
 // - Whatever needs memory happens before the file is opened, which empties it. A save that runs out of memory leaves
-// the
-//   file as it was.
+//   the file as it was.
 //
 // Cost: n records in s sections take n comparisons and up to n * log s more for the searches, whatever the file holds;
 // the time goes to the flush of each line.

@@ -1,8 +1,10 @@
 #include "platform/fio/fio.h"
 
-#include <filesystem>
+#include <climits>
+#include <cstdlib>
+#include <memory>
 #include <sys/stat.h>
-#include <system_error>
+#include <unistd.h>
 
 bool FIO_FILE_SYSTEM::exists(const FIO_PATH& path)
 {
@@ -22,6 +24,9 @@ bool FIO_FILE_SYSTEM::status(const char* path, struct stat* result)
 
 std::string FIO_FILE_SYSTEM::get_current_directory()
 {
-    std::error_code error;
-    return std::filesystem::current_path(error).string();
+    char directory[PATH_MAX]; // mostly enough; the C library takes memory for any length
+    if (getcwd(directory, sizeof directory) != nullptr)
+        return directory;
+    const std::unique_ptr<char, decltype(&std::free)> longer(getcwd(nullptr, 0), std::free);
+    return longer != nullptr ? longer.get() : std::string();
 }

@@ -1,12 +1,11 @@
 #include "platform/gen/gen.h"
 
 #include <cerrno>
+#include <climits>
 #include <cstddef>
 #include <cstdlib>
-#include <filesystem>
 #include <pwd.h>
 #include <string_view>
-#include <system_error>
 #include <unistd.h>
 #include <vector>
 
@@ -36,9 +35,10 @@ std::string home_in_password_database()
 
 std::string gen_get_module_path()
 {
-    std::error_code error;
-    const std::string executable = std::filesystem::read_symlink("/proc/self/exe", error).string();
-    return executable.substr(0, executable.rfind('/') + 1);
+    char executable[PATH_MAX]; // the kernel hands out no longer path
+    const ssize_t size = readlink("/proc/self/exe", executable, sizeof executable);
+    const std::string_view path(executable, size < 0 ? 0 : static_cast<std::size_t>(size));
+    return std::string(path.substr(0, path.rfind('/') + 1));
 }
 
 std::string gen_get_velmar_path()

@@ -14,6 +14,9 @@
 // - A mutex that another thread holds is waited for, but not for ever: its holder may wait for the forking thread, or
 //   have ended. In the child such a mutex is made free, and its user is told: see thr_mutex_call_if_lost.
 // - Creating a mutex waits while another thread forks, or else fork waits for it as for a mutex.
+// - Handlers are registered when the service is loaded. A host's own handlers, if registered later, then run first
+//   before the fork: they may wait for a lock under which other threads use the library. One that was registered
+//   earlier must not.
 // The default does so, and waits 80 milliseconds for all mutexes together. posix_spawn and vfork, hence also system and
 // popen, run no such handlers and need none: the child shares no lock and runs no code of this process. A child of
 // _Fork or of a bare clone must not use the library, as handlers did not run.

@@ -9,20 +9,21 @@
 // What the child may rely on. The kernel copies one page after the other while the other threads of the parent run on:
 // all that one of them writes during the fork may be in the child or not.
 // - A mutex that was taken, and what it guards, nobody else writes meanwhile. (Others may mark it as held with
-// sleepers;
-//   then one wake-up finds nobody.)
+//   sleepers; then one wake-up finds nobody.)
 // - Any other mutex counts as lost, whatever the copy of its word says. The one thing never found in that is the
 //   identity of the forking thread, so that is_own() tells them apart.
 // - The mutexes are linked from the newest to the oldest, and a mutex of the service's own lets one thread at a time
-// add
-//   to them. It is taken first: then no mutex is made half before and half after the copying. If it is lost itself,
-//   the child goes back to the newest mutex that was seen before.
+//   add to them. It is taken first: then no mutex is made half before and half after the copying. If it is lost
+//   itself, the child goes back to the newest mutex that was seen before.
 // - Identities given meanwhile may be given again in the child, as the count of them is copied as well; the threads
-// that
-//   have them are not there, nor is anything that names them once the lost mutexes are free.
+//   that have them are not there, nor is anything that names them once the lost mutexes are free.
 //
-// Handlers may be registered twice, where threads make the first mutexes at once: waiting for each other would need a
-// lock that a fork could copy. And handlers of others may fork. Only the outermost call takes and releases.
+// The handlers are registered when the service is loaded. The later a handler is registered, the earlier it runs before
+// a fork: a host's own handlers so run before these, and one that waits for a lock of the host's waits without a mutex
+// in hand. Otherwise it would wait for ever beside a thread that holds that lock and asks for a mutex.
+//
+// They may be registered twice, where mutexes are made before that, or where it failed: waiting for each other would
+// need a lock that a fork could copy. And handlers of others may fork. Only the outermost call takes and releases.
 #include "platform/thr/thr_fork.h"
 
 #include <atomic>
@@ -134,15 +135,26 @@ void after_fork_in_child()
     if (--own_fork.preparations == 0)
         release_all();
 }
+
+// Whether the handlers are registered now.
+bool register_handlers()
+{
+    if (handlers_are_registered.load(std::memory_order_acquire))
+        return true;
+    if (pthread_atfork(before_fork, after_fork_in_parent, after_fork_in_child) != 0)
+        return false;
+    handlers_are_registered.store(true, std::memory_order_release);
+    return true;
+}
+
+// At load. A failure is made good by the first mutex.
+[[maybe_unused]] const bool handlers_were_registered_at_load = register_handlers();
 }
 
 void zon_thr::protect_from_forks()
 {
-    if (handlers_are_registered.load(std::memory_order_acquire))
-        return;
-    if (pthread_atfork(before_fork, after_fork_in_parent, after_fork_in_child) != 0)
+    if (!register_handlers())
         throw std::bad_alloc();
-    handlers_are_registered.store(true, std::memory_order_release);
 }
 
 void zon_thr::enlist(THR_MUTEX& mutex)

@@ -8,9 +8,8 @@
 // Without contention, locking and unlocking are one atomic instruction each.
 //
 // Why it is right. The numbers stand at the accesses below; all are to one atomic object, the word.
-// - Exclusion: the word leaves free only in (1), (2) and (5), which are atomic read-modify-writes: of each free that
-// (3)
-//   writes, one of them at most makes something else. Only the owner does (3).
+// - Exclusion: the word leaves free only in (1), (2) and (5), which are atomic read-modify-writes: of each free that is
+//   written by (3), one of them at most makes something else. Only the owner does (3).
 // - What the last holder wrote is seen: (3) releases; (1), (2) and (5) acquire, and the free that they read was written
 //   by a (3), or nobody has held the mutex. So all that comes before an unlocking happens before all that follows the
 //   next locking. The count needs nothing else.

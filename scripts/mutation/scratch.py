@@ -7,12 +7,14 @@ to build first. Afterwards the source and all files of the build are put back wi
 and nothing of it has to be compiled again for the next mutant.
 """
 
+import atexit
 import json
 import os
 import re
 import resource
 import shutil
 import subprocess
+import tempfile
 import time
 from collections import namedtuple
 from pathlib import Path
@@ -35,7 +37,10 @@ class Scratch:
         self.source = directory / "source"
         self.build = directory / "build"
         self.original = directory / "original"  # a copy of the build of the unchanged sources
-        self.playground = directory / "tmp"
+        # Not below `directory`, which other users may not be able to enter: some tests go on as another user.
+        self.playground = Path(tempfile.mkdtemp(prefix="mutation."))
+        self.playground.chmod(0o755)
+        atexit.register(shutil.rmtree, self.playground, ignore_errors=True)
         self.jobs = jobs
         self.runner = Runner()
         self.runs = {}  # of each test executable

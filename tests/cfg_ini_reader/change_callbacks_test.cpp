@@ -5,7 +5,7 @@
 #include <memory>
 #include <type_traits>
 
-#include "cfg_ini/cfg_ini_reader/variable_assignment.h"
+#include "cfg_ini/cfg_ini_reader/store_primitives.h"
 #include "tests/support/store_test.h"
 
 using namespace zon_cfg;

@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "cfg_ini/cfg_ini_reader/store_primitives.h"
-#include "cfg_ini/cfg_ini_reader/variable_assignment.h"
 #include "tests/support/store_test.h"
 
 namespace

@@ -5,7 +5,6 @@
 #include <memory>
 
 #include "cfg_ini/cfg_ini_reader/store_primitives.h"
-#include "cfg_ini/cfg_ini_reader/variable_assignment.h"
 #include "tests/support/store_test.h"
 
 using namespace zon_cfg;

@@ -12,6 +12,7 @@
 #include <unistd.h>
 #include <utility>
 
+#include "cfg_ini/cfg_cached_value.h"
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "tests/platform/thread_conditions.h"
@@ -188,6 +189,30 @@ TEST_F(STORE_FORK_TEST, AChildForkedInANotificationOwnsTheLock)
     EXPECT_EQ(1, cfg_get_int_value("forks", 0));
 }
 
+// Both go on with the load, of a file that takes several reads; neither takes lines from the other.
+TEST_F(STORE_FORK_TEST, AChildForkedDuringALoadReadsTheWholeFileAsItsParentDoes)
+{
+    constexpr int lines = 10'000;
+    std::string text = "forks = 1\n";
+    for (int i = 0; i < lines; ++i)
+        text += "variable_" + std::to_string(i) + " = 1\n";
+    write_file(temporary.path("long.ini"), text);
+    const auto missing_lines = []
+    {
+        int missing = 0;
+        for (int i = 0; i < lines; ++i)
+            missing += cfg_is_on("variable_" + std::to_string(i), false) ? 0 : 1;
+        return missing;
+    };
+
+    FORKING callback;
+    cfg_read_ini_file(temporary.path("long.ini"));
+    if (callback.child == 0)
+        _exit(missing_lines() == 0 ? all_well : 1);
+    EXPECT_EQ(all_well, status_of(callback.child));
+    EXPECT_EQ(0, missing_lines());
+}
+
 class NOTIFIED : public CFG_INI_CALLBACK
 {
 public:
@@ -196,7 +221,12 @@ public:
     {
         ++refreshes;
     }
+    void reset_to_default() override
+    {
+        ++resets;
+    }
     std::atomic<int> refreshes = 0;
+    std::atomic<int> resets = 0;
 };
 
 // A thread that holds the lock for as long as this object lives: it loads from a pipe to which nobody has written yet.
@@ -240,12 +270,15 @@ TEST_F(STORE_FORK_TEST, AChildOfAForkDuringALongLoadStartsWithoutAStore)
     {
         const LOADING_FROM_PIPE loading(temporary.path("pipe.ini"));
         const int refreshes_before = callback.refreshes;
+        const int resets_before = callback.resets;
         EXPECT_EQ(all_well, status_of_quick_fork(
                                 [&]
                                 {
                                     CHECK_IN_CHILD(!store_exists());
+                                    CHECK_IN_CHILD(callback.resets == resets_before);
                                     CHECK_IN_CHILD(cfg_get_int_value("number", 0) == 5);
                                     CHECK_IN_CHILD(callback.refreshes == refreshes_before + 1);
+                                    CHECK_IN_CHILD(callback.resets == resets_before + 1);
                                     CHECK_IN_CHILD(!cfg_is_on("only_in_the_parent", false));
                                     CHECK_IN_CHILD(use_everything() == all_well);
                                     // And its own child in turn, which finds the lock free and the store whole.
@@ -275,7 +308,10 @@ TEST_F(STORE_FORK_TEST, AChildIsFreeOfALockThatACallbackLeftHeld)
                             {
                                 // None of this may be seen in the child, which loads anew.
                                 cfg_set_value("number", "50");
+                                cfg_set_value("only_in_the_parent", "1");
                                 cfg_set_value("debug_msg_level", "9");
+                                const CFG_CACHED_VALUE<bool> cached("only_in_the_parent", false);
+                                CHECK_IN_CHILD(cached.get());
                                 CHECK_IN_CHILD(cfg_get_int_value("number", 0) == 50);
                                 int level = 0;
                                 cfg_check_debug_ini_values(nullptr, nullptr, &level);
@@ -294,10 +330,11 @@ TEST_F(STORE_FORK_TEST, AChildIsFreeOfALockThatACallbackLeftHeld)
                                     })
                                     .join();
                                 const int status = status_of_quick_fork(
-                                    [this, &level]
+                                    [this, &level, &cached]
                                     {
                                         cfg_check_debug_ini_values(nullptr, nullptr, &level);
                                         CHECK_IN_CHILD(level == 2);
+                                        CHECK_IN_CHILD(!cached.get());
                                         return use_everything();
                                     });
                                 _exit(status); // the callback's destructor would wait for the lock

@@ -8,7 +8,6 @@
 
 #include "cfg_ini/cfg_ini_reader/change_callbacks.h"
 #include "cfg_ini/cfg_ini_reader/store_primitives.h"
-#include "cfg_ini/cfg_ini_reader/variable_assignment.h"
 #include "tests/support/failing_memory.h"
 #include "tests/support/store_test.h"
 

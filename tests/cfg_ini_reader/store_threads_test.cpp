@@ -7,7 +7,6 @@
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "cfg_ini/cfg_ini_reader/store_primitives.h"
-#include "cfg_ini/cfg_ini_reader/variable_assignment.h"
 #include "tests/support/isolated_test.h"
 #include "tests/support/threads.h"
 

@@ -1,8 +1,7 @@
-#include "cfg_ini/cfg_ini_reader/usage_report.h"
+#include "cfg_ini/cfg_ini_reader/store_primitives.h"
 
 #include <algorithm>
 
-#include "cfg_ini/cfg_ini_reader/variable_assignment.h"
 #include "tests/support/store_test.h"
 
 using namespace zon_cfg;

@@ -1,10 +1,12 @@
 #include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/gen/gen.h"
@@ -129,6 +131,58 @@ TEST(preference_catalogue, each_description_is_a_paragraph_of_its_own)
         EXPECT_EQ(text.find_first_of("\n\t"), std::string::npos) << text;
         EXPECT_EQ(text.find("  "), std::string::npos) << text;
         EXPECT_EQ(std::ranges::count(text, '(') - std::ranges::count(text, ')'), 0) << text;
+    }
+}
+
+// The CRC-32 that zip files use.
+std::uint32_t checksum(std::string_view text)
+{
+    std::uint32_t sum = ~0U;
+    for (const char c : text)
+    {
+        sum ^= static_cast<unsigned char>(c);
+        for (int bit = 0; bit < 8; ++bit)
+            sum = sum >> 1 ^ ((sum & 1) != 0 ? 0xEDB88320U : 0);
+    }
+    return ~sum;
+}
+
+// Users read these texts in preference dialogs. Whoever changes one renews its sum.
+TEST(preference_catalogue, no_description_changes_by_accident)
+{
+    ASSERT_EQ(checksum("123456789"), 0xCBF43926U) << "the check value of this sum";
+    // clang-format off
+    const std::map<int, std::uint32_t> sums = {
+        {0, 0x0FEF572D}, {1, 0x381939B1}, {2, 0x3DC8B80F}, {3, 0x6FEA8BA7}, {4, 0xF5FA450E},
+        {5, 0xFDF0D89B}, {6, 0xE82A5360}, {7, 0x573AAA74}, {8, 0xF5EDF83D}, {9, 0xB12B575C},
+        {10, 0x68D8003A}, {11, 0x43C2B2BF}, {12, 0xC7B6E5B1}, {13, 0x288B738A}, {14, 0xDBCC24FF},
+        {15, 0x7895032A}, {16, 0xCBB1AAA0}, {17, 0x58C7528C}, {18, 0x788458DD}, {19, 0x361CC306},
+        {20, 0x874AC165}, {21, 0xD7D0A61D}, {22, 0xBB561106}, {23, 0xDB534506}, {24, 0xE6CDD4AB},
+        {25, 0xFBC23804}, {26, 0xC1DEDBBA}, {27, 0x1540B829}, {28, 0xEDAFBF8E}, {29, 0x0289BEF5},
+        {30, 0x7ED9CB5D}, {31, 0xCDAFA681}, {32, 0xF0ADDD66}, {33, 0x6C44B95C}, {34, 0x411D74B4},
+        {35, 0xBB1D41D5}, {36, 0x2815B3C1}, {37, 0xB87B903B}, {38, 0x35155209}, {43, 0x41834F3F},
+        {44, 0x21F6AF76}, {45, 0xBE4E7D3D}, {46, 0x31E35047}, {47, 0xF5EB377C}, {48, 0x6D9A6E13},
+        {49, 0x03DD356F}, {50, 0xF5F4CB9F}, {51, 0xE2D125C0}, {52, 0x2B59D9B6}, {53, 0xE122D397},
+        {54, 0x0F602E4A}, {55, 0x0493AD25}, {56, 0x6413F2BB}, {57, 0x9E4A4C59}, {58, 0x2481CB81},
+        {59, 0xC6F47034}, {60, 0x6DFA1BB1}, {61, 0x9B222446}, {62, 0xF1FB0229}, {63, 0x18E79FC1},
+        {64, 0xDC48D3C0}, {65, 0x1A6A55FB}, {66, 0x0C2C0EF6}, {67, 0x241F15F3}, {68, 0xD9F2A841},
+        {69, 0xF038C3DF}, {70, 0x915BD5B1}, {71, 0x0E3E1CB1}, {72, 0x2B2FD9D2}, {74, 0x1752C049},
+        {75, 0x11F72A16}, {76, 0x3B3262FF}, {77, 0x089B2354}, {78, 0xD19005B8}, {79, 0xFA0E215B},
+        {80, 0x74719F4F}, {81, 0x9ABEE64A}, {82, 0x766F02D4}, {83, 0xBC4B1AFC}, {84, 0x9615DEC4},
+        {85, 0x853B4E2A}, {86, 0xDF9DA14F}, {87, 0x6083AF24}, {88, 0x607D6691}, {89, 0xB90E9AE8},
+        {90, 0xCC3E52A7}, {91, 0x00DE4929}, {92, 0x300892C8}, {93, 0x82FBFAEA}, {94, 0xE736FA7C},
+        {95, 0xFF546D90}, {96, 0x767C0998}, {97, 0x2D4DF4A0}, {98, 0x35E7D465}, {99, 0x0F10438B},
+        {100, 0x8E4A81E7}, {101, 0x6A5B905B}, {102, 0x2D9EAB85}, {103, 0xDC2471B6}, {104, 0xC3C310D8},
+        {105, 0xDDF2A16B}, {106, 0x6E239E68}, {107, 0x18DAD5C2}, {108, 0x49718882}, {109, 0x00A2CA84},
+        {110, 0xA44A0229}, {111, 0xC7EA0949}, {112, 0xAD7DCE5D}, {113, 0x9AFE1EE0}, {114, 0x7B1101A3},
+        {115, 0xC4F498B7}, {116, 0xBD844E9E}, {117, 0xDE3020F4}, {118, 0x96A5D3DF}, {119, 0x076284ED},
+        {120, 0x72BC1D35}, {121, 0xCD09FBED}, {122, 0x94D57ABA}, {123, 0x2E828121}, {124, 0xD4552FC0},
+        {125, 0x24C33CE1}};
+    // clang-format on
+    for (const EXPECTED_PREFERENCE& preference : expected_preferences())
+    {
+        const std::string text = cfg_get_user_ini_ini_desc(number(preference.number));
+        EXPECT_EQ(checksum(text), sums.at(preference.number)) << preference.key << ": " << text;
     }
 }
 

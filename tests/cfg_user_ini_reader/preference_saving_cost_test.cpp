@@ -133,9 +133,15 @@ double seconds_to_save(std::size_t sections)
 
 TEST_F(PREFERENCE_SAVING_COST_TEST, ten_times_the_sections_take_about_ten_times_as_long)
 {
-    const double of_4000 = seconds_to_save(4'000);
-    write_preferences("");
-    const double of_40000 = seconds_to_save(40'000);
-    EXPECT_LT(of_40000, 40 * of_4000) << "the square would be a hundred times as long";
+    // Again where other processes disturbed it: no disturbance makes a square look linear three times over.
+    double ratio = 0;
+    for (int attempt = 0; attempt == 0 || (ratio >= 40 && attempt < 3); ++attempt)
+    {
+        write_preferences("");
+        const double of_4000 = seconds_to_save(4'000);
+        write_preferences("");
+        ratio = seconds_to_save(40'000) / of_4000;
+    }
+    EXPECT_LT(ratio, 40) << "the square would be a hundred times as long";
 }
 }

@@ -1,5 +1,7 @@
+#include <climits>
 #include <filesystem>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "platform/fio/fio.h"
 #include "tests/support/isolated_test.h"
@@ -190,6 +192,21 @@ TEST_F(FILE_SYSTEM_TEST, current_directory_has_no_final_slash_but_for_the_root)
     EXPECT_EQ(FIO_FILE_SYSTEM::get_current_directory(), std::filesystem::canonical(temporary.path("cwd")).string());
     const SCOPED_CURRENT_DIRECTORY root("/");
     EXPECT_EQ(FIO_FILE_SYSTEM::get_current_directory(), "/");
+}
+
+TEST_F(FILE_SYSTEM_TEST, a_current_directory_longer_than_any_path_is_told_whole)
+{
+    const std::string name(255, 'd');
+    std::string expected = std::filesystem::canonical(temporary.path("cwd")).string();
+    const SCOPED_CURRENT_DIRECTORY here(expected);
+    for (int depth = 0; depth < 18; ++depth)
+    {
+        ASSERT_TRUE(std::filesystem::create_directory(name));
+        ASSERT_EQ(chdir(name.c_str()), 0);
+        expected += "/" + name;
+    }
+    ASSERT_GT(expected.size(), std::size_t{PATH_MAX});
+    EXPECT_EQ(FIO_FILE_SYSTEM::get_current_directory(), expected);
 }
 
 TEST_F(FILE_SYSTEM_TEST, a_removed_current_directory_is_empty)

@@ -5,6 +5,7 @@
 #include <functional>
 #include <latch>
 #include <memory>
+#include <mutex>
 #include <pthread.h>
 #include <sys/syscall.h>
 #include <thread>
@@ -416,7 +417,32 @@ TEST_F(THR_FORK_TEST, a_fork_that_fails_leaves_nothing_held)
     EXPECT_IN_FRESH_PROCESS(fail_to_fork());
 }
 
-// --- Beside the fork handlers of others, registered before the first mutex: hence without the fixture ---
+// --- Beside the fork handlers of others, registered before the service was loaded ---
+
+// They run after the service's own handler before a fork, and before its own in the child.
+using HANDLER = void (*)();
+constinit HANDLER early_handler_before_fork = nullptr;
+constinit HANDLER early_handler_in_child = nullptr;
+
+void register_early_handlers(int /*argc*/, char** /*argv*/, char** /*environment*/)
+{
+    const auto before_fork = []
+    {
+        if (early_handler_before_fork != nullptr)
+            early_handler_before_fork();
+    };
+    const auto in_child = []
+    {
+        if (early_handler_in_child != nullptr)
+            early_handler_in_child();
+    };
+    if (pthread_atfork(before_fork, nullptr, in_child) != 0)
+        _exit(1);
+}
+
+// Called before anything of the shared libraries is.
+[[gnu::section(".preinit_array"), gnu::used]] void (*const before_all_libraries)(int, char**,
+                                                                                 char**) = register_early_handlers;
 
 THR_MUTEX* mutex_of_handlers = nullptr;
 int losses_seen_by_the_child_handler = -1;
@@ -432,7 +458,7 @@ void use_and_see_losses()
 void lose_beside_an_earlier_handler()
 {
     alarm(seconds_until_hung);
-    ASSERT_EQ(pthread_atfork(nullptr, nullptr, use_and_see_losses), 0);
+    early_handler_in_child = use_and_see_losses;
     mutex_of_handlers = thr_mutex_create();
     thr_mutex_call_if_lost(mutex_of_handlers, count_loss);
     HOLDER holder({mutex_of_handlers});
@@ -472,7 +498,7 @@ void fork_within()
 void fork_within_a_fork(bool held)
 {
     alarm(seconds_until_hung);
-    ASSERT_EQ(pthread_atfork(fork_within, nullptr, nullptr), 0);
+    early_handler_before_fork = fork_within;
     mutex_of_handlers = thr_mutex_create();
     thr_mutex_call_if_lost(mutex_of_handlers, count_loss);
     if (held)
@@ -502,7 +528,7 @@ void be_in_the_middle()
 void set_up_for_the_middle(const std::function<void()>& action)
 {
     alarm(seconds_until_hung);
-    ASSERT_EQ(pthread_atfork(be_in_the_middle, nullptr, nullptr), 0);
+    early_handler_before_fork = be_in_the_middle;
     mutex_of_handlers = thr_mutex_create();
     in_the_middle = action;
 }
@@ -595,6 +621,47 @@ void fork_beside_a_fork_that_hangs()
 TEST(THR_FORK_HANDLERS_TEST, a_fork_of_another_thread_may_hang)
 {
     EXPECT_IN_FRESH_PROCESS(fork_beside_a_fork_that_hangs());
+}
+
+// --- Beside the fork handlers of a host, registered once the service is loaded ---
+
+std::mutex hosts_own;
+
+void lock_the_hosts_own()
+{
+    hosts_own.lock();
+}
+
+void unlock_the_hosts_own()
+{
+    hosts_own.unlock();
+}
+
+// Another thread holds the host's own mutex, which the host's handler waits for, and locks before it releases that.
+void fork_beside_a_thread_that_locks_under_the_hosts_own_mutex()
+{
+    alarm(seconds_until_hung);
+    ASSERT_EQ(pthread_atfork(lock_the_hosts_own, unlock_the_hosts_own, unlock_the_hosts_own), 0);
+    THR_MUTEX* const mutex = thr_mutex_create();
+    thr_mutex_call_if_lost(mutex, count_loss);
+    const pid_t forking = gettid();
+    std::latch holding(1);
+    std::thread other(
+        [&]
+        {
+            const std::lock_guard lock(hosts_own);
+            holding.count_down();
+            wait_until_it_sleeps(forking);
+            use(mutex);
+        });
+    holding.wait();
+    EXPECT_EQ(status_of_child([&] { return use(mutex), losses == 0 ? 7 : 8; }), 7);
+    other.join();
+}
+
+TEST(THR_FORK_HANDLERS_TEST, a_thread_may_lock_under_a_mutex_that_the_hosts_handler_waits_for)
+{
+    EXPECT_IN_FRESH_PROCESS(fork_beside_a_thread_that_locks_under_the_hosts_own_mutex());
 }
 
 // --- Handlers registered more than once ---

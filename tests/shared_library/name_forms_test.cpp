@@ -70,6 +70,12 @@ TEST_F(NAME_FORMS_TEST, strings)
     EXPECT_FINDS_AB_AS_A_STRING_DOES(std::cref(constant));
 }
 
+struct [[gnu::packed]] PACKED
+{
+    char before;
+    const char* name;
+};
+
 extern const char of_unknown_size[];
 
 TEST_F(NAME_FORMS_TEST, characters)
@@ -86,6 +92,8 @@ TEST_F(NAME_FORMS_TEST, characters)
     EXPECT_FINDS_AB_AS_A_STRING_DOES(constant_pointer);
     EXPECT_FINDS_AB_AS_A_STRING_DOES(of_unknown_size);
     EXPECT_FINDS_AB_AS_A_STRING_DOES(array[0] == 'a' ? "ab" : "b");
+    PACKED packed = {'x', constant_array};
+    EXPECT_FINDS_AB_AS_A_STRING_DOES(packed.name); // no reference can name it
 }
 
 const char of_unknown_size[] = "ab";

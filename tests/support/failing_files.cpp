@@ -106,6 +106,11 @@ extern "C"
         return is_to_fail(FILE_CALL::READ) ? -1 : original<decltype(read)>("read")(file_descriptor, to, size);
     }
 
+    ssize_t pread(int file_descriptor, void* to, std::size_t size, off_t from)
+    {
+        return is_to_fail(FILE_CALL::READ) ? -1 : original<decltype(pread)>("pread")(file_descriptor, to, size, from);
+    }
+
     ssize_t write(int file_descriptor, const void* from, std::size_t size)
     {
         return is_to_fail(FILE_CALL::WRITE) ? -1 : original<decltype(write)>("write")(file_descriptor, from, size);

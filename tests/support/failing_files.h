@@ -9,7 +9,7 @@
 enum class FILE_CALL
 {
     OPEN,  // open, and fopen as the file streams use it
-    READ,  // read
+    READ,  // read and pread
     WRITE, // write and writev, as the file streams use them
     SIZE,  // fstat
     CLOSE, // close, and fclose as the file streams use it; the file is closed nevertheless

@@ -58,7 +58,7 @@ void write_text(const std::vector<FILE_CANDIDATE>& candidates, OUTPUT& out)
         if (!candidate.path.empty())
             out << "  " << printable(candidate.path);
         if (!candidate.remark.empty())
-            out << "  (" << candidate.remark << ")";
+            out << "  (" << printable(candidate.remark) << ")";
         out << "\n";
     }
     out << out.painted(STYLE::STRONG, "environment") << "\n";

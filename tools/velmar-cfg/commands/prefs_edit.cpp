@@ -2,6 +2,7 @@
 #include "cfg_ini/cfg_ini.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
+#include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/base/unified_diff.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
@@ -33,7 +34,7 @@ void write_difference(std::string_view difference, OUTPUT& out)
     while (!difference.empty())
     {
         const std::string_view line = difference.substr(0, difference.find('\n'));
-        out << out.painted(style_of(line), line) << "\n";
+        out << out.painted(style_of(line), printable(line)) << "\n";
         difference.remove_prefix(line.size() + 1);
     }
 }

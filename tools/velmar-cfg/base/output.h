@@ -37,7 +37,7 @@ public:
     }
 
     // `text` in that style; as it is when there is no colour.
-    std::string painted(STYLE style, std::string_view text) const;
+    std::string painted(STYLE style, std::string text) const;
 
     // Writes what is left in the buffer. To be called when all is said; without it, the rest is dropped.
     void finish();

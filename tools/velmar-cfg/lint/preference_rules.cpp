@@ -1,19 +1,108 @@
 #include "tools/velmar-cfg/lint/preference_rules.h"
 
 #include <algorithm>
-#include <map>
+#include <unordered_map>
+#include <unordered_set>
 
-#include "platform/gen/gen.h"
 #include "platform/ver/ver.h"
+#include "tools/velmar-cfg/base/hash_index.h"
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 
 using namespace zon_cfg;
 
 namespace
 {
+// The sections that lookups get to: of each section of the catalogue the one without a release, then those with one.
+class KNOWN_SECTIONS
+{
+public:
+    KNOWN_SECTIONS() : candidates(all_names())
+    {
+        for (std::string& name : all_names())
+        {
+            spellings.try_emplace(name, name);
+            exact.insert(std::move(name));
+        }
+    }
+
+    bool contains(const std::string& section) const
+    {
+        return exact.contains(section);
+    }
+
+    // The section that was probably meant, if there is one: first of all the same in other letter case.
+    const std::string* nearest(const std::string& section) const
+    {
+        const auto other_case = spellings.find(section);
+        return other_case != spellings.end() ? &other_case->second : candidates.nearest(section);
+    }
+
+private:
+    static std::vector<std::string> all_names()
+    {
+        std::vector<std::string> sections;
+        const std::vector<std::string> versions = ver_get_all_versions();
+        for (const CFG_USER_INI_ENUMS preference : all_preference_numbers())
+        {
+            const std::string bare = preference_triples(preference).front().section;
+            if (std::ranges::find(sections, bare) != sections.end())
+                continue;
+            sections.push_back(bare);
+            for (const std::string& version : versions)
+                sections.push_back(released_section(bare, version));
+        }
+        return sections;
+    }
+
+    const NAME_CANDIDATES candidates;
+    std::unordered_map<std::string, std::string, NAME_HASH, NAME_EQUAL> spellings; // by name, letter case ignored
+    std::unordered_set<std::string> exact;
+};
+
+// The first line of each key of a file. A key is section and name run together, as in the store.
+class FIRST_LINES
+{
+public:
+    // The line that the key stood on before; nothing for a new one, which now stands on `line`.
+    std::optional<std::size_t> find_or_add(std::string_view section, std::string_view name, std::size_t line)
+    {
+        const std::size_t begin = texts.size();
+        texts.append(section).append(name);
+        const std::string_view key = std::string_view(texts).substr(begin);
+        const std::size_t hash = std::hash<std::string_view>()(key);
+        const auto found = index.find(hash, [&](std::uint32_t entry) { return text_of(keys[entry]) == key; });
+        if (found)
+        {
+            texts.resize(begin);
+            return keys[*found].line;
+        }
+        index.add(hash, static_cast<std::uint32_t>(keys.size()));
+        keys.push_back({begin, key.size(), line});
+        return std::nullopt;
+    }
+
+private:
+    struct KEY
+    {
+        std::size_t begin; // of its text
+        std::size_t size;
+        std::size_t line;
+    };
+
+    std::string_view text_of(const KEY& key) const
+    {
+        return std::string_view(texts).substr(key.begin, key.size);
+    }
+
+    std::string texts; // of all keys
+    std::vector<KEY> keys;
+    HASH_INDEX index;
+};
+
 // One file under examination, line by line.
 class EXAMINATION
 {
@@ -60,8 +149,11 @@ private:
     std::size_t number = 0;
     PREFERENCE_LINE line; // what the reader takes from it
 
+    const KNOWN_SECTIONS known_sections;
+    const NAME_CANDIDATES known_keys = NAME_CANDIDATES(all_preference_keys());
+
     std::string section;
-    std::map<std::string, std::size_t> first_lines; // of section and name, as the store keeps them
+    FIRST_LINES first_lines;
     std::vector<FINDING> found;
 };
 
@@ -110,25 +202,13 @@ void EXAMINATION::examine_header()
             "write '[" + released_section("General", ver_get_version()) + "]'");
         return;
     }
-    std::vector<std::string> sections;
-    for (const CFG_USER_INI_ENUMS preference : all_preference_numbers())
-    {
-        const std::string bare = preference_triples(preference).front().section;
-        if (std::ranges::find(sections, bare) != sections.end())
-            continue;
-        sections.push_back(bare);
-        for (const std::string& version : ver_get_all_versions())
-            sections.push_back(released_section(bare, version));
-    }
-    if (std::ranges::find(sections, section) != sections.end())
+    if (known_sections.contains(section))
         return;
-    const auto other_case = std::ranges::find_if(sections, [&](const std::string& known)
-                                                 { return gen_stricmp(known.c_str(), section.c_str()) == 0; });
-    const std::optional<std::string> nearest =
-        other_case != sections.end() ? std::optional<std::string>(*other_case) : nearest_name(section, sections);
+    const std::string* const nearest = known_sections.nearest(section);
     add(SEVERITY::WARNING, "unknown-section",
         "no lookup gets to the section " + in_single_quotes(section) + "; letter case counts",
-        nearest ? "write '[" + *nearest + "]'" : "write the section, a blank, a release and \"_pro\"", text.find('['));
+        nearest != nullptr ? "write '[" + *nearest + "]'" : "write the section, a blank, a release and \"_pro\"",
+        text.find('['));
 }
 
 // Whether the key line takes effect at all.
@@ -140,11 +220,11 @@ bool EXAMINATION::examine_place()
             "put it below a header such as '[" + released_section("General", ver_get_version()) + "]'");
         return false;
     }
-    const auto [first, is_first] = first_lines.emplace(section + line.name, number);
-    if (is_first)
+    const std::optional<std::size_t> first = first_lines.find_or_add(section, line.name, number);
+    if (!first)
         return true;
     add(SEVERITY::ERROR, "duplicate",
-        "line " + std::to_string(first->second) + " of this section sets " + in_single_quotes(line.name) +
+        "line " + std::to_string(*first) + " of this section sets " + in_single_quotes(line.name) +
             " already: the first one counts, this one is dropped",
         "remove one of the two");
     return false;
@@ -175,10 +255,10 @@ void EXAMINATION::unknown_key()
             "there are no comments: this is kept as a preference " + in_single_quotes(line.name), "remove the line");
         return;
     }
-    const std::optional<std::string> nearest = nearest_name(line.name, all_preference_keys());
+    const std::string* const nearest = known_keys.nearest(line.name);
     add(SEVERITY::WARNING, "unknown-key",
         "there is no preference " + in_single_quotes(line.name) + "; the line is kept, unused",
-        nearest ? "write " + in_single_quotes(*nearest + " = " + line.value) : "remove the line");
+        nearest != nullptr ? "write " + in_single_quotes(*nearest + " = " + line.value) : "remove the line");
 }
 
 void EXAMINATION::examine_known_key(CFG_USER_INI_ENUMS preference)

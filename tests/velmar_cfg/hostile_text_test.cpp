@@ -60,6 +60,7 @@ const ARGUMENTS command_lines[] = {
     {"diff", ".", "--json"},
     {"diff", ".", "--used", "report.json"},
     {"diff", hostile},
+    {"help", hostile},
     {hostile},
     {"--project", hostile, "list"},
 };

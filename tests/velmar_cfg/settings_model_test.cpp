@@ -14,9 +14,9 @@
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "cfg_ini/cfg_ini_reader/store_primitives.h"
+#include "tests/support/failing_files.h"
 #include "tests/support/isolated_test.h"
 #include "tests/velmar_cfg/settings_generator.h"
-#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
 #include "tools/velmar-cfg/settings/variable_name.h"
 
@@ -364,6 +364,43 @@ TEST_F(SETTINGS_MODEL, goes_on_with_the_whole_lines_before_a_read_error)
     const LAYERS layers = {{LAYER_KIND::MAIN_FILE, file}};
     const SETTINGS settings(layers);
     EXPECT_EQ(settings.variables().size(), 2U);
-    EXPECT_THROW(require_text(layers), TOOL_ERROR);
+}
+
+// --- Files that come and go ---
+
+TEST_F(SETTINGS_MODEL, finds_what_is_there_once_a_file_is_gone)
+{
+    write_file("velmar.ini", "a=found\n");
+    write_file("named/velmar.ini", "a=moved\n");
+    environment.set("VELMAR_INI", "named");
+    INPUT_FILES files;
+    const FILE_FAULT fault(FILE_CALL::OPEN, 1, [] { std::filesystem::remove("velmar.ini"); });
+    const SETTINGS settings(load_layers({}, files));
+    ASSERT_TRUE(fault.was_reached());
+    EXPECT_EQ(settings.value_of(*settings.find("a")), "moved");
+    EXPECT_TRUE(files.problems().empty());
+}
+
+TEST_F(SETTINGS_MODEL, waits_for_a_file_that_is_being_replaced)
+{
+    write_file("appended.ini", "a=1\n");
+    environment.set("APPENDED_VELMAR_INI", "appended.ini");
+    INPUT_FILES files;
+    const FILE_FAULT fault(FILE_CALL::OPEN, 1, std::vector<int>(20, ENOENT));
+    const SETTINGS settings(load_layers({}, files));
+    ASSERT_TRUE(fault.was_reached());
+    EXPECT_EQ(settings.value_of(*settings.find("a")), "1");
+    EXPECT_TRUE(files.problems().empty());
+}
+
+TEST_F(SETTINGS_MODEL, does_not_search_for_ever)
+{
+    write_file("velmar.ini", "a=1\n");
+    INPUT_FILES files;
+    const FILE_FAULT fault(FILE_CALL::OPEN, 1, std::vector<int>(100'000, ENOENT));
+    const LAYERS layers = load_layers({}, files);
+    ASSERT_EQ(layers.size(), 1U);
+    EXPECT_EQ(layers.front().source->bytes, "");
+    EXPECT_EQ(files.problems().size(), 1U);
 }
 }

@@ -63,7 +63,6 @@ void write_record(const LIST_OPTIONS& options, const SETTINGS& settings, const V
 EXIT_CODE list(const LIST_OPTIONS& options, TOOL& tool)
 {
     LAYERS layers = load_layers(tool.options.scope, tool.files);
-    require_text(layers);
     const SETTINGS settings(std::move(layers));
     JSON_WRITER json(tool.out);
     if (tool.options.json)

@@ -286,6 +286,5 @@ void EXAMINATION::examine_known_key(CFG_USER_INI_ENUMS preference)
 
 std::vector<FINDING> lint_preferences(const INPUT_FILE& file)
 {
-    file.require_text();
-    return EXAMINATION(file.path).findings(file.bytes);
+    return EXAMINATION(file.path).findings(file.whole_lines());
 }

@@ -69,8 +69,10 @@ endif()
 # --- The tool ---
 
 if(TARGET velmar-cfg)
-    file(RELATIVE_PATH zon_lib_from_bin "/prefix/${CMAKE_INSTALL_BINDIR}" "/prefix/${CMAKE_INSTALL_LIBDIR}")
-    set_target_properties(velmar-cfg PROPERTIES INSTALL_RPATH "$ORIGIN/${zon_lib_from_bin}")
+    if(ZON_TOOL_SHARED_SERVICES)
+        file(RELATIVE_PATH zon_lib_from_bin "/prefix/${CMAKE_INSTALL_BINDIR}" "/prefix/${CMAKE_INSTALL_LIBDIR}")
+        set_target_properties(velmar-cfg PROPERTIES INSTALL_RPATH "$ORIGIN/${zon_lib_from_bin}")
+    endif()
     install(TARGETS velmar-cfg RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
 
     install(FILES docs/man/velmar-cfg.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)

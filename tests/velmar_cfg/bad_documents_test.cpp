@@ -1,6 +1,8 @@
 // JSON documents that are none, or not those that are asked for: one line that names the file and what to do.
 #include <filesystem>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "tests/velmar_cfg/tool_test.h"
 
@@ -106,10 +108,31 @@ TEST_P(BAD_DOCUMENT, a_file_without_permission)
               (TOOL_RUN{3, "", "velmar-cfg: secret.json: Permission denied; make the file readable for this user\n"}));
 }
 
-TEST_P(BAD_DOCUMENT, a_pipe_that_nobody_writes_to)
+TEST_P(BAD_DOCUMENT, standard_input_and_pipes_are_named_like_files)
 {
+    write_file("bad", "x");
+    standard_input = "bad";
+    const TOOL_RUN refused = read("-");
+    EXPECT_EQ(refused.exit_code, 3);
+    EXPECT_THAT(refused.err, StartsWith("velmar-cfg: standard input: no well-formed JSON, from line 1, column 1 on"));
+
+    write_file("accepted", GetParam().accepted);
+    standard_input = "accepted";
+    const TOOL_RUN from_file = read("accepted");
+    EXPECT_LE(from_file.exit_code, 1);
+    EXPECT_EQ(read("-").exit_code, from_file.exit_code);
+    EXPECT_EQ(read("/dev/stdin").exit_code, from_file.exit_code);
+
     ASSERT_EQ(mkfifo("pipe", 0600), 0);
-    EXPECT_EQ(read("pipe").exit_code, 3);
+    const pid_t writer = fork();
+    ASSERT_GE(writer, 0);
+    if (writer == 0)
+    {
+        write_file("pipe", GetParam().accepted); // waits for the reader
+        _exit(0);
+    }
+    EXPECT_EQ(read("pipe").exit_code, from_file.exit_code);
+    EXPECT_EQ(waitpid(writer, nullptr, 0), writer);
 }
 
 TEST_P(BAD_DOCUMENT, every_truncation)

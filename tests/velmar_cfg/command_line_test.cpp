@@ -42,6 +42,86 @@ TEST_F(COMMAND_LINE, unknown_options_and_surplus_arguments_are_usage_errors)
     EXPECT_EQ(run({"list", "--color", "sometimes"}).exit_code, 2);
 }
 
+// What is typed, and what is told before "; see ... --help".
+struct MISTYPED
+{
+    std::vector<std::string> arguments;
+    const char* told;
+};
+
+TEST_F(COMMAND_LINE, an_unknown_option_is_told_with_what_may_be_meant)
+{
+    const MISTYPED rows[] = {
+        {{"list", "--show-origins"},
+         "there is no option '--show-origins', did you mean '--show-origin'?; see velmar-cfg list"},
+        {{"list", "--colour", "never"}, "there is no option '--colour', did you mean '--color'?; see velmar-cfg list"},
+        {{"list", "--colour=never"}, "there is no option '--colour', did you mean '--color'?; see velmar-cfg list"},
+        {{"prefs", "set", "SHOW_MESSAGE_ID", "off", "--dryrun"},
+         "there is no option '--dryrun', did you mean '--dry-run'?; see velmar-cfg prefs set"},
+        {{"paths", "--frobnicate"}, "there is no option '--frobnicate'; see velmar-cfg paths"},
+        {{"--frobnicate", "paths"}, "there is no option '--frobnicate'; see velmar-cfg paths"},
+        {{"get", "-name"},
+         "there is no option '-name'; put -- before an argument that begins with \"-\"; see velmar-cfg get"},
+        {{"prefs", "set", "USER_LIBRARIES", "-x"},
+         "there is no option '-x'; put -- before an argument that begins with \"-\"; see velmar-cfg prefs set"},
+        {{"get", "a", "b"}, "The following argument was not expected: b; see velmar-cfg get"},
+        {{"prefs", "lst"}, "there is no command 'lst', did you mean 'list'?; see velmar-cfg prefs"},
+        {{"help", "prefs", "lst"}, "there is no command 'lst', did you mean 'list'?; see velmar-cfg prefs"},
+    };
+    for (const MISTYPED& row : rows)
+        EXPECT_EQ(run(row.arguments), (TOOL_RUN{2, "", std::string("velmar-cfg: ") + row.told + " --help\n"}))
+            << testing::PrintToString(row.arguments);
+}
+
+TEST_F(COMMAND_LINE, values_may_begin_with_a_hyphen)
+{
+    write_file("velmar.ini", "-name = -value\n");
+    write_file(temporary.path("home/readme"), "");
+    EXPECT_EQ(run({"get", "--", "-name"}), (TOOL_RUN{0, "-value\n", ""}));
+    EXPECT_EQ(run({"get", "unset", "--default", "-x"}), (TOOL_RUN{0, "-x\n", ""}));
+    EXPECT_EQ(run({"get", "unset", "--default", "--json"}), (TOOL_RUN{0, "--json\n", ""}));
+    EXPECT_EQ(run({"get", "unset", "--default=-x"}), (TOOL_RUN{0, "-x\n", ""}));
+    EXPECT_THAT(run({"prefs", "set", "USER_LIBRARIES", "--dry-run", "--", "-x"}).out,
+                HasSubstr("\n+USER_LIBRARIES = -x\n"));
+}
+
+TEST_F(COMMAND_LINE, a_hyphen_is_standard_input_or_output)
+{
+    write_file("velmar.ini", "a=1\n");
+    const TOOL_RUN snapshot = run({"snapshot"});
+    EXPECT_EQ(run({"snapshot", "-o", "-"}), snapshot);
+    EXPECT_NE(access("-", F_OK), 0);
+    write_file("now.json", snapshot.out);
+    standard_input = "now.json";
+    EXPECT_EQ(run({"diff", "-"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(run({"diff", "now.json", "-"}), (TOOL_RUN{0, "", ""}));
+
+    write_file("lines", "no assignment\n");
+    standard_input = "lines";
+    EXPECT_THAT(run({"lint", "-"}).out, StartsWith("standard input:1:1: "));
+    EXPECT_THAT(run({"prefs", "lint", "-"}).out, StartsWith("standard input:1:1: "));
+
+    // A file of that name is another thing.
+    write_file("-", "b=2\n");
+    variables["APPENDED_VELMAR_INI"] = "-";
+    EXPECT_EQ(run({"get", "b"}), (TOOL_RUN{0, "2\n", ""}));
+}
+
+TEST_F(COMMAND_LINE, too_little_memory_is_told)
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "sanitizers take terabytes of addresses";
+#endif
+    constexpr std::size_t size = std::size_t{256} * 1024 * 1024;
+    write_file("velmar.ini", "a=1\n");
+    ASSERT_EQ(truncate("velmar.ini", size), 0); // takes no room
+    most_memory = size / 2;
+    EXPECT_EQ(run({"get", "a"}),
+              (TOOL_RUN{3, "",
+                        "velmar-cfg: not enough memory; look at fewer or smaller files, or raise the limit (ulimit "
+                        "-v)\n"}));
+}
+
 TEST_F(COMMAND_LINE, json_and_zero_bytes_exclude_each_other)
 {
     EXPECT_EQ(run({"list", "--json", "-z"}), (TOOL_RUN{2, "", "velmar-cfg: --json and -z exclude each other\n"}));
@@ -50,10 +130,17 @@ TEST_F(COMMAND_LINE, json_and_zero_bytes_exclude_each_other)
 TEST_F(COMMAND_LINE, a_directory_that_is_missing_or_no_directory_is_named)
 {
     write_file("file", "");
+    write_file("designs/cpu/velmar.ini", "");
     EXPECT_EQ(run({"--project", "nowhere", "list"}),
               (TOOL_RUN{3, "", "velmar-cfg: nowhere: no such directory; give --project an existing one\n"}));
     EXPECT_EQ(run({"--root", "file", "list"}),
-              (TOOL_RUN{3, "", "velmar-cfg: file: no such directory; give --root an existing one\n"}));
+              (TOOL_RUN{3, "", "velmar-cfg: file: is a file; give --root a directory, such as .\n"}));
+    EXPECT_EQ(run({"--project", "designs/cpu/velmar.ini", "list"}).err,
+              "velmar-cfg: designs/cpu/velmar.ini: is a file; give --project a directory, such as designs/cpu\n");
+    EXPECT_EQ(run({"--project", "file/velmar.ini", "list"}).err,
+              "velmar-cfg: file/velmar.ini: no such directory; give --project an existing one\n");
+    EXPECT_EQ(run({"--project", "/dev/null", "list"}).err,
+              "velmar-cfg: /dev/null: is a file; give --project a directory, such as /dev\n");
     EXPECT_EQ(run({"--project", "", "list"}).exit_code, 3);
 }
 
@@ -72,6 +159,7 @@ TEST_F(COMMAND_LINE, version_names_the_release)
     EXPECT_EQ(version.exit_code, 0);
     EXPECT_THAT(version.out, StartsWith("velmar-cfg "));
     EXPECT_THAT(version.out, EndsWith(", release 23.4\n"));
+    EXPECT_EQ(run({"-V"}), version);
 }
 
 TEST_F(COMMAND_LINE, global_options_may_stand_before_and_behind_the_command)

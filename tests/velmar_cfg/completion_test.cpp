@@ -73,8 +73,10 @@ protected:
 TEST_F(COMPLETION, offers_the_commands)
 {
     EXPECT_THAT(in_bash({"velmar-cfg", ""}), UnorderedElementsAre("get", "list", "explain", "paths", "lint", "prefs",
-                                                                  "run-report", "snapshot", "diff"));
+                                                                  "run-report", "snapshot", "diff", "help"));
     EXPECT_THAT(in_bash({"velmar-cfg", "--regtest", "--project", "get", "l"}), UnorderedElementsAre("list", "lint"));
+    EXPECT_THAT(in_bash({"velmar-cfg", "help", "l"}), UnorderedElementsAre("list", "lint"));
+    EXPECT_THAT(in_bash({"velmar-cfg", "help", "prefs", "p"}), UnorderedElementsAre("path"));
     EXPECT_THAT(in_bash({"velmar-cfg", "prefs", ""}),
                 UnorderedElementsAre("list", "get", "set", "reset", "describe", "lint", "path"));
 }

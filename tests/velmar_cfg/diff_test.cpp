@@ -113,7 +113,7 @@ Files
     A  none
     B  more.ini, 3 bytes, SHA-256 222222222222...
   preference file
-    A  /home/ana/velmar2.ini, which does not exist
+    A  /home/ana/velmar2.ini, which did not exist or could not be read
     B  /home/ana/velmar2.ini, 9 bytes, SHA-256 333333333333...
 
 Variables

@@ -56,16 +56,63 @@ protected:
 
 TEST_F(DOCUMENTATION, knows_all_commands)
 {
-    EXPECT_EQ(commands.size(), 17U);
+    EXPECT_EQ(commands.size(), 18U);
 }
 
-TEST_F(DOCUMENTATION, a_list_of_commands_has_a_line_for_each)
+TEST_F(DOCUMENTATION, a_list_of_commands_has_a_summary_of_each)
 {
-    EXPECT_THAT(
-        run({"--help"}).out,
-        HasSubstr("\n  paths                       Show where settings are looked for\n"
-                  "  lint                        Show the lines that are ignored or read otherwise than they look, "
-                  "with what to write instead\n"));
+    EXPECT_THAT(run({"--help"}).out,
+                HasSubstr("\n  paths                     Show where settings are looked for\n"
+                          "  lint                      Show the lines that are ignored or read otherwise\n"
+                          "                            than they look, with what to write instead\n"));
+}
+
+TEST_F(DOCUMENTATION, help_before_a_command_is_help_behind_it)
+{
+    for (const CLI::App* const command : commands)
+    {
+        std::vector<std::string> before = words(command);
+        std::vector<std::string> behind = before;
+        before.insert(before.begin(), "help");
+        behind.emplace_back("--help");
+        EXPECT_EQ(run(before), run(behind)) << spoken_name(command);
+    }
+}
+
+TEST_F(DOCUMENTATION, help_fits_the_width)
+{
+    for (const std::size_t width : {40U, 80U, 133U})
+    {
+        variables["COLUMNS"] = std::to_string(width);
+        for (const CLI::App* const command : commands)
+        {
+            std::vector<std::string> arguments = words(command);
+            arguments.emplace_back("--help");
+            std::size_t widest = 0;
+            for (const std::string& line : lines_of(run(arguments).out))
+            {
+                EXPECT_FALSE(line.ends_with(' ')) << line;
+                if (!line.starts_with("  velmar-cfg "))
+                    widest = std::max(widest, line.size());
+            }
+            EXPECT_LE(widest, width) << spoken_name(command);
+            EXPECT_GT(widest + 25, std::min<std::size_t>(width, 100)) << spoken_name(command);
+        }
+    }
+}
+
+TEST_F(DOCUMENTATION, help_of_a_command_has_the_options_of_every_command)
+{
+    for (const CLI::App* const command : commands)
+    {
+        std::vector<std::string> arguments = words(command);
+        arguments.emplace_back("--help");
+        const std::string help = run(arguments).out;
+        for (const char* const option :
+             {"\n  --project DIR ", "\n  --regtest ", "\n  --root DIR ", "\n  --json ", "\n  --color WHEN "})
+            EXPECT_THAT(help, HasSubstr(option)) << spoken_name(command);
+        EXPECT_EQ(help.find("--version") != help.npos, command == app.get());
+    }
 }
 
 TEST_F(DOCUMENTATION, each_help_names_every_option_and_argument_and_gives_an_example)

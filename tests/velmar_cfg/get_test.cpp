@@ -1,3 +1,8 @@
+#include <csignal>
+#include <cstdio>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include "tests/velmar_cfg/tool_test.h"
 
 namespace
@@ -152,6 +157,88 @@ TEST_F(GET, prints_the_default_only_for_what_is_not_usable)
     EXPECT_EQ(run({"get", "b", "--type", "bool", "--default", "off"}), (TOOL_RUN{0, "on\n", ""}));
     EXPECT_EQ(run({"get", "unset", "--default", "-5"}), (TOOL_RUN{0, "-5\n", ""}));
     EXPECT_EQ(run({"get", "unset", "--default", ""}), (TOOL_RUN{0, "\n", ""}));
+}
+
+// A default, and how it is shown and told in JSON.
+struct DEFAULT_ROW
+{
+    const char* type;
+    const char* text;
+    const char* shown;
+    const char* json;
+};
+
+TEST_F(GET, types_the_default_like_the_value)
+{
+    const DEFAULT_ROW rows[] = {
+        {"bool", "TRUE", "on\n", "true"},      {"bool", "0", "off\n", "false"},     {"int", "007", "7\n", "7"},
+        {"int", "-5", "-5\n", "-5"},           {"uint", "5", "5\n", "5"},           {"double", "2.50", "2.5\n", "2.5"},
+        {"double", "inf", "inf\n", "\"inf\""}, {"text", "007", "007\n", "\"007\""}, {"int", "", "\n", "\"\""},
+    };
+    for (const DEFAULT_ROW& row : rows)
+    {
+        SCOPED_TRACE(std::string(row.type) + " " + row.text);
+        EXPECT_EQ(run({"get", "unset", "--type", row.type, "--default", row.text}), (TOOL_RUN{0, row.shown, ""}));
+        const nlohmann::json answer = run({"get", "unset", "--type", row.type, "--default", row.text, "--json"}).json();
+        EXPECT_EQ(answer["value"].dump(), row.json);
+        EXPECT_EQ(answer["usable"], false);
+    }
+}
+
+TEST_F(GET, refuses_a_default_of_another_type)
+{
+    write_file("velmar.ini", "a=1\n"); // also where it is not needed
+    const DEFAULT_ROW rows[] = {
+        {"bool", "yes", "no switch (on, 1, true, off, 0, false)", ""},
+        {"int", "2147483648", "no integer from -2147483648 to 2147483647", ""},
+        {"int", "on", "no integer from -2147483648 to 2147483647", ""},
+        {"uint", "-1", "no integer from 0 to 4294967295", ""},
+        {"double", "2.5ms", "no number", ""},
+        {"double", "x", "no number", ""},
+    };
+    for (const DEFAULT_ROW& row : rows)
+        EXPECT_EQ(run({"get", "a", "--type", row.type, "--default", row.text}),
+                  (TOOL_RUN{2, "",
+                            std::string("velmar-cfg: the default '") + row.text + "' is " + row.shown +
+                                "; give one of the type\n"}));
+}
+
+TEST_F(GET, points_to_prefs_get_for_a_preference)
+{
+    EXPECT_EQ(run({"get", "hdl_preference"}),
+              (TOOL_RUN{1, "",
+                        "velmar-cfg: 'hdl_preference' is not set; it is a preference: ask velmar-cfg prefs get "
+                        "hdl_preference\n"}));
+    EXPECT_EQ(run({"get", "hdl_preference", "--default", "x"}), (TOOL_RUN{0, "x\n", ""}));
+    write_file("velmar.ini", "hdl_preference=1\n");
+    EXPECT_EQ(run({"get", "hdl_preference"}), (TOOL_RUN{0, "1\n", ""}));
+}
+
+// Without a moment in which there is no file, and with one, in which a host finds none either.
+TEST_F(GET, answers_while_the_file_is_replaced)
+{
+    write_file("project/velmar.ini", "a=1\n");
+    const pid_t writer = fork();
+    ASSERT_GE(writer, 0);
+    if (writer == 0)
+    {
+        for (bool removed = false;; removed = !removed)
+        {
+            write_file("project/new", "a=1\n");
+            if (removed)
+                unlink("project/velmar.ini");
+            rename("project/new", "project/velmar.ini");
+        }
+    }
+    for (int i = 0; i < 120; ++i)
+    {
+        const TOOL_RUN got = run({"get", "a", "--default", "none", "--project", "project"});
+        EXPECT_EQ(got.exit_code, 0);
+        EXPECT_EQ(got.err, "");
+        EXPECT_TRUE(got.out == "1\n" || got.out == "none\n") << got.out;
+    }
+    kill(writer, SIGKILL);
+    waitpid(writer, nullptr, 0);
 }
 
 TEST_F(GET, refuses_an_unknown_type)

@@ -110,6 +110,14 @@ private:
     std::mt19937_64 random;
 };
 
+// What the library leaves as it is and the writer escapes: delete, a control character.
+std::string with_delete_escaped(std::string json)
+{
+    for (std::size_t at = 0; (at = json.find('\x7f', at)) != std::string::npos;)
+        json.replace(at, 1, "\\u007f");
+    return json;
+}
+
 bool has_no_number(const ordered_json& value)
 {
     if (value.is_structured())
@@ -126,7 +134,9 @@ TEST(JSON_WRITER_TEST, writes_what_a_library_writes)
         if (has_no_number(value))
             continue;
         ++compared;
-        ASSERT_EQ(written([&](JSON_WRITER& out) { write_value(out, value); }), value.dump(2) + "\n") << "seed " << seed;
+        ASSERT_EQ(written([&](JSON_WRITER& out) { write_value(out, value); }),
+                  with_delete_escaped(value.dump(2)) + "\n")
+            << "seed " << seed;
     }
     EXPECT_GT(compared, 2500);
 }

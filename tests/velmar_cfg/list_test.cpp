@@ -54,7 +54,7 @@ TEST_F(LIST, shows_the_reports_own_variables_as_they_are)
 TEST_F(LIST, keeps_every_variable_on_one_line)
 {
     variables["VELMAR_INI_VARS"] = "a=one\ntwo\x1b[31m\t\\n;b=\x7f";
-    EXPECT_EQ(run({"list"}).out, "a=one\\ntwo\\x1b[31m\\t\\n\nb=\\x7f\n");
+    EXPECT_EQ(run({"list"}).out, "a=one\\ntwo\\x1b[31m\\t\\\\n\nb=\\x7f\n");
 }
 
 TEST_F(LIST, ends_records_with_zero_bytes_and_escapes_nothing)

@@ -1,4 +1,6 @@
 #include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "tests/velmar_cfg/tool_test.h"
 
@@ -121,6 +123,33 @@ TEST_F(PATHS, what_cannot_be_read_is_said_and_no_failure)
     write_file("project/velmar.ini/file", "");
     EXPECT_EQ(rows("velmar.ini", {"--project", "project"}).at("project"),
               "read project/velmar.ini (is a directory, not a file; remove it or name another path)");
+}
+
+TEST_F(PATHS, what_cannot_be_seen_is_told_from_what_is_missing)
+{
+    write_file("barred/file", "");
+    ASSERT_EQ(chmod("barred", 0600), 0);
+    ASSERT_EQ(symlink("nowhere", "velmar.ini"), 0);
+    ASSERT_EQ(symlink("circle", "circle"), 0);
+    variables["VELMAR_INI"] = "barred";
+    variables["APPENDED_VELMAR_INI"] = "circle/appended.ini";
+    const TOOL_RUN shown = run_without_rights({"paths", "--json"});
+    std::filesystem::permissions("barred", std::filesystem::perms::owner_all);
+    EXPECT_EQ(shown.exit_code, 0);
+    EXPECT_EQ(shown.err, "");
+    std::map<std::string, std::string> found;
+    const nlohmann::json document = shown.json();
+    for (const nlohmann::json& row : document.at("files"))
+    {
+        if (row.at("file") != "regtest.ini")
+            found[row.at("place")] = row.at("state").get<std::string>() + ": " + row.at("remark").get<std::string>();
+    }
+    EXPECT_EQ(found["current directory"],
+              "dangling: is a link to what does not exist; remove the link or make what it names");
+    EXPECT_EQ(found["VELMAR_INI"], "barred: Permission denied; let this user search the directories that it is in");
+    EXPECT_EQ(found["APPENDED_VELMAR_INI"],
+              "dangling: has circle on its way, a link in a circle; remove the link or make what it names");
+    EXPECT_EQ(found["HOME"], "missing: ");
 }
 
 TEST_F(PATHS, text)

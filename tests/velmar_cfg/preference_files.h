@@ -43,9 +43,25 @@ inline std::string generated_preference_file(SETTINGS_GENERATOR& generate)
                                                   "# note",
                                                   ";x",
                                                   ""};
-    static const std::vector<std::string> values = {"VHDL",      "KHDL", "on",  "off",    "1",       "\"VHDL\"",
-                                                    "\"\"x\"\"", "\"\"", "\"",  "\" x\"", "\"\" \"", "",
-                                                    " ",         "x]",   "[x]", "a[b",    "a=b",     "#"};
+    static const std::vector<std::string> values = {"VHDL",
+                                                    "KHDL",
+                                                    "on",
+                                                    "off",
+                                                    "1",
+                                                    "\"VHDL\"",
+                                                    "\"\"x\"\"",
+                                                    "\"\"",
+                                                    "\"",
+                                                    "\" x\"",
+                                                    "\"\" \"",
+                                                    "",
+                                                    " ",
+                                                    "x]",
+                                                    "[x]",
+                                                    "a[b",
+                                                    "a=b",
+                                                    "#",
+                                                    std::string("on\0x", 4)};
     static const std::vector<std::string> around = {"", "", "", "", "", " ", "# note", " ; a = 1", "x = 1", "\r"};
     static const std::vector<std::string> others = {
         "", "", "x", "a=", "# comment", ";", "# a = b", "[open", "#[open", "x = [open", "nothing at all", "\r", "\t"};

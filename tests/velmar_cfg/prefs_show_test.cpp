@@ -1,5 +1,3 @@
-#include <filesystem>
-
 #include "tests/velmar_cfg/tool_test.h"
 
 namespace
@@ -164,20 +162,5 @@ TEST_F(PREFS, looking_never_writes_the_file)
         EXPECT_EQ(run(words).exit_code, 0);
         EXPECT_EQ(read_file("user/velmar2.ini"), three_releases);
     }
-}
-
-TEST_F(PREFS, a_file_that_is_none_is_named)
-{
-    write_preferences(std::string("[General]\nA=\0\n", 14));
-    EXPECT_EQ(run({"prefs", "list"}),
-              (TOOL_RUN{3, "",
-                        "velmar-cfg: user/velmar2.ini: binary file: line 2 holds a zero byte; remove it or name "
-                        "another file\n"}));
-    std::filesystem::remove("user/velmar2.ini");
-    write_file("user/velmar2.ini/file", "");
-    EXPECT_EQ(run({"prefs", "get", "SHOW_MESSAGE_ID"}),
-              (TOOL_RUN{3, "",
-                        "velmar-cfg: user/velmar2.ini: is a directory, not a file; remove it or name another "
-                        "path\n"}));
 }
 }

@@ -288,7 +288,80 @@ TEST_F(RUN_REPORT, that_cannot_be_read_says_why)
 {
     EXPECT_EQ(run({"run-report", "missing.json"}),
               (TOOL_RUN{3, "", "velmar-cfg: missing.json: No such file or directory; check the path\n"}));
-    EXPECT_EQ(run({"run-report", "--merge", "cpu.json", ".", "gpu.json"}),
-              (TOOL_RUN{3, "", "velmar-cfg: .: is a directory, not a file; remove it or name another path\n"}));
+    EXPECT_EQ(run({"run-report", "--merge", ".", "missing.json"}),
+              (TOOL_RUN{3, "",
+                        "velmar-cfg: .: is a directory, not a file; remove it or name another path\n"
+                        "velmar-cfg: missing.json: No such file or directory; check the path\n"}));
+}
+
+TEST_F(RUN_REPORT, merge_names_the_bad_ones_and_answers_from_the_others)
+{
+    write_file("cut.json", "{");
+    const std::string told =
+        "velmar-cfg: cut.json: no well-formed JSON, from line 1, column 2 on; give a run report as "
+        "a host's cfg_write_run_report writes it\n"
+        "velmar-cfg: .: is a directory, not a file; remove it or name another path\n";
+    const TOOL_RUN good = run({"run-report", "--merge", "cpu.json", "gpu.json"});
+    EXPECT_EQ(run({"run-report", "--merge", "cut.json", "cpu.json", ".", "gpu.json"}), (TOOL_RUN{3, good.out, told}));
+    EXPECT_EQ(run({"run-report", "--merge", "cut.json", ".", "gpu.json", "--json"}).json()["runs"], 1);
+    EXPECT_EQ(run({"run-report", "--merge", "--switch", "max_fanout", "cut.json", "gpu.json", "."}),
+              (TOOL_RUN{3, "max_fanout was read by 1 of 1 run\n  nightly/gpu: read 1 time, set to 16\n", told}));
+}
+
+TEST_F(RUN_REPORT, merge_takes_standard_input_once)
+{
+    standard_input = "gpu.json";
+    EXPECT_EQ(run({"run-report", "--merge", "cpu.json", "-"}), run({"run-report", "--merge", "cpu.json", "gpu.json"}));
+    const TOOL_RUN twice = run({"run-report", "--merge", "-", "-", "cpu.json"});
+    EXPECT_EQ(twice.exit_code, 3);
+    EXPECT_EQ(twice.err, "velmar-cfg: standard input: has been read already; give - once\n");
+    standard_input = "unnamed.json";
+    EXPECT_THAT(run({"run-report", "-"}).out, testing::StartsWith("Run standard input, release 23.4\n"));
+}
+
+// The runs of a farm have a seed each.
+TEST_F(RUN_REPORT, merge_counts_values_and_shows_a_few)
+{
+    std::vector<std::string> arguments = {"run-report", "--merge"};
+    for (int i = 1; i <= 40; ++i)
+    {
+        const std::string name = "run" + std::to_string(i);
+        nlohmann::json report = nlohmann::json::parse(unnamed_run);
+        report["run"] = name;
+        report["external_never_read"] = {{{"name", "seed"}, {"value", "s" + std::to_string(i % 20)}}};
+        report["uncounted"] = {"SEED"};
+        write_file(name, report.dump());
+        arguments.push_back(name);
+    }
+    EXPECT_EQ(run(arguments), (TOOL_RUN{0, R"(Set from outside and read by none of 40 runs
+  seed=s1, s2, s3 and 17 more  set in 40 runs
+    perhaps asked for once, while unset, by run1, run2, run3 and 37 more
+)",
+                                        ""}));
+    arguments.emplace_back("--json");
+    const nlohmann::json all = run(arguments).json()["never_read"][0];
+    EXPECT_EQ(all["values"].size(), 20U);
+    EXPECT_EQ(all["set_in_runs"].size(), 40U);
+}
+
+TEST_F(RUN_REPORT, shows_the_beginning_of_a_long_value)
+{
+    const std::string value(500'000, 'x');
+    const std::string shown = std::string(100, 'x') + "...";
+    nlohmann::json report = nlohmann::json::parse(unnamed_run);
+    report["run"] = "long";
+    report["external_never_read"] = {{{"name", "a"}, {"value", value}}};
+    report["read"] = {{{"name", "b"}, {"count", 1}, {"value", value}, {"external", true}, {"used", true}}};
+    report["uncounted"] = {value};
+    write_file("long.json", report.dump());
+    EXPECT_EQ(run({"run-report", "--merge", "long.json"}).out,
+              "Set from outside and read by none of 1 run\n  a=" + shown + "  set in 1 run\n");
+    EXPECT_EQ(run({"run-report", "--merge", "--switch", "b", "long.json"}).out,
+              "b was read by 1 of 1 run\n  long: read 1 time, set to " + shown + "\n");
+    const TOOL_RUN single = run({"run-report", "long.json"});
+    EXPECT_LT(single.out.size(), 1000U);
+    EXPECT_THAT(single.out, testing::HasSubstr("b=" + shown + "  external\n"));
+    EXPECT_THAT(single.out, testing::HasSubstr("\n  a=" + shown + "\n"));
+    EXPECT_THAT(single.out, testing::HasSubstr("\n  " + shown + "\n"));
 }
 }

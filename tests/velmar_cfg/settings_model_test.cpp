@@ -8,14 +8,15 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <map>
+#include <random>
 #include <set>
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "cfg_ini/cfg_ini_reader/store_primitives.h"
+#include "tests/support/failing_files.h"
 #include "tests/support/isolated_test.h"
 #include "tests/velmar_cfg/settings_generator.h"
-#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
 #include "tools/velmar-cfg/settings/variable_name.h"
 
@@ -312,6 +313,30 @@ TEST_F(SETTINGS_MODEL, finds_many_names)
     EXPECT_EQ(settings.find("name_5000"), nullptr);
 }
 
+TEST_F(SETTINGS_MODEL, orders_names_that_begin_alike_by_their_bytes)
+{
+    // More than a group that is compared whole, at every length about eight, sixteen and twenty-four equal bytes.
+    std::set<std::string> expected = {""};
+    for (std::size_t equal = 0; equal < 26; ++equal)
+    {
+        for (const char* const end :
+             {"", "A", "b", "\x01", "\x7f", "\xc3\xa9", "\xff", "bb", "bbbbbbbb", "bbbbbbbbb", "_"})
+            expected.insert(std::string(equal, 'x') + end);
+    }
+    std::vector<std::string> shuffled(expected.begin(), expected.end());
+    std::ranges::shuffle(shuffled, std::minstd_rand(20));
+    std::string text;
+    for (const std::string& name : shuffled)
+        text += name + "=12\n";
+    write_file("velmar.ini", text);
+    INPUT_FILES files;
+    const SETTINGS settings(load_layers({}, files));
+    std::vector<std::string> names;
+    for (const std::uint32_t variable : settings.order_by_name())
+        names.emplace_back(settings.name_of(settings.variables()[variable]));
+    EXPECT_THAT(names, testing::ElementsAreArray(expected));
+}
+
 TEST_F(SETTINGS_MODEL, is_empty_without_layers)
 {
     const SETTINGS settings{LAYERS()};
@@ -339,6 +364,43 @@ TEST_F(SETTINGS_MODEL, goes_on_with_the_whole_lines_before_a_read_error)
     const LAYERS layers = {{LAYER_KIND::MAIN_FILE, file}};
     const SETTINGS settings(layers);
     EXPECT_EQ(settings.variables().size(), 2U);
-    EXPECT_THROW(require_text(layers), TOOL_ERROR);
+}
+
+// --- Files that come and go ---
+
+TEST_F(SETTINGS_MODEL, finds_what_is_there_once_a_file_is_gone)
+{
+    write_file("velmar.ini", "a=found\n");
+    write_file("named/velmar.ini", "a=moved\n");
+    environment.set("VELMAR_INI", "named");
+    INPUT_FILES files;
+    const FILE_FAULT fault(FILE_CALL::OPEN, 1, [] { std::filesystem::remove("velmar.ini"); });
+    const SETTINGS settings(load_layers({}, files));
+    ASSERT_TRUE(fault.was_reached());
+    EXPECT_EQ(settings.value_of(*settings.find("a")), "moved");
+    EXPECT_TRUE(files.problems().empty());
+}
+
+TEST_F(SETTINGS_MODEL, waits_for_a_file_that_is_being_replaced)
+{
+    write_file("appended.ini", "a=1\n");
+    environment.set("APPENDED_VELMAR_INI", "appended.ini");
+    INPUT_FILES files;
+    const FILE_FAULT fault(FILE_CALL::OPEN, 1, std::vector<int>(20, ENOENT));
+    const SETTINGS settings(load_layers({}, files));
+    ASSERT_TRUE(fault.was_reached());
+    EXPECT_EQ(settings.value_of(*settings.find("a")), "1");
+    EXPECT_TRUE(files.problems().empty());
+}
+
+TEST_F(SETTINGS_MODEL, does_not_search_for_ever)
+{
+    write_file("velmar.ini", "a=1\n");
+    INPUT_FILES files;
+    const FILE_FAULT fault(FILE_CALL::OPEN, 1, std::vector<int>(100'000, ENOENT));
+    const LAYERS layers = load_layers({}, files);
+    ASSERT_EQ(layers.size(), 1U);
+    EXPECT_EQ(layers.front().source->bytes, "");
+    EXPECT_EQ(files.problems().size(), 1U);
 }
 }

@@ -166,15 +166,6 @@ TEST_F(SNAPSHOT, that_cannot_be_written_leaves_the_old_file)
     EXPECT_EQ(read_file("old.json"), "old");
 }
 
-TEST_F(SNAPSHOT, needs_preferences_that_can_be_read)
-{
-    variables["VELMAR2_INI"] = "user";
-    write_file("user/velmar2.ini", std::string("[General]\n\0", 11));
-    EXPECT_EQ(run({"snapshot"}), (TOOL_RUN{3, "",
-                                           "velmar-cfg: user/velmar2.ini: binary file: line 2 holds a zero byte; "
-                                           "remove it or name another file\n"}));
-}
-
 TEST_F(SNAPSHOT, takes_a_line_of_a_megabyte)
 {
     const std::string value(1 << 20, 'x');

@@ -7,6 +7,7 @@
 #include <ostream>
 #include <sys/prctl.h>
 #include <sys/ptrace.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -31,12 +32,12 @@ bool give_up_rights()
 }
 
 // Only calls that are safe between fork and exec.
-[[noreturn]] void become_tool(bool with_rights, bool traced, const char* output, const char* errors, char** arguments,
-                              char** environment)
+[[noreturn]] void become_tool(bool with_rights, bool traced, const char* input, const char* output, const char* errors,
+                              char** arguments, char** environment)
 {
     const int out = open(output, O_WRONLY | O_CREAT | O_TRUNC, 0666);
     const int err = open(errors, O_WRONLY | O_CREAT | O_TRUNC, 0666);
-    const int in = open("/dev/null", O_RDONLY);
+    const int in = open(input, O_RDONLY);
     const bool ready = out >= 0 && err >= 0 && in >= 0 && dup2(in, STDIN_FILENO) >= 0 &&
                        dup2(out, STDOUT_FILENO) >= 0 && dup2(err, STDERR_FILENO) >= 0 &&
                        (with_rights || give_up_rights()) &&
@@ -123,8 +124,10 @@ pid_t TOOL_TEST::start_with(bool rights, const std::vector<std::string>& argumen
     const pid_t child = fork();
     if (child == 0)
     {
-        become_tool(rights, traced, output.c_str(), errors.c_str(), const_cast<char**>(argument_pointers.data()),
-                    const_cast<char**>(environment_pointers.data()));
+        if (const rlimit limit{most_memory, most_memory}; most_memory > 0 && setrlimit(RLIMIT_AS, &limit) != 0)
+            _exit(127);
+        become_tool(rights, traced, standard_input.c_str(), output.c_str(), errors.c_str(),
+                    const_cast<char**>(argument_pointers.data()), const_cast<char**>(environment_pointers.data()));
     }
     return child;
 }

@@ -48,6 +48,8 @@ protected:
     pid_t start_traced(const std::vector<std::string>& arguments) const;
 
     std::map<std::string, std::string> variables;
+    std::string standard_input = "/dev/null"; // the path of what the tool reads there
+    std::size_t most_memory = 0;              // what it may take, in bytes of addresses; 0 for no limit
 
 private:
     TOOL_RUN run_with(bool rights, const std::vector<std::string>& arguments) const;

@@ -1,16 +1,16 @@
 #include "tools/velmar-cfg/base/content_hash.h"
 
 #include <array>
-#include <openssl/evp.h>
+#include <nettle/sha2.h>
 
-#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/text.h"
 
 std::string sha256_of(std::string_view bytes)
 {
-    std::array<unsigned char, EVP_MAX_MD_SIZE> digest;
-    unsigned int size = 0;
-    if (EVP_Digest(bytes.data(), bytes.size(), digest.data(), &size, EVP_sha256(), nullptr) != 1)
-        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, "libcrypto gives no SHA-256; check the OpenSSL of this machine");
-    return as_hexadecimal({reinterpret_cast<const char*>(digest.data()), size});
+    sha256_ctx state;
+    sha256_init(&state);
+    sha256_update(&state, bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
+    std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest;
+    sha256_digest(&state, digest.size(), digest.data());
+    return as_hexadecimal({reinterpret_cast<const char*>(digest.data()), digest.size()});
 }

@@ -4,18 +4,23 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 #include "tools/velmar-cfg/base/errors.h"
 
 namespace
 {
+constexpr const char* is_directory = "is a directory, not a file; remove it or name another path";
+
 std::string problem_of_type(const struct stat& found)
 {
+    constexpr dev_t null_device = 0x103; // reads as an empty file, and files are linked to it to be just that
     if (S_ISDIR(found.st_mode))
-        return "is a directory, not a file; remove it or name another path";
-    if (!S_ISREG(found.st_mode))
+        return is_directory;
+    if (!S_ISREG(found.st_mode) && !(S_ISCHR(found.st_mode) && found.st_rdev == null_device))
         return "is no regular file, so it cannot be read twice; copy what it holds into a file";
     return {};
 }
@@ -41,6 +46,11 @@ std::string read_to_end(int file, std::size_t expected_size, std::string& bytes)
         const ssize_t got = ::read(file, bytes.data() + size, bytes.size() - size);
         if (got > 0)
             size += static_cast<std::size_t>(got);
+        else if (got < 0 && errno == EAGAIN) // standard input may not block
+        {
+            pollfd readable{file, POLLIN, 0};
+            poll(&readable, 1, -1);
+        }
         else if (got == 0 || errno != EINTR)
         {
             bytes.resize(size);
@@ -70,6 +80,7 @@ INPUT_FILE read_whole_file(const std::string& path)
     struct stat found;
     if (stat(path.c_str(), &found) != 0)
     {
+        result.gone = errno == ENOENT;
         result.problem = problem_of_errno(not_found);
         return result;
     }
@@ -79,7 +90,8 @@ INPUT_FILE read_whole_file(const std::string& path)
     const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     if (file < 0)
     {
-        result.problem = problem_of_errno(errno == ENOENT ? not_found : not_permitted);
+        result.gone = errno == ENOENT;
+        result.problem = problem_of_errno(result.gone ? not_found : not_permitted);
         return result;
     }
     // Another file may stand there by now.
@@ -88,29 +100,92 @@ INPUT_FILE read_whole_file(const std::string& path)
     return result;
 }
 
+std::string title_of_named_file(const std::string& path)
+{
+    return path == "-" ? "standard input" : path;
+}
+
+INPUT_FILE read_named_file(const std::string& path)
+{
+    INPUT_FILE result{title_of_named_file(path), {}, {}};
+    if (path == "-")
+    {
+        static bool already_read = false;
+        result.problem = std::exchange(already_read, true) ? "has been read already; give - once"
+                                                           : read_to_end(STDIN_FILENO, 0, result.bytes);
+        return result;
+    }
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+    if (file < 0)
+    {
+        result.gone = errno == ENOENT;
+        result.problem = problem_of_errno(errno == EACCES ? not_permitted : not_found);
+        return result;
+    }
+    struct stat found;
+    const bool known = fstat(file, &found) == 0;
+    if (known && S_ISDIR(found.st_mode))
+        result.problem = is_directory;
+    else
+        result.problem = read_to_end(
+            file, known && S_ISREG(found.st_mode) ? static_cast<std::size_t>(found.st_size) : 0, result.bytes);
+    close(file);
+    return result;
+}
+
+std::string_view INPUT_FILE::whole_lines() const
+{
+    const std::string_view all = bytes;
+    return problem.empty() ? all : all.substr(0, all.rfind('\n') + 1);
+}
+
 void INPUT_FILE::require_whole() const
 {
     if (!problem.empty())
         throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, path + ": " + problem);
 }
 
-void INPUT_FILE::require_text() const
+std::shared_ptr<const INPUT_FILE> INPUT_FILES::read_with(READER reader, const std::string& path)
 {
-    require_whole();
-    if (const std::size_t zero = bytes.find('\0'); zero != std::string::npos)
-        throw TOOL_ERROR(
-            EXIT_CODE::BAD_INPUT,
-            path + ": binary file: line " +
-                std::to_string(1 + std::count(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(zero), '\n')) +
-                " holds a zero byte; remove it or name another file");
+    std::shared_ptr<const INPUT_FILE>& file = files[path];
+    if (file == nullptr)
+    {
+        file = std::make_shared<const INPUT_FILE>(reader(path));
+        if (!file->problem.empty())
+            add_problem(file->path + ": " + file->problem);
+    }
+    return file;
 }
 
 std::shared_ptr<const INPUT_FILE> INPUT_FILES::read(const std::string& path)
 {
-    std::shared_ptr<const INPUT_FILE>& file = files[path];
-    if (file == nullptr)
-        file = std::make_shared<const INPUT_FILE>(read_whole_file(path));
-    return file;
+    return read_with(read_whole_file, path);
+}
+
+std::shared_ptr<const INPUT_FILE> INPUT_FILES::read_named(const std::string& path)
+{
+    return read_with(read_named_file, path);
+}
+
+void INPUT_FILES::forget(const std::string& path)
+{
+    if (const auto file = files.find(path); file != files.end())
+    {
+        std::erase(all_problems, file->second->path + ": " + file->second->problem);
+        files.erase(file);
+    }
+}
+
+void INPUT_FILES::note_absence(const std::string& path)
+{
+    if (const ABSENT_FILE absent = absence_of(path); !absent.problem.empty())
+        add_problem(path + ": " + absent.problem);
+}
+
+void INPUT_FILES::add_problem(const std::string& text)
+{
+    if (std::ranges::find(all_problems, text) == all_problems.end())
+        all_problems.push_back(text);
 }
 
 std::string input_problem(const std::string& path)
@@ -123,20 +198,60 @@ std::string input_problem(const std::string& path)
     return faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) == 0 ? std::string() : problem_of_errno(not_permitted);
 }
 
+ABSENT_FILE absence_of(const std::string& path)
+{
+    struct stat found;
+    if (stat(path.c_str(), &found) == 0)
+        return {ABSENCE::NONE, {}};
+    const int error = errno;
+    if (error != ENOENT && error != ENOTDIR && error != ELOOP)
+        return {ABSENCE::BARRED, std::string(std::strerror(error)) +
+                                     (error == EACCES ? "; let this user search the directories that it is in" : "")};
+    // The furthest that the path leads: what is there is a link, or the next name is missing in it.
+    std::string reached = path;
+    while (lstat(reached.c_str(), &found) != 0 && reached.find('/') != std::string::npos && !reached.empty())
+        reached.resize(reached.find_last_not_of('/', reached.rfind('/')) + 1);
+    if (reached.empty() || lstat(reached.c_str(), &found) != 0 || !S_ISLNK(found.st_mode) ||
+        (error != ELOOP && stat(reached.c_str(), &found) == 0))
+        return {ABSENCE::MISSING, {}};
+    return {ABSENCE::DANGLING, (reached == path ? "is" : "has " + reached + " on its way,") + std::string(" a link ") +
+                                   (error == ELOOP ? "in a circle" : "to what does not exist") +
+                                   "; remove the link or make what it names"};
+}
+
 void check_input_directory(const std::string& path, const std::string& advice)
 {
     struct stat found;
     const bool exists = stat(path.c_str(), &found) == 0;
-    if (exists ? !S_ISDIR(found.st_mode) : errno == ENOENT || errno == ENOTDIR)
-        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, path + ": no such directory; " + advice);
+    if (exists && !S_ISDIR(found.st_mode))
+    {
+        const std::size_t end = path.rfind('/');
+        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT,
+                         path + ": is a file; " + advice + "a directory, such as " +
+                             (end == std::string::npos ? "." : path.substr(0, std::max<std::size_t>(end, 1))));
+    }
+    if (!exists && (errno == ENOENT || errno == ENOTDIR))
+        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, path + ": no such directory; " + advice + "an existing one");
     if (!exists || access(path.c_str(), X_OK) != 0)
         throw TOOL_ERROR(EXIT_CODE::BAD_INPUT,
                          path + ": " + std::strerror(errno) + "; let this user search the directory");
 }
 
-std::string read_input_file(const std::string& path)
+namespace
 {
-    INPUT_FILE file = read_whole_file(path);
+std::string bytes_of(INPUT_FILE file)
+{
     file.require_whole();
     return std::move(file.bytes);
+}
+}
+
+std::string read_input_file(const std::string& path)
+{
+    return bytes_of(read_whole_file(path));
+}
+
+std::string read_named_input_file(const std::string& path)
+{
+    return bytes_of(read_named_file(path));
 }

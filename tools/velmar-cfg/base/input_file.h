@@ -3,49 +3,101 @@
 #ifndef TOOLS_VELMAR_CFG_BASE_INPUT_FILE_H
 #define TOOLS_VELMAR_CFG_BASE_INPUT_FILE_H
 
-#include <cstddef>
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
 struct INPUT_FILE
 {
     std::string path;
     std::string bytes;   // all of them; with a problem, those before it
     std::string problem; // what kept the file from being read whole, and what to do about it; empty when nothing did
+    bool gone = false;   // the problem is that nothing is there
+
+    // The bytes; with a problem only the whole lines of them, with which the library goes on.
+    std::string_view whole_lines() const;
 
     // Throws TOOL_ERROR(BAD_INPUT) with the path when there is such a problem.
     void require_whole() const;
-
-    // Throws TOOL_ERROR(BAD_INPUT) for such a problem, and with the line for a zero byte.
-    void require_text() const;
 };
 
-// Opens the file once and reads it to its end. Waits for nothing: a pipe or a device counts as a problem.
+// Opens the file once and reads it to its end. Waits for nothing: a pipe or a device other than the null device counts
+// as a problem.
 INPUT_FILE read_whole_file(const std::string& path);
 
 // The same for a file that is open at its beginning, and stays open. `path` is for messages.
 INPUT_FILE read_open_file(int file, const std::string& path);
 
+// The same for a file that the user named to be read once, to its end: "-" is standard input, and a pipe or a device is
+// waited for. Standard input can be read once.
+INPUT_FILE read_named_file(const std::string& path);
+
+// What such a file is called: its path, or "standard input".
+std::string title_of_named_file(const std::string& path);
+
 // The files of one command: what is asked for again is not read again, so that all answers are about the same bytes.
+// Nothing is thrown for a file that cannot be read: what can be is answered, and the problem told at the end.
 class INPUT_FILES
 {
 public:
     // Never null; stays as it is when the files go.
     std::shared_ptr<const INPUT_FILE> read(const std::string& path);
 
+    // The same for a file that the user named (see read_named_file).
+    std::shared_ptr<const INPUT_FILE> read_named(const std::string& path);
+
+    // Has the file read again when it is asked for again, and its problem not told.
+    void forget(const std::string& path);
+
+    // Adds a problem, unless it is there.
+    void add_problem(const std::string& text);
+
+    // The same when nothing is found at the path although something may be there (see absence_of).
+    void note_absence(const std::string& path);
+
+    // What kept files from being read whole, each with its path, in the order in which they were asked for.
+    const std::vector<std::string>& problems() const
+    {
+        return all_problems;
+    }
+
 private:
+    using READER = INPUT_FILE (*)(const std::string&);
+    std::shared_ptr<const INPUT_FILE> read_with(READER reader, const std::string& path);
+
     std::map<std::string, std::shared_ptr<const INPUT_FILE>> files; // by path as given
+    std::vector<std::string> all_problems;
 };
 
 // What would keep the file from being read, by its type and permissions; empty when nothing would. Opens nothing.
 std::string input_problem(const std::string& path);
 
-// Throws TOOL_ERROR(BAD_INPUT) with the path unless it is a directory whose files can be reached; `advice` is for one
-// that is none.
+// Why nothing is found at a path.
+enum class ABSENCE
+{
+    NONE,     // something is there
+    MISSING,  // nothing is there
+    DANGLING, // a link on the way leads nowhere, or in a circle
+    BARRED,   // it cannot be told: a directory on the way cannot be searched, or a disk fails
+};
+
+struct ABSENT_FILE
+{
+    ABSENCE kind;
+    std::string problem; // for DANGLING and BARRED, with what to do about it
+};
+ABSENT_FILE absence_of(const std::string& path);
+
+// Throws TOOL_ERROR(BAD_INPUT) with the path unless it is a directory whose files can be reached; `advice`, such as
+// "give
+// --project ", stands before what to give instead.
 void check_input_directory(const std::string& path, const std::string& advice);
 
-// The bytes of a file. Throws TOOL_ERROR(BAD_INPUT) with the path unless it can be read whole.
+// The bytes of a file, or of one that the user named. Throws TOOL_ERROR(BAD_INPUT) with the path unless it can be read
+// whole.
 std::string read_input_file(const std::string& path);
+std::string read_named_input_file(const std::string& path);
 
 #endif

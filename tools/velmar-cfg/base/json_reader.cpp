@@ -27,9 +27,10 @@ std::string line_and_column(const std::string& bytes, std::size_t byte)
            std::to_string(column);
 }
 
-ordered_json parsed(const std::string& file, const DOCUMENT_KIND& kind)
+ordered_json parsed(const std::string& path, const DOCUMENT_KIND& kind)
 {
-    const std::string bytes = read_input_file(file);
+    const std::string bytes = read_named_input_file(path);
+    const std::string file = title_of_named_file(path);
     try
     {
         return ordered_json::parse(bytes);
@@ -169,7 +170,7 @@ std::optional<bool> JSON_NODE::truth_or_null() const
 }
 
 JSON_DOCUMENT::JSON_DOCUMENT(const std::string& path, const DOCUMENT_KIND& kind)
-    : file(path), document(parsed(path, kind))
+    : file(title_of_named_file(path)), document(parsed(path, kind))
 {
     check_kind(file, document, kind);
 }

@@ -10,25 +10,36 @@ namespace
 constexpr std::size_t buffer_size = std::size_t{64} * 1024;
 constexpr std::size_t indentation = 2;
 
-// The length of the text's beginning that stands in JSON as it is.
+// Whether a character that steers a terminal may begin with this byte: beyond ASCII they all begin with one of three.
+constexpr bool may_steer_a_terminal(char c)
+{
+    const auto byte = static_cast<unsigned char>(c);
+    return byte < 0x20 || byte == 0x7f || byte == 0xc2 || byte == 0xd8 || byte == 0xe2;
+}
+
+// The length of the text's beginning that stands in JSON as it is. The text is UTF-8.
 std::size_t plain_length(std::string_view text)
 {
     std::size_t length = 0;
-    while (length < text.size() && static_cast<unsigned char>(text[length]) >= 0x20 && text[length] != '"' &&
-           text[length] != '\\')
+    while (length < text.size() && text[length] != '"' && text[length] != '\\' &&
+           (!may_steer_a_terminal(text[length]) || !steers_a_terminal(first_character(text.substr(length)).character)))
         ++length;
     return length;
 }
 
-void append_escaped(std::string& to, char c)
+// A character of 16 bits.
+void append_escaped(std::string& to, char32_t character)
 {
     constexpr std::string_view escaped = "\"\\\b\f\n\r\t";
     constexpr std::string_view letters = "\"\\bfnrt";
     to += '\\';
-    if (const std::size_t at = escaped.find(c); at != std::string_view::npos)
+    if (const std::size_t at = escaped.find(static_cast<char>(character)); character < 0x80 && at != escaped.npos)
         to += letters[at];
     else
-        to.append("u00").append(as_hexadecimal({&c, 1}));
+    {
+        const char bytes[] = {static_cast<char>(character >> 8), static_cast<char>(character)};
+        to.append("u").append(as_hexadecimal({bytes, sizeof bytes}));
+    }
 }
 }
 
@@ -72,8 +83,9 @@ void JSON_WRITER::quoted(std::string_view text)
         text.remove_prefix(length);
         if (text.empty())
             break;
-        append_escaped(buffer, text.front());
-        text.remove_prefix(1);
+        const UTF_8_CHARACTER next = first_character(text);
+        append_escaped(buffer, next.character);
+        text.remove_prefix(next.length);
     }
     buffer += '"';
 }

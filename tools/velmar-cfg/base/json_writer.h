@@ -1,7 +1,8 @@
 // JSON written as a stream: no document is built, so that a million rows take no memory.
 //
-// The text is indented by two blanks. A text that is no UTF-8 becomes {"hex": "<two digits a byte>"}, from which
-// JSON_NODE::text reads it back. A number that JSON has not, infinity or not-a-number, becomes a text.
+// The text is indented by two blanks and holds no character that steers a terminal but newlines: those of the values
+// are escaped. A text that is no UTF-8 becomes {"hex": "<two digits a byte>"}, from which JSON_NODE::text reads it
+// back. A number that JSON has not, infinity or not-a-number, becomes a text.
 #ifndef TOOLS_VELMAR_CFG_BASE_JSON_WRITER_H
 #define TOOLS_VELMAR_CFG_BASE_JSON_WRITER_H
 

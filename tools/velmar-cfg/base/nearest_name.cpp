@@ -1,6 +1,12 @@
+// Nearly all names are far from all candidates, and a lower bound tells so for a few instructions: a step changes the
+// length by one at most, adds one letter at most and takes away one at most. The distance itself, a table of the one
+// name's letters by the other's, is worked out only for a candidate that both bounds leave near enough. A question
+// costs the name's length once, two counts of bits for each candidate of about that length, and a table for what is
+// left.
 #include "tools/velmar-cfg/base/nearest_name.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace
 {
@@ -17,6 +23,20 @@ std::size_t tolerated_distance(std::size_t length)
 
 std::size_t edit_distance(std::string_view a, std::string_view b)
 {
+    // What both begin or end with takes no step.
+    const std::size_t shorter = std::min(a.size(), b.size());
+    std::size_t alike = 0;
+    while (alike < shorter && folded(a[alike]) == folded(b[alike]))
+        ++alike;
+    a.remove_prefix(alike);
+    b.remove_prefix(alike);
+    while (!a.empty() && !b.empty() && folded(a.back()) == folded(b.back()))
+    {
+        a.remove_suffix(1);
+        b.remove_suffix(1);
+    }
+    if (a.empty() || b.empty())
+        return a.size() + b.size();
     // Distances from the first letters of `a` to the first 0, 1, 2, ... of `b`: the row being filled and the two
     // before.
     std::vector<std::size_t> before_last(b.size() + 1);
@@ -40,25 +60,53 @@ std::size_t edit_distance(std::string_view a, std::string_view b)
     return row[b.size()];
 }
 
-std::optional<std::string> nearest_name(std::string_view name, const std::vector<std::string>& candidates)
+LETTER_SET::LETTER_SET(std::string_view name)
 {
-    const std::size_t tolerated = tolerated_distance(name.size());
-    std::size_t least = tolerated + 1;
-    std::optional<std::string> nearest;
-    for (const std::string& candidate : candidates)
+    for (const char c : name)
     {
+        const std::uint64_t first = std::uint64_t{1} << (static_cast<unsigned char>(folded(c)) & 31U);
+        bits |= (bits & first) != 0 ? first << 32 : first;
+    }
+}
+
+std::size_t LETTER_SET::least_distance_to(LETTER_SET other) const
+{
+    return static_cast<std::size_t>(std::max(std::popcount(bits & ~other.bits), std::popcount(other.bits & ~bits)));
+}
+
+NAME_CANDIDATES::NAME_CANDIDATES(std::vector<std::string> candidates) : names(std::move(candidates))
+{
+    for (const std::string& name : names)
+        letters.emplace_back(name);
+}
+
+const std::string* NAME_CANDIDATES::nearest(std::string_view name) const
+{
+    std::size_t least = tolerated_distance(name.size()) + 1;
+    const LETTER_SET letters_of_name(name);
+    const std::string* found = nullptr;
+    for (std::size_t i = 0; i < names.size(); ++i)
+    {
+        const std::string& candidate = names[i];
         const std::size_t longer = std::max(candidate.size(), name.size());
         const std::size_t shorter = std::min(candidate.size(), name.size());
-        if (longer - shorter >= least)
-            continue; // also keeps a name of a megabyte cheap
+        if (longer - shorter >= least || letters_of_name.least_distance_to(letters[i]) >= least)
+            continue;
         const std::size_t distance = edit_distance(name, candidate);
         if (distance > 0 && distance < least)
         {
             least = distance;
-            nearest = candidate;
+            found = &candidate;
         }
     }
-    return nearest;
+    return found;
+}
+
+std::optional<std::string> nearest_name(std::string_view name, const std::vector<std::string>& candidates)
+{
+    const NAME_CANDIDATES all(candidates);
+    const std::string* const nearest = all.nearest(name);
+    return nearest == nullptr ? std::nullopt : std::optional(*nearest);
 }
 
 std::string did_you_mean(std::string_view name, const std::vector<std::string>& candidates)

@@ -3,6 +3,7 @@
 #define TOOLS_VELMAR_CFG_BASE_NEAREST_NAME_H
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,6 +17,34 @@ std::size_t edit_distance(std::string_view a, std::string_view b);
 // 3 to 5 letters, 2 for 6 to 11, 3 for longer ones, nothing for shorter ones. A candidate that is the name itself,
 // letter case ignored, is passed over.
 std::optional<std::string> nearest_name(std::string_view name, const std::vector<std::string>& candidates);
+
+// Which letters a name has, for a lower bound of distances: letters fall into 32 groups, with one bit for the first of
+// a group and one for a second.
+class LETTER_SET
+{
+public:
+    explicit LETTER_SET(std::string_view name);
+
+    // No more than the edit distance of the two names.
+    std::size_t least_distance_to(LETTER_SET other) const;
+
+private:
+    std::uint64_t bits = 0;
+};
+
+// The same question for many names and the same candidates: their letters are counted once.
+class NAME_CANDIDATES
+{
+public:
+    explicit NAME_CANDIDATES(std::vector<std::string> candidates);
+
+    // As nearest_name. Null when there is none; lives as long as this.
+    const std::string* nearest(std::string_view name) const;
+
+private:
+    std::vector<std::string> names;
+    std::vector<LETTER_SET> letters; // of each name
+};
 
 // ", did you mean 'NEAREST'?" or nothing.
 std::string did_you_mean(std::string_view name, const std::vector<std::string>& candidates);

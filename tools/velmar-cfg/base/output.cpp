@@ -1,9 +1,11 @@
 #include "tools/velmar-cfg/base/output.h"
 
 #include <cerrno>
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include "tools/velmar-cfg/base/errors.h"
@@ -47,6 +49,19 @@ void OUTPUT::choose_color(std::string_view choice)
     colored = choice == "always" || (choice == "auto" && isatty(descriptor) == 1 && environment_allows_color());
 }
 
+std::size_t OUTPUT::width() const
+{
+    constexpr std::size_t usual = 80;
+    std::size_t columns = 0;
+    const char* const named = std::getenv("COLUMNS");
+    const std::string_view digits = named == nullptr ? "" : named;
+    std::from_chars(digits.data(), digits.data() + digits.size(), columns);
+    winsize terminal{};
+    if (columns == 0 && ioctl(descriptor, TIOCGWINSZ, &terminal) == 0)
+        columns = terminal.ws_col;
+    return columns == 0 ? usual : columns;
+}
+
 void OUTPUT::write(std::string_view text)
 {
     buffer += text;
@@ -54,11 +69,11 @@ void OUTPUT::write(std::string_view text)
         finish();
 }
 
-std::string OUTPUT::painted(STYLE style, std::string_view text) const
+std::string OUTPUT::painted(STYLE style, std::string text) const
 {
     if (!colored || style == STYLE::PLAIN || text.empty())
-        return std::string(text);
-    return escape_sequence(style) + std::string(text) + "\x1b[0m";
+        return text;
+    return escape_sequence(style) + text + "\x1b[0m";
 }
 
 void OUTPUT::finish()

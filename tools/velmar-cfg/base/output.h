@@ -2,6 +2,7 @@
 #ifndef TOOLS_VELMAR_CFG_BASE_OUTPUT_H
 #define TOOLS_VELMAR_CFG_BASE_OUTPUT_H
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -37,7 +38,10 @@ public:
     }
 
     // `text` in that style; as it is when there is no colour.
-    std::string painted(STYLE style, std::string_view text) const;
+    std::string painted(STYLE style, std::string text) const;
+
+    // The columns of a line: what COLUMNS says, or the terminal; 80 for neither.
+    std::size_t width() const;
 
     // Writes what is left in the buffer. To be called when all is said; without it, the rest is dropped.
     void finish();

@@ -50,7 +50,8 @@ std::chrono::nanoseconds since_last_write(const struct stat& state)
            std::chrono::nanoseconds(now.tv_nsec - state.st_mtim.tv_nsec);
 }
 
-bool holds_exactly(int file, std::string_view bytes)
+// `path` is for the error of a disk that fails.
+bool holds_exactly(int file, std::string_view bytes, const std::string& path)
 {
     std::array<char, 65536> buffer;
     for (off_t offset = 0;;)
@@ -58,8 +59,10 @@ bool holds_exactly(int file, std::string_view bytes)
         const ssize_t got = pread(file, buffer.data(), buffer.size(), offset);
         if (got < 0 && errno == EINTR)
             continue;
-        if (got <= 0)
-            return got == 0 && bytes.empty();
+        if (got < 0)
+            throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, path + ": " + std::strerror(errno) + "; check the device");
+        if (got == 0)
+            return bytes.empty();
         const std::string_view piece(buffer.data(), static_cast<std::size_t>(got));
         if (!bytes.starts_with(piece))
             return false;
@@ -121,7 +124,7 @@ std::optional<SEEN_FILE> SEEN_FILE::look_at(const FILE_PLACE& place)
     }
     seen.file = OPEN_FILE(opened);
     INPUT_FILE read = read_open_file(opened, place.path());
-    read.require_text();
+    read.require_whole();
     seen.content = std::move(read.bytes);
     if (fstat(opened, &seen.state) != 0 || !same_state(seen.state, *found))
         return std::nullopt;
@@ -133,7 +136,7 @@ bool SEEN_FILE::is_still_at(const FILE_PLACE& place) const
     const std::optional<struct stat> now = state_at(place);
     if (!exists() || !now)
         return !exists() && !now;
-    return same_state(state, *now) && holds_exactly(descriptor(), content);
+    return same_state(state, *now) && holds_exactly(descriptor(), content, place.path());
 }
 
 bool SEEN_FILE::is_unwritten() const

@@ -17,7 +17,7 @@ class SEEN_FILE
 {
 public:
     // The file at that place, read whole; or that there is none. Nothing when it changed meanwhile. Throws
-    // TOOL_ERROR(BAD_INPUT) for a file that cannot be read as text.
+    // TOOL_ERROR(BAD_INPUT) for a file that cannot be read whole.
     static std::optional<SEEN_FILE> look_at(const FILE_PLACE& place);
 
     bool exists() const
@@ -42,6 +42,7 @@ public:
     }
 
     // Whether the file at the place is still this one, by device, number, size, times, owner, mode and bytes.
+    // Throws TOOL_ERROR(BAD_INPUT) when it cannot be read again.
     bool is_still_at(const FILE_PLACE& place) const;
 
     // Whether its bytes are as they were, by size and time of the last write.

@@ -1,20 +1,14 @@
 #include "tools/velmar-cfg/base/text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstdio>
 
 #include "platform/gen/gen.h"
 
 std::string trimmed(std::string_view text)
 {
     return gen_remove_leading_and_trailing_white_spaces(std::string(text));
-}
-
-std::string in_single_quotes(std::string_view text)
-{
-    constexpr std::size_t longest = 100;
-    return "'" + std::string(text.substr(0, longest)) + (text.size() > longest ? "...'" : "'");
 }
 
 std::string as_hexadecimal(std::string_view bytes)
@@ -48,28 +42,6 @@ std::optional<std::string> from_hexadecimal(std::string_view digits)
     return bytes;
 }
 
-std::string printable(std::string_view text)
-{
-    std::string result;
-    for (const char c : text)
-    {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte >= 0x20 && byte != 0x7f)
-            result += c;
-        else if (c == '\n')
-            result += "\\n";
-        else if (c == '\t')
-            result += "\\t";
-        else
-        {
-            std::array<char, 5> escaped;
-            std::snprintf(escaped.data(), escaped.size(), "\\x%02x", byte);
-            result += escaped.data();
-        }
-    }
-    return result;
-}
-
 namespace
 {
 // The length of the well-formed sequence that the bytes, of which there is one, begin with; 0 when they do not.
@@ -94,6 +66,88 @@ std::size_t utf_8_sequence(std::string_view bytes)
     }
     return length;
 }
+
+// Whether every terminal shows the byte as the character that it is.
+constexpr bool is_plain(char c)
+{
+    return c >= 0x20 && c < 0x7f && c != '\\';
+}
+
+void append_escaped(std::string& to, char c)
+{
+    if (c == '\n')
+        to += "\\n";
+    else if (c == '\t')
+        to += "\\t";
+    else if (c == '\\')
+        to += "\\\\";
+    else
+        to.append("\\x").append(as_hexadecimal({&c, 1}));
+}
+}
+
+bool steers_a_terminal(char32_t character)
+{
+    return character < 0x20 || (character >= 0x7f && character < 0xa0) || // C0, delete, C1
+           character == 0x61c || character == 0x200e || character == 0x200f ||
+           (character >= 0x2028 && character <= 0x202e) || // separators of lines and paragraphs; embeddings, overrides
+           (character >= 0x2066 && character <= 0x2069);   // isolates
+}
+
+UTF_8_CHARACTER first_character(std::string_view bytes)
+{
+    const std::size_t length = utf_8_sequence(bytes);
+    if (length <= 1)
+        return {length, static_cast<unsigned char>(bytes.front())};
+    // The lead byte of a sequence of n has n ones and a zero before its bits.
+    char32_t character = static_cast<unsigned char>(bytes.front()) & (0xffU >> (length + 1));
+    for (std::size_t at = 1; at < length; ++at)
+        character = character << 6 | (static_cast<unsigned char>(bytes[at]) & 0x3fU);
+    return {length, character};
+}
+
+std::string printable(std::string_view text)
+{
+    std::string result;
+    result.reserve(text.size());
+    while (!text.empty())
+    {
+        const auto plain_end = std::ranges::find_if_not(text, is_plain);
+        result.append(text.begin(), plain_end);
+        text.remove_prefix(static_cast<std::size_t>(plain_end - text.begin()));
+        if (text.empty())
+            break;
+        const auto [length, character] = first_character(text);
+        if (length > 1 && !steers_a_terminal(character))
+            result.append(text.substr(0, length));
+        else
+        {
+            for (const char c : text.substr(0, std::max<std::size_t>(length, 1)))
+                append_escaped(result, c);
+        }
+        text.remove_prefix(std::max<std::size_t>(length, 1));
+    }
+    return result;
+}
+
+std::string shortened(std::string_view text, std::size_t longest)
+{
+    if (text.size() <= longest)
+        return std::string(text);
+    // A character of UTF-8 that would be cut is left out whole, so that a text stays one.
+    std::size_t length = longest;
+    for (std::size_t begin = longest; begin > 0 && begin + 4 > longest; --begin)
+    {
+        if (begin - 1 + utf_8_sequence(text.substr(begin - 1)) > longest)
+            length = begin - 1;
+    }
+    return std::string(text.substr(0, length)) + "...";
+}
+
+std::string in_single_quotes(std::string_view text)
+{
+    constexpr std::size_t longest = 100;
+    return "'" + shortened(text, longest) + "'";
 }
 
 bool is_utf_8(std::string_view bytes)

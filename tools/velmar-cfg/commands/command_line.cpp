@@ -1,27 +1,15 @@
 #include "tools/velmar-cfg/commands/command_line.h"
 
 #include <algorithm>
-#include <sstream>
 
 #include "platform/ver/ver.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
+#include "tools/velmar-cfg/commands/help.h"
 
 namespace
 {
-// Lists commands with the summaries of their descriptions, each on one line.
-class HELP_FORMATTER : public CLI::Formatter
-{
-public:
-    std::string make_subcommand(const CLI::App* command) const override
-    {
-        std::ostringstream line;
-        CLI::detail::format_help(line, command->get_name(), summary(command->get_description()), get_column_width());
-        return line.str();
-    }
-};
-
 void add_global_options(CLI::App& app, TOOL& tool)
 {
     GLOBAL_OPTIONS& options = tool.options;
@@ -35,12 +23,63 @@ void add_global_options(CLI::App& app, TOOL& tool)
                             "Colours: auto (on a terminal, unless NO_COLOR is set), always or never");
 }
 
-// The innermost command that the command line named so far.
-CLI::App* named_command(CLI::App* app)
+std::string no_such_command(const CLI::App* app, const std::string& word)
 {
-    while (!app->get_subcommands().empty())
-        app = app->get_subcommands().front();
+    std::vector<std::string> names;
+    for (const CLI::App* const command : app->get_subcommands([](const CLI::App*) { return true; }))
+        names.push_back(command->get_name());
+    return "there is no command '" + word + "'" + did_you_mean(word, names);
+}
+
+const CLI::App* command_of_words(const CLI::App* app, const std::vector<std::string>& words)
+{
+    for (const std::string& word : words)
+    {
+        const auto named = app->get_subcommands([&word](const CLI::App* one) { return one->get_name() == word; });
+        if (named.empty())
+            throw TOOL_ERROR(EXIT_CODE::USAGE, no_such_command(app, word) + "; see " + spoken_name(app) + " --help");
+        app = named.front();
+    }
     return app;
+}
+
+void add_help_command(CLI::App& app, TOOL& tool)
+{
+    auto words = std::make_shared<std::vector<std::string>>();
+    COMMAND command =
+        COMMAND(app).add_command(tool, "help", "Print the help text of a command, as --help behind it does",
+                                 "velmar-cfg help prefs set\n      how to change a preference",
+                                 [words, &app, &tool]
+                                 {
+                                     tool.out << help_of(command_of_words(&app, *words), tool.out.width());
+                                     return EXIT_CODE::FINE;
+                                 });
+    command.add_optional_argument("COMMAND", *words, "The words of the command; without them, the tool's own help");
+}
+
+// Every spelling of the options that may stand behind the command.
+std::vector<std::string> options_behind(CLI::App* command)
+{
+    std::vector<std::string> names;
+    for (; command != nullptr; command = command->get_parent())
+    {
+        for (const CLI::Option* const option : options_of(command))
+        {
+            for (std::string& name : names_of(option))
+                names.push_back(std::move(name));
+        }
+    }
+    return names;
+}
+
+// "there is no option '--jsno', did you mean '--json'?"
+std::string no_such_option(CLI::App* command, const std::string& word)
+{
+    const std::string name = word.substr(0, word.find('='));
+    const std::string suggestion = did_you_mean(name, options_behind(command));
+    const bool may_be_argument = suggestion.empty() && !arguments_of(command).empty();
+    return "there is no option '" + name + "'" + suggestion +
+           (may_be_argument ? "; put -- before an argument that begins with \"-\"" : "");
 }
 
 // Whether an option of the command or of one above it has this name and takes a value.
@@ -86,8 +125,7 @@ std::unique_ptr<CLI::App> make_command_line(TOOL& tool)
         "Shows, explains, checks and edits what the configuration library answers: internal variables from the layers "
         "of velmar.ini, and user preferences from velmar2.ini.");
     app->name("velmar-cfg");
-    app->formatter(std::make_shared<HELP_FORMATTER>()); // before the commands, which take it over
-    app->set_version_flag("--version", "velmar-cfg " VELMAR_CFG_VERSION ", release " + ver_get_version());
+    app->set_version_flag("-V,--version", "velmar-cfg " VELMAR_CFG_VERSION ", release " + ver_get_version());
     app->require_subcommand(1);
     app->footer("Example:\n  velmar-cfg --project designs/cpu list\n"
                 "      every internal variable that a run in designs/cpu would see\n\n"
@@ -104,12 +142,20 @@ std::unique_ptr<CLI::App> make_command_line(TOOL& tool)
     add_run_report_command(commands, tool);
     add_snapshot_command(commands, tool);
     add_diff_command(commands, tool);
+    add_help_command(*app, tool);
     return app;
 }
 
 std::string summary(const std::string& description)
 {
     return description.substr(0, std::min({description.find(". "), description.find(": "), description.find("; ")}));
+}
+
+CLI::App* named_command(CLI::App* app)
+{
+    while (!app->get_subcommands().empty())
+        app = app->get_subcommands().front();
+    return app;
 }
 
 std::vector<CLI::App*> all_commands(CLI::App& app)
@@ -158,15 +204,14 @@ void parse_command_line(CLI::App& app, int argc, const char* const* argv)
 
 std::string usage_complaint(CLI::App* app, const CLI::ParseError& error)
 {
-    const CLI::App* const command = named_command(app);
+    CLI::App* const command = named_command(app);
     std::string what = error.what();
-    const std::vector<std::string> unknown = app->remaining(true);
-    if (command->get_require_subcommand_min() > 0 && !unknown.empty() && !unknown.front().starts_with('-'))
+    if (const std::vector<std::string> unknown = app->remaining(true); !unknown.empty())
     {
-        std::vector<std::string> names;
-        for (const CLI::App* subcommand : command->get_subcommands([](const CLI::App*) { return true; }))
-            names.push_back(subcommand->get_name());
-        what = "there is no command '" + unknown.front() + "'" + did_you_mean(unknown.front(), names);
+        if (unknown.front().starts_with('-') && unknown.front().size() > 1)
+            what = no_such_option(command, unknown.front());
+        else if (command->get_require_subcommand_min() > 0)
+            what = no_such_command(command, unknown.front());
     }
     return what + "; see " + spoken_name(command) + " --help";
 }

@@ -12,6 +12,9 @@
 // What is parsed goes into `tool`, which must outlive it.
 std::unique_ptr<CLI::App> make_command_line(TOOL& tool);
 
+// The innermost command that the parsed command line names; the program itself when it names none.
+CLI::App* named_command(CLI::App* app);
+
 // The program itself, then every command, each followed by its own commands.
 std::vector<CLI::App*> all_commands(CLI::App& app);
 

@@ -1,13 +1,23 @@
 #include "tools/velmar-cfg/commands/diagnostics.h"
 
-#include <cstdio>
+#include <unistd.h>
 
+#include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 
 void complain(std::string_view text)
 {
-    const std::string line = "velmar-cfg: " + printable(text) + "\n";
-    std::fwrite(line.data(), 1, line.size(), stderr);
+    OUTPUT out(STDERR_FILENO);
+    out << "velmar-cfg: " << printable(text) << "\n";
+    try
+    {
+        out.finish();
+    }
+    catch (const TOOL_ERROR&) // NOLINT(bugprone-empty-catch)
+    {
+        // There is nobody else to tell.
+    }
 }
 
 bool complain_of(const std::vector<std::string>& texts)

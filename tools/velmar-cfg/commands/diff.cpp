@@ -1,17 +1,13 @@
 // velmar-cfg diff: what differs between two snapshots, and which layer made it differ.
-#include <sys/stat.h>
-
-#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/differences_output.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/documents/differences_json.h"
+#include "tools/velmar-cfg/documents/named_snapshot.h"
 #include "tools/velmar-cfg/documents/run_reports.h"
-#include "tools/velmar-cfg/documents/snapshot.h"
 #include "tools/velmar-cfg/documents/snapshot_differences.h"
-#include "tools/velmar-cfg/documents/snapshot_json.h"
 #include "tools/velmar-cfg/documents/take_snapshot.h"
 
 namespace
@@ -23,30 +19,13 @@ struct DIFF_OPTIONS
     std::optional<std::string> used;
 };
 
-bool is_directory(const std::string& path)
-{
-    struct stat found;
-    return stat(path.c_str(), &found) == 0 && S_ISDIR(found.st_mode);
-}
-
-// A snapshot's file is read; of a project's directory a snapshot is taken, as if --project had named it.
-COMPARED_SNAPSHOT snapshot_of(const std::string& path, const SETTINGS_SCOPE& scope, INPUT_FILES& files)
-{
-    if (!is_directory(path))
-        return {path, read_snapshot(path)};
-    check_input_directory(path, "name an existing one");
-    SETTINGS_SCOPE of_project = scope;
-    of_project.project = path;
-    return {path, take_snapshot(of_project, files)};
-}
-
 EXIT_CODE diff(const DIFF_OPTIONS& options, TOOL& tool)
 {
     std::optional<RUN_REPORT> run;
     if (options.used)
         run = read_run_report(*options.used);
-    const COMPARED_SNAPSHOT a = snapshot_of(options.a, tool.options.scope, tool.files);
-    const COMPARED_SNAPSHOT b = options.b ? snapshot_of(*options.b, tool.options.scope, tool.files)
+    const COMPARED_SNAPSHOT a = named_snapshot(options.a, tool.options.scope, tool.files);
+    const COMPARED_SNAPSHOT b = options.b ? named_snapshot(*options.b, tool.options.scope, tool.files)
                                           : COMPARED_SNAPSHOT{"now", take_snapshot(tool.options.scope, tool.files)};
 
     SNAPSHOT_DIFFERENCES differences = compare_snapshots(a.snapshot, b.snapshot);
@@ -73,7 +52,7 @@ void add_diff_command(COMMAND app, TOOL& tool)
         "      only the variables that the run of run.json read\n"
         "  velmar-cfg diff designs/cpu designs/gpu\n      two projects, as runs in them would see them now",
         [options, &tool] { return diff(*options, tool); });
-    command.add_argument("A", options->a, "A snapshot's file, or a project's directory");
+    command.add_argument("A", options->a, "A snapshot's file, - for standard input, or a project's directory");
     command.add_optional_argument("B", options->b, "The same; without it: what holds now, for --project if given");
     command.add_option("--used", "REPORT", options->used,
                        "Only the variables that the run of this report read, and nothing else");

@@ -43,7 +43,7 @@ std::string side_as_text(const SNAPSHOT_FILE* file)
     if (file == nullptr || !file->path)
         return "none";
     if (!file->sha256)
-        return printable(*file->path) + ", which does not exist";
+        return printable(*file->path) + ", which did not exist or could not be read";
     constexpr std::size_t telling_digits = 12;
     return printable(*file->path) + ", " + std::to_string(file->size.value_or(0)) + " bytes, SHA-256 " +
            printable(file->sha256->substr(0, telling_digits)) + "...";

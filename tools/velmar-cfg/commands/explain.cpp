@@ -67,7 +67,6 @@ void write_text(const EXPLANATION& explanation, OUTPUT& out)
 EXIT_CODE explain(const std::string& name, TOOL& tool)
 {
     LAYERS layers = load_layers(tool.options.scope, tool.files);
-    require_text(layers);
     const SETTINGS settings(std::move(layers));
     const EXPLANATION explanation = explain_variable(name, settings);
     if (tool.options.json)

@@ -32,7 +32,6 @@ bool is_preference_file(const std::string& path)
 
 std::vector<FINDING> lint_settings_of(LAYERS layers)
 {
-    require_text(layers);
     return lint_settings(SETTINGS(std::move(layers)));
 }
 
@@ -52,7 +51,7 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
         append(findings, lint_preferences_in_use(tool.files));
     }
     for (const std::string& file : options.files)
-        append(findings, is_preference_file(file) ? lint_preferences(*tool.files.read(file))
+        append(findings, is_preference_file(file) ? lint_preferences(*tool.files.read_named(file))
                                                   : lint_settings_of(single_layer(file, tool.files)));
     return write_findings(findings, options.strict, tool);
 }
@@ -63,7 +62,7 @@ EXIT_CODE lint_only_preferences(const LINT_OPTIONS& options, TOOL& tool)
     if (options.files.empty())
         append(findings, lint_preferences_in_use(tool.files));
     for (const std::string& file : options.files)
-        append(findings, lint_preferences(*tool.files.read(file)));
+        append(findings, lint_preferences(*tool.files.read_named(file)));
     return write_findings(findings, options.strict, tool);
 }
 

@@ -63,15 +63,16 @@ void write_record(const LIST_OPTIONS& options, const SETTINGS& settings, const V
 EXIT_CODE list(const LIST_OPTIONS& options, TOOL& tool)
 {
     LAYERS layers = load_layers(tool.options.scope, tool.files);
-    require_text(layers);
     const SETTINGS settings(std::move(layers));
     JSON_WRITER json(tool.out);
     if (tool.options.json)
         json.begin_list();
     bool found = false;
-    for (const std::uint32_t index : settings.order_by_name())
+    const std::vector<std::uint32_t> order = settings.order_by_name();
+    for (std::size_t i = 0; i < order.size(); ++i)
     {
-        const VARIABLE& variable = settings.variables()[index];
+        settings.fetch_ahead(order, i);
+        const VARIABLE& variable = settings.variables()[order[i]];
         if (!wanted(options, settings, variable))
             continue;
         found = true;

@@ -1,10 +1,12 @@
 // velmar-cfg: shows, explains, checks and edits what the configuration library would answer.
 #include <csignal>
+#include <new>
 
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/commands/command_line.h"
 #include "tools/velmar-cfg/commands/diagnostics.h"
+#include "tools/velmar-cfg/commands/help.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/settings/installation.h"
 
@@ -16,7 +18,7 @@ void apply_global_options(const CLI::App& app, TOOL& tool)
          {std::pair("--project", &tool.options.scope.project), std::pair("--root", &tool.options.root)})
     {
         if (app.count(option) > 0)
-            check_input_directory(*directory, std::string("give ") + option + " an existing one");
+            check_input_directory(*directory, std::string("give ") + option + " ");
     }
     if (tool.options.json && tool.options.nul_terminated)
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--json and -z exclude each other");
@@ -42,14 +44,16 @@ EXIT_CODE run(int argc, const char* const* argv)
     }
     catch (const CLI::CallForHelp&)
     {
-        tool.out << app->help();
+        tool.out << help_of(named_command(app.get()), tool.out.width());
     }
     catch (const CLI::ParseError& error)
     {
         throw TOOL_ERROR(EXIT_CODE::USAGE, usage_complaint(app.get(), error));
     }
     tool.out.finish();
-    return end;
+    // What could be read has been answered, as the library goes on.
+    const bool all_was_read = complain_of(tool.files.problems());
+    return all_was_read || end > EXIT_CODE::FINDINGS ? end : EXIT_CODE::BAD_INPUT;
 }
 }
 
@@ -65,6 +69,11 @@ int main(int argc, char** argv)
     {
         complain(error.what());
         return static_cast<int>(error.exit_code);
+    }
+    catch (const std::bad_alloc&)
+    {
+        complain("not enough memory; look at fewer or smaller files, or raise the limit (ulimit -v)");
+        return static_cast<int>(EXIT_CODE::BAD_INPUT);
     }
     catch (const std::exception& error)
     {

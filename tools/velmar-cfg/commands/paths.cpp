@@ -35,9 +35,22 @@ void write_json(JSON_WRITER& out, const std::vector<FILE_CANDIDATE>& candidates)
 
 STYLE state_style(FILE_STATE state)
 {
-    return state == FILE_STATE::READ                                        ? STYLE::GOOD
-           : state == FILE_STATE::SHADOWED || state == FILE_STATE::DISABLED ? STYLE::WARNING
-                                                                            : STYLE::FAINT;
+    switch (state)
+    {
+    case FILE_STATE::READ:
+        return STYLE::GOOD;
+    case FILE_STATE::SHADOWED:
+    case FILE_STATE::DISABLED:
+        return STYLE::WARNING;
+    case FILE_STATE::DANGLING:
+    case FILE_STATE::BARRED:
+        return STYLE::BAD;
+    case FILE_STATE::UNUSED:
+    case FILE_STATE::MISSING:
+    case FILE_STATE::SKIPPED:
+        break;
+    }
+    return STYLE::FAINT;
 }
 
 void write_text(const std::vector<FILE_CANDIDATE>& candidates, OUTPUT& out)
@@ -58,7 +71,7 @@ void write_text(const std::vector<FILE_CANDIDATE>& candidates, OUTPUT& out)
         if (!candidate.path.empty())
             out << "  " << printable(candidate.path);
         if (!candidate.remark.empty())
-            out << "  (" << candidate.remark << ")";
+            out << "  (" << printable(candidate.remark) << ")";
         out << "\n";
     }
     out << out.painted(STYLE::STRONG, "environment") << "\n";

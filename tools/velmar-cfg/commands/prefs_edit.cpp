@@ -37,7 +37,7 @@ void write_difference(std::string_view difference, OUTPUT& out)
     while (!difference.empty())
     {
         const std::string_view line = difference.substr(0, difference.find('\n'));
-        out << out.painted(style_of(line), line) << "\n";
+        out << out.painted(style_of(line), printable(line)) << "\n";
         difference.remove_prefix(line.size() + 1);
     }
 }

@@ -127,8 +127,10 @@ EXIT_CODE path(TOOL& tool)
                            out.field("from", location.from_variable ? "VELMAR2_INI" : "profile directory");
                            out.end_object();
                        });
+    else if (tool.options.nul_terminated)
+        tool.out << location.path << zero_byte;
     else
-        tool.out << location.path << (tool.options.nul_terminated ? zero_byte : "\n");
+        tool.out << printable(location.path) << "\n";
     return EXIT_CODE::FINE;
 }
 

@@ -21,6 +21,13 @@ struct RUN_REPORT_OPTIONS
     std::optional<std::string> switch_name;
 };
 
+// One of many texts on a line: a value may be half a megabyte long. JSON has all of it.
+std::string shown(const std::string& text)
+{
+    constexpr std::size_t longest = 100;
+    return printable(shortened(text, longest));
+}
+
 // --- One run ---
 
 constexpr std::size_t longest_bar = 24;
@@ -56,9 +63,9 @@ void write_read_variables(const RUN_REPORT& report, OUTPUT& out)
         const std::string count = std::to_string(variable.count);
         const std::string bar = bar_of(variable.count, highest);
         out << std::string(digits - count.size(), ' ') << count << "  " << out.painted(STYLE::GOOD, bar)
-            << std::string(longest_bar - bar.size() + 2, ' ') << printable(variable.name);
+            << std::string(longest_bar - bar.size() + 2, ' ') << shown(variable.name);
         if (variable.value)
-            out << "=" << printable(*variable.value);
+            out << "=" << shown(*variable.value);
         if (variable.external)
             out << out.painted(STYLE::FAINT, "  external");
         if (const std::string remark = remark_of(variable); !remark.empty())
@@ -83,22 +90,24 @@ void write_report(const RUN_REPORT& report, OUTPUT& out)
     if (!report.external_never_read.empty())
         out << "\n" << out.painted(STYLE::STRONG, "Set from outside and never read") << "\n";
     for (const UNREAD_VARIABLE& variable : report.external_never_read)
-        out << "  " << printable(variable.name) << "=" << printable(variable.value) << "\n";
+        out << "  " << shown(variable.name) << "=" << shown(variable.value) << "\n";
     if (!report.uncounted.empty())
         out << "\n"
             << out.painted(STYLE::STRONG, "Asked for once while unset, or set inside the run and never read") << "\n";
     for (const std::string& name : report.uncounted)
-        out << "  " << printable(name) << "\n";
+        out << "  " << shown(name) << "\n";
 }
 
 // --- Several runs ---
 
-std::string joined(const std::vector<std::string>& texts)
+// The first few of the texts, and how many there are besides.
+std::string first_few(const std::vector<std::string>& texts)
 {
+    constexpr std::size_t most = 3;
     std::string all;
-    for (const std::string& text : texts)
-        all += (all.empty() ? "" : ", ") + printable(text);
-    return all;
+    for (std::size_t i = 0; i < std::min(most, texts.size()); ++i)
+        all += (i == 0 ? "" : ", ") + shown(texts[i]);
+    return all + (texts.size() > most ? " and " + std::to_string(texts.size() - most) + " more" : "");
 }
 
 std::string runs_in_words(std::size_t runs)
@@ -113,11 +122,11 @@ void write_never_read(const std::vector<NEVER_READ_VARIABLE>& variables, std::si
         out << "  none\n";
     for (const NEVER_READ_VARIABLE& variable : variables)
     {
-        out << "  " << printable(variable.name) << "=" << joined(variable.values) << "  "
+        out << "  " << shown(variable.name) << "=" << first_few(variable.values) << "  "
             << out.painted(STYLE::FAINT, "set in " + runs_in_words(variable.set_in_runs.size())) << "\n";
         if (!variable.perhaps_read_by_runs.empty())
             out << "    " << out.painted(STYLE::WARNING, "perhaps asked for once, while unset, by") << " "
-                << joined(variable.perhaps_read_by_runs) << "\n";
+                << first_few(variable.perhaps_read_by_runs) << "\n";
     }
 }
 
@@ -129,42 +138,39 @@ void write_dependence(const RUN_REPORT& report, const DEPENDENCE& dependence, OU
     if (dependence.kind == DEPENDENCE::KIND::PERHAPS)
         out << out.painted(STYLE::WARNING, "perhaps: unset and asked for once, or set inside the run and never read");
     else if (dependence.kind == DEPENDENCE::KIND::NEVER_READ)
-        out << out.painted(STYLE::FAINT, "never read, set to " + printable(*dependence.value));
+        out << out.painted(STYLE::FAINT, "never read, set to " + shown(*dependence.value));
     else
         out << "read " << std::to_string(dependence.count) << (dependence.count == 1 ? " time" : " times") << ", "
-            << (dependence.value ? "set to " + printable(*dependence.value) : std::string("no usable value"));
+            << (dependence.value ? "set to " + shown(*dependence.value) : std::string("no usable value"));
     out << "\n";
 }
 
 EXIT_CODE show_runs_of_switch(const std::string& name, const std::vector<RUN_REPORT>& reports, TOOL& tool)
 {
-    std::vector<DEPENDENCE> dependences;
-    dependences.reserve(reports.size());
-    for (const RUN_REPORT& report : reports)
-        dependences.push_back(dependence_on(name, report));
-    const auto depending =
-        static_cast<std::size_t>(std::ranges::count(dependences, DEPENDENCE::KIND::READ, &DEPENDENCE::kind));
-
+    const SWITCH_USE use = use_of_switch(name, reports);
     if (tool.options.json)
-        answer_in_json(tool, [&](JSON_WRITER& out) { write_dependences_json(out, name, reports, dependences); });
+        answer_in_json(tool, [&](JSON_WRITER& out) { write_dependences_json(out, name, reports, use.dependences); });
     else
     {
-        tool.out << tool.out.painted(STYLE::STRONG, printable(name) + " was read by " + std::to_string(depending) +
-                                                        " of " + runs_in_words(reports.size()))
+        tool.out << tool.out.painted(STYLE::STRONG, printable(name) + " was read by " +
+                                                        std::to_string(use.depending_runs) + " of " +
+                                                        runs_in_words(reports.size()))
                  << "\n";
         for (std::size_t i = 0; i < reports.size(); ++i)
-            write_dependence(reports[i], dependences[i], tool.out);
+            write_dependence(reports[i], use.dependences[i], tool.out);
     }
-    const bool unknown = std::ranges::all_of(dependences, [](const DEPENDENCE& dependence)
-                                             { return dependence.kind == DEPENDENCE::KIND::UNKNOWN; });
-    if (unknown)
+    if (!use.known)
         complain("no run came across '" + name + "'" + did_you_mean(name, names_in_reports(reports)));
-    return depending > 0 ? EXIT_CODE::FINE : EXIT_CODE::FINDINGS;
+    return use.depending_runs > 0 ? EXIT_CODE::FINE : EXIT_CODE::FINDINGS;
 }
 
 EXIT_CODE merge(const RUN_REPORT_OPTIONS& options, TOOL& tool)
 {
-    const std::vector<RUN_REPORT> reports = read_run_reports(options.files);
+    const auto [reports, problems] = read_run_reports(options.files);
+    for (const std::string& problem : problems)
+        tool.files.add_problem(problem);
+    if (reports.empty())
+        return EXIT_CODE::BAD_INPUT;
     if (options.switch_name && !options.switch_name->empty())
         return show_runs_of_switch(*options.switch_name, reports, tool);
 
@@ -203,7 +209,7 @@ void add_run_report_command(COMMAND app, TOOL& tool)
         "  velmar-cfg run-report --merge --switch max_fanout nightly/*.json\n      the runs that max_fanout mattered "
         "to",
         [options, &tool] { return run_report(*options, tool); });
-    command.add_argument("FILE", options->files, "A run report");
+    command.add_argument("FILE", options->files, "A run report; - is standard input");
     command.add_flag("--merge", options->merge,
                      "Put several reports together: list what is set from outside and read by no run");
     command.add_option("--switch", "NAME", options->switch_name,

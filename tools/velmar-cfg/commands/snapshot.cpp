@@ -34,7 +34,7 @@ private:
 EXIT_CODE snapshot(const std::optional<std::string>& file, TOOL& tool)
 {
     const SNAPSHOT taken = take_snapshot(tool.options.scope, tool.files);
-    if (!file)
+    if (!file || *file == "-")
     {
         answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, taken); });
         return EXIT_CODE::FINE;
@@ -67,5 +67,6 @@ void add_snapshot_command(COMMAND app, TOOL& tool)
         "velmar-cfg --project designs/cpu --regtest snapshot -o before.json\n"
         "      what a regression run in designs/cpu goes by, for a later velmar-cfg diff before.json",
         [file, &tool] { return snapshot(*file, tool); });
-    command.add_option("-o,--output", "FILE", *file, "Write to this file, as a whole or not at all");
+    command.add_option("-o,--output", "FILE", *file,
+                       "Write to this file, as a whole or not at all; - is standard output");
 }

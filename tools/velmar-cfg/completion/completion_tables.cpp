@@ -51,8 +51,9 @@ std::string table_name(const CLI::App* command)
 std::string kind_of_placeholder(const std::string& placeholder)
 {
     static const std::map<std::string, std::string> kinds = {
-        {"A", "file"},        {"B", "file"},           {"DIR", "directory"}, {"FILE", "file"},    {"KEY", "key"},
-        {"NAME", "variable"}, {"PATTERN", "variable"}, {"REPORT", "file"},   {"SECONDS", "text"}, {"VALUE", "text"},
+        {"A", "file"},      {"B", "file"},       {"COMMAND", "commands"}, {"DIR", "directory"},
+        {"FILE", "file"},   {"KEY", "key"},      {"NAME", "variable"},    {"PATTERN", "variable"},
+        {"REPORT", "file"}, {"SECONDS", "text"}, {"VALUE", "text"},
     };
     return kinds.at(placeholder);
 }

@@ -21,6 +21,7 @@ _velmar_cfg_walk()
                 -*=*) continue ;;
                 -*) wanted=$(_velmar_cfg_option_takes "$named" "$word"); continue ;;
             esac
+            [ "$named $word" != ' help' ] || continue # what follows are a command's words
             candidate=${named:+$named }$word
             if _velmar_cfg_is_command "$candidate"; then
                 named=$candidate

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "cfg_run_report/run_report_format.h"
+#include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/json_reader.h"
 #include "tools/velmar-cfg/settings/variable_name.h"
 
@@ -24,11 +27,21 @@ auto find_variable(const VARIABLES& variables, const std::string& name)
     return std::ranges::find_if(variables, [&name](const auto& variable) { return same_name(variable.name, name); });
 }
 
-void add_once(std::vector<std::string>& texts, const std::string& text)
+// What the runs that leave a variable unread say of it. Its values may be as many as the runs.
+struct UNREAD_SOMEWHERE
 {
-    if (std::ranges::find(texts, text) == texts.end())
-        texts.push_back(text);
-}
+    NEVER_READ_VARIABLE variable;
+    std::unordered_set<std::string> values;
+
+    void add(const UNREAD_VARIABLE& unread, const RUN_REPORT& report)
+    {
+        if (variable.set_in_runs.empty())
+            variable.name = unread.name;
+        if (values.insert(unread.value).second)
+            variable.values.push_back(unread.value);
+        variable.set_in_runs.push_back(report.run);
+    }
+};
 }
 
 RUN_REPORT read_run_report(const std::string& path)
@@ -37,10 +50,10 @@ RUN_REPORT read_run_report(const std::string& path)
     const JSON_NODE root = document.root();
     const JSON_NODE files = root.member("files");
     RUN_REPORT report;
-    report.file = path;
+    report.file = title_of_named_file(path);
     report.run = root.member("run").text();
     if (report.run.empty())
-        report.run = path;
+        report.run = report.file;
     report.release = root.member("release").text();
     report.main_file = files.member("main").text_or_null();
     report.appended_file = files.member("appended").text_or_null();
@@ -55,21 +68,28 @@ RUN_REPORT read_run_report(const std::string& path)
     return report;
 }
 
-std::vector<RUN_REPORT> read_run_reports(const std::vector<std::string>& paths)
+RUN_REPORTS read_run_reports(const std::vector<std::string>& paths)
 {
-    std::vector<RUN_REPORT> reports;
+    RUN_REPORTS read;
     std::unordered_map<std::string, int> runs_of_name;
     for (const std::string& path : paths)
     {
-        reports.push_back(read_run_report(path));
-        ++runs_of_name[reports.back().run];
+        try
+        {
+            read.reports.push_back(read_run_report(path));
+            ++runs_of_name[read.reports.back().run];
+        }
+        catch (const TOOL_ERROR& error)
+        {
+            read.problems.emplace_back(error.what());
+        }
     }
-    for (RUN_REPORT& report : reports)
+    for (RUN_REPORT& report : read.reports)
     {
         if (runs_of_name[report.run] > 1)
             report.run += " (" + report.file + ")";
     }
-    return reports;
+    return read;
 }
 
 DEPENDENCE dependence_on(const std::string& name, const RUN_REPORT& report)
@@ -81,6 +101,19 @@ DEPENDENCE dependence_on(const std::string& name, const RUN_REPORT& report)
     if (std::ranges::any_of(report.uncounted, [&name](const auto& other) { return same_name(other, name); }))
         return {DEPENDENCE::KIND::PERHAPS, 0, std::nullopt};
     return {};
+}
+
+SWITCH_USE use_of_switch(const std::string& name, const std::vector<RUN_REPORT>& reports)
+{
+    SWITCH_USE use{{}, 0, false};
+    for (const RUN_REPORT& report : reports)
+    {
+        use.dependences.push_back(dependence_on(name, report));
+        const DEPENDENCE::KIND kind = use.dependences.back().kind;
+        use.depending_runs += kind == DEPENDENCE::KIND::READ ? 1U : 0U;
+        use.known = use.known || kind != DEPENDENCE::KIND::UNKNOWN;
+    }
+    return use;
 }
 
 const char* dependence_word(DEPENDENCE::KIND kind)
@@ -101,7 +134,7 @@ const char* dependence_word(DEPENDENCE::KIND kind)
 
 std::vector<NEVER_READ_VARIABLE> variables_that_no_run_read(const std::vector<RUN_REPORT>& reports)
 {
-    BY_VARIABLE_NAME<NEVER_READ_VARIABLE> unread_somewhere;
+    BY_VARIABLE_NAME<UNREAD_SOMEWHERE> unread_somewhere;
     BY_VARIABLE_NAME<bool> read_somewhere;
     BY_VARIABLE_NAME<std::vector<std::string>> uncounted_in;
     for (const RUN_REPORT& report : reports)
@@ -111,19 +144,14 @@ std::vector<NEVER_READ_VARIABLE> variables_that_no_run_read(const std::vector<RU
         for (const std::string& name : report.uncounted)
             uncounted_in[name].push_back(report.run);
         for (const UNREAD_VARIABLE& unread : report.external_never_read)
-        {
-            NEVER_READ_VARIABLE& variable = unread_somewhere[unread.name];
-            if (variable.name.empty())
-                variable.name = unread.name;
-            add_once(variable.values, unread.value);
-            variable.set_in_runs.push_back(report.run);
-        }
+            unread_somewhere[unread.name].add(unread, report);
     }
     std::vector<NEVER_READ_VARIABLE> variables;
-    for (auto& [name, variable] : unread_somewhere)
+    for (auto& [name, unread] : unread_somewhere)
     {
         if (read_somewhere.contains(name))
             continue;
+        NEVER_READ_VARIABLE& variable = unread.variable;
         if (const auto found = uncounted_in.find(name); found != uncounted_in.end())
             variable.perhaps_read_by_runs = found->second;
         variables.push_back(std::move(variable));

@@ -2,6 +2,7 @@
 #ifndef TOOLS_VELMAR_CFG_DOCUMENTS_RUN_REPORTS_H
 #define TOOLS_VELMAR_CFG_DOCUMENTS_RUN_REPORTS_H
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -38,9 +39,14 @@ struct RUN_REPORT
 // Throws TOOL_ERROR(BAD_INPUT) for a file that is no run report, or of a newer version.
 RUN_REPORT read_run_report(const std::string& path);
 
-// The reports of these files, in this order. Runs of the same name get their file's name as well, so that they can be
-// told apart. Throws as above.
-std::vector<RUN_REPORT> read_run_reports(const std::vector<std::string>& paths);
+struct RUN_REPORTS
+{
+    std::vector<RUN_REPORT> reports;   // those that could be read, in the order of their files
+    std::vector<std::string> problems; // of each other file what is wrong with it, with its path
+};
+
+// The reports of these files. Runs of the same name get their file's name as well, so that they can be told apart.
+RUN_REPORTS read_run_reports(const std::vector<std::string>& paths);
 
 // How a run stands to one variable.
 struct DEPENDENCE
@@ -63,6 +69,15 @@ const char* dependence_word(DEPENDENCE::KIND kind);
 
 // Names are equal as in the store.
 DEPENDENCE dependence_on(const std::string& name, const RUN_REPORT& report);
+
+// How several runs stand to one variable.
+struct SWITCH_USE
+{
+    std::vector<DEPENDENCE> dependences; // of each report, in order
+    std::size_t depending_runs;          // those that read it
+    bool known;                          // some run came across it
+};
+SWITCH_USE use_of_switch(const std::string& name, const std::vector<RUN_REPORT>& reports);
 
 // A variable that came from outside in some run and that no run looked up.
 struct NEVER_READ_VARIABLE

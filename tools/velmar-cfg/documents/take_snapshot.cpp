@@ -10,7 +10,7 @@ namespace
 SNAPSHOT_FILE file_of_role(const std::string& role, const std::string& path, const INPUT_FILE* file)
 {
     SNAPSHOT_FILE row{role, path, {}, {}};
-    if (file != nullptr)
+    if (file != nullptr && file->problem.empty())
     {
         row.size = file->bytes.size();
         row.sha256 = sha256_of(file->bytes);
@@ -37,7 +37,7 @@ std::vector<SNAPSHOT_FILE> files_of(const LAYERS& layers, const INPUT_FILE* pref
 
 std::vector<SNAPSHOT_PREFERENCE> preferences_of(const INPUT_FILE* file)
 {
-    const PREFERENCES answers(file == nullptr ? "" : std::string_view(file->bytes));
+    const PREFERENCES answers(file == nullptr ? "" : file->whole_lines());
     std::vector<SNAPSHOT_PREFERENCE> preferences;
     for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
     {
@@ -53,7 +53,6 @@ std::vector<SNAPSHOT_PREFERENCE> preferences_of(const INPUT_FILE* file)
 SNAPSHOT take_snapshot(const SETTINGS_SCOPE& scope, INPUT_FILES& files)
 {
     LAYERS layers = load_layers(scope, files);
-    require_text(layers);
     const std::shared_ptr<const INPUT_FILE> preference_file = preference_file_in_use(files);
     SNAPSHOT snapshot;
     snapshot.product = ver_get_kestrin_product_filename();

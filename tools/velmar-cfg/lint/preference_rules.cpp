@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <optional>
+#include <unordered_map>
+#include <unordered_set>
 
-#include "platform/gen/gen.h"
 #include "platform/ver/ver.h"
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
@@ -11,26 +12,58 @@
 #include "tools/velmar-cfg/preferences/preference_lines.h"
 #include "tools/velmar-cfg/preferences/preference_save.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 
 using namespace zon_cfg;
 
 namespace
 {
-// All sections that a lookup gets to.
-std::vector<std::string> known_sections()
+// The sections that lookups get to: of each section of the catalogue the one without a release, then those with one.
+class KNOWN_SECTIONS
 {
-    std::vector<std::string> sections;
-    for (const CFG_USER_INI_ENUMS preference : all_preference_numbers())
+public:
+    KNOWN_SECTIONS() : candidates(all_names())
     {
-        const std::string bare = preference_triples(preference).front().section;
-        if (std::ranges::find(sections, bare) != sections.end())
-            continue;
-        sections.push_back(bare);
-        for (const std::string& version : ver_get_all_versions())
-            sections.push_back(released_section(bare, version));
+        for (std::string& name : all_names())
+        {
+            spellings.try_emplace(name, name);
+            exact.insert(std::move(name));
+        }
     }
-    return sections;
-}
+
+    bool contains(const std::string& section) const
+    {
+        return exact.contains(section);
+    }
+
+    // The section that was probably meant, if there is one: first of all the same in other letter case.
+    const std::string* nearest(const std::string& section) const
+    {
+        const auto other_case = spellings.find(section);
+        return other_case != spellings.end() ? &other_case->second : candidates.nearest(section);
+    }
+
+private:
+    static std::vector<std::string> all_names()
+    {
+        std::vector<std::string> sections;
+        const std::vector<std::string> versions = ver_get_all_versions();
+        for (const CFG_USER_INI_ENUMS preference : all_preference_numbers())
+        {
+            const std::string bare = preference_triples(preference).front().section;
+            if (std::ranges::find(sections, bare) != sections.end())
+                continue;
+            sections.push_back(bare);
+            for (const std::string& version : versions)
+                sections.push_back(released_section(bare, version));
+        }
+        return sections;
+    }
+
+    const NAME_CANDIDATES candidates;
+    std::unordered_map<std::string, std::string, NAME_HASH, NAME_EQUAL> spellings; // by name, letter case ignored
+    std::unordered_set<std::string> exact;
+};
 
 SEVERITY severity_of(const LOST_LINE& line)
 {
@@ -42,6 +75,7 @@ SEVERITY severity_of(const LOST_LINE& line)
     case LOSS::BESIDE_HEADER:
         return line.value_lost ? SEVERITY::ERROR : SEVERITY::NOTE;
     case LOSS::EMPTY_VALUE:
+    case LOSS::ZERO_BYTE:
     case LOSS::CHANGED_VALUE:
         return SEVERITY::WARNING;
     default:
@@ -77,6 +111,8 @@ std::string instead_of(const LOST_LINE& line)
         return "give a value or remove the line";
     case LOSS::MERGED_SECTION:
         return "rename one of the two sections";
+    case LOSS::ZERO_BYTE:
+        return "remove the zero byte";
     case LOSS::CHANGED_VALUE:
         return "remove the inner quotes";
     }
@@ -93,6 +129,8 @@ std::size_t offset_of(const LOST_LINE& line)
         return line.text.find('[');
     case LOSS::EMPTY_VALUE:
         return line.text.find('=');
+    case LOSS::ZERO_BYTE:
+        return line.text.find('\0');
     default:
         return std::string::npos;
     }
@@ -102,7 +140,7 @@ std::size_t offset_of(const LOST_LINE& line)
 class EXAMINATION
 {
 public:
-    explicit EXAMINATION(const std::string& path_of_file) : path(path_of_file), sections(known_sections()) {}
+    explicit EXAMINATION(const std::string& path_of_file) : path(path_of_file) {}
 
     std::vector<FINDING> findings(std::string_view bytes)
     {
@@ -151,8 +189,10 @@ private:
     void unknown_key();
 
     const std::string path;
-    const std::vector<std::string> sections; // those that lookups get to
-    std::string_view text;                   // the line, and
+    const KNOWN_SECTIONS known_sections;
+    const NAME_CANDIDATES known_keys = NAME_CANDIDATES(all_preference_keys());
+
+    std::string_view text; // the line, and
     std::size_t number = 0;
     PREFERENCE_LINE line; // what the reader takes from it, and
     std::string section;  // the section that holds
@@ -163,7 +203,7 @@ private:
 bool takes_effect(std::optional<LOSS> loss)
 {
     return !loss || *loss == LOSS::EMPTY_SECTION || *loss == LOSS::BESIDE_HEADER || *loss == LOSS::EMPTY_VALUE ||
-           *loss == LOSS::MERGED_SECTION || *loss == LOSS::CHANGED_VALUE;
+           *loss == LOSS::MERGED_SECTION || *loss == LOSS::ZERO_BYTE || *loss == LOSS::CHANGED_VALUE;
 }
 
 void EXAMINATION::examine(std::optional<LOSS> loss)
@@ -178,15 +218,13 @@ void EXAMINATION::examine(std::optional<LOSS> loss)
 
 void EXAMINATION::examine_header()
 {
-    if (std::ranges::find(sections, section) != sections.end())
+    if (known_sections.contains(section))
         return;
-    const auto other_case = std::ranges::find_if(sections, [&](const std::string& known)
-                                                 { return gen_stricmp(known.c_str(), section.c_str()) == 0; });
-    const std::optional<std::string> nearest =
-        other_case != sections.end() ? std::optional<std::string>(*other_case) : nearest_name(section, sections);
+    const std::string* const nearest = known_sections.nearest(section);
     add(SEVERITY::WARNING, "unknown-section",
         "no lookup gets to the section " + in_single_quotes(section) + "; letter case counts",
-        nearest ? "write '[" + *nearest + "]'" : "write the section, a blank, a release and \"_pro\"", text.find('['));
+        nearest != nullptr ? "write '[" + *nearest + "]'" : "write the section, a blank, a release and \"_pro\"",
+        text.find('['));
 }
 
 void EXAMINATION::examine_key()
@@ -209,10 +247,10 @@ void EXAMINATION::unknown_key()
             "there are no comments: this is kept as a preference " + in_single_quotes(line.name), "remove the line");
         return;
     }
-    const std::optional<std::string> nearest = nearest_name(line.name, all_preference_keys());
+    const std::string* const nearest = known_keys.nearest(line.name);
     add(SEVERITY::WARNING, "unknown-key",
         "there is no preference " + in_single_quotes(line.name) + "; the line is kept, unused",
-        nearest ? "write " + in_single_quotes(*nearest + " = " + line.value) : "remove the line");
+        nearest != nullptr ? "write " + in_single_quotes(*nearest + " = " + line.value) : "remove the line");
 }
 
 void EXAMINATION::examine_known_key(CFG_USER_INI_ENUMS preference)
@@ -240,6 +278,5 @@ void EXAMINATION::examine_known_key(CFG_USER_INI_ENUMS preference)
 
 std::vector<FINDING> lint_preferences(const INPUT_FILE& file)
 {
-    file.require_text();
-    return EXAMINATION(file.path).findings(file.bytes);
+    return EXAMINATION(file.path).findings(file.whole_lines());
 }

@@ -7,7 +7,7 @@
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/lint/finding.h"
 
-// The findings in the order of the lines. Throws TOOL_ERROR(BAD_INPUT) for a file that cannot be read as text.
+// The findings in the order of the lines, as far as the file could be read.
 std::vector<FINDING> lint_preferences(const INPUT_FILE& file);
 
 #endif

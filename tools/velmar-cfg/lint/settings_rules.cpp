@@ -357,7 +357,8 @@ void EXAMINATION::known_variable(const KNOWN_VARIABLE& known)
 
 void EXAMINATION::almost_known()
 {
-    if (const std::optional<std::string> nearest = nearest_name(statement.name, known_variable_names()))
+    static const NAME_CANDIDATES known_names(known_variable_names());
+    if (const std::string* const nearest = known_names.nearest(statement.name))
         add(first_visible(text), SEVERITY::WARNING, "almost-known",
             "no variable " + in_single_quotes(statement.name) + " is known, but " + in_single_quotes(*nearest) + " is",
             "write " + assignment_of(*nearest, statement.value) + " if that is the variable");

@@ -35,6 +35,12 @@ bool reads_back(const std::string& value)
     return value.front() != '"' || classify_preference_line("KEY = " + value).value == value;
 }
 
+// The reader takes a line up to its first zero byte.
+std::string_view behind_zero_byte(std::string_view text)
+{
+    return text.substr(std::min(text.find('\0'), text.size()));
+}
+
 struct LESS_IGNORING_CASE
 {
     bool operator()(const std::string& a, const std::string& b) const
@@ -226,6 +232,8 @@ std::optional<LOSS> PREFERENCE_RECORDS::fate_of(const LINE& line, const std::vec
         return LOSS::EMPTY_VALUE;
     if (section.header != line.section)
         return LOSS::MERGED_SECTION;
+    if (!behind_zero_byte(line.text).empty())
+        return LOSS::ZERO_BYTE;
     return reads_back(record.value) ? std::nullopt : std::optional(LOSS::CHANGED_VALUE);
 }
 
@@ -233,6 +241,8 @@ bool PREFERENCE_RECORDS::loses_value(const LINE& line, LOSS reason) const
 {
     if (reason == LOSS::MERGED_SECTION && line.record == none)
         return false; // its key lines do
+    if (reason == LOSS::ZERO_BYTE)
+        return behind_zero_byte(line.text).find_first_not_of(std::string_view("\0 \t\r", 4)) != std::string_view::npos;
     if (!line.has_value || reason != LOSS::SECOND_LINE)
         return line.has_value;
     // The first line says the same, or did before it was changed.
@@ -292,6 +302,8 @@ const char* loss_word(LOSS reason)
         return "empty-value";
     case LOSS::MERGED_SECTION:
         return "merged-section";
+    case LOSS::ZERO_BYTE:
+        return "zero-byte";
     case LOSS::CHANGED_VALUE:
         return "changed-value";
     }
@@ -331,6 +343,8 @@ std::string loss_as_text(const LOST_LINE& line)
     case LOSS::MERGED_SECTION:
         return "the section [" + line.section + "] differs from [" + line.section_in_its_place +
                "] in letter case only, and a save writes both below that header";
+    case LOSS::ZERO_BYTE:
+        return "the text behind a zero byte is ignored, and a save drops it";
     case LOSS::CHANGED_VALUE:
         return "a save keeps these quotes, and the load behind it removes them";
     }

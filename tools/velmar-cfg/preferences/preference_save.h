@@ -27,6 +27,7 @@ enum class LOSS
     SECOND_LINE,        // a key line behind another one of the same section and key
     EMPTY_VALUE,        // a key line without a value
     MERGED_SECTION,     // saved below a header that differs in letter case
+    ZERO_BYTE,          // the text behind it
     CHANGED_VALUE,      // quotes within quotes: the next load removes one pair more
 };
 

@@ -90,17 +90,16 @@ FILE_CANDIDATE preference_file_candidate()
 std::shared_ptr<const INPUT_FILE> preference_file_in_use(INPUT_FILES& files)
 {
     const std::string path = cfg_generate_user_ini_file_path();
-    if (!FIO_FILE_SYSTEM::exists(path.c_str()))
-        return nullptr;
-    std::shared_ptr<const INPUT_FILE> file = files.read(path);
-    file->require_text();
-    return file;
+    if (FIO_FILE_SYSTEM::exists(path.c_str()))
+        return files.read(path);
+    files.note_absence(path);
+    return nullptr;
 }
 
 PREFERENCES load_preferences(INPUT_FILES& files)
 {
     const std::shared_ptr<const INPUT_FILE> file = preference_file_in_use(files);
-    return PREFERENCES(file == nullptr ? "" : std::string_view(file->bytes));
+    return PREFERENCES(file == nullptr ? "" : file->whole_lines());
 }
 
 PREFERENCES::PREFERENCES(std::string_view bytes)

@@ -46,7 +46,7 @@ PREFERENCE_FILE_LOCATION preference_file_location();
 // The same as the one candidate that it is.
 FILE_CANDIDATE preference_file_candidate();
 
-// The preference file in use. Nothing when there is none. Throws TOOL_ERROR(BAD_INPUT) when it cannot be read as text.
+// The preference file in use. Nothing when there is none.
 std::shared_ptr<const INPUT_FILE> preference_file_in_use(INPUT_FILES& files);
 
 // What a preference file holds.
@@ -83,7 +83,7 @@ private:
     std::set<std::string> sections;
 };
 
-// Those of the file in use; none when there is none. Throws TOOL_ERROR as above.
+// Those of the file in use; none when there is none, or when it cannot be read.
 PREFERENCES load_preferences(INPUT_FILES& files);
 
 // The numbers of all preferences of the catalogue, in its order, and their keys.

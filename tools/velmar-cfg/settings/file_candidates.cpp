@@ -48,12 +48,19 @@ std::string reason_for_skipping(SEARCH_PLACE location)
                : std::string(variable) + " is longer than " + std::to_string(longest_path) + " bytes";
 }
 
-std::string remark_on(const std::string& path, SEARCH_PLACE location)
+FILE_STATE state_of(ABSENCE absence)
 {
-    if (location == SEARCH_PLACE::VELMAR_INI && !FIO_FILE_SYSTEM::exists(path.c_str()) &&
-        input_problem(environment_text("VELMAR_INI")).empty())
-        return "VELMAR_INI names a file; it must name a directory";
-    return FIO_FILE_SYSTEM::exists(path.c_str()) ? input_problem(path) : "";
+    switch (absence)
+    {
+    case ABSENCE::DANGLING:
+        return FILE_STATE::DANGLING;
+    case ABSENCE::BARRED:
+        return FILE_STATE::BARRED;
+    case ABSENCE::MISSING:
+    case ABSENCE::NONE: // it has just been made
+        break;
+    }
+    return FILE_STATE::MISSING;
 }
 
 class SEARCH_RECORD
@@ -65,13 +72,14 @@ public:
     void add(const std::string& file, const std::string& location, const std::string& path,
              FILE_STATE when_first = FILE_STATE::READ)
     {
-        const bool exists = FIO_FILE_SYSTEM::exists(path.c_str());
-        candidates.push_back({file, location, path,
-                              !exists ? FILE_STATE::MISSING
-                              : found ? FILE_STATE::SHADOWED
-                                      : when_first,
-                              exists ? input_problem(path) : ""});
-        found = found || exists;
+        if (!FIO_FILE_SYSTEM::exists(path.c_str()))
+        {
+            const ABSENT_FILE absent = absence_of(path);
+            candidates.push_back({file, location, path, state_of(absent.kind), absent.problem});
+            return;
+        }
+        candidates.push_back({file, location, path, found ? FILE_STATE::SHADOWED : when_first, input_problem(path)});
+        found = true;
     }
 
     // Adds every place of the library's search.
@@ -94,7 +102,9 @@ public:
                 continue;
             }
             add(file, location_word(location), search.path().fullpath(), when_first);
-            candidates.back().remark = remark_on(search.path().fullpath(), location);
+            if (location == SEARCH_PLACE::VELMAR_INI && candidates.back().state == FILE_STATE::MISSING &&
+                input_problem(environment_text("VELMAR_INI")).empty())
+                candidates.back().remark = "VELMAR_INI names a file; it must name a directory";
             more = search.next(usable);
         }
     }
@@ -118,6 +128,10 @@ const char* state_word(FILE_STATE state)
         return "unused";
     case FILE_STATE::MISSING:
         return "missing";
+    case FILE_STATE::DANGLING:
+        return "dangling";
+    case FILE_STATE::BARRED:
+        return "barred";
     case FILE_STATE::SKIPPED:
         break;
     }
@@ -156,7 +170,7 @@ std::vector<FILE_CANDIDATE> settings_candidates(const SETTINGS_SCOPE& scope, boo
 
 FILE_CANDIDATE appended_candidate()
 {
-    const std::string named = environment_text("APPENDED_VELMAR_INI");
+    const std::string named = named_appended_file();
     if (named.empty())
         return {"appended", "APPENDED_VELMAR_INI", "", FILE_STATE::SKIPPED, "APPENDED_VELMAR_INI is not set"};
     return sole_candidate("appended", "APPENDED_VELMAR_INI", named);

@@ -15,7 +15,9 @@ enum class FILE_STATE
     DISABLED, // exists and would be read, but for VELMAR_INI_DISABLED
     UNUSED,   // exists, and nothing asks for it
     MISSING,
-    SKIPPED, // the place names no directory
+    DANGLING, // a link on the way leads nowhere
+    BARRED,   // it cannot be told whether it exists: a directory on the way cannot be searched
+    SKIPPED,  // the place names no directory
 };
 
 // "read", "shadowed", ...: for JSON and for people.

@@ -1,6 +1,6 @@
 #include "tools/velmar-cfg/settings/known_variables.h"
 
-#include <algorithm>
+#include <unordered_map>
 
 #include "tools/velmar-cfg/settings/library_rules.h"
 
@@ -36,7 +36,13 @@ const std::vector<std::string>& known_variable_names()
 
 const KNOWN_VARIABLE* find_known_variable(std::string_view name)
 {
-    const auto found = std::ranges::find_if(known_variables(), [&](const KNOWN_VARIABLE& variable)
-                                            { return same_name(variable.name, name); });
-    return found == known_variables().end() ? nullptr : &*found;
+    static const std::unordered_map<std::string_view, const KNOWN_VARIABLE*, NAME_HASH, NAME_EQUAL> by_name = []
+    {
+        std::unordered_map<std::string_view, const KNOWN_VARIABLE*, NAME_HASH, NAME_EQUAL> all;
+        for (const KNOWN_VARIABLE& variable : known_variables())
+            all.emplace(variable.name, &variable);
+        return all;
+    }();
+    const auto found = by_name.find(name);
+    return found == by_name.end() ? nullptr : found->second;
 }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "tools/velmar-cfg/base/errors.h"
+#include "platform/fio/fio.h"
 
 using namespace zon_cfg;
 
@@ -21,6 +21,44 @@ bool may_assign(std::string_view line, char beginning)
 {
     const auto first = std::ranges::find_if_not(line, [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); });
     return first != line.end() && (folded(*first) == beginning || static_cast<unsigned char>(*first) >= 0x80);
+}
+
+// Adds the file that `find` finds, if it finds one. A file that is gone once it is opened is being replaced, or moved
+// away: what is there by now is searched for anew.
+template <typename FIND>
+void add_file(LAYER_KIND kind, LAYERS& layers, INPUT_FILES& files, FIND find)
+{
+    constexpr int most_tries = 1000;
+    for (int tries = 1;; ++tries)
+    {
+        const std::string path = find();
+        if (path.empty())
+            return;
+        std::shared_ptr<const INPUT_FILE> file = files.read(path);
+        if (!file->gone || tries == most_tries)
+        {
+            layers.push_back({kind, std::move(file)});
+            return;
+        }
+        files.forget(path);
+    }
+}
+
+// Notes the places of the search that come before the file that is found.
+void note_places_passed_over(const SETTINGS_SCOPE& scope, bool regtest, INPUT_FILES& files)
+{
+    if (!scope.project.empty())
+    {
+        const FIO_PATH path = project_settings_path(scope.project.c_str(), regtest);
+        if (FIO_FILE_SYSTEM::exists(path))
+            return;
+        files.note_absence(path.fullpath());
+    }
+    if (settings_search_is_disabled())
+        return;
+    SETTINGS_SEARCH search(settings_file_name(regtest));
+    for (SEARCH_PLACE place{}; search.next(place) && !FIO_FILE_SYSTEM::exists(search.path());)
+        files.note_absence(search.path().fullpath());
 }
 }
 
@@ -66,39 +104,29 @@ const char* layer_title(LAYER_KIND kind)
     return "regression-test file";
 }
 
-std::string_view LAYER::text() const
-{
-    const std::string_view bytes = source->bytes;
-    return source->problem.empty() ? bytes : bytes.substr(0, bytes.rfind('\n') + 1);
-}
-
 LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files)
 {
     LAYERS layers;
-    const auto add_file = [&](LAYER_KIND kind, const std::string& path)
+    const auto add_searched = [&](LAYER_KIND kind, bool regtest)
     {
-        if (!path.empty())
-            layers.push_back({kind, files.read(path)});
+        note_places_passed_over(scope, regtest, files);
+        add_file(kind, layers, files, [&] { return settings_file_of(scope.project, regtest); });
     };
-    add_file(LAYER_KIND::MAIN_FILE, settings_file_of(scope.project, false));
-    add_file(LAYER_KIND::APPENDED_FILE, appended_file());
+    add_searched(LAYER_KIND::MAIN_FILE, false);
+    if (const std::string named = named_appended_file(); !named.empty())
+        files.note_absence(named);
+    add_file(LAYER_KIND::APPENDED_FILE, layers, files, appended_file);
     if (const char* const text = inline_text(); text != nullptr)
         layers.push_back(
             {LAYER_KIND::INLINE_TEXT, std::make_shared<const INPUT_FILE>(INPUT_FILE{inline_source, text, {}})});
     if (scope.regtest)
-        add_file(LAYER_KIND::REGTEST_FILE, settings_file_of(scope.project, true));
+        add_searched(LAYER_KIND::REGTEST_FILE, true);
     return layers;
 }
 
 LAYERS single_layer(const std::string& path, INPUT_FILES& files)
 {
-    return {{LAYER_KIND::MAIN_FILE, files.read(path)}};
-}
-
-void require_text(const LAYERS& layers)
-{
-    for (const LAYER& layer : layers)
-        layer.source->require_text();
+    return {{LAYER_KIND::MAIN_FILE, files.read_named(path)}};
 }
 
 bool STATEMENTS::next_item(STATEMENT& statement)
@@ -129,7 +157,7 @@ bool STATEMENTS::next_accepted(STATEMENT& statement, ACCEPT accept)
                 return true;
             continue;
         }
-        const std::string_view text = layers[layer].text();
+        const std::string_view text = layers[layer].source->whole_lines();
         while (offset < text.size())
         {
             const std::string_view line = text.substr(offset, text.find('\n', offset) - offset);

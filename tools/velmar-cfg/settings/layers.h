@@ -91,21 +91,16 @@ struct LAYER
     // The path as the library opens it, or inline_source, with the text. Never null. Where the file could not be read
     // whole, the library goes on with the whole lines before the error, and so does the tool's model.
     std::shared_ptr<const INPUT_FILE> source;
-
-    std::string_view text() const;
 };
 
 using LAYERS = std::vector<LAYER>;
 
-// The layers of the settings that `scope` asks for, as the library would choose them now.
+// The layers of the settings that `scope` asks for, as the library would choose them now. Files that cannot be read,
+// and places of the search where a file may be that cannot be seen, are among the problems of `files`.
 LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files);
 
-// One file as the only layer, taken for a main settings file.
+// One file that the user named ("-" for standard input) as the only layer, taken for a main settings file.
 LAYERS single_layer(const std::string& path, INPUT_FILES& files);
-
-// Throws TOOL_ERROR(BAD_INPUT) for the first layer that cannot be read as text: a directory, no permission, no regular
-// file, a failing disk, a zero byte in it.
-void require_text(const LAYERS& layers);
 
 // One line of a file, or one item of the inline text. The texts are valid until the walk goes on.
 struct STATEMENT

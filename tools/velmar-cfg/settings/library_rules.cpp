@@ -1,5 +1,7 @@
 #include "tools/velmar-cfg/settings/library_rules.h"
 
+#include <cstdlib>
+
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/own_variables.h"
 #include "cfg_ini/cfg_ini_reader/variable_catalogue.h"
@@ -104,6 +106,12 @@ std::string settings_file_of(const std::string& project, bool regtest)
 std::string appended_file()
 {
     return appended_settings_path();
+}
+
+std::string named_appended_file()
+{
+    const char* const named = std::getenv("APPENDED_VELMAR_INI");
+    return named == nullptr ? "" : named;
 }
 
 const char* inline_text()

@@ -117,6 +117,9 @@ std::string settings_file_of(const std::string& project, bool regtest);
 // The file that APPENDED_VELMAR_INI names, if it exists; else empty.
 std::string appended_file();
 
+// The same, existing or not.
+std::string named_appended_file();
+
 // The text of VELMAR_INI_VARS; null when it is not set or empty.
 const char* inline_text();
 

@@ -107,7 +107,18 @@ void write_json(JSON_WRITER& out, const TYPED_VALUE& value)
 
 const char* what_is_wanted(READER_TYPE type)
 {
-    return type == READER_TYPE::BOOL  ? "no switch (on, 1, true, off, 0, false)"
-           : type == READER_TYPE::INT ? "no integer from -2147483648 to 2147483647"
-                                      : "no integer from 0 to 4294967295";
+    switch (type)
+    {
+    case READER_TYPE::BOOL:
+        return "no switch (on, 1, true, off, 0, false)";
+    case READER_TYPE::INT:
+        return "no integer from -2147483648 to 2147483647";
+    case READER_TYPE::UINT:
+        return "no integer from 0 to 4294967295";
+    case READER_TYPE::DOUBLE:
+        return "no number";
+    case READER_TYPE::TEXT:
+        break;
+    }
+    return "no text";
 }

@@ -1,0 +1,162 @@
+// Every command over files, directories, documents and environment variables full of what steers a terminal: none of it
+// gets there as it is.
+#include "tests/velmar_cfg/tool_test.h"
+#include "tools/velmar-cfg/base/text.h"
+#include "tools/velmar-cfg/commands/command_line.h"
+
+namespace
+{
+using ARGUMENTS = std::vector<std::string>;
+
+// Of each kind one: C0, delete, C1, a byte that is C1 to some terminals and no UTF-8, a bidirectional override, a
+// backslash. It holds no "=", ";", ":" or bracket, so that it can stand anywhere.
+constexpr const char* hostile = "x\x1b"
+                                "c\x7f\xc2\x9b\x9b\xe2\x80\xae\\y";
+
+// The same without the byte that is no UTF-8: in names of files it would be an object in JSON.
+constexpr const char* hostile_utf_8 = "x\x1b"
+                                      "c\x7f\xc2\x9b\xe2\x80\xae\\y";
+
+const ARGUMENTS command_lines[] = {
+    {"get", hostile},
+    {"get", hostile, "--type", "int"},
+    {"get", "unset", "--json"},
+    {"get", hostile, "--json"},
+    {"list", "--show-origin"},
+    {"list", "--json"},
+    {"list", hostile},
+    {"explain", hostile},
+    {"explain", hostile, "--json"},
+    {"paths"},
+    {"paths", "--json"},
+    {"lint"},
+    {"lint", "--json"},
+    {"lint", hostile},
+    {"prefs"},
+    {"prefs", hostile},
+    {"prefs", "list", "--all"},
+    {"prefs", "list", "--json"},
+    {"prefs", "get", "USER_LIBRARIES", "--json"},
+    {"prefs", "get", hostile},
+    {"prefs", "set", "USER_LIBRARIES", hostile, "--dry-run"},
+    {"prefs", "set", "USER_LIBRARIES", hostile, "--dry-run", "--json"},
+    {"prefs", "set", "HDL_PREFERENCE", hostile},
+    {"prefs", "reset", "USER_LIBRARIES", "--dry-run"},
+    {"prefs", "describe", "USER_LIBRARIES"},
+    {"prefs", "describe", "USER_LIBRARIES", "--json"},
+    {"prefs", "lint"},
+    {"prefs", "lint", "--json"},
+    {"prefs", "path"},
+    {"prefs", "path", "--json"},
+    {"run-report", "report.json"},
+    {"run-report", "report.json", "--json"},
+    {"run-report", hostile},
+    {"run-report", "--merge", "report.json", "report.json"},
+    {"run-report", "--merge", "report.json", "--switch", hostile},
+    {"run-report", "--merge", "report.json", "--switch", "other"},
+    {"snapshot"},
+    {"snapshot", "-o", "nowhere/file"},
+    {"diff", "."},
+    {"diff", ".", "--json"},
+    {"diff", ".", "--used", "report.json"},
+    {"diff", hostile},
+    {"help", hostile},
+    {hostile},
+    {"--project", hostile, "list"},
+};
+
+class HOSTILE_TEXT : public TOOL_TEST
+{
+protected:
+    HOSTILE_TEXT()
+    {
+        const std::string text = hostile;
+        const std::string directory = std::string("project ") + hostile_utf_8;
+        write_file(directory + "/velmar.ini", text + " = " + text + "\tTAB\n" + text + "\nmsg_sqlite = " + text + "\n");
+        write_file(directory + "/velmar2.ini", "[General 23.4_pro]\nUSER_LIBRARIES = " + text + "\tTAB\n" + text +
+                                                   " = " + text + "\n" + text + "\n");
+        project = {"--project", directory};
+        variables["VELMAR2_INI"] = directory;
+        variables["VELMAR_INI"] = text;
+        variables["VELMAR_INI_VARS"] = "inline=" + text + "\n;" + text;
+        write_report();
+    }
+
+    static void write_report()
+    {
+        const nlohmann::json named = {{"name", hostile_utf_8}, {"value", hostile_utf_8}};
+        nlohmann::json read = named;
+        read["count"] = 1;
+        read["external"] = true;
+        read["used"] = true;
+        nlohmann::json unread = named;
+        unread["name"] = hostile_utf_8 + std::string("unread");
+        write_file("report.json",
+                   nlohmann::json{{"schema", "velmar-run-report"},
+                                  {"schema_version", 1},
+                                  {"run", hostile_utf_8},
+                                  {"release", hostile_utf_8},
+                                  {"files", {{"main", hostile_utf_8}, {"appended", nullptr}, {"regtest", nullptr}}},
+                                  {"read", {read}},
+                                  {"external_never_read", {unread}},
+                                  {"uncounted", {hostile_utf_8 + std::string("uncounted")}}}
+                       .dump());
+    }
+
+    // Newlines end lines, and a tabulator stands between two columns of `list`.
+    static void expect_harmless(std::string_view output)
+    {
+        EXPECT_EQ(output.find("\tTAB"), output.npos) << output;
+        while (!output.empty())
+        {
+            const auto [length, character] = first_character(output);
+            ASSERT_GT(length, 0U) << "no UTF-8: " << as_hexadecimal(output.substr(0, 20));
+            ASSERT_TRUE(character == '\n' || character == '\t' || !steers_a_terminal(character))
+                << as_hexadecimal(output.substr(0, 20));
+            output.remove_prefix(length);
+        }
+    }
+
+    ARGUMENTS project;
+};
+
+TEST_F(HOSTILE_TEXT, reaches_no_terminal)
+{
+    std::size_t escapes = 0;
+    for (ARGUMENTS arguments : command_lines)
+    {
+        SCOPED_TRACE(printable(testing::PrintToString(arguments)));
+        if (arguments.front() != "--project")
+            arguments.insert(arguments.end(), project.begin(), project.end());
+        const TOOL_RUN result = run(arguments);
+        const bool prints_as_it_is = arguments.front() == "get" && result.err.empty() && arguments.size() == 4;
+        if (prints_as_it_is)
+            EXPECT_EQ(result.out, std::string(hostile) + "\tTAB\n");
+        else
+            expect_harmless(result.out);
+        expect_harmless(result.err);
+        const std::string all = result.out + result.err;
+        if (all.find("\\x1b") != all.npos || all.find("\\u001b") != all.npos)
+            ++escapes;
+    }
+    EXPECT_GT(escapes, std::size(command_lines) / 2); // else nothing hostile was shown at all
+}
+
+TEST_F(HOSTILE_TEXT, is_given_to_every_command)
+{
+    TOOL tool;
+    const std::unique_ptr<CLI::App> app = make_command_line(tool);
+    for (const CLI::App* const command : all_commands(*app))
+    {
+        const std::string spoken = spoken_name(command).substr(std::string("velmar-cfg").size());
+        const auto runs = [&spoken](const ARGUMENTS& arguments)
+        {
+            std::string words;
+            for (const std::string& argument : arguments)
+                words += " " + argument;
+            return words.starts_with(spoken);
+        };
+        EXPECT_TRUE(std::ranges::any_of(command_lines, runs)) << spoken;
+    }
+}
+}

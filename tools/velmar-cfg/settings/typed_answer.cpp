@@ -1,0 +1,80 @@
+#include "tools/velmar-cfg/settings/typed_answer.h"
+
+#include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/base/nearest_name.h"
+#include "tools/velmar-cfg/settings/known_variables.h"
+
+namespace
+{
+std::string why_not_set(const SETTINGS& settings, const std::string& name)
+{
+    const std::string not_set = "'" + name + "' is not set";
+    if (const KNOWN_VARIABLE* const known = find_known_variable(name); known != nullptr)
+        return not_set + (known->default_text.empty() ? "" : "; the catalogue's default is " + known->default_text);
+    std::vector<std::string> names = known_variable_names();
+    for (std::string& other : names_of_variables(SETTINGS(settings.layers())))
+        names.push_back(std::move(other));
+    return not_set + did_you_mean(name, names);
+}
+
+std::string why_not_usable(const TYPED_ANSWER& answer)
+{
+    const std::string location = location_as_text(*answer.location);
+    return answer.text.empty()
+               ? "'" + answer.name + "' is set to the empty text at " + location
+               : "'" + answer.name + "' is '" + answer.text + "' at " + location + ": " + what_is_wanted(answer.type);
+}
+}
+
+TYPED_ANSWER answer_typed(const SETTINGS& settings, const std::string& name, READER_TYPE type,
+                          const std::optional<TYPED_VALUE>& fallback)
+{
+    TYPED_ANSWER answer;
+    answer.name = name;
+    answer.type = type;
+    if (const VARIABLE* const variable = settings.find(name); variable != nullptr)
+    {
+        answer.text = settings.value_of(*variable);
+        answer.external = variable->layers.mark_external();
+        answer.location = settings.location_of(*variable);
+    }
+    const TYPED_READINGS readings = read_typed(answer.text);
+    answer.value = value_of_type(type, answer.text, readings);
+    const std::optional<std::string> shown = value_as_text(answer.value);
+    answer.usable = shown.has_value();
+    if (answer.usable && type == READER_TYPE::DOUBLE && !readings.floating_is_whole)
+        answer.remark = "'" + name + "' is '" + answer.text + "': only the number at its start is read, " + *shown;
+    else if (!answer.usable && fallback)
+        answer.value = *fallback;
+    else if (!answer.usable)
+        answer.remark = answer.is_set() ? why_not_usable(answer) : why_not_set(settings, name);
+    return answer;
+}
+
+TYPED_VALUE default_of_type(READER_TYPE type, std::string_view text)
+{
+    if (text.empty())
+        return std::string();
+    const TYPED_READINGS readings = read_typed(text);
+    TYPED_VALUE value = value_of_type(type, text, readings);
+    const bool fits =
+        !std::holds_alternative<std::monostate>(value) && (type != READER_TYPE::DOUBLE || readings.floating_is_whole);
+    if (!fits)
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "the default '" + std::string(text) + "' is " + what_is_wanted(type) +
+                                               "; give one of the type");
+    return value;
+}
+
+void write_json(JSON_WRITER& out, const TYPED_ANSWER& answer)
+{
+    out.begin_object();
+    out.field("name", answer.name);
+    out.field("type", type_word(answer.type));
+    out.key("value");
+    write_json(out, answer.value);
+    out.field("usable", answer.usable);
+    out.field("text", answer.text);
+    out.field("external", answer.external);
+    write_location_fields(out, answer.location ? &*answer.location : nullptr);
+    out.end_object();
+}

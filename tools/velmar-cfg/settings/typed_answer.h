@@ -1,0 +1,45 @@
+// What a reader of one type gets of a variable, with a default of its own if it has one.
+#ifndef TOOLS_VELMAR_CFG_SETTINGS_TYPED_ANSWER_H
+#define TOOLS_VELMAR_CFG_SETTINGS_TYPED_ANSWER_H
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tools/velmar-cfg/base/json_writer.h"
+#include "tools/velmar-cfg/settings/settings.h"
+#include "tools/velmar-cfg/settings/typed_value.h"
+
+// The locations look into the settings that were asked, which must outlive it.
+struct TYPED_ANSWER
+{
+    std::string name; // as asked for
+    READER_TYPE type;
+    std::string text;    // as stored; empty when the variable is not set
+    TYPED_VALUE value;   // what the reader gets: the variable's value, else the default, else none
+    bool usable = false; // it is the variable's own value
+    bool external = false;
+    std::optional<LOCATION> location; // of the assignment that won; nothing when the variable is not set
+
+    // One sentence: why the variable has no usable value, or what is odd about the one that it has. Empty for neither,
+    // and where a default stands in.
+    std::string remark;
+
+    bool is_set() const
+    {
+        return location.has_value();
+    }
+};
+
+// `fallback` is what the reader gives as its default; none for a reader without one.
+TYPED_ANSWER answer_typed(const SETTINGS& settings, const std::string& name, READER_TYPE type,
+                          const std::optional<TYPED_VALUE>& fallback);
+
+// A text as a default of that type. The empty text is one of every type. Throws TOOL_ERROR(USAGE) for a text that no
+// reader of the type could have as its default.
+TYPED_VALUE default_of_type(READER_TYPE type, std::string_view text);
+
+// {"name", "type", "value", "usable", "text", "external", "layer", "file", "line", "item"}.
+void write_json(JSON_WRITER& out, const TYPED_ANSWER& answer);
+
+#endif

@@ -22,28 +22,45 @@ std::string directory_of(const std::string& path)
     return directory.empty() ? "." : directory;
 }
 
-void take_over(int file, const struct stat& existing, FILE_OWNER owner, mode_t rights = 07777)
+// Where a path leads once every symbolic link is followed, its directory without links; the file itself need not exist.
+std::string followed_path(const std::string& path)
+{
+    constexpr int most_links = 40;
+    std::filesystem::path followed(path);
+    for (int links = 0; std::filesystem::is_symlink(std::filesystem::symlink_status(followed)); ++links)
+    {
+        if (links == most_links)
+            throw std::system_error(ELOOP, std::generic_category());
+        followed = followed.parent_path() / std::filesystem::read_symlink(followed);
+    }
+    std::error_code error;
+    const std::filesystem::path directory = std::filesystem::canonical(directory_of(followed.string()), error);
+    if (error)
+        throw std::system_error(error.value(), std::generic_category());
+    return (directory / followed.filename()).string();
+}
+
+// The owner only if possible: root alone can give a file away.
+void take_over(int file, const struct stat& existing, mode_t rights)
 {
     struct stat own;
     if (fstat(file, &own) != 0)
         fail();
     const bool same = existing.st_uid == own.st_uid && existing.st_gid == own.st_gid;
-    if (!same && fchown(file, existing.st_uid, existing.st_gid) != 0 && owner == FILE_OWNER::KEPT)
-        throw OWNER_NOT_KEPT(errno, std::generic_category());
+    [[maybe_unused]] const bool kept = same || fchown(file, existing.st_uid, existing.st_gid) == 0;
     // Behind the owner, a change of whom takes mode bits away.
     if (fchmod(file, existing.st_mode & rights) != 0)
         fail();
 }
 
-std::error_code synchronise_directory(const std::string& path)
+// A report that a power cut takes away is no failure.
+void synchronise_directory(const std::string& path)
 {
     const int directory = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    // Some file systems have nothing to synchronise and say so.
-    const bool done = directory >= 0 && (fsync(directory) == 0 || errno == EINVAL);
-    const std::error_code error = done ? std::error_code() : std::error_code(errno, std::generic_category());
-    if (directory >= 0)
-        close(directory);
-    return error;
+    if (directory < 0)
+        return;
+    fsync(directory);
+    close(directory);
 }
 }
 
@@ -129,48 +146,6 @@ private:
     std::string made;
 };
 
-std::string followed_path(const std::string& path)
-{
-    constexpr int most_links = 40;
-    std::filesystem::path followed(path);
-    for (int links = 0; std::filesystem::is_symlink(std::filesystem::symlink_status(followed)); ++links)
-    {
-        if (links == most_links)
-            throw std::system_error(ELOOP, std::generic_category());
-        followed = followed.parent_path() / std::filesystem::read_symlink(followed);
-    }
-    std::error_code error;
-    const std::filesystem::path directory = std::filesystem::canonical(directory_of(followed.string()), error);
-    if (error)
-        throw std::system_error(error.value(), std::generic_category());
-    return (directory / followed.filename()).string();
-}
-
-std::error_code replace_file(const std::string& made, const std::string& target, FILE_OWNER owner)
-{
-    struct stat existing;
-    const bool exists = stat(target.c_str(), &existing) == 0;
-    const int file = open(made.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0)
-        fail();
-    try
-    {
-        if (exists)
-            take_over(file, existing, owner);
-        if (fsync(file) != 0)
-            fail();
-    }
-    catch (...)
-    {
-        close(file);
-        throw;
-    }
-    close(file);
-    if (rename(made.c_str(), target.c_str()) != 0)
-        fail();
-    return synchronise_directory(directory_of(target));
-}
-
 WHOLE_FILE_WRITER::WHOLE_FILE_WRITER(const std::string& path, FILE_READERS readers)
 {
     struct stat found;
@@ -186,7 +161,7 @@ WHOLE_FILE_WRITER::WHOLE_FILE_WRITER(const std::string& path, FILE_READERS reade
     const mode_t rights = readers == FILE_READERS::OWNER ? owners_rights : mode_t{07777};
     file = std::make_unique<OPEN_FILE>(OPEN_FILE::BESIDE{target, mode_of_new_files & rights});
     if (exists)
-        take_over(file->number(), found, FILE_OWNER::KEPT_IF_POSSIBLE, rights);
+        take_over(file->number(), found, rights);
 }
 
 WHOLE_FILE_WRITER::~WHOLE_FILE_WRITER() = default;
@@ -204,7 +179,7 @@ void WHOLE_FILE_WRITER::put_in_place()
         return;
     }
     file->put_in_place_of(target);
-    synchronise_directory(directory_of(target)); // a report that a power cut takes away is no failure
+    synchronise_directory(directory_of(target));
 }
 
 std::string write_whole_file(const std::string& path, std::string_view bytes)

@@ -1,35 +1,10 @@
-// Files that are written whole or not at all, for hosts' run reports and for velmar-cfg.
+// Files that are written whole or not at all, for hosts' run reports and for velmar-cfg's documents.
 #ifndef CFG_RUN_REPORT_WHOLE_FILE_H
 #define CFG_RUN_REPORT_WHOLE_FILE_H
 
 #include <memory>
 #include <string>
 #include <string_view>
-#include <system_error>
-
-// Where a path leads once every symbolic link is followed, its directory without links; the file itself need not exist.
-// Throws std::system_error for a directory that does not exist and for links in a circle.
-std::string followed_path(const std::string& path);
-
-// What becomes of the owner of a file that is replaced, where he is another than the new file's.
-enum class FILE_OWNER
-{
-    KEPT,             // or the file is not replaced
-    KEPT_IF_POSSIBLE, // only root can
-};
-
-// The owner could not be kept.
-class OWNER_NOT_KEPT : public std::system_error
-{
-public:
-    using std::system_error::system_error;
-};
-
-// Puts the finished file `made` in the place of `target`, a path without links on the same file system: all of its
-// bytes are on the disk before, and an existing target's mode, and owner, are its own. Throws std::system_error, and
-// then the target is as it was. Returns no error, or what kept the directory from being synchronised: the target is
-// replaced, but a power cut may undo that.
-std::error_code replace_file(const std::string& made, const std::string& target, FILE_OWNER owner);
 
 // Who may read a file that is written.
 enum class FILE_READERS
@@ -38,9 +13,9 @@ enum class FILE_READERS
     OWNER,    // nobody else, also where others may read the file that is replaced
 };
 
-// Writes a file in pieces beside the one that it is to replace, with that one's mode from the beginning. Unless it is
-// put in place, it goes again. A link to a file stays a link. What is no file (a device, a pipe) is written to as it
-// is.
+// Writes a file in pieces beside the one that it is to replace, with that one's mode from the beginning, and its owner
+// if possible. Unless it is put in place, it goes again. A link to a file stays a link. What is no file (a device, a
+// pipe) is written to as it is.
 class WHOLE_FILE_WRITER
 {
 public:

@@ -43,14 +43,11 @@ __attribute__((format(printf, 1, 2))) void mem_msg_vdebug(const char* format, ..
 }
 
 // An empty value counts as none and leaves the file.
-void mark_records_to_write()
+void mark_records_to_write(const CFG_USER_VALUE_MAP& records)
 {
-    for (const auto& [key, record] : *cfg_user_ini_records)
+    for (const auto& [key, record] : records)
         record->pending_write = !record->value.empty();
 }
-
-// The pending records of one section, in map order; at least one.
-using SECTION_GROUP = std::vector<CFG_USER_VALUE_STRUCT*>;
 
 struct LESS_IGNORING_CASE
 {
@@ -60,13 +57,13 @@ struct LESS_IGNORING_CASE
     }
 };
 
-std::vector<SECTION_GROUP> group_pending_records()
+std::vector<SECTION_GROUP> group_pending_records(const CFG_USER_VALUE_MAP& records)
 {
     std::vector<SECTION_GROUP> groups;
     std::map<const char*, std::size_t, LESS_IGNORING_CASE> positions;
     const CFG_USER_VALUE_STRUCT* previous = nullptr;
     std::size_t position = 0;
-    for (const auto& [key, record] : *cfg_user_ini_records)
+    for (const auto& [key, record] : records)
     {
         if (!record->pending_write)
             continue;
@@ -80,6 +77,15 @@ std::vector<SECTION_GROUP> group_pending_records()
         previous = record;
     }
     return groups;
+}
+}
+
+namespace zon_cfg
+{
+std::vector<SECTION_GROUP> groups_to_write(const CFG_USER_VALUE_MAP& records)
+{
+    mark_records_to_write(records);
+    return group_pending_records(records);
 }
 
 // Each line is flushed, so that a process that ends here leaves whole lines. Write errors are not reported: the stream
@@ -103,8 +109,7 @@ bool cfg_write_user_ini_file()
     // A search path whose hand-over failed is still to be carried over: once the running release's section is saved
     // without it, no later reading would do that.
     load_preferences_if_needed();
-    mark_records_to_write();
-    const std::vector<SECTION_GROUP> groups = group_pending_records();
+    const std::vector<SECTION_GROUP> groups = groups_to_write(*cfg_user_ini_records);
     const std::string path = cfg_generate_user_ini_file_path();
     // Left to itself, the stream would allocate its buffer when the file is open and empty already.
     std::array<char, BUFSIZ> buffer;

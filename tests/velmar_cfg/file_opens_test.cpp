@@ -87,12 +87,16 @@ TEST_P(FILE_OPENS, each_file_is_opened_once)
     EXPECT_EQ(of_files, expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(commands, FILE_OPENS,
-                         testing::Values(std::vector<std::string>{"get", "a"}, std::vector<std::string>{"get", "unset"},
-                                         std::vector<std::string>{"list"}, std::vector<std::string>{"explain", "a"},
-                                         std::vector<std::string>{"lint"}, std::vector<std::string>{"snapshot"},
-                                         std::vector<std::string>{"diff", "project"},
-                                         std::vector<std::string>{"diff", "project", "project"},
-                                         std::vector<std::string>{"paths"}, std::vector<std::string>{"prefs", "list"},
-                                         std::vector<std::string>{"prefs", "get", "HDL_PREFERENCE"}));
+INSTANTIATE_TEST_SUITE_P(
+    commands, FILE_OPENS,
+    testing::Values(std::vector<std::string>{"get", "a"}, std::vector<std::string>{"get", "unset"},
+                    std::vector<std::string>{"list"}, std::vector<std::string>{"explain", "a"},
+                    std::vector<std::string>{"lint"}, std::vector<std::string>{"snapshot"},
+                    std::vector<std::string>{"diff", "project"}, std::vector<std::string>{"diff", "project", "project"},
+                    std::vector<std::string>{"paths"}, std::vector<std::string>{"prefs", "list"},
+                    std::vector<std::string>{"prefs", "get", "HDL_PREFERENCE"},
+                    std::vector<std::string>{"prefs", "lint"},
+                    std::vector<std::string>{"prefs", "set", "HDL_PREFERENCE", "KHDL"},
+                    std::vector<std::string>{"prefs", "set", "HDL_PREFERENCE", "KHDL", "--dry-run"},
+                    std::vector<std::string>{"prefs", "reset", "HDL_PREFERENCE"}));
 }

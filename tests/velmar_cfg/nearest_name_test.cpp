@@ -43,6 +43,35 @@ INSTANTIATE_TEST_SUITE_P(table, EDIT_DISTANCE,
                                          DISTANCE_CASE{"ca", "abc", 3}, // no step between two swapped letters
                                          DISTANCE_CASE{"kitten", "sitting", 3}));
 
+// The rule written out: all ways to take the names apart from their beginnings.
+std::size_t distance_by_the_rule(std::string_view a, std::string_view b)
+{
+    if (a.empty() || b.empty())
+        return a.size() + b.size();
+    const std::string_view rest_of_a = a.substr(1);
+    const std::string_view rest_of_b = b.substr(1);
+    std::size_t least = std::min({distance_by_the_rule(rest_of_a, b) + 1, distance_by_the_rule(a, rest_of_b) + 1,
+                                  distance_by_the_rule(rest_of_a, rest_of_b) + (a.front() == b.front() ? 0 : 1)});
+    if (a.size() > 1 && b.size() > 1 && a[0] == b[1] && a[1] == b[0])
+        least = std::min(least, distance_by_the_rule(a.substr(2), b.substr(2)) + 1);
+    return least;
+}
+
+TEST(EDIT_DISTANCE_BY_THE_RULE, is_the_same_for_all_short_names_of_two_letters)
+{
+    std::vector<std::string> all = {""};
+    for (std::size_t i = 0; all[i].size() < 5; ++i)
+    {
+        all.push_back(all[i] + 'a');
+        all.push_back(all[i] + 'b');
+    }
+    for (const std::string& a : all)
+    {
+        for (const std::string& b : all)
+            ASSERT_EQ(edit_distance(a, b), distance_by_the_rule(a, b)) << a << " and " << b;
+    }
+}
+
 const std::vector<std::string> names = {"abc", "msg_sqlite", "msg_sqlyte", "enhanced_html_reports"};
 
 TEST(NEAREST_NAME, takes_the_least_distance_and_of_equals_the_first)

@@ -118,10 +118,18 @@ TEST_F(PREFS_EDIT, a_line_that_a_save_would_spoil_stops_the_change)
 {
     const char* const quoted_twice = "[General 23.4_pro]\nUSER_LIBRARIES = \"\"/lib\"\"\n";
     write_preferences(quoted_twice);
-    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}),
-              (TOOL_RUN{4, "",
-                        "velmar-cfg: [General 23.4_pro] USER_LIBRARIES = \"/lib\": this line would not survive a "
-                        "save; mend it first (velmar-cfg prefs lint)\n"}));
+    EXPECT_EQ(
+        run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}),
+        (TOOL_RUN{4, "",
+                  "velmar-cfg: " + full_path() +
+                      ": lines that would not be kept as they were: 1\n"
+                      "velmar-cfg: line 2: 'USER_LIBRARIES = \"\"/lib\"\"': a save keeps these quotes, and the "
+                      "load behind it removes them\n"
+                      "velmar-cfg: " +
+                      full_path() +
+                      ": a save would also change USER_LIBRARIES from '\"/lib\"' to '/lib', as [General "
+                      "23.4_pro] says, since line 2 is not kept as it is; set that one first, or --allow-loss does it "
+                      "anyway\n"}));
     EXPECT_EQ(preferences(), quoted_twice);
     EXPECT_TRUE(other_files().empty());
 }
@@ -151,10 +159,17 @@ TEST_F(PREFS_EDIT, a_save_that_would_change_another_preference_is_not_made)
     // The empty section keeps the older value away, and a save does not keep empty sections.
     const char* const bytes = "[Messages 23.4_pro]\n[Messages 23.3_pro]\nSHOW_MESSAGE_ID = off\n";
     write_preferences(bytes);
-    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}),
-              (TOOL_RUN{4, "",
-                        "velmar-cfg: a save would also change SHOW_MESSAGE_ID from 'on' to 'off'; set that one "
-                        "first, so that this release has its own value\n"}));
+    EXPECT_EQ(
+        run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}),
+        (TOOL_RUN{
+            4, "",
+            "velmar-cfg: " + full_path() +
+                ": lines that would not be kept as they were: 1\n"
+                "velmar-cfg: line 1: '[Messages 23.4_pro]': a section without a value, which a save drops\n"
+                "velmar-cfg: " +
+                full_path() +
+                ": a save would also change SHOW_MESSAGE_ID from 'on' to 'off', as [Messages 23.3_pro] "
+                "says, since line 1 is not kept as it is; set that one first, or --allow-loss does it anyway\n"}));
     EXPECT_EQ(preferences(), bytes);
     EXPECT_EQ(run({"prefs", "set", "SHOW_MESSAGE_ID", "on"}).exit_code, 0);
     EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}).exit_code, 0);
@@ -165,18 +180,39 @@ TEST_F(PREFS_EDIT, dry_run_shows_the_difference_and_changes_nothing)
     const char* const commented = "# mine\n[General 23.4_pro]\nHDL_PREFERENCE=VHDL\nno preference\n";
     write_preferences(commented);
     const std::string path = full_path();
+    const std::string lost = "velmar-cfg: line 1: '# mine': this line says nothing, and a save drops it\n"
+                             "velmar-cfg: line 4: 'no preference': this line says nothing, and a save drops it\n";
     EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--dry-run"}),
               (TOOL_RUN{0,
                         "--- " + path + "\n+++ " + path +
                             " (new)\n@@ -1,4 +1,3 @@\n-# mine\n+\n [General 23.4_pro]\n-HDL_PREFERENCE=VHDL\n-no "
                             "preference\n+HDL_PREFERENCE = KHDL\n",
-                        "velmar-cfg: " + path +
-                            ": lines that are no preferences, such as comments, would not be kept: 2\n"}));
+                        "velmar-cfg: " + path + ": lines that would not be kept as they were: 2\n" + lost}));
     EXPECT_EQ(preferences(), commented);
     EXPECT_TRUE(other_files().empty());
 
     EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL"}).err,
-              "velmar-cfg: " + path + ": lines that are no preferences, such as comments, were not kept: 2\n");
+              "velmar-cfg: " + path + ": lines that were not kept as they were: 2\n" + lost);
+}
+
+// There is no copy that could be mistaken for the file, and so no directory for one.
+TEST_F(PREFS_EDIT, dry_run_needs_no_directory_to_write_to)
+{
+    write_preferences(normal_form);
+    std::filesystem::create_directory(temporary.path("home"));
+    write_file(temporary.path("home/velmar2.ini"), normal_form);
+    for (const std::string& directory : {temporary.path("cwd/user"), temporary.path("nowhere"), std::string("user")})
+    {
+        variables["TMPDIR"] = directory;
+        const TOOL_RUN tried = run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--dry-run"});
+        EXPECT_EQ(tried.exit_code, 0) << tried.err;
+        EXPECT_THAT(tried.out, EndsWith("-HDL_PREFERENCE = VHDL\n+HDL_PREFERENCE = KHDL\n"));
+        EXPECT_EQ(preferences(), normal_form);
+        EXPECT_EQ(read_file(temporary.path("home/velmar2.ini")), normal_form);
+        EXPECT_TRUE(other_files().empty());
+    }
+    variables["TMPDIR"] = temporary.path("nowhere");
+    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL"}), (TOOL_RUN{0, "", ""}));
 }
 
 TEST_F(PREFS_EDIT, json_tells_what_was_done)
@@ -186,13 +222,93 @@ TEST_F(PREFS_EDIT, json_tells_what_was_done)
                               {"value", "VHDL"},
                               {"path", full_path()},
                               {"changed", true},
+                              {"refusal", nullptr},
                               {"dry_run", false},
                               {"dropped_lines", 0},
+                              {"lost_lines", nlohmann::json::array()},
                               {"difference", ""}}));
     const nlohmann::json reset = run({"prefs", "reset", "HDL_PREFERENCE", "--json", "--dry-run"}).json();
     EXPECT_EQ(reset.at("value"), nullptr);
     EXPECT_EQ(reset.at("changed"), true);
     EXPECT_THAT(reset.at("difference").get<std::string>(), HasSubstr("\n-HDL_PREFERENCE = VHDL\n"));
+}
+
+// --- Lines that a save does not keep ---
+
+TEST_F(PREFS_EDIT, a_value_that_would_go_with_a_line_is_kept_unless_told_otherwise)
+{
+    const char* const bytes = "USER_LIBRARIES = /x\n# note\n[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n"
+                              "HDL_PREFERENCE = Verilog\n[Cloud 23.4_pro]\n";
+    write_preferences(bytes);
+    const std::string path = full_path();
+    const std::string lines =
+        " kept as they were: 4\n"
+        "velmar-cfg: line 1: 'USER_LIBRARIES = /x': a key line before any section is ignored, and a save drops it\n"
+        "velmar-cfg: line 2: '# note': this line says nothing, and a save drops it\n"
+        "velmar-cfg: line 5: 'HDL_PREFERENCE = Verilog': line 4 sets this key of this section already: the first one "
+        "counts, and a save drops this one\n"
+        "velmar-cfg: line 6: '[Cloud 23.4_pro]': a section without a value, which a save drops\n";
+    const std::string refused = "velmar-cfg: " + path + ": lines that would not be" + lines + "velmar-cfg: " + path +
+                                ": a save would lose or change the value in lines 1, 5; mend the file (see velmar-cfg "
+                                "prefs lint), or --allow-loss does it anyway\n";
+    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL"}), (TOOL_RUN{4, "", refused}));
+    EXPECT_EQ(preferences(), bytes);
+
+    // A dry run ends as the run would, and shows what it would have written.
+    const TOOL_RUN tried = run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--dry-run"});
+    EXPECT_EQ(tried.exit_code, 4);
+    EXPECT_EQ(tried.err, refused);
+    EXPECT_THAT(tried.out, HasSubstr("\n-USER_LIBRARIES = /x\n-# note\n"));
+
+    const TOOL_RUN as_json = run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--json"});
+    EXPECT_EQ(as_json.exit_code, 4);
+    EXPECT_EQ(as_json.json().at("changed"), false);
+    EXPECT_THAT(as_json.json().at("refusal").get<std::string>(), EndsWith("or --allow-loss does it anyway"));
+    EXPECT_EQ(as_json.json().at("lost_lines").at(2),
+              nlohmann::json(
+                  {{"line", 5}, {"reason", "duplicate"}, {"text", "HDL_PREFERENCE = Verilog"}, {"value_lost", true}}));
+    EXPECT_EQ(as_json.json().at("lost_lines").at(1).at("value_lost"), false);
+
+    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--allow-loss"}),
+              (TOOL_RUN{0, "", "velmar-cfg: " + path + ": lines that were not" + lines}));
+    EXPECT_EQ(preferences(), "\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n");
+}
+
+TEST_F(PREFS_EDIT, another_value_that_would_change_is_told_where_it_may)
+{
+    write_preferences("[Messages 23.4_pro]\n[Messages 23.3_pro]\nSHOW_MESSAGE_ID = off\n");
+    const TOOL_RUN edited = run({"prefs", "set", "HDL_PREFERENCE", "VHDL", "--allow-loss"});
+    EXPECT_EQ(edited.exit_code, 0);
+    EXPECT_THAT(edited.err, StartsWith("velmar-cfg: this also changes SHOW_MESSAGE_ID from 'on' to 'off', as [Messages "
+                                       "23.3_pro] says, since line 1 is not kept as it is\n"));
+}
+
+TEST_F(PREFS_EDIT, of_very_many_lost_lines_the_first_are_shown)
+{
+    std::string bytes;
+    for (int i = 1; i <= 60; ++i)
+        bytes += "# " + std::string(200, 'x') + "\n";
+    write_preferences(bytes);
+    const TOOL_RUN edited = run({"prefs", "set", "HDL_PREFERENCE", "VHDL"});
+    EXPECT_EQ(edited.exit_code, 0);
+    EXPECT_EQ(std::count(edited.err.begin(), edited.err.end(), '\n'), 52);
+    EXPECT_THAT(edited.err, HasSubstr("kept as they were: 60\n"));
+    EXPECT_THAT(edited.err, HasSubstr("velmar-cfg: line 50: '# " + std::string(98, 'x') + "...': this line"));
+    EXPECT_THAT(edited.err, EndsWith("velmar-cfg: and 10 more; --dry-run shows them all\n"));
+}
+
+TEST_F(PREFS_EDIT, a_section_that_is_spelt_otherwise_is_blamed_and_not_the_value)
+{
+    const char* const bytes = "[GENERAL 23.4_pro]\nx = y\n";
+    write_preferences(bytes);
+    EXPECT_EQ(
+        run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}),
+        (TOOL_RUN{4, "",
+                  "velmar-cfg: " + full_path() +
+                      ":1: the section [GENERAL 23.4_pro] differs from [General 23.4_pro] in letter case only, and "
+                      "a save would write HDL_PREFERENCE below it, where no lookup finds it; rename that "
+                      "section\n"}));
+    EXPECT_EQ(preferences(), bytes);
 }
 
 TEST_F(PREFS_EDIT, reset_leaves_the_preference_out)
@@ -216,7 +332,9 @@ TEST_F(PREFS_EDIT, reset_that_the_file_cannot_express_is_not_made)
     write_preferences(bytes);
     const TOOL_RUN reset = run({"prefs", "reset", "CLOUD_SERVER"});
     EXPECT_EQ(reset.exit_code, 4);
-    EXPECT_THAT(reset.err, HasSubstr("CLOUD_SERVER has no default that could be written"));
+    EXPECT_EQ(reset.err, "velmar-cfg: " + full_path() +
+                             ":1: the section [Cloud 23.3_pro] gives CLOUD_SERVER the value 'host', and there is no "
+                             "default that could be written above it; remove the value there\n");
     EXPECT_EQ(preferences(), bytes);
 }
 
@@ -257,6 +375,51 @@ TEST_F(PREFS_EDIT, a_symbolic_link_stays_one)
     EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}).exit_code, 0);
     EXPECT_TRUE(std::filesystem::is_symlink(file));
     EXPECT_EQ(read_file("elsewhere/prefs.txt"), normal_form);
+}
+
+TEST_F(PREFS_EDIT, root_follows_no_link_that_a_user_planted)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can give links away";
+    write_file("elsewhere/secret", normal_form);
+    std::filesystem::create_symlink("../elsewhere/secret", file);
+    ASSERT_EQ(lchown(file, 4711, 4711), 0);
+    for (const char* const mode : {"--wait=0", "--dry-run"})
+    {
+        const TOOL_RUN edited = run({"prefs", "set", "HDL_PREFERENCE", "KHDL", mode});
+        EXPECT_EQ(edited.exit_code, 4);
+        EXPECT_THAT(edited.err, HasSubstr("is a link that belongs to the user number 4711"));
+    }
+    EXPECT_EQ(read_file("elsewhere/secret"), normal_form);
+}
+
+TEST_F(PREFS_EDIT, hard_links_and_read_only_files_are_changed_when_told)
+{
+    write_preferences(normal_form);
+    std::filesystem::create_hard_link(file, "other");
+    ASSERT_EQ(chmod(file, 0444), 0);
+    const TOOL_RUN linked = run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--replace-read-only"});
+    EXPECT_EQ(linked.exit_code, 4);
+    EXPECT_THAT(linked.err, HasSubstr("--break-hard-links does it anyway"));
+    const TOOL_RUN read_only = run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--break-hard-links"});
+    EXPECT_EQ(read_only.exit_code, 4);
+    EXPECT_THAT(read_only.err, HasSubstr("--replace-read-only does it anyway"));
+    EXPECT_EQ(preferences(), normal_form);
+    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--break-hard-links", "--replace-read-only"}),
+              (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(read_file("other"), normal_form);
+}
+
+TEST_F(PREFS_EDIT, a_failure_to_tell_does_not_hide_the_change)
+{
+    write_preferences(normal_form);
+    const pid_t child = start({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--json"}, "/dev/full");
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(WEXITSTATUS(status), 4);
+    EXPECT_THAT(read_file(temporary.path("standard_error")),
+                StartsWith("velmar-cfg: " + full_path() + " was changed; standard output: "));
+    EXPECT_EQ(preferences(), "\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n");
 }
 
 TEST_F(PREFS_EDIT, a_link_in_a_circle_is_named)
@@ -324,7 +487,7 @@ TEST_F(PREFS_EDIT, waits_only_so_long_for_another_run)
     EXPECT_EQ(preferences(), normal_form);
     close(lock);
     EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--wait", "0"}), (TOOL_RUN{0, "", ""}));
-    EXPECT_TRUE(other_files().empty());
+    EXPECT_THAT(other_files(), testing::ElementsAre("velmar2.ini.lock")); // which no velmar-cfg made
 }
 
 TEST_F(PREFS_EDIT, runs_at_the_same_time_lose_nothing)
@@ -348,12 +511,30 @@ TEST_F(PREFS_EDIT, runs_at_the_same_time_lose_nothing)
 TEST_F(PREFS_EDIT, what_a_killed_run_left_is_removed_and_nothing_else)
 {
     write_preferences(normal_form);
-    write_file("user/velmar2.ini.edit-a1B2c3/velmar2.ini", "half");
-    write_file("user/velmar2.ini.edit-keep/velmar2.ini", "not one of ours: another length");
-    write_file("user/velmar2.ini.edit-A1B2C3/letter", "not ours");
-    write_file("user/velmar2.ini.lock", "");
-    ASSERT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL"}).exit_code, 0);
-    EXPECT_THAT(other_files(), testing::UnorderedElementsAre("velmar2.ini.edit-keep", "velmar2.ini.edit-A1B2C3"));
-    EXPECT_TRUE(std::filesystem::exists("user/velmar2.ini.edit-A1B2C3/letter"));
+    write_file("user/velmar2.ini.velmar-cfg-0123456789ab.tmp", "half");
+    write_file("user/velmar2.ini.velmar-cfg-0123456789aX.tmp", "not ours: no such number");
+    write_file("user/velmar2.ini.velmar-cfg-0123456789.tmp", "not ours: another length");
+    write_file("user/velmar2.ini.velmar-cfg-0123456789ab.txt", "not ours: another end");
+    write_file("user/other.ini.velmar-cfg-0123456789ab.tmp", "another file's");
+    write_file("user/velmar2.ini.velmar-cfg-0123456789ac.tmp/x", "a directory's");
+    write_file("user/velmar2.ini.lock", "A lock of velmar-cfg, which removes it.\n");
+    ASSERT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_THAT(other_files(), testing::UnorderedElementsAre(
+                                   "velmar2.ini.velmar-cfg-0123456789aX.tmp", "velmar2.ini.velmar-cfg-0123456789.tmp",
+                                   "velmar2.ini.velmar-cfg-0123456789ab.txt", "other.ini.velmar-cfg-0123456789ab.tmp",
+                                   "velmar2.ini.velmar-cfg-0123456789ac.tmp"));
+}
+
+TEST_F(PREFS_EDIT, a_file_of_the_lock_s_name_that_is_the_user_s_own_stays)
+{
+    for (const std::string bytes : {"", "mine\n", "A lock of velmar-cfg, which removes it.\nNot this one.\n"})
+    {
+        write_preferences(normal_form);
+        write_file("user/velmar2.ini.lock", bytes);
+        ASSERT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL"}), (TOOL_RUN{0, "", ""})) << bytes;
+        ASSERT_EQ(preferences(), "\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n");
+        EXPECT_EQ(read_file("user/velmar2.ini.lock"), bytes);
+        EXPECT_THAT(other_files(), testing::ElementsAre("velmar2.ini.lock"));
+    }
 }
 }

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <map>
+#include <random>
 #include <set>
 
 #include "cfg_ini/cfg_ini.h"
@@ -312,6 +313,30 @@ TEST_F(SETTINGS_MODEL, finds_many_names)
         ASSERT_EQ(settings.value_of(*variable), std::to_string(i));
     }
     EXPECT_EQ(settings.find("name_5000"), nullptr);
+}
+
+TEST_F(SETTINGS_MODEL, orders_names_that_begin_alike_by_their_bytes)
+{
+    // More than a group that is compared whole, at every length about eight, sixteen and twenty-four equal bytes.
+    std::set<std::string> expected = {""};
+    for (std::size_t equal = 0; equal < 26; ++equal)
+    {
+        for (const char* const end :
+             {"", "A", "b", "\x01", "\x7f", "\xc3\xa9", "\xff", "bb", "bbbbbbbb", "bbbbbbbbb", "_"})
+            expected.insert(std::string(equal, 'x') + end);
+    }
+    std::vector<std::string> shuffled(expected.begin(), expected.end());
+    std::ranges::shuffle(shuffled, std::minstd_rand(20));
+    std::string text;
+    for (const std::string& name : shuffled)
+        text += name + "=12\n";
+    write_file("velmar.ini", text);
+    INPUT_FILES files;
+    const SETTINGS settings(load_layers({}, files));
+    std::vector<std::string> names;
+    for (const std::uint32_t variable : settings.order_by_name())
+        names.emplace_back(settings.name_of(settings.variables()[variable]));
+    EXPECT_THAT(names, testing::ElementsAreArray(expected));
 }
 
 TEST_F(SETTINGS_MODEL, is_empty_without_layers)

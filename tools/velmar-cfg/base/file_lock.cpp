@@ -1,48 +1,124 @@
+// A lock file comes into being under another name, with its content and locked, and is then renamed: nobody can find it
+// unlocked, and by its content it is told from a file that a user happens to have under that name.
+//
+// Invariants:
+// - A lock counts only on the file that has the name after it was locked: between the opening and the locking, the last
+//   owner may have removed the file.
+// - The name is removed only while the file is locked, and only from a file with the content.
 #include "tools/velmar-cfg/base/file_lock.h"
 
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <string_view>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 
-#include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/base/staged_file.h"
 
-FILE_LOCK::FILE_LOCK(const std::string& lock_file, std::chrono::milliseconds patience) : path(lock_file)
+namespace
+{
+constexpr std::string_view mark = "A lock of velmar-cfg, which removes it.\n";
+
+bool has_mark(int file)
+{
+    std::array<char, mark.size() + 1> content;
+    const ssize_t size = pread(file, content.data(), content.size(), 0);
+    return size == static_cast<ssize_t>(mark.size()) && mark == std::string_view(content.data(), mark.size());
+}
+}
+
+FILE_LOCK::FILE_LOCK(const FILE_PLACE& changed, MOMENT deadline)
+    : place(changed), name(changed.name() + ".lock"), path(changed.path() + ".lock")
 {
     constexpr std::chrono::milliseconds pause(20);
-    const auto deadline = std::chrono::steady_clock::now() + patience;
     while (!try_to_lock())
     {
         if (std::chrono::steady_clock::now() >= deadline)
-            throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN, path +
-                                                         ": another velmar-cfg holds this lock; run the command again "
-                                                         "when it has ended");
+            fail_to_write(path, holder() + " holds this lock; run the command again when it has ended");
         std::this_thread::sleep_for(pause);
     }
 }
 
 FILE_LOCK::~FILE_LOCK()
 {
-    unlink(path.c_str()); // while it is locked, so that nobody can have locked this very file
-    close(file);
+    if (is_ours)
+        unlinkat(place.directory(), name.c_str(), 0); // while it is locked
 }
 
 bool FILE_LOCK::try_to_lock()
 {
-    file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-    if (file < 0)
-        throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN, path + ": " + std::strerror(errno) +
-                                                     "; the directory must be writable to change the file safely");
-    // Between opening and locking, the last owner may have removed the file: a lock on it would keep nobody out.
+    constexpr int flags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
+    int opened = openat(place.directory(), name.c_str(), O_RDWR | flags);
+    // Another user's may be read, which is enough for a lock.
+    if (opened < 0 && (errno == EACCES || errno == EROFS))
+        opened = openat(place.directory(), name.c_str(), O_RDONLY | flags);
+    if (opened < 0 && errno == ENOENT)
+        return make_locked();
+    if (opened < 0 && errno == ELOOP)
+        fail_to_write(path, "is a link, where velmar-cfg keeps its lock; remove it");
+    struct stat found;
+    if (opened < 0 && errno == EACCES && fstatat(place.directory(), name.c_str(), &found, AT_SYMLINK_NOFOLLOW) == 0)
+        return false; // another user's that only he may read
+    if (opened < 0)
+        fail_to_write(path, std::strerror(errno));
+    OPEN_FILE existing(opened);
+    if (fstat(opened, &found) != 0 || !S_ISREG(found.st_mode))
+        fail_to_write(path, "is no file, where velmar-cfg keeps its lock; remove it");
+    return lock_existing(existing);
+}
+
+bool FILE_LOCK::lock_existing(OPEN_FILE& opened)
+{
+    if (flock(opened.get(), LOCK_EX | LOCK_NB) != 0)
+    {
+        if (errno == EWOULDBLOCK || errno == EINTR)
+            return false;
+        fail_to_write(path, std::strerror(errno) + std::string("; this file system cannot lock files, so the file "
+                                                               "cannot be changed safely"));
+    }
+    if (!is_named(opened.get()))
+        return false;
+    is_ours = has_mark(opened.get());
+    // What another user's killed run left: one's own instead, so that others are told who holds the lock.
+    struct stat found;
+    if (is_ours && fstat(opened.get(), &found) == 0 && found.st_uid != geteuid() &&
+        unlinkat(place.directory(), name.c_str(), 0) == 0)
+        return make_locked();
+    file.swap(opened);
+    return true;
+}
+
+bool FILE_LOCK::make_locked()
+{
+    NEW_FILE made(place, 0644, path); // so that other users can lock it as well
+    made.write(mark);
+    fchmod(made.descriptor(), 0644); // whatever the process's mask
+    if (flock(made.descriptor(), LOCK_EX | LOCK_NB) != 0)
+        fail_to_write(path, std::strerror(errno) + std::string("; this file system cannot lock files, so the file "
+                                                               "cannot be changed safely"));
+    if (!made.rename_to_new(name))
+        return false; // another run was faster
+    file.swap(made.opened());
+    is_ours = true;
+    return true;
+}
+
+bool FILE_LOCK::is_named(int opened) const
+{
     struct stat locked;
     struct stat named;
-    if (flock(file, LOCK_EX | LOCK_NB) == 0 && fstat(file, &locked) == 0 && stat(path.c_str(), &named) == 0 &&
-        locked.st_dev == named.st_dev && locked.st_ino == named.st_ino)
-        return true;
-    close(file);
-    file = -1;
-    return false;
+    return fstat(opened, &locked) == 0 && fstatat(place.directory(), name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+           locked.st_dev == named.st_dev && locked.st_ino == named.st_ino;
+}
+
+std::string FILE_LOCK::holder() const
+{
+    struct stat found;
+    if (fstatat(place.directory(), name.c_str(), &found, AT_SYMLINK_NOFOLLOW) != 0 || found.st_uid == geteuid())
+        return "another velmar-cfg";
+    return "a velmar-cfg of the user " + user_in_words(found.st_uid);
 }

@@ -1,27 +1,38 @@
-// A lock among runs of velmar-cfg.
+// A lock among runs of velmar-cfg that change the same file.
 #ifndef TOOLS_VELMAR_CFG_BASE_FILE_LOCK_H
 #define TOOLS_VELMAR_CFG_BASE_FILE_LOCK_H
 
-#include <chrono>
 #include <string>
 
-// Holds the lock while it lives. The lock is on a file that is made for it and removed at the end; a run that was
-// killed leaves the file behind, but no lock on it.
+#include "tools/velmar-cfg/base/file_place.h"
+#include "tools/velmar-cfg/base/open_file.h"
+#include "tools/velmar-cfg/base/settled_file.h"
+
+// Holds the lock while it lives: on a file beside the one that is to change, of its name and ".lock", that is made for
+// it and removed at the end. A run that was killed leaves the file behind, but no lock on it, and the next run removes
+// it. A file of that name that no run of velmar-cfg made is locked as well, and stays.
 class FILE_LOCK
 {
 public:
-    // Waits for a run that holds the lock, but not longer than `patience`. Throws TOOL_ERROR(NOT_WRITTEN) when it has
-    // to give up or the file cannot be made.
-    FILE_LOCK(const std::string& lock_file, std::chrono::milliseconds patience);
+    // Waits for whoever holds the lock, but not beyond the deadline. Throws TOOL_ERROR(NOT_WRITTEN) when it has to give
+    // up, and names the user whose run holds the lock; and when the lock cannot be had at all.
+    FILE_LOCK(const FILE_PLACE& changed, MOMENT deadline);
     ~FILE_LOCK();
     FILE_LOCK(const FILE_LOCK&) = delete;
     FILE_LOCK& operator=(const FILE_LOCK&) = delete;
 
 private:
     bool try_to_lock();
+    bool lock_existing(OPEN_FILE& opened);
+    bool make_locked();
+    bool is_named(int opened) const;
+    std::string holder() const;
 
-    const std::string path;
-    int file = -1;
+    const FILE_PLACE& place;
+    const std::string name;
+    const std::string path; // for messages
+    OPEN_FILE file;
+    bool is_ours = false; // to be removed
 };
 
 #endif

@@ -63,6 +63,16 @@ std::string read_to_end(int file, std::size_t expected_size, std::string& bytes)
 }
 }
 
+INPUT_FILE read_open_file(int file, const std::string& path)
+{
+    INPUT_FILE result{path, {}, {}};
+    struct stat found;
+    result.problem = fstat(file, &found) != 0 ? problem_of_errno(not_found) : problem_of_type(found);
+    if (result.problem.empty())
+        result.problem = read_to_end(file, static_cast<std::size_t>(found.st_size), result.bytes);
+    return result;
+}
+
 INPUT_FILE read_whole_file(const std::string& path)
 {
     INPUT_FILE result{path, {}, {}};
@@ -85,9 +95,7 @@ INPUT_FILE read_whole_file(const std::string& path)
         return result;
     }
     // Another file may stand there by now.
-    result.problem = fstat(file, &found) != 0 ? problem_of_errno(not_found) : problem_of_type(found);
-    if (result.problem.empty())
-        result.problem = read_to_end(file, static_cast<std::size_t>(found.st_size), result.bytes);
+    result = read_open_file(file, path);
     close(file);
     return result;
 }

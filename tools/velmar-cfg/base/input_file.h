@@ -27,6 +27,9 @@ struct INPUT_FILE
 // as a problem.
 INPUT_FILE read_whole_file(const std::string& path);
 
+// The same for a file that is open at its beginning, and stays open. `path` is for messages.
+INPUT_FILE read_open_file(int file, const std::string& path);
+
 // The same for a file that the user named to be read once, to its end: "-" is standard input, and a pipe or a device is
 // waited for. Standard input can be read once.
 INPUT_FILE read_named_file(const std::string& path);

@@ -23,6 +23,20 @@ std::size_t tolerated_distance(std::size_t length)
 
 std::size_t edit_distance(std::string_view a, std::string_view b)
 {
+    // What both begin or end with takes no step.
+    const std::size_t shorter = std::min(a.size(), b.size());
+    std::size_t alike = 0;
+    while (alike < shorter && folded(a[alike]) == folded(b[alike]))
+        ++alike;
+    a.remove_prefix(alike);
+    b.remove_prefix(alike);
+    while (!a.empty() && !b.empty() && folded(a.back()) == folded(b.back()))
+    {
+        a.remove_suffix(1);
+        b.remove_suffix(1);
+    }
+    if (a.empty() || b.empty())
+        return a.size() + b.size();
     // Distances from the first letters of `a` to the first 0, 1, 2, ... of `b`: the row being filled and the two
     // before.
     std::vector<std::size_t> before_last(b.size() + 1);

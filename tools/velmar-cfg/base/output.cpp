@@ -73,11 +73,11 @@ void OUTPUT::write(std::string_view text)
         finish();
 }
 
-std::string OUTPUT::painted(STYLE style, std::string_view text) const
+std::string OUTPUT::painted(STYLE style, std::string text) const
 {
     if (!colored || style == STYLE::PLAIN || text.empty())
-        return std::string(text);
-    return escape_sequence(style) + std::string(text) + "\x1b[0m";
+        return text;
+    return escape_sequence(style) + text + "\x1b[0m";
 }
 
 void OUTPUT::finish()

@@ -38,7 +38,7 @@ public:
     }
 
     // `text` in that style; as it is when there is no colour.
-    std::string painted(STYLE style, std::string_view text) const;
+    std::string painted(STYLE style, std::string text) const;
 
     // The columns of a line: what COLUMNS says, or the terminal; 80 for neither.
     std::size_t width() const;

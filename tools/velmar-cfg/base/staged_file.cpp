@@ -1,109 +1,238 @@
+// The target is replaced by an exchange of the two names, after which the old file is still at hand. If another program
+// turns out to have been faster, the exchange is undone: no save of another program is lost, at whatever moment it
+// comes.
+//
+//     lease on the old file        nobody has it open for writing; who opens it from now on waits
+//     look at it for the last time by device, number, size, times and bytes
+//     exchange                     who opens the target from now on opens the new file
+//     look at the lease            who waits for it wants to write to the old file: exchange back
+//     remove the old file
+//
+// Without leases, only a change that can be seen right behind the exchange is noticed; without exchanges, none.
 #include "tools/velmar-cfg/base/staged_file.h"
 
+#include <array>
 #include <cerrno>
+#include <csignal>
+#include <cstdio>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <string_view>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <sys/random.h>
 #include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
 
-#include "cfg_run_report/whole_file.h"
-#include "tools/velmar-cfg/base/errors.h"
-#include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/base/file_attributes.h"
+#include "tools/velmar-cfg/base/text.h"
 
 namespace
 {
-constexpr std::string_view infix = ".edit-";
-constexpr std::string_view unique_part = "XXXXXX";
+constexpr std::string_view infix = ".velmar-cfg-";
+constexpr std::string_view suffix = ".tmp";
+constexpr std::size_t random_bytes = 6;
 
-[[noreturn]] void fail(const std::string& path, const std::string& what)
-{
-    throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN, path + ": " + what);
-}
+constexpr const char* nothing_changed = "; nothing was changed";
 
-[[noreturn]] void fail_with_errno(const std::string& path, const char* then)
+std::string new_name_beside(const std::string& name)
 {
-    fail(path, std::strerror(errno) + std::string(then));
-}
-
-std::string parent_of(const std::string& path)
-{
-    const std::string parent = std::filesystem::path(path).parent_path().string();
-    return parent.empty() ? "." : parent;
-}
-
-bool exists(const std::string& path)
-{
-    struct stat found;
-    return stat(path.c_str(), &found) == 0;
-}
-}
-
-STAGED_FILE::STAGED_FILE(const std::string& the_target, const std::string& file_name, bool beside_target)
-    : target(the_target), name(file_name)
-{
-    std::error_code error;
-    const std::string location =
-        beside_target ? target : (std::filesystem::temp_directory_path(error) / file_name).string();
-    staging = location + std::string(infix) + std::string(unique_part);
-    if (error || mkdtemp(staging.data()) == nullptr)
-        fail_with_errno(parent_of(location), "; the directory must be writable");
-    try
+    std::array<char, random_bytes> bytes = {};
+    while (getrandom(bytes.data(), bytes.size(), 0) < 0 && errno == EINTR)
     {
-        if (!exists(target))
-            return;
-        before = read_input_file(target);
-        std::ofstream copy(path(), std::ios::binary);
-        copy << before;
-        copy.close();
-        if (!copy)
-            fail(path(), "cannot be written; nothing was changed");
     }
-    catch (...)
+    return name + std::string(infix) + as_hexadecimal({bytes.data(), bytes.size()}) + std::string(suffix);
+}
+
+bool is_such_a_name(std::string_view entry, const std::string& name)
+{
+    const std::string prefix = name + std::string(infix);
+    if (entry.size() != prefix.size() + 2 * random_bytes + suffix.size() || !entry.starts_with(prefix) ||
+        !entry.ends_with(suffix))
+        return false;
+    return from_hexadecimal(entry.substr(prefix.size(), 2 * random_bytes)).has_value();
+}
+
+bool cannot_do_that(int error)
+{
+    return error == EINVAL || error == ENOSYS || error == EOPNOTSUPP;
+}
+
+// While it lives, who opens the file for writing waits; at the longest for as long as the system lets them.
+class WRITERS_WAIT
+{
+public:
+    explicit WRITERS_WAIT(int opened) : file(opened)
     {
-        std::filesystem::remove_all(staging, error);
-        throw;
+        fcntl(file, F_SETSIG, SIGURG); // a signal for who waits, which is ignored unless somebody asks for it
+        is_held = fcntl(file, F_SETLEASE, F_RDLCK) == 0;
+        is_open_for_writing = !is_held && errno == EAGAIN;
+    }
+    ~WRITERS_WAIT()
+    {
+        if (is_held)
+            fcntl(file, F_SETLEASE, F_UNLCK);
+    }
+    WRITERS_WAIT(const WRITERS_WAIT&) = delete;
+    WRITERS_WAIT& operator=(const WRITERS_WAIT&) = delete;
+
+    // Whether a program has it open for writing, or waits for that.
+    bool is_wanted() const
+    {
+        return is_open_for_writing || (is_held && fcntl(file, F_GETLEASE) != F_RDLCK);
+    }
+
+private:
+    const int file;
+    bool is_held;
+    bool is_open_for_writing;
+};
+}
+
+// --- A new file ---
+
+NEW_FILE::NEW_FILE(const FILE_PLACE& beside, mode_t mode, std::string the_path)
+    : place(beside), path(std::move(the_path)), name(new_name_beside(beside.name()))
+{
+    file = OPEN_FILE(openat(place.directory(), name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
+    if (file.get() >= 0)
+        return;
+    fail_to_write(path,
+                  std::strerror(errno) + std::string("; the directory must be writable to change the file safely"));
+}
+
+NEW_FILE::~NEW_FILE()
+{
+    if (!name.empty())
+        unlinkat(place.directory(), name.c_str(), 0);
+}
+
+void NEW_FILE::write(std::string_view bytes)
+{
+    while (!bytes.empty())
+    {
+        const ssize_t written = ::write(file.get(), bytes.data(), bytes.size());
+        if (written >= 0)
+            bytes.remove_prefix(static_cast<std::size_t>(written));
+        else if (errno != EINTR)
+            fail_to_write(path, std::strerror(errno) + std::string(nothing_changed));
     }
 }
 
-STAGED_FILE::~STAGED_FILE()
+bool NEW_FILE::rename_to_new(const std::string& new_name)
 {
-    std::error_code ignored;
-    std::filesystem::remove_all(staging, ignored);
+    const int directory = place.directory();
+    bool done = renameat2(directory, name.c_str(), directory, new_name.c_str(), RENAME_NOREPLACE) == 0;
+    if (!done && cannot_do_that(errno))
+    {
+        done = linkat(directory, name.c_str(), directory, new_name.c_str(), 0) == 0;
+        if (done)
+            unlinkat(directory, name.c_str(), 0);
+    }
+    if (!done && errno != EEXIST && errno != ENOENT)
+        fail_to_write(path, std::strerror(errno) + std::string(nothing_changed));
+    if (done)
+        name.clear();
+    return done;
 }
 
-void STAGED_FILE::replace_target()
+int NEW_FILE::exchange_with(const std::string& other_name)
 {
-    // Programs that save preferences themselves know nothing of the lock.
-    const std::string now = exists(target) ? read_input_file(target) : std::string();
-    if (now != before)
-        fail(target, "another program changed it meanwhile; nothing was changed, run the command again");
-    try
-    {
-        if (const std::error_code not_lasting = replace_file(path(), target, FILE_OWNER::KEPT))
-            fail(target, "was changed, but a power cut may undo that: " + not_lasting.message());
-    }
-    catch (const OWNER_NOT_KEPT&)
-    {
-        fail(target, "belongs to somebody else, and its owner could not be kept; nothing was changed");
-    }
-    catch (const std::system_error& error)
-    {
-        fail(target, error.code().message() + "; nothing was changed");
-    }
+    const int directory = place.directory();
+    return renameat2(directory, name.c_str(), directory, other_name.c_str(), RENAME_EXCHANGE) == 0 ? 0 : errno;
 }
 
-void remove_abandoned_staging(const std::string& target, const std::string& file_name)
+void NEW_FILE::rename_over(const std::string& other_name)
 {
-    const std::string prefix = std::filesystem::path(target).filename().string() + std::string(infix);
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(parent_of(target), error))
+    const bool done = renameat(place.directory(), name.c_str(), place.directory(), other_name.c_str()) == 0;
+    const int error = errno;
+    // Over a network, the answer to a rename that was done may be that it failed.
+    if (!done && !is_at(other_name))
+        fail_to_write(path, std::strerror(error) + std::string(nothing_changed));
+    name.clear();
+}
+
+bool NEW_FILE::is_at(const std::string& other_name) const
+{
+    struct stat own;
+    struct stat named;
+    return fstat(file.get(), &own) == 0 &&
+           fstatat(place.directory(), other_name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+           own.st_dev == named.st_dev && own.st_ino == named.st_ino;
+}
+
+// --- The new content of a file ---
+
+STAGED_FILE::STAGED_FILE(const FILE_PLACE& target, const SEEN_FILE& old_file, std::string_view bytes)
+    : place(target), old(old_file), made(target, old_file.exists() ? 0600 : 0666, target.path())
+{
+    made.write(bytes);
+    if (old.exists())
     {
-        const std::string entry_name = entry.path().filename().string();
-        if (!entry_name.starts_with(prefix) || entry_name.size() != prefix.size() + unique_part.size() ||
-            !entry.is_directory(error) || entry.is_symlink(error))
-            continue;
-        std::filesystem::remove(entry.path() / file_name, error);
-        std::filesystem::remove(entry.path(), error); // stays if something else is in it
+        if (const std::string problem = take_over_attributes(old.descriptor(), made.descriptor()); !problem.empty())
+            fail_to_write(place.path(), problem + nothing_changed);
+    }
+    if (fsync(made.descriptor()) != 0)
+        fail_to_write(place.path(), std::strerror(errno) + std::string(nothing_changed));
+}
+
+bool STAGED_FILE::replace_target()
+{
+    if (!(old.exists() ? replace_existing() : made.rename_to_new(place.name())))
+        return false;
+    synchronise_directory();
+    return true;
+}
+
+bool STAGED_FILE::replace_existing()
+{
+    const WRITERS_WAIT lease(old.descriptor());
+    if (lease.is_wanted() || !old.is_still_at(place))
+        return false;
+    const int error = made.exchange_with(place.name());
+    if (cannot_do_that(error))
+    {
+        made.rename_over(place.name());
+        return true;
+    }
+    if (error != 0)
+        fail_to_write(place.path(), std::strerror(error) + std::string(nothing_changed));
+    if (!lease.is_wanted() && old.is_unwritten())
+        return true;
+    if (made.exchange_with(place.name()) == 0)
+        return false;
+    const std::string left = made.current_name();
+    made.forget();
+    fail_to_write(place.path(), "was changed in the moment in which another program saved it; what that program saves "
+                                "is in " +
+                                    left + " beside it");
+}
+
+void STAGED_FILE::synchronise_directory() const
+{
+    const OPEN_FILE directory(openat(place.directory(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // A directory need not be readable for its files to be changed; and some file systems have nothing to synchronise,
+    // and say so.
+    const bool done = directory.get() >= 0
+                          ? fsync(directory.get()) == 0 || errno == EINVAL
+                          : errno == EACCES && syncfs(old.exists() ? old.descriptor() : made.descriptor()) == 0;
+    if (!done)
+        fail_to_write(place.path(), "was changed, but a power cut may undo that: " + std::string(std::strerror(errno)));
+}
+
+void remove_abandoned_files(const FILE_PLACE& place)
+{
+    const OPEN_FILE opened(openat(place.directory(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (opened.get() < 0)
+        return;
+    const std::unique_ptr<DIR, int (*)(DIR*)> directory(fdopendir(fcntl(opened.get(), F_DUPFD_CLOEXEC, 0)), closedir);
+    if (directory == nullptr)
+        return;
+    while (const dirent* const entry = readdir(directory.get()))
+    {
+        struct stat found;
+        if (is_such_a_name(entry->d_name, place.name()) &&
+            fstatat(place.directory(), entry->d_name, &found, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(found.st_mode))
+            unlinkat(place.directory(), entry->d_name, 0);
     }
 }

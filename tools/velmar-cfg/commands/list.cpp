@@ -73,9 +73,11 @@ EXIT_CODE list(const LIST_OPTIONS& options, TOOL& tool)
     if (tool.options.json)
         json.begin_list();
     bool found = false;
-    for (const std::uint32_t index : settings.order_by_name())
+    const std::vector<std::uint32_t> order = settings.order_by_name();
+    for (std::size_t i = 0; i < order.size(); ++i)
     {
-        const VARIABLE& variable = settings.variables()[index];
+        settings.fetch_ahead(order, i);
+        const VARIABLE& variable = settings.variables()[order[i]];
         if (!wanted(options, settings, variable))
             continue;
         found = true;

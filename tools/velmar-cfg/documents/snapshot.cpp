@@ -20,6 +20,7 @@ SNAPSHOT_VARIABLE SNAPSHOT_VARIABLES::operator[](std::size_t index) const
 {
     if (!settings)
         return rows[index];
+    settings->fetch_ahead(order, index); // most walk over them all
     const VARIABLE& variable = settings->variables()[order[index]];
     const std::string_view value = settings->value_of(variable);
     return {settings->name_of(variable),     value,           variable.layers.mark_external(),

@@ -1,41 +1,46 @@
-// Changing preferences in the file without risk: the library rewrites a copy, the copy is read back and compared, and
-// only then does it take the file's place.
+// Changing preferences in the file without risk: the new file is planned from the old one's bytes, written beside it,
+// and takes its place if no other program has changed it meanwhile.
 #ifndef TOOLS_VELMAR_CFG_PREFERENCES_PREFERENCE_EDIT_H
 #define TOOLS_VELMAR_CFG_PREFERENCES_PREFERENCE_EDIT_H
 
 #include <chrono>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "tools/velmar-cfg/preferences/library_preferences.h"
+#include "tools/velmar-cfg/preferences/preference_plan.h"
 
-struct PREFERENCE_CHANGE
+// What an edit does only if it is told to.
+struct EDIT_PERMISSIONS
 {
-    CFG_USER_INI_ENUMS number;
-    std::optional<std::string> value; // nothing: back to the default
+    bool lose_values = false;       // --allow-loss: values go or change beside the one that is to change
+    bool break_hard_links = false;  // --break-hard-links: the other names keep the old file
+    bool replace_read_only = false; // --replace-read-only: the mode says that nobody should write
 };
 
 struct EDITED_FILE
 {
     std::string path; // the preference file, links followed
     std::string before;
-    std::string after;
-    std::vector<std::string> warnings; // what else the edit changes
-    std::size_t dropped_lines = 0;     // of `before`: lines that the library ignores, and so does not write
+    PREFERENCE_PLAN plan;
+    std::string refusal; // why the file was not changed, or in a dry run would not be; empty when it was, or would be
 
     bool changed() const
     {
-        return before != after;
+        return refusal.empty() && before != plan.after;
     }
 };
 
-// Makes the change and returns the file before and after; with `dry_run` the file stays as it is. No other preference
-// changes its value: those carried over from older releases are written out where the change would end that.
+// What the change would do. Nothing is written and nothing is locked. Throws as below.
+EDITED_FILE try_preference_change(const PREFERENCE_CHANGE& change, const EDIT_PERMISSIONS& permissions,
+                                  std::chrono::milliseconds patience);
+
+// Makes the change, unless there is a refusal. No other preference changes its value: those carried over from older
+// releases are written out where the change would end that.
 //
-// Waits up to `patience` for another velmar-cfg. Throws TOOL_ERROR: REFUSED for a value that the catalogue does not
-// allow or that the file cannot hold, BAD_INPUT for a file that cannot be read, NOT_WRITTEN for everything else; the
-// file is then untouched.
-EDITED_FILE edit_preference(const PREFERENCE_CHANGE& change, bool dry_run, std::chrono::milliseconds patience);
+// Waits up to `patience` for another velmar-cfg, and for other programs that write the file. Throws TOOL_ERROR: REFUSED
+// for a value that the catalogue does not allow or that no file can hold, BAD_INPUT for a file that cannot be read,
+// NOT_WRITTEN for everything else. The file is then untouched, unless the text says otherwise.
+EDITED_FILE change_preference(const PREFERENCE_CHANGE& change, const EDIT_PERMISSIONS& permissions,
+                              std::chrono::milliseconds patience);
 
 #endif

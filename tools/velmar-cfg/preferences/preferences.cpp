@@ -8,6 +8,7 @@
 #include "platform/ver/ver.h"
 #include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
+#include "tools/velmar-cfg/preferences/preference_lines.h"
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
 
 using namespace zon_cfg;
@@ -111,21 +112,16 @@ PREFERENCES preferences_in(const INPUT_FILE* file, SECRETS& secrets)
 
 PREFERENCES::PREFERENCES(std::string_view bytes)
 {
-    std::string section;
-    while (!bytes.empty())
-    {
-        const std::string_view text = bytes.substr(0, bytes.find('\n'));
-        bytes.remove_prefix(std::min(text.size() + 1, bytes.size()));
-        PREFERENCE_LINE line = classify_preference_line(text);
-        if (line.kind == PREFERENCE_LINE_KIND::HEADER)
+    for_each_preference_line(
+        bytes,
+        [this](std::size_t, std::string_view, const PREFERENCE_LINE& line, const std::string& section)
         {
-            section = std::move(line.section);
-            sections.insert(section);
-        }
-        // The first line of a key counts.
-        else if (line.kind == PREFERENCE_LINE_KIND::KEY && !section.empty())
-            records.try_emplace(section + line.name, RECORD{section, std::move(line.value)});
-    }
+            if (line.kind == PREFERENCE_LINE_KIND::HEADER)
+                sections.insert(section);
+            // The first line of a key counts.
+            else if (line.kind == PREFERENCE_LINE_KIND::KEY && !section.empty())
+                records.try_emplace(section + line.name, RECORD{section, line.value});
+        });
 }
 
 const PREFERENCES::RECORD* PREFERENCES::find(const std::string& section, const std::string& key) const

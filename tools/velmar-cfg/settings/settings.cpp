@@ -1,9 +1,11 @@
 #include "tools/velmar-cfg/settings/settings.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
+#include <cstring>
 #include <functional>
-#include <numeric>
+#include <span>
 
 #include "tools/velmar-cfg/base/errors.h"
 
@@ -11,14 +13,27 @@ namespace
 {
 constexpr std::size_t fewest_slots = 16;
 
-// The first eight bytes of a name as a number that sorts as they do.
-std::uint64_t beginning_of(std::string_view name)
+// Eight bytes of a name, as many as there are from `at` on, as a number that sorts as they do.
+std::uint64_t eight_bytes_of(std::string_view name, std::size_t at)
 {
     std::uint64_t number = 0;
-    for (std::size_t at = 0; at < sizeof number; ++at)
-        number = number << 8 | (at < name.size() ? static_cast<unsigned char>(name[at]) : 0U);
-    return number;
+    const std::string_view bytes = name.substr(std::min(at, name.size()), sizeof number);
+    std::memcpy(&number, bytes.data(), bytes.size());
+    return std::endian::native == std::endian::little ? __builtin_bswap64(number) : number;
 }
+
+struct SORT_KEY
+{
+    std::uint64_t bytes; // of the name, as far as it has been sorted
+    std::uint32_t variable;
+};
+
+// Names whose first `equal` bytes are the same.
+struct NAME_GROUP
+{
+    std::span<SORT_KEY> keys;
+    std::size_t equal;
+};
 }
 
 SETTINGS::SETTINGS(LAYERS the_layers) : layers_by_order(std::move(the_layers))
@@ -70,8 +85,24 @@ void SETTINGS::add_assignment(const STATEMENT& statement)
 void SETTINGS::make_index()
 {
     slots.assign(std::max(fewest_slots, std::bit_ceil(2 * all_assignments.size())), 0);
-    for (ASSIGNMENT_INDEX i = 0; i < all_assignments.size(); ++i)
-        count_among_variables(i, slots[slot_of(all_assignments[i].name)]);
+    // The slots of the next names are on their way from memory while the names before them are counted.
+    constexpr std::size_t ahead = 16;
+    std::array<std::size_t, ahead> first_slots{};
+    for (std::size_t i = 0; i < all_assignments.size() + ahead; ++i)
+    {
+        std::size_t& first_slot = first_slots[i % ahead];
+        if (i >= ahead)
+        {
+            const std::size_t assignment = i - ahead;
+            count_among_variables(static_cast<ASSIGNMENT_INDEX>(assignment),
+                                  slots[slot_of(all_assignments[assignment].name, first_slot)]);
+        }
+        if (i < all_assignments.size())
+        {
+            first_slot = first_slot_of(all_assignments[i].name);
+            __builtin_prefetch(&slots[first_slot]);
+        }
+    }
 }
 
 void SETTINGS::count_among_variables(ASSIGNMENT_INDEX assignment, std::uint32_t& slot)
@@ -88,13 +119,19 @@ void SETTINGS::count_among_variables(ASSIGNMENT_INDEX assignment, std::uint32_t&
     variable.layers.insert(layers_by_order[all_assignments[assignment].layer].kind);
 }
 
-// Where the variable of that name is, or would be.
-std::size_t SETTINGS::slot_of(std::string_view name) const
+// Where the search for a name begins.
+std::size_t SETTINGS::first_slot_of(std::string_view name) const
 {
     // The name's hash is regular in its last letters: a multiplication spreads it over the high bits.
     constexpr std::uint64_t spread = 0x9e3779b97f4a7c15U;
     const int bits = std::countr_zero(slots.size());
-    std::size_t slot = static_cast<std::size_t>((hash_of_name(name) * spread) >> (64 - bits));
+    return static_cast<std::size_t>((hash_of_name(name) * spread) >> (64 - bits));
+}
+
+// Where the variable of that name is, or would be.
+std::size_t SETTINGS::slot_of(std::string_view name, std::size_t first_slot) const
+{
+    std::size_t slot = first_slot;
     while (slots[slot] != 0 && !same_name(name_of(all_variables[slots[slot] - 1]), name))
         slot = (slot + 1) & (slots.size() - 1);
     return slot;
@@ -102,33 +139,56 @@ std::size_t SETTINGS::slot_of(std::string_view name) const
 
 const VARIABLE* SETTINGS::find(std::string_view name) const
 {
-    const std::uint32_t entry = slots[slot_of(name)];
+    const std::uint32_t entry = slots[slot_of(name, first_slot_of(name))];
     return entry == 0 ? nullptr : &all_variables[entry - 1];
 }
 
+// Sorts by eight bytes at a time, which stand beside each other, and goes back to the names only where those are equal:
+// a comparison of names that are anywhere in the file would wait for memory each time.
 std::vector<std::uint32_t> SETTINGS::order_by_name() const
 {
-    struct KEY
+    constexpr std::size_t few = 8;
+    const auto name = [this](const SORT_KEY& key) { return name_of(all_variables[key.variable]); };
+    std::vector<SORT_KEY> keys(all_variables.size());
+    for (std::size_t i = 0; i < keys.size(); ++i)
+        keys[i].variable = static_cast<std::uint32_t>(i);
+
+    std::vector<NAME_GROUP> unsorted{{keys, 0}};
+    while (!unsorted.empty())
     {
-        std::uint64_t beginning; // of the name: most names differ in it
-        std::uint32_t variable;
-    };
-    std::vector<KEY> keys;
-    keys.reserve(all_variables.size());
-    for (const VARIABLE& variable : all_variables)
-        keys.push_back({beginning_of(name_of(variable)), static_cast<std::uint32_t>(keys.size())});
-    std::ranges::sort(keys,
-                      [this](const KEY& a, const KEY& b)
-                      {
-                          return a.beginning != b.beginning
-                                     ? a.beginning < b.beginning
-                                     : name_of(all_variables[a.variable]) < name_of(all_variables[b.variable]);
-                      });
-    std::vector<std::uint32_t> order;
-    order.reserve(keys.size());
-    for (const KEY& key : keys)
-        order.push_back(key.variable);
+        const auto [group, equal] = unsorted.back();
+        unsorted.pop_back();
+        if (group.size() <= few)
+        {
+            std::ranges::sort(group, {}, name);
+            continue;
+        }
+        for (SORT_KEY& key : group)
+            key.bytes = eight_bytes_of(name(key), equal);
+        std::ranges::sort(group, {}, &SORT_KEY::bytes);
+        for (std::size_t begin = 0, end = 0; begin < group.size(); begin = end)
+        {
+            while (end < group.size() && group[end].bytes == group[begin].bytes)
+                ++end;
+            if (end - begin > 1)
+                unsorted.push_back({group.subspan(begin, end - begin), equal + sizeof(SORT_KEY::bytes)});
+        }
+    }
+    std::vector<std::uint32_t> order(keys.size());
+    std::ranges::transform(keys, order.begin(), &SORT_KEY::variable);
     return order;
+}
+
+void SETTINGS::fetch_ahead(std::span<const std::uint32_t> order, std::size_t at) const
+{
+    // Each step's address is known once the step before it has come.
+    constexpr std::size_t step = 6;
+    if (at + 3 * step < order.size())
+        __builtin_prefetch(&all_variables[order[at + 3 * step]]);
+    if (at + 2 * step < order.size())
+        __builtin_prefetch(&all_assignments[all_variables[order[at + 2 * step]].winner]);
+    if (at + step < order.size())
+        __builtin_prefetch(all_assignments[all_variables[order[at + step]].winner].name.data());
 }
 
 std::vector<const ASSIGNMENT*> SETTINGS::assignments_to(const VARIABLE& variable) const

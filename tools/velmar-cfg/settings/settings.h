@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -71,6 +72,10 @@ public:
     // Where the variables are, in the byte order of their names as first spelt.
     std::vector<std::uint32_t> order_by_name() const;
 
+    // For a walk over the variables in such an order, which is at `at`: has the processor fetch what the next ones
+    // need, so that the walk does not wait for memory at each. Changes nothing.
+    void fetch_ahead(std::span<const std::uint32_t> order, std::size_t at) const;
+
     // Null when no layer sets it. Names are equal as in the store.
     const VARIABLE* find(std::string_view name) const;
 
@@ -105,7 +110,8 @@ private:
     void add_assignment(const STATEMENT& statement);
     std::string_view lasting(const STATEMENT& statement, std::string_view text);
     void make_index();
-    std::size_t slot_of(std::string_view name) const;
+    std::size_t first_slot_of(std::string_view name) const;
+    std::size_t slot_of(std::string_view name, std::size_t first_slot) const;
     void count_among_variables(ASSIGNMENT_INDEX assignment, std::uint32_t& slot);
 
     LAYERS layers_by_order;

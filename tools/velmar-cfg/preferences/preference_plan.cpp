@@ -1,0 +1,185 @@
+#include "tools/velmar-cfg/preferences/preference_plan.h"
+
+#include <algorithm>
+
+#include "platform/gen/gen.h"
+#include "platform/ver/ver.h"
+#include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/preferences/preference_lines.h"
+#include "tools/velmar-cfg/preferences/preferences.h"
+
+using namespace zon_cfg;
+
+namespace
+{
+std::string key_of(CFG_USER_INI_ENUMS number)
+{
+    return cfg_get_user_ini_ini_string(number);
+}
+
+bool is_allowed(CFG_USER_INI_ENUMS number, const std::string& value)
+{
+    return find_fitting_triple(number, value.c_str()) != nullptr;
+}
+
+// Whether the file says already what the change wants.
+bool nothing_to_do(const PREFERENCE_CHANGE& change, const PREFERENCES& before)
+{
+    const PREFERENCE preference = before.look_up(change.number);
+    if (!change.value)
+        return preference.origin.source == PREFERENCE_SOURCE::DEFAULT ||
+               preference.origin.source == PREFERENCE_SOURCE::NOWHERE;
+    return preference.origin.source == PREFERENCE_SOURCE::RUNNING_RELEASE && preference.value == *change.value;
+}
+
+// A lookup copies a value of an older release into the running release's section, unless it is not allowed any more.
+void carry_values_over(const PREFERENCES& before, PREFERENCE_RECORDS& records)
+{
+    for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
+    {
+        const PREFERENCE preference = before.look_up(number);
+        const bool older = preference.origin.source == PREFERENCE_SOURCE::OLDER_RELEASE ||
+                           preference.origin.source == PREFERENCE_SOURCE::UNVERSIONED_SECTION;
+        if (older && is_allowed(number, preference.value))
+            records.assign(number, preference.value);
+    }
+}
+
+// The first line whose header names that section; 0 when none does.
+std::size_t line_of_section(std::string_view bytes, const std::string& section)
+{
+    std::size_t found = 0;
+    for_each_preference_line(bytes,
+                             [&](std::size_t number, std::string_view, const PREFERENCE_LINE& line, const std::string&)
+                             {
+                                 if (found == 0 && line.kind == PREFERENCE_LINE_KIND::HEADER && line.section == section)
+                                     found = number;
+                             });
+    return found;
+}
+
+// "PATH:LINE: the section [SECTION]", to begin a message with.
+std::string culprit(const std::string& path, std::string_view bytes, const std::string& section)
+{
+    return path + ":" + std::to_string(line_of_section(bytes, section)) + ": the section [" + section + "]";
+}
+
+[[noreturn]] void refuse_shadowed_section(const std::string& path, std::string_view before, std::string_view after,
+                                          CFG_USER_INI_ENUMS number)
+{
+    const std::string wanted = cfg_get_section_for_name(key_of(number).c_str(), nullptr, true);
+    std::string in_its_place;
+    for_each_preference_line(after,
+                             [&](std::size_t, std::string_view, const PREFERENCE_LINE& line, const std::string&)
+                             {
+                                 if (line.kind == PREFERENCE_LINE_KIND::HEADER &&
+                                     gen_stricmp(line.section.c_str(), wanted.c_str()) == 0)
+                                     in_its_place = line.section;
+                             });
+    throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN, culprit(path, before, in_its_place) + " differs from [" + wanted +
+                                                 "] in letter case only, and a save would write " + key_of(number) +
+                                                 " below it, where no lookup finds it; rename that section");
+}
+
+// Brings the preference back to its default: first by leaving it out; if an older release then shows through, by
+// writing the default.
+void reset(const std::string& path, std::string_view before, CFG_USER_INI_ENUMS number, PREFERENCE_RECORDS& records)
+{
+    records.clear(number);
+    const PREFERENCE left_out = PREFERENCES(records.saved()).look_up(number);
+    const std::string default_value = default_preference_value(number);
+    if (left_out.value == default_value)
+        return;
+    if (default_value.empty())
+        throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN, culprit(path, before, left_out.origin.section) + " gives " +
+                                                     key_of(number) + " the value '" + left_out.value +
+                                                     "', and there is no default that could be written above it; "
+                                                     "remove the value there");
+    records.assign(number, default_value);
+}
+
+// What makes the other preference change, to end a sentence with.
+std::string reason_of_change(const PREFERENCE& before, const PREFERENCE& after, const std::vector<LOST_LINE>& lost)
+{
+    std::string reason = after.origin.section.empty() ? "" : ", as [" + after.origin.section + "] says";
+    // An empty section, or an empty value, keeps older values away; and one in another letter case takes effect.
+    const std::string running = released_section(before.section, ver_get_version());
+    const auto gone = std::ranges::find_if(lost, [&](const LOST_LINE& line)
+                                           { return gen_stricmp(line.section.c_str(), running.c_str()) == 0; });
+    if (gone != lost.end())
+        reason += ", since line " + std::to_string(gone->number) + " is not kept as it is";
+    return reason;
+}
+
+// The other preferences whose values change, each with what makes it change.
+void compare_values(const PREFERENCES& before, const PREFERENCES& after, CFG_USER_INI_ENUMS changed,
+                    PREFERENCE_PLAN& plan)
+{
+    for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
+    {
+        const PREFERENCE old_answer = before.look_up(number);
+        const PREFERENCE new_answer = after.look_up(number);
+        if (number == changed || old_answer.value == new_answer.value)
+            continue;
+        const std::string change_of_value =
+            key_of(number) + " from '" + old_answer.value + "' to '" + new_answer.value + "'";
+        if (is_allowed(number, old_answer.value))
+            plan.other_values.push_back(change_of_value + reason_of_change(old_answer, new_answer, plan.lost));
+        else
+            plan.warnings.push_back("this also changes " + change_of_value +
+                                    ": an older release's value, no longer allowed");
+    }
+}
+}
+
+bool PREFERENCE_PLAN::loses_values() const
+{
+    return !other_values.empty() || std::ranges::any_of(lost, [](const LOST_LINE& line) { return line.value_lost; });
+}
+
+void check_preference_value(const PREFERENCE_CHANGE& change)
+{
+    if (!change.value)
+        return;
+    const std::string key = key_of(change.number);
+    const std::string& value = *change.value;
+    if (value.empty())
+        throw TOOL_ERROR(EXIT_CODE::REFUSED,
+                         "an empty value counts as none; velmar-cfg prefs reset " + key + " goes back to the default");
+    if (!is_allowed(change.number, value))
+        throw TOOL_ERROR(EXIT_CODE::REFUSED, "'" + value + "' is not allowed for " + key + "; allowed: " +
+                                                 allowed_as_text(allowed_preference_values(change.number)));
+    const PREFERENCE_LINE line = classify_preference_line(key + " = " + value);
+    if (line.value == value && value.find('\n') == std::string::npos)
+        return;
+    const std::string first_line = value.substr(0, value.find('\n'));
+    const std::string read_back = classify_preference_line(key + " = " + first_line).value;
+    throw TOOL_ERROR(EXIT_CODE::REFUSED, "the file cannot hold this value: it would be read back as " +
+                                             (read_back.empty() ? "nothing" : "'" + read_back + "'") +
+                                             "; leave out '[', line ends, and blanks or quotes at both ends");
+}
+
+PREFERENCE_PLAN plan_preference_change(const std::string& path, std::string_view before,
+                                       const PREFERENCE_CHANGE& change)
+{
+    const PREFERENCES answers_before(before);
+    PREFERENCE_PLAN plan;
+    if (nothing_to_do(change, answers_before))
+    {
+        plan.after = before;
+        return plan;
+    }
+    PREFERENCE_RECORDS records(before);
+    carry_values_over(answers_before, records);
+    if (change.value)
+        records.assign(change.number, *change.value);
+    else
+        reset(path, before, change.number, records);
+    plan.after = records.saved();
+    plan.lost = records.lost_lines();
+    const PREFERENCES answers_after(plan.after);
+    if (answers_after.look_up(change.number).value != change.value.value_or(default_preference_value(change.number)))
+        refuse_shadowed_section(path, before, plan.after, change.number);
+    compare_values(answers_before, answers_after, change.number, plan);
+    return plan;
+}

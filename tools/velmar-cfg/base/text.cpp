@@ -5,6 +5,7 @@
 #include <charconv>
 
 #include "platform/gen/gen.h"
+#include "tools/velmar-cfg/base/eight_bytes.h"
 
 std::string trimmed(std::string_view text)
 {
@@ -154,6 +155,11 @@ bool is_utf_8(std::string_view bytes)
 {
     while (!bytes.empty())
     {
+        if (bytes.size() >= 8 && (eight_bytes(bytes.data()) & high_bits) == 0)
+        {
+            bytes.remove_prefix(8);
+            continue;
+        }
         const std::size_t length = utf_8_sequence(bytes);
         if (length == 0)
             return false;

@@ -9,7 +9,6 @@
 #include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
-#include "tools/velmar-cfg/settings/variable_name.h"
 
 namespace
 {
@@ -74,25 +73,18 @@ TYPED_READINGS read_readings(const JSON_NODE& readings)
             readings.member("double_whole").truth()};
 }
 
-SNAPSHOT_VARIABLES read_variables(const JSON_NODE& list)
+void read_variable(const JSON_NODE& row, SNAPSHOT_VARIABLES& variables)
 {
-    SNAPSHOT_VARIABLES variables;
-    VARIABLE_NAMES names;
-    for (const JSON_NODE& row : list.elements())
-    {
-        const std::string name = row.member("name").text();
-        const std::string value = row.member("value").text();
-        const bool external = row.member("external").truth();
-        std::optional<std::string> file;
-        const LOCATION location = read_location(row, file);
-        LAYER_SET layers;
-        for (const JSON_NODE& code : row.member("layers").elements())
-            layers.insert(read_layer(code));
-        variables.add({name, value, external, location, layers, read_readings(row.member("readings"))});
-        if (!names.insert(name).second)
-            row.refuse(unlike_the_others);
-    }
-    return variables;
+    const std::string name = row.member("name").text();
+    const std::string value = row.member("value").text();
+    const bool external = row.member("external").truth();
+    std::optional<std::string> file;
+    const LOCATION location = read_location(row, file);
+    LAYER_SET layers;
+    for (const JSON_NODE& code : row.member("layers").elements())
+        layers.insert(read_layer(code));
+    if (!variables.add({name, value, external, location, layers, read_readings(row.member("readings"))}))
+        row.refuse(unlike_the_others);
 }
 
 SNAPSHOT_PREFERENCE read_preference(const JSON_NODE& row)
@@ -176,9 +168,10 @@ void write_json(JSON_WRITER& out, const SNAPSHOT& snapshot)
 
 SNAPSHOT read_snapshot(const std::string& path)
 {
-    const JSON_DOCUMENT document(path, snapshot_kind);
-    const JSON_NODE root = document.root();
     SNAPSHOT snapshot;
+    const auto take_variable = [&snapshot](const JSON_NODE& row) { read_variable(row, snapshot.variables); };
+    const JSON_DOCUMENT document(path, snapshot_kind, {{"variables", take_variable}});
+    const JSON_NODE root = document.root();
     snapshot.product = root.member("product").text();
     snapshot.release = root.member("release").text();
     snapshot.project = root.member("project").text_or_null().value_or("");
@@ -188,7 +181,6 @@ SNAPSHOT read_snapshot(const std::string& path)
         root.member("files").refuse("list of a file of each role");
     snapshot.environment = read_rows<std::set<std::string>>(root.member("environment"), read_environment_variable,
                                                             &ENVIRONMENT_VARIABLE::name);
-    snapshot.variables = read_variables(root.member("variables"));
     snapshot.preferences =
         read_rows<std::set<std::string>>(root.member("preferences"), read_preference, &SNAPSHOT_PREFERENCE::key);
     return snapshot;

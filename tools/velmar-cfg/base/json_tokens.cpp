@@ -11,13 +11,45 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 
-#include "tools/velmar-cfg/base/eight_bytes.h"
 #include "tools/velmar-cfg/base/text.h"
 
 namespace
 {
 constexpr std::size_t buffer_size = std::size_t{256} * 1024;
+
+constexpr std::uint64_t in_each_byte(unsigned char byte)
+{
+    return 0x0101010101010101U * byte;
+}
+
+constexpr std::uint64_t high_bits = in_each_byte(0x80);
+
+std::uint64_t eight_bytes(const char* from)
+{
+    std::uint64_t word = 0;
+    std::memcpy(&word, from, sizeof word);
+    return word;
+}
+
+// Not zero if and only if a byte of the word is below `limit`, which is at most 0x80.
+constexpr std::uint64_t has_byte_below(std::uint64_t word, unsigned char limit)
+{
+    return (word - in_each_byte(limit)) & ~word & high_bits;
+}
+
+// The same for a byte that is `byte`.
+constexpr std::uint64_t has_byte(std::uint64_t word, unsigned char byte)
+{
+    return has_byte_below(word ^ in_each_byte(byte), 1);
+}
+
+// The same for a byte that JSON escapes: a control character, a quote or a backslash.
+constexpr std::uint64_t has_escaped_byte(std::uint64_t word)
+{
+    return has_byte_below(word, 0x20) | has_byte(word, '"') | has_byte(word, '\\');
+}
 
 constexpr bool ends_plain_text(char c)
 {

@@ -1,9 +1,10 @@
 #include "tools/velmar-cfg/base/json_writer.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <nlohmann/json.hpp>
 
-#include "tools/velmar-cfg/base/eight_bytes.h"
 #include "tools/velmar-cfg/base/text.h"
 
 namespace
@@ -11,28 +12,27 @@ namespace
 constexpr std::size_t buffer_size = std::size_t{64} * 1024;
 constexpr std::size_t indentation = 2;
 
-// Whether a character that steers a terminal may begin with this byte: beyond ASCII they all begin with one of three.
-constexpr bool may_steer_a_terminal(char c)
+// By byte: whether what is escaped may begin with it. Beyond ASCII, what steers a terminal begins with one of three.
+constexpr std::array<bool, 256> make_escapable()
 {
-    const auto byte = static_cast<unsigned char>(c);
-    return byte < 0x20 || byte == 0x7f || byte == 0xc2 || byte == 0xd8 || byte == 0xe2;
-}
-
-// Whether none of eight bytes needs a closer look.
-constexpr bool is_plain_ascii(std::uint64_t bytes)
-{
-    return (has_escaped_byte(bytes) | has_byte(bytes, 0x7f) | (bytes & high_bits)) == 0;
+    std::array<bool, 256> escapable{};
+    std::fill_n(escapable.begin(), 0x20, true);
+    for (const unsigned int byte : {0x22U, 0x5cU, 0x7fU, 0xc2U, 0xd8U, 0xe2U})
+        escapable[byte] = true;
+    return escapable;
 }
 
 // The length of the text's beginning that stands in JSON as it is. The text is UTF-8.
 std::size_t plain_length(std::string_view text)
 {
+    static constexpr std::array<bool, 256> escapable = make_escapable();
     std::size_t length = 0;
-    while (text.size() - length >= 8 && is_plain_ascii(eight_bytes(text.data() + length)))
-        length += 8;
-    while (length < text.size() && text[length] != '"' && text[length] != '\\' &&
-           (!may_steer_a_terminal(text[length]) || !steers_a_terminal(first_character(text.substr(length)).character)))
-        ++length;
+    for (; length < text.size(); ++length)
+    {
+        const auto byte = static_cast<unsigned char>(text[length]);
+        if (escapable[byte] && (byte < 0x80 || steers_a_terminal(first_character(text.substr(length)).character)))
+            break;
+    }
     return length;
 }
 

@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdint>
+#include <cstring>
 
 #include "platform/gen/gen.h"
-#include "tools/velmar-cfg/base/eight_bytes.h"
 
 std::string trimmed(std::string_view text)
 {
@@ -137,7 +138,7 @@ std::string shortened(std::string_view text, std::size_t longest)
         return std::string(text);
     // A character of UTF-8 that would be cut is left out whole, so that a text stays one.
     std::size_t length = longest;
-    for (std::size_t begin = longest; begin > 0 && begin + 4 > longest; --begin)
+    for (std::size_t begin = longest; begin > 0 && begin + 3 > longest; --begin)
     {
         if (begin - 1 + utf_8_sequence(text.substr(begin - 1)) > longest)
             length = begin - 1;
@@ -155,10 +156,17 @@ bool is_utf_8(std::string_view bytes)
 {
     while (!bytes.empty())
     {
-        if (bytes.size() >= 8 && (eight_bytes(bytes.data()) & high_bits) == 0)
+        // Nearly all of nearly every text is ASCII, eight bytes at a time.
+        constexpr std::uint64_t beyond_ascii = 0x8080808080808080U;
+        std::uint64_t word = 0;
+        if (bytes.size() >= sizeof word)
         {
-            bytes.remove_prefix(8);
-            continue;
+            std::memcpy(&word, bytes.data(), sizeof word);
+            if ((word & beyond_ascii) == 0)
+            {
+                bytes.remove_prefix(sizeof word);
+                continue;
+            }
         }
         const std::size_t length = utf_8_sequence(bytes);
         if (length == 0)

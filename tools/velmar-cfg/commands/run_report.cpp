@@ -166,9 +166,10 @@ EXIT_CODE show_runs_of_switch(const std::string& name, const std::vector<RUN_REP
 
 EXIT_CODE merge(const RUN_REPORT_OPTIONS& options, TOOL& tool)
 {
-    const auto [reports, problems] = read_run_reports(options.files);
-    for (const std::string& problem : problems)
+    const RUN_REPORTS read = read_run_reports(options.files);
+    for (const std::string& problem : read.problems)
         tool.files.add_problem(problem);
+    const std::vector<RUN_REPORT>& reports = read.reports;
     if (reports.empty())
         return EXIT_CODE::BAD_INPUT;
     if (options.switch_name && !options.switch_name->empty())

@@ -241,7 +241,7 @@ TEST(JSON_TOKENS_TABLE, accepts_and_refuses_what_the_grammar_does)
 
 TEST(JSON_TOKENS_TABLE, reads_a_text_that_is_longer_than_a_buffer)
 {
-    for (const std::size_t size : {262'140, 262'143, 262'144, 262'145, 800'000})
+    for (const std::size_t size : std::initializer_list<std::size_t>{262'140, 262'143, 262'144, 262'145, 800'000})
     {
         std::string text(size, 'x');
         expect_same('"' + text + '"');
@@ -305,7 +305,7 @@ class JSON_ERROR_PLACE : public testing::TestWithParam<PLACE_CASE>
 
 TEST_P(JSON_ERROR_PLACE, is_where_the_grammar_ends)
 {
-    for (const std::size_t bytes_at_a_time : {1, 3, 100})
+    for (const std::size_t bytes_at_a_time : std::initializer_list<std::size_t>{1, 3, 100})
     {
         TEXT_SOURCE source(GetParam().text, bytes_at_a_time);
         try

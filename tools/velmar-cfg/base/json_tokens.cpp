@@ -405,8 +405,9 @@ void JSON_TOKENS::read_escape()
         append_utf_8(scratch, character);
         return;
     }
-    const std::size_t letter = c == end_of_bytes ? letters.npos : letters.find(static_cast<char>(c));
-    if (letter == letters.npos)
+    constexpr std::size_t none = std::string_view::npos;
+    const std::size_t letter = c == end_of_bytes ? none : letters.find(static_cast<char>(c));
+    if (letter == none)
         refuse();
     ++at;
     scratch += meant[letter];

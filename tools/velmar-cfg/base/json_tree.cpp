@@ -95,15 +95,15 @@ void JSON_TREE::add_member(JSON_TOKENS& tokens, std::string_view key, JSON_TOKEN
     values.front().end = values.size();
 }
 
-std::optional<JSON_TREE::INDEX> JSON_TREE::member(INDEX object, std::string_view name) const
+std::optional<JSON_TREE::INDEX> JSON_TREE::member(INDEX object, std::string_view member_key) const
 {
     std::optional<INDEX> found;
-    const std::uint32_t mark = mark_of(name);
+    const std::uint32_t mark = mark_of(member_key);
     if (kind(object) != JSON_TOKEN::BEGIN_OBJECT)
         return found;
     for (INDEX value = begin(object); value != end(object); value = behind(value))
     {
-        if (values[value].key_mark == mark && key(value) == name)
+        if (values[value].key_mark == mark && key(value) == member_key)
             found = value;
     }
     return found;

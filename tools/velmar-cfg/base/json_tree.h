@@ -55,7 +55,7 @@ public:
     }
 
     // The member of an object; of several with one key the last.
-    std::optional<INDEX> member(INDEX object, std::string_view key) const;
+    std::optional<INDEX> member(INDEX object, std::string_view member_key) const;
 
     // The values in an object or a list: the first, the one behind another, and where they end.
     INDEX begin(INDEX container) const

@@ -9,6 +9,7 @@
 namespace
 {
 constexpr mode_t mode_of_new_files = 0666; // less the process's umask
+constexpr mode_t owners_rights = 0700;
 
 [[noreturn]] void fail()
 {
@@ -21,7 +22,7 @@ std::string directory_of(const std::string& path)
     return directory.empty() ? "." : directory;
 }
 
-void take_over(int file, const struct stat& existing, FILE_OWNER owner)
+void take_over(int file, const struct stat& existing, FILE_OWNER owner, mode_t rights = 07777)
 {
     struct stat own;
     if (fstat(file, &own) != 0)
@@ -30,7 +31,7 @@ void take_over(int file, const struct stat& existing, FILE_OWNER owner)
     if (!same && fchown(file, existing.st_uid, existing.st_gid) != 0 && owner == FILE_OWNER::KEPT)
         throw OWNER_NOT_KEPT(errno, std::generic_category());
     // Behind the owner, a change of whom takes mode bits away.
-    if (fchmod(file, existing.st_mode & 07777U) != 0)
+    if (fchmod(file, existing.st_mode & rights) != 0)
         fail();
 }
 
@@ -59,6 +60,7 @@ public:
     struct BESIDE
     {
         const std::string& target;
+        mode_t mode;
     };
 
     explicit OPEN_FILE(BESIDE place)
@@ -68,7 +70,7 @@ public:
         for (int i = 0; i < tries && descriptor < 0; ++i)
         {
             made = place.target + "." + std::to_string(getpid()) + "." + std::to_string(i) + ".tmp";
-            descriptor = open(made.c_str(), O_WRONLY | O_CLOEXEC | O_CREAT | O_EXCL, mode_of_new_files);
+            descriptor = open(made.c_str(), O_WRONLY | O_CLOEXEC | O_CREAT | O_EXCL, place.mode);
             if (descriptor < 0 && errno != EEXIST)
                 break;
         }
@@ -169,7 +171,7 @@ std::error_code replace_file(const std::string& made, const std::string& target,
     return synchronise_directory(directory_of(target));
 }
 
-WHOLE_FILE_WRITER::WHOLE_FILE_WRITER(const std::string& path)
+WHOLE_FILE_WRITER::WHOLE_FILE_WRITER(const std::string& path, FILE_READERS readers)
 {
     struct stat found;
     const bool exists = stat(path.c_str(), &found) == 0;
@@ -181,9 +183,10 @@ WHOLE_FILE_WRITER::WHOLE_FILE_WRITER(const std::string& path)
     target = followed_path(path);
     if (exists && faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)
         fail();
-    file = std::make_unique<OPEN_FILE>(OPEN_FILE::BESIDE{target});
+    const mode_t rights = readers == FILE_READERS::OWNER ? owners_rights : mode_t{07777};
+    file = std::make_unique<OPEN_FILE>(OPEN_FILE::BESIDE{target, mode_of_new_files & rights});
     if (exists)
-        take_over(file->number(), found, FILE_OWNER::KEPT_IF_POSSIBLE);
+        take_over(file->number(), found, FILE_OWNER::KEPT_IF_POSSIBLE, rights);
 }
 
 WHOLE_FILE_WRITER::~WHOLE_FILE_WRITER() = default;

@@ -6,6 +6,7 @@
 #include <set>
 
 #include "tests/velmar_cfg/settings_generator.h"
+#include "tools/velmar-cfg/settings/settings.h"
 
 namespace
 {
@@ -30,7 +31,15 @@ TEST(LINT_MODEL, says_of_each_line_what_becomes_of_it)
         SCOPED_TRACE("line '" + line + "'");
         const SETTINGS settings(
             {{LAYER_KIND::MAIN_FILE, std::make_shared<const INPUT_FILE>(INPUT_FILE{"velmar.ini", line, {}})}});
-        const std::vector<FINDING> findings = lint_settings(settings);
+        const std::vector<FINDING> findings = lint_settings(settings.layers());
+        const auto found = [&](const char* reason)
+        { return std::ranges::any_of(findings, [&](const FINDING& finding) { return finding.reason == reason; }); };
+        if (found("carriage-return"))
+        {
+            ASSERT_EQ(findings.size(), 1U);
+            ASSERT_LT(line.find('\r'), line.find_last_not_of(" \t\r"));
+            continue;
+        }
         const bool said_to_be_ignored =
             std::ranges::any_of(findings, [](const FINDING& finding)
                                 { return finding.severity == SEVERITY::ERROR && ignoring.contains(finding.reason); });
@@ -46,8 +55,6 @@ TEST(LINT_MODEL, says_of_each_line_what_becomes_of_it)
         const VARIABLE& variable = settings.variables().front();
         const std::string_view name = settings.name_of(variable);
         const std::string_view value = settings.value_of(variable);
-        const auto found = [&](const char* reason)
-        { return std::ranges::any_of(findings, [&](const FINDING& finding) { return finding.reason == reason; }); };
         // A name that is not what stands before the "=", and a value that is not what stands behind it up to a comment
         // set off by a blank, are told.
         const std::string before_equals = line.substr(0, line.find('='));
@@ -56,7 +63,7 @@ TEST(LINT_MODEL, says_of_each_line_what_becomes_of_it)
             first == std::string::npos
                 ? ""
                 : before_equals.substr(first, before_equals.find_last_not_of(" \t\r") + 1 - first);
-        ASSERT_EQ(found("blanks-in-name"), written != name);
+        ASSERT_EQ(found("blanks-in-name") || found("operator-in-name"), written != name || written.ends_with(':'));
         ASSERT_EQ(found("empty-name"), name.empty());
         const std::string behind_equals = line.substr(line.find('=') + 1);
         const bool whole =

@@ -77,7 +77,8 @@ TEST_F(RUN_REPORTS_FILES, that_cannot_be_read_are_told_in_order)
         "read": [], "external_never_read": [{"name": "", "value": ""}], "uncounted": []})";
     write_file("good", good);
     write_file("bad", "{");
-    const RUN_REPORTS read = read_run_reports({"missing", "good", "bad", "good"});
+    SECRETS secrets;
+    const RUN_REPORTS read = read_run_reports({"missing", "good", "bad", "good"}, secrets);
     ASSERT_EQ(read.reports.size(), 2U);
     EXPECT_EQ(read.reports[0].run, "good (good)");
     EXPECT_THAT(read.problems,

@@ -60,16 +60,32 @@ auto JSON_NODE::unless_null(READ read) const -> std::optional<decltype(read())>
     return kind() == JSON_TOKEN::NOTHING ? std::nullopt : std::optional(read());
 }
 
+// Whether it is an object with that member and no other.
+bool JSON_NODE::has_no_member_but(const char* name) const
+{
+    const std::optional<JSON_TREE::INDEX> member = tree->member(index, name);
+    return member && member == tree->begin(index) && tree->behind(*member) == tree->end(index);
+}
+
+// The parts of the text, of which those that are hidden become marks.
+std::string JSON_NODE::masked_text() const
+{
+    std::string text;
+    for (const JSON_NODE& part : member("masked").elements())
+        text += part.kind() == JSON_TOKEN::NOTHING || tree->member(part.index, "hmac")
+                    ? mark_of(part.hidden_part_or_null().value_or(HIDDEN_PART{{}, {}, false}))
+                    : part.text();
+    return text;
+}
+
 std::string JSON_NODE::text() const
 {
     if (kind() == JSON_TOKEN::TEXT)
         return std::string(tree->text(index));
-    // An object with that member and no other.
-    const std::optional<JSON_TREE::INDEX> hex = tree->member(index, "hex");
-    require(hex && hex == tree->begin(index) && tree->behind(*hex) == tree->end(index) &&
-                tree->kind(*hex) == JSON_TOKEN::TEXT,
-            "text");
-    std::optional<std::string> bytes = from_hexadecimal(tree->text(*hex));
+    if (has_no_member_but("masked"))
+        return masked_text();
+    require(has_no_member_but("hex") && tree->kind(tree->begin(index)) == JSON_TOKEN::TEXT, "text");
+    std::optional<std::string> bytes = from_hexadecimal(tree->text(tree->begin(index)));
     require(bytes.has_value(), "text");
     return *std::move(bytes);
 }
@@ -77,6 +93,22 @@ std::string JSON_NODE::text() const
 std::optional<std::string> JSON_NODE::text_or_null() const
 {
     return unless_null([this] { return text(); });
+}
+
+std::string JSON_NODE::hash_of_64_bits() const
+{
+    std::string digits = text();
+    if (digits.size() != 16 || digits.find_first_not_of("0123456789abcdef") != std::string::npos)
+        refuse("hash of 16 lower-case hexadecimal digits");
+    return digits;
+}
+
+std::optional<HIDDEN_PART> JSON_NODE::hidden_part_or_null() const
+{
+    return unless_null(
+        [this] {
+            return HIDDEN_PART{member("key").hash_of_64_bits(), member("hmac").hash_of_64_bits(), true};
+        });
 }
 
 std::uint64_t JSON_NODE::natural_number() const

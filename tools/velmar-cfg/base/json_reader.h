@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/json_tree.h"
 
 // A kind of document: what its fields "schema" and "schema_version" must say, and what it is called.
@@ -41,9 +42,10 @@ public:
     JSON_NODE member(const char* name) const;
     std::vector<JSON_NODE> elements() const;
 
-    // A text, or the bytes of one that is no UTF-8 (see JSON_WRITER).
+    // A text, the bytes of one that is no UTF-8, or one of which a part is hidden (see JSON_WRITER).
     std::string text() const;
     std::optional<std::string> text_or_null() const;
+    std::optional<HIDDEN_PART> hidden_part_or_null() const;
     std::uint64_t natural_number() const;
     std::optional<std::uint64_t> natural_number_or_null() const;
     std::optional<int> int_or_null() const;
@@ -56,6 +58,9 @@ public:
     [[noreturn]] void refuse(const char* wanted) const;
 
 private:
+    std::string hash_of_64_bits() const;
+    std::string masked_text() const;
+    bool has_no_member_but(const char* name) const;
     void require(bool fits, const char* wanted) const;
     double number() const;
     std::string path() const; // ".read[3].count"

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
+#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/text.h"
 
 namespace
@@ -144,8 +145,43 @@ void JSON_WRITER::key(std::string_view name)
     behind_key = true;
 }
 
+void JSON_WRITER::value(const HIDDEN_PART& part)
+{
+    if (!part.lasting)
+    {
+        value(std::nullopt);
+        return;
+    }
+    begin_object();
+    field("key", part.key);
+    field("hmac", part.hmac);
+    end_object();
+}
+
+void JSON_WRITER::masked(std::string_view text)
+{
+    begin_object();
+    key("masked");
+    begin_list();
+    TEXT_PARTS parts(text);
+    for (TEXT_PART part{}; parts.next(part);)
+    {
+        if (part.hidden)
+            value(hidden_part(part.text));
+        else
+            value(part.text);
+    }
+    end_list();
+    end_object();
+}
+
 void JSON_WRITER::value(std::string_view text)
 {
+    if (has_hidden_parts(text))
+    {
+        masked(text);
+        return;
+    }
     if (!is_utf_8(text))
     {
         begin_object();

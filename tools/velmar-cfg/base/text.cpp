@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "platform/gen/gen.h"
+#include "tools/velmar-cfg/base/hidden_text.h"
 
 std::string trimmed(std::string_view text)
 {
@@ -111,6 +112,13 @@ UTF_8_CHARACTER first_character(std::string_view bytes)
 std::string printable(std::string_view text)
 {
     std::string result;
+    if (has_hidden_parts(text))
+    {
+        TEXT_PARTS parts(text);
+        for (TEXT_PART part{}; parts.next(part);)
+            result += part.hidden ? with_hidden_parts_named(part.text) : printable(part.text);
+        return result;
+    }
     result.reserve(text.size());
     while (!text.empty())
     {
@@ -148,8 +156,7 @@ std::string shortened(std::string_view text, std::size_t longest)
 
 std::string in_single_quotes(std::string_view text)
 {
-    constexpr std::size_t longest = 100;
-    return "'" + shortened(text, longest) + "'";
+    return "'" + shortened(text, length_by_shown_length(text, 100)) + "'";
 }
 
 bool is_utf_8(std::string_view bytes)

@@ -9,6 +9,7 @@
 #include "tools/velmar-cfg/commands/diagnostics.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/preferences/preference_edit.h"
+#include "tools/velmar-cfg/preferences/preference_secrets.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 
 namespace
@@ -39,15 +40,51 @@ void write_difference(std::string_view difference, OUTPUT& out)
     }
 }
 
+// The difference that the edit makes, with secrets hidden: also those of the old text that the new one has elsewhere.
+std::string shown_difference(const EDITED_FILE& file, SECRETS& secrets)
+{
+    const auto hidden = [&secrets](const std::string& text)
+    { return hide_in_preference_text(text, secrets).value_or(text); };
+    return unified_diff(hidden(file.before), hide_in_message(hidden(file.after), file.before, "", "", secrets),
+                        file.path, file.path + " (new)");
+}
+
+// Makes the change. What it tells of values goes to terminals and logs: no secret is in it.
+EDITED_FILE edited(const PREFERENCE_CHANGE& change, const EDIT_OPTIONS& options, TOOL& tool)
+{
+    SECRETS& secrets = *tool.options.scope.secrets;
+    const auto without_secrets = [&](std::string_view message)
+    {
+        const INPUT_FILE file = read_whole_file(preference_file_location().path);
+        return hide_in_message(message, file.bytes, cfg_get_user_ini_ini_string(change.number),
+                               change.value.value_or(""), secrets);
+    };
+    try
+    {
+        EDITED_FILE file = edit_preference(change, options.dry_run, std::chrono::seconds(options.seconds_to_wait));
+        for (std::string& warning : file.warnings)
+            warning = hide_in_message(warning, file.before, "", "", secrets);
+        return file;
+    }
+    catch (const TOOL_ERROR& error)
+    {
+        throw TOOL_ERROR(error.exit_code, without_secrets(error.what()));
+    }
+}
+
 EXIT_CODE edit(const EDIT_OPTIONS& options, bool reset, TOOL& tool)
 {
+    SECRETS& secrets = *tool.options.scope.secrets;
     PREFERENCE_CHANGE change{preference_number(options.key), {}};
     if (!reset)
         change.value = options.value;
-    const EDITED_FILE file = edit_preference(change, options.dry_run, std::chrono::seconds(options.seconds_to_wait));
+    const EDITED_FILE file = edited(change, options, tool);
     complain_of(file.warnings);
-    const std::string difference =
-        options.dry_run ? unified_diff(file.before, file.after, file.path, file.path + " (new)") : "";
+    const std::optional<std::string> shown_value =
+        change.value
+            ? std::optional(hide_in_preference(cfg_get_user_ini_ini_string(change.number), *change.value, secrets))
+            : std::nullopt;
+    const std::string difference = options.dry_run ? shown_difference(file, secrets) : "";
 
     if (tool.options.json)
         answer_in_json(tool,
@@ -55,7 +92,7 @@ EXIT_CODE edit(const EDIT_OPTIONS& options, bool reset, TOOL& tool)
                        {
                            out.begin_object();
                            out.field("key", cfg_get_user_ini_ini_string(change.number));
-                           out.field("value", change.value);
+                           out.field("value", shown_value);
                            out.field("path", file.path);
                            out.field("changed", file.changed());
                            out.field("dry_run", options.dry_run);

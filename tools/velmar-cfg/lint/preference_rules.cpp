@@ -9,6 +9,7 @@
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/base/text.h"
+#include "tools/velmar-cfg/preferences/preference_secrets.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
 
@@ -130,7 +131,7 @@ private:
         found.push_back({path,
                          number,
                          {},
-                         (offset == std::string_view::npos ? first : offset) + 1,
+                         offset_before_hiding(text, offset == std::string_view::npos ? first : offset) + 1,
                          severity,
                          reason,
                          message,
@@ -284,7 +285,8 @@ void EXAMINATION::examine_known_key(CFG_USER_INI_ENUMS preference)
 }
 }
 
-std::vector<FINDING> lint_preferences(const INPUT_FILE& file)
+std::vector<FINDING> lint_preferences(const INPUT_FILE& file, SECRETS& secrets)
 {
-    return EXAMINATION(file.path).findings(file.whole_lines());
+    const std::optional<std::string> hidden = hide_in_preference_text(file.whole_lines(), secrets);
+    return EXAMINATION(file.path).findings(hidden ? *hidden : file.whole_lines());
 }

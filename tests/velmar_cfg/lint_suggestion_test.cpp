@@ -190,6 +190,20 @@ TEST(SUGGESTED_SEPARATOR, makes_the_items_that_were_meant)
               (std::map<std::string, std::string>{{"url", "http://h/x"}, {"b", "3"}}));
 }
 
+// What another layer assigns to the variable is no reason against a suggestion; how it is spelt there counts.
+TEST(SUGGESTIONS, look_across_layers)
+{
+    const LAYERS layers = {layer_of(LAYER_KIND::MAIN_FILE, "Max_Fanout = 1\nmsg sqlite = yes\n"),
+                           {LAYER_KIND::APPENDED_FILE, layer_of(LAYER_KIND::MAIN_FILE, "max fanout = 12").source},
+                           layer_of(LAYER_KIND::INLINE_TEXT, "max_fanout=3;msg_sqlite=on")};
+    std::vector<std::string> suggested;
+    for (const FINDING& finding : lint_settings(layers))
+        suggested.push_back(finding.reason + ": " + finding.replacement.value_or("nothing"));
+    EXPECT_EQ(suggested, (std::vector<std::string>{"blanks-in-name: msg_sqlite = on", "almost-known: msg_sqlite = on",
+                                                   "boolean-word: msg_sqlite = on", "blanks-in-name: Max_Fanout = 12",
+                                                   "letter-case: Max_Fanout=3"}));
+}
+
 TEST(SUGGESTIONS, are_never_cut_short)
 {
     const std::string name(300, 'n');
@@ -198,6 +212,28 @@ TEST(SUGGESTIONS, are_never_cut_short)
     ASSERT_EQ(findings.size(), 1U);
     EXPECT_EQ(findings.front().replacement, name + " = " + value);
     EXPECT_LT(findings.front().instead.size(), 200U);
+}
+
+// Texts for which a step too much for each character, or a call within a call, would not end.
+TEST(SUGGESTIONS, end_for_long_lines)
+{
+    const auto repeated = [](const std::string& part, std::size_t times)
+    {
+        std::string text;
+        for (std::size_t i = 0; i < times; ++i)
+            text += part;
+        return text;
+    };
+    const std::size_t many = 50000;
+    for (const std::string& line :
+         {"a=1" + repeated(";b=2", many), "g=1" + repeated(" h=2", many), "a=" + repeated(" //", many),
+          repeated("a=1\r", many), repeated("a b ", many) + "=1", "a" + repeated(":", many) + "=1",
+          "a=" + repeated("=", many) + "x", repeated("\"", many) + "=\"", repeated("a: ", many)})
+    {
+        const std::vector<FINDING> findings = findings_of(LAYER_KIND::MAIN_FILE, line);
+        ASSERT_FALSE(findings.empty()) << line.substr(0, 20);
+        EXPECT_LT(findings.front().message.size() + findings.front().instead.size(), 1000U) << line.substr(0, 20);
+    }
 }
 
 // ---------------------------------------------------------------------------------------------------------------------

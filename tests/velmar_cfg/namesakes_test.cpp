@@ -24,28 +24,22 @@ LAYERS generated_layers(SETTINGS_GENERATOR& generate)
             layer_of(LAYER_KIND::REGTEST_FILE, generate.file(line))};
 }
 
-bool is_place_of(const NAMESAKES::ASSIGNED& assigned, const ASSIGNMENT& assignment, const SETTINGS& settings)
+bool same_place(const LOCATION& a, const LOCATION& b)
 {
-    const LOCATION expected = settings.location_of(assignment);
-    return assigned.name == assignment.name && assigned.value == assignment.value &&
-           assigned.location.layer == expected.layer && assigned.location.source == expected.source &&
-           assigned.location.position == expected.position;
+    return a.layer == b.layer && a.source == b.source && a.position == b.position;
 }
 
-// Whether a later assignment to the name stands in that layer, or in a later one if that layer has any.
-bool is_assigned_to_later(const SETTINGS& settings, std::string_view name, std::size_t layer, std::size_t from)
+// The number of the first assignment to the variable in that layer, and of the last; nothing where there is none.
+std::optional<std::pair<std::size_t, std::size_t>> ends_in_layer(const SETTINGS& settings, const VARIABLE& variable,
+                                                                 std::size_t layer)
 {
-    bool later = false;
-    bool in_layer = false;
-    for (std::size_t i = 0; i < settings.assignments().size(); ++i)
+    std::optional<std::pair<std::size_t, std::size_t>> ends;
+    for (ASSIGNMENT_INDEX i = variable.first; i != no_assignment; i = settings.assignments()[i].next_to_same)
     {
-        const ASSIGNMENT& assignment = settings.assignments()[i];
-        if (!same_name(assignment.name, name))
-            continue;
-        later = later || i >= from;
-        in_layer = in_layer || assignment.layer == layer;
+        if (settings.assignments()[i].layer == layer)
+            ends = {ends ? ends->first : i, i};
     }
-    return later && in_layer;
+    return ends;
 }
 
 TEST(NAMESAKES_, are_those_of_the_settings)
@@ -64,28 +58,36 @@ TEST(NAMESAKES_, are_those_of_the_settings)
             SCOPED_TRACE("stack " + std::to_string(i) + ", assignment " + std::to_string(number));
             const ASSIGNMENT& assignment = assignments[number];
             const VARIABLE& variable = *settings.find(assignment.name);
-            ASSERT_EQ(namesakes.is_first(number, variables), variable.first == number);
-            variables += variable.first == number ? 1U : 0U;
+            const bool first_in_layer = ends_in_layer(settings, variable, assignment.layer)->first == number;
+            ASSERT_EQ(namesakes.is_first_in_layer(number, variables), first_in_layer);
+            variables += first_in_layer ? 1U : 0U;
             not_first += variable.first == number ? 0 : 1;
 
             const auto first = namesakes.first_before(assignment.name, number);
             ASSERT_EQ(first.has_value(), variable.first < number);
-            ASSERT_TRUE(!first || is_place_of(*first, assignments[variable.first], settings));
-            ASSERT_TRUE(is_place_of(*namesakes.first_before(assignment.name), assignments[variable.first], settings));
+            const auto anywhere = namesakes.first_before(assignment.name);
+            ASSERT_TRUE(anywhere);
+            ASSERT_EQ(anywhere->name, settings.name_of(variable));
+            ASSERT_TRUE(same_place(anywhere->location, settings.location_of(assignments[variable.first])));
+            ASSERT_TRUE(!first || (first->name == anywhere->name && same_place(first->location, anywhere->location)));
 
             const ASSIGNMENT_INDEX next = assignment.next_to_same;
             const bool in_layer = next != no_assignment && assignments[next].layer == assignment.layer;
             const auto found = namesakes.next(number);
             ASSERT_EQ(found.has_value(), in_layer);
-            ASSERT_TRUE(!found || is_place_of(*found, assignments[next], settings));
+            ASSERT_TRUE(!found || found->value == assignments[next].value);
+            ASSERT_TRUE(!found || same_place(found->location, settings.location_of(assignments[next])));
             followed += in_layer ? 1 : 0;
 
             for (std::size_t layer = 0; layer < settings.layers().size(); ++layer)
-                ASSERT_EQ(namesakes.may_be_assigned_to_later(assignment.name, layer, number + 1),
-                          is_assigned_to_later(settings, assignment.name, layer, number + 1));
+            {
+                const auto ends = ends_in_layer(settings, variable, layer);
+                ASSERT_EQ(namesakes.is_assigned_to_later(assignment.name, layer, number + 1),
+                          ends && ends->second > number);
+            }
         }
         ASSERT_FALSE(namesakes.first_before("no such name"));
-        ASSERT_FALSE(namesakes.may_be_assigned_to_later("no such name", 0, 0));
+        ASSERT_FALSE(namesakes.is_assigned_to_later("no such name", 0, 0));
     }
     EXPECT_GT(followed, 1000);
     EXPECT_GT(not_first, followed);
@@ -103,7 +105,7 @@ TEST(NAMESAKES_, are_found_among_many)
     {
         const auto found = namesakes.first_before("NAME" + std::to_string(i));
         ASSERT_TRUE(found) << i;
-        ASSERT_EQ(found->value, std::to_string(i));
+        ASSERT_EQ(found->name, "name" + std::to_string(i));
         ASSERT_EQ(found->location.position, static_cast<std::size_t>(i) + 1);
     }
     EXPECT_FALSE(namesakes.first_before("name5000"));

@@ -39,7 +39,7 @@ void EXAMINATION::name_form()
             "write the name without blanks", " if that is the variable");
     if (!name.operator_sign.empty())
         add(static_cast<std::size_t>(name.operator_sign.data() - text.data()), SEVERITY::WARNING, "operator-in-name",
-            "there is no operator but \"=\": the \"" + std::string(name.operator_sign) + "\" is part of the name " +
+            "there is no operator but \"=\": the " + in_single_quotes(name.operator_sign) + " is part of the name " +
                 in_single_quotes(statement.name),
             "write the name, \"=\" and the whole value");
     if (name.quoted)
@@ -139,7 +139,9 @@ void EXAMINATION::letter_case()
     std::string whence;
     if (known == nullptr)
     {
-        const auto first = standing.is_first ? std::nullopt : namesakes.first_before(statement.name, standing.number);
+        const auto first = standing.is_first && statement.layer == 0
+                               ? std::nullopt
+                               : namesakes.first_before(statement.name, standing.number);
         if (!first)
             return;
         expected = first->name;
@@ -158,10 +160,8 @@ void EXAMINATION::overridden()
     constexpr const char* advice = "remove one of the two";
     if (standing.is_new)
     {
-        // All between may be many. One in a later layer counts too if this layer has any: a text is rather not
-        // suggested.
-        if (namesakes.may_be_assigned_to_later(statement.name, statement.layer,
-                                               standing.number + (standing.is_assignment ? 1 : 0)))
+        if (namesakes.is_assigned_to_later(statement.name, statement.layer,
+                                           standing.number + (standing.is_assignment ? 1 : 0)))
             add(first_visible(text), SEVERITY::WARNING, "overridden", "set again later", advice, nullptr);
         return;
     }

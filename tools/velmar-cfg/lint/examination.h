@@ -28,7 +28,7 @@ struct STANDING
 {
     ASSIGNMENT_NUMBER number; // its own, or of the next assignment when it is none
     bool is_assignment;       // the number is its own
-    bool is_first;            // known to be the first of its variable
+    bool is_first;            // known to be the first of its variable in its layer
     bool is_new;              // it would take the place of what stands there
 };
 

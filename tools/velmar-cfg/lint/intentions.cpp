@@ -9,6 +9,7 @@
 namespace
 {
 constexpr std::size_t most_words_of_a_name = 4;
+constexpr std::ptrdiff_t most_comment_signs = 100; // each may begin an assignment, which is looked for behind it
 
 std::string_view indentation_of(std::string_view line)
 {
@@ -141,7 +142,7 @@ std::string INTENTIONS::spelt(std::string_view name) const
         return known->name;
     if (const std::string* const nearest = nearest_known_name(name); nearest != nullptr)
         return *nearest;
-    const std::optional<NAMESAKES::ASSIGNED> first = namesakes.first_before(name);
+    const std::optional<NAMESAKES::SPELT> first = namesakes.first_before(name);
     return first ? first->name : std::string(name);
 }
 
@@ -232,6 +233,8 @@ std::optional<std::string> INTENTIONS::of_colon(std::string_view line) const
 
 std::optional<std::string> INTENTIONS::of_assignment(std::string_view line) const
 {
+    if (std::ranges::count(line, ';') > most_comment_signs)
+        return std::nullopt;
     const std::string_view kept = line.substr(0, length_without_comment(line));
     WRITTEN_ASSIGNMENT written = taken_apart(line, kept.size());
     const std::optional<std::string> name = name_meant_by(written.name);

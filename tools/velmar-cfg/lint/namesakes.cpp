@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 
+#include "platform/gen/gen.h"
 #include "tools/velmar-cfg/base/errors.h"
 
 namespace
@@ -11,10 +12,10 @@ constexpr std::size_t fewest_slots = 16;
 constexpr std::uint64_t largest_text = (std::uint64_t{1} << 40) - 1;
 
 // The name's hash is regular in its last letters: a multiplication spreads it.
-std::uint32_t spread_hash(std::string_view name)
+std::uint32_t spread_hash(std::size_t layer, std::string_view name)
 {
     constexpr std::uint64_t spread = 0x9e3779b97f4a7c15U;
-    return static_cast<std::uint32_t>((hash_of_name(name) * spread) >> 32);
+    return static_cast<std::uint32_t>(((hash_of_name(name) + layer) * spread) >> 32);
 }
 
 std::string_view text_of(const LAYER& layer)
@@ -44,23 +45,19 @@ void NAMESAKES::add(const STATEMENT& statement, ASSIGNMENT_NUMBER assignment)
     const auto offset = static_cast<std::size_t>(statement.text.data() - text_of(layers[statement.layer]).data());
     const auto position = static_cast<std::uint32_t>(statement.position);
     const auto layer = static_cast<std::uint8_t>(statement.layer);
-    const auto layer_bit = static_cast<std::uint8_t>(1U << layer);
-    const std::uint32_t hash = spread_hash(statement.name);
-    std::uint32_t& slot = slots[slot_of(statement.name, hash)];
+    const std::uint32_t hash = spread_hash(layer, statement.name);
+    std::uint32_t& slot = slots[slot_of(layer, statement.name, hash)];
     if (slot == 0)
     {
-        variables.push_back({offset & largest_text, layer, layer, layer_bit, position, hash, assignment, assignment});
+        variables.push_back({offset & largest_text, layer, position, hash, assignment, assignment});
         slot = static_cast<std::uint32_t>(variables.size());
         if (variables.size() * 3 > slots.size() * 2)
             grow();
         return;
     }
     VARIABLE_PLACE& variable = variables[slot - 1];
-    if (variable.last_layer == layer)
-        followed.push_back({offset & largest_text, layer, position, variable.last});
+    followed.push_back({offset & largest_text, layer, position, variable.last});
     variable.last = assignment;
-    variable.last_layer = layer;
-    variable.layers = static_cast<std::uint8_t>(variable.layers | layer_bit);
 }
 
 void NAMESAKES::grow()
@@ -79,61 +76,67 @@ void NAMESAKES::grow()
 }
 
 // Where the variable of that name is, or would be.
-std::size_t NAMESAKES::slot_of(std::string_view name, std::uint32_t hash) const
+std::size_t NAMESAKES::slot_of(std::size_t layer, std::string_view name, std::uint32_t hash) const
 {
     const std::size_t mask = slots.size() - 1;
     std::size_t slot = hash & mask;
     for (; slots[slot] != 0; slot = (slot + 1) & mask)
     {
         const VARIABLE_PLACE& variable = variables[slots[slot] - 1];
-        if (variable.hash == hash && same_name(assigned_at(variable.layer, variable.offset, 0).name, name))
+        if (variable.hash == hash && variable.layer == layer &&
+            same_name(name_at(variable.layer, variable.offset), name))
             break;
     }
     return slot;
 }
 
-const NAMESAKES::VARIABLE_PLACE* NAMESAKES::find(std::string_view name) const
+const NAMESAKES::VARIABLE_PLACE* NAMESAKES::find(std::size_t layer, std::string_view name) const
 {
-    const std::uint32_t entry = slots[slot_of(name, spread_hash(name))];
+    const std::uint32_t entry = slots[slot_of(layer, name, spread_hash(layer, name))];
     return entry == 0 ? nullptr : &variables[entry - 1];
 }
 
-// The line or the item that begins there.
-std::string_view NAMESAKES::text_at(std::size_t layer, std::size_t offset) const
+// The name of the assignment whose text begins there. Only the text up to its "=" is looked at: the value may be long,
+// and many lines may ask for the same name.
+std::string NAMESAKES::name_at(std::size_t layer, std::size_t offset) const
 {
-    const std::string_view text = text_of(layers[layer]);
-    const char end = is_file(layers[layer].kind) ? '\n' : separator_of_items(layers[layer].source->bytes);
-    return text.substr(offset, text.find(end, offset) - offset);
+    constexpr std::size_t shortest = 3; // of a line, so that the part is one too
+    const std::string_view text = text_of(layers[layer]).substr(offset);
+    const std::string_view part = text.substr(0, std::max(text.find('=') + 1, shortest));
+    if (!is_file(layers[layer].kind))
+        return gen_remove_leading_and_trailing_spaces(std::string(part.substr(0, part.find('='))));
+    LINE_PARTS parts;
+    outcome_of_line(part, parts);
+    return std::string(parts.name);
 }
 
-NAMESAKES::ASSIGNED NAMESAKES::assigned_at(std::size_t layer, std::size_t offset, std::size_t position) const
+std::string NAMESAKES::value_at(std::size_t layer, std::size_t offset) const
 {
-    const std::string_view text = text_at(layer, offset);
-    ASSIGNED assigned{{}, {}, {layers[layer].kind, layers[layer].source->path, position}};
-    if (is_file(layers[layer].kind))
+    const std::string_view text = text_of(layers[layer]).substr(offset);
+    if (!is_file(layers[layer].kind))
     {
-        LINE_PARTS parts;
-        outcome_of_line(text, parts);
-        assigned.name = parts.name;
-        assigned.value = parts.value;
-        return assigned;
+        const std::string_view item = text.substr(0, text.find(separator_of_items(layers[layer].source->bytes)));
+        return gen_remove_leading_and_trailing_spaces(std::string(item.substr(item.find('=') + 1)));
     }
-    // The separator first, which the item alone does not tell.
-    const std::string item = separator_of_items(layers[layer].source->bytes) + std::string(text);
-    INLINE_ITEMS items(item);
-    OUTCOME outcome{};
-    while (items.next(outcome, assigned.name, assigned.value))
-    {
-    }
-    return assigned;
+    LINE_PARTS parts;
+    outcome_of_line(text.substr(0, text.find('\n')), parts);
+    return std::string(parts.value);
 }
 
-std::optional<NAMESAKES::ASSIGNED> NAMESAKES::first_before(std::string_view name, ASSIGNMENT_NUMBER assignment) const
+LOCATION NAMESAKES::location_of(std::size_t layer, std::size_t position) const
 {
-    const VARIABLE_PLACE* const variable = find(name);
-    if (variable == nullptr || variable->first >= assignment)
-        return std::nullopt;
-    return assigned_at(variable->layer, variable->offset, variable->position);
+    return {layers[layer].kind, layers[layer].source->path, position};
+}
+
+std::optional<NAMESAKES::SPELT> NAMESAKES::first_before(std::string_view name, ASSIGNMENT_NUMBER assignment) const
+{
+    for (std::size_t layer = 0; layer < layers.size(); ++layer)
+    {
+        const VARIABLE_PLACE* const variable = find(layer, name);
+        if (variable != nullptr && variable->first < assignment)
+            return SPELT{name_at(layer, variable->offset), location_of(layer, variable->position)};
+    }
+    return std::nullopt;
 }
 
 std::optional<NAMESAKES::ASSIGNED> NAMESAKES::next(ASSIGNMENT_NUMBER assignment) const
@@ -141,11 +144,11 @@ std::optional<NAMESAKES::ASSIGNED> NAMESAKES::next(ASSIGNMENT_NUMBER assignment)
     const auto found = std::ranges::lower_bound(followed, assignment, {}, &FOLLOWED::assignment);
     if (found == followed.end() || found->assignment != assignment)
         return std::nullopt;
-    return assigned_at(found->layer, found->offset, found->position);
+    return ASSIGNED{value_at(found->layer, found->offset), location_of(found->layer, found->position)};
 }
 
-bool NAMESAKES::may_be_assigned_to_later(std::string_view name, std::size_t layer, ASSIGNMENT_NUMBER assignment) const
+bool NAMESAKES::is_assigned_to_later(std::string_view name, std::size_t layer, ASSIGNMENT_NUMBER assignment) const
 {
-    const VARIABLE_PLACE* const variable = find(name);
-    return variable != nullptr && variable->last >= assignment && (variable->layers & (1U << layer)) != 0;
+    const VARIABLE_PLACE* const variable = find(layer, name);
+    return variable != nullptr && variable->last >= assignment;
 }

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <ranges>
 
 #include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/text.h"
@@ -49,10 +50,13 @@ std::vector<std::string_view> lines_of(std::string_view text)
 // "write 'a = 1'", as far as people want to read it.
 std::string advice_for(std::string_view text)
 {
+    constexpr std::size_t most = 3; // lines that are shown
     const std::vector<std::string_view> lines = lines_of(text);
     std::string advice;
-    for (const std::string_view line : lines)
+    for (const std::string_view line : lines | std::views::take(most))
         advice += (advice.empty() ? "write " : " and ") + in_single_quotes(without_outer_white(line));
+    if (lines.size() > most)
+        advice += " and " + std::to_string(lines.size() - most) + " more";
     return advice + (lines.size() > 1 ? " on lines of their own" : "");
 }
 
@@ -95,9 +99,9 @@ std::optional<std::string> SETTINGS_RULES::text_meant_by(const STATEMENT& statem
                : std::nullopt;
 }
 
-// What the rules say of a text in the place of the statement.
-REASONS SETTINGS_RULES::reasons_of_text(const std::string& text, const STATEMENT& statement,
-                                        const STANDING& standing) const
+// What the rules say of a text in the place of the statement; nothing when they say anything but what is `allowed`.
+std::optional<REASONS> SETTINGS_RULES::reasons_of_text(const std::string& text, const STATEMENT& statement,
+                                                       const STANDING& standing, const REASONS& allowed) const
 {
     REASONS reasons;
     VARIABLE_NAMES names;
@@ -108,6 +112,7 @@ REASONS SETTINGS_RULES::reasons_of_text(const std::string& text, const STATEMENT
                     EXAMINATION(layers, namesakes, changed, {standing.number, standing.is_assignment, false, true}));
         if (changed.outcome == OUTCOME::STORED && !names.emplace(changed.name).second)
             reasons.emplace("overridden"); // by another part of the text
+        return std::ranges::includes(allowed, reasons);
     };
     if (is_file(layers[statement.layer].kind))
     {
@@ -118,7 +123,8 @@ REASONS SETTINGS_RULES::reasons_of_text(const std::string& text, const STATEMENT
             changed.outcome = outcome_of_line(line, parts);
             changed.name = parts.name;
             changed.value = parts.value;
-            examine();
+            if (!examine())
+                return std::nullopt;
         }
         return reasons;
     }
@@ -132,7 +138,8 @@ REASONS SETTINGS_RULES::reasons_of_text(const std::string& text, const STATEMENT
         changed.text = walk.text();
         changed.name = name;
         changed.value = value;
-        examine();
+        if (!examine())
+            return std::nullopt;
     }
     return reasons;
 }
@@ -142,13 +149,13 @@ void SETTINGS_RULES::suggest(std::vector<NOTICE>& notices, const STATEMENT& stat
     const std::optional<std::string> text = text_meant_by(statement);
     if (!text || *text == statement.text)
         return;
-    const REASONS after = reasons_of_text(*text, statement, standing);
-    if (!std::ranges::includes(reasons_of(notices), after))
+    const std::optional<REASONS> after = reasons_of_text(*text, statement, standing, reasons_of(notices));
+    if (!after)
         return;
     const bool is_comment = text->find(comment_sign) == text->find_first_not_of(" \t");
     for (NOTICE& notice : notices)
     {
-        if (after.contains(notice.finding.reason))
+        if (after->contains(notice.finding.reason))
             continue;
         notice.finding.replacement = text;
         if (notice.condition != nullptr)
@@ -220,7 +227,7 @@ void SETTINGS_RULES::run(const std::function<void(const FINDING&)>& take)
     for (ASSIGNMENT_NUMBER number = 0; statements.next(statement);)
     {
         const bool is_assignment = statement.outcome == OUTCOME::STORED;
-        const bool is_first = is_assignment && namesakes.is_first(number, variables);
+        const bool is_first = is_assignment && namesakes.is_first_in_layer(number, variables);
         std::ranges::for_each(findings(statement, number, is_first), take);
         variables += is_first ? 1U : 0U;
         number += is_assignment ? 1 : 0;

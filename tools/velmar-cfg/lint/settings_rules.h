@@ -32,7 +32,8 @@ public:
 
 private:
     std::optional<std::string> text_meant_by(const STATEMENT& statement) const;
-    REASONS reasons_of_text(const std::string& text, const STATEMENT& statement, const STANDING& standing) const;
+    std::optional<REASONS> reasons_of_text(const std::string& text, const STATEMENT& statement,
+                                           const STANDING& standing, const REASONS& allowed) const;
     void suggest(std::vector<NOTICE>& notices, const STATEMENT& statement, const STANDING& standing) const;
     bool other_separator_helps(const std::string& text);
     void suggest_other_separator(std::vector<NOTICE>& notices, const STATEMENT& statement) const;

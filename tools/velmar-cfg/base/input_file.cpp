@@ -33,6 +33,29 @@ std::string problem_of_errno(const char* advice)
 constexpr const char* not_found = "; check the path";
 constexpr const char* not_permitted = "; make the file readable for this user";
 
+// Reads what there is, at least one byte but at the end, and waits for it: standard input may not block. Negative, with
+// errno set, when the disk fails.
+ssize_t read_some(int file, char* to, std::size_t room)
+{
+    for (;;)
+    {
+        const ssize_t got = ::read(file, to, room);
+        if (got >= 0 || (errno != EINTR && errno != EAGAIN))
+            return got;
+        if (errno == EAGAIN)
+        {
+            pollfd readable{file, POLLIN, 0};
+            poll(&readable, 1, -1);
+        }
+    }
+}
+
+std::string problem_of_reading(std::size_t bytes_before)
+{
+    return problem_of_errno(
+        (", after " + std::to_string(bytes_before) + " bytes; check the device, or name a copy of the file").c_str());
+}
+
 // Reads until nothing is left, whatever size the file was said to have: it may grow meanwhile.
 std::string read_to_end(int file, std::size_t expected_size, std::string& bytes)
 {
@@ -43,23 +66,61 @@ std::string read_to_end(int file, std::size_t expected_size, std::string& bytes)
         // One byte more than expected, so that the end is seen without a further allocation.
         if (size == bytes.size())
             bytes.resize(size == 0 ? expected_size + 1 : size + std::max(size / 2, least_room));
-        const ssize_t got = ::read(file, bytes.data() + size, bytes.size() - size);
-        if (got > 0)
-            size += static_cast<std::size_t>(got);
-        else if (got < 0 && errno == EAGAIN) // standard input may not block
+        const ssize_t got = read_some(file, bytes.data() + size, bytes.size() - size);
+        if (got <= 0)
         {
-            pollfd readable{file, POLLIN, 0};
-            poll(&readable, 1, -1);
-        }
-        else if (got == 0 || errno != EINTR)
-        {
+            std::string problem = got == 0 ? std::string() : problem_of_reading(size);
             bytes.resize(size);
-            return got == 0 ? std::string()
-                            : problem_of_errno((", after " + std::to_string(size) +
-                                                " bytes; check the device, or name a copy of the file")
-                                                   .c_str());
+            return problem;
         }
+        size += static_cast<std::size_t>(got);
     }
+}
+
+struct OPENED_FILE
+{
+    int descriptor = -1;
+    std::size_t expected_size = 0; // in bytes, where it is known
+    std::string problem;           // which left it closed
+    bool gone = false;
+};
+
+// A file that the user named to be read once, or standard input.
+OPENED_FILE open_named_file(const std::string& path)
+{
+    OPENED_FILE file;
+    if (path == "-")
+    {
+        static bool already_read = false;
+        if (std::exchange(already_read, true))
+            file.problem = "has been read already; give - once";
+        else
+            file.descriptor = STDIN_FILENO;
+        return file;
+    }
+    file.descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+    if (file.descriptor < 0)
+    {
+        file.gone = errno == ENOENT;
+        file.problem = problem_of_errno(errno == EACCES ? not_permitted : not_found);
+        return file;
+    }
+    struct stat found;
+    const bool known = fstat(file.descriptor, &found) == 0;
+    if (known && S_ISREG(found.st_mode))
+        file.expected_size = static_cast<std::size_t>(found.st_size);
+    if (known && S_ISDIR(found.st_mode))
+    {
+        file.problem = is_directory;
+        close(std::exchange(file.descriptor, -1));
+    }
+    return file;
+}
+
+void close_named_file(int descriptor)
+{
+    if (descriptor >= 0 && descriptor != STDIN_FILENO)
+        close(descriptor);
 }
 }
 
@@ -107,30 +168,34 @@ std::string title_of_named_file(const std::string& path)
 
 INPUT_FILE read_named_file(const std::string& path)
 {
-    INPUT_FILE result{title_of_named_file(path), {}, {}};
-    if (path == "-")
-    {
-        static bool already_read = false;
-        result.problem = std::exchange(already_read, true) ? "has been read already; give - once"
-                                                           : read_to_end(STDIN_FILENO, 0, result.bytes);
-        return result;
-    }
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
-    if (file < 0)
-    {
-        result.gone = errno == ENOENT;
-        result.problem = problem_of_errno(errno == EACCES ? not_permitted : not_found);
-        return result;
-    }
-    struct stat found;
-    const bool known = fstat(file, &found) == 0;
-    if (known && S_ISDIR(found.st_mode))
-        result.problem = is_directory;
-    else
-        result.problem = read_to_end(
-            file, known && S_ISREG(found.st_mode) ? static_cast<std::size_t>(found.st_size) : 0, result.bytes);
-    close(file);
+    OPENED_FILE file = open_named_file(path);
+    INPUT_FILE result{title_of_named_file(path), {}, std::move(file.problem), file.gone};
+    if (result.problem.empty())
+        result.problem = read_to_end(file.descriptor, file.expected_size, result.bytes);
+    close_named_file(file.descriptor);
     return result;
+}
+
+NAMED_FILE::NAMED_FILE(const std::string& path) : title(title_of_named_file(path))
+{
+    const OPENED_FILE file = open_named_file(path);
+    if (!file.problem.empty())
+        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, title + ": " + file.problem);
+    descriptor = file.descriptor;
+}
+
+NAMED_FILE::~NAMED_FILE()
+{
+    close_named_file(descriptor);
+}
+
+std::size_t NAMED_FILE::read(char* to, std::size_t room)
+{
+    const ssize_t got = read_some(descriptor, to, room);
+    if (got < 0)
+        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, title + ": " + problem_of_reading(bytes_read));
+    bytes_read += static_cast<std::size_t>(got);
+    return static_cast<std::size_t>(got);
 }
 
 std::string_view INPUT_FILE::whole_lines() const

@@ -3,11 +3,14 @@
 #ifndef TOOLS_VELMAR_CFG_BASE_INPUT_FILE_H
 #define TOOLS_VELMAR_CFG_BASE_INPUT_FILE_H
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "tools/velmar-cfg/base/byte_source.h"
 
 struct INPUT_FILE
 {
@@ -33,6 +36,21 @@ INPUT_FILE read_open_file(int file, const std::string& path);
 // The same for a file that the user named to be read once, to its end: "-" is standard input, and a pipe or a device is
 // waited for. Standard input can be read once.
 INPUT_FILE read_named_file(const std::string& path);
+
+// The same a part at a time. What keeps it from being read throws TOOL_ERROR(BAD_INPUT) with the path.
+class NAMED_FILE : public BYTE_SOURCE
+{
+public:
+    explicit NAMED_FILE(const std::string& path);
+    ~NAMED_FILE() override;
+
+    std::size_t read(char* to, std::size_t room) override;
+
+private:
+    const std::string title;
+    int descriptor;
+    std::size_t bytes_read = 0;
+};
 
 // What such a file is called: its path, or "standard input".
 std::string title_of_named_file(const std::string& path);

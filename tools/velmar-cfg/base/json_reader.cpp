@@ -8,8 +8,6 @@
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/text.h"
 
-using nlohmann::ordered_json;
-
 namespace
 {
 [[noreturn]] void throw_bad_input(const std::string& file, const std::string& what)
@@ -17,112 +15,78 @@ namespace
     throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, file + ": " + what);
 }
 
-// "line 3, column 14" of the byte at which parsing stopped, counted from 1.
-std::string line_and_column(const std::string& bytes, std::size_t byte)
-{
-    const std::string before = bytes.substr(0, byte == 0 ? 0 : byte - 1);
-    const std::size_t last_newline = before.rfind('\n');
-    const std::size_t column = last_newline == std::string::npos ? before.size() + 1 : before.size() - last_newline;
-    return "line " + std::to_string(1 + std::count(before.begin(), before.end(), '\n')) + ", column " +
-           std::to_string(column);
+constexpr const char* write_again = "; have the file written again";
 }
 
-ordered_json parsed(const std::string& path, const DOCUMENT_KIND& kind)
+std::string JSON_NODE::path() const
 {
-    const std::string bytes = read_named_input_file(path);
-    const std::string file = title_of_named_file(path);
-    try
-    {
-        return ordered_json::parse(bytes);
-    }
-    catch (const ordered_json::parse_error& error)
-    {
-        throw_bad_input(file, "no well-formed JSON, from " + line_and_column(bytes, error.byte) + " on; give a " +
-                                  kind.title + " as " + kind.maker + " writes it");
-    }
-    catch (const ordered_json::out_of_range&)
-    {
-        throw_bad_input(file, std::string("a number in it is too large; give a ") + kind.title + " as " + kind.maker +
-                                  " writes it");
-    }
-}
-
-void check_kind(const std::string& file, const ordered_json& document, const DOCUMENT_KIND& kind)
-{
-    const auto schema = document.find("schema");
-    const auto version = document.find("schema_version");
-    if (schema == document.end() || *schema != kind.schema || version == document.end() ||
-        !version->is_number_unsigned() || *version == 0)
-        throw_bad_input(file, std::string("is no ") + kind.title + "; give one that " + kind.maker + " has written");
-    if (version->get<std::uint64_t>() > static_cast<std::uint64_t>(kind.newest_version))
-        throw_bad_input(file, std::string("is a ") + kind.title + " of version " + version->dump() +
-                                  ", and this velmar-cfg knows them up to version " +
-                                  std::to_string(kind.newest_version) + "; use a newer velmar-cfg");
-}
-}
-
-JSON_NODE::JSON_NODE(const ordered_json& the_value, const std::string& the_file, std::string the_path)
-    : value(the_value), file(the_file), path(std::move(the_path))
-{
+    const std::string of_tree =
+        place->list == nullptr ? "" : "." + std::string(place->list) + "[" + std::to_string(place->row) + "]";
+    return of_tree + tree->path(index);
 }
 
 JSON_NODE JSON_NODE::member(const char* name) const
 {
-    const std::string location = path + "." + name;
-    const auto found = value.find(name);
-    if (found == value.end())
-        throw_bad_input(file, location + " is missing; have the file written again");
-    return {*found, file, location};
+    const std::optional<JSON_TREE::INDEX> found = tree->member(index, name);
+    if (!found)
+        throw_bad_input(place->file, path() + "." + name + " is missing" + write_again);
+    return {*tree, *found, *place};
 }
 
 std::vector<JSON_NODE> JSON_NODE::elements() const
 {
-    if (!value.is_array())
-        throw_bad_input(file, path + " is no list; have the file written again");
-    std::vector<JSON_NODE> positions;
-    for (std::size_t i = 0; i < value.size(); ++i)
-        positions.emplace_back(value[i], file, path + "[" + std::to_string(i) + "]");
-    return positions;
+    if (kind() != JSON_TOKEN::BEGIN_LIST)
+        refuse("list");
+    std::vector<JSON_NODE> nodes;
+    for (JSON_TREE::INDEX i = tree->begin(index); i != tree->end(index); i = tree->behind(i))
+        nodes.emplace_back(*tree, i, *place);
+    return nodes;
 }
 
 void JSON_NODE::refuse(const char* wanted) const
 {
-    throw_bad_input(file, path + " is no " + wanted + "; have the file written again");
+    throw_bad_input(place->file, path() + " is no " + wanted + write_again);
 }
 
-template <typename T>
-T JSON_NODE::as(bool fits, const char* wanted) const
+void JSON_NODE::require(bool fits, const char* wanted) const
 {
     if (!fits)
         refuse(wanted);
-    return value.get<T>();
 }
 
 template <typename READ>
 auto JSON_NODE::unless_null(READ read) const -> std::optional<decltype(read())>
 {
-    return value.is_null() ? std::nullopt : std::optional(read());
+    return kind() == JSON_TOKEN::NOTHING ? std::nullopt : std::optional(read());
+}
+
+// Whether it is an object with that member and no other.
+bool JSON_NODE::has_no_member_but(const char* name) const
+{
+    const std::optional<JSON_TREE::INDEX> member = tree->member(index, name);
+    return member && member == tree->begin(index) && tree->behind(*member) == tree->end(index);
+}
+
+// The parts of the text, of which those that are hidden become marks.
+std::string JSON_NODE::masked_text() const
+{
+    std::string text;
+    for (const JSON_NODE& part : member("masked").elements())
+        text += part.kind() == JSON_TOKEN::NOTHING || tree->member(part.index, "hmac")
+                    ? mark_of(part.hidden_part_or_null().value_or(HIDDEN_PART{{}, {}, false}))
+                    : part.text();
+    return text;
 }
 
 std::string JSON_NODE::text() const
 {
-    if (!value.is_object())
-        return as<std::string>(value.is_string(), "text");
-    if (value.size() == 1 && value.contains("masked"))
-    {
-        std::string text;
-        for (const JSON_NODE& part : member("masked").elements())
-            text += part.value.is_null() || part.value.contains("hmac")
-                        ? mark_of(part.hidden_part_or_null().value_or(HIDDEN_PART{{}, {}, false}))
-                        : part.text();
-        return text;
-    }
-    const auto hex = value.find("hex");
-    if (value.size() != 1 || hex == value.end() || !hex->is_string())
-        refuse("text");
-    std::optional<std::string> bytes = from_hexadecimal(hex->get_ref<const std::string&>());
-    if (!bytes)
-        refuse("text");
+    if (kind() == JSON_TOKEN::TEXT)
+        return std::string(tree->text(index));
+    if (has_no_member_but("masked"))
+        return masked_text();
+    require(has_no_member_but("hex") && tree->kind(tree->begin(index)) == JSON_TOKEN::TEXT, "text");
+    std::optional<std::string> bytes = from_hexadecimal(tree->text(tree->begin(index)));
+    require(bytes.has_value(), "text");
     return *std::move(bytes);
 }
 
@@ -149,7 +113,8 @@ std::optional<HIDDEN_PART> JSON_NODE::hidden_part_or_null() const
 
 std::uint64_t JSON_NODE::natural_number() const
 {
-    return as<std::uint64_t>(value.is_number_unsigned(), "natural number");
+    require(kind() == JSON_TOKEN::NATURAL, "natural number");
+    return tree->natural(index);
 }
 
 std::optional<std::uint64_t> JSON_NODE::natural_number_or_null() const
@@ -159,34 +124,62 @@ std::optional<std::uint64_t> JSON_NODE::natural_number_or_null() const
 
 std::optional<int> JSON_NODE::int_or_null() const
 {
-    const bool fits = value.is_number_unsigned()
-                          ? std::in_range<int>(value.get<std::uint64_t>())
-                          : value.is_number_integer() && std::in_range<int>(value.get<std::int64_t>());
-    return unless_null([&] { return as<int>(fits, "signed 32-bit number"); });
+    const auto read = [this]
+    {
+        const bool is_natural = kind() == JSON_TOKEN::NATURAL;
+        require(is_natural ? std::in_range<int>(tree->natural(index))
+                           : kind() == JSON_TOKEN::NEGATIVE && std::in_range<int>(tree->negative(index)),
+                "signed 32-bit number");
+        return is_natural ? static_cast<int>(tree->natural(index)) : static_cast<int>(tree->negative(index));
+    };
+    return unless_null(read);
 }
 
 std::optional<unsigned int> JSON_NODE::uint_or_null() const
 {
-    const bool fits = value.is_number_unsigned() && std::in_range<unsigned int>(value.get<std::uint64_t>());
-    return unless_null([&] { return as<unsigned int>(fits, "unsigned 32-bit number"); });
+    const auto read = [this]
+    {
+        require(kind() == JSON_TOKEN::NATURAL && std::in_range<unsigned int>(tree->natural(index)),
+                "unsigned 32-bit number");
+        return static_cast<unsigned int>(tree->natural(index));
+    };
+    return unless_null(read);
 }
 
-std::optional<double> JSON_NODE::double_or_null() const
+double JSON_NODE::number() const
 {
-    if (!value.is_string())
-        return unless_null([this] { return as<double>(value.is_number(), "number"); });
-    for (const double number : {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
-                                std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::quiet_NaN()})
+    switch (kind())
     {
-        if (number_as_text(number) == value.get_ref<const std::string&>())
-            return number;
+    case JSON_TOKEN::NATURAL:
+        return static_cast<double>(tree->natural(index));
+    case JSON_TOKEN::NEGATIVE:
+        return static_cast<double>(tree->negative(index));
+    case JSON_TOKEN::FLOATING:
+        return tree->floating(index);
+    case JSON_TOKEN::TEXT:
+        for (const double number :
+             {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
+              std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::quiet_NaN()})
+        {
+            if (number_as_text(number) == tree->text(index))
+                return number;
+        }
+        break;
+    default:
+        break;
     }
     refuse("number");
 }
 
+std::optional<double> JSON_NODE::double_or_null() const
+{
+    return unless_null([this] { return number(); });
+}
+
 bool JSON_NODE::truth() const
 {
-    return as<bool>(value.is_boolean(), "truth value");
+    require(kind() == JSON_TOKEN::TRUTH, "truth value");
+    return tree->truth(index);
 }
 
 std::optional<bool> JSON_NODE::truth_or_null() const
@@ -194,8 +187,93 @@ std::optional<bool> JSON_NODE::truth_or_null() const
     return unless_null([this] { return truth(); });
 }
 
-JSON_DOCUMENT::JSON_DOCUMENT(const std::string& path, const DOCUMENT_KIND& kind)
-    : file(title_of_named_file(path)), document(parsed(path, kind))
+// --- Documents ---
+
+JSON_DOCUMENT::JSON_DOCUMENT(const std::string& path, const DOCUMENT_KIND& of_kind, const std::vector<JSON_ROWS>& lists)
+    : kind(of_kind), place{title_of_named_file(path)}
 {
-    check_kind(file, document, kind);
+    NAMED_FILE file(path);
+    const std::string as_written = std::string("; give a ") + kind.title + " as " + kind.maker + " writes it";
+    try
+    {
+        JSON_TOKENS tokens(file);
+        read(tokens, lists);
+    }
+    catch (const JSON_ERROR& error)
+    {
+        if (error.number_too_large)
+            throw_bad_input(place.file, "a number in it is too large" + as_written);
+        throw_bad_input(place.file, "no well-formed JSON, from line " + std::to_string(error.line) + ", column " +
+                                        std::to_string(error.column) + " on" + as_written);
+    }
+    require_kind();
+    for (const JSON_ROWS& rows : lists)
+    {
+        if (std::ranges::count(lists_read, rows.list) == 0)
+            take_kept_rows(rows);
+    }
+}
+
+void JSON_DOCUMENT::read(JSON_TOKENS& tokens, const std::vector<JSON_ROWS>& lists)
+{
+    if (const JSON_TOKEN first = tokens.next(); first != JSON_TOKEN::BEGIN_OBJECT)
+    {
+        document.read(tokens, first);
+        tokens.next(); // nothing may follow
+        return;
+    }
+    document.begin_object();
+    while (tokens.next() == JSON_TOKEN::KEY)
+        read_member(tokens, lists);
+    tokens.next();
+}
+
+void JSON_DOCUMENT::read_member(JSON_TOKENS& tokens, const std::vector<JSON_ROWS>& lists)
+{
+    const std::string key(tokens.text());
+    const JSON_TOKEN first = tokens.next();
+    const auto rows = std::ranges::find_if(lists, [&key](const JSON_ROWS& candidate) { return key == candidate.list; });
+    if (rows != lists.end() && (document.member(0, key) || std::ranges::count(lists_read, key) > 0))
+        throw_bad_input(place.file, "." + key + " is there twice" + write_again);
+    if (rows == lists.end() || first != JSON_TOKEN::BEGIN_LIST || !document.member(0, "schema") ||
+        !document.member(0, "schema_version"))
+    {
+        document.add_member(tokens, key, first);
+        return;
+    }
+    require_kind();
+    lists_read.push_back(key);
+    read_rows(tokens, *rows);
+}
+
+void JSON_DOCUMENT::read_rows(JSON_TOKENS& tokens, const JSON_ROWS& rows)
+{
+    JSON_TREE row;
+    JSON_PLACE row_place{place.file, rows.list, 0};
+    for (JSON_TOKEN first = tokens.next(); first != JSON_TOKEN::END_LIST; first = tokens.next(), ++row_place.row)
+    {
+        row.read(tokens, first);
+        rows.take(JSON_NODE(row, 0, row_place));
+    }
+}
+
+void JSON_DOCUMENT::take_kept_rows(const JSON_ROWS& rows)
+{
+    for (const JSON_NODE& row : root().member(rows.list).elements())
+        rows.take(row);
+}
+
+void JSON_DOCUMENT::require_kind() const
+{
+    const std::optional<JSON_TREE::INDEX> schema = document.member(0, "schema");
+    const std::optional<JSON_TREE::INDEX> version = document.member(0, "schema_version");
+    const std::uint64_t number =
+        version && document.kind(*version) == JSON_TOKEN::NATURAL ? document.natural(*version) : 0;
+    if (!schema || document.kind(*schema) != JSON_TOKEN::TEXT || document.text(*schema) != kind.schema || number == 0)
+        throw_bad_input(place.file,
+                        std::string("is no ") + kind.title + "; give one that " + kind.maker + " has written");
+    if (number > static_cast<std::uint64_t>(kind.newest_version))
+        throw_bad_input(place.file, std::string("is a ") + kind.title + " of version " + std::to_string(number) +
+                                        ", and this velmar-cfg knows them up to version " +
+                                        std::to_string(kind.newest_version) + "; use a newer velmar-cfg");
 }

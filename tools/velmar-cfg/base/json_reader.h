@@ -3,12 +3,13 @@
 #define TOOLS_VELMAR_CFG_BASE_JSON_READER_H
 
 #include <cstdint>
-#include <nlohmann/json.hpp>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/base/json_tree.h"
 
 // A kind of document: what its fields "schema" and "schema_version" must say, and what it is called.
 struct DOCUMENT_KIND
@@ -19,12 +20,24 @@ struct DOCUMENT_KIND
     const char* maker; // what writes one, for the complaint about a file that is none
 };
 
+// Where the value of a tree stands.
+struct JSON_PLACE
+{
+    std::string file;
+    const char* list = nullptr; // of which the value is a row; null for a whole document
+    std::size_t row = 0;
+};
+
 // One value of a document. Every reader throws TOOL_ERROR(BAD_INPUT) when the value is not there or of another type.
-// The document must outlive it.
+// The document must outlive it, or be reading the row that it belongs to.
 class JSON_NODE
 {
 public:
-    JSON_NODE(const nlohmann::ordered_json& value, const std::string& file, std::string path);
+    // `path_of_tree` says where in the document of that file the tree's value stands: ".variables[3]".
+    JSON_NODE(const JSON_TREE& of_values, JSON_TREE::INDEX its_index, const JSON_PLACE& of_tree)
+        : tree(&of_values), index(its_index), place(&of_tree)
+    {
+    }
 
     JSON_NODE member(const char* name) const;
     std::vector<JSON_NODE> elements() const;
@@ -46,17 +59,30 @@ public:
 
 private:
     std::string hash_of_64_bits() const;
-
-    template <typename T>
-    T as(bool fits, const char* wanted) const;
+    std::string masked_text() const;
+    bool has_no_member_but(const char* name) const;
+    void require(bool fits, const char* wanted) const;
+    double number() const;
+    std::string path() const; // ".read[3].count"
+    JSON_TOKEN kind() const
+    {
+        return tree->kind(index);
+    }
 
     // null for null, else what `read` makes of the value.
     template <typename READ>
     auto unless_null(READ read) const -> std::optional<decltype(read())>;
 
-    const nlohmann::ordered_json& value;
-    const std::string& file;
-    const std::string path; // ".read[3].count"
+    const JSON_TREE* tree;
+    JSON_TREE::INDEX index;
+    const JSON_PLACE* place;
+};
+
+// A list of a document whose rows are taken one at a time and not kept, so that a million of them need no memory.
+struct JSON_ROWS
+{
+    const char* list; // the key of a member of the document
+    std::function<void(const JSON_NODE& row)> take;
 };
 
 // A document of a file.
@@ -64,17 +90,28 @@ class JSON_DOCUMENT
 {
 public:
     // Throws TOOL_ERROR(BAD_INPUT) for a file that cannot be read, is no JSON, is of another kind, or of a version that
-    // is newer than the kind's.
-    JSON_DOCUMENT(const std::string& path, const DOCUMENT_KIND& kind);
+    // is newer than the kind's. The rows of those lists are taken in order while the document is read; the other
+    // members are kept. What stands before the kind and the version, which are the first members, is kept until it is
+    // known that there are such; where they come later, so are the lists.
+    explicit JSON_DOCUMENT(const std::string& path, const DOCUMENT_KIND& of_kind,
+                           const std::vector<JSON_ROWS>& lists = {});
 
     JSON_NODE root() const
     {
-        return {document, file, ""};
+        return {document, 0, place};
     }
 
 private:
-    const std::string file;
-    nlohmann::ordered_json document;
+    void read(JSON_TOKENS& tokens, const std::vector<JSON_ROWS>& lists);
+    void read_member(JSON_TOKENS& tokens, const std::vector<JSON_ROWS>& lists);
+    void read_rows(JSON_TOKENS& tokens, const JSON_ROWS& rows);
+    void take_kept_rows(const JSON_ROWS& rows);
+    void require_kind() const;
+
+    const DOCUMENT_KIND& kind;
+    JSON_PLACE place;
+    JSON_TREE document;
+    std::vector<std::string> lists_read;
 };
 
 #endif

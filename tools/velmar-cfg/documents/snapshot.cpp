@@ -27,17 +27,22 @@ SNAPSHOT_VARIABLE SNAPSHOT_VARIABLES::operator[](std::size_t index) const
             settings->location_of(variable), variable.layers, read_typed(value)};
 }
 
-std::string_view SNAPSHOT_VARIABLES::lasting(std::string_view text)
+std::string_view SNAPSHOT_VARIABLES::name(std::size_t index) const
 {
-    return texts.emplace_back(text);
+    return settings ? settings->name_of(settings->variables()[order[index]]) : rows[index].name;
 }
 
-void SNAPSHOT_VARIABLES::add(const SNAPSHOT_VARIABLE& row)
+bool SNAPSHOT_VARIABLES::add(const SNAPSHOT_VARIABLE& row)
 {
+    const std::size_t hash = hash_of_name(row.name);
+    if (index_of_rows.find(hash, [&](std::uint32_t other) { return same_name(rows[other].name, row.name); }))
+        return false;
+    index_of_rows.add(hash, static_cast<std::uint32_t>(rows.size()));
     SNAPSHOT_VARIABLE& kept = rows.emplace_back(row);
-    kept.name = lasting(row.name);
-    kept.value = lasting(row.value);
+    kept.name = texts.keep(row.name);
+    kept.value = texts.keep(row.value);
     // Most rows have the source of the one before.
     const bool same_source = rows.size() > 1 && rows[rows.size() - 2].location.source == row.location.source;
-    kept.location.source = same_source ? rows[rows.size() - 2].location.source : lasting(row.location.source);
+    kept.location.source = same_source ? rows[rows.size() - 2].location.source : texts.keep(row.location.source);
+    return true;
 }

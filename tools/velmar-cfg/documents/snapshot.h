@@ -4,14 +4,15 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "tools/velmar-cfg/base/hash_index.h"
 #include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/base/text_store.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/layers.h"
@@ -69,18 +70,19 @@ public:
 
     std::size_t size() const;
     SNAPSHOT_VARIABLE operator[](std::size_t index) const;
+    std::string_view name(std::size_t index) const;
 
-    // Keeps the row and its texts. Only for variables that were not made from settings.
-    void add(const SNAPSHOT_VARIABLE& row);
+    // Keeps the row and its texts, unless there is one of that name. Only for variables that were not made from
+    // settings.
+    bool add(const SNAPSHOT_VARIABLE& row);
 
 private:
-    std::string_view lasting(std::string_view text);
-
     std::optional<SETTINGS> settings;
     std::vector<std::uint32_t> order; // of the settings' variables
 
     std::vector<SNAPSHOT_VARIABLE> rows;
-    std::deque<std::string> texts; // of the rows
+    HASH_INDEX index_of_rows;
+    TEXT_STORE texts; // of the rows
 };
 
 struct SNAPSHOT

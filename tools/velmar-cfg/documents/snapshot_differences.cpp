@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <unordered_map>
 
+#include "tools/velmar-cfg/base/hash_index.h"
 #include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
-#include "tools/velmar-cfg/settings/variable_name.h"
 
 namespace
 {
@@ -91,6 +91,40 @@ std::optional<LAYER_KIND> maker_of(const VARIABLE_DIFFERENCE& rows)
     return highest_on_one_side(*rows.a, *rows.b, marks_external);
 }
 
+// Where the variables of a snapshot are, by name. Snapshots mostly hold the same names in the same order, so that the
+// one behind the last is tried first, and an index made only where that is another.
+class VARIABLES_BY_NAME
+{
+public:
+    explicit VARIABLES_BY_NAME(const SNAPSHOT_VARIABLES& of_snapshot) : variables(of_snapshot) {}
+
+    std::optional<std::size_t> find(std::string_view name)
+    {
+        std::optional<std::size_t> found;
+        if (next < variables.size() && same_name(variables.name(next), name))
+            found = next;
+        else
+            found = find_in_index(name);
+        if (found)
+            next = *found + 1;
+        return found;
+    }
+
+private:
+    std::optional<std::size_t> find_in_index(std::string_view name)
+    {
+        for (; indexed < variables.size(); ++indexed)
+            index.add(hash_of_name(variables.name(indexed)), static_cast<std::uint32_t>(indexed));
+        return index.find(hash_of_name(name),
+                          [&](std::uint32_t candidate) { return same_name(variables.name(candidate), name); });
+    }
+
+    const SNAPSHOT_VARIABLES& variables;
+    std::size_t next = 0;
+    HASH_INDEX index;
+    std::size_t indexed = 0;
+};
+
 std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAPSHOT& b,
                                                    std::vector<UNDECIDED_ROW>& undecided)
 {
@@ -102,28 +136,30 @@ std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAP
         difference.made_by = maker_of(difference);
         differences.push_back(std::move(difference));
     };
-    std::unordered_map<std::string_view, std::size_t, NAME_HASH, NAME_EQUAL> only_in_b;
-    for (std::size_t i = 0; i < b.variables.size(); ++i)
-        only_in_b.emplace(b.variables[i].name, i);
+    VARIABLES_BY_NAME of_b(b.variables);
+    std::vector<bool> in_both(b.variables.size());
     for (std::size_t i = 0; i < a.variables.size(); ++i)
     {
         const SNAPSHOT_VARIABLE left = a.variables[i];
-        const auto found = only_in_b.find(left.name);
-        if (found == only_in_b.end())
+        const std::optional<std::size_t> found = of_b.find(left.name);
+        if (!found)
         {
             add(left.name, left, std::nullopt);
             continue;
         }
-        const SNAPSHOT_VARIABLE right = b.variables[found->second];
+        const SNAPSHOT_VARIABLE right = b.variables[*found];
         const SAMENESS sameness = compare_answers(left, right);
         if (sameness == SAMENESS::DIFFERENT)
             add(left.name, left, right);
         else if (sameness == SAMENESS::UNKNOWN)
             undecided.push_back({"variables", std::string(left.name)});
-        only_in_b.erase(found);
+        in_both[*found] = true;
     }
-    for (const auto& [name, index] : only_in_b)
-        add(name, std::nullopt, b.variables[index]);
+    for (std::size_t i = 0; i < b.variables.size(); ++i)
+    {
+        if (!in_both[i])
+            add(b.variables.name(i), std::nullopt, b.variables[i]);
+    }
     std::ranges::sort(differences, {}, &VARIABLE_DIFFERENCE::name);
     return differences;
 }

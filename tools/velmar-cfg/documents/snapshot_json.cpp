@@ -10,7 +10,6 @@
 #include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
-#include "tools/velmar-cfg/settings/variable_name.h"
 
 namespace
 {
@@ -77,27 +76,21 @@ TYPED_READINGS read_readings(const JSON_NODE& readings)
             readings.member("double_whole").truth()};
 }
 
-SNAPSHOT_VARIABLES read_variables(const JSON_NODE& list, SECRETS& secrets)
+void read_variable(const JSON_NODE& row, SNAPSHOT_VARIABLES& variables, SECRETS& secrets)
 {
-    SNAPSHOT_VARIABLES variables;
-    VARIABLE_NAMES names;
-    for (const JSON_NODE& row : list.elements())
-    {
-        const std::string name = row.member("name").text();
-        const bool external = row.member("external").truth();
-        std::optional<std::string> file;
-        const LOCATION location = read_location(row, file);
-        const std::string value = hide_in_value(name, row.member("value").text(), secrets,
-                                                is_file(location.layer) ? kept_in_lines : kept_in_items);
-        LAYER_SET layers;
-        for (const JSON_NODE& code : row.member("layers").elements())
-            layers.insert(read_layer(code));
-        const TYPED_READINGS readings = read_readings(row.member("readings"));
-        variables.add({name, value, external, location, layers, has_hidden_parts(value) ? TYPED_READINGS() : readings});
-        if (!names.insert(name).second)
-            row.refuse(unlike_the_others);
-    }
-    return variables;
+    const std::string name = row.member("name").text();
+    const bool external = row.member("external").truth();
+    std::optional<std::string> file;
+    const LOCATION location = read_location(row, file);
+    const std::string value = hide_in_value(name, row.member("value").text(), secrets,
+                                            is_file(location.layer) ? kept_in_lines : kept_in_items);
+    LAYER_SET layers;
+    for (const JSON_NODE& code : row.member("layers").elements())
+        layers.insert(read_layer(code));
+    const TYPED_READINGS readings = read_readings(row.member("readings"));
+    if (!variables.add(
+            {name, value, external, location, layers, has_hidden_parts(value) ? TYPED_READINGS() : readings}))
+        row.refuse(unlike_the_others);
 }
 
 SNAPSHOT_PREFERENCE read_preference(const JSON_NODE& row, SECRETS& secrets)
@@ -182,9 +175,10 @@ void write_json(JSON_WRITER& out, const SNAPSHOT& snapshot)
 
 SNAPSHOT read_snapshot(const std::string& path, SECRETS& secrets)
 {
-    const JSON_DOCUMENT document(path, snapshot_kind);
-    const JSON_NODE root = document.root();
     SNAPSHOT snapshot;
+    const auto take_variable = [&](const JSON_NODE& row) { read_variable(row, snapshot.variables, secrets); };
+    const JSON_DOCUMENT document(path, snapshot_kind, {{"variables", take_variable}});
+    const JSON_NODE root = document.root();
     snapshot.product = root.member("product").text();
     snapshot.release = root.member("release").text();
     snapshot.project = root.member("project").text_or_null().value_or("");
@@ -196,7 +190,6 @@ SNAPSHOT read_snapshot(const std::string& path, SECRETS& secrets)
         root.member("environment"),
         [&secrets](const JSON_NODE& row) { return read_environment_variable(row, secrets); },
         &ENVIRONMENT_VARIABLE::name);
-    snapshot.variables = read_variables(root.member("variables"), secrets);
     snapshot.preferences = read_rows<std::set<std::string>>(
         root.member("preferences"), [&secrets](const JSON_NODE& row) { return read_preference(row, secrets); },
         &SNAPSHOT_PREFERENCE::key);

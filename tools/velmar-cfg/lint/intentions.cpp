@@ -21,7 +21,7 @@ std::string put_together(const std::vector<std::string>& lines, bool carriage_re
 {
     std::string text;
     for (const std::string& line : lines)
-        text += (text.empty() ? "" : carriage_returns && !text.ends_with('\r') ? "\r\n" : "\n") + line;
+        text += (text.empty() ? "" : carriage_returns ? "\r\n" : "\n") + line;
     return text;
 }
 
@@ -57,11 +57,20 @@ std::string joined(const std::vector<std::string_view>& words, std::string_view 
     return text;
 }
 
+// The name that was written as several words.
+std::optional<std::string> name_of_words(std::string_view text)
+{
+    const std::vector<std::string_view> words = words_of(text);
+    if (words.empty() || words.size() > most_words_of_a_name || !std::ranges::all_of(words, is_plain))
+        return std::nullopt;
+    return joined(words, "_");
+}
+
 // The comment with a blank before it, where it is one for sure and no part of the value.
 std::string rest_meant_by(std::string_view value, std::string_view rest)
 {
     const bool is_comment =
-        rest.starts_with('#') && !value.empty() && (is_scalar(value) || rest.size() == 1 || is_white(rest[1]));
+        rest.starts_with('#') && !value.empty() && (is_scalar(value) || (rest.size() > 1 && is_white(rest[1])));
     return (is_comment ? " " : "") + std::string(rest);
 }
 
@@ -144,15 +153,6 @@ std::string INTENTIONS::spelt(std::string_view name) const
         return *nearest;
     const std::optional<NAMESAKES::SPELT> first = namesakes.first_before(name);
     return first ? first->name : std::string(name);
-}
-
-std::optional<std::string> INTENTIONS::name_of_words(std::string_view text) const
-{
-    const std::vector<std::string_view> words = words_of(text);
-    if (words.empty() || words.size() > most_words_of_a_name || !std::ranges::all_of(words, is_plain))
-        return std::nullopt;
-    const std::string without_blanks = joined(words, "");
-    return find_known_variable(without_blanks) != nullptr ? without_blanks : joined(words, "_");
 }
 
 std::optional<std::string> INTENTIONS::name_meant_by(std::string_view written) const

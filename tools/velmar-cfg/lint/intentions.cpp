@@ -5,6 +5,8 @@
 
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/lint/written_form.h"
+#include "tools/velmar-cfg/settings/known_variables.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 
 namespace
 {
@@ -209,7 +211,7 @@ std::optional<std::string> INTENTIONS::of_ignored_line(std::string_view line) co
     const std::vector<std::string_view> words = words_of(visible);
     if (find_known_variable(words.front()) != nullptr)
         return words.size() == 2 ? of_assignment(joined(words, " = ")) : std::nullopt;
-    if (const std::optional<std::string> assignment = of_colon(line))
+    if (std::optional<std::string> assignment = of_colon(line))
         return assignment;
     return as_comment(line);
 }

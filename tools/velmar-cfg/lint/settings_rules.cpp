@@ -11,8 +11,10 @@
 #include <algorithm>
 #include <memory>
 
+#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/lint/written_form.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 #include "tools/velmar-cfg/settings/variable_name.h"
 
 namespace

@@ -149,10 +149,10 @@ TEST_P(LINES_WITHOUT_FINDINGS, set_what_they_look_like)
 
 INSTANTIATE_TEST_SUITE_P(table, LINES_WITHOUT_FINDINGS,
                          testing::Values("q = 1;", "q = 1;  // note", "q = 1; note", "q = 1# note", "q = on;# note",
-                                         "q = word;", "a.b = 1", "a-b[0] = 1", "key = abc==", "x = a=b",
-                                         "opt = -DX=1 -DY=2", "cmd = run x=1", "g = 1 h", "t = 12:30, 14:00",
-                                         "list = a, b,", "n = 1,2", "w = no way", "v = 0xzz", "# a comment\r# and more",
-                                         "a = 1\r", "\r\r", "e = 'it's'"));
+                                         "q = 1#note", "q = word;// note", "x = =y", "q = word;", "a.b = 1",
+                                         "a-b[0] = 1", "key = abc==", "x = a=b", "opt = -DX=1 -DY=2", "cmd = run x=1",
+                                         "g = 1 h", "t = 12:30, 14:00", "list = a, b,", "n = 1,2", "w = no way",
+                                         "v = 0xzz", "# a comment\r# and more", "a = 1\r", "\r\r", "e = 'it's'"));
 
 class ITEM_SUGGESTIONS : public testing::TestWithParam<SUGGESTION>
 {
@@ -174,12 +174,12 @@ INSTANTIATE_TEST_SUITE_P(
         SUGGESTION{"a=on\t;b=1", "white-space-kept", "a=on"}, SUGGESTION{"a=1;\nb = 2", "white-space-kept", "b = 2"},
         SUGGESTION{"a=\t1", "white-space-kept", "a=1"}, SUGGESTION{"a=\"x\"", "quotes-kept", "a=x"},
         SUGGESTION{"g=1 h=2", "second-assignment", "g=1;h=2"},
-        SUGGESTION{"x=0:g=1 h=2", "second-assignment", "g=1:h=2"}, SUGGESTION{"path+=x", "operator-in-name", nothing},
-        SUGGESTION{"a?=yes", "operator-in-name", "a = on"}, SUGGESTION{"\"c\"=1", "quoted-name", "c=1"},
-        SUGGESTION{"b==1", "double-equals", "b = 1"}, SUGGESTION{"msg_sqlite=no", "no-boolean", "msg_sqlite=off"},
-        SUGGESTION{"e=yes", "boolean-word", "e=on"}, SUGGESTION{"x=1:h=on;", "trailing-comma", "h=on"},
-        SUGGESTION{"ab", "no-equals-sign", nothing}, SUGGESTION{"=1", "empty-name", nothing},
-        SUGGESTION{"a=", "empty-value", nothing}));
+        SUGGESTION{"x=0:g=1 h=2", "second-assignment", "g=1:h=2"}, SUGGESTION{"a=\"x#y\"", "quotes-kept", nothing},
+        SUGGESTION{"path+=x", "operator-in-name", nothing}, SUGGESTION{"a?=yes", "operator-in-name", "a = on"},
+        SUGGESTION{"\"c\"=1", "quoted-name", "c=1"}, SUGGESTION{"b==1", "double-equals", "b = 1"},
+        SUGGESTION{"msg_sqlite=no", "no-boolean", "msg_sqlite=off"}, SUGGESTION{"e=yes", "boolean-word", "e=on"},
+        SUGGESTION{"x=1:h=on;", "trailing-comma", "h=on"}, SUGGESTION{"ab", "no-equals-sign", nothing},
+        SUGGESTION{"=1", "empty-name", nothing}, SUGGESTION{"a=", "empty-value", nothing}));
 
 TEST(SUGGESTED_SEPARATOR, makes_the_items_that_were_meant)
 {

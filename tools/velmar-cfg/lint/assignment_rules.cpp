@@ -7,8 +7,13 @@
 
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/lint/examination.h"
+#include "tools/velmar-cfg/lint/finding.h"
 #include "tools/velmar-cfg/lint/intentions.h"
+#include "tools/velmar-cfg/lint/namesakes.h"
 #include "tools/velmar-cfg/lint/written_form.h"
+#include "tools/velmar-cfg/settings/known_variables.h"
+#include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 
 void EXAMINATION::examine_assignment()
 {

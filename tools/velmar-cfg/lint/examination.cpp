@@ -5,6 +5,7 @@
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/lint/intentions.h"
 #include "tools/velmar-cfg/lint/written_form.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 
 FINDING separator_finding(const INPUT_FILE& source, std::size_t offset)
 {

@@ -5,6 +5,7 @@
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/lint/finding.h"
 #include "tools/velmar-cfg/lint/settings_rules.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 
 namespace
 {

@@ -8,6 +8,7 @@
 
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/settings/known_variables.h"
+#include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
 

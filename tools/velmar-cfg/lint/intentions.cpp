@@ -5,6 +5,8 @@
 
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/lint/written_form.h"
+#include "tools/velmar-cfg/settings/known_variables.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 
 namespace
 {
@@ -21,7 +23,7 @@ std::string put_together(const std::vector<std::string>& lines, bool carriage_re
 {
     std::string text;
     for (const std::string& line : lines)
-        text += (text.empty() ? "" : carriage_returns && !text.ends_with('\r') ? "\r\n" : "\n") + line;
+        text += (text.empty() ? "" : carriage_returns ? "\r\n" : "\n") + line;
     return text;
 }
 
@@ -57,11 +59,20 @@ std::string joined(const std::vector<std::string_view>& words, std::string_view 
     return text;
 }
 
+// The name that was written as several words.
+std::optional<std::string> name_of_words(std::string_view text)
+{
+    const std::vector<std::string_view> words = words_of(text);
+    if (words.empty() || words.size() > most_words_of_a_name || !std::ranges::all_of(words, is_plain))
+        return std::nullopt;
+    return joined(words, "_");
+}
+
 // The comment with a blank before it, where it is one for sure and no part of the value.
 std::string rest_meant_by(std::string_view value, std::string_view rest)
 {
     const bool is_comment =
-        rest.starts_with('#') && !value.empty() && (is_scalar(value) || rest.size() == 1 || is_white(rest[1]));
+        rest.starts_with('#') && !value.empty() && (is_scalar(value) || (rest.size() > 1 && is_white(rest[1])));
     return (is_comment ? " " : "") + std::string(rest);
 }
 
@@ -146,15 +157,6 @@ std::string INTENTIONS::spelt(std::string_view name) const
     return first ? first->name : std::string(name);
 }
 
-std::optional<std::string> INTENTIONS::name_of_words(std::string_view text) const
-{
-    const std::vector<std::string_view> words = words_of(text);
-    if (words.empty() || words.size() > most_words_of_a_name || !std::ranges::all_of(words, is_plain))
-        return std::nullopt;
-    const std::string without_blanks = joined(words, "");
-    return find_known_variable(without_blanks) != nullptr ? without_blanks : joined(words, "_");
-}
-
 std::optional<std::string> INTENTIONS::name_meant_by(std::string_view written) const
 {
     const WRITTEN_NAME name = name_as_written(written);
@@ -209,7 +211,7 @@ std::optional<std::string> INTENTIONS::of_ignored_line(std::string_view line) co
     const std::vector<std::string_view> words = words_of(visible);
     if (find_known_variable(words.front()) != nullptr)
         return words.size() == 2 ? of_assignment(joined(words, " = ")) : std::nullopt;
-    if (const std::optional<std::string> assignment = of_colon(line))
+    if (std::optional<std::string> assignment = of_colon(line))
         return assignment;
     return as_comment(line);
 }

@@ -31,7 +31,6 @@ private:
     std::optional<std::string> of_assignment(std::string_view line) const;
     std::optional<std::string> of_colon(std::string_view line) const;
     std::optional<std::string> name_meant_by(std::string_view written) const;
-    std::optional<std::string> name_of_words(std::string_view text) const;
 
     const NAMESAKES& namesakes;
 };

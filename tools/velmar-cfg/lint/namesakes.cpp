@@ -5,6 +5,8 @@
 
 #include "platform/gen/gen.h"
 #include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 
 namespace
 {

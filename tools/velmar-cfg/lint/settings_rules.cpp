@@ -10,11 +10,12 @@
 
 #include <algorithm>
 #include <memory>
-#include <ranges>
 
 #include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/lint/written_form.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 #include "tools/velmar-cfg/settings/variable_name.h"
 
 namespace
@@ -53,8 +54,8 @@ std::string advice_for(std::string_view text)
     constexpr std::size_t most = 3; // lines that are shown
     const std::vector<std::string_view> lines = lines_of(text);
     std::string advice;
-    for (const std::string_view line : lines | std::views::take(most))
-        advice += (advice.empty() ? "write " : " and ") + in_single_quotes(without_outer_white(line));
+    for (std::size_t i = 0; i < std::min(most, lines.size()); ++i)
+        advice += (i == 0 ? "write " : " and ") + in_single_quotes(without_outer_white(lines[i]));
     if (lines.size() > most)
         advice += " and " + std::to_string(lines.size() - most) + " more";
     return advice + (lines.size() > 1 ? " on lines of their own" : "");

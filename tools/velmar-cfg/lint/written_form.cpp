@@ -6,6 +6,8 @@
 #include <cmath>
 #include <limits>
 
+#include "tools/velmar-cfg/settings/library_rules.h"
+
 namespace
 {
 bool equal_words(std::string_view a, std::string_view b)
@@ -215,7 +217,7 @@ std::optional<std::string> hexadecimal_meant_by(std::string_view value)
 
 std::optional<std::string> integer_meant_by(std::string_view value)
 {
-    if (const std::optional<std::string> digits = hexadecimal_meant_by(value))
+    if (std::optional<std::string> digits = hexadecimal_meant_by(value))
         return digits;
     const double number = decimal_number(value).value_or(std::numeric_limits<double>::infinity());
     constexpr double least = std::numeric_limits<int>::min();

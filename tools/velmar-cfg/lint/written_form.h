@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "tools/velmar-cfg/settings/known_variables.h"
-#include "tools/velmar-cfg/settings/library_rules.h"
 
 // White space in the sense of the library's trimming.
 bool is_white(char c);

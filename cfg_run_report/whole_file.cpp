@@ -9,6 +9,7 @@
 namespace
 {
 constexpr mode_t mode_of_new_files = 0666; // less the process's umask
+constexpr mode_t owners_rights = 0700;
 
 [[noreturn]] void fail()
 {
@@ -40,7 +41,7 @@ std::string followed_path(const std::string& path)
 }
 
 // The owner only if possible: root alone can give a file away.
-void take_over(int file, const struct stat& existing)
+void take_over(int file, const struct stat& existing, mode_t rights)
 {
     struct stat own;
     if (fstat(file, &own) != 0)
@@ -48,7 +49,7 @@ void take_over(int file, const struct stat& existing)
     const bool same = existing.st_uid == own.st_uid && existing.st_gid == own.st_gid;
     [[maybe_unused]] const bool kept = same || fchown(file, existing.st_uid, existing.st_gid) == 0;
     // Behind the owner, a change of whom takes mode bits away.
-    if (fchmod(file, existing.st_mode & 07777U) != 0)
+    if (fchmod(file, existing.st_mode & rights) != 0)
         fail();
 }
 
@@ -76,6 +77,7 @@ public:
     struct BESIDE
     {
         const std::string& target;
+        mode_t mode;
     };
 
     explicit OPEN_FILE(BESIDE place)
@@ -85,7 +87,7 @@ public:
         for (int i = 0; i < tries && descriptor < 0; ++i)
         {
             made = place.target + "." + std::to_string(getpid()) + "." + std::to_string(i) + ".tmp";
-            descriptor = open(made.c_str(), O_WRONLY | O_CLOEXEC | O_CREAT | O_EXCL, mode_of_new_files);
+            descriptor = open(made.c_str(), O_WRONLY | O_CLOEXEC | O_CREAT | O_EXCL, place.mode);
             if (descriptor < 0 && errno != EEXIST)
                 break;
         }
@@ -144,7 +146,7 @@ private:
     std::string made;
 };
 
-WHOLE_FILE_WRITER::WHOLE_FILE_WRITER(const std::string& path)
+WHOLE_FILE_WRITER::WHOLE_FILE_WRITER(const std::string& path, FILE_READERS readers)
 {
     struct stat found;
     const bool exists = stat(path.c_str(), &found) == 0;
@@ -156,9 +158,10 @@ WHOLE_FILE_WRITER::WHOLE_FILE_WRITER(const std::string& path)
     target = followed_path(path);
     if (exists && faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)
         fail();
-    file = std::make_unique<OPEN_FILE>(OPEN_FILE::BESIDE{target});
+    const mode_t rights = readers == FILE_READERS::OWNER ? owners_rights : mode_t{07777};
+    file = std::make_unique<OPEN_FILE>(OPEN_FILE::BESIDE{target, mode_of_new_files & rights});
     if (exists)
-        take_over(file->number(), found);
+        take_over(file->number(), found, rights);
 }
 
 WHOLE_FILE_WRITER::~WHOLE_FILE_WRITER() = default;

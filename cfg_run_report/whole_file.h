@@ -6,6 +6,13 @@
 #include <string>
 #include <string_view>
 
+// Who may read a file that is written.
+enum class FILE_READERS
+{
+    AS_USUAL, // whoever may read the file that is replaced; where there is none, whoever the umask lets
+    OWNER,    // nobody else, also where others may read the file that is replaced
+};
+
 // Writes a file in pieces beside the one that it is to replace, with that one's mode from the beginning, and its owner
 // if possible. Unless it is put in place, it goes again. A link to a file stays a link. What is no file (a device, a
 // pipe) is written to as it is.
@@ -13,7 +20,7 @@ class WHOLE_FILE_WRITER
 {
 public:
     // Throws std::system_error when the file, or its directory, cannot be written.
-    explicit WHOLE_FILE_WRITER(const std::string& path);
+    explicit WHOLE_FILE_WRITER(const std::string& path, FILE_READERS readers = FILE_READERS::AS_USUAL);
     ~WHOLE_FILE_WRITER();
     WHOLE_FILE_WRITER(const WHOLE_FILE_WRITER&) = delete;
     WHOLE_FILE_WRITER& operator=(const WHOLE_FILE_WRITER&) = delete;

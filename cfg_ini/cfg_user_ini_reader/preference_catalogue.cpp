@@ -293,6 +293,11 @@ CFG_USER_INI_ENUMS find_preference(const char* name)
                          { return std::strcmp(key, text) == 0 || gen_stricmp(key, text) == 0; });
 }
 
+bool is_secret_preference(CFG_USER_INI_ENUMS preference)
+{
+    return preference_rows[preference_position(preference)].secret;
+}
+
 std::span<const PREFERENCE_TRIPLE> preference_triples(CFG_USER_INI_ENUMS preference)
 {
     const std::size_t position = preference_position(preference);

@@ -61,6 +61,9 @@ constexpr std::size_t preference_position(CFG_USER_INI_ENUMS preference)
 // default, for a name that is no key. `name` must not be null.
 CFG_USER_INI_ENUMS find_preference(const char* name);
 
+// Whether the value is a credential, which what shows preferences to people masks. It is looked up and saved as any.
+bool is_secret_preference(CFG_USER_INI_ENUMS preference);
+
 // The triples of one preference, a part of the table above; none for a number that belongs to no preference.
 std::span<const PREFERENCE_TRIPLE> preference_triples(CFG_USER_INI_ENUMS preference);
 

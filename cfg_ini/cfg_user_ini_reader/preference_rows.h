@@ -14,6 +14,7 @@ namespace zon_cfg
 struct PREFERENCE_ROW
 {
     CFG_USER_INI_ENUMS number;
+    bool secret; // what shows preferences to people masks its value; in the padding, so that a row is no longer for it
     const char* key;
     const char* section;
     std::span<const char* const> allowed_values; // the empty text allows any value
@@ -46,12 +47,16 @@ constexpr const char* hdl[] = {"KHDL", "Verilog", "VHDL"};
 // The key is the enumerator itself, so that the two cannot differ.
 #define PREFERENCE(key, section, allowed_values, default_value, registry_name, registry_branch, description)           \
     {                                                                                                                  \
-        key, #key, section, PREFERENCE_VALUES::allowed_values, default_value, registry_name, registry_branch,          \
+        key, false, #key, section, PREFERENCE_VALUES::allowed_values, default_value, registry_name, registry_branch,   \
             description                                                                                                \
+    }
+#define SECRET_PREFERENCE(key, section, registry_name, registry_branch, description)                                   \
+    {                                                                                                                  \
+        key, true, #key, section, PREFERENCE_VALUES::free_text, "", registry_name, registry_branch, description        \
     }
 #define NO_PREFERENCE(number)                                                                                          \
     {                                                                                                                  \
-        static_cast<CFG_USER_INI_ENUMS>(number), "", "", {}, "", "", "", ""                                            \
+        static_cast<CFG_USER_INI_ENUMS>(number), false, "", "", {}, "", "", "", ""                                     \
     }
 
 // Irregular on purpose, since users' files and scripts rely on it: the misspelt PROMOTE_CRITCAL_WARNING_..., the
@@ -176,10 +181,11 @@ constexpr PREFERENCE_ROW preference_rows[] = {
     PREFERENCE(CLOUD_USERNAME, "Cloud", free_text, "", "", "",
                "Specifies the name with which you sign in to the cloud service, usually your e-mail address. Type it "
                "in the User name box on the Cloud page of the Options dialog box."),
-    PREFERENCE(CLOUD_TOKEN, "Cloud", free_text, "", "", "",
-               "Specifies the access token that the cloud service issued to this computer, which spares you from "
-               "signing in for each session. Signing out on the Cloud page of the Options dialog box removes it; treat "
-               "it like a password."),
+    SECRET_PREFERENCE(
+        CLOUD_TOKEN, "Cloud", "", "",
+        "Specifies the access token that the cloud service issued to this computer, which spares you from "
+        "signing in for each session. Signing out on the Cloud page of the Options dialog box removes it; treat "
+        "it like a password."),
     PREFERENCE(CLOUD_SERVER, "Cloud", free_text, "", "", "",
                "Specifies the address of the server that receives notifications and reports. Enter the one that your "
                "administrator gave you in the Server box on the Cloud page of the Options dialog box."),
@@ -252,13 +258,15 @@ constexpr PREFERENCE_ROW preference_rows[] = {
                "Specifies the host name and port of the proxy server, separated by a colon. Ask your network "
                "administrator for the values and enter them in the Address and Port boxes on the Internet Connectivity "
                "page of the Options dialog box."),
-    PREFERENCE(PROXY_USER1, "Internet Connectivity", free_text, "", "Proxy User1", "General",
-               "Specifies the user name for a proxy server that asks for one. Type it below the server's address on "
-               "the Internet Connectivity page of the Options dialog box."),
-    PREFERENCE(PROXY_USER2, "Internet Connectivity", free_text, "", "Proxy User2", "General",
-               "Specifies the second part of the credentials for the proxy server, in the encoded form in which the "
-               "tool keeps it. It is filled in when you complete the Password box on the Internet Connectivity page of "
-               "the Options dialog box, and is not meant to be edited."),
+    SECRET_PREFERENCE(
+        PROXY_USER1, "Internet Connectivity", "Proxy User1", "General",
+        "Specifies the user name for a proxy server that asks for one. Type it below the server's address on "
+        "the Internet Connectivity page of the Options dialog box."),
+    SECRET_PREFERENCE(
+        PROXY_USER2, "Internet Connectivity", "Proxy User2", "General",
+        "Specifies the second part of the credentials for the proxy server, in the encoded form in which the "
+        "tool keeps it. It is filled in when you complete the Password box on the Internet Connectivity page of "
+        "the Options dialog box, and is not meant to be edited."),
     PREFERENCE(USER_LIBRARIES, "General", free_text, "", "", "",
                "Allows you to specify the path name for a library you want to add to the Libraries list."),
     PREFERENCE(DELAY_VSF_UPDATES, "General", on_off_0_1, "on", "", "",

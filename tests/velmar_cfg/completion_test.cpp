@@ -85,7 +85,7 @@ TEST_F(COMPLETION, offers_the_options_of_the_command_and_those_of_all)
 {
     EXPECT_THAT(in_bash({"velmar-cfg", "list", "--"}),
                 UnorderedElementsAre("--show-origin", "--external", "--help", "--project", "--regtest", "--root",
-                                     "--json", "--color", "--version"));
+                                     "--json", "--color", "--version", "--secret", "--with-secrets"));
     EXPECT_THAT(in_bash({"velmar-cfg", "prefs", "set", "K", "-"}), Contains("--dry-run"));
     EXPECT_THAT(in_bash({"velmar-cfg", "snapshot", "-"}), Contains("-o"));
     EXPECT_THAT(in_bash({"velmar-cfg", "list", "--", "--"}), IsEmpty());

@@ -1,12 +1,14 @@
 // Help texts and manual pages, against the command line that the tool itself is made of.
 #include <algorithm>
 #include <iterator>
+#include <regex>
 #include <set>
 #include <sstream>
 
 #include "tests/support/run_program.h"
 #include "tests/velmar_cfg/tool_test.h"
 #include "tools/velmar-cfg/commands/command_line.h"
+#include "tools/velmar-cfg/preferences/preference_save.h"
 #include "tools/velmar-cfg/settings/environment.h"
 
 namespace
@@ -243,7 +245,8 @@ TEST(MANUAL_PAGES_, each_has_examples_files_and_precedence)
 
 TEST(MANUAL_PAGES_, name_every_environment_variable_that_matters)
 {
-    for (const ENVIRONMENT_VARIABLE& variable : environment_that_matters())
+    SECRETS secrets;
+    for (const ENVIRONMENT_VARIABLE& variable : environment_that_matters(secrets))
     {
         const bool of_preferences = variable.name == "VELMAR2_INI";
         EXPECT_THAT(page(of_preferences ? "velmar2.ini.5" : "velmar.ini.5"),
@@ -251,6 +254,52 @@ TEST(MANUAL_PAGES_, name_every_environment_variable_that_matters)
         EXPECT_THAT(page("velmar-cfg.1"), HasSubstr(variable.name));
     }
     EXPECT_THAT(page("velmar2.ini.5"), HasSubstr(".It Ev HOME\n"));
+}
+
+// The names of findings that a source of the lint wing has: what stands behind a severity.
+std::set<std::string> findings_in_source(const std::string& file)
+{
+    const std::string source = read_file(LINT_SOURCES "/" + file);
+    static const std::regex finding(R"(SEVERITY::[A-Z]+,([^,]*),)");
+    static const std::regex name(R"re("([a-z-]+)")re");
+    std::set<std::string> names;
+    for (std::sregex_iterator found(source.begin(), source.end(), finding), end; found != end; ++found)
+    {
+        const std::string expression = (*found)[1];
+        for (std::sregex_iterator word(expression.begin(), expression.end(), name); word != end; ++word)
+            names.insert((*word)[1]);
+    }
+    return names;
+}
+
+// The names that the manual page explains below this heading.
+std::vector<std::string> findings_in_manual(const std::string& heading)
+{
+    std::vector<std::string> names;
+    bool below = false;
+    for (const std::string& line : lines_of(page("velmar-cfg.1")))
+    {
+        if (line.starts_with(".Ss ") || line.starts_with(".Sh "))
+            below = line == ".Ss " + heading;
+        else if (below && line.starts_with(".It Li "))
+            names.push_back(words_of(line).back());
+    }
+    return names;
+}
+
+TEST(MANUAL_PAGES_, explain_every_finding_in_alphabetical_order)
+{
+    std::set<std::string> of_settings;
+    for (const char* const file : {"examination.cpp", "assignment_rules.cpp", "environment_rules.cpp"})
+        of_settings.merge(findings_in_source(file));
+    std::set<std::string> of_preferences = findings_in_source("preference_rules.cpp");
+    of_preferences.insert(of_settings.extract("no-preference-file"));
+    for (int reason = 0; reason <= static_cast<int>(LOSS::CHANGED_VALUE); ++reason)
+        of_preferences.insert(loss_word(static_cast<LOSS>(reason)));
+    EXPECT_GT(of_settings.size(), 25U);
+    EXPECT_GT(of_preferences.size(), 14U);
+    EXPECT_THAT(findings_in_manual("Of settings"), testing::ElementsAreArray(of_settings));
+    EXPECT_THAT(findings_in_manual("Of preferences"), testing::ElementsAreArray(of_preferences));
 }
 
 class MANUAL_CHECKERS : public testing::TestWithParam<std::vector<std::string>>

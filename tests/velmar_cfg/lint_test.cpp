@@ -26,7 +26,7 @@ protected:
         const nlohmann::json rows = linted.json();
         for (const nlohmann::json& row : rows)
         {
-            EXPECT_EQ(row.size(), 8U) << row;
+            EXPECT_EQ(row.size(), 9U) << row;
             EXPECT_NE(row.at("message"), "");
             EXPECT_NE(row.at("instead"), "") << row;
             const nlohmann::json& position = row.at("line") != nullptr ? row.at("line") : row.at("item");
@@ -98,6 +98,18 @@ INSTANTIATE_TEST_SUITE_P(
                 "\xef\xbb\xbf"
                 "a=1\n",
                 {"1:1 error byte-order-mark"}},
+        CHECKED{"carriage returns that end no line", "a=1\rb=2\r", {"1:4 error carriage-return"}},
+        CHECKED{"signs before the equals sign",
+                "a:=1\npath += x\n",
+                {"1:2 warning operator-in-name", "2:6 warning operator-in-name"}},
+        CHECKED{"two equals signs", "b == 1\n", {"1:4 warning double-equals"}},
+        CHECKED{"quotes around a name", " \"c\" = 1\n", {"1:2 warning quoted-name"}},
+        CHECKED{"two assignments between blanks", "g=1 h=2\n", {"1:3 warning second-assignment"}},
+        CHECKED{"single quotes", "d = 'on'\n", {"1:5 note quotes-kept"}},
+        CHECKED{"booleans and numbers of other formats",
+                "e = yes\nf = 0x10\nh = on,\n",
+                {"1:5 note boolean-word", "2:5 note hexadecimal", "3:7 warning trailing-comma"}},
+        CHECKED{"a number out of range", "debug_msg_level = 99999999999\n", {"1:19 error no-integer"}},
         CHECKED{"a byte order mark before a comment", "\xef\xbb\xbf# a\n", {}},
         CHECKED{"bytes that look like something else",
                 "a\xc2\xa0"
@@ -110,7 +122,7 @@ TEST_F(LINT, says_what_to_write_instead)
     EXPECT_EQ(run({"lint", "checked.ini"}),
               (TOOL_RUN{0,
                         "checked.ini:1:1: warning: white space in a name is removed: this sets 'maxfanout'; write "
-                        "'max_fanout = 12' if that is the variable, else 'maxfanout = 12' [blanks-in-name]\n",
+                        "'max_fanout = 12' if that is the variable [blanks-in-name]\n",
                         ""}));
 }
 
@@ -176,12 +188,144 @@ INSTANTIATE_TEST_SUITE_P(table, LINT_INLINE,
                                                  "ab;=1;c=; d",
                                                  {"1:1 error no-equals-sign", "2:1 error empty-name",
                                                   "3:1 error empty-value", "4:2 error no-equals-sign"}},
-                                         CHECKED{"the other separator", "p=x;y:z=1", {"2:2 warning separator"}},
-                                         CHECKED{"a colon that came first", "q=c:\\dir;r=2", {"2:5 warning separator"}},
+                                         CHECKED{"the other separator", "p=x;y:z=1", {"1:4 warning separator"}},
+                                         CHECKED{"a colon that came first", "q=c:\\dir;r=2", {"1:4 warning separator"}},
+                                         CHECKED{"both separators", "a=1:b=2;c=3", {"2:4 warning separator"}},
                                          CHECKED{"blanks in a name", "my var=on", {"1:1 warning blanks-in-name"}},
+                                         CHECKED{"tabs and newlines at the ends",
+                                                 "a=1\t;b = 2\n;\nc=3",
+                                                 {"1:2 warning white-space-kept", "2:3 warning white-space-kept",
+                                                  "3:1 warning white-space-kept"}},
                                          CHECKED{"quotes", "a=\"x;y\"", {"2:1 error no-equals-sign"}},
                                          CHECKED{"quotes around all", "a=\"x\"", {"1:3 note quotes-kept"}},
                                          CHECKED{"a known switch", "msg_sqlite=maybe", {"1:12 error no-boolean"}}));
+
+// What the environment of a run holds, and what lint says of it, each as "FILE: severity reason: replacement".
+struct ENVIRONMENT_CASE
+{
+    const char* title;
+    std::map<std::string, std::string> variables;
+    std::vector<std::string> findings;
+};
+
+void PrintTo(const ENVIRONMENT_CASE& row, std::ostream* stream)
+{
+    *stream << row.title;
+}
+
+class LINT_ENVIRONMENT : public LINT, public testing::WithParamInterface<ENVIRONMENT_CASE>
+{
+};
+
+TEST_P(LINT_ENVIRONMENT, is_told)
+{
+    write_file("set/velmar.ini", "a = 1\n");
+    write_file("set/other.ini", "a = 2\n");
+    write_file("velmar.ini", "a = 3\n");
+    for (const auto& [name, value] : GetParam().variables)
+        variables[name] = value;
+    const TOOL_RUN linted = run({"lint", "--json"});
+    std::vector<std::string> findings;
+    bool fails = false;
+    const nlohmann::json rows = linted.json();
+    for (const nlohmann::json& row : rows)
+    {
+        EXPECT_EQ(row.at("line"), nullptr);
+        EXPECT_EQ(row.at("item"), 1);
+        EXPECT_EQ(row.at("column"), 1);
+        findings.push_back(row.at("file").get<std::string>() + ": " + row.at("severity").get<std::string>() + " " +
+                           row.at("reason").get<std::string>() + ": " + row.at("replacement").dump());
+        fails = fails || row.at("severity") == "error";
+    }
+    EXPECT_EQ(findings, GetParam().findings);
+    EXPECT_EQ(linted.exit_code, fails ? 1 : 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    table, LINT_ENVIRONMENT,
+    testing::Values(
+        ENVIRONMENT_CASE{
+            "nothing in a good one",
+            {{"VELMAR_INI", "set"}, {"APPENDED_VELMAR_INI", "set/other.ini"}, {"VELMAR_INI_DISABLED", "0"}},
+            {}},
+        ENVIRONMENT_CASE{
+            "empty values", {{"VELMAR_INI", ""}, {"APPENDED_VELMAR_INI", ""}, {"VELMAR_INI_DISABLED", ""}}, {}},
+        ENVIRONMENT_CASE{"a word that disables nothing",
+                         {{"VELMAR_INI_DISABLED", "true"}},
+                         {"VELMAR_INI_DISABLED: warning disables-nothing: \"1\""}},
+        ENVIRONMENT_CASE{"another such word",
+                         {{"VELMAR_INI_DISABLED", "Yes"}},
+                         {"VELMAR_INI_DISABLED: warning disables-nothing: \"1\""}},
+        ENVIRONMENT_CASE{"a blank behind the 1",
+                         {{"VELMAR_INI_DISABLED", "1 "}},
+                         {"VELMAR_INI_DISABLED: warning disables-nothing: \"1\""}},
+        ENVIRONMENT_CASE{
+            "another number", {{"VELMAR_INI_DISABLED", "2"}}, {"VELMAR_INI_DISABLED: warning disables-nothing: \"1\""}},
+        ENVIRONMENT_CASE{"a word for no", {{"VELMAR_INI_DISABLED", "no"}}, {}},
+        ENVIRONMENT_CASE{"the settings file for its directory",
+                         {{"VELMAR_INI", "set/velmar.ini"}},
+                         {"VELMAR_INI: error no-directory: \"set\""}},
+        ENVIRONMENT_CASE{"the settings file of the current directory",
+                         {{"VELMAR_INI", "velmar.ini"}},
+                         {"VELMAR_INI: error no-directory: \".\""}},
+        ENVIRONMENT_CASE{"another file for a directory",
+                         {{"VELMAR_INI", "set/other.ini"}},
+                         {"VELMAR_INI: error no-directory: null"}},
+        ENVIRONMENT_CASE{"a directory that is missing",
+                         {{"VELMAR_INI", "nowhere"}},
+                         {"VELMAR_INI: warning missing-directory: null"}},
+        ENVIRONMENT_CASE{"a directory below a file",
+                         {{"VELMAR_INI", "velmar.ini/x"}},
+                         {"VELMAR_INI: warning missing-directory: null"}},
+        ENVIRONMENT_CASE{"an appended file that is missing",
+                         {{"APPENDED_VELMAR_INI", "nothing.ini"}},
+                         {"APPENDED_VELMAR_INI: error missing-file: null"}}));
+
+TEST_F(LINT, that_nothing_is_checked_is_told)
+{
+    EXPECT_EQ(run({"lint"}),
+              (TOOL_RUN{0,
+                        "velmar.ini: warning: no settings file found; 'velmar-cfg paths' shows where it is looked for "
+                        "[no-settings-file]\n",
+                        ""}));
+    EXPECT_EQ(run({"lint", "--strict"}).exit_code, 1);
+    EXPECT_EQ(run({"prefs", "lint"}),
+              (TOOL_RUN{0,
+                        "velmar2.ini: warning: no preference file found; 'velmar-cfg prefs path' shows where it is "
+                        "looked for [no-preference-file]\n",
+                        ""}));
+    EXPECT_EQ(run({"prefs", "lint", "--strict"}).exit_code, 1);
+    const nlohmann::json row = run({"lint", "--json"}).json().at(0);
+    for (const char* const position : {"line", "item", "column", "replacement"})
+        EXPECT_EQ(row.at(position), nullptr) << position;
+}
+
+TEST_F(LINT, that_the_search_is_disabled_is_told)
+{
+    write_file("velmar.ini", "a = 1\n");
+    variables["VELMAR_INI_DISABLED"] = "1";
+    EXPECT_THAT(run({"lint"}).out, HasSubstr("no settings file found, since VELMAR_INI_DISABLED is 1;"));
+    variables["VELMAR_INI_VARS"] = "a=1";
+    EXPECT_EQ(run({"lint", "--strict"}), (TOOL_RUN{0, "", ""}));
+}
+
+TEST_F(LINT, nothing_is_written_before_all_is_read)
+{
+    write_file("first.ini", "ab\n");
+    const TOOL_RUN linted = run({"lint", "first.ini", "nothing.ini", "--json"});
+    EXPECT_EQ(linted.exit_code, 3);
+    EXPECT_EQ(linted.out, "");
+}
+
+TEST_F(LINT, suggestions_stand_in_json_whole)
+{
+    const std::string value(3000, 'v');
+    write_file("checked.ini", "a = 1\n\"name\" := '" + value + "'\r\n");
+    const nlohmann::json rows = run({"lint", "checked.ini", "--json"}).json();
+    ASSERT_EQ(rows.size(), 3U);
+    for (const nlohmann::json& row : rows)
+        EXPECT_EQ(row.at("replacement"), "name = " + value + "\r");
+}
 
 class LINT_PREFERENCES : public LINT, public testing::WithParamInterface<CHECKED>
 {

@@ -88,7 +88,8 @@ TEST_F(PREFERENCES_MODEL, is_all_defaults_without_a_file)
     environment.set("VELMAR2_INI", temporary.path());
     INPUT_FILES files;
     EXPECT_EQ(preference_file_in_use(files), nullptr);
-    const PREFERENCE preference = load_preferences(files).look_up(preference_number("hdl_preference"));
+    SECRETS secrets;
+    const PREFERENCE preference = load_preferences(files, secrets).look_up(preference_number("hdl_preference"));
     EXPECT_EQ(preference.value, "Verilog");
     EXPECT_EQ(preference.origin.source, PREFERENCE_SOURCE::DEFAULT);
     EXPECT_EQ(preference.release, "");

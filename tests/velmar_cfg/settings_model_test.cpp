@@ -254,7 +254,9 @@ TEST_F(SETTINGS_MODEL, answers_as_a_store_does_over_real_files)
     {
         SCOPED_TRACE(path);
         INPUT_FILES files;
-        const SETTINGS settings(single_layer(path, files));
+        SECRETS secrets;
+        secrets.show_all();
+        const SETTINGS settings(single_layer(path, files, secrets));
         cfg_read_ini_file(path);
         ASSERT_NO_FATAL_FAILURE(expect_same_as_store(settings));
         variables += settings.variables().size();

@@ -30,7 +30,7 @@ TEST_F(SNAPSHOT, says_what_it_is_and_of_what)
     nlohmann::json document = run({"snapshot", "--project", "project", "--regtest"}).json();
     for (const char* const list : {"files", "environment", "variables", "preferences"})
         document.erase(list);
-    EXPECT_EQ(document, R"({"schema": "velmar-snapshot", "schema_version": 1, "product": "velmar", "release": "23.4",
+    EXPECT_EQ(document, R"({"schema": "velmar-snapshot", "schema_version": 2, "product": "velmar", "release": "23.4",
                             "project": "project", "regtest": true})"_json);
     document = run({"snapshot"}).json();
     EXPECT_EQ(document.at("project"), nullptr);

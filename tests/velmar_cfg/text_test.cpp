@@ -100,6 +100,19 @@ TEST(JSON_TEXT, escapes_what_steers_a_terminal)
     }
 }
 
+TEST(UTF_8, is_told_wherever_it_stands)
+{
+    for (const ESCAPED& row : escaped_texts)
+    {
+        const bool alone = is_utf_8(row.text);
+        for (std::size_t before = 1; before <= 17; ++before)
+        {
+            EXPECT_EQ(is_utf_8(std::string(before, 'a') + row.text), alone) << before << " before " << row.what;
+            EXPECT_EQ(is_utf_8(row.text + std::string(before, 'a')), alone) << before << " behind " << row.what;
+        }
+    }
+}
+
 TEST(SHORTENED, keeps_what_is_short_enough)
 {
     EXPECT_EQ(shortened("", 3), "");

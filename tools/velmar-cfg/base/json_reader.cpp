@@ -108,6 +108,15 @@ std::string JSON_NODE::text() const
 {
     if (!value.is_object())
         return as<std::string>(value.is_string(), "text");
+    if (value.size() == 1 && value.contains("masked"))
+    {
+        std::string text;
+        for (const JSON_NODE& part : member("masked").elements())
+            text += part.value.is_null() || part.value.contains("hmac")
+                        ? mark_of(part.hidden_part_or_null().value_or(HIDDEN_PART{{}, {}, false}))
+                        : part.text();
+        return text;
+    }
     const auto hex = value.find("hex");
     if (value.size() != 1 || hex == value.end() || !hex->is_string())
         refuse("text");
@@ -120,6 +129,22 @@ std::string JSON_NODE::text() const
 std::optional<std::string> JSON_NODE::text_or_null() const
 {
     return unless_null([this] { return text(); });
+}
+
+std::string JSON_NODE::hash_of_64_bits() const
+{
+    std::string digits = text();
+    if (digits.size() != 16 || digits.find_first_not_of("0123456789abcdef") != std::string::npos)
+        refuse("hash of 16 lower-case hexadecimal digits");
+    return digits;
+}
+
+std::optional<HIDDEN_PART> JSON_NODE::hidden_part_or_null() const
+{
+    return unless_null(
+        [this] {
+            return HIDDEN_PART{member("key").hash_of_64_bits(), member("hmac").hash_of_64_bits(), true};
+        });
 }
 
 std::uint64_t JSON_NODE::natural_number() const

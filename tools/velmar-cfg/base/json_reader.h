@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/velmar-cfg/base/hidden_text.h"
+
 // A kind of document: what its fields "schema" and "schema_version" must say, and what it is called.
 struct DOCUMENT_KIND
 {
@@ -27,9 +29,10 @@ public:
     JSON_NODE member(const char* name) const;
     std::vector<JSON_NODE> elements() const;
 
-    // A text, or the bytes of one that is no UTF-8 (see JSON_WRITER).
+    // A text, the bytes of one that is no UTF-8, or one of which a part is hidden (see JSON_WRITER).
     std::string text() const;
     std::optional<std::string> text_or_null() const;
+    std::optional<HIDDEN_PART> hidden_part_or_null() const;
     std::uint64_t natural_number() const;
     std::optional<std::uint64_t> natural_number_or_null() const;
     std::optional<int> int_or_null() const;
@@ -42,6 +45,8 @@ public:
     [[noreturn]] void refuse(const char* wanted) const;
 
 private:
+    std::string hash_of_64_bits() const;
+
     template <typename T>
     T as(bool fits, const char* wanted) const;
 

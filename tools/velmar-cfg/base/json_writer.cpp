@@ -1,8 +1,11 @@
 #include "tools/velmar-cfg/base/json_writer.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <nlohmann/json.hpp>
 
+#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/text.h"
 
 namespace
@@ -10,20 +13,27 @@ namespace
 constexpr std::size_t buffer_size = std::size_t{64} * 1024;
 constexpr std::size_t indentation = 2;
 
-// Whether a character that steers a terminal may begin with this byte: beyond ASCII they all begin with one of three.
-constexpr bool may_steer_a_terminal(char c)
+// By byte: whether what is escaped may begin with it. Beyond ASCII, what steers a terminal begins with one of three.
+constexpr std::array<bool, 256> make_escapable()
 {
-    const auto byte = static_cast<unsigned char>(c);
-    return byte < 0x20 || byte == 0x7f || byte == 0xc2 || byte == 0xd8 || byte == 0xe2;
+    std::array<bool, 256> escapable{};
+    std::fill_n(escapable.begin(), 0x20, true);
+    for (const unsigned int byte : {0x22U, 0x5cU, 0x7fU, 0xc2U, 0xd8U, 0xe2U})
+        escapable[byte] = true;
+    return escapable;
 }
 
 // The length of the text's beginning that stands in JSON as it is. The text is UTF-8.
 std::size_t plain_length(std::string_view text)
 {
+    static constexpr std::array<bool, 256> escapable = make_escapable();
     std::size_t length = 0;
-    while (length < text.size() && text[length] != '"' && text[length] != '\\' &&
-           (!may_steer_a_terminal(text[length]) || !steers_a_terminal(first_character(text.substr(length)).character)))
-        ++length;
+    for (; length < text.size(); ++length)
+    {
+        const auto byte = static_cast<unsigned char>(text[length]);
+        if (escapable[byte] && (byte < 0x80 || steers_a_terminal(first_character(text.substr(length)).character)))
+            break;
+    }
     return length;
 }
 
@@ -135,8 +145,43 @@ void JSON_WRITER::key(std::string_view name)
     behind_key = true;
 }
 
+void JSON_WRITER::value(const HIDDEN_PART& part)
+{
+    if (!part.lasting)
+    {
+        value(std::nullopt);
+        return;
+    }
+    begin_object();
+    field("key", part.key);
+    field("hmac", part.hmac);
+    end_object();
+}
+
+void JSON_WRITER::masked(std::string_view text)
+{
+    begin_object();
+    key("masked");
+    begin_list();
+    TEXT_PARTS parts(text);
+    for (TEXT_PART part{}; parts.next(part);)
+    {
+        if (part.hidden)
+            value(hidden_part(part.text));
+        else
+            value(part.text);
+    }
+    end_list();
+    end_object();
+}
+
 void JSON_WRITER::value(std::string_view text)
 {
+    if (has_hidden_parts(text))
+    {
+        masked(text);
+        return;
+    }
     if (!is_utf_8(text))
     {
         begin_object();

@@ -2,7 +2,8 @@
 //
 // The text is indented by two blanks and holds no character that steers a terminal but newlines: those of the values
 // are escaped. A text that is no UTF-8 becomes {"hex": "<two digits a byte>"}, from which JSON_NODE::text reads it
-// back. A number that JSON has not, infinity or not-a-number, becomes a text.
+// back, and one of which a part is hidden becomes {"masked": [...]} (hidden_text.h), which reads back too. A number
+// that JSON has not, infinity or not-a-number, becomes a text.
 #ifndef TOOLS_VELMAR_CFG_BASE_JSON_WRITER_H
 #define TOOLS_VELMAR_CFG_BASE_JSON_WRITER_H
 
@@ -14,6 +15,7 @@
 #include <vector>
 
 #include "tools/velmar-cfg/base/byte_sink.h"
+#include "tools/velmar-cfg/base/hidden_text.h"
 
 class JSON_WRITER
 {
@@ -41,6 +43,7 @@ public:
     void value(bool truth);
     void value(double number);
     void value(std::nullopt_t);
+    void value(const HIDDEN_PART& part); // null for one whose key is not lasting
     void value(std::integral auto number)
     {
         const std::string digits = std::to_string(number);
@@ -90,6 +93,7 @@ public:
 private:
     void before_value();
     void plain(std::string_view text);
+    void masked(std::string_view text);
     void quoted(std::string_view text);
     void begin(char bracket);
     void end(char bracket);

@@ -77,7 +77,7 @@ std::size_t LETTER_SET::least_distance_to(LETTER_SET other) const
 NAME_CANDIDATES::NAME_CANDIDATES(std::vector<std::string> candidates) : names(std::move(candidates))
 {
     for (const std::string& name : names)
-        letters.emplace_back(name);
+        outlines.push_back({LETTER_SET(name), name.size()});
 }
 
 const std::string* NAME_CANDIDATES::nearest(std::string_view name) const
@@ -87,11 +87,12 @@ const std::string* NAME_CANDIDATES::nearest(std::string_view name) const
     const std::string* found = nullptr;
     for (std::size_t i = 0; i < names.size(); ++i)
     {
-        const std::string& candidate = names[i];
-        const std::size_t longer = std::max(candidate.size(), name.size());
-        const std::size_t shorter = std::min(candidate.size(), name.size());
-        if (longer - shorter >= least || letters_of_name.least_distance_to(letters[i]) >= least)
+        const OUTLINE& outline = outlines[i];
+        const std::size_t difference =
+            outline.length > name.size() ? outline.length - name.size() : name.size() - outline.length;
+        if (difference >= least || letters_of_name.least_distance_to(outline.letters) >= least)
             continue;
+        const std::string& candidate = names[i];
         const std::size_t distance = edit_distance(name, candidate);
         if (distance > 0 && distance < least)
         {

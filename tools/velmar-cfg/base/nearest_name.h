@@ -42,8 +42,14 @@ public:
     const std::string* nearest(std::string_view name) const;
 
 private:
+    struct OUTLINE
+    {
+        LETTER_SET letters;
+        std::size_t length;
+    };
+
     std::vector<std::string> names;
-    std::vector<LETTER_SET> letters; // of each name
+    std::vector<OUTLINE> outlines; // of each name
 };
 
 // ", did you mean 'NEAREST'?" or nothing.

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/base/hidden_text.h"
 
 namespace
 {
@@ -64,7 +65,10 @@ std::size_t OUTPUT::width() const
 
 void OUTPUT::write(std::string_view text)
 {
-    buffer += text;
+    if (has_hidden_parts(text))
+        buffer += with_hidden_parts_named(text);
+    else
+        buffer += text;
     if (buffer.size() >= buffer_size)
         finish();
 }

@@ -18,9 +18,9 @@ enum class STYLE
     BAD,
 };
 
-// Writes to a descriptor through a buffer, whole, also where it does not block. A reader that has gone is no error:
-// what it did not want is dropped. Any other failure throws TOOL_ERROR(NOT_WRITTEN), which calls the descriptor
-// standard output.
+// Writes to a descriptor through a buffer, hidden parts of texts by name, whole, also where it does not block. A reader
+// that has gone is no error: what it did not want is dropped. Any other failure throws TOOL_ERROR(NOT_WRITTEN), which
+// calls the descriptor standard output.
 class OUTPUT : public BYTE_SINK
 {
 public:

@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdint>
+#include <cstring>
 
 #include "platform/gen/gen.h"
+#include "tools/velmar-cfg/base/hidden_text.h"
 
 std::string trimmed(std::string_view text)
 {
@@ -109,6 +112,13 @@ UTF_8_CHARACTER first_character(std::string_view bytes)
 std::string printable(std::string_view text)
 {
     std::string result;
+    if (has_hidden_parts(text))
+    {
+        TEXT_PARTS parts(text);
+        for (TEXT_PART part{}; parts.next(part);)
+            result += part.hidden ? with_hidden_parts_named(part.text) : printable(part.text);
+        return result;
+    }
     result.reserve(text.size());
     while (!text.empty())
     {
@@ -136,7 +146,7 @@ std::string shortened(std::string_view text, std::size_t longest)
         return std::string(text);
     // A character of UTF-8 that would be cut is left out whole, so that a text stays one.
     std::size_t length = longest;
-    for (std::size_t begin = longest; begin > 0 && begin + 4 > longest; --begin)
+    for (std::size_t begin = longest; begin > 0 && begin + 3 > longest; --begin)
     {
         if (begin - 1 + utf_8_sequence(text.substr(begin - 1)) > longest)
             length = begin - 1;
@@ -146,14 +156,25 @@ std::string shortened(std::string_view text, std::size_t longest)
 
 std::string in_single_quotes(std::string_view text)
 {
-    constexpr std::size_t longest = 100;
-    return "'" + shortened(text, longest) + "'";
+    return "'" + shortened(text, length_by_shown_length(text, 100)) + "'";
 }
 
 bool is_utf_8(std::string_view bytes)
 {
     while (!bytes.empty())
     {
+        // Nearly all of nearly every text is ASCII, eight bytes at a time.
+        constexpr std::uint64_t beyond_ascii = 0x8080808080808080U;
+        std::uint64_t word = 0;
+        if (bytes.size() >= sizeof word)
+        {
+            std::memcpy(&word, bytes.data(), sizeof word);
+            if ((word & beyond_ascii) == 0)
+            {
+                bytes.remove_prefix(sizeof word);
+                continue;
+            }
+        }
         const std::size_t length = utf_8_sequence(bytes);
         if (length == 0)
             return false;

@@ -22,7 +22,7 @@ std::optional<std::string> from_hexadecimal(std::string_view digits);
 
 // `text` fit for one line of a terminal: backslashes as \\, and what steers a terminal and bytes that are no UTF-8 as
 // \n, \t or \x1b, byte by byte. No two texts become the same one. All that people see goes through this, but for what
-// `get` prints.
+// `get` prints. A hidden part is named (hidden_text.h).
 std::string printable(std::string_view text);
 
 // Whether a character moves the cursor, ends the line or turns the direction of what stands around it: the control

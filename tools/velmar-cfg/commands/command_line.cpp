@@ -19,6 +19,11 @@ void add_global_options(CLI::App& app, TOOL& tool)
     app.add_option("--root", options.root, "Look at the installation in DIR, whose programs are in DIR/bin")
         ->type_name("DIR");
     app.add_flag("--json", options.json, "Write JSON");
+    app.add_option("--secret", options.secret_patterns,
+                   "Mask the values of names that match PATTERN too, besides *token*, *password* and *secret*")
+        ->type_name("PATTERN")
+        ->allow_extra_args(false);
+    app.add_flag("--with-secrets", options.with_secrets, "Mask nothing: show and write secrets as they are");
     COMMAND(app).add_choice("--color", "WHEN", options.color, {"auto", "always", "never"},
                             "Colours: auto (on a terminal, unless NO_COLOR is set), always or never");
 }

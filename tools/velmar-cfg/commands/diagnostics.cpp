@@ -20,6 +20,12 @@ void complain(std::string_view text)
     }
 }
 
+void complain_of_key(const SECRETS& secrets)
+{
+    if (const std::string problem = secrets.key_problem(); !problem.empty())
+        complain(problem);
+}
+
 bool complain_of(const std::vector<std::string>& texts)
 {
     for (const std::string& text : texts)

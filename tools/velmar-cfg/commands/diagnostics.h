@@ -6,10 +6,15 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/velmar-cfg/settings/secrets.h"
+
 // Writes "velmar-cfg: ", the text made printable and an end of line to standard error.
 void complain(std::string_view text);
 
 // The same for each of the texts. Whether there was none.
 bool complain_of(const std::vector<std::string>& texts);
+
+// Says why the masks that were made cannot be compared with those of other runs, if so.
+void complain_of_key(const SECRETS& secrets);
 
 #endif

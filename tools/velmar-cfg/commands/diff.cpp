@@ -2,6 +2,7 @@
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
+#include "tools/velmar-cfg/commands/diagnostics.h"
 #include "tools/velmar-cfg/commands/differences_output.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/documents/differences_json.h"
@@ -21,12 +22,15 @@ struct DIFF_OPTIONS
 
 EXIT_CODE diff(const DIFF_OPTIONS& options, TOOL& tool)
 {
+    SECRETS& secrets = *tool.options.scope.secrets;
+    secrets.use_lasting_key();
     std::optional<RUN_REPORT> run;
     if (options.used)
-        run = read_run_report(*options.used);
+        run = read_run_report(*options.used, secrets);
     const COMPARED_SNAPSHOT a = named_snapshot(options.a, tool.options.scope, tool.files);
     const COMPARED_SNAPSHOT b = options.b ? named_snapshot(*options.b, tool.options.scope, tool.files)
                                           : COMPARED_SNAPSHOT{"now", take_snapshot(tool.options.scope, tool.files)};
+    complain_of_key(secrets);
 
     SNAPSHOT_DIFFERENCES differences = compare_snapshots(a.snapshot, b.snapshot);
     if (run)

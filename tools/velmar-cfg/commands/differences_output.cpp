@@ -1,5 +1,6 @@
 #include "tools/velmar-cfg/commands/differences_output.h"
 
+#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/layers.h"
@@ -46,7 +47,8 @@ std::string side_as_text(const SNAPSHOT_FILE* file)
         return printable(*file->path) + ", which did not exist or could not be read";
     constexpr std::size_t telling_digits = 12;
     return printable(*file->path) + ", " + std::to_string(file->size.value_or(0)) + " bytes, SHA-256 " +
-           printable(file->sha256->substr(0, telling_digits)) + "...";
+           (has_hidden_parts(*file->sha256) ? printable(*file->sha256)
+                                            : printable(file->sha256->substr(0, telling_digits)) + "...");
 }
 
 std::string side_as_text(const std::optional<SNAPSHOT_VARIABLE>& variable)
@@ -108,7 +110,7 @@ std::string side_in_words(const COMPARED_SNAPSHOT& side)
 void write_differences(const COMPARED_SNAPSHOT& a, const COMPARED_SNAPSHOT& b, const SNAPSHOT_DIFFERENCES& differences,
                        const std::optional<RUN_REPORT>& run, OUTPUT& out)
 {
-    if (differences.none())
+    if (differences.none() && differences.undecided.empty())
         return;
     out << out.painted(STYLE::BAD, "A  " + side_in_words(a)) << "\n";
     out << out.painted(STYLE::GOOD, "B  " + side_in_words(b)) << "\n";
@@ -134,4 +136,8 @@ void write_differences(const COMPARED_SNAPSHOT& a, const COMPARED_SNAPSHOT& b, c
     for (const PREFERENCE_DIFFERENCE& difference : differences.preferences)
         write_entry(difference.key, maker_as_text(difference.made_by), side_as_text(difference.a),
                     side_as_text(difference.b), out);
+    if (!differences.undecided.empty())
+        write_heading("Masked on both sides, cannot tell", out);
+    for (const UNDECIDED_ROW& row : differences.undecided)
+        out << "  " << printable(row.name) << "  (" << row.list << ")\n";
 }

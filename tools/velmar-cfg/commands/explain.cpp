@@ -1,6 +1,7 @@
 // velmar-cfg explain: why a variable has its value.
 #include <algorithm>
 
+#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
@@ -56,7 +57,10 @@ void write_text(const EXPLANATION& explanation, OUTPUT& out)
         out << name << " = " << printable(explanation.value) << "\n";
         write_assignments(explanation, out);
     }
-    write_readings(explanation.readings, out);
+    if (has_hidden_parts(explanation.value))
+        out << "read as: not shown, since the value is masked\n";
+    else
+        write_readings(explanation.readings, out);
     if (explanation.known != nullptr && !explanation.known->default_text.empty())
         out << "default: " << explanation.known->default_text << ", of the catalogue, for readers that name none\n";
     out << "external: " << (explanation.external ? "yes" : "no") << "\n";

@@ -1,6 +1,6 @@
 #include "tools/velmar-cfg/commands/findings_output.h"
 
-#include <algorithm>
+#include <string>
 
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
@@ -14,26 +14,41 @@ STYLE severity_style(SEVERITY severity)
 
 void write_line(const FINDING& finding, OUTPUT& out)
 {
-    const std::size_t position = finding.line ? *finding.line : *finding.item;
-    out << printable(finding.file) << ":" << std::to_string(position) << ":" << std::to_string(finding.column) << ": "
-        << out.painted(severity_style(finding.severity), severity_word(finding.severity)) << ": "
+    out << printable(finding.file) << ":";
+    for (const std::optional<std::size_t>& number : {finding.line, finding.item, finding.column})
+    {
+        if (number)
+            out << std::to_string(*number) << ":";
+    }
+    out << " " << out.painted(severity_style(finding.severity), severity_word(finding.severity)) << ": "
         << printable(finding.message) << "; " << printable(finding.instead) << " [" << finding.reason << "]\n";
 }
 }
 
-EXIT_CODE write_findings(const std::vector<FINDING>& findings, bool strict, TOOL& tool)
+FINDINGS_OUTPUT::FINDINGS_OUTPUT(bool strict, TOOL& the_tool)
+    : tool(the_tool), least(strict ? SEVERITY::WARNING : SEVERITY::ERROR)
 {
-    if (tool.options.json)
-        answer_in_json(
-            tool, [&](JSON_WRITER& out)
-            { out.list(findings, [](JSON_WRITER& writer, const FINDING& finding) { write_json(writer, finding); }); });
-    else
-    {
-        for (const FINDING& finding : findings)
-            write_line(finding, tool.out);
-    }
+    if (!tool.options.json)
+        return;
+    json.emplace(tool.out);
+    json->begin_list();
+}
 
-    const SEVERITY least = strict ? SEVERITY::WARNING : SEVERITY::ERROR;
-    const bool fails = std::ranges::any_of(findings, [&](const FINDING& finding) { return finding.severity >= least; });
+void FINDINGS_OUTPUT::write(const FINDING& finding)
+{
+    fails = fails || finding.severity >= least;
+    if (json)
+        write_json(*json, finding);
+    else
+        write_line(finding, tool.out);
+}
+
+EXIT_CODE FINDINGS_OUTPUT::finish()
+{
+    if (json)
+    {
+        json->end_list();
+        json->finish();
+    }
     return fails ? EXIT_CODE::FINDINGS : EXIT_CODE::FINE;
 }

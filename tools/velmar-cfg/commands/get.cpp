@@ -33,12 +33,20 @@ EXIT_CODE get(const GET_OPTIONS& options, TOOL& tool)
     std::optional<TYPED_VALUE> fallback;
     if (options.fallback)
         fallback = default_of_type(type, *options.fallback);
-    const SETTINGS settings = SETTINGS::of_one_variable(load_layers(tool.options.scope, tool.files), options.name);
+    SETTINGS_SCOPE scope = tool.options.scope;
+    scope.secrets = std::make_shared<SECRETS>();
+    scope.secrets->show_all(); // the value is what was asked for
+    const SETTINGS settings = SETTINGS::of_one_variable(load_layers(scope, tool.files), options.name);
     const TYPED_ANSWER answer = answer_typed(settings, options.name, type, fallback);
 
-    if (!answer.remark.empty())
-        complain(answer.remark + (answer.is_set() ? "" : advice_on(options.name)));
+    // Messages go to logs: they do not tell a secret, nor the number that it begins with.
+    SECRETS& secrets = *tool.options.scope.secrets;
     const std::optional<std::string> text = value_as_text(answer.value);
+    std::string remark = answer.remark;
+    if (has_hidden_parts(hide_in_value(options.name, answer.text, secrets)))
+        remark = hide_in_text(hide_in_text(remark, answer.text, secrets), text.value_or(""), secrets);
+    if (!remark.empty())
+        complain(remark + (answer.is_set() ? "" : advice_on(options.name)));
     if (tool.options.json)
         answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, answer); });
     else if (text)

@@ -1,16 +1,21 @@
 // velmar-cfg lint: what is ignored, or read otherwise than it looks.
-#include <iterator>
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/findings_output.h"
 #include "tools/velmar-cfg/commands/tool.h"
+#include "tools/velmar-cfg/lint/environment_rules.h"
 #include "tools/velmar-cfg/lint/finding.h"
 #include "tools/velmar-cfg/lint/preference_rules.h"
 #include "tools/velmar-cfg/lint/settings_rules.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/layers.h"
-#include "tools/velmar-cfg/settings/settings.h"
 
 namespace
 {
@@ -20,50 +25,86 @@ struct LINT_OPTIONS
     bool strict = false;
 };
 
-void append(std::vector<FINDING>& all, std::vector<FINDING> more)
+using TAKE = std::function<void(const FINDING&)>;
+
+// What a command checks, in order. All is read before the first finding is written: what cannot be read is an error and
+// nothing else.
+class CHECKS
 {
-    all.insert(all.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
-}
+public:
+    explicit CHECKS(TOOL& the_tool) : tool(the_tool) {}
+
+    void add_settings(LAYERS layers)
+    {
+        checks.emplace_back([layers = std::move(layers)](const TAKE& take) { lint_settings(layers, take); });
+    }
+
+    void add_preferences(const INPUT_FILE& file)
+    {
+        add(lint_preferences(file, *tool.options.scope.secrets));
+    }
+
+    void add(std::vector<FINDING> findings)
+    {
+        checks.emplace_back([findings = std::move(findings)](const TAKE& take)
+                            { std::ranges::for_each(findings, take); });
+    }
+
+    EXIT_CODE run(bool strict) const
+    {
+        FINDINGS_OUTPUT output(strict, tool);
+        for (const std::function<void(const TAKE&)>& check : checks)
+            check([&output](const FINDING& finding) { output.write(finding); });
+        return output.finish();
+    }
+
+private:
+    TOOL& tool;
+    std::vector<std::function<void(const TAKE&)>> checks;
+};
 
 bool is_preference_file(const std::string& path)
 {
     return path.substr(path.rfind('/') + 1) == "velmar2.ini";
 }
 
-std::vector<FINDING> lint_settings_of(LAYERS layers)
-{
-    return lint_settings(SETTINGS(std::move(layers)));
-}
-
-// Of the preference file, if there is one.
-std::vector<FINDING> lint_preferences_in_use(INPUT_FILES& files)
-{
-    const std::shared_ptr<const INPUT_FILE> file = preference_file_in_use(files);
-    return file == nullptr ? std::vector<FINDING>() : lint_preferences(*file);
-}
-
 EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
 {
-    std::vector<FINDING> findings;
+    CHECKS checks(tool);
     if (options.files.empty())
     {
-        append(findings, lint_settings_of(load_layers(tool.options.scope, tool.files)));
-        append(findings, lint_preferences_in_use(tool.files));
+        LAYERS layers = load_layers(tool.options.scope, tool.files);
+        checks.add(lint_environment());
+        if (layers.empty())
+            checks.add({no_settings_file()});
+        checks.add_settings(std::move(layers));
+        if (const auto file = preference_file_in_use(tool.files); file != nullptr)
+            checks.add_preferences(*file);
     }
     for (const std::string& file : options.files)
-        append(findings, is_preference_file(file) ? lint_preferences(*tool.files.read_named(file))
-                                                  : lint_settings_of(single_layer(file, tool.files)));
-    return write_findings(findings, options.strict, tool);
+    {
+        if (is_preference_file(file))
+            checks.add_preferences(*tool.files.read_named(file));
+        else
+            checks.add_settings(single_layer(file, tool.files, *tool.options.scope.secrets));
+    }
+    return checks.run(options.strict);
 }
 
 EXIT_CODE lint_only_preferences(const LINT_OPTIONS& options, TOOL& tool)
 {
-    std::vector<FINDING> findings;
+    CHECKS checks(tool);
     if (options.files.empty())
-        append(findings, lint_preferences_in_use(tool.files));
+    {
+        const auto file = preference_file_in_use(tool.files);
+        if (file == nullptr)
+            checks.add({no_preference_file()});
+        else
+            checks.add_preferences(*file);
+    }
     for (const std::string& file : options.files)
-        append(findings, lint_preferences(*tool.files.read_named(file)));
-    return write_findings(findings, options.strict, tool);
+        checks.add_preferences(*tool.files.read_named(file));
+    return checks.run(options.strict);
 }
 
 void add_options(COMMAND& command, LINT_OPTIONS& options, const std::string& file_description)

@@ -1,6 +1,7 @@
 // velmar-cfg list: every variable, and where it came from.
 #include <fnmatch.h>
 
+#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
@@ -51,7 +52,11 @@ void write_record(const LIST_OPTIONS& options, const SETTINGS& settings, const V
         constexpr std::string_view end("\0", 1);
         if (options.show_origin)
             tool.out << location_as_text(settings.location_of(variable)) << end;
-        tool.out << settings.name_of(variable) << "=" << settings.value_of(variable) << end;
+        // Nothing is escaped here, so that a mask would look like a value.
+        tool.out << settings.name_of(variable);
+        if (!has_hidden_parts(settings.value_of(variable)))
+            tool.out << "=" << settings.value_of(variable);
+        tool.out << end;
         return;
     }
     if (options.show_origin)

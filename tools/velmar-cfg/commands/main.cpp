@@ -24,6 +24,11 @@ void apply_global_options(const CLI::App& app, TOOL& tool)
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--json and -z exclude each other");
     if (!tool.options.root.empty())
         set_installation_root(tool.options.root);
+    SECRETS& secrets = *tool.options.scope.secrets;
+    for (const std::string& pattern : tool.options.secret_patterns)
+        secrets.add_pattern(pattern);
+    if (tool.options.with_secrets)
+        secrets.show_all();
     tool.out.choose_color(tool.options.color);
 }
 

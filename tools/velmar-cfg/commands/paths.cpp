@@ -22,14 +22,14 @@ std::vector<FILE_CANDIDATE> all_candidates(const SETTINGS_SCOPE& scope)
     return all;
 }
 
-void write_json(JSON_WRITER& out, const std::vector<FILE_CANDIDATE>& candidates)
+void write_json(JSON_WRITER& out, const std::vector<FILE_CANDIDATE>& candidates, SECRETS& secrets)
 {
     const auto write_row = [](JSON_WRITER& writer, const auto& row) { write_json(writer, row); };
     out.begin_object();
     out.key("files");
     out.list(candidates, write_row);
     out.key("environment");
-    out.list(environment_that_matters(), write_row);
+    out.list(environment_that_matters(secrets), write_row);
     out.end_object();
 }
 
@@ -53,7 +53,7 @@ STYLE state_style(FILE_STATE state)
     return STYLE::FAINT;
 }
 
-void write_text(const std::vector<FILE_CANDIDATE>& candidates, OUTPUT& out)
+void write_text(const std::vector<FILE_CANDIDATE>& candidates, SECRETS& secrets, OUTPUT& out)
 {
     std::string heading;
     for (const FILE_CANDIDATE& candidate : candidates)
@@ -75,7 +75,7 @@ void write_text(const std::vector<FILE_CANDIDATE>& candidates, OUTPUT& out)
         out << "\n";
     }
     out << out.painted(STYLE::STRONG, "environment") << "\n";
-    for (const auto& [name, value] : environment_that_matters())
+    for (const auto& [name, value] : environment_that_matters(secrets))
         out << "  " << name << (value ? "=" + printable(*value) : " is not set") << "\n";
 }
 
@@ -83,9 +83,9 @@ EXIT_CODE paths(TOOL& tool)
 {
     const std::vector<FILE_CANDIDATE> candidates = all_candidates(tool.options.scope);
     if (tool.options.json)
-        answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, candidates); });
+        answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, candidates, *tool.options.scope.secrets); });
     else
-        write_text(candidates, tool.out);
+        write_text(candidates, *tool.options.scope.secrets, tool.out);
     return EXIT_CODE::FINE;
 }
 }

@@ -11,6 +11,7 @@
 #include "tools/velmar-cfg/commands/diagnostics.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/preferences/preference_edit.h"
+#include "tools/velmar-cfg/preferences/preference_secrets.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 
 namespace
@@ -52,12 +53,19 @@ void write_lost_line(JSON_WRITER& out, const LOST_LINE& line)
     out.end_object();
 }
 
+std::optional<std::string> shown_value(const PREFERENCE_CHANGE& change, SECRETS& secrets)
+{
+    if (!change.value)
+        return std::nullopt;
+    return hide_in_preference(cfg_get_user_ini_ini_string(change.number), *change.value, secrets);
+}
+
 void write_json(JSON_WRITER& out, const EDIT_OPTIONS& options, const PREFERENCE_CHANGE& change, const EDITED_FILE& file,
-                const std::string& difference)
+                const std::string& difference, SECRETS& secrets)
 {
     out.begin_object();
     out.field("key", cfg_get_user_ini_ini_string(change.number));
-    out.field("value", change.value);
+    out.field("value", shown_value(change, secrets));
     out.field("path", file.path);
     out.field("changed", file.changed());
     out.field_or_null("refusal", file.refusal);
@@ -70,7 +78,7 @@ void write_json(JSON_WRITER& out, const EDIT_OPTIONS& options, const PREFERENCE_
 }
 
 // Every lost line, but of very many only the first.
-void complain_of_lost_lines(const EDITED_FILE& file, bool dry_run)
+void complain_of_lost_lines(const EDITED_FILE& file, bool dry_run, SECRETS& secrets)
 {
     constexpr std::size_t most = 50;
     const std::vector<LOST_LINE>& lost = file.plan.lost;
@@ -79,33 +87,74 @@ void complain_of_lost_lines(const EDITED_FILE& file, bool dry_run)
     complain(file.path + ": lines that " + (dry_run || !file.refusal.empty() ? "would not be" : "were not") +
              " kept as they were: " + std::to_string(lost.size()));
     for (std::size_t i = 0; i < std::min(lost.size(), most); ++i)
-        complain("line " + std::to_string(lost[i].number) + ": " + in_single_quotes(lost[i].text) + ": " +
-                 loss_as_text(lost[i]));
+    {
+        // A bracket may have made a section of a piece of a secret.
+        std::string reason = loss_as_text(lost[i]);
+        if (lost[i].reason == LOSS::BRACKET_IN_VALUE || lost[i].reason == LOSS::MERGED_SECTION)
+            reason = hide_in_message(reason, file.before, "", "", secrets);
+        complain("line " + std::to_string(lost[i].number) + ": " + in_single_quotes(lost[i].text) + ": " + reason);
+    }
     if (lost.size() > most)
         complain("and " + std::to_string(lost.size() - most) + " more; --dry-run shows them all");
 }
 
+// The difference that the edit makes, with secrets hidden: also those of the old text that the new one has elsewhere.
+std::string shown_difference(const EDITED_FILE& file, SECRETS& secrets)
+{
+    const auto hidden = [&secrets](const std::string& text)
+    { return hide_in_preference_text(text, secrets).value_or(text); };
+    return unified_diff(hidden(file.before), hide_in_message(hidden(file.plan.after), file.before, "", "", secrets),
+                        file.path, file.path + " (new)");
+}
+
+// Makes the change. What it tells of values goes to terminals and logs: no secret is in it.
+EDITED_FILE edited(const PREFERENCE_CHANGE& change, const EDIT_OPTIONS& options, SECRETS& secrets)
+{
+    const std::string key = cfg_get_user_ini_ini_string(change.number);
+    const auto hide = [&](std::string& message, std::string_view text)
+    { message = hide_in_message(message, text, key, change.value.value_or(""), secrets); };
+    try
+    {
+        const std::chrono::seconds patience(options.seconds_to_wait);
+        EDITED_FILE file = options.dry_run ? try_preference_change(change, options.permissions, patience)
+                                           : change_preference(change, options.permissions, patience);
+        for (std::string& warning : file.plan.warnings)
+            hide(warning, file.before);
+        for (std::string& other_value : file.plan.other_values)
+            hide(other_value, file.before);
+        hide(file.refusal, file.before);
+        for (LOST_LINE& line : file.plan.lost)
+            line.text = hide_in_preference_text(line.text, secrets).value_or(line.text);
+        return file;
+    }
+    catch (const TOOL_ERROR& error)
+    {
+        std::string message = error.what();
+        hide(message, read_whole_file(preference_file_location().path).bytes);
+        throw TOOL_ERROR(error.exit_code, message);
+    }
+}
+
 EXIT_CODE edit(const EDIT_OPTIONS& options, bool reset, TOOL& tool)
 {
+    SECRETS& secrets = *tool.options.scope.secrets;
     PREFERENCE_CHANGE change{preference_number(options.key), {}};
     if (!reset)
         change.value = options.value;
-    const std::chrono::seconds patience(options.seconds_to_wait);
-    const EDITED_FILE file = options.dry_run ? try_preference_change(change, options.permissions, patience)
-                                             : change_preference(change, options.permissions, patience);
+    const EDITED_FILE file = edited(change, options, secrets);
     complain_of(file.plan.warnings);
     if (file.refusal.empty())
     {
         for (const std::string& other_value : file.plan.other_values)
             complain("this also changes " + other_value);
     }
-    complain_of_lost_lines(file, options.dry_run);
-    const std::string difference =
-        options.dry_run ? unified_diff(file.before, file.plan.after, file.path, file.path + " (new)") : "";
+    complain_of_lost_lines(file, options.dry_run, secrets);
+    const std::string difference = options.dry_run ? shown_difference(file, secrets) : "";
     try
     {
         if (tool.options.json)
-            answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, options, change, file, difference); });
+            answer_in_json(tool,
+                           [&](JSON_WRITER& out) { write_json(out, options, change, file, difference, secrets); });
         else
             write_difference(difference, tool.out);
         tool.out.finish();

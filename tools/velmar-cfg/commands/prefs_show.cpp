@@ -1,5 +1,6 @@
 // velmar-cfg prefs list, get, describe and path: the preferences as they are.
 #include "platform/fio/fio.h"
+#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
@@ -30,7 +31,7 @@ void write_json(JSON_WRITER& out, const PREFERENCE& preference)
 
 EXIT_CODE list(bool all, TOOL& tool)
 {
-    const PREFERENCES preferences = load_preferences(tool.files);
+    const PREFERENCES preferences = load_preferences(tool.files, *tool.options.scope.secrets);
     std::vector<PREFERENCE> wanted;
     for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
     {
@@ -46,7 +47,8 @@ EXIT_CODE list(bool all, TOOL& tool)
     for (const PREFERENCE& preference : wanted)
     {
         if (tool.options.nul_terminated)
-            tool.out << preference.key << "=" << preference.value << zero_byte;
+            tool.out << preference.key << (has_hidden_parts(preference.value) ? "" : "=" + preference.value)
+                     << zero_byte; // as in list, a masked value is left out
         else
             write_list_entry(preference, tool.out);
     }
@@ -56,7 +58,9 @@ EXIT_CODE list(bool all, TOOL& tool)
 EXIT_CODE get(const std::string& key, TOOL& tool)
 {
     const CFG_USER_INI_ENUMS number = preference_number(key);
-    const PREFERENCE preference = load_preferences(tool.files).look_up(number);
+    SECRETS none;
+    none.show_all(); // the value is what was asked for
+    const PREFERENCE preference = load_preferences(tool.files, none).look_up(number);
     if (tool.options.json)
         answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, preference); });
     else if (!preference.value.empty())
@@ -81,7 +85,7 @@ std::vector<std::string> old_names(const PREFERENCE& preference)
 EXIT_CODE describe(const std::string& key, TOOL& tool)
 {
     const CFG_USER_INI_ENUMS number = preference_number(key);
-    const PREFERENCE preference = load_preferences(tool.files).look_up(number);
+    const PREFERENCE preference = load_preferences(tool.files, *tool.options.scope.secrets).look_up(number);
     if (tool.options.json)
     {
         answer_in_json(tool,

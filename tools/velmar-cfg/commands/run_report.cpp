@@ -166,9 +166,10 @@ EXIT_CODE show_runs_of_switch(const std::string& name, const std::vector<RUN_REP
 
 EXIT_CODE merge(const RUN_REPORT_OPTIONS& options, TOOL& tool)
 {
-    const auto [reports, problems] = read_run_reports(options.files);
-    for (const std::string& problem : problems)
+    const RUN_REPORTS read = read_run_reports(options.files, *tool.options.scope.secrets);
+    for (const std::string& problem : read.problems)
         tool.files.add_problem(problem);
+    const std::vector<RUN_REPORT>& reports = read.reports;
     if (reports.empty())
         return EXIT_CODE::BAD_INPUT;
     if (options.switch_name && !options.switch_name->empty())
@@ -188,7 +189,7 @@ EXIT_CODE run_report(const RUN_REPORT_OPTIONS& options, TOOL& tool)
         return merge(options, tool);
     if (options.files.size() > 1)
         throw TOOL_ERROR(EXIT_CODE::USAGE, "run-report shows one report; give --merge to put several together");
-    const RUN_REPORT report = read_run_report(options.files.front());
+    const RUN_REPORT report = read_run_report(options.files.front(), *tool.options.scope.secrets);
     if (tool.options.json)
         answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, report); });
     else

@@ -5,6 +5,7 @@
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
+#include "tools/velmar-cfg/commands/diagnostics.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/documents/snapshot_json.h"
 #include "tools/velmar-cfg/documents/take_snapshot.h"
@@ -15,7 +16,7 @@ namespace
 class FILE_SINK : public BYTE_SINK
 {
 public:
-    explicit FILE_SINK(const std::string& path) : file(path) {}
+    FILE_SINK(const std::string& path, FILE_READERS readers) : file(path, readers) {}
 
     void write(std::string_view bytes) override
     {
@@ -33,7 +34,10 @@ private:
 
 EXIT_CODE snapshot(const std::optional<std::string>& file, TOOL& tool)
 {
+    SECRETS& secrets = *tool.options.scope.secrets;
+    secrets.use_lasting_key();
     const SNAPSHOT taken = take_snapshot(tool.options.scope, tool.files);
+    complain_of_key(secrets);
     if (!file || *file == "-")
     {
         answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, taken); });
@@ -41,7 +45,7 @@ EXIT_CODE snapshot(const std::optional<std::string>& file, TOOL& tool)
     }
     try
     {
-        FILE_SINK document(*file);
+        FILE_SINK document(*file, secrets.shown() ? FILE_READERS::OWNER : FILE_READERS::AS_USUAL);
         JSON_WRITER writer(document);
         write_json(writer, taken);
         writer.finish();

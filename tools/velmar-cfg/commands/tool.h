@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 #include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/input_file.h"
@@ -17,6 +18,8 @@ struct GLOBAL_OPTIONS
 {
     SETTINGS_SCOPE scope;
     std::string root;
+    bool with_secrets = false;
+    std::vector<std::string> secret_patterns;
     bool json = false;
     bool nul_terminated = false; // only by commands that list for scripts
     std::string color = "auto";

@@ -79,6 +79,14 @@ void write_variable(JSON_WRITER& out, const VARIABLE_DIFFERENCE& difference, boo
     out.end_object();
 }
 
+void write_undecided(JSON_WRITER& out, const UNDECIDED_ROW& row)
+{
+    out.begin_object();
+    out.field("list", row.list);
+    out.field("name", row.name);
+    out.end_object();
+}
+
 void write_run(JSON_WRITER& out, const std::optional<RUN_REPORT>& run)
 {
     out.key("used");
@@ -113,5 +121,7 @@ void write_differences_json(JSON_WRITER& out, const COMPARED_SNAPSHOT& a, const 
              { write_variable(writer, difference, run.has_value()); });
     out.key("preferences");
     out.list(differences.preferences, write_preference);
+    out.key("cannot_tell");
+    out.list(differences.undecided, write_undecided);
     out.end_object();
 }

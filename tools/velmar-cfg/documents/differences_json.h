@@ -8,7 +8,7 @@
 #include "tools/velmar-cfg/documents/run_reports.h"
 #include "tools/velmar-cfg/documents/snapshot_differences.h"
 
-// {"a", "b", "used", "same", "installation", "environment", "files", "variables", "preferences"}.
+// {"a", "b", "used", "same", "installation", "environment", "files", "variables", "preferences", "cannot_tell"}.
 void write_differences_json(JSON_WRITER& out, const COMPARED_SNAPSHOT& a, const COMPARED_SNAPSHOT& b,
                             const SNAPSHOT_DIFFERENCES& differences, const std::optional<RUN_REPORT>& run);
 

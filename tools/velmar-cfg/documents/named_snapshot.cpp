@@ -17,7 +17,7 @@ bool is_directory(const std::string& path)
 COMPARED_SNAPSHOT named_snapshot(const std::string& path, const SETTINGS_SCOPE& scope, INPUT_FILES& files)
 {
     if (path == "-" || !is_directory(path))
-        return {title_of_named_file(path), read_snapshot(path)};
+        return {title_of_named_file(path), read_snapshot(path, *scope.secrets)};
     check_input_directory(path, "name ");
     SETTINGS_SCOPE of_project = scope;
     of_project.project = path;

@@ -15,10 +15,20 @@ namespace
 constexpr DOCUMENT_KIND run_report_kind = {run_report_schema, run_report_schema_version, "run report",
                                            "a host's cfg_write_run_report"};
 
-READ_VARIABLE read_variable(const JSON_NODE& row)
+READ_VARIABLE read_variable(const JSON_NODE& row, SECRETS& secrets)
 {
-    return {row.member("name").text(), row.member("count").natural_number(), row.member("value").text_or_null(),
-            row.member("external").truth(), row.member("used").truth()};
+    READ_VARIABLE variable{row.member("name").text(), row.member("count").natural_number(),
+                           row.member("value").text_or_null(), row.member("external").truth(),
+                           row.member("used").truth()};
+    if (variable.value)
+        variable.value = hide_in_value(variable.name, *variable.value, secrets);
+    return variable;
+}
+
+UNREAD_VARIABLE read_unread_variable(const JSON_NODE& row, SECRETS& secrets)
+{
+    const std::string name = row.member("name").text();
+    return {name, hide_in_value(name, row.member("value").text(), secrets)};
 }
 
 template <typename VARIABLES>
@@ -44,7 +54,7 @@ struct UNREAD_SOMEWHERE
 };
 }
 
-RUN_REPORT read_run_report(const std::string& path)
+RUN_REPORT read_run_report(const std::string& path, SECRETS& secrets)
 {
     const JSON_DOCUMENT document(path, run_report_kind);
     const JSON_NODE root = document.root();
@@ -59,16 +69,16 @@ RUN_REPORT read_run_report(const std::string& path)
     report.appended_file = files.member("appended").text_or_null();
     report.regtest_file = files.member("regtest").text_or_null();
     for (const JSON_NODE& row : root.member("read").elements())
-        report.read.push_back(read_variable(row));
+        report.read.push_back(read_variable(row, secrets));
     for (const JSON_NODE& row : root.member("external_never_read").elements())
-        report.external_never_read.push_back({row.member("name").text(), row.member("value").text()});
+        report.external_never_read.push_back(read_unread_variable(row, secrets));
     for (const JSON_NODE& name : root.member("uncounted").elements())
         report.uncounted.push_back(name.text());
     std::ranges::stable_sort(report.read, std::greater<>(), &READ_VARIABLE::count);
     return report;
 }
 
-RUN_REPORTS read_run_reports(const std::vector<std::string>& paths)
+RUN_REPORTS read_run_reports(const std::vector<std::string>& paths, SECRETS& secrets)
 {
     RUN_REPORTS read;
     std::unordered_map<std::string, int> runs_of_name;
@@ -76,7 +86,7 @@ RUN_REPORTS read_run_reports(const std::vector<std::string>& paths)
     {
         try
         {
-            read.reports.push_back(read_run_report(path));
+            read.reports.push_back(read_run_report(path, secrets));
             ++runs_of_name[read.reports.back().run];
         }
         catch (const TOOL_ERROR& error)

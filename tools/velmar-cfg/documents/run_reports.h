@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/velmar-cfg/settings/secrets.h"
+
 struct READ_VARIABLE
 {
     std::string name;
@@ -36,8 +38,9 @@ struct RUN_REPORT
     std::vector<std::string> uncounted;
 };
 
-// Throws TOOL_ERROR(BAD_INPUT) for a file that is no run report, or of a newer version.
-RUN_REPORT read_run_report(const std::string& path);
+// The report of the file, secret values hidden. Throws TOOL_ERROR(BAD_INPUT) for a file that is no run report, or of a
+// newer version.
+RUN_REPORT read_run_report(const std::string& path, SECRETS& secrets);
 
 struct RUN_REPORTS
 {
@@ -46,7 +49,7 @@ struct RUN_REPORTS
 };
 
 // The reports of these files. Runs of the same name get their file's name as well, so that they can be told apart.
-RUN_REPORTS read_run_reports(const std::vector<std::string>& paths);
+RUN_REPORTS read_run_reports(const std::vector<std::string>& paths, SECRETS& secrets);
 
 // How a run stands to one variable.
 struct DEPENDENCE

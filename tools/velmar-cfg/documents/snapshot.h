@@ -25,7 +25,11 @@ struct SNAPSHOT_FILE
     std::string role;                  // one of all_file_roles()
     std::optional<std::string> path;   // nothing when there is no such layer
     std::optional<std::uint64_t> size; // in bytes; nothing, as the hash, when the file does not exist
-    std::optional<std::string> sha256; // 64 lower-case hexadecimal digits
+    std::optional<std::string> sha256; // 64 lower-case hexadecimal digits; hidden for a file that holds secrets, since
+                                       // they could be guessed until the hash fits
+
+    // The hash itself where the file was read now, for comparisons. No document has it.
+    std::string hash_behind_mask = {};
 
     bool operator==(const SNAPSHOT_FILE&) const = default;
 };

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <unordered_map>
 
+#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
 #include "tools/velmar-cfg/settings/variable_name.h"
 
@@ -38,11 +39,27 @@ const std::string& name_of_pair(const std::pair<const ROW*, const ROW*>& rows, s
     return (rows.first != nullptr ? rows.first : rows.second)->*name;
 }
 
+// Whether the rows differ; notes those of which it cannot be told.
+bool is_different(const char* list, const std::string& name, SAMENESS sameness, std::vector<UNDECIDED_ROW>& undecided)
+{
+    if (sameness == SAMENESS::UNKNOWN)
+        undecided.push_back({list, name});
+    return sameness == SAMENESS::DIFFERENT;
+}
+
+SAMENESS compare_if_present(const std::optional<std::string>& a, const std::optional<std::string>& b)
+{
+    if (a && b)
+        return compare_texts(*a, *b);
+    return a.has_value() == b.has_value() ? SAMENESS::SAME : SAMENESS::DIFFERENT;
+}
+
 // --- Variables ---
 
-bool same_answers(const SNAPSHOT_VARIABLE& a, const SNAPSHOT_VARIABLE& b)
+SAMENESS compare_answers(const SNAPSHOT_VARIABLE& a, const SNAPSHOT_VARIABLE& b)
 {
-    return a.value == b.value && a.external == b.external && same_readings(a.readings, b.readings);
+    return a.external == b.external && same_readings(a.readings, b.readings) ? compare_texts(a.value, b.value)
+                                                                             : SAMENESS::DIFFERENT;
 }
 
 // The highest of the layers that assign to the variable on one side only and that `counts` accepts.
@@ -63,7 +80,7 @@ std::optional<LAYER_KIND> maker_of(const VARIABLE_DIFFERENCE& rows)
 {
     if (!rows.a || !rows.b)
         return (rows.a ? rows.a : rows.b)->location.layer;
-    if (rows.a->value != rows.b->value)
+    if (compare_texts(rows.a->value, rows.b->value) == SAMENESS::DIFFERENT)
         return std::max(rows.a->location.layer, rows.b->location.layer);
     const auto marks_external = [](LAYER_KIND kind)
     {
@@ -74,7 +91,8 @@ std::optional<LAYER_KIND> maker_of(const VARIABLE_DIFFERENCE& rows)
     return highest_on_one_side(*rows.a, *rows.b, marks_external);
 }
 
-std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAPSHOT& b)
+std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAPSHOT& b,
+                                                   std::vector<UNDECIDED_ROW>& undecided)
 {
     std::vector<VARIABLE_DIFFERENCE> differences;
     const auto add = [&differences](std::string_view name, std::optional<SNAPSHOT_VARIABLE> left,
@@ -96,8 +114,12 @@ std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAP
             add(left.name, left, std::nullopt);
             continue;
         }
-        if (const SNAPSHOT_VARIABLE right = b.variables[found->second]; !same_answers(left, right))
+        const SNAPSHOT_VARIABLE right = b.variables[found->second];
+        const SAMENESS sameness = compare_answers(left, right);
+        if (sameness == SAMENESS::DIFFERENT)
             add(left.name, left, right);
+        else if (sameness == SAMENESS::UNKNOWN)
+            undecided.push_back({"variables", std::string(left.name)});
         only_in_b.erase(found);
     }
     for (const auto& [name, index] : only_in_b)
@@ -132,13 +154,17 @@ PREFERENCE_SOURCE source_of(const SNAPSHOT_PREFERENCE* preference)
     return preference == nullptr ? PREFERENCE_SOURCE::NOWHERE : preference->origin.source;
 }
 
-std::vector<PREFERENCE_DIFFERENCE> compare_preferences(const SNAPSHOT& a, const SNAPSHOT& b)
+std::vector<PREFERENCE_DIFFERENCE> compare_preferences(const SNAPSHOT& a, const SNAPSHOT& b,
+                                                       std::vector<UNDECIDED_ROW>& undecided)
 {
     std::vector<PREFERENCE_DIFFERENCE> differences;
     for (const auto& rows : pairs_of(a.preferences, b.preferences, &SNAPSHOT_PREFERENCE::key))
     {
         const auto [left, right] = rows;
-        if (left != nullptr && right != nullptr && left->value == right->value)
+        if (!is_different("preferences", name_of_pair(rows, &SNAPSHOT_PREFERENCE::key),
+                          left != nullptr && right != nullptr ? compare_texts(left->value, right->value)
+                                                              : SAMENESS::DIFFERENT,
+                          undecided))
             continue;
         const PREFERENCE_SOURCE of_left = source_of(left);
         const PREFERENCE_SOURCE of_right = source_of(right);
@@ -168,26 +194,39 @@ std::vector<INSTALLATION_DIFFERENCE> compare_installations(const SNAPSHOT& a, co
     return differences;
 }
 
-std::vector<ENVIRONMENT_DIFFERENCE> compare_environments(const SNAPSHOT& a, const SNAPSHOT& b)
+std::vector<ENVIRONMENT_DIFFERENCE> compare_environments(const SNAPSHOT& a, const SNAPSHOT& b,
+                                                         std::vector<UNDECIDED_ROW>& undecided)
 {
     const auto value_of = [](const ENVIRONMENT_VARIABLE* variable)
     { return variable == nullptr ? std::nullopt : variable->value; };
     std::vector<ENVIRONMENT_DIFFERENCE> differences;
     for (const auto& rows : pairs_of(a.environment, b.environment, &ENVIRONMENT_VARIABLE::name))
     {
-        if (value_of(rows.first) != value_of(rows.second))
+        if (is_different("environment", name_of_pair(rows, &ENVIRONMENT_VARIABLE::name),
+                         compare_if_present(value_of(rows.first), value_of(rows.second)), undecided))
             differences.push_back({name_of_pair(rows, &ENVIRONMENT_VARIABLE::name), rows.first, rows.second});
     }
     return differences;
 }
 
-std::vector<FILE_DIFFERENCE> compare_files(const SNAPSHOT& a, const SNAPSHOT& b)
+// What tells the contents of the two files apart: the masked hash where the other side has no other.
+std::optional<std::string> content_of(const SNAPSHOT_FILE* file, const SNAPSHOT_FILE* other)
 {
-    const auto content_of = [](const SNAPSHOT_FILE* file) { return file == nullptr ? std::nullopt : file->sha256; };
+    if (file == nullptr || !file->sha256 || file->hash_behind_mask.empty())
+        return file == nullptr ? std::nullopt : file->sha256;
+    const bool other_is_masked =
+        other != nullptr && other->sha256 && other->hash_behind_mask.empty() && has_hidden_parts(*other->sha256);
+    return other_is_masked ? file->sha256 : file->hash_behind_mask;
+}
+
+std::vector<FILE_DIFFERENCE> compare_files(const SNAPSHOT& a, const SNAPSHOT& b, std::vector<UNDECIDED_ROW>& undecided)
+{
     std::vector<FILE_DIFFERENCE> differences;
     for (const auto& rows : pairs_of(a.files, b.files, &SNAPSHOT_FILE::role))
     {
-        if (content_of(rows.first) != content_of(rows.second))
+        const auto [left, right] = rows;
+        if (is_different("files", name_of_pair(rows, &SNAPSHOT_FILE::role),
+                         compare_if_present(content_of(left, right), content_of(right, left)), undecided))
             differences.push_back({name_of_pair(rows, &SNAPSHOT_FILE::role), rows.first, rows.second});
     }
     return differences;
@@ -196,12 +235,26 @@ std::vector<FILE_DIFFERENCE> compare_files(const SNAPSHOT& a, const SNAPSHOT& b)
 
 SNAPSHOT_DIFFERENCES compare_snapshots(const SNAPSHOT& a, const SNAPSHOT& b)
 {
-    return {compare_installations(a, b), compare_environments(a, b), compare_files(a, b), compare_variables(a, b),
-            compare_preferences(a, b)};
+    SNAPSHOT_DIFFERENCES differences;
+    std::vector<UNDECIDED_ROW>& undecided = differences.undecided;
+    differences.installation = compare_installations(a, b);
+    differences.environment = compare_environments(a, b, undecided);
+    differences.files = compare_files(a, b, undecided);
+    differences.variables = compare_variables(a, b, undecided);
+    differences.preferences = compare_preferences(a, b, undecided);
+    return differences;
 }
 
 void keep_what_the_run_read(SNAPSHOT_DIFFERENCES& differences, const RUN_REPORT& run)
 {
+    const auto depends_on = [&run](const std::string& name)
+    {
+        const DEPENDENCE::KIND kind = dependence_on(as_in_run_reports(name), run).kind;
+        return kind == DEPENDENCE::KIND::READ || kind == DEPENDENCE::KIND::PERHAPS;
+    };
+    std::vector<UNDECIDED_ROW> undecided = std::move(differences.undecided);
+    std::erase_if(undecided, [&](const UNDECIDED_ROW& row)
+                  { return std::string_view(row.list) != "variables" || !depends_on(row.name); });
     std::vector<VARIABLE_DIFFERENCE> kept;
     for (VARIABLE_DIFFERENCE& difference : differences.variables)
     {
@@ -211,4 +264,5 @@ void keep_what_the_run_read(SNAPSHOT_DIFFERENCES& differences, const RUN_REPORT&
     }
     differences = {};
     differences.variables = std::move(kept);
+    differences.undecided = std::move(undecided);
 }

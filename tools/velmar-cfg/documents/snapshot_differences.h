@@ -59,6 +59,13 @@ struct PREFERENCE_DIFFERENCE
     PREFERENCE_SOURCE made_by;
 };
 
+// A row that is the same as far as it is shown; what is masked is so under different keys.
+struct UNDECIDED_ROW
+{
+    const char* list; // "environment", "files", "variables" or "preferences"
+    std::string name; // of a file, its role
+};
+
 // Points into the two snapshots, which must outlive it.
 struct SNAPSHOT_DIFFERENCES
 {
@@ -67,6 +74,7 @@ struct SNAPSHOT_DIFFERENCES
     std::vector<FILE_DIFFERENCE> files;
     std::vector<VARIABLE_DIFFERENCE> variables; // in the byte order of the names
     std::vector<PREFERENCE_DIFFERENCE> preferences;
+    std::vector<UNDECIDED_ROW> undecided; // these are no differences
 
     bool none() const
     {
@@ -76,7 +84,7 @@ struct SNAPSHOT_DIFFERENCES
 
 SNAPSHOT_DIFFERENCES compare_snapshots(const SNAPSHOT& a, const SNAPSHOT& b);
 
-// Drops everything but the variables that the run read, or perhaps read.
+// Drops everything but the variables that the run read, or perhaps read, undecided ones too.
 void keep_what_the_run_read(SNAPSHOT_DIFFERENCES& differences, const RUN_REPORT& run);
 
 #endif

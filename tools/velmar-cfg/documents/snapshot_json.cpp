@@ -5,6 +5,7 @@
 #include <set>
 
 #include "tools/velmar-cfg/base/json_reader.h"
+#include "tools/velmar-cfg/preferences/preference_secrets.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/layers.h"
@@ -13,7 +14,7 @@
 
 namespace
 {
-constexpr DOCUMENT_KIND snapshot_kind = {"velmar-snapshot", 1, "snapshot", "velmar-cfg snapshot"};
+constexpr DOCUMENT_KIND snapshot_kind = {"velmar-snapshot", 2, "snapshot", "velmar-cfg snapshot"};
 
 constexpr const char* unlike_the_others = "row of its own: there is another of that name";
 
@@ -41,9 +42,11 @@ SNAPSHOT_FILE read_file(const JSON_NODE& row)
     return file;
 }
 
-ENVIRONMENT_VARIABLE read_environment_variable(const JSON_NODE& row)
+ENVIRONMENT_VARIABLE read_environment_variable(const JSON_NODE& row, SECRETS& secrets)
 {
-    return {row.member("name").text(), row.member("value").text_or_null()};
+    ENVIRONMENT_VARIABLE variable{row.member("name").text(), row.member("value").text_or_null()};
+    hide_in_environment(variable, secrets);
+    return variable;
 }
 
 LAYER_KIND read_layer(const JSON_NODE& code)
@@ -74,34 +77,37 @@ TYPED_READINGS read_readings(const JSON_NODE& readings)
             readings.member("double_whole").truth()};
 }
 
-SNAPSHOT_VARIABLES read_variables(const JSON_NODE& list)
+SNAPSHOT_VARIABLES read_variables(const JSON_NODE& list, SECRETS& secrets)
 {
     SNAPSHOT_VARIABLES variables;
     VARIABLE_NAMES names;
     for (const JSON_NODE& row : list.elements())
     {
         const std::string name = row.member("name").text();
-        const std::string value = row.member("value").text();
         const bool external = row.member("external").truth();
         std::optional<std::string> file;
         const LOCATION location = read_location(row, file);
+        const std::string value = hide_in_value(name, row.member("value").text(), secrets,
+                                                is_file(location.layer) ? kept_in_lines : kept_in_items);
         LAYER_SET layers;
         for (const JSON_NODE& code : row.member("layers").elements())
             layers.insert(read_layer(code));
-        variables.add({name, value, external, location, layers, read_readings(row.member("readings"))});
+        const TYPED_READINGS readings = read_readings(row.member("readings"));
+        variables.add({name, value, external, location, layers, has_hidden_parts(value) ? TYPED_READINGS() : readings});
         if (!names.insert(name).second)
             row.refuse(unlike_the_others);
     }
     return variables;
 }
 
-SNAPSHOT_PREFERENCE read_preference(const JSON_NODE& row)
+SNAPSHOT_PREFERENCE read_preference(const JSON_NODE& row, SECRETS& secrets)
 {
     const std::optional<PREFERENCE_SOURCE> source = source_of_word(row.member("source").text());
     if (!source)
         row.member("source").refuse("source of a preference");
-    return {row.member("key").text(),
-            row.member("value").text(),
+    const std::string key = row.member("key").text();
+    return {key,
+            hide_in_preference(key, row.member("value").text(), secrets),
             row.member("default").text(),
             {*source, row.member("section").text_or_null().value_or("")},
             row.member("release").text_or_null().value_or("")};
@@ -174,7 +180,7 @@ void write_json(JSON_WRITER& out, const SNAPSHOT& snapshot)
     out.end_object();
 }
 
-SNAPSHOT read_snapshot(const std::string& path)
+SNAPSHOT read_snapshot(const std::string& path, SECRETS& secrets)
 {
     const JSON_DOCUMENT document(path, snapshot_kind);
     const JSON_NODE root = document.root();
@@ -186,10 +192,13 @@ SNAPSHOT read_snapshot(const std::string& path)
     snapshot.files = read_rows<std::set<std::string>>(root.member("files"), read_file, &SNAPSHOT_FILE::role);
     if (snapshot.files.size() != all_file_roles().size())
         root.member("files").refuse("list of a file of each role");
-    snapshot.environment = read_rows<std::set<std::string>>(root.member("environment"), read_environment_variable,
-                                                            &ENVIRONMENT_VARIABLE::name);
-    snapshot.variables = read_variables(root.member("variables"));
-    snapshot.preferences =
-        read_rows<std::set<std::string>>(root.member("preferences"), read_preference, &SNAPSHOT_PREFERENCE::key);
+    snapshot.environment = read_rows<std::set<std::string>>(
+        root.member("environment"),
+        [&secrets](const JSON_NODE& row) { return read_environment_variable(row, secrets); },
+        &ENVIRONMENT_VARIABLE::name);
+    snapshot.variables = read_variables(root.member("variables"), secrets);
+    snapshot.preferences = read_rows<std::set<std::string>>(
+        root.member("preferences"), [&secrets](const JSON_NODE& row) { return read_preference(row, secrets); },
+        &SNAPSHOT_PREFERENCE::key);
     return snapshot;
 }

@@ -1,4 +1,4 @@
-// Snapshots as JSON documents, schema "velmar-snapshot", version 1:
+// Snapshots as JSON documents, schema "velmar-snapshot", version 2:
 //
 //     schema, schema_version    the two above; a reader refuses a higher version
 //     product, release          of the installation: "velmar", "23.4"
@@ -10,7 +10,9 @@
 //                               that assign to it; readings: bool, int, uint, double, double_whole
 //     preferences               key, value, default, source, section, release
 //
-// A text that is no UTF-8 is {"hex": "<two digits a byte>"}. Rows of one kind all have the same fields.
+// A text that is no UTF-8 is {"hex": "<two digits a byte>"}, and one of which parts are hidden {"masked": [...]} with
+// lasting marks (hidden_text.h); a hidden value has null readings. Version 1 had no such texts. Rows of one kind all
+// have the same fields.
 #ifndef TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_JSON_H
 #define TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_JSON_H
 
@@ -27,7 +29,8 @@ void write_json(JSON_WRITER& out, const SNAPSHOT_FILE& file);
 void write_json(JSON_WRITER& out, const SNAPSHOT_VARIABLE& variable);
 void write_json(JSON_WRITER& out, const SNAPSHOT_PREFERENCE& preference);
 
-// Throws TOOL_ERROR(BAD_INPUT) for a file that is no snapshot, or of a newer version.
-SNAPSHOT read_snapshot(const std::string& path);
+// The snapshot of the file, with secrets hidden that it shows. Throws TOOL_ERROR(BAD_INPUT) for a file that is no
+// snapshot, or of a newer version.
+SNAPSHOT read_snapshot(const std::string& path, SECRETS& secrets);
 
 #endif

@@ -4,40 +4,49 @@
 
 #include "platform/ver/ver.h"
 #include "tools/velmar-cfg/base/content_hash.h"
+#include "tools/velmar-cfg/preferences/preference_secrets.h"
 
 namespace
 {
-SNAPSHOT_FILE file_of_role(const std::string& role, const std::string& path, const INPUT_FILE* file)
+SNAPSHOT_FILE file_of_role(const std::string& role, const std::string& path, const INPUT_FILE* file, bool holds_secrets,
+                           SECRETS& secrets)
 {
     SNAPSHOT_FILE row{role, path, {}, {}};
     if (file != nullptr && file->problem.empty())
     {
         row.size = file->bytes.size();
-        row.sha256 = sha256_of(file->bytes);
+        row.hash_behind_mask = sha256_of(file->bytes);
+        row.sha256 = holds_secrets ? secrets.mark(row.hash_behind_mask) : row.hash_behind_mask;
     }
     return row;
 }
 
-std::vector<SNAPSHOT_FILE> files_of(const LAYERS& layers, const INPUT_FILE* preference_file)
+std::vector<SNAPSHOT_FILE> files_of(const LAYERS& layers, const INPUT_FILE* preference_file, SECRETS& secrets)
 {
+    const bool secret_preferences =
+        preference_file != nullptr && hide_in_preference_text(preference_file->whole_lines(), secrets).has_value();
     std::vector<SNAPSHOT_FILE> files;
     for (const std::string& role : all_file_roles())
     {
         const auto layer = std::ranges::find_if(layers, [&role](const LAYER& candidate)
                                                 { return role == layer_code(candidate.kind); });
         if (role == preference_file_role)
-            files.push_back(file_of_role(role, preference_file_location().path, preference_file));
+            files.push_back(
+                file_of_role(role, preference_file_location().path, preference_file, secret_preferences, secrets));
         else if (layer != layers.end())
-            files.push_back(file_of_role(role, layer->source->path, layer->source.get()));
+        {
+            const INPUT_FILE* const file = (layer->original ? layer->original : layer->source).get();
+            files.push_back(file_of_role(role, file->path, file, layer->original != nullptr, secrets));
+        }
         else
             files.push_back({role, {}, {}, {}});
     }
     return files;
 }
 
-std::vector<SNAPSHOT_PREFERENCE> preferences_of(const INPUT_FILE* file)
+std::vector<SNAPSHOT_PREFERENCE> preferences_of(const INPUT_FILE* file, SECRETS& secrets)
 {
-    const PREFERENCES answers(file == nullptr ? "" : file->whole_lines());
+    const PREFERENCES answers = preferences_in(file, secrets);
     std::vector<SNAPSHOT_PREFERENCE> preferences;
     for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
     {
@@ -59,9 +68,9 @@ SNAPSHOT take_snapshot(const SETTINGS_SCOPE& scope, INPUT_FILES& files)
     snapshot.release = ver_get_version();
     snapshot.project = scope.project;
     snapshot.regtest = scope.regtest;
-    snapshot.files = files_of(layers, preference_file.get());
-    snapshot.environment = environment_that_matters();
+    snapshot.files = files_of(layers, preference_file.get(), *scope.secrets);
+    snapshot.environment = environment_that_matters(*scope.secrets);
     snapshot.variables = SNAPSHOT_VARIABLES(SETTINGS(std::move(layers)));
-    snapshot.preferences = preferences_of(preference_file.get());
+    snapshot.preferences = preferences_of(preference_file.get(), *scope.secrets);
     return snapshot;
 }

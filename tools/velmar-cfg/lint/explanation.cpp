@@ -20,6 +20,7 @@ bool would_set(std::string_view line, OUTCOME outcome, std::string_view name)
 // Goes through all statements: those that assign to the variable, and the comments that look as if they did.
 void add_statements(EXPLANATION& explanation, const SETTINGS& settings)
 {
+    SETTINGS_RULES rules(settings.layers());
     STATEMENTS statements(settings.layers());
     STATEMENT statement{};
     for (ASSIGNMENT_INDEX assignment = 0; statements.next(statement);)
@@ -32,7 +33,7 @@ void add_statements(EXPLANATION& explanation, const SETTINGS& settings)
                 const ASSIGNMENT& assigned = settings.assignments()[assignment];
                 explanation.assignments.push_back(
                     {assigned.name, assigned.value, location, std::string(statement.text)});
-                for (const FINDING& finding : lint_statement(settings, statement, assignment))
+                for (const FINDING& finding : rules.findings(statement, assignment))
                 {
                     // The table of assignments shows that a later one won.
                     if (finding.reason != "overridden")

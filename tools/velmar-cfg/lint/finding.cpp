@@ -16,5 +16,6 @@ void write_json(JSON_WRITER& out, const FINDING& finding)
     out.field("reason", finding.reason);
     out.field("message", finding.message);
     out.field("instead", finding.instead);
+    out.field("replacement", finding.replacement);
     out.end_object();
 }

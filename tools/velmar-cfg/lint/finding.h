@@ -17,20 +17,24 @@ enum class SEVERITY
 
 struct FINDING
 {
-    std::string file;                // or VELMAR_INI_VARS
-    std::optional<std::size_t> line; // counted from 1; one of line and item is there
+    std::string file;                // or the name of an environment variable
+    std::optional<std::size_t> line; // counted from 1; one of line and item is there, or neither
     std::optional<std::size_t> item;
-    std::size_t column; // of the byte, counted from 1
+    std::optional<std::size_t> column; // of the byte, counted from 1; nothing where there is no text
     SEVERITY severity;
     std::string reason;  // one word, stable, for scripts
     std::string message; // what happens
-    std::string instead; // what to write instead, or what to do
+    std::string instead; // what to write instead, or what to do: for people, long texts are cut
+
+    // What takes the place of the whole line or item: whole, with a newline between lines. It is free of this finding
+    // and brings no other. Nothing where a person must decide.
+    std::optional<std::string> replacement = std::nullopt;
 };
 
 // "note", "warning" or "error".
 const char* severity_word(SEVERITY severity);
 
-// {"file", "line", "item", "column", "severity", "reason", "message", "instead"}.
+// {"file", "line", "item", "column", "severity", "reason", "message", "instead", "replacement"}.
 void write_json(JSON_WRITER& out, const FINDING& finding);
 
 #endif

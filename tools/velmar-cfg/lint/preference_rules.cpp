@@ -11,6 +11,7 @@
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/preferences/preference_lines.h"
 #include "tools/velmar-cfg/preferences/preference_save.h"
+#include "tools/velmar-cfg/preferences/preference_secrets.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
 
@@ -175,7 +176,7 @@ private:
         found.push_back({path,
                          number,
                          {},
-                         (offset == std::string_view::npos ? first : offset) + 1,
+                         offset_before_hiding(text, offset == std::string_view::npos ? first : offset) + 1,
                          severity,
                          reason,
                          message,
@@ -276,7 +277,8 @@ void EXAMINATION::examine_known_key(CFG_USER_INI_ENUMS preference)
 }
 }
 
-std::vector<FINDING> lint_preferences(const INPUT_FILE& file)
+std::vector<FINDING> lint_preferences(const INPUT_FILE& file, SECRETS& secrets)
 {
-    return EXAMINATION(file.path).findings(file.whole_lines());
+    const std::optional<std::string> hidden = hide_in_preference_text(file.whole_lines(), secrets);
+    return EXAMINATION(file.path).findings(hidden ? *hidden : file.whole_lines());
 }

@@ -6,8 +6,9 @@
 
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/lint/finding.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 
 // The findings in the order of the lines, as far as the file could be read.
-std::vector<FINDING> lint_preferences(const INPUT_FILE& file);
+std::vector<FINDING> lint_preferences(const INPUT_FILE& file, SECRETS& secrets);
 
 #endif

@@ -9,6 +9,7 @@
 #include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/preferences/preference_lines.h"
+#include "tools/velmar-cfg/preferences/preference_secrets.h"
 
 using namespace zon_cfg;
 
@@ -96,10 +97,17 @@ std::shared_ptr<const INPUT_FILE> preference_file_in_use(INPUT_FILES& files)
     return nullptr;
 }
 
-PREFERENCES load_preferences(INPUT_FILES& files)
+PREFERENCES load_preferences(INPUT_FILES& files, SECRETS& secrets)
 {
-    const std::shared_ptr<const INPUT_FILE> file = preference_file_in_use(files);
-    return PREFERENCES(file == nullptr ? "" : file->whole_lines());
+    return preferences_in(preference_file_in_use(files).get(), secrets);
+}
+
+PREFERENCES preferences_in(const INPUT_FILE* file, SECRETS& secrets)
+{
+    if (file == nullptr)
+        return PREFERENCES("");
+    const std::optional<std::string> hidden = hide_in_preference_text(file->whole_lines(), secrets);
+    return PREFERENCES(hidden ? *hidden : file->whole_lines());
 }
 
 PREFERENCES::PREFERENCES(std::string_view bytes)

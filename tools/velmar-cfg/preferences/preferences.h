@@ -15,6 +15,7 @@
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/preferences/library_preferences.h"
 #include "tools/velmar-cfg/settings/file_candidates.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 
 using zon_cfg::PREFERENCE_ORIGIN;
 using zon_cfg::PREFERENCE_SOURCE;
@@ -83,8 +84,11 @@ private:
     std::set<std::string> sections;
 };
 
-// Those of the file in use; none when there is none, or when it cannot be read.
-PREFERENCES load_preferences(INPUT_FILES& files);
+// Those of the file in use, secrets hidden; none when there is none, or when it cannot be read.
+PREFERENCES load_preferences(INPUT_FILES& files, SECRETS& secrets);
+
+// The same for a file that was read; none for null.
+PREFERENCES preferences_in(const INPUT_FILE* file, SECRETS& secrets);
 
 // The numbers of all preferences of the catalogue, in its order, and their keys.
 std::vector<CFG_USER_INI_ENUMS> all_preference_numbers();

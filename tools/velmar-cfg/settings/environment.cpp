@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-std::vector<ENVIRONMENT_VARIABLE> environment_that_matters()
+std::vector<ENVIRONMENT_VARIABLE> environment_that_matters(SECRETS& secrets)
 {
     std::vector<ENVIRONMENT_VARIABLE> variables;
     for (const char* const name :
@@ -10,8 +10,17 @@ std::vector<ENVIRONMENT_VARIABLE> environment_that_matters()
     {
         const char* const value = std::getenv(name);
         variables.push_back({name, value == nullptr ? std::nullopt : std::optional<std::string>(value)});
+        hide_in_environment(variables.back(), secrets);
     }
     return variables;
+}
+
+void hide_in_environment(ENVIRONMENT_VARIABLE& variable, SECRETS& secrets)
+{
+    if (variable.name != "VELMAR_INI_VARS" || !variable.value || has_hidden_parts(*variable.value))
+        return;
+    if (std::optional<std::string> hidden = hide_in_inline_text(*variable.value, secrets))
+        variable.value = std::move(hidden);
 }
 
 void write_json(JSON_WRITER& out, const ENVIRONMENT_VARIABLE& variable)

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tools/velmar-cfg/base/json_writer.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 
 struct ENVIRONMENT_VARIABLE
 {
@@ -16,8 +17,11 @@ struct ENVIRONMENT_VARIABLE
     bool operator==(const ENVIRONMENT_VARIABLE&) const = default;
 };
 
-// All of them, set or not, in the order in which they take part.
-std::vector<ENVIRONMENT_VARIABLE> environment_that_matters();
+// All of them, set or not, in the order in which they take part, with the secrets of VELMAR_INI_VARS hidden.
+std::vector<ENVIRONMENT_VARIABLE> environment_that_matters(SECRETS& secrets);
+
+// Hides the secrets in its value, unless some are hidden already.
+void hide_in_environment(ENVIRONMENT_VARIABLE& variable, SECRETS& secrets);
 
 // {"name", "value"}, "value" null when not set.
 void write_json(JSON_WRITER& out, const ENVIRONMENT_VARIABLE& variable);

@@ -23,10 +23,28 @@ bool may_assign(std::string_view line, char beginning)
     return first != line.end() && (folded(*first) == beginning || static_cast<unsigned char>(*first) >= 0x80);
 }
 
+// The layer with its secrets hidden, given its text without them; nothing when there are none.
+LAYER hidden_layer(LAYER_KIND kind, std::shared_ptr<const INPUT_FILE> source, std::optional<std::string> hidden)
+{
+    if (!hidden)
+        return {kind, std::move(source)};
+    auto masked = std::make_shared<INPUT_FILE>();
+    masked->path = source->path;
+    masked->bytes = *std::move(hidden);
+    masked->problem = source->problem;
+    return {kind, std::move(masked), std::move(source)};
+}
+
+LAYER file_layer(LAYER_KIND kind, std::shared_ptr<const INPUT_FILE> file, SECRETS& secrets)
+{
+    std::optional<std::string> hidden = hide_in_settings_text(file->whole_lines(), secrets);
+    return hidden_layer(kind, std::move(file), std::move(hidden));
+}
+
 // Adds the file that `find` finds, if it finds one. A file that is gone once it is opened is being replaced, or moved
 // away: what is there by now is searched for anew.
 template <typename FIND>
-void add_file(LAYER_KIND kind, LAYERS& layers, INPUT_FILES& files, FIND find)
+void add_file(LAYER_KIND kind, LAYERS& layers, INPUT_FILES& files, SECRETS& secrets, FIND find)
 {
     constexpr int most_tries = 1000;
     for (int tries = 1;; ++tries)
@@ -37,7 +55,7 @@ void add_file(LAYER_KIND kind, LAYERS& layers, INPUT_FILES& files, FIND find)
         std::shared_ptr<const INPUT_FILE> file = files.read(path);
         if (!file->gone || tries == most_tries)
         {
-            layers.push_back({kind, std::move(file)});
+            layers.push_back(file_layer(kind, std::move(file), secrets));
             return;
         }
         files.forget(path);
@@ -110,23 +128,26 @@ LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files)
     const auto add_searched = [&](LAYER_KIND kind, bool regtest)
     {
         note_places_passed_over(scope, regtest, files);
-        add_file(kind, layers, files, [&] { return settings_file_of(scope.project, regtest); });
+        add_file(kind, layers, files, *scope.secrets, [&] { return settings_file_of(scope.project, regtest); });
     };
     add_searched(LAYER_KIND::MAIN_FILE, false);
     if (const std::string named = named_appended_file(); !named.empty())
         files.note_absence(named);
-    add_file(LAYER_KIND::APPENDED_FILE, layers, files, appended_file);
+    add_file(LAYER_KIND::APPENDED_FILE, layers, files, *scope.secrets, appended_file);
     if (const char* const text = inline_text(); text != nullptr)
-        layers.push_back(
-            {LAYER_KIND::INLINE_TEXT, std::make_shared<const INPUT_FILE>(INPUT_FILE{inline_source, text, {}})});
+    {
+        auto source = std::make_shared<const INPUT_FILE>(INPUT_FILE{inline_source, text, {}});
+        std::optional<std::string> hidden = hide_in_inline_text(source->bytes, *scope.secrets);
+        layers.push_back(hidden_layer(LAYER_KIND::INLINE_TEXT, std::move(source), std::move(hidden)));
+    }
     if (scope.regtest)
         add_searched(LAYER_KIND::REGTEST_FILE, true);
     return layers;
 }
 
-LAYERS single_layer(const std::string& path, INPUT_FILES& files)
+LAYERS single_layer(const std::string& path, INPUT_FILES& files, SECRETS& secrets)
 {
-    return {{LAYER_KIND::MAIN_FILE, files.read_named(path)}};
+    return {file_layer(LAYER_KIND::MAIN_FILE, files.read_named(path), secrets)};
 }
 
 bool STATEMENTS::next_item(STATEMENT& statement)

@@ -14,12 +14,16 @@
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 
-// Whose settings are asked for.
+// Whose settings are asked for, and what of them is hidden.
 struct SETTINGS_SCOPE
 {
     std::string project;  // the project's directory; empty for the search's file
     bool regtest = false; // regtest.ini as well, as regression runs read it
+
+    // Never null; copies of the scope have the same.
+    std::shared_ptr<SECRETS> secrets = std::make_shared<SECRETS>();
 };
 
 // In the order in which they are applied.
@@ -88,9 +92,13 @@ struct LAYER
 {
     LAYER_KIND kind;
 
-    // The path as the library opens it, or inline_source, with the text. Never null. Where the file could not be read
-    // whole, the library goes on with the whole lines before the error, and so does the tool's model.
+    // The path as the library opens it, or inline_source, with the text, secrets hidden in it. Never null. Where the
+    // file could not be read whole, the library goes on with the whole lines before the error, and so does the tool's
+    // model.
     std::shared_ptr<const INPUT_FILE> source;
+
+    // What the source is with its secrets shown, for hashes; null when the source holds none.
+    std::shared_ptr<const INPUT_FILE> original = {};
 };
 
 using LAYERS = std::vector<LAYER>;
@@ -100,7 +108,7 @@ using LAYERS = std::vector<LAYER>;
 LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files);
 
 // One file that the user named ("-" for standard input) as the only layer, taken for a main settings file.
-LAYERS single_layer(const std::string& path, INPUT_FILES& files);
+LAYERS single_layer(const std::string& path, INPUT_FILES& files, SECRETS& secrets);
 
 // One line of a file, or one item of the inline text. The texts are valid until the walk goes on.
 struct STATEMENT

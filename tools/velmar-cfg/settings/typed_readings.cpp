@@ -3,11 +3,14 @@
 #include <cmath>
 #include <string>
 
+#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
 
 TYPED_READINGS read_typed(std::string_view text)
 {
+    if (has_hidden_parts(text))
+        return {};
     const std::string terminated(text);
     TYPED_READINGS readings;
     readings.boolean = as_boolean(terminated);

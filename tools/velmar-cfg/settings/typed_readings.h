@@ -16,7 +16,8 @@ struct TYPED_READINGS
     bool floating_is_whole = false; // the number is the whole text
 };
 
-// What the readers of a variable with this text answer; the floating-point ones in the current locale.
+// What the readers of a variable with this text answer; the floating-point ones in the current locale. Nothing for a
+// text of which a part is hidden.
 TYPED_READINGS read_typed(std::string_view text);
 
 // Equal as JSON shows them: not-a-number is equal to itself.

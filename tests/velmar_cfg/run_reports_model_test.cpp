@@ -1,0 +1,90 @@
+// What several runs say together.
+#include <gmock/gmock.h>
+
+#include "tests/support/isolated_test.h"
+#include "tools/velmar-cfg/documents/run_reports.h"
+
+namespace
+{
+using testing::ElementsAre;
+using testing::StartsWith;
+
+// A run that read `read` twice, left `unread` with that value and did not count `uncounted`.
+RUN_REPORT run_of(const std::string& name, const std::string& read, const std::string& unread, const std::string& value,
+                  const std::string& uncounted)
+{
+    RUN_REPORT report;
+    report.run = name;
+    report.read.push_back({read, 2, "on", true, true});
+    report.external_never_read.push_back({unread, value});
+    report.uncounted.push_back(uncounted);
+    return report;
+}
+
+const std::vector<RUN_REPORT> runs = {
+    run_of("one", "a", "Seed", "1", "u"),
+    run_of("two", "A", "seed", "2", "x"),
+    run_of("three", "b", "SEED", "1", "seed"),
+};
+
+TEST(RUN_REPORTS_MODEL, tell_how_runs_stand_to_a_switch)
+{
+    using KIND = DEPENDENCE::KIND;
+    struct ROW
+    {
+        const char* name;
+        std::vector<KIND> kinds;
+        std::size_t depending;
+        bool known;
+    };
+    const ROW rows[] = {
+        {"a", {KIND::READ, KIND::READ, KIND::UNKNOWN}, 2, true},
+        {"SEED", {KIND::NEVER_READ, KIND::NEVER_READ, KIND::NEVER_READ}, 0, true},
+        {"u", {KIND::PERHAPS, KIND::UNKNOWN, KIND::UNKNOWN}, 0, true},
+        {"nothing", {KIND::UNKNOWN, KIND::UNKNOWN, KIND::UNKNOWN}, 0, false},
+    };
+    for (const ROW& row : rows)
+    {
+        const SWITCH_USE use = use_of_switch(row.name, runs);
+        std::vector<KIND> kinds;
+        for (const DEPENDENCE& dependence : use.dependences)
+            kinds.push_back(dependence.kind);
+        EXPECT_EQ(kinds, row.kinds) << row.name;
+        EXPECT_EQ(use.depending_runs, row.depending) << row.name;
+        EXPECT_EQ(use.known, row.known) << row.name;
+    }
+    EXPECT_FALSE(use_of_switch("a", {}).known);
+}
+
+TEST(RUN_REPORTS_MODEL, gather_what_no_run_read)
+{
+    const std::vector<NEVER_READ_VARIABLE> variables = variables_that_no_run_read(runs);
+    ASSERT_EQ(variables.size(), 1U);
+    EXPECT_EQ(variables[0].name, "Seed");
+    EXPECT_THAT(variables[0].values, ElementsAre("1", "2"));
+    EXPECT_THAT(variables[0].set_in_runs, ElementsAre("one", "two", "three"));
+    EXPECT_THAT(variables[0].perhaps_read_by_runs, ElementsAre("three"));
+}
+
+class RUN_REPORTS_FILES : public ISOLATED_TEST
+{
+};
+
+TEST_F(RUN_REPORTS_FILES, that_cannot_be_read_are_told_in_order)
+{
+    constexpr const char* good = R"({"schema": "velmar-run-report", "schema_version": 1, "run": "", "release": "1",
+        "files": {"main": null, "appended": null, "regtest": null},
+        "read": [], "external_never_read": [{"name": "", "value": ""}], "uncounted": []})";
+    write_file("good", good);
+    write_file("bad", "{");
+    SECRETS secrets;
+    const RUN_REPORTS read = read_run_reports({"missing", "good", "bad", "good"}, secrets);
+    ASSERT_EQ(read.reports.size(), 2U);
+    EXPECT_EQ(read.reports[0].run, "good (good)");
+    EXPECT_THAT(read.problems,
+                ElementsAre(StartsWith("missing: No such file"), StartsWith("bad: no well-formed JSON")));
+    // The variable of empty name is one like the others.
+    ASSERT_EQ(variables_that_no_run_read(read.reports).size(), 1U);
+    EXPECT_EQ(variables_that_no_run_read(read.reports)[0].set_in_runs.size(), 2U);
+}
+}

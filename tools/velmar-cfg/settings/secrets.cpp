@@ -1,0 +1,365 @@
+// A settings text is looked through for the built-in words first, and most texts are left at that. Otherwise each line
+// is taken apart by the library's own rule, and the part behind its "=" is hidden if its name is secret. Quotes stay,
+// since they decide where a comment begins; so does the sign that begins it. What is hidden holds no character that
+// means something to the rules, so that the new line is taken apart as the old one.
+//
+// Cost: one pass over the text; a copy of it when something is hidden.
+#include "tools/velmar-cfg/settings/secrets.h"
+
+#include <algorithm>
+#include <cctype>
+#include <fnmatch.h>
+#include <limits>
+
+#include "tools/velmar-cfg/base/keyed_hash.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
+
+namespace
+{
+constexpr std::string_view secret_words[] = {"token", "password", "secret"}; // in lower case
+
+constexpr std::string_view white_space = " \t\r\n\v\f";
+
+bool is_white(char c)
+{
+    return white_space.find(c) != std::string_view::npos;
+}
+
+constexpr char folded(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+// White space within a line counts for nothing: a settings file's names are without it.
+bool begins_with_word(std::string_view text, std::string_view word)
+{
+    for (; !text.empty() && !word.empty(); text.remove_prefix(1))
+    {
+        if (folded(text.front()) == word.front())
+            word.remove_prefix(1);
+        else if (!is_white(text.front()) || text.front() == '\n')
+            return false;
+    }
+    return word.empty();
+}
+
+bool holds_secret_word(std::string_view text)
+{
+    for (; !text.empty(); text.remove_prefix(1))
+    {
+        const char c = folded(text.front());
+        if ((c == 't' || c == 'p' || c == 's') &&
+            std::ranges::any_of(secret_words, [text](std::string_view word) { return begins_with_word(text, word); }))
+            return true;
+    }
+    return false;
+}
+
+std::string_view without_outer_white_space(std::string_view text)
+{
+    while (!text.empty() && is_white(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && is_white(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
+
+bool is_part_of_name(char c)
+{
+    return (c >= '0' && c <= '9') || (folded(c) >= 'a' && folded(c) <= 'z') || c == '_' || c == '.' || c == '-' ||
+           static_cast<unsigned char>(c) >= 0x80;
+}
+
+bool is_short_number(std::string_view text)
+{
+    constexpr std::ptrdiff_t most_digits = 9;
+    if (text.starts_with('-') || text.starts_with('+'))
+        text.remove_prefix(1);
+    const auto is_digit = [](char c) { return c >= '0' && c <= '9'; };
+    const auto digits = std::ranges::count_if(text, is_digit);
+    const auto points = std::ranges::count(text, '.');
+    return digits >= 1 && digits <= most_digits && points <= 1 &&
+           static_cast<std::size_t>(digits + points) == text.size();
+}
+
+IS_SECRET_NAME names_of(const SECRETS& secrets)
+{
+    return [&secrets](std::string_view name) { return secrets.is_secret_name(name); };
+}
+
+// --- Lines of a settings file ---
+
+std::string hide_in_line(std::string_view line, SECRETS& secrets)
+{
+    LINE_PARTS parts;
+    const std::size_t end = length_without_comment(line);
+    const std::string_view comment = line.substr(end);
+    if (outcome_of_line(line, parts) != OUTCOME::STORED)
+        return hide_behind_names(line.substr(0, end), false, names_of(secrets), secrets) +
+               hide_behind_names(comment, true, names_of(secrets), secrets);
+    const std::size_t value = line.find('=') + 1;
+    std::string hidden(line.substr(0, value));
+    // A comment sign that is not set off by white space may have cut the value.
+    const bool cut = !comment.empty() && !is_white(line[end - 1]);
+    if (secrets.is_secret_name(parts.name) && !is_plain_value(cut ? line.substr(value) : parts.value))
+    {
+        hidden += hide_runs(line.substr(value, end - value), kept_in_lines, secrets);
+        return comment.empty() ? hidden : hidden + comment.front() + hide_runs(comment.substr(1), "", secrets);
+    }
+    return hidden + hide_behind_names(line.substr(value, end - value), true, names_of(secrets), secrets) +
+           hide_behind_names(comment, true, names_of(secrets), secrets);
+}
+
+// `text` with each `word` replaced by the mark. One that is short only where it stands alone: it may be part of any
+// other.
+std::string with_mark(std::string_view text, std::string_view word, const std::string& mark)
+{
+    constexpr std::size_t short_word = 4;
+    const auto is_apart = [text](std::size_t at)
+    { return at >= text.size() || std::isalnum(static_cast<unsigned char>(text[at])) == 0; };
+    std::string result;
+    std::size_t end = 0; // of what is in the result
+    for (std::size_t at = text.find(word); at != std::string_view::npos; at = text.find(word, std::max(at + 1, end)))
+    {
+        if (word.size() < short_word && (!is_apart(at - 1) || !is_apart(at + word.size())))
+            continue;
+        result.append(text, end, at - end).append(mark);
+        end = at + word.size();
+    }
+    return result.append(text.substr(end));
+}
+
+// --- Items of an inline text ---
+
+// Hides the secrets of an inline text, item by item.
+class INLINE_HIDING
+{
+public:
+    INLINE_HIDING(const std::string& inline_text, SECRETS& the_secrets)
+        : text(inline_text), other_separator(separator_of_items(inline_text) == ';' ? ':' : ';'), secrets(the_secrets)
+    {
+        INLINE_ITEMS walk(text);
+        OUTCOME outcome{};
+        std::string name;
+        std::string value;
+        while (walk.next(outcome, name, value))
+            items.push_back(walk.text());
+    }
+
+    std::string hidden()
+    {
+        std::string result;
+        std::size_t end = 0; // of what is in the result
+        for (std::size_t i = 0; i < items.size(); ++i)
+        {
+            const auto begin = static_cast<std::size_t>(items[i].data() - text.data());
+            result.append(text, end, begin - end).append(hidden_item(i));
+            end = begin + items[i].size();
+        }
+        return result.append(text, end);
+    }
+
+private:
+    // The beginning of an item that may be the rest of a value which a separator has cut: up to the other separator, if
+    // it assigns nothing. "=" at its end is padding.
+    std::string_view rest_of_value(std::size_t item) const
+    {
+        if (item >= items.size())
+            return {};
+        std::string_view piece = items[item].substr(0, items[item].find(other_separator));
+        while (piece.ends_with('='))
+            piece.remove_suffix(1);
+        return piece.find('=') == std::string_view::npos ? piece : std::string_view();
+    }
+
+    // What is hidden behind a name within an item may have been cut too.
+    std::string hidden_behind_names(std::string_view piece, bool only_assigned)
+    {
+        std::string hidden = hide_behind_names(piece, only_assigned, names_of(secrets), secrets);
+        in_secret = has_hidden_parts(hidden);
+        return hidden;
+    }
+
+    std::string hidden_rest(std::string_view item, std::string_view rest)
+    {
+        const std::string hidden = hide_runs(rest, "", secrets);
+        const std::string_view behind = item.substr(rest.size());
+        const std::size_t padding = std::min(behind.find_first_not_of('='), behind.size());
+        const std::string_view more = behind.substr(padding);
+        return hidden + std::string(behind.substr(0, padding)) +
+               (more.find('=') == std::string_view::npos ? hide_runs(more, kept_in_items, secrets)
+                                                         : hidden_behind_names(more, true));
+    }
+
+    std::string hidden_item(std::size_t index)
+    {
+        const std::string_view item = items[index];
+        if (const std::string_view rest = rest_of_value(index); in_secret && !rest.empty())
+            return hidden_rest(item, rest);
+        const std::size_t equals = item.find('=');
+        if (equals == std::string_view::npos)
+            return hidden_behind_names(item, false);
+        const std::string_view value = item.substr(equals + 1);
+        if (!secrets.is_secret_name(item.substr(0, equals)) ||
+            (is_plain_value(value) && rest_of_value(index + 1).empty()))
+            return hidden_behind_names(item, true);
+        in_secret = true;
+        return std::string(item.substr(0, equals + 1)) + hide_runs(value, kept_in_items, secrets);
+    }
+
+    const std::string& text;
+    const char other_separator; // the one that separates nothing
+    SECRETS& secrets;
+    std::vector<std::string_view> items;
+    bool in_secret = false; // the item before belongs to a secret value
+};
+}
+
+void SECRETS::add_pattern(std::string pattern)
+{
+    patterns.push_back(std::move(pattern));
+}
+
+bool SECRETS::is_secret_name(std::string_view name) const
+{
+    if (all_shown)
+        return false;
+    return holds_secret_word(name) ||
+           std::ranges::any_of(patterns, [&name](const std::string& pattern)
+                               { return fnmatch(pattern.c_str(), std::string(name).c_str(), FNM_CASEFOLD) == 0; });
+}
+
+bool SECRETS::may_hold_secret_name(std::string_view text) const
+{
+    return !all_shown && (!patterns.empty() || holds_secret_word(text));
+}
+
+std::string SECRETS::mark(std::string_view text)
+{
+    if (!key)
+        key = wants_lasting_key ? lasting_mask_key(mask_key_path()) : passing_mask_key();
+    constexpr std::size_t most = std::numeric_limits<std::uint32_t>::max();
+    return mark_of(
+        {key->name, hmac_of(key->bytes, text), key->lasting, static_cast<std::uint32_t>(std::min(text.size(), most))});
+}
+
+bool is_plain_value(std::string_view value)
+{
+    value = without_outer_white_space(value);
+    if (value.size() >= 2 && value.front() == '"' && value.back() == '"')
+        value = without_outer_white_space(value.substr(1, value.size() - 2));
+    constexpr std::string_view more_switches[] = {"yes", "no", "enabled", "disabled"};
+    return value.empty() || is_short_number(value) || as_boolean(std::string(value)) ||
+           std::ranges::any_of(more_switches, [value](std::string_view word)
+                               { return std::ranges::equal(word, value, {}, {}, folded); });
+}
+
+std::string hide_runs(std::string_view text, std::string_view kept, SECRETS& secrets)
+{
+    std::string hidden;
+    while (!text.empty())
+    {
+        const std::string_view run = text.substr(0, text.find_first_of(kept));
+        const std::string_view core = without_outer_white_space(run);
+        if (core.empty() || has_hidden_parts(core))
+            hidden += run;
+        else
+        {
+            const auto begin = static_cast<std::size_t>(core.data() - run.data());
+            hidden.append(run, 0, begin).append(secrets.mark(core)).append(run.substr(begin + core.size()));
+        }
+        text.remove_prefix(run.size());
+        const std::string_view signs = text.substr(0, text.find_first_not_of(kept));
+        hidden += signs;
+        text.remove_prefix(signs.size());
+    }
+    return hidden;
+}
+
+std::string hide_behind_names(std::string_view text, bool only_assigned, const IS_SECRET_NAME& is_secret,
+                              SECRETS& secrets)
+{
+    std::string hidden;
+    while (!text.empty())
+    {
+        const auto begin = static_cast<std::size_t>(std::ranges::find_if(text, is_part_of_name) - text.begin());
+        const auto size = static_cast<std::size_t>(std::ranges::find_if_not(text.substr(begin), is_part_of_name) -
+                                                   text.substr(begin).begin());
+        const std::string_view name = text.substr(begin, size);
+        std::size_t behind = begin + size;
+        hidden += text.substr(0, behind);
+        text.remove_prefix(behind);
+        if (name.empty() || !is_secret(name))
+            continue;
+        // A name in quotes is one as well.
+        const std::string_view signs = text.substr(0, std::min(text.find_first_not_of("=:'\" \t"), text.size()));
+        if (only_assigned && signs.find_first_of("=:") == std::string_view::npos)
+            continue;
+        hidden += signs;
+        text.remove_prefix(signs.size());
+        // An assignment within a value ends at a quote.
+        const std::string_view value = text.substr(0, only_assigned ? text.find('"') : text.size());
+        hidden += is_plain_value(value) ? std::string(value) : hide_runs(value, "\"", secrets);
+        text.remove_prefix(value.size());
+    }
+    return hidden;
+}
+
+std::optional<std::string> hide_in_settings_text(std::string_view text, SECRETS& secrets)
+{
+    if (!secrets.may_hold_secret_name(text))
+        return std::nullopt;
+    std::string hidden;
+    while (!text.empty())
+    {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        if (secrets.may_hold_secret_name(line))
+            hidden += hide_in_line(line, secrets);
+        else
+            hidden += line;
+        text.remove_prefix(line.size());
+        if (!text.empty())
+        {
+            hidden += '\n';
+            text.remove_prefix(1);
+        }
+    }
+    return has_hidden_parts(hidden) ? std::optional(std::move(hidden)) : std::nullopt;
+}
+
+std::optional<std::string> hide_in_inline_text(const std::string& text, SECRETS& secrets)
+{
+    if (!secrets.may_hold_secret_name(text))
+        return std::nullopt;
+    std::string hidden = INLINE_HIDING(text, secrets).hidden();
+    return has_hidden_parts(hidden) ? std::optional(std::move(hidden)) : std::nullopt;
+}
+
+std::string hide_in_value(std::string_view name, std::string_view value, SECRETS& secrets, std::string_view kept)
+{
+    if (has_hidden_parts(value))
+        return std::string(value);
+    if (secrets.is_secret_name(name) && !is_plain_value(value))
+        return hide_runs(value, kept, secrets);
+    return secrets.may_hold_secret_name(value) ? hide_behind_names(value, true, names_of(secrets), secrets)
+                                               : std::string(value);
+}
+
+std::string hide_in_text(std::string_view text, std::string_view secret, SECRETS& secrets)
+{
+    std::string message(text);
+    while (!secret.empty())
+    {
+        const std::string_view piece = without_outer_white_space(secret.substr(0, secret.find_first_of("\"[]")));
+        secret.remove_prefix(std::min(secret.find_first_of("\"[]"), secret.size() - 1) + 1);
+        if (piece.empty())
+            continue;
+        const std::string mark = secrets.mark(piece);
+        std::string hidden;
+        TEXT_PARTS parts(message);
+        for (TEXT_PART part{}; parts.next(part);)
+            hidden += part.hidden ? std::string(part.text) : with_mark(part.text, piece, mark);
+        message = std::move(hidden);
+    }
+    return message;
+}

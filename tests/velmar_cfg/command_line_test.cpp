@@ -1,5 +1,6 @@
 // What holds for every command: usage errors, help, the global options, and where the bytes go.
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -65,6 +66,7 @@ TEST_F(COMMAND_LINE, an_unknown_option_is_told_with_what_may_be_meant)
         {{"prefs", "set", "USER_LIBRARIES", "-x"},
          "there is no option '-x'; put -- before an argument that begins with \"-\"; see velmar-cfg prefs set"},
         {{"get", "a", "b"}, "The following argument was not expected: b; see velmar-cfg get"},
+        {{"get", "a", "-"}, "The following argument was not expected: -; see velmar-cfg get"},
         {{"prefs", "lst"}, "there is no command 'lst', did you mean 'list'?; see velmar-cfg prefs"},
         {{"help", "prefs", "lst"}, "there is no command 'lst', did you mean 'list'?; see velmar-cfg prefs"},
     };
@@ -95,6 +97,11 @@ TEST_F(COMMAND_LINE, a_hyphen_is_standard_input_or_output)
     standard_input = "now.json";
     EXPECT_EQ(run({"diff", "-"}), (TOOL_RUN{0, "", ""}));
     EXPECT_EQ(run({"diff", "now.json", "-"}), (TOOL_RUN{0, "", ""}));
+
+    // A directory of that name is another thing, too.
+    std::filesystem::create_directory("-");
+    EXPECT_EQ(run({"diff", "-"}), (TOOL_RUN{0, "", ""}));
+    std::filesystem::remove("-");
 
     write_file("lines", "no assignment\n");
     standard_input = "lines";

@@ -42,6 +42,7 @@ TEST(DIAGNOSTICS, that_nobody_takes_are_no_failure)
     {
         close(STDERR_FILENO);
         complain("nobody");
+        complain(std::string(300'000, 'x'));
         _exit(complain_of({}) && !complain_of({"nobody", "hears"}) ? 0 : 1);
     }
     int status = 0;

@@ -103,6 +103,13 @@ TEST_F(DOCUMENTATION, help_fits_the_width)
     }
 }
 
+TEST_F(DOCUMENTATION, a_name_that_is_too_long_for_its_column_has_a_line_of_its_own)
+{
+    variables["COLUMNS"] = "40";
+    EXPECT_THAT(run({"snapshot", "--help"}).out, HasSubstr("\n  -o, --output FILE\n"
+                                                           "                    Write to this file,"));
+}
+
 TEST_F(DOCUMENTATION, help_of_a_command_has_the_options_of_every_command)
 {
     for (const CLI::App* const command : commands)
@@ -114,6 +121,7 @@ TEST_F(DOCUMENTATION, help_of_a_command_has_the_options_of_every_command)
              {"\n  --project DIR ", "\n  --regtest ", "\n  --root DIR ", "\n  --json ", "\n  --color WHEN "})
             EXPECT_THAT(help, HasSubstr(option)) << spoken_name(command);
         EXPECT_EQ(help.find("--version") != help.npos, command == app.get());
+        EXPECT_EQ(help.find("\n  -h, --help "), help.rfind("\n  -h, --help "));
     }
 }
 

@@ -309,12 +309,13 @@ TEST_F(LINT, that_the_search_is_disabled_is_told)
     EXPECT_EQ(run({"lint", "--strict"}), (TOOL_RUN{0, "", ""}));
 }
 
-TEST_F(LINT, nothing_is_written_before_all_is_read)
+TEST_F(LINT, what_cannot_be_read_is_told_and_the_rest_is_checked)
 {
     write_file("first.ini", "ab\n");
     const TOOL_RUN linted = run({"lint", "first.ini", "nothing.ini", "--json"});
     EXPECT_EQ(linted.exit_code, 3);
-    EXPECT_EQ(linted.out, "");
+    EXPECT_EQ(linted.json().size(), 1U);
+    EXPECT_THAT(linted.err, HasSubstr("nothing.ini: "));
 }
 
 TEST_F(LINT, suggestions_stand_in_json_whole)

@@ -189,8 +189,10 @@ TEST_F(MASKING, leaves_the_columns_of_findings_as_they_are_in_the_file)
             EXPECT_EQ(masked[i].at(field), shown[i].at(field)) << masked[i];
     }
     EXPECT_THAT(run({"lint"}).out,
-                HasSubstr("velmar.ini:2:20: warning: the value is cut off at the \"#\", where a comment begins; write "
-                          "'API_TOKEN = \"\\(masked)#\\(masked)\"'"));
+                HasSubstr("velmar.ini:2:1: warning: the same variable as 'api_token' at " +
+                          temporary.path("cwd/velmar.ini") +
+                          ":1, but objects registered under that spelling are not told of this one; write "
+                          "'api_token = \\(masked)#\\(masked)' [letter-case]"));
 }
 
 TEST_F(MASKING, takes_further_names)
@@ -319,7 +321,7 @@ TEST_F(MASKING, cannot_tell_under_different_keys_which_is_no_difference)
                                 HasSubstr("\n  CLOUD_TOKEN  (preferences)\n"), Not(HasSubstr("max_tokens"))));
     const json differences = run({"diff", "a.json", "--json"}).json();
     EXPECT_EQ(differences.at("same"), true);
-    EXPECT_EQ(differences.at("cannot_tell")[0], R"({"list": "environment", "name": "VELMAR_INI_VARS"})"_json);
+    EXPECT_EQ(differences.at("cannot_tell")[0], R"({"what": "environment", "name": "VELMAR_INI_VARS"})"_json);
     // What is shown is compared all the same.
     std::ofstream("velmar.ini", std::ios::app) << "url = http://other/?api_token=S3CRETh\n";
     const TOOL_RUN other = run({"diff", "a.json"});

@@ -100,6 +100,25 @@ TEST(JSON_TEXT, escapes_what_steers_a_terminal)
     }
 }
 
+TEST(UTF_8, knows_the_first_character)
+{
+    struct ROW
+    {
+        std::string bytes;
+        std::size_t length;
+        char32_t character;
+    };
+    const ROW rows[] = {
+        {"ab", 1, U'a'},   {"\xc3\xa9x", 2, 0xe9}, {"\xe2\x80\xae", 3, 0x202e}, {"\xf0\x9f\x98\x80", 4, 0x1f600},
+        {"\x9b", 0, 0x9b}, {"\xe2\x80x", 0, 0xe2},
+    };
+    for (const ROW& row : rows)
+    {
+        EXPECT_EQ(first_character(row.bytes).length, row.length) << row.bytes;
+        EXPECT_EQ(first_character(row.bytes).character, row.character) << row.bytes;
+    }
+}
+
 TEST(UTF_8, is_told_wherever_it_stands)
 {
     for (const ESCAPED& row : escaped_texts)

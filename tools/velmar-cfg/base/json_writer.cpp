@@ -43,7 +43,8 @@ void append_escaped(std::string& to, char32_t character)
     constexpr std::string_view escaped = "\"\\\b\f\n\r\t";
     constexpr std::string_view letters = "\"\\bfnrt";
     to += '\\';
-    if (const std::size_t at = escaped.find(static_cast<char>(character)); character < 0x80 && at != escaped.npos)
+    if (const std::size_t at = escaped.find(static_cast<char>(character));
+        character < 0x80 && at != std::string_view::npos)
         to += letters[at];
     else
     {

@@ -8,10 +8,10 @@
 
 void complain(std::string_view text)
 {
-    OUTPUT out(STDERR_FILENO);
-    out << "velmar-cfg: " << printable(text) << "\n";
     try
     {
+        OUTPUT out(STDERR_FILENO);
+        out << "velmar-cfg: " << printable(text) << "\n";
         out.finish();
     }
     catch (const TOOL_ERROR&) // NOLINT(bugprone-empty-catch)

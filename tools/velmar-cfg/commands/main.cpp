@@ -1,4 +1,5 @@
 // velmar-cfg: shows, explains, checks and edits what the configuration library would answer.
+#include <algorithm>
 #include <csignal>
 #include <new>
 
@@ -58,7 +59,7 @@ EXIT_CODE run(int argc, const char* const* argv)
     tool.out.finish();
     // What could be read has been answered, as the library goes on.
     const bool all_was_read = complain_of(tool.files.problems());
-    return all_was_read || end > EXIT_CODE::FINDINGS ? end : EXIT_CODE::BAD_INPUT;
+    return all_was_read ? end : std::max(end, EXIT_CODE::BAD_INPUT);
 }
 }
 

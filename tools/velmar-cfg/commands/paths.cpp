@@ -8,20 +8,8 @@
 #include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/file_candidates.h"
 
-using namespace zon_cfg;
-
 namespace
 {
-std::vector<FILE_CANDIDATE> all_candidates(const SETTINGS_SCOPE& scope)
-{
-    std::vector<FILE_CANDIDATE> all = settings_candidates(scope, false);
-    all.push_back(appended_candidate());
-    for (FILE_CANDIDATE& candidate : settings_candidates(scope, true))
-        all.push_back(std::move(candidate));
-    all.push_back(preference_file_candidate());
-    return all;
-}
-
 void write_json(JSON_WRITER& out, const std::vector<FILE_CANDIDATE>& candidates, SECRETS& secrets)
 {
     const auto write_row = [](JSON_WRITER& writer, const auto& row) { write_json(writer, row); };
@@ -81,7 +69,7 @@ void write_text(const std::vector<FILE_CANDIDATE>& candidates, SECRETS& secrets,
 
 EXIT_CODE paths(TOOL& tool)
 {
-    const std::vector<FILE_CANDIDATE> candidates = all_candidates(tool.options.scope);
+    const std::vector<FILE_CANDIDATE> candidates = all_file_candidates(tool.options.scope);
     if (tool.options.json)
         answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, candidates, *tool.options.scope.secrets); });
     else

@@ -82,7 +82,7 @@ void write_variable(JSON_WRITER& out, const VARIABLE_DIFFERENCE& difference, boo
 void write_undecided(JSON_WRITER& out, const UNDECIDED_ROW& row)
 {
     out.begin_object();
-    out.field("list", row.list);
+    out.field("what", row.list);
     out.field("name", row.name);
     out.end_object();
 }

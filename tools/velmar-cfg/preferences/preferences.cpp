@@ -88,6 +88,16 @@ FILE_CANDIDATE preference_file_candidate()
     return candidate;
 }
 
+std::vector<FILE_CANDIDATE> all_file_candidates(const SETTINGS_SCOPE& scope)
+{
+    std::vector<FILE_CANDIDATE> all = settings_candidates(scope, false);
+    all.push_back(appended_candidate());
+    for (FILE_CANDIDATE& candidate : settings_candidates(scope, true))
+        all.push_back(std::move(candidate));
+    all.push_back(preference_file_candidate());
+    return all;
+}
+
 std::shared_ptr<const INPUT_FILE> preference_file_in_use(INPUT_FILES& files)
 {
     const std::string path = cfg_generate_user_ini_file_path();

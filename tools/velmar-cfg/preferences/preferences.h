@@ -47,6 +47,10 @@ PREFERENCE_FILE_LOCATION preference_file_location();
 // The same as the one candidate that it is.
 FILE_CANDIDATE preference_file_candidate();
 
+// Every place where a file is looked for: the main settings file, the appended one, the regression-test file, the
+// preference file; each in the order of its search.
+std::vector<FILE_CANDIDATE> all_file_candidates(const SETTINGS_SCOPE& scope);
+
 // The preference file in use. Nothing when there is none.
 std::shared_ptr<const INPUT_FILE> preference_file_in_use(INPUT_FILES& files);
 

@@ -102,8 +102,7 @@ public:
                 continue;
             }
             add(file, location_word(location), search.path().fullpath(), when_first);
-            if (location == SEARCH_PLACE::VELMAR_INI && candidates.back().state == FILE_STATE::MISSING &&
-                input_problem(environment_text("VELMAR_INI")).empty())
+            if (location == SEARCH_PLACE::VELMAR_INI && input_problem(environment_text("VELMAR_INI")).empty())
                 candidates.back().remark = "VELMAR_INI names a file; it must name a directory";
             more = search.next(usable);
         }

@@ -99,15 +99,17 @@ std::string hide_in_line(std::string_view line, SECRETS& secrets)
                hide_behind_names(comment, true, names_of(secrets), secrets);
     const std::size_t value = line.find('=') + 1;
     std::string hidden(line.substr(0, value));
+    const std::string_view rest = line.substr(value, end - value);
+    const bool secret_name = secrets.is_secret_name(parts.name);
+    const bool secret = secret_name && !is_plain_value(parts.value);
+    hidden +=
+        secret ? hide_runs(rest, kept_in_lines, secrets) : hide_behind_names(rest, true, names_of(secrets), secrets);
+    if (comment.empty())
+        return hidden;
     // A comment sign that is not set off by white space may have cut the value.
-    const bool cut = !comment.empty() && !is_white(line[end - 1]);
-    if (secrets.is_secret_name(parts.name) && !is_plain_value(cut ? line.substr(value) : parts.value))
-    {
-        hidden += hide_runs(line.substr(value, end - value), kept_in_lines, secrets);
-        return comment.empty() ? hidden : hidden + comment.front() + hide_runs(comment.substr(1), "", secrets);
-    }
-    return hidden + hide_behind_names(line.substr(value, end - value), true, names_of(secrets), secrets) +
-           hide_behind_names(comment, true, names_of(secrets), secrets);
+    if (secret || (secret_name && !is_white(line[end - 1])))
+        return hidden + comment.front() + hide_runs(comment.substr(1), "", secrets);
+    return hidden + hide_behind_names(comment, true, names_of(secrets), secrets);
 }
 
 // `text` with each `word` replaced by the mark. One that is short only where it stands alone: it may be part of any
@@ -200,10 +202,11 @@ private:
         if (equals == std::string_view::npos)
             return hidden_behind_names(item, false);
         const std::string_view value = item.substr(equals + 1);
-        if (!secrets.is_secret_name(item.substr(0, equals)) ||
-            (is_plain_value(value) && rest_of_value(index + 1).empty()))
+        if (!secrets.is_secret_name(item.substr(0, equals)))
             return hidden_behind_names(item, true);
         in_secret = true;
+        if (is_plain_value(value))
+            return std::string(item);
         return std::string(item.substr(0, equals + 1)) + hide_runs(value, kept_in_items, secrets);
     }
 

@@ -8,6 +8,7 @@
 #include "tests/support/run_program.h"
 #include "tests/velmar_cfg/tool_test.h"
 #include "tools/velmar-cfg/commands/command_line.h"
+#include "tools/velmar-cfg/preferences/preference_save.h"
 #include "tools/velmar-cfg/settings/environment.h"
 
 namespace
@@ -301,6 +302,8 @@ TEST(MANUAL_PAGES_, explain_every_finding_in_alphabetical_order)
         of_settings.merge(findings_in_source(file));
     std::set<std::string> of_preferences = findings_in_source("preference_rules.cpp");
     of_preferences.insert(of_settings.extract("no-preference-file"));
+    for (int reason = 0; reason <= static_cast<int>(LOSS::CHANGED_VALUE); ++reason)
+        of_preferences.insert(loss_word(static_cast<LOSS>(reason)));
     EXPECT_GT(of_settings.size(), 25U);
     EXPECT_GT(of_preferences.size(), 14U);
     EXPECT_THAT(findings_in_manual("Of settings"), testing::ElementsAreArray(of_settings));

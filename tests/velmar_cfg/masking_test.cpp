@@ -227,7 +227,7 @@ TEST_F(MASKING, is_not_for_what_was_asked_for)
 
 TEST_F(MASKING, changes_no_file_by_it)
 {
-    ASSERT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}).exit_code, 0);
+    ASSERT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL", "--allow-loss"}).exit_code, 0);
     EXPECT_THAT(read_file("user/velmar2.ini"), AllOf(HasSubstr("CLOUD_TOKEN = S3CRETj\n"), HasSubstr("= hunter2\n")));
     ASSERT_EQ(run({"prefs", "set", "CLOUD_TOKEN", "S3CRETv"}).exit_code, 0);
     EXPECT_EQ(run({"prefs", "get", "CLOUD_TOKEN"}).out, "S3CRETv\n");

@@ -381,7 +381,8 @@ protected:
             while (shared->saves == saves)
                 usleep(1000);
             INPUT_FILES files;
-            arrived += load_preferences(files).look_up(CLOUD_SERVER).value == value ? 1 : 0;
+            SECRETS secrets;
+            arrived += load_preferences(files, secrets).look_up(CLOUD_SERVER).value == value ? 1 : 0;
         }
         return arrived;
     }

@@ -327,7 +327,8 @@ protected:
         if (!with_lint)
             return;
         std::set<std::pair<std::size_t, std::string>> linted;
-        for (const FINDING& finding : lint_preferences(read_whole_file_of(bytes)))
+        SECRETS secrets;
+        for (const FINDING& finding : lint_preferences(read_whole_file_of(bytes), secrets))
             linted.emplace(finding.line.value(), finding.reason);
         for (const LOST_LINE& line : model.lost_lines())
             ASSERT_TRUE(linted.contains({line.number, loss_word(line.reason)})) << line.number << " " << bytes;

@@ -274,6 +274,24 @@ TEST_F(PREFS_EDIT, a_value_that_would_go_with_a_line_is_kept_unless_told_otherwi
     EXPECT_EQ(preferences(), "\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n");
 }
 
+TEST_F(PREFS_EDIT, no_secret_is_shown_with_a_lost_line)
+{
+    const char* const bytes = "PROXY_USER1 = hush-hush-1\n[Internet Connectivity 23.4_pro]\nPROXY_USER1 = hush-hush-2\n"
+                              "PROXY_USER1 = hush-hush-3\nPROXY_USER2 = \"\"hush-hush-4\"\"\n";
+    write_preferences(bytes);
+    for (const std::vector<std::string>& options :
+         {std::vector<std::string>{"--wait=0"}, {"--dry-run"}, {"--json"}, {"--dry-run", "--json"}, {"--allow-loss"}})
+    {
+        std::vector<std::string> arguments = {"prefs", "set", "HDL_PREFERENCE", "VHDL"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const TOOL_RUN edited = run(arguments);
+        EXPECT_EQ(edited.exit_code, options.front() == "--allow-loss" ? 0 : 4);
+        EXPECT_THAT(edited.err, HasSubstr("line 1: 'PROXY_USER1 = \\(masked"));
+        EXPECT_THAT(edited.err + edited.out, testing::Not(HasSubstr("hush")));
+    }
+    EXPECT_THAT(preferences(), HasSubstr("PROXY_USER1 = hush-hush-2\n"));
+}
+
 TEST_F(PREFS_EDIT, another_value_that_would_change_is_told_where_it_may)
 {
     write_preferences("[Messages 23.4_pro]\n[Messages 23.3_pro]\nSHOW_MESSAGE_ID = off\n");

@@ -1,9 +1,5 @@
 // velmar-cfg prefs set and reset: changing the preference file.
 #include <algorithm>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "cfg_ini/cfg_ini.h"
 #include "tools/velmar-cfg/base/json_writer.h"
@@ -47,89 +43,42 @@ void write_difference(std::string_view difference, OUTPUT& out)
     }
 }
 
-// What an edit says goes to terminals and logs: no secret of the file or of the change is in it.
-class SAID_OF_EDIT
-{
-public:
-    SAID_OF_EDIT(const PREFERENCE_CHANGE& change_made, const EDITED_FILE& edited_file, SECRETS& hidden_secrets)
-        : change(change_made), file(edited_file), secrets(hidden_secrets),
-          before(hide_in_preference_text(edited_file.before, hidden_secrets).value_or(edited_file.before))
-    {
-        for (std::size_t begin = 0; begin < before.size();)
-        {
-            const std::size_t end = std::min(before.find('\n', begin), before.size());
-            lines.push_back(std::string_view(before).substr(begin, end - begin));
-            begin = end + 1;
-        }
-    }
-    SAID_OF_EDIT(const SAID_OF_EDIT&) = delete;
-    SAID_OF_EDIT& operator=(const SAID_OF_EDIT&) = delete;
-
-    std::string message(std::string_view text) const
-    {
-        return hide_in_message(text, file.before, key(), change.value.value_or(""), secrets);
-    }
-
-    std::string key() const
-    {
-        return cfg_get_user_ini_ini_string(change.number);
-    }
-
-    std::optional<std::string> value() const
-    {
-        return change.value ? std::optional(hide_in_preference(key(), *change.value, secrets)) : std::nullopt;
-    }
-
-    std::string_view text(const LOST_LINE& line) const
-    {
-        return line.number <= lines.size() ? lines[line.number - 1] : std::string_view();
-    }
-
-    // With those secrets of the old text hidden, too, that the new one has elsewhere.
-    std::string difference() const
-    {
-        const std::string after = hide_in_preference_text(file.plan.after, secrets).value_or(file.plan.after);
-        return unified_diff(before, hide_in_message(after, file.before, "", "", secrets), file.path,
-                            file.path + " (new)");
-    }
-
-private:
-    const PREFERENCE_CHANGE& change;
-    const EDITED_FILE& file;
-    SECRETS& secrets;
-    const std::string before;
-    std::vector<std::string_view> lines; // of that
-};
-
-void write_lost_line(JSON_WRITER& out, const LOST_LINE& line, const SAID_OF_EDIT& said)
+void write_lost_line(JSON_WRITER& out, const LOST_LINE& line)
 {
     out.begin_object();
     out.field("line", line.number);
     out.field("reason", loss_word(line.reason));
-    out.field("text", said.text(line));
+    out.field("text", line.text);
     out.field("value_lost", line.value_lost);
     out.end_object();
 }
 
-void write_json(JSON_WRITER& out, const EDIT_OPTIONS& options, const EDITED_FILE& file, const SAID_OF_EDIT& said,
-                const std::string& difference)
+std::optional<std::string> shown_value(const PREFERENCE_CHANGE& change, SECRETS& secrets)
+{
+    if (!change.value)
+        return std::nullopt;
+    return hide_in_preference(cfg_get_user_ini_ini_string(change.number), *change.value, secrets);
+}
+
+void write_json(JSON_WRITER& out, const EDIT_OPTIONS& options, const PREFERENCE_CHANGE& change, const EDITED_FILE& file,
+                const std::string& difference, SECRETS& secrets)
 {
     out.begin_object();
-    out.field("key", said.key());
-    out.field("value", said.value());
+    out.field("key", cfg_get_user_ini_ini_string(change.number));
+    out.field("value", shown_value(change, secrets));
     out.field("path", file.path);
     out.field("changed", file.changed());
-    out.field_or_null("refusal", said.message(file.refusal));
+    out.field_or_null("refusal", file.refusal);
     out.field("dry_run", options.dry_run);
     out.field("dropped_lines", file.plan.lost.size());
     out.key("lost_lines");
-    out.list(file.plan.lost, [&said](JSON_WRITER& list, const LOST_LINE& line) { write_lost_line(list, line, said); });
+    out.list(file.plan.lost, write_lost_line);
     out.field("difference", difference);
     out.end_object();
 }
 
 // Every lost line, but of very many only the first.
-void complain_of_lost_lines(const EDITED_FILE& file, const SAID_OF_EDIT& said, bool dry_run)
+void complain_of_lost_lines(const EDITED_FILE& file, bool dry_run, SECRETS& secrets)
 {
     constexpr std::size_t most = 50;
     const std::vector<LOST_LINE>& lost = file.plan.lost;
@@ -138,25 +87,51 @@ void complain_of_lost_lines(const EDITED_FILE& file, const SAID_OF_EDIT& said, b
     complain(file.path + ": lines that " + (dry_run || !file.refusal.empty() ? "would not be" : "were not") +
              " kept as they were: " + std::to_string(lost.size()));
     for (std::size_t i = 0; i < std::min(lost.size(), most); ++i)
-        complain("line " + std::to_string(lost[i].number) + ": " + in_single_quotes(said.text(lost[i])) + ": " +
-                 said.message(loss_as_text(lost[i])));
+    {
+        // A bracket may have made a section of a piece of a secret.
+        std::string reason = loss_as_text(lost[i]);
+        if (lost[i].reason == LOSS::BRACKET_IN_VALUE || lost[i].reason == LOSS::MERGED_SECTION)
+            reason = hide_in_message(reason, file.before, "", "", secrets);
+        complain("line " + std::to_string(lost[i].number) + ": " + in_single_quotes(lost[i].text) + ": " + reason);
+    }
     if (lost.size() > most)
         complain("and " + std::to_string(lost.size() - most) + " more; --dry-run shows them all");
+}
 
-    // Makes the change, or tries it. What cannot be done may name a value of the file or of the change.
-    EDITED_FILE edited(const PREFERENCE_CHANGE& change, const EDIT_OPTIONS& options, SECRETS& secrets)
+// The difference that the edit makes, with secrets hidden: also those of the old text that the new one has elsewhere.
+std::string shown_difference(const EDITED_FILE& file, SECRETS& secrets)
+{
+    const auto hidden = [&secrets](const std::string& text)
+    { return hide_in_preference_text(text, secrets).value_or(text); };
+    return unified_diff(hidden(file.before), hide_in_message(hidden(file.plan.after), file.before, "", "", secrets),
+                        file.path, file.path + " (new)");
+}
+
+// Makes the change. What it tells of values goes to terminals and logs: no secret is in it.
+EDITED_FILE edited(const PREFERENCE_CHANGE& change, const EDIT_OPTIONS& options, SECRETS& secrets)
+{
+    const std::string key = cfg_get_user_ini_ini_string(change.number);
+    const auto hide = [&](std::string& message, std::string_view text)
+    { message = hide_in_message(message, text, key, change.value.value_or(""), secrets); };
+    try
     {
         const std::chrono::seconds patience(options.seconds_to_wait);
-        try
-        {
-            return options.dry_run ? try_preference_change(change, options.permissions, patience)
-                                   : change_preference(change, options.permissions, patience);
-        }
-        catch (const TOOL_ERROR& error)
-        {
-            const EDITED_FILE unchanged{.before = read_whole_file(preference_file_location().path).bytes};
-            throw TOOL_ERROR(error.exit_code, SAID_OF_EDIT(change, unchanged, secrets).message(error.what()));
-        }
+        EDITED_FILE file = options.dry_run ? try_preference_change(change, options.permissions, patience)
+                                           : change_preference(change, options.permissions, patience);
+        for (std::string& warning : file.plan.warnings)
+            hide(warning, file.before);
+        for (std::string& other_value : file.plan.other_values)
+            hide(other_value, file.before);
+        hide(file.refusal, file.before);
+        for (LOST_LINE& line : file.plan.lost)
+            line.text = hide_in_preference_text(line.text, secrets).value_or(line.text);
+        return file;
+    }
+    catch (const TOOL_ERROR& error)
+    {
+        std::string message = error.what();
+        hide(message, read_whole_file(preference_file_location().path).bytes);
+        throw TOOL_ERROR(error.exit_code, message);
     }
 }
 
@@ -167,20 +142,19 @@ EXIT_CODE edit(const EDIT_OPTIONS& options, bool reset, TOOL& tool)
     if (!reset)
         change.value = options.value;
     const EDITED_FILE file = edited(change, options, secrets);
-    const SAID_OF_EDIT said(change, file, secrets);
-    for (const std::string& warning : file.plan.warnings)
-        complain(said.message(warning));
+    complain_of(file.plan.warnings);
     if (file.refusal.empty())
     {
         for (const std::string& other_value : file.plan.other_values)
-            complain("this also changes " + said.message(other_value));
+            complain("this also changes " + other_value);
     }
-    complain_of_lost_lines(file, said, options.dry_run);
-    const std::string difference = options.dry_run ? said.difference() : "";
+    complain_of_lost_lines(file, options.dry_run, secrets);
+    const std::string difference = options.dry_run ? shown_difference(file, secrets) : "";
     try
     {
         if (tool.options.json)
-            answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, options, file, said, difference); });
+            answer_in_json(tool,
+                           [&](JSON_WRITER& out) { write_json(out, options, change, file, difference, secrets); });
         else
             write_difference(difference, tool.out);
         tool.out.finish();
@@ -192,7 +166,7 @@ EXIT_CODE edit(const EDIT_OPTIONS& options, bool reset, TOOL& tool)
         throw TOOL_ERROR(error.exit_code, file.path + " was changed; " + error.what());
     }
     if (!file.refusal.empty())
-        throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN, said.message(file.refusal));
+        throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN, file.refusal);
     return EXIT_CODE::FINE;
 }
 

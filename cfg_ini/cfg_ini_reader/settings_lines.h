@@ -45,7 +45,7 @@ private:
     std::size_t filled = 0;
     off_t file_position = 0; // of the next piece
     bool has_positions = true;
-    bool ended = false; // nothing is read any more, though a pipe or a terminal might have more
+    bool ended; // nothing is read any more, though a pipe or a terminal might have more
     bool failed = false;
 };
 }

@@ -120,6 +120,20 @@ TEST_F(LOOKUP_TEST, a_store_that_vanishes_between_reading_and_marking_a_number_d
     EXPECT_FALSE(store_exists());
 }
 
+TEST_F(LOOKUP_TEST, a_number_is_marked_in_the_store_that_took_the_place_of_the_one_it_was_read_from)
+{
+    cfg_set_value("a", "12");
+    fake::thr::before_lock(2,
+                           []
+                           {
+                               cfg_close_ini_file();
+                               cfg_set_value("a", "12");
+                           });
+    EXPECT_EQ(cfg_get_value_as<double>("a"), 12.0);
+    ASSERT_TRUE(record_of("a"));
+    EXPECT_TRUE(record_of("a")->had_valid_read);
+}
+
 // --- Unknown names ---
 
 TEST_F(LOOKUP_TEST, a_second_read_of_an_unknown_name_counts_one)

@@ -414,4 +414,23 @@ TEST_F(EMPTIED_TEST, no_layer_of_the_first_load_overrides_what_another_thread_st
     other.join();
     EXPECT_EQ(cfg_get_value("inline_b"), "by the other thread");
 }
+
+TEST_F(EMPTIED_TEST, a_layer_that_found_no_store_ends_though_another_thread_makes_one_meanwhile)
+{
+    write_file(temporary.path("project/velmar.ini"), "main=1\n");
+    write_file(temporary.path("project/regtest.ini"), "first=1\nsecond=1\nthird=1\n");
+    ACTOR actor("first");
+    // Before the second assignment the store goes; before a third one would take the lock, there is another store.
+    actor.on_refresh = []
+    {
+        fake::thr::before_lock(1,
+                               []
+                               {
+                                   cfg_close_ini_file();
+                                   fake::thr::before_lock(1, [] { cfg_read_ini_file(std::string()); });
+                               });
+    };
+    cfg_read_project_ini_file(temporary.path("project").c_str(), true);
+    EXPECT_EQ(cfg_get_value("third"), "");
+}
 }

@@ -27,14 +27,15 @@ constexpr std::array<bool, 256> make_escapable()
 std::size_t plain_length(std::string_view text)
 {
     static constexpr std::array<bool, 256> escapable = make_escapable();
-    std::size_t length = 0;
-    for (; length < text.size(); ++length)
+    for (std::size_t length = 0; length < text.size(); ++length)
     {
         const auto byte = static_cast<unsigned char>(text[length]);
-        if (escapable[byte] && (byte < 0x80 || steers_a_terminal(first_character(text.substr(length)).character)))
-            break;
+        if (!escapable[byte])
+            continue;
+        if (byte < 0x80 || steers_a_terminal(first_character(text.substr(length)).character))
+            return length;
     }
-    return length;
+    return text.size();
 }
 
 // A character of 16 bits.

@@ -58,6 +58,8 @@ TEST_F(INPUT_FILE_TEST, tells_what_is_wrong)
 {
     write_file("directory/file", "");
     ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    ASSERT_EQ(symlink("nowhere", "link"), 0);
+    ASSERT_EQ(symlink("circle", "circle"), 0);
     struct ROW
     {
         const char* path;
@@ -65,6 +67,8 @@ TEST_F(INPUT_FILE_TEST, tells_what_is_wrong)
     };
     const ROW rows[] = {
         {"missing", "missing: No such file or directory; check the path"},
+        {"link", "link: is a link to what does not exist; remove the link or make what it names"},
+        {"circle", "circle: is a link in a circle; remove the link or make what it names"},
         {"directory", "directory: is a directory, not a file; remove it or name another path"},
         {"pipe", "pipe: is no regular file, so it cannot be read twice; copy what it holds into a file"},
         {"/dev/null", ""},

@@ -223,6 +223,21 @@ TEST(SUGGESTIONS, are_never_cut_short)
     EXPECT_LT(findings.front().instead.size(), 200U);
 }
 
+// What people are told of one finding does not bring another: here the letter case of the name.
+TEST(SUGGESTIONS, spell_the_name_alike)
+{
+    const auto instead_of = [](const std::string& line, const char* reason)
+    {
+        const std::vector<FINDING> findings = findings_of(LAYER_KIND::MAIN_FILE, line);
+        const auto found = std::ranges::find(findings, reason, &FINDING::reason);
+        return found == findings.end() ? "nothing" : found->instead;
+    };
+    EXPECT_EQ(instead_of("MSG_SQLITE == 2", "letter-case"), "write 'msg_sqlite = 2'");
+    EXPECT_EQ(instead_of("MSG_SQLITE == 2", "no-boolean"), "write 'msg_sqlite = on' or 'msg_sqlite = off'");
+    EXPECT_EQ(instead_of("Debug_Msg_Level = high", "no-integer"),
+              "write decimal digits only, such as 'debug_msg_level = 2'");
+}
+
 // Texts for which a step too much for each character, or a call within a call, would not end.
 TEST(SUGGESTIONS, end_for_long_lines)
 {

@@ -91,7 +91,7 @@ INSTANTIATE_TEST_SUITE_P(
         SUGGESTION{"a ?= 1", "operator-in-name", "a = 1"}, SUGGESTION{"path += x", "operator-in-name", nothing},
         SUGGESTION{"path -= x", "operator-in-name", nothing}, SUGGESTION{"a != 1", "operator-in-name", nothing},
         SUGGESTION{":=1", "operator-in-name", nothing}, SUGGESTION{"\"c\" = 1", "quoted-name", "c = 1"},
-        SUGGESTION{"'my var' = 1", "quoted-name", "my_var = 1"},
+        SUGGESTION{"'my var' = 1", "quoted-name", "my_var = 1"}, SUGGESTION{"'-x' = 1", "quoted-name", "-x = 1"},
         SUGGESTION{"a\xc2\xa0"
                    "b = 1",
                    "odd-character", "a_b = 1"},

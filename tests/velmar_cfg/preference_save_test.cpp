@@ -162,6 +162,45 @@ INSTANTIATE_TEST_SUITE_P(
         SAVE{
             "blanks within quotes within quotes", "[A]\nk = \"\" \"\"\n", "\n[A]\nk = \" \"\n", {"2 changed-value!"}}));
 
+// --- What the reader takes from the lines ---
+
+// "2 key [A] k = v", "3 header [B]", "4", with the word for a loss behind it.
+std::string brief(const EXAMINED_LINE& line)
+{
+    std::string text = std::to_string(line.number);
+    if (line.is_header || line.makes_record)
+        text.append(line.is_header ? " header [" : " key [").append(line.section).append("]");
+    if (line.makes_record)
+        text.append(" ")
+            .append(line.name)
+            .append(line.old_name_converted ? " (converted) = " : " = ")
+            .append(line.value);
+    return line.loss ? text + " " + loss_word(line.loss->reason) : text;
+}
+
+TEST(EXAMINED_LINES, say_what_the_reader_takes_from_them)
+{
+    const std::string bytes = "k = v\n\n[A]\n \t k\t= \"  v w \" \r\nk = 2\nPOST warning messages = on\nnote\n[a] x\n"
+                              "l =\n [] \nm = n\np = [q] \n";
+    const PREFERENCE_RECORDS records(bytes);
+    std::vector<std::string> lines;
+    records.for_each_line(
+        [&](const EXAMINED_LINE& line)
+        {
+            lines.push_back(brief(line));
+            // Parts of the file, but for what the reader has converted.
+            for (const std::string_view part :
+                 {line.text, line.section, line.old_name_converted ? "" : line.name, line.value})
+                EXPECT_TRUE(part.empty() || (part.data() >= bytes.data() && part.data() < bytes.data() + bytes.size()))
+                    << part;
+        });
+    EXPECT_EQ(lines, (std::vector<std::string>{"1 before-section", "3 header [A]", "4 key [A] k = v w", "5 duplicate",
+                                               "6 key [A] DISPLAY_WARNING_MESSAGES (converted) = on", "7 not-kept",
+                                               "8 header [a] beside-header", "9 key [a] l =  empty-value",
+                                               "10 header [] empty-header", "11 below-empty-header",
+                                               "12 header [q] bracket-in-value"}));
+}
+
 // --- Changes ---
 
 struct CHANGED_SAVE
@@ -250,6 +289,28 @@ INSTANTIATE_TEST_SUITE_P(
                      "\n[General 23.4_pro]\nUSER_LIBRARIES = /x\n",
                      {}}));
 
+TEST(PREFERENCE_SAVE_OF_CHANGES, goes_by_the_last_one_and_by_what_the_file_said)
+{
+    PREFERENCE_RECORDS records(
+        "[General 23.4_pro]\nHDL_PREFERENCE = KHDL\nHDL_PREFERENCE = KHDL\nHDL_PREFERENCE = Verilog\n");
+    records.assign(HDL_PREFERENCE, "Verilog");
+    records.assign(HDL_PREFERENCE, "VHDL");
+    EXPECT_EQ(brief(records.lost_lines()), (std::vector<std::string>{"3 duplicate", "4 duplicate!"}));
+    records.assign(HDL_PREFERENCE, "KHDL");
+    EXPECT_EQ(records.saved(), "\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n");
+    records.clear(HDL_PREFERENCE);
+    records.clear(SHOW_MESSAGE_ID);
+    EXPECT_EQ(records.saved(), "");
+
+    // What was assigned where nothing was can be assigned again.
+    PREFERENCE_RECORDS none("");
+    none.assign(HDL_PREFERENCE, "VHDL");
+    none.assign(HDL_PREFERENCE, "KHDL");
+    none.assign(SHOW_MESSAGE_ID, "off");
+    EXPECT_EQ(none.saved(),
+              "\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n\n[Messages 23.4_pro]\nSHOW_MESSAGE_ID = off\n");
+}
+
 // --- Beside the library ---
 
 class PREFERENCE_SAVE_BESIDE_THE_LIBRARY : public ISOLATED_TEST
@@ -328,8 +389,8 @@ protected:
             return;
         std::set<std::pair<std::size_t, std::string>> linted;
         SECRETS secrets;
-        for (const FINDING& finding : lint_preferences(read_whole_file_of(bytes), secrets))
-            linted.emplace(finding.line.value(), finding.reason);
+        lint_preferences(read_whole_file_of(bytes), secrets,
+                         [&linted](const FINDING& finding) { linted.emplace(finding.line.value(), finding.reason); });
         for (const LOST_LINE& line : model.lost_lines())
             ASSERT_TRUE(linted.contains({line.number, loss_word(line.reason)})) << line.number << " " << bytes;
     }

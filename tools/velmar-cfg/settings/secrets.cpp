@@ -7,8 +7,10 @@
 #include "tools/velmar-cfg/settings/secrets.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <fnmatch.h>
+#include <iterator>
 #include <limits>
 
 #include "tools/velmar-cfg/base/keyed_hash.h"
@@ -43,13 +45,25 @@ bool begins_with_word(std::string_view text, std::string_view word)
     return word.empty();
 }
 
+// By a letter in either case: the word that it begins, counted from 1; 0 for none. No two words begin alike.
+constexpr std::array<unsigned char, 256> words_by_first_letter = []
+{
+    std::array<unsigned char, 256> words{};
+    for (unsigned char i = 0; i < std::size(secret_words); ++i)
+    {
+        const auto letter = static_cast<unsigned char>(secret_words[i].front());
+        words[letter] = words[static_cast<unsigned char>(letter + 'A' - 'a')] = static_cast<unsigned char>(i + 1);
+    }
+    return words;
+}();
+
 bool holds_secret_word(std::string_view text)
 {
-    for (; !text.empty(); text.remove_prefix(1))
+    for (const char& c : text)
     {
-        const char c = folded(text.front());
-        if ((c == 't' || c == 'p' || c == 's') &&
-            std::ranges::any_of(secret_words, [text](std::string_view word) { return begins_with_word(text, word); }))
+        const unsigned char word = words_by_first_letter[static_cast<unsigned char>(c)];
+        if (word != 0 &&
+            begins_with_word(text.substr(static_cast<std::size_t>(&c - text.data())), secret_words[word - 1]))
             return true;
     }
     return false;

@@ -245,10 +245,11 @@ bool PREFERENCE_RECORDS::loses_value(const LINE& line, LOSS reason) const
         return behind_zero_byte(line.text).find_first_not_of(std::string_view("\0 \t\r", 4)) != std::string_view::npos;
     if (!line.has_value || reason != LOSS::SECOND_LINE)
         return line.has_value;
-    // The first line says the same, or did before it was changed.
+    // The first line says the same of the same key, or did before it was changed.
     const RECORD& first = records[line.record];
-    const std::string value = classify_preference_line(line.text).value;
-    return value != first.value && value != first.value_before;
+    const PREFERENCE_LINE second = classify_preference_line(line.text);
+    return first.section != line.section || first.name != second.name ||
+           (second.value != first.value && second.value != first.value_before);
 }
 
 std::vector<LOST_LINE> PREFERENCE_RECORDS::lost_lines() const
@@ -265,7 +266,12 @@ std::vector<LOST_LINE> PREFERENCE_RECORDS::lost_lines() const
         if (line.section != none)
             result.section = sections[line.section];
         if (*reason == LOSS::SECOND_LINE)
-            result.other_line = records[line.record].line;
+        {
+            const RECORD& first = records[line.record];
+            result.other_line = first.line;
+            if (first.section != line.section)
+                result.section_in_its_place = sections[first.section];
+        }
         if (*reason == LOSS::MERGED_SECTION)
             result.section_in_its_place = sections[fates[line.section].header];
     }
@@ -337,7 +343,11 @@ std::string loss_as_text(const LOST_LINE& line)
         return "a key line below a header without a name is ignored, and a save drops it";
     case LOSS::SECOND_LINE:
         return "line " + std::to_string(line.other_line) +
-               " sets this key of this section already: the first one counts, and a save drops this one";
+               (line.section_in_its_place.empty()
+                    ? std::string(" sets this key of this section already")
+                    : ", in [" + line.section_in_its_place +
+                          "], has this section and this key, written as one word, already") +
+               ": the first one counts, and a save drops this one";
     case LOSS::EMPTY_VALUE:
         return "an empty value counts as none, and a save drops the line";
     case LOSS::MERGED_SECTION:

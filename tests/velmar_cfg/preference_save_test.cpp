@@ -139,6 +139,10 @@ INSTANTIATE_TEST_SUITE_P(
              "[A]\nBc = 1\n[AB]\nc = 2\nd = 3\n",
              "\n[A]\nBc = 1\n\n[AB]\nd = 3\n",
              {"4 duplicate!"}},
+        SAVE{"section and key that run together in two ways, with the same value",
+             "[A]\nBc = 1\n[AB]\nc = 1\nd = 3\n",
+             "\n[A]\nBc = 1\n\n[AB]\nd = 3\n",
+             {"4 duplicate!"}},
         SAVE{"sections in two letter cases",
              "[ab]\nk = 1\n[Ab]\nl = 2\n[aB]\n",
              "\n[Ab]\nl = 2\nk = 1\n",
@@ -199,6 +203,17 @@ TEST(EXAMINED_LINES, say_what_the_reader_takes_from_them)
                                                "8 header [a] beside-header", "9 key [a] l =  empty-value",
                                                "10 header [] empty-header", "11 below-empty-header",
                                                "12 header [q] bracket-in-value"}));
+}
+
+TEST(PREFERENCE_SAVE_TEXT, names_the_line_that_has_the_place_of_another)
+{
+    const auto text_of_loss = [](const char* bytes)
+    { return loss_as_text(PREFERENCE_RECORDS(bytes).lost_lines().front()); };
+    EXPECT_EQ(text_of_loss("[A]\nk = 1\nk = 2\n"),
+              "line 2 sets this key of this section already: the first one counts, and a save drops this one");
+    EXPECT_EQ(text_of_loss("[A]\nBc = 1\n[AB]\nc = 1\nd = 3\n"),
+              "line 2, in [A], has this section and this key, written as one word, already: the first one counts, and "
+              "a save drops this one");
 }
 
 // --- Changes ---

@@ -80,7 +80,7 @@ bool FILE_LOCK::lock_existing(OPEN_FILE& opened)
         fail_to_write(path, std::strerror(errno) + std::string("; this file system cannot lock files, so the file "
                                                                "cannot be changed safely"));
     }
-    if (!is_named(opened.get()))
+    if (!place.has(opened.get(), name))
         return false;
     is_ours = has_mark(opened.get());
     // What another user's killed run left: one's own instead, so that others are told who holds the lock.
@@ -105,14 +105,6 @@ bool FILE_LOCK::make_locked()
     file.swap(made.opened());
     is_ours = true;
     return true;
-}
-
-bool FILE_LOCK::is_named(int opened) const
-{
-    struct stat locked;
-    struct stat named;
-    return fstat(opened, &locked) == 0 && fstatat(place.directory(), name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
-           locked.st_dev == named.st_dev && locked.st_ino == named.st_ino;
 }
 
 std::string FILE_LOCK::holder() const

@@ -25,7 +25,6 @@ private:
     bool try_to_lock();
     bool lock_existing(OPEN_FILE& opened);
     bool make_locked();
-    bool is_named(int opened) const;
     std::string holder() const;
 
     const FILE_PLACE& place;

@@ -45,6 +45,8 @@ EXIT_CODE get(const GET_OPTIONS& options, TOOL& tool)
     std::string remark = answer.remark;
     if (has_hidden_parts(hide_in_value(options.name, answer.text, secrets)))
         remark = hide_in_text(hide_in_text(remark, answer.text, secrets), text.value_or(""), secrets);
+    remark = hide_typed_value(
+        remark, options.name, [&secrets](std::string_view name) { return secrets.is_secret_name(name); }, secrets);
     if (!remark.empty())
         complain(remark + (answer.is_set() ? "" : advice_on(options.name)));
     if (tool.options.json)

@@ -88,11 +88,15 @@ void complain_of_lost_lines(const EDITED_FILE& file, bool dry_run, SECRETS& secr
              " kept as they were: " + std::to_string(lost.size()));
     for (std::size_t i = 0; i < std::min(lost.size(), most); ++i)
     {
-        // A bracket may have made a section of a piece of a secret.
-        std::string reason = loss_as_text(lost[i]);
-        if (lost[i].reason == LOSS::BRACKET_IN_VALUE || lost[i].reason == LOSS::MERGED_SECTION)
-            reason = hide_in_message(reason, file.before, "", "", secrets);
-        complain("line " + std::to_string(lost[i].number) + ": " + in_single_quotes(lost[i].text) + ": " + reason);
+        // A bracket may have made a section of a piece of a secret, of which no part is to be left by a cut.
+        LOST_LINE line = lost[i];
+        if (line.reason == LOSS::BRACKET_IN_VALUE || !line.section_in_its_place.empty())
+        {
+            for (std::string* const section : {&line.section, &line.section_in_its_place})
+                *section = hide_in_message(*section, file.before, "", "", secrets);
+        }
+        complain("line " + std::to_string(line.number) + ": " + in_single_quotes(line.text) + ": " +
+                 loss_as_text(line));
     }
     if (lost.size() > most)
         complain("and " + std::to_string(lost.size() - most) + " more; --dry-run shows them all");

@@ -314,10 +314,11 @@ bool PREFERENCE_RECORDS::loses_value(const LINE& line, LOSS reason) const
         return behind_zero_byte(line.text).find_first_not_of(std::string_view("\0 \t\r", 4)) != std::string_view::npos;
     if (!line.has_value || reason != LOSS::SECOND_LINE)
         return line.has_value;
-    // The first line says the same, or did before it was changed.
+    // The first line says the same of the same key, or did before it was changed.
     const RECORD& first = records[line.record];
-    const std::string value = classify_preference_line(line.text).value;
-    return value != first.value && value != value_before(first);
+    const PREFERENCE_LINE second = classify_preference_line(line.text);
+    return first.section != line.section || first.name != second.name ||
+           (second.value != first.value && second.value != value_before(first));
 }
 
 EXAMINED_LINE PREFERENCE_RECORDS::examined(const LINE& line, const std::vector<SECTION_FATE>& fates) const
@@ -341,7 +342,12 @@ EXAMINED_LINE PREFERENCE_RECORDS::examined(const LINE& line, const std::vector<S
     LOST_LINE& loss = result.loss.emplace(LOST_LINE{
         line.number, std::string(line.text), *reason, loses_value(line, *reason), 0, std::string(result.section), {}});
     if (*reason == LOSS::SECOND_LINE)
-        loss.other_line = records[line.record].line;
+    {
+        const RECORD& first = records[line.record];
+        loss.other_line = first.line;
+        if (first.section != line.section)
+            loss.section_in_its_place = sections[first.section].name;
+    }
     if (*reason == LOSS::MERGED_SECTION)
         loss.section_in_its_place = sections[header_of(line.section, fates)].name;
     return result;
@@ -424,7 +430,11 @@ std::string loss_as_text(const LOST_LINE& line)
         return "a key line below a header without a name is ignored, and a save drops it";
     case LOSS::SECOND_LINE:
         return "line " + std::to_string(line.other_line) +
-               " sets this key of this section already: the first one counts, and a save drops this one";
+               (line.section_in_its_place.empty()
+                    ? std::string(" sets this key of this section already")
+                    : ", in [" + line.section_in_its_place +
+                          "], has this section and this key, written as one word, already") +
+               ": the first one counts, and a save drops this one";
     case LOSS::EMPTY_VALUE:
         return "an empty value counts as none, and a save drops the line";
     case LOSS::MERGED_SECTION:

@@ -44,7 +44,7 @@ struct LOST_LINE
     bool value_lost;                  // the user wrote a value there that is gone, or other, in the new file
     std::size_t other_line;           // SECOND_LINE: the first one; else 0
     std::string section;              // the line's section, where it has one
-    std::string section_in_its_place; // MERGED_SECTION
+    std::string section_in_its_place; // MERGED_SECTION; SECOND_LINE when the first one is in another section
 };
 
 // What happens to the line and why, as a sentence without its end.

@@ -103,6 +103,8 @@ bool is_secret_preference_name(std::string_view name, const SECRETS& secrets)
 {
     if (secrets.shown())
         return false;
+    // What looks like a comment is kept as a preference, and its value may be a secret that was set once.
+    name.remove_prefix(std::min(name.find_first_not_of("#; \t"), name.size()));
     const CFG_USER_INI_ENUMS number = find_preference(cfg_convert_from_old_to_new(std::string(name)).c_str());
     return is_secret_preference(number) || secrets.is_secret_name(name);
 }

@@ -362,13 +362,25 @@ std::string hide_in_value(std::string_view name, std::string_view value, SECRETS
                                                : std::string(value);
 }
 
+std::string hide_typed_value(std::string_view message, std::string_view word, const IS_SECRET_NAME& is_secret,
+                             SECRETS& secrets)
+{
+    const std::size_t equals = word.find('=');
+    if (equals == std::string_view::npos || !is_secret(word.substr(0, equals)) ||
+        is_plain_value(word.substr(equals + 1)))
+        return std::string(message);
+    return hide_in_text(message, word.substr(equals + 1), secrets);
+}
+
 std::string hide_in_text(std::string_view text, std::string_view secret, SECRETS& secrets)
 {
+    constexpr std::string_view ends_of_pieces = "\"[]\n";
     std::string message(text);
     while (!secret.empty())
     {
-        const std::string_view piece = without_outer_white_space(secret.substr(0, secret.find_first_of("\"[]")));
-        secret.remove_prefix(std::min(secret.find_first_of("\"[]"), secret.size() - 1) + 1);
+        const std::string_view piece =
+            without_outer_white_space(secret.substr(0, secret.find_first_of(ends_of_pieces)));
+        secret.remove_prefix(std::min(secret.find_first_of(ends_of_pieces), secret.size() - 1) + 1);
         if (piece.empty())
             continue;
         const std::string mark = secrets.mark(piece);

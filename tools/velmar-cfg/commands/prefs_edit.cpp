@@ -209,8 +209,10 @@ COMMAND add_edit(COMMAND prefs, TOOL& tool, const std::string& name, const std::
                              "One of the allowed values; put -- before one that begins with \"-\"");
     command.add_flag("--dry-run", options->dry_run,
                      "Change nothing: show the difference, with the comments and other lines that would be lost");
-    command.add_option("--wait", "SECONDS", options->seconds_to_wait,
-                       "How long to wait for another velmar-cfg, or a program that writes the file (10 by default)");
+    command.add_option(
+        "--wait", "SECONDS", options->seconds_to_wait,
+        "How long to wait for another velmar-cfg, or a program that writes the file (10 by default); with 0 only "
+        "the 50 ms after which a file just written counts as left alone");
     command.add_flag("--allow-loss", options->permissions.lose_values,
                      "Change the file also where values in other lines go or change with that");
     command.add_flag("--break-hard-links", options->permissions.break_hard_links,

@@ -19,11 +19,18 @@ void PrintTo(const PREFERENCE_FINDINGS& row, std::ostream* stream)
     *stream << row.what;
 }
 
-std::vector<std::string> findings_in(const std::string& text)
+std::vector<FINDING> findings_of(const INPUT_FILE& file)
 {
     SECRETS secrets;
+    std::vector<FINDING> findings;
+    lint_preferences(file, secrets, [&findings](const FINDING& finding) { findings.push_back(finding); });
+    return findings;
+}
+
+std::vector<std::string> findings_in(const std::string& text)
+{
     std::vector<std::string> texts;
-    for (const FINDING& finding : lint_preferences({"velmar2.ini", text, {}}, secrets))
+    for (const FINDING& finding : findings_of({"velmar2.ini", text, {}}))
     {
         EXPECT_EQ(finding.file, "velmar2.ini");
         EXPECT_FALSE(finding.item || finding.replacement);
@@ -214,8 +221,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(PREFERENCE_RULES_OF_A_FILE, are_applied_to_the_whole_lines_before_a_read_error)
 {
-    SECRETS secrets;
-    const std::vector<FINDING> findings = lint_preferences({"velmar2.ini", "ab\ncd", "Input/output error"}, secrets);
+    const std::vector<FINDING> findings = findings_of({"velmar2.ini", "ab\ncd", "Input/output error"});
     ASSERT_EQ(findings.size(), 1U);
     EXPECT_EQ(findings[0].line, 1U);
 }

@@ -41,6 +41,12 @@ std::string_view behind_zero_byte(std::string_view text)
     return text.substr(std::min(text.find('\0'), text.size()));
 }
 
+// As in every line of a file whose characters have two bytes.
+bool cuts_off_assignment(std::string_view text)
+{
+    return behind_zero_byte(text).find('=') != std::string_view::npos;
+}
+
 struct LESS_IGNORING_CASE
 {
     bool operator()(const std::string& a, const std::string& b) const
@@ -78,10 +84,11 @@ PREFERENCE_RECORDS::PREFERENCE_RECORDS(std::string_view bytes)
                                      content.find('=') != std::string::npos});
                 break;
             case PREFERENCE_LINE_KIND::TOO_SHORT:
-                lines.push_back({number, text, is_comment(content) ? LOSS::NO_PREFERENCE : LOSS::TOO_SHORT});
+                lines.push_back({number, text, is_comment(content) ? LOSS::NO_PREFERENCE : LOSS::TOO_SHORT,
+                                 cuts_off_assignment(text)});
                 break;
             case PREFERENCE_LINE_KIND::OTHER:
-                lines.push_back({number, text, LOSS::NO_PREFERENCE});
+                lines.push_back({number, text, LOSS::NO_PREFERENCE, cuts_off_assignment(text)});
                 break;
             }
         });

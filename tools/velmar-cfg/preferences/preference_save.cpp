@@ -52,6 +52,12 @@ std::string_view behind_zero_byte(std::string_view text)
     return text.substr(std::min(text.find('\0'), text.size()));
 }
 
+// As in every line of a file whose characters have two bytes.
+bool cuts_off_assignment(std::string_view text)
+{
+    return behind_zero_byte(text).find('=') != std::string_view::npos;
+}
+
 // FNV-1a, so that the hash of two texts run together is that of the first one gone on with.
 std::uint64_t hash_of(std::string_view text, std::uint64_t hash = 0xcbf29ce484222325U)
 {
@@ -99,9 +105,11 @@ PREFERENCE_RECORDS::PREFERENCE_RECORDS(std::string_view bytes)
                 break;
             case PREFERENCE_LINE_KIND::TOO_SHORT:
                 line.lost = is_comment(content) ? LOSS::NO_PREFERENCE : LOSS::TOO_SHORT;
+                line.has_value = cuts_off_assignment(text);
                 break;
             case PREFERENCE_LINE_KIND::OTHER:
                 line.lost = LOSS::NO_PREFERENCE;
+                line.has_value = cuts_off_assignment(text);
                 break;
             }
             lines.push_back(line);

@@ -210,7 +210,12 @@ std::optional<std::string> INTENTIONS::of_ignored_line(std::string_view line) co
     }
     const std::vector<std::string_view> words = words_of(visible);
     if (find_known_variable(words.front()) != nullptr)
-        return words.size() == 2 ? of_assignment(joined(words, " = ")) : std::nullopt;
+    {
+        const std::size_t behind = offset_of(visible, line) + visible.size();
+        return words.size() == 2 ? of_assignment(std::string(indentation_of(line)) + joined(words, " = ") +
+                                                 std::string(line.substr(behind)))
+                                 : std::nullopt;
+    }
     if (std::optional<std::string> assignment = of_colon(line))
         return assignment;
     return as_comment(line);

@@ -195,7 +195,7 @@ TEST_F(FILE_LOCK_OF_OTHERS, what_a_killed_run_left_is_replaced_by_one_s_own)
             stat("user/file.lock", &found);
             return std::to_string(found.st_uid);
         });
-    EXPECT_EQ(owner, "4711");
+    EXPECT_EQ(owner, "64711");
     EXPECT_FALSE(std::filesystem::exists("user/file.lock"));
 }
 

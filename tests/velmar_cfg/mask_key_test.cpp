@@ -100,16 +100,16 @@ TEST_F(MASK_KEY_FILE, of_root_is_not_made_where_another_user_is_at_home)
 {
     if (geteuid() != 0)
         GTEST_SKIP() << "only root can give directories away";
-    constexpr uid_t other_user = 4711;
+    constexpr uid_t other_user = 64711;
     std::filesystem::create_directories(temporary.path("data"));
     ASSERT_EQ(chown(temporary.path("data").c_str(), other_user, other_user), 0);
-    expect_refused("is in a directory of the user number 4711");
+    expect_refused("is in a directory of the user number 64711");
     EXPECT_TRUE(std::filesystem::is_empty(temporary.path("data")));
 
     std::filesystem::create_directories(temporary.path("target"));
     ASSERT_EQ(symlink(temporary.path("target").c_str(), temporary.path("data/velmar-cfg").c_str()), 0);
     ASSERT_EQ(lchown(temporary.path("data/velmar-cfg").c_str(), other_user, other_user), 0);
-    expect_refused("is a link that belongs to the user number 4711");
+    expect_refused("is a link that belongs to the user number 64711");
     EXPECT_TRUE(std::filesystem::is_empty(temporary.path("target")));
 
     std::filesystem::create_directories(temporary.path("data/own"));

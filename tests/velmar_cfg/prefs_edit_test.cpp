@@ -424,7 +424,7 @@ TEST_F(PREFS_EDIT, mode_and_owner_are_kept)
     ASSERT_EQ(chmod(file, 0640), 0);
     if (geteuid() == 0)
     {
-        ASSERT_EQ(chown(file, 4711, 4712), 0);
+        ASSERT_EQ(chown(file, 64711, 64712), 0);
     }
     ASSERT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL"}).exit_code, 0);
     struct stat status;
@@ -454,12 +454,12 @@ TEST_F(PREFS_EDIT, root_follows_no_link_that_a_user_planted)
         GTEST_SKIP() << "only root can give links away";
     write_file("elsewhere/secret", normal_form);
     std::filesystem::create_symlink("../elsewhere/secret", file);
-    ASSERT_EQ(lchown(file, 4711, 4711), 0);
+    ASSERT_EQ(lchown(file, 64711, 64711), 0);
     for (const char* const mode : {"--wait=0", "--dry-run"})
     {
         const TOOL_RUN edited = run({"prefs", "set", "HDL_PREFERENCE", "KHDL", mode});
         EXPECT_EQ(edited.exit_code, 4);
-        EXPECT_THAT(edited.err, HasSubstr("is a link that belongs to the user number 4711"));
+        EXPECT_THAT(edited.err, HasSubstr("is a link that belongs to the user number 64711"));
     }
     EXPECT_EQ(read_file("elsewhere/secret"), normal_form);
 }

@@ -48,8 +48,8 @@ inline std::vector<std::string> names_in(const std::string& directory)
     return names;
 }
 
-// The number of a user and a group that the machine need not know.
-constexpr uid_t other_user = 4711;
+// The number of a user and a group that no machine is likely to know by name, and that containers have as well.
+constexpr uid_t other_user = 64711;
 
 // Runs `work` in a child process as that user, and returns its text. Only root can do that.
 inline std::string as_other_user(const std::function<std::string()>& work)

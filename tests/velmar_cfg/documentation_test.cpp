@@ -264,7 +264,7 @@ TEST(MANUAL_PAGES_, name_every_environment_variable_that_matters)
     EXPECT_THAT(page("velmar2.ini.5"), HasSubstr(".It Ev HOME\n"));
 }
 
-// The names of findings that a source of the lint wing has: what stands behind a severity.
+// The names of findings that a source in lint/ has: what stands behind a severity.
 std::set<std::string> findings_in_source(const std::string& file)
 {
     const std::string source = read_file(LINT_SOURCES "/" + file);

@@ -17,10 +17,24 @@ using testing::HasSubstr;
 class STAGED_FILE_TEST : public REPLACED_FILE_TEST
 {
 protected:
-    // Replaces the file by "new\n": "replaced", "not replaced" or the complaint.
+    static std::string in_words(REPLACEMENT replacement)
+    {
+        switch (replacement)
+        {
+        case REPLACEMENT::DONE:
+            return "replaced";
+        case REPLACEMENT::OPEN_FOR_WRITING:
+            return "open";
+        case REPLACEMENT::CHANGED_MEANWHILE:
+            break;
+        }
+        return "not replaced";
+    }
+
+    // Replaces the file by "new\n": "replaced", "open", "not replaced" or the complaint.
     static std::string replace()
     {
-        bool replaced = false;
+        std::string result;
         const std::string complaint = complaint_of(
             [&]
             {
@@ -28,9 +42,9 @@ protected:
                 const std::optional<SEEN_FILE> seen = SEEN_FILE::look_at(place);
                 ASSERT_TRUE(seen);
                 STAGED_FILE staged(place, *seen, "new\n");
-                replaced = staged.replace_target();
+                result = in_words(staged.replace_target());
             });
-        return complaint.empty() ? (replaced ? "replaced" : "not replaced") : complaint;
+        return complaint.empty() ? result : complaint;
     }
 
     // The same, when this happens between the look and the replacement.
@@ -40,7 +54,7 @@ protected:
         const std::optional<SEEN_FILE> seen = SEEN_FILE::look_at(place);
         STAGED_FILE staged(place, seen.value(), "new\n");
         action();
-        return staged.replace_target() ? "replaced" : "not replaced";
+        return in_words(staged.replace_target());
     }
 
     static std::function<int()> happens(const std::function<void()>& action)
@@ -136,8 +150,8 @@ TEST_F(STAGED_FILE_TEST, keeps_mode_owner_and_group)
         uid_t owner;
         gid_t group;
     };
-    for (const ROW& row : {ROW{0600, 0, 0}, ROW{0666, 0, 0}, ROW{0200, 0, 0}, ROW{0640, 4711, 4712}, ROW{0644, 4711, 0},
-                           ROW{0644, 0, 4712}, ROW{04755, 4711, 4712}, ROW{02775, 0, 4712}})
+    for (const ROW& row : {ROW{0600, 0, 0}, ROW{0666, 0, 0}, ROW{0200, 0, 0}, ROW{0640, 64711, 64712}, ROW{0644, 64711, 0},
+                           ROW{0644, 0, 64712}, ROW{04755, 64711, 64712}, ROW{02775, 0, 64712}})
     {
         const bool other = row.owner != 0 || row.group != 0;
         if (other && geteuid() != 0)
@@ -316,7 +330,8 @@ TEST_F(STAGED_FILE_TEST, a_save_before_the_replacement_counts)
 TEST_F(STAGED_FILE_TEST, a_file_that_is_open_for_writing_is_left_alone)
 {
     const int writer = open(file, O_WRONLY | O_CLOEXEC);
-    EXPECT_EQ(replace(), "not replaced");
+    EXPECT_EQ(replace(), "open");
+    EXPECT_EQ(read_file(file), "old\n");
     close(writer);
     EXPECT_EQ(replace(), "replaced");
 }
@@ -371,6 +386,32 @@ TEST_F(STAGED_FILE_TEST, a_save_that_comes_with_the_replacement_counts_without_l
     }
     const CALL_WATCH lease(SYSTEM_CALL::SETLEASE, EINVAL);
     EXPECT_EQ(replace(), "replaced");
+}
+
+// Another program may save as this one does: a file of its own takes the target's place, which no lease holds up.
+TEST_F(STAGED_FILE_TEST, a_file_that_takes_the_place_in_the_moment_of_the_replacement_counts)
+{
+    for (const int error : {0, EINVAL})
+    {
+        const CALL_WATCH lease(SYSTEM_CALL::SETLEASE, error);
+        const CALL_WATCH watch(SYSTEM_CALL::RENAMEAT2, {{1, happens(
+                                                                []
+                                                                {
+                                                                    write_file("user/saved", "saved\n");
+                                                                    std::filesystem::rename("user/saved", file);
+                                                                })}});
+        EXPECT_EQ(replace(), "not replaced");
+        EXPECT_EQ(read_file(file), "saved\n");
+        EXPECT_THAT(names_in("user"), ElementsAre("file"));
+    }
+}
+
+// Some programs take the old file away before they save the new one.
+TEST_F(STAGED_FILE_TEST, a_file_that_goes_in_the_moment_of_the_replacement_is_waited_for)
+{
+    const CALL_WATCH watch(SYSTEM_CALL::RENAMEAT2, {{1, happens([] { std::filesystem::remove(file); })}});
+    EXPECT_EQ(replace(), "not replaced");
+    EXPECT_TRUE(names_in("user").empty());
 }
 
 TEST_F(STAGED_FILE_TEST, an_exchange_that_cannot_be_undone_says_where_the_save_is)

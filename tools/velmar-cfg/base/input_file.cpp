@@ -312,21 +312,9 @@ void check_input_directory(const std::string& path, const std::string& advice)
         throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, path + ": no such directory; " + advice + "an existing one");
 }
 
-namespace
-{
-std::string bytes_of(INPUT_FILE file)
-{
-    file.require_whole();
-    return std::move(file.bytes);
-}
-}
-
 std::string read_input_file(const std::string& path)
 {
-    return bytes_of(read_whole_file(path));
-}
-
-std::string read_named_input_file(const std::string& path)
-{
-    return bytes_of(read_named_file(path));
+    INPUT_FILE file = read_whole_file(path);
+    file.require_whole();
+    return std::move(file.bytes);
 }

@@ -113,9 +113,7 @@ ABSENT_FILE absence_of(const std::string& path);
 // instead.
 void check_input_directory(const std::string& path, const std::string& advice);
 
-// The bytes of a file, or of one that the user named. Throws TOOL_ERROR(BAD_INPUT) with the path unless it can be read
-// whole.
+// The bytes of a file. Throws TOOL_ERROR(BAD_INPUT) with the path unless it can be read whole.
 std::string read_input_file(const std::string& path);
-std::string read_named_input_file(const std::string& path);
 
 #endif

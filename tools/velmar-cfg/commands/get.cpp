@@ -50,6 +50,8 @@ EXIT_CODE get(const GET_OPTIONS& options, TOOL& tool)
         remark = hide_in_text(remark, std::string_view(quoted).substr(1, quoted.size() - 2), secrets);
         remark = hide_in_text(remark, text.value_or(""), secrets);
     }
+    remark = hide_typed_value(
+        remark, options.name, [&secrets](std::string_view name) { return secrets.is_secret_name(name); }, secrets);
     if (!remark.empty())
         complain(remark + (answer.is_set() ? "" : advice_on(options.name)));
     if (tool.options.json)

@@ -124,6 +124,10 @@ TEST_F(FILE_LOCK_TEST, follows_and_opens_nothing_but_a_file)
 
     std::filesystem::create_directory("user/file.lock");
     EXPECT_EQ(attempt(60'000), "4 " + full_path() + ".lock: is no file, where velmar-cfg keeps its lock; remove it");
+    std::filesystem::remove("user/file.lock");
+
+    ASSERT_EQ(mknod("user/file.lock", S_IFSOCK | 0600, 0), 0);
+    EXPECT_EQ(attempt(60'000), "4 " + full_path() + ".lock: is no file, where velmar-cfg keeps its lock; remove it");
 }
 
 // --- Other users ---

@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <sys/mman.h>
+#include <sys/xattr.h>
 
 #include "tests/support/failing_files.h"
 #include "tests/velmar_cfg/failing_calls.h"
@@ -255,7 +256,14 @@ INSTANTIATE_TEST_SUITE_P(
                                std::filesystem::rename("user/file", "user/moved");
                                std::filesystem::create_symlink("moved", "user/file");
                            }},
-                    CHANGE{"another mode", [] { chmod("user/file", 0600); }}));
+                    CHANGE{"another mode", [] { chmod("user/file", 0600); }},
+                    CHANGE{"another name", [] { std::filesystem::create_hard_link("user/file", "user/other"); }},
+                    CHANGE{"an attribute", []
+                           {
+                               // The mode, where a file system has no attributes.
+                               if (setxattr("user/file", "user.note", "mine", 4, 0) != 0)
+                                   chmod("user/file", 0660);
+                           }}));
 
 TEST_F(SETTLED_FILE, a_file_that_appears_is_seen)
 {

@@ -57,6 +57,17 @@ protected:
         return in_words(staged.replace_target());
     }
 
+    // The path of the new file, while it is made.
+    static std::string staged()
+    {
+        for (const std::string& name : names_in("user"))
+        {
+            if (name != "file")
+                return "user/" + name;
+        }
+        return "none";
+    }
+
     static std::function<int()> happens(const std::function<void()>& action)
     {
         return [action]
@@ -211,6 +222,35 @@ TEST_F(STAGED_FILE_TEST, replaces_nothing_where_attributes_cannot_be_kept)
                              ": its attribute user.note cannot be kept: No space left on device; nothing was changed");
     EXPECT_EQ(read_file(file), "old\n");
     EXPECT_THAT(names_in("user"), ElementsAre("file"));
+}
+
+// Some file systems take an attribute, and do not have it afterwards.
+TEST_F(STAGED_FILE_TEST, replaces_nothing_where_attributes_do_not_stay)
+{
+    if (!set_attribute(file, "user.a", "1") || !set_attribute(file, "user.b", "2"))
+        GTEST_SKIP() << "no attributes here";
+    const CALL_WATCH watch(SYSTEM_CALL::FSETXATTR, {{2, happens([] { removexattr(staged().c_str(), "user.a"); })}});
+    EXPECT_EQ(replace(), "4 " + full_path() +
+                             ": its access control list and attributes cannot be kept on this file system; nothing "
+                             "was changed");
+    EXPECT_EQ(read_file(file), "old\n");
+}
+
+// Others must not read at any moment what they may not read in the end.
+TEST_F(STAGED_FILE_TEST, is_the_owner_s_alone_until_it_has_the_file_s_mode)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can give files away";
+    ASSERT_EQ(chmod(file, 0600), 0);
+    ASSERT_EQ(chown(file, other_user, other_user), 0);
+    struct stat found = {};
+    const CALL_WATCH watch(SYSTEM_CALL::FCHOWN,
+                           {{1, happens([&found] { ASSERT_EQ(stat(staged().c_str(), &found), 0); })}});
+    const mode_t mask = umask(0);
+    EXPECT_EQ(replace(), "replaced");
+    umask(mask);
+    EXPECT_EQ(found.st_size, 4);
+    EXPECT_EQ(found.st_mode & 07777U, 0600U);
 }
 
 TEST_F(STAGED_FILE_TEST, replaces_nothing_where_the_owner_cannot_be_kept)

@@ -322,11 +322,11 @@ bool PREFERENCE_RECORDS::loses_value(const LINE& line, LOSS reason) const
         return behind_zero_byte(line.text).find_first_not_of(std::string_view("\0 \t\r", 4)) != std::string_view::npos;
     if (!line.has_value || reason != LOSS::SECOND_LINE)
         return line.has_value;
-    // The first line says the same of the same key, or did before it was changed.
+    // The first line says the same of the same key, or did before it was changed. Section and key count as one word: a
+    // line of another section may have the place too.
     const RECORD& first = records[line.record];
-    const PREFERENCE_LINE second = classify_preference_line(line.text);
-    return first.section != line.section || first.name != second.name ||
-           (second.value != first.value && second.value != value_before(first));
+    const std::string value = classify_preference_line(line.text).value;
+    return first.section != line.section || (value != first.value && value != value_before(first));
 }
 
 EXAMINED_LINE PREFERENCE_RECORDS::examined(const LINE& line, const std::vector<SECTION_FATE>& fates) const

@@ -132,6 +132,7 @@ TEST(EXPLANATION_MODEL, finds_the_assignments_that_stand_in_comments)
         {"// a1 = 1", 1},
         {"  ##; // a1 = 1", 1},
         {"\t#\ta1 = 1", 1},
+        {"#\t# a1 = 1", 1},
         {"# A1 = 1", 1},
         {"# a 1 = 1", 1},
         {"b = 1 # a1 = 1", 1},

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <unistd.h>
 
+#include "tests/support/failing_files.h"
 #include "tests/support/isolated_test.h"
 #include "tools/velmar-cfg/base/hidden_text.h"
 
@@ -337,6 +338,19 @@ TEST_F(LOADED_LAYERS, keep_the_problem_of_a_file_that_cannot_be_read)
     ASSERT_EQ(layers.size(), 1U);
     EXPECT_THAT(layers[0].source->problem, HasSubstr("is a directory"));
     EXPECT_THAT(files.problems(), ElementsAre(HasSubstr("velmar.ini: is a directory")));
+}
+
+// The marks stand in the whole lines before the error; what it says stays with them.
+TEST_F(LOADED_LAYERS, keep_the_problem_of_a_file_with_secrets)
+{
+    write_file("velmar.ini", "token=abc\nb=1\nc=2\n");
+    const FILE_FAULT fault(FILE_CALL::READ, 2);
+    const LAYERS layers = load_layers({}, files);
+    ASSERT_TRUE(fault.was_reached());
+    ASSERT_EQ(layers.size(), 1U);
+    EXPECT_THAT(layers[0].source->problem, HasSubstr("Input/output error"));
+    EXPECT_EQ(layers[0].source->problem, layers[0].original->problem);
+    EXPECT_EQ(with_hidden_parts_named(layers[0].source->whole_lines()), "token=\\(masked)\nb=1\nc=2\n");
 }
 
 // What stands in a place that comes first may be meant; what comes behind the file that is found is not asked for.

@@ -207,6 +207,65 @@ INSTANTIATE_TEST_SUITE_P(
              "below '[General 23.4_pro]'",
              "2:18 error not-allowed: 'C' is not allowed for HDL_PREFERENCE; write one of KHDL, Verilog, VHDL"}}));
 
+const std::string merged =
+    "the section [general 23.4_pro] differs from [General 23.4_pro] in letter case only, and a save "
+    "writes both below that header; rename one of the two sections";
+
+INSTANTIATE_TEST_SUITE_P(
+    lines_that_a_save_loses_and_that_take_effect, PREFERENCE_RULES,
+    testing::Values(
+        PREFERENCE_FINDINGS{
+            "an unknown section without a key",
+            "[messages 23.4_pro]\n",
+            {"1:1 note empty-section: a section without a value, which a save drops; write a key with a "
+             "value below it, or remove the line",
+             "1:1 warning unknown-section: no lookup gets to the section 'messages 23.4_pro'; letter case "
+             "counts; write '[Messages 23.4_pro]'"}},
+        PREFERENCE_FINDINGS{
+            "a comment beside an unknown section",
+            "x [Mesages 23.4_pro]\n" + set,
+            {"1:1 note beside-header: a save keeps the header, and drops the text beside it; keep comments "
+             "elsewhere",
+             "1:3 warning unknown-section: no lookup gets to the section 'Mesages 23.4_pro'; letter case "
+             "counts; write '[Messages 23.4_pro]'",
+             "2:1 error wrong-section: SHOW_MESSAGE_ID is looked for in sections 'Messages' only; move it "
+             "below '[Messages 23.4_pro]'"}},
+        PREFERENCE_FINDINGS{
+            "an unknown key without a value",
+            section + set + "SHOW_MESAGE_ID =\n",
+            {"3:16 warning empty-value: an empty value counts as none, and a save drops the line; give a "
+             "value or remove the line",
+             "3:1 warning unknown-key: there is no preference 'SHOW_MESAGE_ID'; the line is kept, unused; "
+             "write 'SHOW_MESSAGE_ID = '"}},
+        PREFERENCE_FINDINGS{
+            "a known key without one of its values",
+            section + "DISPLAY_WARNING_MESSAGES = 1\nSHOW_MESSAGE_ID =\n",
+            {"3:17 warning empty-value: an empty value counts as none, and a save drops the line; give a "
+             "value or remove the line"}},
+        PREFERENCE_FINDINGS{
+            "a section in two letter cases",
+            "[general 23.4_pro]\nHDL_PREFERENCE = VHDL\n[General 23.4_pro]\nUSER_LIBRARIES = /x\n",
+            {"1:1 error merged-section: " + merged,
+             "1:1 warning unknown-section: no lookup gets to the section 'general 23.4_pro'; letter case "
+             "counts; write '[General 23.4_pro]'",
+             "2:1 error merged-section: " + merged,
+             "2:1 error wrong-section: HDL_PREFERENCE is looked for in sections 'General' only; move it "
+             "below '[General 23.4_pro]'"}},
+        PREFERENCE_FINDINGS{
+            "an unknown key with a zero byte",
+            section + "SHOW_MESAGE_ID = on\0x\n"s,
+            {"2:20 warning zero-byte: the text behind a zero byte is ignored, and a save drops it; remove "
+             "the zero byte",
+             "2:1 warning unknown-key: there is no preference 'SHOW_MESAGE_ID'; the line is kept, unused; "
+             "write 'SHOW_MESSAGE_ID = on'"}},
+        PREFERENCE_FINDINGS{
+            "quotes within quotes in the wrong section",
+            section + "USER_LIBRARIES = \"\"/x\"\"\n",
+            {"2:1 warning changed-value: a save keeps these quotes, and the load behind it removes them; "
+             "remove the inner quotes",
+             "2:1 error wrong-section: USER_LIBRARIES is looked for in sections 'General' only; move it "
+             "below '[General 23.4_pro]'"}}));
+
 INSTANTIATE_TEST_SUITE_P(
     lines_without_findings, PREFERENCE_RULES,
     testing::Values(

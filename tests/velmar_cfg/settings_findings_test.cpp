@@ -68,7 +68,12 @@ INSTANTIATE_TEST_SUITE_P(
         FOUND{"[some words",
               {"1:1 error no-equals-sign: a line without \"=\" is ignored; put \"#\" before it to make it a "
                "comment"}},
+        FOUND{"some words]",
+              {"1:1 error no-equals-sign: a line without \"=\" is ignored; put \"#\" before it to make it a "
+               "comment"}},
         FOUND{"name: value", {"1:1 error no-equals-sign: a line without \"=\" is ignored; write 'name = value'"}},
+        FOUND{"name: 1\nname = 2",
+              {"1:1 error no-equals-sign: a line without \"=\" is ignored; write \"=\" and a value behind the name"}},
         FOUND{"msg_sqlite",
               {"1:1 error no-equals-sign: a line without \"=\" is ignored; write \"=\" and a value behind the "
                "name"}},
@@ -156,6 +161,11 @@ INSTANTIATE_TEST_SUITE_P(
         FOUND{"MSG_SQLITE = on",
               {"1:1 warning letter-case: the same variable as 'msg_sqlite', but objects registered under "
                "that spelling are not told of this one; write 'msg_sqlite = on'"}},
+        FOUND{"MSG_SQLITE = 2",
+              {"1:1 warning letter-case: the same variable as 'msg_sqlite', but objects registered under that spelling "
+               "are not told of this one; write 'msg_sqlite = 2'",
+               "1:14 error no-boolean: '2' is no boolean, so readers of 'msg_sqlite' take their default; write "
+               "'MSG_SQLITE = on' or 'MSG_SQLITE = off'"}},
         FOUND{"Fan=1\nx=1\n fan=2",
               {"1:1 warning overridden: velmar.ini:3 sets 'Fan' again; remove one of the two",
                "3:2 warning letter-case: the same variable as 'Fan' at velmar.ini:1, but objects "
@@ -270,6 +280,10 @@ INSTANTIATE_TEST_SUITE_P(
         FOUND{"url=http://h/x;b=3",
               {"1:9 warning separator: the first of \":\" and \";\" separates all items, here \":\", "
                "so that the \";\" separates nothing; begin the text with \";\""}},
+        FOUND{"q=c:d;e=1;f",
+              {"2:2 warning separator: the first of \":\" and \";\" separates all items, here \":\", so that the \";\" "
+               "separates nothing; begin the text with the sign that separates items, and write it between all of "
+               "them"}},
         FOUND{"p=x;y:z=1",
               {"1:4 warning separator: the first of \":\" and \";\" separates all items, here \";\", so that "
                "the \":\" separates nothing; begin the text with \":\""}},
@@ -416,6 +430,9 @@ TEST(LIMITS_OF_RULES, for_values)
         {"a ==x", {"1:4 double-equals"}},
         {"a = x=", {}},
         {"a = \"", {"1:5 unclosed-quote"}},
+        {"a = 1 # \"x", {}},
+        {"p+=1 h=2", {"1:2 operator-in-name"}},
+        {"a,b = on,", {"1:9 trailing-comma"}},
         {"a = \"\"", {"1:5 quotes-kept"}},
         {"a = ''", {"1:5 quotes-kept"}},
         {"a = \"x;y\"", {}},

@@ -313,6 +313,7 @@ TEST_F(SNAPSHOT_DOCUMENTS, are_refused_with_what_they_are_no)
         {"/variables/0/layer", R"("Main")", ".variables[0].layer is no layer"},
         {"/variables/0/layer", R"("inline")", location},
         {"/variables/0/line", "null", location},
+        {"/variables/0/file", "null", location},
         {"/variables/0/line", "-3", ".variables[0].line is no natural number"},
         {"/variables/0/item", "0", location},
         {"/variables/0/layers", R"("main")", ".variables[0].layers is no list"},

@@ -148,7 +148,7 @@ TEST_F(MEANT, lines_that_assign_nothing)
         {"MSG_sqlite yes", "msg_sqlite = on"},
         {"  msg_sqlite\ton # x\r", "  msg_sqlite = on # x\r"},
         {"msg_sqlite on off", undecided},
-        {"msg_sqlit on", "# msg_sqlit on"},
+        {"msg_sqlit on", "msg_sqlite = on"},
         // As other formats have it.
         {"name: value", "name = value"},
         {" \"name\": yes, # x\r", " name = on # x\r"},

@@ -430,8 +430,8 @@ TEST_F(PREFS_EDIT, mode_and_owner_are_kept)
     struct stat status;
     ASSERT_EQ(stat(file, &status), 0);
     EXPECT_EQ(status.st_mode & 07777U, 0640U);
-    EXPECT_EQ(status.st_uid, geteuid() == 0 ? 4711U : getuid());
-    EXPECT_EQ(status.st_gid, geteuid() == 0 ? 4712U : getgid());
+    EXPECT_EQ(status.st_uid, geteuid() == 0 ? 64711U : getuid());
+    EXPECT_EQ(status.st_gid, geteuid() == 0 ? 64712U : getgid());
 }
 
 TEST_F(PREFS_EDIT, a_symbolic_link_stays_one)

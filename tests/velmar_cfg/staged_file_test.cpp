@@ -161,8 +161,8 @@ TEST_F(STAGED_FILE_TEST, keeps_mode_owner_and_group)
         uid_t owner;
         gid_t group;
     };
-    for (const ROW& row : {ROW{0600, 0, 0}, ROW{0666, 0, 0}, ROW{0200, 0, 0}, ROW{0640, 64711, 64712}, ROW{0644, 64711, 0},
-                           ROW{0644, 0, 64712}, ROW{04755, 64711, 64712}, ROW{02775, 0, 64712}})
+    for (const ROW& row : {ROW{0600, 0, 0}, ROW{0666, 0, 0}, ROW{0200, 0, 0}, ROW{0640, 64711, 64712},
+                           ROW{0644, 64711, 0}, ROW{0644, 0, 64712}, ROW{04755, 64711, 64712}, ROW{02775, 0, 64712}})
     {
         const bool other = row.owner != 0 || row.group != 0;
         if (other && geteuid() != 0)

@@ -124,6 +124,7 @@ TEST_F(MEANT, lines_that_assign)
         // Several.
         {"\ta=1;b=2 ; c = yes\r", "\ta=1\r\n\tb=2\r\n\tc = on\r"},
         {"a=1 ;note", "a=1 ;note"},
+        {"g=1 h=fast,", "g=1\nh=fast,"},
         {"g=1, h = yes, k = no", "g=1\nh = on\nk = off"},
         {" g=1 msg_sqlit=yes # x", " g=1\n msg_sqlite=on # x"},
     };

@@ -111,6 +111,7 @@ TEST(VALUES_TO_SHOW, keep_the_signs_of_the_layer_that_they_are_from)
         {"token", "a:b;c", "<3>;<1>", "<1>:<1>;<1>"},
         {"token", "\"a#b\"", "\"<1>#<1>\"", "<5>"},
         {"token", " \"on\" ", " \"on\" ", " \"on\" "},
+        {"token", "\"onx", "\"<3>", "<4>"},
         {"a", "token=x:y;z", "token=<5>", "token=<5>"},
         {"a", "a:b;c", "a:b;c", "a:b;c"},
         {"", "abc", "abc", "abc"},

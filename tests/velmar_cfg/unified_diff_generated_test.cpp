@@ -113,7 +113,8 @@ std::string applied(const std::string& old_text, const std::vector<HUNK>& hunks)
             }
             else
             {
-                EXPECT_TRUE(changed || unchanged == std::min(context, begin + unchanged)) << "context before the change";
+                EXPECT_TRUE(changed || unchanged == std::min(context, begin + unchanged))
+                    << "context before the change";
                 changed = true;
                 unchanged = 0;
             }

@@ -89,6 +89,9 @@ TEST_F(MEANT, lines_that_assign)
         {"a b c d e = 1", undecided},
         {"a.b c-d = 1", "a.b_c-d = 1"},
         {"a b( = 1", undecided},
+        {"'a(b' = 1", undecided},
+        {"=5", undecided},
+        {" = 5", undecided},
         {"a(b = 1", "a(b = 1"},
         {"' x ' = 1", "x = 1"},
         {"export a b=1", "a_b=1"},
@@ -111,6 +114,7 @@ TEST_F(MEANT, lines_that_assign)
         {"a = word#", "a = word#"},
         {"a = word#x", "a = word#x"},
         {"a = # x", "a = # x"},
+        {"a =# x", "a =# x"},
         {"a = 1;x", "a = 1;x"},
         {"a = 1 // x", "a = 1 # x"},
         {"a = 1\t //x // y # z\r", "a = 1\t #x // y # z\r"},
@@ -120,6 +124,7 @@ TEST_F(MEANT, lines_that_assign)
         // Several.
         {"\ta=1;b=2 ; c = yes\r", "\ta=1\r\n\tb=2\r\n\tc = on\r"},
         {"a=1 ;note", "a=1 ;note"},
+        {"g=1 h=fast,", "g=1\nh=fast,"},
         {"g=1, h = yes, k = no", "g=1\nh = on\nk = off"},
         {" g=1 msg_sqlit=yes # x", " g=1\n msg_sqlite=on # x"},
     };

@@ -212,6 +212,9 @@ TEST_F(JSON_DOCUMENTS, have_the_last_of_two_members_with_one_key)
     EXPECT_EQ(complaint_of_value(R"({"": "empty"})", [&text](const JSON_NODE& node) { text = node.member("").text(); }),
               "");
     EXPECT_EQ(text, "empty");
+    // What stands in a list has no key.
+    EXPECT_EQ(complaint_of_value(R"(["x"])", [&text](const JSON_NODE& node) { text = node.member("").text(); }),
+              "document.json: .value. is missing; have the file written again");
 }
 
 TEST_F(JSON_DOCUMENTS, may_nest_as_deep_as_they_are_long)
@@ -301,6 +304,9 @@ TEST_F(ROWS_OF_DOCUMENTS, are_taken_in_the_order_of_the_document)
     EXPECT_THAT(taken(two + ", " + one + ", " + head), ElementsAre("one a", "one b", "two c"));
     EXPECT_EQ(complaint, "");
     EXPECT_THAT(taken(R"("schema": "some-kind", )" + two + R"(, "schema_version": 1, )" + one),
+                ElementsAre("one a", "one b", "two c"));
+    EXPECT_EQ(complaint, "");
+    EXPECT_THAT(taken(R"("schema_version": 1, )" + two + R"(, "schema": "some-kind", )" + one),
                 ElementsAre("one a", "one b", "two c"));
     EXPECT_EQ(complaint, "");
     EXPECT_THAT(taken(head + std::string(R"(, "one": [], "two": [])")), IsEmpty());

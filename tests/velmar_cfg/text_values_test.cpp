@@ -25,6 +25,7 @@ TEST(HEXADECIMAL, is_two_digits_a_byte)
     EXPECT_EQ(from_hexadecimal("aBCdEF"), "\xab\xcd\xef");
     for (const char* const other : {"a", "abc", "0x", "0g", "g0", " 0", "0 ", "-1", "+1", "a b", "\xc3\xa9"})
         EXPECT_EQ(from_hexadecimal(other), std::nullopt) << other;
+    EXPECT_EQ(from_hexadecimal(std::string_view("abcd").substr(0, 3)), std::nullopt); // and nothing behind is looked at
 }
 
 TEST(HEXADECIMAL, of_every_byte_reads_back)

@@ -15,7 +15,7 @@
 
 namespace
 {
-constinit thread_local std::array<CALL_WATCH*, 9> watches = {};
+constinit thread_local std::array<CALL_WATCH*, 13> watches = {};
 
 bool fails(SYSTEM_CALL call)
 {
@@ -86,6 +86,29 @@ extern "C"
         return fails(SYSTEM_CALL::FSETXATTR) ? -1
                                              : original<int(int, const char*, const void*, size_t, int)>("fsetxattr")(
                                                    file, name, value, size, flags);
+    }
+
+    int fchmod(int file, mode_t mode) noexcept
+    {
+        return fails(SYSTEM_CALL::FCHMOD) ? -1 : original<int(int, mode_t)>("fchmod")(file, mode);
+    }
+
+    int fremovexattr(int file, const char* name) noexcept
+    {
+        return fails(SYSTEM_CALL::FREMOVEXATTR) ? -1 : original<int(int, const char*)>("fremovexattr")(file, name);
+    }
+
+    ssize_t fgetxattr(int file, const char* name, void* value, size_t size) noexcept
+    {
+        return fails(SYSTEM_CALL::FGETXATTR)
+                   ? -1
+                   : original<ssize_t(int, const char*, void*, size_t)>("fgetxattr")(file, name, value, size);
+    }
+
+    ssize_t flistxattr(int file, char* names, size_t size) noexcept
+    {
+        return fails(SYSTEM_CALL::FLISTXATTR) ? -1
+                                              : original<ssize_t(int, char*, size_t)>("flistxattr")(file, names, size);
     }
 
     int fcntl(int file, int command, ...)

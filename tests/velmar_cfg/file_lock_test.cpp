@@ -59,6 +59,20 @@ TEST_F(FILE_LOCK_TEST, one_that_is_removed_in_between_counts_for_nothing)
     EXPECT_EQ(watch.calls_seen(), 2);
 }
 
+// The file that was opened has no name any more; the one that has the name may be locked by somebody else.
+TEST_F(FILE_LOCK_TEST, one_that_is_replaced_in_between_counts_for_nothing)
+{
+    write_file("user/file.lock", mark);
+    const CALL_WATCH watch(SYSTEM_CALL::FLOCK, {{1, []
+                                                 {
+                                                     write_file("user/theirs", "theirs");
+                                                     return rename("user/theirs", "user/file.lock");
+                                                 }}});
+    EXPECT_EQ(attempt(10'000), "");
+    EXPECT_EQ(watch.calls_seen(), 2);
+    EXPECT_EQ(read_file("user/file.lock"), "theirs");
+}
+
 TEST_F(FILE_LOCK_TEST, another_run_may_be_faster)
 {
     const CALL_WATCH watch(SYSTEM_CALL::RENAMEAT2, {{1, []

@@ -74,6 +74,25 @@ TEST_F(FILE_PLACE_TEST, stays_where_it_was_whatever_takes_its_path)
     EXPECT_EQ(first, 'o'); // of "old"
 }
 
+TEST_F(FILE_PLACE_TEST, knows_a_file_by_its_name)
+{
+    write_file("user/other", "");
+    std::filesystem::create_hard_link("user/file", "user/second");
+    std::filesystem::create_symlink("file", "user/link");
+    const FILE_PLACE place(file);
+    const int opened = open(file, O_RDONLY | O_CLOEXEC);
+    const std::pair<const char*, bool> rows[] = {
+        {"file", true}, {"second", true}, {"other", false}, {"link", false}, {"missing", false}};
+    for (const auto& [name, expected] : rows)
+        EXPECT_EQ(place.has(opened, name), expected) << name;
+    // A file of another file system, which may have the same number there.
+    const int elsewhere = open("/proc/self/status", O_RDONLY | O_CLOEXEC);
+    EXPECT_FALSE(place.has(elsewhere, "file"));
+    EXPECT_FALSE(place.has(-1, "file"));
+    close(elsewhere);
+    close(opened);
+}
+
 TEST_F(FILE_PLACE_TEST, root_follows_no_link_of_another_user)
 {
     if (geteuid() != 0)

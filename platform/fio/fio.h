@@ -1,8 +1,9 @@
 // File service: paths and the questions that the library asks of the file system.
 //
 // What the library expects. Questions about the file system answer false, or empty, on any failure; they may throw
-// std::bad_alloc only. FIO_FILE_SYSTEM::exists is called with the store's lock held while the main settings file is
-// being read, and throughout a first load; it must not wait for a thread that uses the store. Paths are bytes.
+// std::bad_alloc only. FIO_FILE_SYSTEM::exists and, for a relative path, get_current_directory are called with the store's
+// lock held while the main settings file is being read, and throughout a first load; they must not wait for a thread
+// that uses the store. Paths are bytes.
 #ifndef PLATFORM_FIO_FIO_H
 #define PLATFORM_FIO_FIO_H
 

@@ -1,24 +1,27 @@
-// The run report: which internal variables a run depended on and where their values came from, written as JSON for
-// velmar-cfg and for farms.
+// The run report: it lists the internal variables that a run depended on, and the origins of their values, as JSON for
+// velmar-cfg and for farms of runs.
+//
+// Example, at the end of a run:
 //
 //     CFG_RUN_REPORT_OPTIONS options;
 //     options.run = "nightly/cpu";
 //     options.outcome = CFG_RUN_OUTCOME::FAIL;
-//     if (const CFG_RUN_REPORT_RESULT result = cfg_write_run_report("run.json", options); !result.written)
+//     const CFG_RUN_REPORT_RESULT result = cfg_write_run_report("run.json", options);
+//     if (!result.written)
 //         warn(result.error);
 //
-// A library of its own beside the configuration library, over that one's public functions. Compiles as C++17.
+// "velmar-cfg run-report run.json" shows such a report. The function is in a library of its own, libzon_cfg_run_report,
+// which uses the public functions of the configuration library and its rules for lines. The header compiles as C++17.
 //
-// What it holds is not for everybody: the values of all variables that the run came across, the text of VELMAR_INI_VARS
-// and other texts as they were applied, secrets included, and the names of user, host and directories that stand in
-// paths. The file is made as the umask says, unless the options say otherwise. velmar-cfg hides secrets when it shows a
-// report.
+// A report holds the values of all variables that the run met, the text of VELMAR_INI_VARS and of other inline texts as
+// they were applied, secrets included, and paths, which may name users. Who may read the file depends on the umask,
+// unless the options say otherwise. velmar-cfg hides secrets when it shows a report.
 //
 // The document (schema "velmar-run-report", version 2; a reader refuses a higher version). A text that is no UTF-8 is
 // an object instead: {"hex": "<two digits a byte>"}. Times are UTC, as in 2026-11-22T08:25:00Z.
 //
 //     schema, schema_version   the two above
-//     run                      what the caller called the run
+//     run                      the caller's name for the run
 //     release                  the running release
 //     outcome                  "pass", "fail" or a number, as the caller says ("nan", "inf" or "-inf" where JSON has no
 //                              such number); null when it says nothing
@@ -27,8 +30,8 @@
 //                              known, as below
 //     started, ended           when the process was started, and when the report was written
 //     environment              name and value of the six variables that decide what is read (VELMAR_INI, HOME,
-//                              VELMAR_INI_DISABLED, APPENDED_VELMAR_INI, VELMAR_INI_VARS, VELMAR2_INI), as they are when
-//                              the report is written; the value is null when the variable is not set
+//                              VELMAR_INI_DISABLED, APPENDED_VELMAR_INI, VELMAR_INI_VARS, VELMAR2_INI), as they are
+//                              when the report is written; the value is null when the variable is not set
 //     sources_complete         whether the list of sources lacks none (see cfg_ini/cfg_settings_sources.h)
 //     sources                  the files and texts that were applied, in that order, each with
 //         layer                "main", "appended", "inline" or "regtest"; "program" for a text that the program applied
@@ -70,13 +73,13 @@
 
 #define CFG_RUN_REPORT_API __attribute__((visibility("default")))
 
-// Whether a report was written, and if not, why.
+// Whether a report was written, and if not, why not.
 struct CFG_RUN_REPORT_RESULT
 {
-    // The whole document is in the file.
+    // True if the whole document is in the file.
     bool written;
 
-    // One line that names the file and what is wrong; empty when it was written.
+    // One line that names the file and the problem; empty if the document was written.
     std::string error;
 };
 
@@ -105,23 +108,30 @@ struct CFG_RUN_REPORT_OPTIONS
     bool only_owner_may_read = false;
 };
 
-// Writes the report of this process so far to the file `path`: the whole file or nothing, an existing one replaced, a
-// device or pipe written to as it is. Throws nothing.
+// Writes a report of this process up to now to the file `path`. `run` is the caller's name for the run; any text will
+// do. The function writes the whole document or nothing, and replaces an existing file. It writes to a device or a pipe
+// directly. It throws nothing.
 //
-// Where values came from is worked out here and now: the settings files that are still what they were when they were
-// applied are read again, and no others. The program's own rules apply, those of its locale included.
+// The function works out the origins of the values when it is called. It reads again the settings files that have not
+// changed since they were applied, and no others. The rules for lines are those of the program's locale.
 //
-// What it does to the store. The usage reports list everything only while "cfg_min_accessed_to_report" is 0 and
-// "cfg_max_to_report" is negative, so these two are set for the moment, under these spellings, and set back to the
-// host's own texts; their external marks, and whether they count as used, come out as before. What stays changed: their
-// access counts (the report leaves its own reads out, those of earlier reports included), empty records for them if
-// they had none, and the mark that makes cfg_check_debug_ini_values read its variables once more. No other variable is
-// read or set. A process that has used no variable yet has its settings read.
+// Effects on the store. The usage reports are complete only while "cfg_min_accessed_to_report" is 0 and
+// "cfg_max_to_report" is negative. So the function sets these two variables, under these spellings, and afterwards sets
+// them back to the host's texts. Their external marks, and whether they count as used, are as before. These effects
+// remain:
+// - their access counts are higher; the report leaves out its own accesses, also those of earlier reports;
+// - they have empty records if they had none;
+// - cfg_check_debug_ini_values reads its variables again at its next call.
 //
-// Call it from one thread at a time and from no notification, best at the end of the run: other threads may use
-// variables meanwhile, but a value that they give to the two above may be lost, and their reads fall on either side.
+// No other variable is read or set. If the process has not used a variable yet, the function loads the settings.
+//
+// Call the function from one thread at a time and never from a notification, best at the end of the run. Other threads
+// may use variables meanwhile, but their lookups may or may not be in the report, and a value that they give to one of
+// the two variables above may be lost.
 CFG_RUN_REPORT_API CFG_RUN_REPORT_RESULT cfg_write_run_report(const std::string& path,
                                                               const std::string& run = {}) noexcept;
+
+// The same with more options.
 CFG_RUN_REPORT_API CFG_RUN_REPORT_RESULT cfg_write_run_report(const std::string& path,
                                                               const CFG_RUN_REPORT_OPTIONS& options) noexcept;
 

@@ -42,6 +42,7 @@ foreach(service IN LISTS zon_services)
 endforeach()
 
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
+install(FILES docs/architecture.svg DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT development) # shown by README.md
 
 # --- CMake package and pkg-config files ---
 

@@ -4,14 +4,14 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 #include <utility>
+
+#include "tests/support/original_function.h"
 
 namespace
 {
@@ -24,16 +24,6 @@ bool fails(SYSTEM_CALL call)
     if (error != 0)
         errno = error;
     return error != 0;
-}
-
-// The function that was replaced.
-template <typename FUNCTION>
-FUNCTION* original(const char* name)
-{
-    void* const address = dlsym(RTLD_NEXT, name);
-    if (address == nullptr)
-        std::abort();
-    return reinterpret_cast<FUNCTION*>(address);
 }
 }
 

@@ -85,7 +85,7 @@ TEST_F(FILE_PLACE_TEST, root_follows_no_link_of_another_user)
     EXPECT_EQ(FILE_PLACE("planted").path(), cwd + "/secret/file");
     ASSERT_EQ(lchown("planted", other_user, other_user), 0);
     ASSERT_EQ(lchown("directory", other_user, other_user), 0);
-    const std::string why = " is a link that belongs to the user number 4711, which root does not follow; run the "
+    const std::string why = " is a link that belongs to the user number 64711, which root does not follow; run the "
                             "command as that user";
     EXPECT_EQ(complaint_of([] { FILE_PLACE("planted"); }), "4 " + cwd + "/planted:" + why);
     EXPECT_EQ(complaint_of([] { FILE_PLACE("directory/file"); }), "4 " + cwd + "/directory:" + why);
@@ -93,13 +93,13 @@ TEST_F(FILE_PLACE_TEST, root_follows_no_link_of_another_user)
     // The user himself does, and any other user too: it lends nobody more rights than he has.
     std::filesystem::permissions(temporary.path(), std::filesystem::perms::all);
     EXPECT_EQ(as_other_user([] { return FILE_PLACE("directory/file").path(); }), cwd + "/secret/file");
-    ASSERT_EQ(lchown("directory", 4712, 4712), 0);
+    ASSERT_EQ(lchown("directory", 64712, 64712), 0);
     EXPECT_EQ(as_other_user([] { return FILE_PLACE("directory/file").path(); }), cwd + "/secret/file");
 }
 
 TEST(USERS, are_named_or_numbered)
 {
     EXPECT_EQ(user_in_words(0), "'root'");
-    EXPECT_EQ(user_in_words(other_user), "number 4711");
+    EXPECT_EQ(user_in_words(other_user), "number 64711");
 }
 }

@@ -86,6 +86,36 @@ TEST_F(MASK_KEY_FILE, is_the_same_for_all_who_make_it_at_once)
     }
 }
 
+TEST_F(MASK_KEY_FILE, takes_away_what_a_killed_run_left)
+{
+    std::filesystem::create_directories(temporary.path("data/velmar-cfg"));
+    write_file(path + ".velmar-cfg-0123456789ab.tmp", "half");
+    EXPECT_TRUE(lasting_mask_key(path).lasting);
+    const std::filesystem::directory_iterator files(temporary.path("data/velmar-cfg"));
+    EXPECT_EQ(std::distance(begin(files), end(files)), 1);
+}
+
+// The user could not use what root makes there, and may have planted links.
+TEST_F(MASK_KEY_FILE, of_root_is_not_made_where_another_user_is_at_home)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can give directories away";
+    constexpr uid_t other_user = 64711;
+    std::filesystem::create_directories(temporary.path("data"));
+    ASSERT_EQ(chown(temporary.path("data").c_str(), other_user, other_user), 0);
+    expect_refused("is in a directory of the user number 64711");
+    EXPECT_TRUE(std::filesystem::is_empty(temporary.path("data")));
+
+    std::filesystem::create_directories(temporary.path("target"));
+    ASSERT_EQ(symlink(temporary.path("target").c_str(), temporary.path("data/velmar-cfg").c_str()), 0);
+    ASSERT_EQ(lchown(temporary.path("data/velmar-cfg").c_str(), other_user, other_user), 0);
+    expect_refused("is a link that belongs to the user number 64711");
+    EXPECT_TRUE(std::filesystem::is_empty(temporary.path("target")));
+
+    std::filesystem::create_directories(temporary.path("data/own"));
+    EXPECT_TRUE(lasting_mask_key(temporary.path("data/own/mask-key")).lasting);
+}
+
 TEST_F(MASK_KEY_FILE, is_another_for_another_user)
 {
     EXPECT_NE(lasting_mask_key(path).name, lasting_mask_key(temporary.path("other/mask-key")).name);

@@ -9,7 +9,7 @@ namespace
 {
 std::string shown(std::string_view text)
 {
-    return text.empty() ? "(empty)" : printable(text);
+    return text.empty() ? "\\(empty)" : printable(text); // no value looks so: its backslashes are doubled
 }
 
 // "A  text" or "B  text", indented, in the colour of its side.

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
@@ -25,7 +26,7 @@ struct RUN_REPORT_OPTIONS
 std::string shown(const std::string& text)
 {
     constexpr std::size_t longest = 100;
-    return printable(shortened(text, longest));
+    return printable(shortened(text, length_by_shown_length(text, longest)));
 }
 
 // --- One run ---

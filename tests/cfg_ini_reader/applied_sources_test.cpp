@@ -5,7 +5,7 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
-#include <memory>
+#include <stdexcept>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -184,6 +184,18 @@ TEST_F(APPLIED_SOURCES_TEST, a_directory_is_listed_as_what_it_is)
     cfg_read_ini_file(temporary.path("cwd"));
     EXPECT_EQ(listed(), TEXTS{"main external cwd..."}) << "reading it fails";
     EXPECT_TRUE(S_ISDIR(cfg_get_settings_sources().applied.at(0).mode));
+}
+
+TEST_F(APPLIED_SOURCES_TEST, a_pipe_is_listed_as_what_it_is)
+{
+    make_empty_store();
+    const std::string path = temporary.path("pipe.ini");
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    std::thread writer([&path] { write_file(path, "a=1\n"); });
+    cfg_read_regtest_ini_file(path);
+    writer.join();
+    EXPECT_EQ(listed(), TEXTS{"regtest pipe.ini"});
+    EXPECT_TRUE(S_ISFIFO(cfg_get_settings_sources().applied.at(0).mode));
 }
 
 TEST_F(APPLIED_SOURCES_TEST, an_empty_file_is_listed)
@@ -402,6 +414,17 @@ TEST_F(APPLIED_SOURCES_TEST, a_load_that_an_exception_ends_leaves_a_source_that_
     EXPECT_EQ(listed(), TEXTS{"regtest one.ini..."});
     cfg_read_regtest_ini_file(temporary.path("one.ini"));
     EXPECT_EQ(listed(), (TEXTS{"regtest one.ini...", "regtest one.ini"}));
+}
+
+TEST_F(APPLIED_SOURCES_TEST, an_equal_source_that_is_cut_short_the_next_time_is_no_longer_whole)
+{
+    make_empty_store();
+    cfg_read_regtest_ini_file(file("one.ini"));
+    const ACTOR actor("a", [] { throw std::runtime_error("no"); });
+    EXPECT_THROW(cfg_read_regtest_ini_file(temporary.path("one.ini")), std::runtime_error);
+    release_lock();
+    EXPECT_EQ(listed(), TEXTS{"regtest one.ini..."});
+    EXPECT_EQ(cfg_get_settings_sources().applied.at(0).end, 0U);
 }
 
 TEST_F(APPLIED_SOURCES_TEST, a_layer_of_the_host_that_loads_the_settings_first_comes_behind_them)

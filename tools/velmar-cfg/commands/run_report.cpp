@@ -50,11 +50,15 @@ std::string remark_of(const READ_VARIABLE& variable, const RUN_REPORT& report)
                                : "value not told: not of the type asked for";
 }
 
+std::string source_as_text(const RUN_SOURCE& source)
+{
+    return source.path ? printable(*source.path) : source.layer ? inline_source : "a text";
+}
+
 std::string place_as_text(const RUN_PLACE& place, const RUN_REPORT& report)
 {
-    const RUN_SOURCE& source = report.sources[place.source];
-    const std::string name = source.path ? printable(*source.path) : source.layer ? inline_source : "a text";
-    return name + (place.position != 0 ? ":" + std::to_string(place.position) : "");
+    return source_as_text(report.sources[place.source]) +
+           (place.position != 0 ? ":" + std::to_string(place.position) : "");
 }
 
 std::string first_few_places(const std::vector<RUN_PLACE>& places, const RUN_REPORT& report)
@@ -143,8 +147,8 @@ void write_lost_sources(const RUN_REPORT& report, OUTPUT& out)
     for (const RUN_SOURCE& source : report.sources)
     {
         if (source.state != "same")
-            out << "  " << out.painted(STYLE::WARNING, "not read again: ")
-                << (source.path ? printable(*source.path) : inline_source) << " (" << printable(source.state) << ")\n";
+            out << "  " << out.painted(STYLE::WARNING, "not read again: ") << source_as_text(source) << " ("
+                << printable(source.state) << ")\n";
     }
     if (report.version != 1 && !report.sources_complete)
         out << "  " << out.painted(STYLE::WARNING, "more sources were applied than the report knows") << "\n";

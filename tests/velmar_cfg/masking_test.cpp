@@ -42,10 +42,14 @@ constexpr const char* preferences = "[Cloud 23.4_pro]\n"
                                     "MY_TOKEN = S3CRETn\n";
 
 constexpr const char* report = R"({
-  "schema": "velmar-run-report", "schema_version": 1, "run": "nightly", "release": "23.4",
-  "files": {"main": null, "appended": null, "regtest": null},
-  "read": [{"name": "api_token", "count": 3, "value": "S3CRETo", "external": true, "used": true}],
-  "external_never_read": [{"name": "my_password", "value": "S3CRETp"}], "uncounted": []
+  "schema": "velmar-run-report", "schema_version": 2, "run": "nightly", "release": "23.4",
+  "outcome": null, "host": null, "process": 1, "directory": null, "executable": null, "started": null, "ended": "",
+  "environment": [{"name": "VELMAR_INI_VARS", "value": "a=1;my_secret=S3CRETr"}], "sources_complete": true,
+  "sources": [{"layer": "inline", "external": true, "text": "a=1;my_secret=S3CRETr", "state": "same"}],
+  "read": [{"name": "api_token", "count": 3, "value": "S3CRETo", "external": true, "used": true, "origin": "program",
+            "overridden": [{"source": 0, "item": 2, "value": "S3CRETs"}]}],
+  "external_never_read": [{"name": "my_password", "value": "S3CRETp", "source": 0, "item": 3}],
+  "asked_once": [], "set_never_read": []
 })";
 
 const ARGUMENTS command_lines[] = {

@@ -70,6 +70,8 @@ std::string maker_as_text(const VARIABLE_DIFFERENCE& difference)
 {
     const std::string maker =
         difference.made_by ? layer_title(*difference.made_by) : "the release, which reads it otherwise";
+    if (difference.dependence == DEPENDENCE::KIND::ASKED_ONCE)
+        return maker + "; read once, while unset";
     return difference.dependence == DEPENDENCE::KIND::PERHAPS ? maker + "; perhaps read, once, while unset" : maker;
 }
 

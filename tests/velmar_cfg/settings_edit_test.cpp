@@ -252,10 +252,9 @@ TEST(REFUSED_VALUES, are_told_with_what_would_be_read_back)
 
 TEST(A_COMMENT_BEHIND_THE_VALUE, must_stay_one)
 {
-    EXPECT_EQ(
-        complaint_of("b = 1\na = 1 # note\n", {"a", "\"x"}),
-        "5 velmar.ini:2: with what stands behind it in this line, the value would be read as '\"x # note'; put the "
-        "comment on a line of its own first");
+    EXPECT_EQ(complaint_of("b = 1\na = 1 # note\n", {"a", "\"x"}),
+              "5 velmar.ini:2: the comment in this line would become part of the value, whose quote is not closed; put "
+              "the comment on a line of its own first");
     EXPECT_EQ(complaint_of("a = 1\n", {"a", "\"x"}), "");
     EXPECT_EQ(complaint_of("a = 1 # note\n", {"a", "\"x\""}), "");
 }

@@ -41,6 +41,12 @@ LAYER file_layer(LAYER_KIND kind, std::shared_ptr<const INPUT_FILE> file, SECRET
     return hidden_layer(kind, std::move(file), std::move(hidden));
 }
 
+LAYER inline_layer(std::shared_ptr<const INPUT_FILE> text, SECRETS& secrets)
+{
+    std::optional<std::string> hidden = hide_in_inline_text(text->bytes, secrets);
+    return hidden_layer(LAYER_KIND::INLINE_TEXT, std::move(text), std::move(hidden));
+}
+
 // Adds the file that `find` finds, if it finds one. A file that is gone once it is opened is being replaced, or moved
 // away: what is there by now is searched for anew.
 template <typename FIND>
@@ -124,22 +130,24 @@ const char* layer_title(LAYER_KIND kind)
 
 LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files)
 {
+    return load_layers(scope, *scope.secrets, files);
+}
+
+LAYERS load_layers(const SETTINGS_SCOPE& scope, SECRETS& secrets, INPUT_FILES& files)
+{
     LAYERS layers;
     const auto add_searched = [&](LAYER_KIND kind, bool regtest)
     {
         note_places_passed_over(scope, regtest, files);
-        add_file(kind, layers, files, *scope.secrets, [&] { return settings_file_of(scope.project, regtest); });
+        add_file(kind, layers, files, secrets, [&] { return settings_file_of(scope.project, regtest); });
     };
     add_searched(LAYER_KIND::MAIN_FILE, false);
     if (const std::string named = named_appended_file(); !named.empty())
         files.note_absence(named);
-    add_file(LAYER_KIND::APPENDED_FILE, layers, files, *scope.secrets, appended_file);
+    add_file(LAYER_KIND::APPENDED_FILE, layers, files, secrets, appended_file);
     if (const char* const text = inline_text(); text != nullptr)
-    {
-        auto source = std::make_shared<const INPUT_FILE>(INPUT_FILE{inline_source, text, {}});
-        std::optional<std::string> hidden = hide_in_inline_text(source->bytes, *scope.secrets);
-        layers.push_back(hidden_layer(LAYER_KIND::INLINE_TEXT, std::move(source), std::move(hidden)));
-    }
+        layers.push_back(
+            inline_layer(std::make_shared<const INPUT_FILE>(INPUT_FILE{inline_source, text, {}}), secrets));
     if (scope.regtest)
         add_searched(LAYER_KIND::REGTEST_FILE, true);
     return layers;
@@ -148,6 +156,15 @@ LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files)
 LAYERS single_layer(const std::string& path, INPUT_FILES& files, SECRETS& secrets)
 {
     return {file_layer(LAYER_KIND::MAIN_FILE, files.read_named(path), secrets)};
+}
+
+LAYERS with_secrets_hidden(const LAYERS& layers, SECRETS& secrets)
+{
+    LAYERS hidden;
+    for (const LAYER& layer : layers)
+        hidden.push_back(is_file(layer.kind) ? file_layer(layer.kind, layer.source, secrets)
+                                             : inline_layer(layer.source, secrets));
+    return hidden;
 }
 
 bool STATEMENTS::next_item(STATEMENT& statement)

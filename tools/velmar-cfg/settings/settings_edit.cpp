@@ -187,13 +187,11 @@ SETTINGS_PLAN with_changed_line(const std::string& path, std::string_view before
     if (old->value == value)
         return {std::string(before), {}};
     std::string text = with_value(line.text, value);
-    const std::optional<SET_BY_LINE> read_back = set_by(text);
-    if (!read_back || *read_back != SET_BY_LINE{old->name, value})
-        throw TOOL_ERROR(EXIT_CODE::REFUSED, path + ":" + std::to_string(line.number) +
-                                                 ": with what stands behind it in this line, the value would be read "
-                                                 "as " +
-                                                 in_single_quotes(read_back ? read_back->value : "") +
-                                                 "; put the comment on a line of its own first");
+    if (set_by(text) != SET_BY_LINE{old->name, value})
+        throw TOOL_ERROR(EXIT_CODE::REFUSED,
+                         path + ":" + std::to_string(line.number) +
+                             ": the comment in this line would become part of the value, whose quote is not closed; "
+                             "put the comment on a line of its own first");
     return {with_edits(before, {{line.offset, line.text.size(), std::move(text)}}),
             {{line.number, LINE_CHANGE::REPLACED}}};
 }

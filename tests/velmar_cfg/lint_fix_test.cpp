@@ -88,7 +88,7 @@ TEST_F(LINT_FIX, goes_on_behind_a_file_that_must_not_be_changed)
     const TOOL_RUN fixed = run({"lint", "--fix", "a.ini", "b.ini", "c.ini", "nowhere.ini"});
     EXPECT_EQ(fixed.exit_code, 4);
     EXPECT_THAT(fixed.err, HasSubstr("a.ini: the file has 2 names (hard links)"));
-    EXPECT_THAT(fixed.err, HasSubstr("b.ini.lock: is no file, where velmar-cfg keeps its lock; remove it\n"));
+    EXPECT_THAT(fixed.err, HasSubstr("b.ini.lock: Is a directory\n"));
     EXPECT_THAT(fixed.err, HasSubstr("c.ini: 1 line was replaced\n"));
     EXPECT_THAT(fixed.err, HasSubstr("nowhere.ini: "));
     EXPECT_THAT(fixed.out, HasSubstr("a.ini:1:5: note: 'yes' is no boolean"));
@@ -102,20 +102,20 @@ TEST_F(LINT_FIX, goes_on_behind_a_file_that_must_not_be_changed)
     EXPECT_EQ(read_file("other"), "a = yes\n");
 }
 
+// What is fixed is what lint shows of a line, so that the quotes and the carriage return of a secret are nobody's
+// business.
 TEST_F(LINT_FIX, writes_secrets_as_they_are_and_shows_none)
 {
-    const char* const bytes = "api_token = 'hush-hush-1'\n\"password\" = hush-hush-2 # old: hush-hush-3\n"
-                              "token = hush-hush-4\rhush-hush-5\n";
-    write_file("velmar.ini", bytes);
+    write_file("velmar.ini", "api_token = \"hush-hush-1\"\n'password' = 'hush-hush-2' # old: hush-hush-3\n"
+                             "token = hush-hush-4\rhush-hush-5\npass word = hush-hush-6\nb = yes\n");
+    const std::string after = "api_token = hush-hush-1\npassword = 'hush-hush-2' # old: hush-hush-3\n"
+                              "token = hush-hush-4\rhush-hush-5\npass_word = hush-hush-6\nb = on\n";
     for (const char* const format : {"--json", "--color=never"})
         EXPECT_THAT(run({"lint", "--fix", "--dry-run", "velmar.ini", format}).out, Not(HasSubstr("hush")));
-    EXPECT_EQ(read_file("velmar.ini"), bytes);
     const TOOL_RUN fixed = run({"lint", "--fix", "velmar.ini"});
-    EXPECT_THAT(fixed.out + fixed.err, Not(HasSubstr("hush")));
-    EXPECT_THAT(read_file("velmar.ini"),
-                StartsWith("api_token = hush-hush-1\npassword = hush-hush-2 # old: hush-hush-3\n"));
-    EXPECT_THAT(read_file("velmar.ini"), HasSubstr("hush-hush-5"));
-    EXPECT_THAT(read_file("velmar.ini"), Not(HasSubstr("masked")));
+    EXPECT_EQ(fixed.out, "");
+    EXPECT_EQ(fixed.err, "velmar-cfg: " + full_path("velmar.ini") + ": 4 lines were replaced\n");
+    EXPECT_EQ(read_file("velmar.ini"), after);
 }
 
 TEST_F(LINT_FIX, refuses_what_makes_no_sense)

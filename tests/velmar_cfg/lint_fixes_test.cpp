@@ -75,6 +75,18 @@ TEST(FIXES_OF_A_LAYER, look_at_the_other_layers_and_leave_them)
     EXPECT_EQ(fix_findings(layers, 1, {}).text, "Max_Fanout = 2\nx = off\n");
 }
 
+TEST(HIDDEN_SECRETS, are_put_back_where_their_marks_are)
+{
+    SECRETS secrets;
+    const std::string original = "token = \"one\"\n'password' = two;three\nb = yes\nsecret = one\n";
+    const std::string hidden = hide_in_settings_text(original, secrets).value();
+    EXPECT_EQ(hidden.find("one"), hidden.npos);
+    EXPECT_EQ(with_secrets_shown(hidden, hidden, original), original);
+    EXPECT_EQ(with_secrets_shown(fixed(hidden), hidden, original),
+              "token = one\npassword = two;three\nb = on\nsecret = one\n");
+    EXPECT_EQ(with_secrets_shown("x", "y", "y"), "x");
+}
+
 TEST(CHECKED_REASONS, are_known)
 {
     EXPECT_EQ(checked_reasons({"letter-case", "separator", "letter-case"}), (REASONS{"letter-case", "separator"}));

@@ -135,7 +135,7 @@ TEST_F(SARIF, names_files_by_references_and_variables_by_their_names)
 
 TEST_F(SARIF, holds_no_secret_and_no_brace_that_means_something)
 {
-    write_file("velmar.ini", "api_token = 'hush-hush'\nd = {0}x' y=1\n{1} = yes\n");
+    write_file("velmar.ini", "api_token = \"hush-hush\"\nd = {0}x' y=1\n{1} = yes\n");
     const TOOL_RUN run_of_tool = run({"lint", "velmar.ini", "--format", "sarif"});
     expect_valid(run_of_tool.out);
     EXPECT_THAT(run_of_tool.out, Not(HasSubstr("hush")));

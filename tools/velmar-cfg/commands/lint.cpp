@@ -132,18 +132,6 @@ bool is_preference_file(const std::string& path)
     return path.substr(path.rfind('/') + 1) == "velmar2.ini";
 }
 
-// The layers that `load` reads with such secrets hidden, with the suggestions applied to the files if that is asked
-// for.
-template <typename LOAD>
-LAYERS layers_to_check(const LINT_OPTIONS& options, FILE_FIXES& fixes, SECRETS& secrets, LOAD load)
-{
-    if (!options.fix)
-        return load(secrets);
-    SECRETS open; // what is written back is as it was
-    open.show_all();
-    return with_secrets_hidden(fixes.fix(load(open)), secrets);
-}
-
 EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
 {
     const FINDINGS_OPTIONS output = output_options(options, tool);
@@ -151,14 +139,12 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
         return list_reasons({{"settings", reasons_of_settings()}, {"preferences", reasons_of_preferences()}}, tool);
     if (options.fix && std::ranges::count(options.files, "-") > 0)
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--fix changes files, not standard input");
-    SECRETS& secrets = *tool.options.scope.secrets;
     FILE_FIXES fixes(options, output.ignored, tool);
+    const auto to_check = [&](LAYERS layers) { return options.fix ? fixes.fix(std::move(layers)) : layers; };
     CHECKS checks(tool);
     if (options.files.empty())
     {
-        LAYERS layers =
-            layers_to_check(options, fixes, secrets,
-                            [&tool](SECRETS& hidden) { return load_layers(tool.options.scope, hidden, tool.files); });
+        LAYERS layers = to_check(load_layers(tool.options.scope, tool.files));
         checks.add(lint_environment());
         if (layers.empty())
             checks.add({no_settings_file()});
@@ -171,8 +157,7 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
         if (is_preference_file(file))
             checks.add_preferences(*tool.files.read_named(file));
         else
-            checks.add_settings(layers_to_check(
-                options, fixes, secrets, [&](SECRETS& hidden) { return single_layer(file, tool.files, hidden); }));
+            checks.add_settings(to_check(single_layer(file, tool.files, *tool.options.scope.secrets)));
     }
     const EXIT_CODE end = checks.run(output);
     return std::max(end, fixes.finish());

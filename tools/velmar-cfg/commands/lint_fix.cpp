@@ -8,6 +8,7 @@
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/commands/diagnostics.h"
 #include "tools/velmar-cfg/lint/fixes.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 #include "tools/velmar-cfg/settings/settings_difference.h"
 
 LAYERS FILE_FIXES::fix(LAYERS layers)
@@ -27,21 +28,23 @@ void FILE_FIXES::fix_file(LAYERS& layers, std::size_t index)
     const auto hold = [&](const std::string& bytes) {
         layers[index].source = std::make_shared<const INPUT_FILE>(INPUT_FILE{path, bytes, {}});
     };
-    std::size_t fixes = 0;
+    FIXED_TEXT fixed{};
     const auto plan = [&](const FILE_EDIT& file)
     {
-        hold(file.before); // by now it may be another text than was read
-        FIXED_TEXT fixed = fix_findings(layers, index, ignored);
-        fixes = fixed.fixes;
-        return PLANNED_BYTES{std::move(fixed.text), {}};
+        // By now it may be another text than was read. What the user is shown is what is fixed: with secrets hidden.
+        const std::string hidden =
+            hide_in_settings_text(file.before, *tool.options.scope.secrets).value_or(file.before);
+        hold(hidden);
+        fixed = fix_findings(layers, index, ignored);
+        return PLANNED_BYTES{with_secrets_shown(fixed.text, hidden, file.before), {}};
     };
     try
     {
         const auto make = options.dry_run ? try_file_edit : edit_file;
         FILE_EDIT edit = make(path, plan, options.permissions, options.patience());
         if (edit.changed())
-            hold(edit.after);
-        files.push_back({std::move(edit), fixes});
+            hold(fixed.text);
+        files.push_back({std::move(edit), fixed.fixes});
     }
     catch (const TOOL_ERROR& error)
     {

@@ -33,8 +33,7 @@ public:
     {
     }
 
-    // Fixes the files among the layers, in which no secret is hidden. Returns the layers as they are afterwards, in a
-    // dry run as they would be.
+    // Fixes the files among the layers. Returns the layers as they are afterwards, in a dry run as they would be.
     LAYERS fix(LAYERS layers);
 
     // Says which files were changed and which must not be; in a dry run shows the differences instead of that. Returns

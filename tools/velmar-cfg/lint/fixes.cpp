@@ -7,11 +7,13 @@
 #include "tools/velmar-cfg/lint/fixes.h"
 
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/text_edits.h"
 #include "tools/velmar-cfg/lint/settings_rules.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
@@ -83,4 +85,23 @@ FIXED_TEXT fix_findings(LAYERS layers, std::size_t index, const REASONS& ignored
         layers[index].source = std::make_shared<const INPUT_FILE>(std::move(fixed));
     }
     return {layers[index].source->bytes, fixes};
+}
+
+std::string with_secrets_shown(std::string_view text, std::string_view hidden, std::string_view original)
+{
+    std::map<std::string_view, std::string_view> secrets; // by their marks
+    TEXT_PARTS known(hidden);
+    std::size_t at = 0; // in the original
+    for (TEXT_PART part{}; known.next(part);)
+    {
+        const std::size_t size = part.hidden ? hidden_part(part.text).size : part.text.size();
+        if (part.hidden)
+            secrets[part.text] = original.substr(at, size);
+        at += size;
+    }
+    std::string shown;
+    TEXT_PARTS parts(text);
+    for (TEXT_PART part{}; parts.next(part);)
+        shown += part.hidden ? secrets.at(part.text) : part.text;
+    return shown;
 }

@@ -41,12 +41,6 @@ LAYER file_layer(LAYER_KIND kind, std::shared_ptr<const INPUT_FILE> file, SECRET
     return hidden_layer(kind, std::move(file), std::move(hidden));
 }
 
-LAYER inline_layer(std::shared_ptr<const INPUT_FILE> text, SECRETS& secrets)
-{
-    std::optional<std::string> hidden = hide_in_inline_text(text->bytes, secrets);
-    return hidden_layer(LAYER_KIND::INLINE_TEXT, std::move(text), std::move(hidden));
-}
-
 // Adds the file that `find` finds, if it finds one. A file that is gone once it is opened is being replaced, or moved
 // away: what is there by now is searched for anew.
 template <typename FIND>
@@ -146,8 +140,11 @@ LAYERS load_layers(const SETTINGS_SCOPE& scope, SECRETS& secrets, INPUT_FILES& f
         files.note_absence(named);
     add_file(LAYER_KIND::APPENDED_FILE, layers, files, secrets, appended_file);
     if (const char* const text = inline_text(); text != nullptr)
-        layers.push_back(
-            inline_layer(std::make_shared<const INPUT_FILE>(INPUT_FILE{inline_source, text, {}}), secrets));
+    {
+        auto source = std::make_shared<const INPUT_FILE>(INPUT_FILE{inline_source, text, {}});
+        std::optional<std::string> hidden = hide_in_inline_text(source->bytes, secrets);
+        layers.push_back(hidden_layer(LAYER_KIND::INLINE_TEXT, std::move(source), std::move(hidden)));
+    }
     if (scope.regtest)
         add_searched(LAYER_KIND::REGTEST_FILE, true);
     return layers;
@@ -156,15 +153,6 @@ LAYERS load_layers(const SETTINGS_SCOPE& scope, SECRETS& secrets, INPUT_FILES& f
 LAYERS single_layer(const std::string& path, INPUT_FILES& files, SECRETS& secrets)
 {
     return {file_layer(LAYER_KIND::MAIN_FILE, files.read_named(path), secrets)};
-}
-
-LAYERS with_secrets_hidden(const LAYERS& layers, SECRETS& secrets)
-{
-    LAYERS hidden;
-    for (const LAYER& layer : layers)
-        hidden.push_back(is_file(layer.kind) ? file_layer(layer.kind, layer.source, secrets)
-                                             : inline_layer(layer.source, secrets));
-    return hidden;
 }
 
 bool STATEMENTS::next_item(STATEMENT& statement)

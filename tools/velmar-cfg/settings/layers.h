@@ -113,9 +113,6 @@ LAYERS load_layers(const SETTINGS_SCOPE& scope, SECRETS& secrets, INPUT_FILES& f
 // One file that the user named ("-" for standard input) as the only layer, taken for a main settings file.
 LAYERS single_layer(const std::string& path, INPUT_FILES& files, SECRETS& secrets);
 
-// The layers, in which nothing is hidden, with their secrets hidden.
-LAYERS with_secrets_hidden(const LAYERS& layers, SECRETS& secrets);
-
 // One line of a file, or one item of the inline text. The texts are valid until the walk goes on.
 struct STATEMENT
 {

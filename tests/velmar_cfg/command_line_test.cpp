@@ -55,6 +55,9 @@ TEST_F(COMMAND_LINE, an_unknown_option_is_told_with_what_may_be_meant)
     const MISTYPED rows[] = {
         {{"list", "--show-origins"},
          "there is no option '--show-origins', did you mean '--show-origin'?; see velmar-cfg list"},
+        {{"list", "--SHOW-ORIGIN"},
+         "there is no option '--SHOW-ORIGIN', did you mean '--show-origin'?; see velmar-cfg list"},
+        {{"prefs", "LIST"}, "there is no command 'LIST', did you mean 'list'?; see velmar-cfg prefs"},
         {{"list", "--colour", "never"}, "there is no option '--colour', did you mean '--color'?; see velmar-cfg list"},
         {{"list", "--colour=never"}, "there is no option '--colour', did you mean '--color'?; see velmar-cfg list"},
         {{"prefs", "set", "SHOW_MESSAGE_ID", "off", "--dryrun"},

@@ -265,7 +265,7 @@ TEST(MANUAL_PAGES_, name_every_environment_variable_that_matters)
     EXPECT_THAT(page("velmar2.ini.5"), HasSubstr(".It Ev HOME\n"));
 }
 
-// The names of findings that a source of the lint wing has: what stands behind a severity.
+// The names of findings that a source in lint/ has: what stands behind a severity.
 std::set<std::string> findings_in_source(const std::string& file)
 {
     const std::string source = read_file(LINT_SOURCES "/" + file);
@@ -348,6 +348,17 @@ TEST(MANUAL_PAGES_, say_of_findings_what_the_list_of_reasons_says)
         EXPECT_EQ(listed, meanings_in_manual(heading));
         EXPECT_TRUE(std::ranges::is_sorted(reasons, {}, [](const REASON& reason) { return std::string(reason.name); }));
     }
+}
+
+// What explain has to say besides the findings of lint.
+TEST(MANUAL_PAGES_, name_every_hint)
+{
+    const std::string source = read_file(LINT_SOURCES "/explanation.cpp");
+    static const std::regex hint(R"re(\{"([a-z-]+)",)re");
+    std::size_t hints = 0;
+    for (std::sregex_iterator found(source.begin(), source.end(), hint), end; found != end; ++found, ++hints)
+        EXPECT_THAT(page("velmar-cfg.1"), HasSubstr("\n.Dq " + (*found)[1].str() + "\n"));
+    EXPECT_EQ(hints, 3U);
 }
 
 class MANUAL_CHECKERS : public testing::TestWithParam<std::vector<std::string>>

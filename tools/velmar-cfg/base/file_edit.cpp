@@ -1,5 +1,7 @@
 #include "tools/velmar-cfg/base/file_edit.h"
 
+#include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -12,10 +14,17 @@
 
 namespace
 {
-bool is_read_only(const FILE_PLACE& place, const SEEN_FILE& file)
+// Why the file's mode, its attributes or its file system are against a change; empty when nothing is. Only the mode can
+// be passed over.
+std::string write_protection(const FILE_PLACE& place, const SEEN_FILE& file, bool replace_read_only)
 {
-    return (file.status().st_mode & S_IWUSR) == 0 ||
-           faccessat(place.directory(), place.name().c_str(), W_OK, AT_EACCESS) != 0;
+    const bool protects_from_owner = (file.status().st_mode & S_IWUSR) == 0;
+    const bool writable = faccessat(place.directory(), place.name().c_str(), W_OK, AT_EACCESS) == 0;
+    if (!writable && (errno == EROFS || errno == EPERM))
+        return std::string(std::strerror(errno)) + "; the file cannot be changed where it is";
+    if (replace_read_only || (writable && !protects_from_owner))
+        return {};
+    return "the file is read-only; --replace-read-only does it anyway";
 }
 
 // What of the file itself forbids to replace it.
@@ -24,9 +33,9 @@ std::string refusal_of(const FILE_PLACE& place, const SEEN_FILE& file, const FIL
     if (file.exists() && file.status().st_nlink > 1 && !permissions.break_hard_links)
         return place.path() + ": the file has " + std::to_string(file.status().st_nlink) +
                " names (hard links), and the others would keep the old one; --break-hard-links does it anyway";
-    if (file.exists() && !permissions.replace_read_only && is_read_only(place, file))
-        return place.path() + ": the file is read-only; --replace-read-only does it anyway";
-    return {};
+    const std::string problem =
+        file.exists() ? write_protection(place, file, permissions.replace_read_only) : std::string();
+    return problem.empty() ? problem : place.path() + ": " + problem;
 }
 
 FILE_EDIT planned(const FILE_PLACE& place, const SEEN_FILE& file, const EDIT_PLAN& plan,
@@ -67,10 +76,15 @@ FILE_EDIT edit_file(const std::string& path, const EDIT_PLAN& plan, const FILE_E
     {
         const SEEN_FILE file = read_settled_file(place, deadline);
         FILE_EDIT edit = planned(place, file, plan, permissions);
-        if (!edit.changed() || STAGED_FILE(place, file, edit.after).replace_target())
+        const REPLACEMENT replacement =
+            edit.changed() ? STAGED_FILE(place, file, edit.after).replace_target() : REPLACEMENT::DONE;
+        if (replacement == REPLACEMENT::DONE)
             return edit;
         if (std::chrono::steady_clock::now() >= deadline)
-            fail_to_write(edit.path,
-                          "another program changed it meanwhile; nothing was changed, run the command again");
+            fail_to_write(edit.path, replacement == REPLACEMENT::OPEN_FOR_WRITING
+                                         ? "another program has it open for writing; nothing was changed, run the "
+                                           "command again when that program has closed it"
+                                         : "another program changed it meanwhile; nothing was changed, run the "
+                                           "command again");
     }
 }

@@ -17,8 +17,10 @@ void add_edit_options(COMMAND& command, EDIT_OPTIONS& options, FILE_EDIT_PERMISS
                       const std::string& dry_run)
 {
     command.add_flag("--dry-run", options.dry_run, dry_run);
-    command.add_option("--wait", "SECONDS", options.seconds_to_wait,
-                       "How long to wait for another velmar-cfg, or a program that writes the file (10 by default)");
+    command.add_option(
+        "--wait", "SECONDS", options.seconds_to_wait,
+        "How long to wait for another velmar-cfg, or a program that writes the file (10 by default); with 0 only "
+        "the 50 ms after which a file just written counts as left alone");
     command.add_flag("--break-hard-links", permissions.break_hard_links,
                      "Change the file also where it has other names, which keep the old one");
     command.add_flag("--replace-read-only", permissions.replace_read_only,

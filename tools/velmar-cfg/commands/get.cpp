@@ -1,6 +1,7 @@
 // velmar-cfg get: one variable's value as one type reads it.
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
+#include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/diagnostics.h"
@@ -44,7 +45,13 @@ EXIT_CODE get(const GET_OPTIONS& options, TOOL& tool)
     const std::optional<std::string> text = value_as_text(answer.value);
     std::string remark = answer.remark;
     if (has_hidden_parts(hide_in_value(options.name, answer.text, secrets)))
-        remark = hide_in_text(hide_in_text(remark, answer.text, secrets), text.value_or(""), secrets);
+    {
+        const std::string quoted = in_single_quotes(answer.text); // as it stands there, perhaps cut short
+        remark = hide_in_text(remark, std::string_view(quoted).substr(1, quoted.size() - 2), secrets);
+        remark = hide_in_text(remark, text.value_or(""), secrets);
+    }
+    remark = hide_typed_value(
+        remark, options.name, [&secrets](std::string_view name) { return secrets.is_secret_name(name); }, secrets);
     if (!remark.empty())
         complain(remark + (answer.is_set() ? "" : advice_on(options.name)));
     if (tool.options.json)

@@ -61,9 +61,10 @@ public:
         checks.emplace_back([layers = std::move(layers)](const TAKE& take) { lint_settings(layers, take); });
     }
 
-    void add_preferences(const INPUT_FILE& file)
+    void add_preferences(std::shared_ptr<const INPUT_FILE> file)
     {
-        add(lint_preferences(file, *tool.options.scope.secrets));
+        checks.emplace_back([file = std::move(file), &secrets = *tool.options.scope.secrets](const TAKE& take)
+                            { lint_preferences(*file, secrets, take); });
     }
 
     void add(std::vector<FINDING> findings)
@@ -149,13 +150,13 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
         if (layers.empty())
             checks.add({no_settings_file()});
         checks.add_settings(std::move(layers));
-        if (const auto file = preference_file_in_use(tool.files); file != nullptr)
-            checks.add_preferences(*file);
+        if (auto file = preference_file_in_use(tool.files); file != nullptr)
+            checks.add_preferences(std::move(file));
     }
     for (const std::string& file : options.files)
     {
         if (is_preference_file(file))
-            checks.add_preferences(*tool.files.read_named(file));
+            checks.add_preferences(tool.files.read_named(file));
         else
             checks.add_settings(to_check(single_layer(file, tool.files, *tool.options.scope.secrets)));
     }
@@ -171,14 +172,14 @@ EXIT_CODE lint_only_preferences(const LINT_OPTIONS& options, TOOL& tool)
     CHECKS checks(tool);
     if (options.files.empty())
     {
-        const auto file = preference_file_in_use(tool.files);
+        auto file = preference_file_in_use(tool.files);
         if (file == nullptr)
             checks.add({no_preference_file()});
         else
-            checks.add_preferences(*file);
+            checks.add_preferences(std::move(file));
     }
     for (const std::string& file : options.files)
-        checks.add_preferences(*tool.files.read_named(file));
+        checks.add_preferences(tool.files.read_named(file));
     return checks.run(output);
 }
 

@@ -210,9 +210,11 @@ std::vector<PREFERENCE_DIFFERENCE> compare_preferences(const SNAPSHOT& a, const 
     return differences;
 }
 
-// Hosts write U+FFFD for what is no UTF-8 in a name.
-std::string as_in_run_reports(const std::string& name)
+// Version 1 has U+FFFD for what is no UTF-8 in a name.
+std::string name_in_run_report(const std::string& name, const RUN_REPORT& run)
 {
+    if (run.version != 1)
+        return name;
     using nlohmann::ordered_json;
     return ordered_json::parse(ordered_json(name).dump(-1, ' ', false, ordered_json::error_handler_t::replace))
         .get<std::string>();
@@ -283,19 +285,16 @@ SNAPSHOT_DIFFERENCES compare_snapshots(const SNAPSHOT& a, const SNAPSHOT& b)
 
 void keep_what_the_run_read(SNAPSHOT_DIFFERENCES& differences, const RUN_REPORT& run)
 {
-    const auto depends_on = [&run](const std::string& name)
-    {
-        const DEPENDENCE::KIND kind = dependence_on(as_in_run_reports(name), run).kind;
-        return kind == DEPENDENCE::KIND::READ || kind == DEPENDENCE::KIND::PERHAPS;
-    };
+    const auto dependence_of_run_on = [&run](const std::string& name)
+    { return dependence_on(name_in_run_report(name, run), run).kind; };
     std::vector<UNDECIDED_ROW> undecided = std::move(differences.undecided);
     std::erase_if(undecided, [&](const UNDECIDED_ROW& row)
-                  { return std::string_view(row.list) != "variables" || !depends_on(row.name); });
+                  { return std::string_view(row.list) != "variables" || !may_depend(dependence_of_run_on(row.name)); });
     std::vector<VARIABLE_DIFFERENCE> kept;
     for (VARIABLE_DIFFERENCE& difference : differences.variables)
     {
-        difference.dependence = dependence_on(as_in_run_reports(difference.name), run).kind;
-        if (difference.dependence == DEPENDENCE::KIND::READ || difference.dependence == DEPENDENCE::KIND::PERHAPS)
+        difference.dependence = dependence_of_run_on(difference.name);
+        if (may_depend(difference.dependence))
             kept.push_back(std::move(difference));
     }
     differences = {};

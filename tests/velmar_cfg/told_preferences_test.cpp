@@ -164,9 +164,9 @@ TEST_F(TOLD_PREFERENCES, of_another_release_differ_by_its_catalogue)
                                 "    B  on  the default\n"));
     EXPECT_THAT(told, HasSubstr("\n  CLOUD_SERVER, by the catalogue\n"
                                 "    A  no such preference\n"
-                                "    B  (empty)  not set, and there is no default\n"));
+                                "    B  \\(empty)  not set, and there is no default\n"));
     EXPECT_THAT(told, HasSubstr("\n  CLOUD_SERVICE, by the catalogue\n"
-                                "    A  (empty)  not set, and there is no default\n"
+                                "    A  \\(empty)  not set, and there is no default\n"
                                 "    B  no such preference\n"));
 }
 }

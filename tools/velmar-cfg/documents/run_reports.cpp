@@ -136,17 +136,14 @@ void read_what_version_2_adds(const JSON_NODE& root, RUN_REPORT& report, SECRETS
     report.main_file = path_of_last(LAYER_KIND::MAIN_FILE, report.sources);
     report.appended_file = path_of_last(LAYER_KIND::APPENDED_FILE, report.sources);
     report.regtest_file = path_of_last(LAYER_KIND::REGTEST_FILE, report.sources);
-    report.asked_once = read_names(root.member("asked_once"));
-    report.set_never_read = read_names(root.member("set_never_read"));
 }
 
-void read_what_is_only_in_version_1(const JSON_NODE& root, RUN_REPORT& report)
+void read_files_of_version_1(const JSON_NODE& root, RUN_REPORT& report)
 {
     const JSON_NODE files = root.member("files");
     report.main_file = files.member("main").text_or_null();
     report.appended_file = files.member("appended").text_or_null();
     report.regtest_file = files.member("regtest").text_or_null();
-    report.uncounted = read_names(root.member("uncounted"));
 }
 
 // --- Both versions ---
@@ -224,13 +221,20 @@ RUN_REPORT read_run_report(const std::string& path, SECRETS& secrets)
         report.run = report.file;
     report.release = root.member("release").text();
     if (report.version == 1)
-        read_what_is_only_in_version_1(root, report);
+        read_files_of_version_1(root, report);
     else
         read_what_version_2_adds(root, report, secrets);
     for (const JSON_NODE& row : root.member("read").elements())
         report.read.push_back(read_variable(row, report, secrets));
     for (const JSON_NODE& row : root.member("external_never_read").elements())
         report.external_never_read.push_back(read_unread_variable(row, report, secrets));
+    if (report.version == 1)
+        report.uncounted = read_names(root.member("uncounted"));
+    else
+    {
+        report.asked_once = read_names(root.member("asked_once"));
+        report.set_never_read = read_names(root.member("set_never_read"));
+    }
     std::ranges::stable_sort(report.read, std::greater<>(), &READ_VARIABLE::count);
     return report;
 }

@@ -98,6 +98,7 @@ struct CFG_RUN_REPORT_OPTIONS
     // What the caller calls the run. Any bytes.
     std::string run;
 
+    // How the run went, for readers of many reports.
     CFG_RUN_OUTCOME outcome = CFG_RUN_OUTCOME::NOT_GIVEN;
 
     // With NUMBER: the figure, in the caller's unit.

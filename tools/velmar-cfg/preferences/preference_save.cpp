@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <deque>
 #include <sstream>
+#include <utility>
 
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/preferences/preference_lines.h"
@@ -347,8 +348,8 @@ EXAMINED_LINE PREFERENCE_RECORDS::examined(const LINE& line, const std::vector<S
     const std::optional<LOSS> reason = fate_of(line, fates);
     if (!reason)
         return result;
-    LOST_LINE& loss = result.loss.emplace(LOST_LINE{
-        line.number, std::string(line.text), *reason, loses_value(line, *reason), 0, std::string(result.section), {}});
+    LOST_LINE loss{line.number, std::string(line.text),      *reason, loses_value(line, *reason),
+                   0,           std::string(result.section), {}};
     if (*reason == LOSS::SECOND_LINE)
     {
         const RECORD& first = records[line.record];
@@ -358,6 +359,7 @@ EXAMINED_LINE PREFERENCE_RECORDS::examined(const LINE& line, const std::vector<S
     }
     if (*reason == LOSS::MERGED_SECTION)
         loss.section_in_its_place = sections[header_of(line.section, fates)].name;
+    result.loss = std::move(loss);
     return result;
 }
 

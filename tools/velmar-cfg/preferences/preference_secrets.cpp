@@ -130,7 +130,8 @@ std::optional<std::string> hide_in_preference_text(std::string_view text, SECRET
     }
     if (copied == 0)
         return std::nullopt;
-    return std::move(hidden.append(text, copied));
+    hidden.append(text, copied);
+    return hidden;
 }
 
 std::string hide_in_message(std::string_view message, std::string_view text, std::string_view name,

@@ -10,7 +10,6 @@
 #include <array>
 #include <cctype>
 #include <fnmatch.h>
-#include <iterator>
 #include <limits>
 
 #include "tools/velmar-cfg/base/keyed_hash.h"
@@ -45,17 +44,22 @@ bool begins_with_word(std::string_view text, std::string_view word)
     return word.empty();
 }
 
-// By a letter in either case: the word that it begins, counted from 1; 0 for none. No two words begin alike.
-constexpr std::array<unsigned char, 256> words_by_first_letter = []
+constexpr std::array<unsigned char, 256> number_words_by_first_letter()
 {
     std::array<unsigned char, 256> words{};
-    for (unsigned char i = 0; i < std::size(secret_words); ++i)
+    unsigned char number = 0;
+    for (const std::string_view word : secret_words)
     {
-        const auto letter = static_cast<unsigned char>(secret_words[i].front());
-        words[letter] = words[static_cast<unsigned char>(letter + 'A' - 'a')] = static_cast<unsigned char>(i + 1);
+        const auto letter = static_cast<unsigned char>(word.front());
+        ++number;
+        words[letter] = number;
+        words[static_cast<unsigned char>(letter + 'A' - 'a')] = number;
     }
     return words;
-}();
+}
+
+// By a letter in either case: the word that it begins, counted from 1; 0 for none. No two words begin alike.
+constexpr std::array<unsigned char, 256> words_by_first_letter = number_words_by_first_letter();
 
 bool holds_secret_word(std::string_view text)
 {

@@ -88,7 +88,7 @@ TEST_F(LINT_FIX, goes_on_behind_a_file_that_must_not_be_changed)
     const TOOL_RUN fixed = run({"lint", "--fix", "a.ini", "b.ini", "c.ini", "nowhere.ini"});
     EXPECT_EQ(fixed.exit_code, 4);
     EXPECT_THAT(fixed.err, HasSubstr("a.ini: the file has 2 names (hard links)"));
-    EXPECT_THAT(fixed.err, HasSubstr("b.ini.lock: Is a directory\n"));
+    EXPECT_THAT(fixed.err, HasSubstr("b.ini.lock: is no file, where velmar-cfg keeps its lock; remove it\n"));
     EXPECT_THAT(fixed.err, HasSubstr("c.ini: 1 line was replaced\n"));
     EXPECT_THAT(fixed.err, HasSubstr("nowhere.ini: "));
     EXPECT_THAT(fixed.out, HasSubstr("a.ini:1:5: note: 'yes' is no boolean"));

@@ -153,6 +153,11 @@ void SETTINGS_RULES::suggest(std::vector<NOTICE>& notices, const STATEMENT& stat
     const std::optional<REASONS> after = reasons_of_text(*text, statement, standing, reasons_of(notices));
     if (!after)
         return;
+    // A text that keeps an error is not what was meant: the advice against the error says to write another.
+    if (std::ranges::any_of(
+            notices, [&after](const NOTICE& notice)
+            { return notice.finding.severity == SEVERITY::ERROR && after->contains(notice.finding.reason); }))
+        return;
     const bool is_comment = text->find(comment_sign) == text->find_first_not_of(" \t");
     for (NOTICE& notice : notices)
     {

@@ -141,6 +141,7 @@ std::unique_ptr<CLI::App> make_command_line(TOOL& tool)
     add_get_command(commands, tool);
     add_list_command(commands, tool);
     add_explain_command(commands, tool);
+    add_layers_command(commands, tool);
     add_paths_command(commands, tool);
     add_lint_command(commands, tool);
     add_prefs_command(commands, tool);

@@ -9,6 +9,7 @@
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/findings_output.h"
+#include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/lint/environment_rules.h"
 #include "tools/velmar-cfg/lint/finding.h"
@@ -21,6 +22,7 @@ namespace
 {
 struct LINT_OPTIONS
 {
+    STATE_OPTIONS state; // only of lint itself
     std::vector<std::string> files;
     bool strict = false;
 };
@@ -71,15 +73,18 @@ bool is_preference_file(const std::string& path)
 EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
 {
     CHECKS checks(tool);
+    if (options.state.of && !options.files.empty())
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "--of and files exclude each other");
     if (options.files.empty())
     {
-        LAYERS layers = load_layers(tool.options.scope, tool.files);
-        checks.add(lint_environment());
-        if (layers.empty())
-            checks.add({no_settings_file()});
-        checks.add_settings(std::move(layers));
-        if (const auto file = preference_file_in_use(tool.files); file != nullptr)
-            checks.add_preferences(*file);
+        const STATE state = state_of(options.state, {.checks = true}, tool);
+        state.require(state.findings.has_value());
+        if (!tool.options.json)
+            write_view(state, tool.out);
+        checks.add(*state.findings);
+        checks.add_settings(state.layers);
+        if (state.preference_file != nullptr)
+            checks.add_preferences(*state.preference_file);
     }
     for (const std::string& file : options.files)
     {
@@ -125,6 +130,7 @@ void add_lint_command(COMMAND app, TOOL& tool)
         "there is an error.",
         "velmar-cfg lint --strict designs/cpu/velmar.ini\n      check one file; warnings too make the exit code 1",
         [options, &tool] { return lint(*options, tool); });
+    add_state_option(command, options->state);
     add_options(command, *options, "A settings file, or a preference file when it is called velmar2.ini");
 }
 

@@ -51,9 +51,9 @@ std::string table_name(const CLI::App* command)
 std::string kind_of_placeholder(const std::string& placeholder)
 {
     static const std::map<std::string, std::string> kinds = {
-        {"A", "file"},      {"B", "file"},       {"COMMAND", "commands"}, {"DIR", "directory"},
-        {"FILE", "file"},   {"KEY", "key"},      {"NAME", "variable"},    {"PATTERN", "variable"},
-        {"REPORT", "file"}, {"SECONDS", "text"}, {"VALUE", "text"},
+        {"A", "file"},       {"B", "file"},        {"COMMAND", "commands"}, {"DIR", "directory"},    {"FILE", "file"},
+        {"KEY", "key"},      {"NAME", "variable"}, {"NAME=VALUE", "text"},  {"PATTERN", "variable"}, {"REPORT", "file"},
+        {"SECONDS", "text"}, {"STATE", "file"},    {"VALUE", "text"},
     };
     return kinds.at(placeholder);
 }
@@ -61,7 +61,7 @@ std::string kind_of_placeholder(const std::string& placeholder)
 std::string kind_of_option(CLI::Option* option)
 {
     const std::string placeholder = option->get_type_name();
-    if (placeholder == "TYPE" || placeholder == "WHEN")
+    if (placeholder == "TYPE" || placeholder == "WHEN" || placeholder == "SECTION")
         return "words:" + option->get_validator(0)->get_name();
     return kind_of_placeholder(placeholder);
 }

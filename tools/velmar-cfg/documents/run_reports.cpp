@@ -56,7 +56,17 @@ struct UNREAD_SOMEWHERE
 
 RUN_REPORT read_run_report(const std::string& path, SECRETS& secrets)
 {
-    const JSON_DOCUMENT document(path, run_report_kind);
+    const JSON_DOCUMENT document(path, {run_report_format()});
+    return run_report_in(document, path, secrets);
+}
+
+DOCUMENT_FORMAT run_report_format()
+{
+    return {run_report_kind, {}};
+}
+
+RUN_REPORT run_report_in(const JSON_DOCUMENT& document, const std::string& path, SECRETS& secrets)
+{
     const JSON_NODE root = document.root();
     const JSON_NODE files = root.member("files");
     RUN_REPORT report;

@@ -87,7 +87,7 @@ private:
 
 struct SNAPSHOT
 {
-    std::string product;
+    std::string product; // empty where it is not known
     std::string release; // the running one
     std::string project; // as given; empty for none
     bool regtest = false;
@@ -95,6 +95,10 @@ struct SNAPSHOT
     std::vector<ENVIRONMENT_VARIABLE> environment;
     SNAPSHOT_VARIABLES variables;
     std::vector<SNAPSHOT_PREFERENCE> preferences;
+
+    // What a run report says: only the release and the values of variables that were set or asked for; of any other
+    // variable it is not known whether it was set.
+    bool of_run = false;
 };
 
 #endif

@@ -280,15 +280,14 @@ TEST_F(STATES, an_origin_that_is_not_known_is_called_so)
               view_of(STATE_KIND::RUN_REPORT) +
                   "\nunknown\teffort=5\nunknown\tmax_fanout=12\nunknown\tmsg_sqlite=off\n");
     EXPECT_EQ(run({"get", "effort", "--of", "run.json", "--json"}).json(),
-              nlohmann::json::parse(R"({"name": "effort", "type": "text", "value": "5", "usable": true, "text": "5",
-                  "external": true, "layer": "unknown", "file": null, "line": null, "item": null,
-                  "view": "as run nightly had it (run.json, release 23.4)"
-})"));
+              R"json({"name": "effort", "type": "text", "value": "5", "usable": true, "text": "5",
+                      "external": true, "layer": "unknown", "file": null, "line": null, "item": null,
+                      "view": "as run nightly had it (run.json, release 23.4)"})json"_json);
     EXPECT_EQ(run({"get", "effort", "--type", "bool", "--of", "run.json"}).err,
               "velmar-cfg: 'effort' is '5': no switch (on, 1, true, off, 0, false)\n");
-EXPECT_THAT(run({"explain", "max_fanout", "--of", "run.json"}).out,
-            HasSubstr("\nmax_fanout = 12\nassignment that won, others are not known:\n"
-                      "  won   unknown  max_fanout = 12  (unknown source)\nread: 3 times\n"));
+    EXPECT_THAT(run({"explain", "max_fanout", "--of", "run.json"}).out,
+                HasSubstr("\nmax_fanout = 12\nassignment that won, others are not known:\n"
+                          "  won   unknown  max_fanout = 12  (unknown source)\nread: 3 times\n"));
 }
 
 TEST_F(STATES, a_snapshot_knows_where_its_values_stand)

@@ -100,8 +100,9 @@ TEST_F(PROCESS_STATE, takes_nothing_else_of_its_environment)
     const TOOL_RUN got = run({"snapshot", "--of", program->state()});
     EXPECT_EQ(got.exit_code, 0);
     EXPECT_EQ(got.err, ""); // the key for masks is the caller's own
+    const nlohmann::json snapshot = got.json();
     nlohmann::json set;
-    for (const nlohmann::json& row : got.json().at("environment"))
+    for (const nlohmann::json& row : snapshot.at("environment"))
         set[row.at("name").get<std::string>()] = row.at("value");
     EXPECT_EQ(set.size(), 6U);
     EXPECT_EQ(set.at("HOME"), "/nowhere");

@@ -142,7 +142,7 @@ protected:
         }
     }
 
-    const RUNNING_PROGRAM program{make_waiting_executable("opt/velmar/bin/velmar"),
+    const RUNNING_PROGRAM program{make_waiting_executable(temporary.path("cwd/opt/velmar/bin/velmar")),
                                   made_directory("project"),
                                   {"VELMAR2_INI=" + temporary.path("cwd/user"), "HOME=" + temporary.path("home")}};
 };

@@ -323,7 +323,7 @@ TEST_F(STATES, a_snapshot_of_an_older_release_may_not_know_a_preference)
               (TOOL_RUN{2, "",
                         "velmar-cfg: old.json: knows no preference HDL_PREFERENCE, which its release may not have "
                         "had\n"}));
-    EXPECT_THAT(run({"prefs", "list", "--all", "--of", "old.json"}).out, Not(HasSubstr("HDL_PREFERENCE")));
+    EXPECT_THAT(run({"prefs", "list", "--all", "--of", "old.json"}).out, Not(HasSubstr("\nHDL_PREFERENCE=")));
     EXPECT_EQ(run({"prefs", "list", "--all", "--json", "--of", "old.json"}).json().size(), 120U);
 }
 

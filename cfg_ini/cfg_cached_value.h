@@ -1,46 +1,60 @@
-// A cached switch for hot loops: an internal variable that is read once and then answers from memory, without the
-// store's lock, until the variable changes.
+// A cached variable for hot loops. It asks the store for an internal variable once. Then it answers from memory,
+// without the store's lock, until the variable changes.
 //
-//     static CFG_CACHED_VALUE<bool> trace_moves("trace_moves", false);
-//     ...
-//     if (trace_moves.get())      // two loads; asks the store only at first use and after a change
+// Example:
 //
-// What it answers. As long as nothing changes, what the store's own reader answers: CFG_CACHED_VALUE<bool> as
-// cfg_is_on(name, default), <int> as cfg_get_int_value, <unsigned int> as cfg_get_uint_value, <double> as
-// cfg_get_double_value, and <std::string> as cfg_get_value, with the default in place of an empty text.
+//     static const CFG_CACHED_VALUE<bool> trace_moves("trace_moves", false);
+//     static const CFG_CACHED_VALUE<int> max_fanout("max_fanout", 12);
+//     static const CFG_CACHED_VALUE report_dir("report_dir", "reports");   // a default of characters makes a text
 //
-// What it follows. Each store under exactly its name, and each emptying or rereading of the settings: when the
-// function that stored or emptied has returned, every get() that begins later answers from the new state. It is told
-// of the change and asks again at the next get(), so variables that nobody asks for are not read.
+//     for (int net = 0; net < 1000000; ++net)
+//     {
+//         if (trace_moves.get())                // two loads; asks the store only at first use and after a change
+//             print(report_dir.get());
+//         route(max_fanout.get());
+//     }
 //
-// What it cannot see.
-//   * A store under another letter case of the name ("Trace_Moves"): it reaches the same variable, but the library
-//     notifies exact spellings only. The old answer then stays until the next store under this spelling, or the next
-//     rereading. Settings files count as well: a later line in another letter case is not seen if a get() came between.
-//   * Within one change, what other CFG_INI_CALLBACK objects see: one that is told before this object, and asks it from
-//     within its notification, gets the old answer; and one that asks it from within reset_to_default() while settings
-//     are reread makes it keep an answer of the settings before. Ask the store's own readers there.
+// Which answer it gives. While nothing changes, it answers as the store's own reader does:
+//   CFG_CACHED_VALUE<bool>           cfg_is_on(name, default)
+//   CFG_CACHED_VALUE<int>            cfg_get_int_value(name, default)
+//   CFG_CACHED_VALUE<unsigned int>   cfg_get_uint_value(name, default)
+//   CFG_CACHED_VALUE<double>         cfg_get_double_value(name, default)
+//   CFG_CACHED_VALUE<std::string>    cfg_get_value(name), or the default if that text is empty
 //
-// What it does to the usage counts. Only a get() that asks the store counts as an access (a first get() of an unset
-// variable is not counted, as for every reader). A switch asked for a million times shows one access per change, so
-// the ranked report tells that a run asked, not how often. A get() during whose reading the variable changes (the very
-// first one too, if it is what makes the settings files be read) leaves the next get() to ask, and count, once more.
+// Which changes it follows: each store under exactly its name, and each time that the settings are emptied or reloaded.
+// When the function that stored or emptied has returned, every get() that begins later answers from the new state. A
+// change only invalidates the cached answer, and the next get() asks again. So a variable that nobody asks for is not
+// read.
 //
-// Threads. get() may be called from any thread, and from notifications but for the cases above. It takes the store's
-// lock only when it asks; the notifications only mark the answer as unknown, and nothing here waits for another thread.
-// A text that other threads copy at that moment is asked for, and counted, like an unknown one. As for every
-// CFG_INI_CALLBACK, no other thread may store the variable or reread the settings while the object is being destroyed.
+// Which changes it misses.
+// - A store under another letter case of the name, such as "Trace_Moves". That store changes the same variable, but the
+//   library notifies exact spellings only. The old answer stays until the next store under this spelling or the next
+//   reload. This also applies to settings files: a later line in another letter case is missed if a get() came between.
+// - Changes during a notification. A CFG_INI_CALLBACK object that is notified before this one, and calls get() in its
+//   notification, gets the old answer. One that calls get() in reset_to_default() during a reload makes this object
+//   keep an answer from the old settings. Use the store's own readers in notifications.
 //
-// fork. A child may ask any of these objects. One that another thread of the parent was using at that moment may ask
-// the store at each get() in the child: right, and slower. In a child that starts without a store (see the public
-// header) the objects answer as in the parent until the store itself is used, which loads the settings.
+// Usage counts. Only a get() that asks the store counts as an access; the first get() of an unset variable does not, as
+// for every reader. A switch that is asked for a million times has one access for each change. So the ranked report
+// shows that a run asked, not how often. If the variable changes while a get() asks the store, the next get() asks, and
+// counts, once more. This includes the very first get() if it loads the settings files.
 //
-// Static objects. Constructing registers the object and reads nothing, so it may be done at load, in libraries that
-// are loaded and unloaded at run time as well, in any order relative to other static objects that do not themselves
-// call get(). One that is to be asked by other static initialisers belongs in a header as an inline variable, or in a
-// function as a local static.
+// Threads. Any thread may call get(), and so may notifications, apart from the cases above. get() takes the store's
+// lock only when it asks the store. A notification only marks the answer as unknown. Nothing here waits for another
+// thread: if other threads copy a text at that moment, get() asks the store for it, and counts an access. While the
+// object is destroyed, no other thread may store the variable or reload the settings, as for every CFG_INI_CALLBACK.
 //
-// The header stands on the public one and compiles as C++17.
+// fork. A child may call get() of any of these objects. If another thread of the parent was using an object at that
+// moment, the object may ask the store at each get() in the child, which is correct but slower. If the child starts
+// without a store (see the public header), the objects answer as in the parent until the store itself is used. That use
+// loads the settings.
+//
+// Static objects. The constructor registers the object and reads nothing. So an object may be constructed at load, also
+// in libraries that are loaded and unloaded at run time. The order relative to other static objects does not matter,
+// unless these call get() themselves. If other static initialisers call get() of an object, declare it as an inline
+// variable in a header, or as a local static in a function.
+//
+// The header uses only the public one, and compiles as C++17.
 #ifndef CFG_INI_CFG_CACHED_VALUE_H
 #define CFG_INI_CFG_CACHED_VALUE_H
 
@@ -52,8 +66,16 @@
 
 #include "cfg_ini/cfg_ini.h"
 
+// Not for hosts: how the class below works.
+//
+// An object keeps the store's last answer in a cell, and one word of state. The state counts the changes of the
+// variable, and has a bit that says whether the cell holds a valid answer. get() loads the state, and if the bit is
+// set, the cell. A notification adds one change and clears the bit, which makes the answer invalid in one step. A
+// thread that asked the store sets the bit only if the count is still the one from before it asked. So no answer that
+// is older than a change becomes valid after it.
 namespace CFG_CACHED_VALUE_DETAIL
 {
+// The store's reader for each type.
 inline bool ask_store(const char* name, bool default_value)
 {
     return cfg_is_on(name, default_value);
@@ -79,14 +101,15 @@ inline std::string ask_store(const char* name, const std::string& default_value)
     return cfg_get_value_as<std::string>(name).value_or(default_value);
 }
 
-// A number that one thread writes at a time and any thread reads.
+// Storage for a number. One thread at a time writes it, and any thread reads it. A relaxed atomic is enough, because
+// the state in KEPT_ANSWER orders the accesses.
 template <typename T>
 class CELL
 {
     static_assert(std::atomic<T>::is_always_lock_free);
 
 public:
-    // Both answer whether they did it: always.
+    // Both return whether they succeeded, which a number always does.
     bool load(T& out) const
     {
         out = value.load(std::memory_order_relaxed);
@@ -103,13 +126,13 @@ private:
     std::atomic<T> value{};
 };
 
-// A text likewise, under a flag that is held while the text is copied. Nobody waits for the flag for long: the child of
-// a fork may find it taken by a thread that the child does not have, and then it stays taken.
+// The same for a text. A flag is held while the text is copied. Nobody waits long for the flag: in the child of a fork
+// it may be held by a thread that does not exist there, and then it stays held.
 template <typename TEXT>
 class TEXT_CELL
 {
 public:
-    // Both answer whether they did it: not if the flag stayed taken.
+    // Both return whether they succeeded. They fail if the flag stayed held.
     bool load(TEXT& out) const
     {
         if (!take())
@@ -138,6 +161,7 @@ private:
         }
     };
 
+    // Tries to get the flag, for about as long as another thread needs to copy a text.
     bool take() const
     {
         constexpr int tries = 200;
@@ -158,28 +182,31 @@ class CELL<std::string> : public TEXT_CELL<std::string>
 {
 };
 
-// An answer of the store, as long as it is one. Any thread may call any of it; nobody waits.
+// The cached answer, and whether it is still valid. Any thread may call any of these functions, and none waits.
+//
+// A get() that finds no valid answer takes changes(), asks the store, and passes both to keep(). If forget() was called
+// in between, the answer may be older than the change. keep() then drops it, and the next get() asks again.
 template <typename T, typename STORAGE = CELL<T>>
 class KEPT_ANSWER
 {
 public:
-    // Whether an answer is known and could be had without waiting; `answer` then becomes it, or a newer one.
+    // Whether a valid answer could be read without waiting. If so, `answer` becomes this answer or a newer one.
     bool load(T& answer) const
     {
         return (state.load(std::memory_order_acquire) & known) != 0 && cell.load(answer);
     }
 
-    // Stands for the changes so far; to be taken before the store is asked.
+    // Identifies the changes so far. Take it before asking the store.
     std::uint64_t changes() const
     {
         return state.load(std::memory_order_acquire) & ~known;
     }
 
-    // Keeps what the store answered, unless there was a change since `changes_before` was taken.
+    // Keeps the store's answer, unless there was a change since `changes_before` was taken.
     void keep(T answer, std::uint64_t changes_before)
     {
-        // One thread writes the cell at a time; the others let it go. The writer looks for changes again once it is the
-        // only one: otherwise a late writer could overwrite the answer of a newer one that is already known.
+        // One thread at a time writes the cell; the others give up. The writer tests for changes again when it is the
+        // only one. Otherwise a late writer could overwrite a newer answer that is already valid.
         if (writing.exchange(true, std::memory_order_acquire))
             return;
         if (state.load(std::memory_order_relaxed) == changes_before && cell.store(std::move(answer)))
@@ -190,7 +217,7 @@ public:
         writing.store(false, std::memory_order_release);
     }
 
-    // Counts a change: no answer is known.
+    // Counts a change: from now on no answer is valid.
     void forget()
     {
         std::uint64_t before = state.load(std::memory_order_relaxed);
@@ -201,7 +228,8 @@ public:
     }
 
 private:
-    // The number of changes, above one bit that says whether the cell answers. No number comes twice.
+    // The lowest bit says whether the cell holds a valid answer. The bits above count the changes, so no two changes
+    // share a number.
     static constexpr std::uint64_t known = 1;
     static constexpr std::uint64_t one_change = 2;
     std::atomic<std::uint64_t> state{0};
@@ -210,7 +238,8 @@ private:
 };
 }
 
-// T is bool, int, unsigned int, double or std::string. May be declared const.
+// A cached variable of type T: bool, int, unsigned int, double or std::string. The object may be const. It cannot be
+// copied or moved.
 template <typename T>
 class CFG_CACHED_VALUE final : public CFG_INI_CALLBACK
 {
@@ -219,35 +248,34 @@ class CFG_CACHED_VALUE final : public CFG_INI_CALLBACK
                   "a variable is cached as bool, int, unsigned int, double or std::string");
 
 public:
-    // Registers under exactly this spelling. The characters must outlive the object unchanged; null throws
-    // std::logic_error with the store's lock held, as for every CFG_INI_CALLBACK.
+    // Registers under exactly this spelling, and reads nothing. The characters must outlive the object unchanged. A
+    // null name throws std::logic_error and leaves the store's lock held, as for every CFG_INI_CALLBACK.
     CFG_CACHED_VALUE(const char* variable_name, T default_answer)
         : CFG_INI_CALLBACK(variable_name), name(variable_name), default_value(std::move(default_answer))
     {
     }
 
-    // The variable's value, or the default when it has none that converts to T. Throws what the store's reader throws
-    // (std::bad_alloc).
+    // The variable's value, or the default if the value does not convert to T. Throws what the store's reader throws:
+    // std::bad_alloc.
     T get() const
     {
         T answer{};
         return kept.load(answer) ? answer : ask();
     }
 
-    // Called by the store, with its lock held.
+    // For the store, which calls both with its lock held; not for hosts.
     void refresh() override
     {
         kept.forget();
     }
 
-    // Called by the store, with its lock held.
     void reset_to_default() override
     {
         kept.forget();
     }
 
 private:
-    // Out of line, so that get() stays small where it is inlined.
+    // Asks the store. Not inlined, so that get() stays small where it is.
     __attribute__((noinline)) T ask() const
     {
         const std::uint64_t changes_before = kept.changes();
@@ -261,7 +289,7 @@ private:
     mutable CFG_CACHED_VALUE_DETAIL::KEPT_ANSWER<T> kept;
 };
 
-// A default given as characters makes a text.
+// A default given as characters makes a cached std::string, so that no type has to be named.
 CFG_CACHED_VALUE(const char*, const char*)->CFG_CACHED_VALUE<std::string>;
 
 #endif

@@ -1,27 +1,36 @@
-// The configuration library's public header: the internal variable store and the user preference store.
+// The public header of the configuration library. It declares two stores, which share nothing:
 //
-// Internal variables are developer and tuning switches, read from layered velmar.ini settings, found by name without
-// regard to the case of the letters A to Z. User preferences are the choices a user keeps in velmar2.ini, validated
-// against a compiled-in catalogue and carried over between releases. The two stores share nothing.
+// - Internal variables are switches and tuning values for developers. They come from layered velmar.ini settings, and
+//   are found by name. The case of the letters A to Z is ignored.
+// - User preferences are choices that a user keeps in velmar2.ini. A compiled-in catalogue validates them, and they are
+//   carried over from release to release.
 //
-// Text is bytes; the library neither checks nor converts an encoding. Paths are POSIX paths. All strings handed in are
-// copied where they are kept, but for the name of a CFG_INI_CALLBACK. The header compiles as C++17.
+// Example:
 //
-// Threads: every function of the internal variable store may be called from any thread, at any time after load, unless
-// its comment says otherwise; none may be called from a signal handler. The user preference store takes no lock and is
-// meant for one thread at a time.
+//     if (cfg_is_on("new_router", false))                              // a variable, with a default
+//         route(cfg_get_int_value("max_fanout", 12));
+//     const std::string browser = cfg_get_user_ini_value(WEB_BROWSER); // a preference
 //
-// fork: a thread may fork at any moment outside a signal handler, also within a notification. The child can use
-// everything here. If another thread held the store's lock for longer than fork waits (some 80 ms: it was loading from
-// a pipe, or a callback had thrown), the child starts without a store and loads the settings anew. Values that the
-// program had set are gone there. Callbacks stay registered, unless that thread was registering one at that moment, and
-// are reset by the load. A host's own fork handler may take a lock under which other threads use the library if it is
-// registered once the library is loaded. See platform/thr/thr.h.
+// Text. Texts are bytes; the library neither checks nor converts an encoding. Paths are POSIX paths. The library copies
+// every string that it keeps, except the name of a CFG_INI_CALLBACK. The header compiles as C++17.
 //
-// Errors: absence is not an error (defaults, empty texts and empty optionals stand for it). A broken precondition is
-// reported through err_report_internal_error of platform/err/err.h; what follows the report stands at the function. The
-// library throws nothing of its own; std::bad_alloc, and std::logic_error for a null name, pass through. A load that
-// std::bad_alloc ends keeps what it has stored so far; load again to get the rest.
+// Threads. Any thread may call any function of the internal variable store, at any time after load, unless the
+// function's comment says otherwise. No function may be called from a signal handler. The user preference store takes
+// no lock: use it from one thread at a time.
+//
+// fork. A thread may fork at any moment outside a signal handler, even within a notification. The child can use
+// everything here. There is one case to know. If another thread holds the store's lock for longer than fork waits (some
+// 80 ms), for example while it loads from a pipe or because a callback threw, the child starts without a store. Then:
+// - the child loads the settings again when it first uses a variable, and values that the program had set are lost;
+// - callbacks stay registered, unless that thread was registering one at that moment, and the load resets them.
+//
+// A host's own fork handler may take a lock under which other threads use the library, if the handler is registered
+// after the library was loaded. See platform/thr/thr.h.
+//
+// Errors. Absence is not an error: defaults, empty texts and empty optionals stand for it. A broken precondition is
+// reported through err_report_internal_error of platform/err/err.h; the function's comment says what happens after the
+// report. The library throws nothing of its own. It lets std::bad_alloc pass, and std::logic_error for a null name. A
+// load that std::bad_alloc ends keeps what it has stored so far; load again to get the rest.
 #ifndef CFG_INI_CFG_INI_H
 #define CFG_INI_CFG_INI_H
 
@@ -41,9 +50,11 @@
 // Internal variables
 // ---------------------------------------------------------------------------------------------------------------------
 
-// The catalogued internal variables, by position. Each has a name (the enumerator's in lower case, without the prefix)
-// and a default text, "on" or "off". Any other value handed to a function that takes this type is a broken
-// precondition: it is reported and the call does not return (the process is aborted should the reporter return).
+// The catalogued internal variables, by position. Each has a name and a default text, "on" or "off". The name is that
+// of the enumerator, in lower case and without the prefix: CFG_INI_VAR_MSG_SQLITE is "msg_sqlite".
+//
+// A function that takes this type requires one of these values. It reports any other value and does not return: if the
+// reporter returns, the process is aborted.
 enum CFG_INI_VAR_ENUM : int
 {
     CFG_INI_VAR_BEGIN = 0,
@@ -82,26 +93,43 @@ enum CFG_INI_VAR_ENUM : int
 
 // --- Reading a variable ---
 //
-// Every reader first loads the settings files if that has not happened yet (see cfg_read_ini_file). Every reader counts
-// the access, but for the one that meets a name for the first time: that one leaves an empty record behind, so that the
-// usage reports see what was asked for. A text converts as follows, once, when it is stored:
-//   boolean   "on", "1", "true" and "off", "0", "false" in any letter case, nothing else, no blanks;
-//   int       an optional "-" and decimal digits, the whole text, -2147483648 to 2147483647;
-//   unsigned  decimal digits, the whole text, 0 to 4294967295.
-// A name is a std::string, or characters: a literal, an array or a pointer to a zero-terminated text, a
-// std::string_view, or an object that converts to one of these two and not to std::string. Characters answer as the
-// std::string of them does, zero bytes included, without a string being built when the variable exists. A null name, or
-// a view that is null, throws std::logic_error and reads nothing.
+// Every reader first loads the settings files if nothing has loaded them yet (see cfg_read_ini_file). Every reader
+// counts the access, with one exception: the first reader of an unknown name creates an empty record instead, so that
+// the usage reports can list the name.
+//
+// A text is converted once, when it is stored:
+//   boolean   "on", "1", "true" and "off", "0", "false" in any letter case; nothing else, and no white space;
+//   int       an optional "-" and decimal digits, and nothing else; -2147483648 to 2147483647;
+//   unsigned  decimal digits, and nothing else; 0 to 4294967295.
+//
+// A variable has no value of a type if its text does not convert to it.
+//
+// A name is a std::string or characters. Characters are a literal, an array, a pointer to a zero-terminated text, a
+// std::string_view, or an object that converts to a pointer or a view but not to std::string. A name as characters
+// gives the same answer as the std::string of these characters, zero bytes included. If the variable exists, no string
+// is built for it. A null name, or a view that is null, throws std::logic_error and reads nothing.
+//
+// Example:
+//
+//     const bool incremental = cfg_is_on("incremental", true);         // true unless the variable has a boolean value
+//     const int fanout = cfg_get_int_value("max_fanout", 12);          // 12 if it is unset, "3x" or "abc"
+//     const unsigned int seed = cfg_get_uint_value("seed", 1);         // "-1" counts as no value
+//     const double limit = cfg_get_double_value("thermal_limit", 85);  // "2.5ms" counts as 2.5
+//     const std::string banner = cfg_get_value("banner");              // empty if it is unset
+//     const bool sqlite = cfg_is_on(CFG_INI_VAR_MSG_SQLITE);           // the catalogue has the default
+//
+//     if (const std::optional<int> effort = cfg_get_value_as<int>("route_effort"))
+//         route(*effort);                                              // only if the variable is a number
 
-// The characters of a name, its length known to the compiler when the name is a literal; null for null.
+// The characters of a name. If the name is a literal, the compiler knows its length. Null gives a null view.
 inline std::string_view cfg_ini_name_view(const char* name)
 {
     return name != nullptr ? std::string_view(name) : std::string_view();
 }
 
-// A name as characters. The readers by std::string_view are declared as friends of this class and are found through an
-// argument of it alone. In sight for every call, they would compete with the forms by std::string for arguments such as
-// {"name", 2}, and make them ambiguous.
+// A name as characters; only the templates below make one. The readers that take std::string_view are friends of this
+// class, so a call finds them only if it passes an object of this class. If every call found them, a call with an
+// argument such as {"name", 2} would be ambiguous between them and the readers that take std::string.
 class CFG_INI_NAME_VIEW : public std::string_view
 {
 public:
@@ -117,7 +145,7 @@ public:
     friend std::optional<T> cfg_get_value_as(std::string_view name); // the library has the instances for each T below
 };
 
-// Whether a NAME converts, be it a constant, changeable or a temporary.
+// Whether a NAME converts to TO as a constant, as a variable or as a temporary.
 template <typename NAME, typename TO>
 constexpr bool cfg_ini_converts()
 {
@@ -125,7 +153,8 @@ constexpr bool cfg_ini_converts()
            std::is_convertible_v<NAME, TO>;
 }
 
-// Whether a NAME is a name as characters and nothing that the other forms take.
+// Whether a NAME is a name as characters that no other overload takes. An object that also converts to std::string or
+// to the enumeration belongs to that overload, so older calls keep their meaning.
 template <typename NAME>
 constexpr bool cfg_ini_is_characters()
 {
@@ -140,7 +169,8 @@ constexpr bool cfg_ini_is_characters()
 template <typename NAME>
 using CFG_INI_IF_CHARACTERS = std::enable_if_t<cfg_ini_is_characters<NAME>(), int>;
 
-// Names come by a reference to a constant: no other one can name a member of a packed structure.
+// The class for a call with this name. It takes the name as a reference to a constant because only such a reference can
+// bind to a member of a packed structure.
 template <typename NAME>
 CFG_INI_NAME_VIEW cfg_ini_name_of(const NAME& name)
 {
@@ -150,7 +180,7 @@ CFG_INI_NAME_VIEW cfg_ini_name_of(const NAME& name)
         return CFG_INI_NAME_VIEW(cfg_ini_name_view(name));
 }
 
-// The variable as a boolean, or `default_value` when it has none.
+// The variable as a boolean, or `default_value` if it has no boolean value.
 CFG_INI_API bool cfg_is_on(const std::string& name, bool default_value);
 template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
 bool cfg_is_on(const NAME& name, bool default_value)
@@ -158,7 +188,8 @@ bool cfg_is_on(const NAME& name, bool default_value)
     return cfg_is_on(cfg_ini_name_of(name), default_value);
 }
 
-// As above; the default is true exactly for a catalogued name (spelt exactly) whose default text is "on".
+// The same with a default from the catalogue: true if the name is catalogued with the default text "on", else false.
+// The catalogue is searched for exactly this spelling.
 CFG_INI_API bool cfg_is_on(const std::string& name);
 template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
 bool cfg_is_on(const NAME& name)
@@ -166,10 +197,10 @@ bool cfg_is_on(const NAME& name)
     return cfg_is_on(cfg_ini_name_of(name));
 }
 
-// The catalogued variable as a boolean, else its default text read as a boolean.
+// The catalogued variable as a boolean, or its default text as a boolean if it has no boolean value.
 CFG_INI_API bool cfg_is_on(CFG_INI_VAR_ENUM ini_enum);
 
-// The variable as a signed 32-bit integer, or `default_value` when it has none.
+// The variable as a signed 32-bit integer, or `default_value` if it has no such value.
 CFG_INI_API int cfg_get_int_value(const std::string& name, int default_value);
 template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
 int cfg_get_int_value(const NAME& name, int default_value)
@@ -177,10 +208,11 @@ int cfg_get_int_value(const NAME& name, int default_value)
     return cfg_get_int_value(cfg_ini_name_of(name), default_value);
 }
 
-// The catalogued variable as an integer, else the number its default text begins with (0 for "on" and "off").
+// The catalogued variable as an integer, or 0 if it has no such value: the number at the start of its default text, and
+// the default texts are "on" and "off".
 CFG_INI_API int cfg_get_int_value(CFG_INI_VAR_ENUM ini_enum);
 
-// The variable as an unsigned 32-bit integer, or `default_value` when it has none.
+// The variable as an unsigned 32-bit integer, or `default_value` if it has no such value.
 CFG_INI_API unsigned int cfg_get_uint_value(const std::string& name, unsigned int default_value);
 template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
 unsigned int cfg_get_uint_value(const NAME& name, unsigned int default_value)
@@ -188,7 +220,8 @@ unsigned int cfg_get_uint_value(const NAME& name, unsigned int default_value)
     return cfg_get_uint_value(cfg_ini_name_of(name), default_value);
 }
 
-// The value of cfg_get_value_as<double>, or `default_value` when the variable's text is empty.
+// The number of cfg_get_value_as<double>, or `default_value` if the variable's text is empty. A text that does not
+// start with a number gives 0.0, not the default.
 CFG_INI_API double cfg_get_double_value(const std::string& name, double default_value);
 template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
 double cfg_get_double_value(const NAME& name, double default_value)
@@ -196,8 +229,8 @@ double cfg_get_double_value(const NAME& name, double default_value)
     return cfg_get_double_value(cfg_ini_name_of(name), default_value);
 }
 
-// The variable's text as stored, quotes included; the empty text when it has none. Marks the variable as validly read
-// whatever its text, also when this very call created its record.
+// The variable's text as stored, quotes included; empty if it has none. This reader marks the variable as validly read
+// whatever its text is, even if this call created its record.
 CFG_INI_API std::string cfg_get_value(const std::string& name);
 template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
 std::string cfg_get_value(const NAME& name)
@@ -205,17 +238,17 @@ std::string cfg_get_value(const NAME& name)
     return cfg_get_value(cfg_ini_name_of(name));
 }
 
-// The catalogued variable's text; its default text when that is empty.
+// The catalogued variable's text, or its default text if that is empty.
 CFG_INI_API std::string cfg_get_value(CFG_INI_VAR_ENUM ini_enum);
 
-// The variable as a T, for T = bool, int, std::string, double and float; empty when it has no usable value.
-//   bool, int     engaged when the text converts;
-//   std::string   engaged when the text is not empty;
-//   double        engaged when the text is not empty: the number that strtod reads at its start, in the current locale.
-//                 Text left over behind the number ("2.5ms" is 2.5, "fast" is 0.0) brings a debug message, and the
-//                 variable is then not marked as validly read;
-//   float         the double, narrowed by ordinary rounding.
-// The floating forms convert at each call. There is no unsigned form.
+// The variable as a T, for T = bool, int, std::string, double and float; empty if it has no usable value:
+//   bool, int     a value if the text converts;
+//   std::string   a value if the text is not empty;
+//   double        a value if the text is not empty: the number that strtod finds at its start, in the current locale.
+//                 If text follows the number ("2.5ms" gives 2.5, "fast" gives 0.0), the library emits a debug message
+//                 and does not mark the variable as validly read;
+//   float         the double, rounded to float.
+// The floating-point forms convert at each call. There is no form for unsigned.
 template <typename T>
 std::optional<T> cfg_get_value_as(const std::string& name);
 template <typename T, typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
@@ -237,99 +270,153 @@ CFG_INI_API std::optional<float> cfg_get_value_as<float>(const std::string& name
 
 // --- Setting a variable ---
 //
-// A setter stores the text, converts it once, clears the mark of a valid read, notifies the CFG_INI_CALLBACK objects of
-// exactly this name and marks the settings as changed; it counts no access. It first loads the settings files if that
-// has not happened yet. The value lasts until the settings are reloaded. A null name or value throws std::logic_error
+// A setter first loads the settings files if nothing has loaded them yet. Then it
+// - stores the text and converts it once,
+// - clears the mark of a valid read,
+// - notifies the CFG_INI_CALLBACK objects of exactly this name, and
+// - marks the settings as changed.
+//
+// It counts no access. The value lasts until the settings are reloaded. A null name or value throws std::logic_error
 // and sets nothing.
+//
+// Example:
+//
+//     cfg_set_value("report_dir", "reports/nightly");
+//     cfg_set_int_value("max_fanout", 16);       // the text "16"
+//     cfg_set_off(CFG_INI_VAR_MSG_SQLITE);       // the text "off"
+//     cfg_process_ini_string("max_fanout=20;new_router=on", true);
 
+// Stores the text. A catalogued variable is addressed by its enumerator or by its name.
 CFG_INI_API void cfg_set_value(const std::string& name, const std::string& value);
 CFG_INI_API void cfg_set_value(CFG_INI_VAR_ENUM ini_enum, const char* value);
 
-// Stores the number in decimal.
+// Stores the number in decimal, such as "-12".
 CFG_INI_API void cfg_set_int_value(const char* name, int value);
 CFG_INI_API void cfg_set_int_value(const std::string& name, int value);
 CFG_INI_API void cfg_set_int_value(CFG_INI_VAR_ENUM ini_enum, int value);
 
-// Store "on" and "off".
+// Stores "on" or "off".
 CFG_INI_API void cfg_set_on(const std::string& name);
 CFG_INI_API void cfg_set_on(CFG_INI_VAR_ENUM ini_enum);
 CFG_INI_API void cfg_set_off(const std::string& name);
 CFG_INI_API void cfg_set_off(CFG_INI_VAR_ENUM ini_enum);
 
-// Stores every assignment of an inline text "name=value;name=value". The separator is the first ":" or ";" of the text
-// and holds for all of it. Items without "=", without a name or without a value are skipped. Blanks are removed at both
-// ends of name and value; there are no comments and no quotes. With `internal` false the variables are marked external.
+// Stores every assignment of an inline text, such as "name=value;name=value". The first ":" or ";" in the text is the
+// separator for all of it. Items without "=", without a name or without a value are skipped. Blanks at both ends of a
+// name and of a value are removed; comments and quotes have no meaning here. If `internal` is false, the variables are
+// marked as external.
 CFG_INI_API void cfg_process_ini_string(const std::string& text, bool internal);
 
-// Whether the variable's value came from the main settings file or from VELMAR_INI_VARS. Never reads the settings
-// files: false for an unknown name and before the first read. A later assignment by the program does not clear the
-// mark.
+// Whether the variable is external: its value came from the main settings file, from VELMAR_INI_VARS, or from an inline
+// text that was not internal. A later assignment by the program does not clear the mark. The function never loads the
+// settings files: it returns false for an unknown name, and before the first load.
 CFG_INI_API bool cfg_ini_is_external(const std::string& name);
 
 // --- Entry points to be looked up by symbol name ---
 //
-// They still take and throw C++ types. A null name throws std::logic_error; a null `value` makes the call do nothing.
+// Programs that load the library at run time find these functions with dlsym. The functions have C names, but they take
+// and throw C++ types. A null name throws std::logic_error. A null `value` makes the call do nothing.
+//
+// Example:
+//
+//     using IS_ON = bool (*)(const char*, bool);
+//     void* const library = dlopen("libzon_cfg_ini.so.1", RTLD_NOW);
+//     const auto is_on = reinterpret_cast<IS_ON>(dlsym(library, "cfg_dyn_is_on"));
+//     const bool new_router = is_on("new_router", false);
 
+// Answer as cfg_is_on, cfg_get_int_value and cfg_get_value do; the last two write the answer to *value.
 extern "C" CFG_INI_API bool cfg_dyn_is_on(const char* name, bool default_value);
 extern "C" CFG_INI_API void cfg_dyn_get_int_value(const char* name, int* value, int default_value);
 extern "C" CFG_INI_API void cfg_dyn_get_value(const char* name, std::string* value);
 
-// Copies the text of the variable named by *name, with its terminating zero, into `buffer`.
-// Returns 0 when copied; -1 for an empty name, with nothing read; else the text's length in bytes, with the buffer left
-// as it was, when `buffer_size` is less than that length. A buffer_size equal to the length is accepted and receives
-// length + 1 bytes: callers pass the room without the terminating zero. `ignored` is never read.
+// Copies the text of the variable *name, with its terminating zero, into `buffer`. Returns
+//   0            if the text was copied;
+//   -1           if the name is empty; nothing is read then;
+//   the length   of the text in bytes, if `buffer_size` is less than that; the buffer is left as it was.
+//
+// `buffer_size` does not count the terminating zero: if it equals the length, length + 1 bytes are written. `ignored`
+// is never read.
+//
+// Example:
+//
+//     const char* const name = "banner";
+//     char text[64];
+//     if (cfg_ini_get_value_for_zanth(nullptr, &name, text, sizeof text - 1) == 0)
+//         print(text);
 extern "C" CFG_INI_API int cfg_ini_get_value_for_zanth(void* ignored, const char* const* name, char* buffer,
                                                        unsigned int buffer_size);
 
 // --- The catalogue ---
+//
+// The catalogue holds a name and a default text for each enumerator of CFG_INI_VAR_ENUM. Names are compared exactly
+// here: the letter case counts.
+//
+// Example:
+//
+//     if (const std::optional<CFG_INI_VAR_ENUM> variable = cfg_get_ini_var_enum_from_string("msg_sqlite"))
+//         print(cfg_get_default_value(*variable));   // "on"
+//     for (const auto& [name, variable] : cfg_ini_get_string_to_id_map())
+//         print(name);                               // all names, in no particular order
 
 // The default text of a catalogued variable, "on" or "off".
 CFG_INI_API std::string cfg_get_default_value(CFG_INI_VAR_ENUM ini_enum);
 
-// Name to position, names spelt exactly; built at the first call, destroyed at process exit, never changed in between.
+// The positions of all names. The map is built at the first call and destroyed at process exit; it does not change in
+// between.
 CFG_INI_API const std::unordered_map<std::string, CFG_INI_VAR_ENUM>& cfg_ini_get_string_to_id_map();
 
-// The position of a catalogued name, spelt exactly (letter case counts); empty for any other name. A null name throws
-// std::logic_error.
+// The position of a catalogued name, or empty for any other name. A null name throws std::logic_error.
 CFG_INI_API std::optional<CFG_INI_VAR_ENUM> cfg_get_ini_var_enum_from_string(const char* name);
 
 // --- Notification of changes ---
 
-// Base of host objects that keep something derived from one internal variable. Constructing registers the object,
-// destroying it unregisters it; several objects may share a name.
+// Base class of host objects that keep something derived from one internal variable. The constructor registers the
+// object, and the destructor unregisters it. Several objects may share a name.
 //
-// Both notifications run on the thread that stored or emptied, with the store's (recursive) lock held, and may read and
-// set variables. They must not construct or destroy a CFG_INI_CALLBACK, must not empty or reload the store, and
-// refresh() must not set the variable that it is notified of. A reset_to_default() that reads a variable loads the
-// settings there and then: objects whose turn comes later are refreshed by that load first and reset afterwards.
+// Example:
 //
-// Neither notification should throw. An exception out of one passes through to the caller that stored or emptied, and
-// leaves the lock held by its thread, for good: the thread itself can go on using the store, and every other thread
-// that uses it waits for ever. Other threads wait also in exit(), which empties the store. Such a process can still end
-// in these ways:
-//   - the thread that threw calls exit() or returns from main();
-//   - any thread calls _exit(), quick_exit() or abort().
+//     class ROUTER : public CFG_INI_CALLBACK
+//     {
+//     public:
+//         ROUTER() : CFG_INI_CALLBACK("route_effort") {}
+//         void refresh() override { effort = cfg_get_int_value("route_effort", 2); }  // the lock is held: do not wait
+//         void reset_to_default() override { effort = 2; }
+//         std::atomic<int> effort = 2;
+//     };
 //
-// An object is registered before its derived part is made and until after that is gone. Construct and destroy it while
-// no other thread stores under the name, empties or reloads, or the notification may find half an object; holding a
-// lock in the derived class does not help.
+// What a notification may do. Both notifications run on the thread that stored or emptied, with the store's recursive
+// lock held. They may read and set variables. They must not construct or destroy a CFG_INI_CALLBACK, and must not empty
+// or reload the store. refresh() must not set the variable that it is notified of. If a reset_to_default() reads a
+// variable, it loads the settings there and then: that load first refreshes the objects whose turn comes later, and
+// afterwards these are reset.
+//
+// Exceptions. Neither notification should throw. An exception passes through to the caller that stored or emptied, and
+// leaves the lock held by its thread, for good. That thread can go on using the store. Every other thread that uses the
+// store waits for ever, even in exit(), which empties the store. Such a process can still end in two ways:
+// - the thread that threw calls exit() or returns from main();
+// - any thread calls _exit(), quick_exit() or abort().
+//
+// Construction and destruction. The object is registered before its derived part exists and until after that part is
+// gone. So construct and destroy it while no other thread stores under the name, empties or reloads. Otherwise the
+// notification may find half an object. A lock in the derived class does not help.
 class CFG_INI_API CFG_INI_CALLBACK
 {
 public:
-    // Registers under exactly this spelling: a store under another letter case reaches the same variable but does not
-    // notify. Only the pointer is kept: the characters must outlive the object unchanged. `name` must not be null. A
-    // null name throws std::logic_error and a lack of memory std::bad_alloc; either registers nothing and leaves the
-    // lock held, with the consequences that an exception out of a notification has.
+    // Registers under exactly this spelling. A store under another letter case changes the same variable but does not
+    // notify this object. The object keeps only the pointer, so the characters must outlive it unchanged.
+    //
+    // `name` must not be null. A null name throws std::logic_error, and a lack of memory throws std::bad_alloc. Either
+    // registers nothing and leaves the lock held, as an exception from a notification does.
     explicit CFG_INI_CALLBACK(const char* name);
     virtual ~CFG_INI_CALLBACK();
 
     CFG_INI_CALLBACK(const CFG_INI_CALLBACK&) = delete;
     CFG_INI_CALLBACK& operator=(const CFG_INI_CALLBACK&) = delete;
 
-    // Called after each store under the name, also when the text did not change.
+    // Called after each store under the name, even if the text did not change.
     virtual void refresh();
 
-    // Called for every registered object after the store has been emptied, whether or not its variable was ever set.
+    // Called for every registered object after the store has been emptied, even if its variable was never set.
     virtual void reset_to_default();
 
 private:
@@ -338,113 +425,151 @@ private:
 
 // --- Mode questions ---
 //
-// Each is answered from a variable at its first call and remembered for the life of the process; later changes of the
-// variable are not seen.
+// A mode question reads a variable at its first call and then gives the same answer for the life of the process. Later
+// changes of the variable have no effect on it.
+//
+// Example:
+//
+//     if (cfg_is_benchmarking_mode())            // asks "enable_benchmarking_mode" once
+//         print("times are measured");
+//     cfg_force_vexe_mode_off();
+//     const bool vexe = cfg_is_vexe_mode();      // false from now on, whatever the settings
+//
+//     int level = 0;
+//     cfg_check_debug_ini_values(nullptr, nullptr, &level);   // follows "debug_msg_level"
 
-// "jtag_auto_config", "jtag_server_mode" and "enable_benchmarking_mode" is on. Racing first callers may each compute
-// the answer.
+// Whether "jtag_auto_config", "jtag_server_mode" or "enable_benchmarking_mode", respectively, is on. If several threads
+// make the first call at once, each may compute the answer.
 CFG_INI_API bool cfg_jtag_auto_config();
 CFG_INI_API bool cfg_is_jtag_server_mode();
 CFG_INI_API bool cfg_is_benchmarking_mode();
 
-// On unless "disable_vexe_mode", "disable_vexe_cmd_mode", "disable_vexe_rpt_mode" is on, computed once; and off from
-// the moment cfg_force_vexe_mode_off() was called, which nothing takes back.
+// True unless "disable_vexe_mode", "disable_vexe_cmd_mode" or "disable_vexe_rpt_mode", respectively, is on; this is
+// computed once. After a call of cfg_force_vexe_mode_off() all three are false, and nothing undoes that.
 CFG_INI_API bool cfg_is_vexe_mode();
 CFG_INI_API bool cfg_is_vexe_cmd_mode();
 CFG_INI_API bool cfg_is_vexe_rpt_mode();
 CFG_INI_API void cfg_force_vexe_mode_off();
 
-// A mark that the host keeps here; the library makes no use of it.
+// A flag that the host sets and reads. The library does not use it.
 CFG_INI_API void cfg_vexe_ini_applied();
 CFG_INI_API bool cfg_is_vexe_ini_applied();
 
-// The debug-message settings: "debug_msg", "msg_debug_per_subsystem" (both off by default) and "debug_msg_level" (2 by
-// default), reread whenever a variable was stored or the store was emptied since the last call. Each pointer may be
-// null; what it points to is written after the lock was released.
+// The debug-message settings: "debug_msg" and "msg_debug_per_subsystem", both off by default, and "debug_msg_level", 2
+// by default. Unlike the mode questions they follow their variables: the call reads these again if a variable was
+// stored or the store was emptied since the last call. Each pointer may be null. The results are written after the lock
+// was released.
 CFG_INI_API void cfg_check_debug_ini_values(bool* global, bool* per_subsystem, int* global_level);
 
 // --- Settings files ---
 //
-// A text handed in is copied: a callback that runs during the call may change or free the caller's. A relative path
-// stays one, and is resolved against the current directory whenever the file is asked for or opened.
+// A load replaces the whole store. It applies the sources in a fixed order, and each overrides the ones before it: the
+// main file, the file APPENDED_VELMAR_INI, the inline assignments VELMAR_INI_VARS and, if asked for, regtest.ini. The
+// first use of a variable loads the default file, so a host needs these functions only for a project, for a regression
+// run, or to reload.
 //
-// A call to open or read a file that a signal interrupts is repeated. Another failed read is tried once more; two
-// failures in a row end the file, and the line that this cuts short is dropped.
+// Example:
 //
-// A path may name a pipe. Its writer may use the store, with two exceptions, in which the lock is held while the file
-// is opened and read, so that the writer would wait for itself and every other user of the store for the writer: the
-// main file, and all files of the first load, which the first use of a variable triggers.
+//     cfg_read_project_ini_file("designs/cpu", false);   // velmar.ini of the project
+//     cfg_read_project_ini_file("designs/cpu", true);    // the same for a regression run, with regtest.ini on top
+//     print(cfg_get_ini_file_path_name());               // the main file that was opened last
+//     cfg_close_ini_file();                              // forget it all; the next use loads again
+//
+// Paths. The functions copy a path, since a callback that runs during the call may change or free the caller's text. A
+// relative path stays relative: it is resolved against the current directory whenever the file is tested or opened.
+//
+// Failures. If a signal interrupts the opening or reading of a file, the call is repeated. Any other failed read is
+// tried once more. Two failures in a row end the file, and the line that this cuts short is dropped.
+//
+// Pipes. A path may name a pipe, and its writer may use the store. There are two exceptions: the main file, and all
+// files of the first load, which the first use of a variable triggers. The lock is held while these are opened and
+// read, so the writer would wait for itself, and every other user of the store for the writer.
 
-// Looks for velmar.ini, or for regtest.ini when `regtest` is true, in the current directory, the directory VELMAR_INI,
-// HOME, HOME/.kestrin.velmar, the module's directory and the installation's bin directory, in this order. Returns the
-// path of the first that exists; empty when there is none, or when VELMAR_INI_DISABLED is exactly "1".
+// Searches for velmar.ini, or for regtest.ini if `regtest` is true. The search tries, in this order, the current
+// directory, the directory VELMAR_INI, HOME, HOME/.kestrin.velmar, the directory of the executable, and the
+// installation's bin directory. Returns the path of the first file that exists; empty if there is none, or if
+// VELMAR_INI_DISABLED is exactly "1".
 CFG_INI_API std::string cfg_get_default_ini_file(bool regtest);
 
-// Replaces the store: drops every value, calls reset_to_default() of every CFG_INI_CALLBACK if there was a store, and
-// loads the file `path` (none when it is empty or missing). Then it applies the file APPENDED_VELMAR_INI and the inline
-// assignments VELMAR_INI_VARS on top. Other threads see the old store or the whole main file, never a part of it; the
-// sources on top become visible one assignment at a time. If another thread empties the store meanwhile, the sources
-// not yet applied are dropped, and the next use of a variable loads the settings anew.
+// Replaces the store. It drops every value, calls reset_to_default() of every CFG_INI_CALLBACK if there was a store,
+// and loads the file `path`; an empty or missing path loads nothing. Then it applies the file APPENDED_VELMAR_INI and
+// the inline assignments VELMAR_INI_VARS on top.
+//
+// Other threads see the old store or the whole main file, never a part of it. The sources on top become visible one
+// assignment at a time. If another thread empties the store meanwhile, the remaining sources are dropped, and the next
+// use of a variable loads the settings again.
 CFG_INI_API void cfg_read_ini_file(const std::string& path);
 
-// The same for the file that cfg_get_default_ini_file(false) finds. The first use of any variable does this by itself,
-// with the lock held to the end: racing first users wait, and see all sources.
+// The same for the file that cfg_get_default_ini_file(false) finds. The first use of any variable does this without a
+// call, and holds the lock to the end: threads that use a variable meanwhile wait, and then see all sources.
 CFG_INI_API void cfg_read_ini_file();
 CFG_INI_API void cfg_read_default_ini_file();
 
-// Apply the lines of `path` on top of the store, without holding the lock across the file; nothing happens when the
-// file is missing. Variables that the file creates are not external. Without a store the first form loads the settings
-// at the first assignment; the second form needs a store, and without one reports an internal error and reads nothing.
-// If another thread empties the store meanwhile, the next assignment loads the settings first.
+// Applies the lines of the file `path` on top of the store, and takes the lock for each line. Nothing happens if the
+// file is missing. Variables that the file creates are not external. If another thread empties the store meanwhile, the
+// next assignment loads the settings first.
+//
+// The two functions differ if there is no store. The first then loads the settings at the first assignment. The second
+// reports an internal error and reads nothing.
 CFG_INI_API void cfg_read_regtest_ini_file(const std::string& path);
 CFG_INI_API void cfg_read_and_append_environment_ini_file(const std::string& path);
 
-// Loads velmar.ini of the directory `proj_dirpath` (with or without a final "/"), or the default file when that
-// directory has none, as cfg_read_ini_file does; then, if `regtest`, applies regtest.ini of that directory, or else the
-// default one, on top. VELMAR_INI_DISABLED has no effect on the directory's own files. A null `proj_dirpath` is
-// reported and nothing is read.
+// Loads velmar.ini of the directory `proj_dirpath` as cfg_read_ini_file does, or the default file if the directory has
+// none. The path may end in "/". If `regtest` is true, it then applies regtest.ini of the directory on top, or the
+// default one if the directory has none. VELMAR_INI_DISABLED has no effect on the directory's own files. A null
+// `proj_dirpath` is reported, and nothing is read.
 CFG_INI_API void cfg_read_project_ini_file(const char* proj_dirpath, bool regtest);
 
-// Empties the store and calls reset_to_default() of every CFG_INI_CALLBACK; the next use of a variable reloads the
-// settings. Without a store nobody is notified. The library does this as well when it is unloaded, at the latest in
-// exit().
+// Empties the store and calls reset_to_default() of every CFG_INI_CALLBACK. The next use of a variable reloads the
+// settings. If there is no store, no object is notified. The library also does this when it is unloaded, at the latest
+// in exit().
 CFG_INI_API void cfg_close_ini_file();
 
-// The path of the last main, regression-test and appended file that was opened, cut at 1024 bytes; empty before the
-// first. Never cleared. The buffers belong to the library and must not be written or freed; reading one while another
-// thread loads settings files is a race. The spelling of the last name is what hosts link to.
+// The path of the main, regression-test or appended file that was opened last, cut at 1024 bytes. It is empty before
+// the first one, and never cleared. The buffers belong to the library: do not write or free them. A caller that reads
+// one while another thread loads settings files causes a data race. The misspelt name is the one that hosts link to.
 CFG_INI_API char* cfg_get_ini_file_path_name();
 CFG_INI_API char* cfg_get_regtest_ini_file_path_name();
 CFG_INI_API char* cfg_get_appended_envrionment_ini_file_path_name();
 
 // --- Usage reports ---
 //
-// Outputs are added to; a null output pointer makes the call do nothing more. But for the first, no report loads the
-// settings files: before the first load they come out empty.
+// The reports add to their outputs and remove nothing. If an output pointer is null, the call does nothing more. Only
+// the first report loads the settings files; before the first load the others are empty.
+//
+// Example:
+//
+//     std::vector<std::pair<std::string, std::string>> ranking;
+//     cfg_get_most_accessed(&ranking);                    // {"max_fanout", "9"}, {"place_effort", "4"}, ...
+//     std::map<std::string, std::string> used;
+//     cfg_get_used_variable_value_map(&used);             // the settings that this run depended on
+//     for (const auto& [name, value] : used)
+//         print(name + " = " + value);
 
-// Appends (name, access count in decimal) pairs, highest count first, equal counts in descending byte order of the
-// names. Lists variables with at least "cfg_min_accessed_to_report" accesses (default 0; a negative number lists
-// nothing), at most "cfg_max_to_report" of them (default 10; a negative number lists all). Reads both variables by
-// ordinary counted lookups, also when `out` is null.
+// Appends pairs of a name and its access count in decimal. The highest count comes first; equal counts are ordered by
+// name, in descending byte order. Two variables limit the list:
+//   cfg_min_accessed_to_report   the lowest count that is listed; 0 by default; a negative number lists nothing
+//   cfg_max_to_report            the length of the list; 10 by default; a negative number lists all
+// The call reads both by ordinary counted lookups, even if `out` is null.
 CFG_INI_API void cfg_get_most_accessed(std::vector<std::pair<std::string, std::string>>* out);
 
-// The variable with the highest access count, skipping names that end in "_debug_msg" or "_debug_msg_level" with
-// something before it. Returns the count; 0, with the outputs untouched, when nothing was accessed.
+// Finds the variable with the highest access count and returns the count. It skips names that end in "_debug_msg" or
+// "_debug_msg_level" with something before it. Returns 0 and leaves the outputs untouched if nothing was accessed.
 CFG_INI_API std::uint64_t cfg_get_single_most_accessed_ini(std::string& name, std::string& value);
 
-// Adds the variables, with their values, that were read, gave a usable value and are not empty.
+// Adds the names and values of the variables that were read, gave a usable value and are not empty.
 CFG_INI_API void cfg_get_used_variable_value_map(std::map<std::string, std::string>* out);
 
-// Adds the external variables, with their values, that are not empty, whether read or not.
+// Adds the names and values of the external variables that are not empty, even if nothing read them.
 CFG_INI_API void cfg_get_external_variable_value_map(std::map<std::string, std::string>* out);
 
 // ---------------------------------------------------------------------------------------------------------------------
 // User preferences
 // ---------------------------------------------------------------------------------------------------------------------
 
-// The user preferences. An enumerator's name is the key as velmar2.ini holds it, misspellings included. Numbers that
-// are skipped belong to no preference: their key and texts are empty. A number outside 0 to CFG_USER_INI_ENUMS_END is a
-// programming error that is not checked for.
+// The user preferences. The name of an enumerator is the key in velmar2.ini, misspellings included. The numbers that
+// are skipped belong to no preference; their key and texts are empty. A number outside 0 to CFG_USER_INI_ENUMS_END is a
+// programming error, and the library does not check for it.
 enum CFG_USER_INI_ENUMS : int
 {
     DISPLAY_WARNING_MESSAGES = 0,
@@ -573,49 +698,82 @@ enum CFG_USER_INI_ENUMS : int
 
 // --- The catalogue of preferences ---
 //
-// Each returns a copy of one catalogue text, empty where the preference has none.
+// Each function returns a copy of one text of the catalogue, or the empty text if the preference has none. None of them
+// reads velmar2.ini.
+//
+// Example, the rows of a settings dialog:
+//
+//     for (int number = 0; number < CFG_USER_INI_ENUMS_END; ++number)
+//     {
+//         const auto preference = static_cast<CFG_USER_INI_ENUMS>(number);
+//         const std::string key = cfg_get_name_from_enum(preference);
+//         if (!key.empty())                      // numbers that are skipped have no key
+//             print(key + ": " + cfg_get_user_ini_ini_desc(preference));
+//     }
 
-// The key, such as "USER_LIBRARIES".
+// The key, such as "USER_LIBRARIES". Both functions return the same text.
 CFG_INI_API std::string cfg_get_name_from_enum(CFG_USER_INI_ENUMS preference);
 CFG_INI_API std::string cfg_get_user_ini_ini_string(CFG_USER_INI_ENUMS preference);
 
-// One paragraph of English for a settings dialog.
+// The description for a settings dialog: one paragraph of English.
 CFG_INI_API std::string cfg_get_user_ini_ini_desc(CFG_USER_INI_ENUMS preference);
 
-// Where the preference used to live in the Windows registry: value name, branch and sub-branch (empty for all).
+// The former location of the preference in the Windows registry: value name, branch and sub-branch. The sub-branch is
+// empty for all preferences.
 CFG_INI_API std::string cfg_get_user_ini_registry_string(CFG_USER_INI_ENUMS preference);
 CFG_INI_API std::string cfg_get_user_ini_registry_branch_string(CFG_USER_INI_ENUMS preference);
 CFG_INI_API std::string cfg_get_user_ini_registry_sub_branch_string(CFG_USER_INI_ENUMS preference);
 
 // --- Reading a preference ---
 //
-// The first lookup or assignment reads velmar2.ini from the directory VELMAR2_INI, else from the user's profile
-// directory. The answer is the value in the running release's section; else, when the file has no such section at all,
-// the value of the first older release that has the key (or of the section without a release), which is then also
-// assigned for the running release; else the catalogue's default. An empty value counts as none. Names match the
-// catalogue without regard to letter case, but a value is found only under the spelling that the file uses.
+// The first lookup or assignment loads velmar2.ini from the directory VELMAR2_INI, or else from the user's profile
+// directory. A lookup takes the first of these values that is not empty:
+// - the value in the section of the running release;
+// - only if the file has no such section at all: the value of the newest older release that has the key, or of the
+//   section without a release. The lookup also assigns this value for the running release;
+// - the catalogue's default.
+//
+// A name matches the catalogue in any letter case. But a value is found only under the spelling that the file uses.
+//
+// Example:
+//
+//     const std::string browser = cfg_get_user_ini_value(WEB_BROWSER);
+//     const int processors = cfg_get_user_ini_int_value(NUM_PARALLEL_PROCESSORS);   // 0 if no number is there
+//     if (cfg_user_ini_is_on(SHOW_MESSAGE_ID, false))
+//         print(browser + " on " + std::to_string(processors));
 
-// The value, default applied; empty for an unknown name. A null name is reported and answers the empty text.
+// The value, or the catalogue's default; empty for an unknown name. A null name is reported and gives the empty text.
 CFG_INI_API std::string cfg_get_user_ini_value(CFG_USER_INI_ENUMS preference);
 CFG_INI_API std::string cfg_get_user_ini_value(const char* name);
 
-// The value read by strtol in base 10; 0 when it is empty or no number.
+// The value as strtol converts it in base 10; 0 if it is empty or does not start with a number.
 CFG_INI_API int cfg_get_user_ini_int_value(CFG_USER_INI_ENUMS preference);
 
 // True for "on" and "1", false for "off" and "0", in any letter case; `fallback` for every other value. The catalogue's
-// default goes before the fallback.
+// default comes before `fallback`: a preference with a default of "on" is on if it has no value.
 CFG_INI_API bool cfg_user_ini_is_on(CFG_USER_INI_ENUMS preference, bool fallback);
 
-// Whether the lookup, with or without the catalogue's default, gives a text that is not empty.
+// Whether a lookup gives a text that is not empty. With `use_default` false, the catalogue's default does not count.
 CFG_INI_API bool cfg_does_ini_variable_have_value(CFG_USER_INI_ENUMS preference, bool use_default);
 
 // --- Assigning a preference ---
 //
-// An assignment changes the loaded preferences only; cfg_write_user_ini_file makes it last. True when stored; false,
-// with nothing changed, for an unknown name and for a value that the catalogue does not allow (letter case does not
-// count; the value is stored as written). A null name or value is reported and answers false. An exception, such as one
-// of a host's function that takes search paths, leaves everything as it was.
+// An assignment changes only the loaded preferences; cfg_write_user_ini_file makes it last. It returns true if the
+// value was stored. It returns false and changes nothing if the name is unknown, or if the catalogue does not allow the
+// value. The letter case of a value does not count for this check, and the value is stored as it was given. A null name
+// or value is reported and gives false. If an exception passes through, such as one of the host's functions for search
+// paths, nothing has changed.
+//
+// Example:
+//
+//     if (!cfg_set_user_ini_value(HDL_PREFERENCE, "VHDL"))
+//         warn("the catalogue does not allow this value");
+//     cfg_set_user_ini_on(SHOW_MESSAGE_ID);
+//     cfg_set_user_ini_int_value(NUM_PARALLEL_PROCESSORS, 4);
+//     if (!cfg_write_user_ini_file())
+//         warn("velmar2.ini could not be opened for writing");
 
+// Stores a text. The number, "on" and "off" below are stored as texts too.
 CFG_INI_API bool cfg_set_user_ini_value(const char* name, const char* value);
 CFG_INI_API bool cfg_set_user_ini_value(CFG_USER_INI_ENUMS preference, const std::string& value);
 CFG_INI_API bool cfg_set_user_ini_int_value(CFG_USER_INI_ENUMS preference, int value);
@@ -624,12 +782,20 @@ CFG_INI_API bool cfg_set_user_ini_off(CFG_USER_INI_ENUMS preference);
 
 // --- Saving ---
 
-// Rewrites velmar2.ini in place from the loaded preferences, normalised: comments, malformed lines and empty values are
-// not kept. True when nothing was loaded (the file is then left alone) or when the file could be opened for writing;
-// later write errors are not noticed. There is no backup: a caller that cannot lose the file keeps its bytes first.
+// Rewrites velmar2.ini in place from the loaded preferences. The result is normalised: comments, malformed lines and
+// empty values are lost. Returns true if nothing was loaded, and leaves the file alone then. Otherwise returns whether
+// the file could be opened for writing. Later write errors are not reported.
+//
+// There is no backup and no temporary file. A caller that must not lose the file copies it before the call.
+//
+// Example, after which another program may change the file:
+//
+//     if (!cfg_write_and_close_user_ini_file())
+//         warn("velmar2.ini could not be opened for writing");
+//     const std::string editor = cfg_get_user_ini_value(VUI_EXTERNAL_TEXT_EDITOR);   // loads the file again
 CFG_INI_API bool cfg_write_user_ini_file();
 
-// The same, and unloads the preferences whatever the result: the next access reads the file again.
+// The same. It also unloads the preferences, whatever the result: the next access loads the file again.
 CFG_INI_API bool cfg_write_and_close_user_ini_file();
 
 #endif

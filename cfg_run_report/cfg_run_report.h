@@ -1,29 +1,71 @@
-// The run report: which internal variables a run depended on, written as JSON for velmar-cfg and for farms.
+// The run report: it lists the internal variables that a run depended on, and the origins of their values, as JSON for
+// velmar-cfg and for farms of runs.
 //
-//     if (const CFG_RUN_REPORT_RESULT result = cfg_write_run_report("run.json", "nightly/cpu"); !result.written)
+// Example, at the end of a run:
+//
+//     CFG_RUN_REPORT_OPTIONS options;
+//     options.run = "nightly/cpu";
+//     options.outcome = CFG_RUN_OUTCOME::FAIL;
+//     const CFG_RUN_REPORT_RESULT result = cfg_write_run_report("run.json", options);
+//     if (!result.written)
 //         warn(result.error);
 //
-// A library of its own beside the configuration library, over that one's public functions. Compiles as C++17.
+// "velmar-cfg run-report run.json" shows such a report. The function is in a library of its own, libzon_cfg_run_report,
+// which uses the public functions of the configuration library and its rules for lines. The header compiles as C++17.
 //
-// The document (schema "velmar-run-report", version 1; a reader refuses a higher version):
+// A report holds the values of all variables that the run met, the text of VELMAR_INI_VARS and of other inline texts as
+// they were applied, secrets included, and paths, which may name users. Who may read the file depends on the umask,
+// unless the options say otherwise. velmar-cfg hides secrets when it shows a report.
+//
+// The document (schema "velmar-run-report", version 2; a reader refuses a higher version). A text that is no UTF-8 is
+// an object instead: {"hex": "<two digits a byte>"}. Times are UTC, as in 2026-11-22T08:25:00Z.
 //
 //     schema, schema_version   the two above
-//     run                      what the caller called the run
+//     run                      the caller's name for the run
 //     release                  the running release
-//     files                    main, appended, regtest: the paths of the settings files last opened, null for none; a
-//                              path stays when a later reading finds no such file
+//     outcome                  "pass", "fail" or a number, as the caller says ("nan", "inf" or "-inf" where JSON has no
+//                              such number); null when it says nothing
+//     host, process            the machine's name, and the process's number there
+//     directory, executable    the current directory when the report is written, and the program's file; null when not
+//                              known, as below
+//     started, ended           when the process was started, and when the report was written
+//     environment              name and value of the six variables that decide what is read (VELMAR_INI, HOME,
+//                              VELMAR_INI_DISABLED, APPENDED_VELMAR_INI, VELMAR_INI_VARS, VELMAR2_INI), as they are
+//                              when the report is written; the value is null when the variable is not set
+//     sources_complete         whether the list of sources lacks none (see cfg_ini/cfg_settings_sources.h)
+//     sources                  the files and texts that were applied, in that order, each with
+//         layer                "main", "appended", "inline" or "regtest"; "program" for a text that the program applied
+//         external             whether its variables count as external
+//         path, size, modified of a file: where it is, its bytes and the time of its last change, when it was read
+//         state                of a file: "same", "changed", "gone", "unreadable", "no file" (a pipe, a device),
+//                              "directory" (which has no lines) or "partly applied". Only what is still the same, and
+//                              was applied whole, has been read again, and only such a file gives lines below.
+//         text                 of an inline text
 //     read                     the variables that were looked up, in the order of the ranked usage report, each with
 //         name                 its name as first spelt
 //         count                its counted accesses: for a variable that is unset, one less than the run asked
-//         value                its text; null when the usage reports do not tell it, because it is unset, or was set
-//                              inside the program and never gave a value of the type asked for
+//         value                its text; null when it has none, and when the usage reports do not tell it, because it
+//                              was set without being external and never gave a value of the type asked for
 //         external             whether the value came from the main settings file or from VELMAR_INI_VARS
 //         used                 whether some caller got a usable value from it
-//     external_never_read      name and value of the variables from outside that the run never looked up
-//     uncounted                the names of the others that have no counted access: unset and asked for once, or set by
-//                              the program, regtest.ini or the appended file and never read
+//         source, line, item   where the value came from: the source's index in the list, from 0, and the line of a
+//                              file or the item of a text, from 1
+//         origin               instead: "program" for a value that is not the one of the assignment that won; "unset"
+//                              for a variable without a text; "unknown" where the value or the assignments are not
+//                              known. With "program", `source` and `item` may name a text that the program applied.
+//         perhaps              of what is unknown: where else the value may have come from, sources and lines as above,
+//                              without a line for a source that could not be read again
+//         overridden           the other assignments to the variable, in the order of the sources, each with `source`,
+//                              `line` or `item`, and `value`; only if there are any
+//     external_never_read      the variables from outside that the run never looked up: name, value, and where from
+//     asked_once               the names of variables that are unset and were asked for once
+//     set_never_read           the names of those that the program, regtest.ini or the appended file set, and that were
+//                              never looked up; their values are not known
 //
-// Bytes that are no UTF-8 are replaced by U+FFFD.
+// A value that the program sets to what the winning assignment says counts as that assignment's, and one that it sets
+// to the empty text as unset.
+//
+// Version 1 said less, and lost bytes that are no UTF-8.
 #ifndef CFG_RUN_REPORT_CFG_RUN_REPORT_H
 #define CFG_RUN_REPORT_CFG_RUN_REPORT_H
 
@@ -31,29 +73,67 @@
 
 #define CFG_RUN_REPORT_API __attribute__((visibility("default")))
 
-// Whether a report was written, and if not, why.
+// Whether a report was written, and if not, why not.
 struct CFG_RUN_REPORT_RESULT
 {
-    // The whole document is in the file.
+    // True if the whole document is in the file.
     bool written;
 
-    // One line that names the file and what is wrong; empty when it was written.
+    // One line that names the file and the problem; empty if the document was written.
     std::string error;
 };
 
-// Writes the report of this process so far to the file `path`: the whole file or nothing, an existing one replaced, a
-// device or pipe written to as it is. Throws nothing.
+// How the run went, as its caller sees it.
+enum class CFG_RUN_OUTCOME : int
+{
+    NOT_GIVEN = 0,
+    PASS = 1,
+    FAIL = 2,
+    NUMBER = 3, // a figure of merit, such as a run time
+};
+
+// What a report says besides what the library knows, and who may read it.
+struct CFG_RUN_REPORT_OPTIONS
+{
+    // What the caller calls the run. Any bytes.
+    std::string run;
+
+    // How the run went, for readers of many reports.
+    CFG_RUN_OUTCOME outcome = CFG_RUN_OUTCOME::NOT_GIVEN;
+
+    // With NUMBER: the figure, in the caller's unit.
+    double number = 0;
+
+    // Nobody but the file's owner may read it, also where others may read a file that is replaced. Otherwise who may is
+    // as for the file that is replaced, or as the umask says.
+    bool only_owner_may_read = false;
+};
+
+// Writes a report of this process up to now to the file `path`. `run` is the caller's name for the run; any text will
+// do. The function writes the whole document or nothing, and replaces an existing file. It writes to a device or a pipe
+// directly. It throws nothing.
 //
-// What it does to the store. The usage reports list everything only while "cfg_min_accessed_to_report" is 0 and
-// "cfg_max_to_report" is negative, so these two are set for the moment, under these spellings, and set back to the
-// host's own texts; their external marks, and whether they count as used, come out as before. What stays changed: their
-// access counts (the report leaves its own reads out, those of earlier reports included), empty records for them if
-// they had none, and the mark that makes cfg_check_debug_ini_values read its variables once more. No other variable is
-// read or set. A process that has used no variable yet has its settings read.
+// The function works out the origins of the values when it is called. It reads again the settings files that have not
+// changed since they were applied, and no others. The rules for lines are those of the program's locale.
 //
-// Call it from one thread at a time and from no notification, best at the end of the run: other threads may use
-// variables meanwhile, but a value that they give to the two above may be lost, and their reads fall on either side.
+// Effects on the store. The usage reports are complete only while "cfg_min_accessed_to_report" is 0 and
+// "cfg_max_to_report" is negative. So the function sets these two variables, under these spellings, and afterwards sets
+// them back to the host's texts. Their external marks, and whether they count as used, are as before. These effects
+// remain:
+// - their access counts are higher; the report leaves out its own accesses, also those of earlier reports;
+// - they have empty records if they had none;
+// - cfg_check_debug_ini_values reads its variables again at its next call.
+//
+// No other variable is read or set. If the process has not used a variable yet, the function loads the settings.
+//
+// Call the function from one thread at a time and never from a notification, best at the end of the run. Other threads
+// may use variables meanwhile, but their lookups may or may not be in the report, and a value that they give to one of
+// the two variables above may be lost.
 CFG_RUN_REPORT_API CFG_RUN_REPORT_RESULT cfg_write_run_report(const std::string& path,
                                                               const std::string& run = {}) noexcept;
+
+// The same with more options.
+CFG_RUN_REPORT_API CFG_RUN_REPORT_RESULT cfg_write_run_report(const std::string& path,
+                                                              const CFG_RUN_REPORT_OPTIONS& options) noexcept;
 
 #endif

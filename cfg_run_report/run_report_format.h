@@ -3,6 +3,6 @@
 #define CFG_RUN_REPORT_RUN_REPORT_FORMAT_H
 
 inline constexpr const char* run_report_schema = "velmar-run-report";
-inline constexpr int run_report_schema_version = 1;
+inline constexpr int run_report_schema_version = 2;
 
 #endif

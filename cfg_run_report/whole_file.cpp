@@ -182,11 +182,11 @@ void WHOLE_FILE_WRITER::put_in_place()
     synchronise_directory(directory_of(target));
 }
 
-std::string write_whole_file(const std::string& path, std::string_view bytes)
+std::string write_whole_file(const std::string& path, std::string_view bytes, FILE_READERS readers)
 {
     try
     {
-        WHOLE_FILE_WRITER file(path);
+        WHOLE_FILE_WRITER file(path, readers);
         file.write(bytes);
         file.put_in_place();
         return {};

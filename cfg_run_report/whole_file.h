@@ -37,6 +37,7 @@ private:
 };
 
 // Makes `bytes` the content of the file `path` in this way. Returns the empty text, or what went wrong.
-std::string write_whole_file(const std::string& path, std::string_view bytes);
+std::string write_whole_file(const std::string& path, std::string_view bytes,
+                             FILE_READERS readers = FILE_READERS::AS_USUAL);
 
 #endif

@@ -30,7 +30,8 @@ endif()
 
 # --- Headers ---
 
-install(FILES cfg_ini/cfg_ini.h cfg_ini/cfg_cached_value.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cfg_ini COMPONENT development)
+install(FILES cfg_ini/cfg_ini.h cfg_ini/cfg_cached_value.h cfg_ini/cfg_settings_sources.h
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cfg_ini COMPONENT development)
 if(TARGET zon_cfg_run_report)
     install(FILES cfg_run_report/cfg_run_report.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cfg_run_report COMPONENT development)
@@ -41,6 +42,7 @@ foreach(service IN LISTS zon_services)
 endforeach()
 
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
+install(FILES docs/architecture.svg DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT development) # shown by README.md
 
 # --- CMake package and pkg-config files ---
 

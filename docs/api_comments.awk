@@ -3,7 +3,7 @@
 #   - a title between rules opens a chapter, and "// --- Title ---", with the comment below it, a section in it;
 #   - a comment describes every declaration up to the next blank line; a section's comment describes its declarations
 #     that have none of their own;
-#   - indented lines of a comment are set as they stand;
+#   - indented lines of a comment are set as they stand, unless they continue an item that begins with "- ";
 #   - an enumerator is described by its number.
 
 # `words` in code type, and no commands but that.
@@ -24,13 +24,15 @@ function documentation(text)
 }
 
 # Adds a line to the comment being read.
-function add_line(line)
+function add_line(line,    indented)
 {
-    if (line ~ /^  / && !preformatted)
+    in_item = line ~ /^- / || in_item && line ~ /^  [^ ]/
+    indented = line ~ /^  / && !in_item
+    if (indented && !preformatted)
         comment = comment "\\verbatim\n"
-    else if (line !~ /^  / && preformatted)
+    else if (!indented && preformatted)
         comment = comment "\\endverbatim\n"
-    preformatted = line ~ /^  /
+    preformatted = indented
     comment = comment (preformatted ? line : as_text(line)) "\n"
 }
 

@@ -176,7 +176,10 @@ int main(int argc, char** argv)
     if (arguments->run_report == nullptr)
         return 0;
 
-    const CFG_RUN_REPORT_RESULT report = cfg_write_run_report(arguments->run_report, arguments->project);
+    CFG_RUN_REPORT_OPTIONS options;
+    options.run = arguments->project;
+    options.outcome = CFG_RUN_OUTCOME::PASS;
+    const CFG_RUN_REPORT_RESULT report = cfg_write_run_report(arguments->run_report, options);
     if (!report.written)
         std::fprintf(stderr, "%s: %s\n", argv[0], report.error.c_str());
     return report.written ? 0 : 1;

@@ -44,7 +44,7 @@ std::string as_text(const RUN_REPORT& report)
     JSON_WRITER out(text);
     out.begin_object();
     out.field("schema", "velmar-run-report");
-    out.field("schema_version", 1);
+    out.field("schema_version", report.version);
     write_fields(out, report);
     out.end_object();
     out.finish();

@@ -1,4 +1,4 @@
-// A mutex of ours that no child of a fork finds taken by a thread that is not there.
+// A mutex for the services' own use. No child of a fork finds it held by a thread that does not exist there.
 #ifndef PLATFORM_HELD_DURING_FORK_H
 #define PLATFORM_HELD_DURING_FORK_H
 
@@ -8,12 +8,14 @@
 #include <pthread.h>
 #include <thread>
 
-// An object of static duration has `MUTEX` held by every thread that forks, from before the fork until after it. This
-// is for mutexes held for a few instructions only, each of which leaves whole what the mutex guards, and which call
-// nothing that a host could replace, such as an allocation. So a fork waits for next to nothing, unless another
-// thread's fork takes long; it then goes on without the mutex, and its child makes the mutex anew.
+// While an object of this class with static duration exists, every thread that forks holds `MUTEX` from before the fork
+// until after it.
 //
-// A handler of others may fork while the forking thread holds the mutex: only the outermost fork takes and releases it.
+// The mutex must be held for a few instructions only. Each of these must leave the guarded data consistent, and none
+// may call anything that a host can replace, such as an allocation. So a fork hardly waits, unless the fork of another
+// thread takes long. Then it goes on without the mutex, and its child creates the mutex anew.
+//
+// Handlers of others may fork while the forking thread holds the mutex. Only the outermost fork takes and releases it.
 template <std::mutex& MUTEX>
 class HELD_DURING_FORK
 {

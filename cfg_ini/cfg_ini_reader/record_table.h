@@ -24,6 +24,7 @@
 #include <utility>
 #include <vector>
 
+#include "cfg_ini/cfg_ini_reader/applied_sources.h"
 #include "cfg_ini/cfg_ini_reader/name_cache.h"
 #include "cfg_ini/cfg_ini_reader/name_matching.h"
 #include "cfg_ini/cfg_ini_reader/store_lock.h"
@@ -163,6 +164,9 @@ public:
         if (in_all > bucket_count())
             reserve(in_all);
     }
+
+    // What the records were loaded from; comes and goes with them.
+    APPLIED_SOURCES sources;
 
 private:
     void add_record_block()

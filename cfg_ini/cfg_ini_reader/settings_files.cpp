@@ -21,8 +21,10 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "cfg_ini/cfg_ini.h"
+#include "cfg_ini/cfg_ini_reader/applied_sources.h"
 #include "cfg_ini/cfg_ini_reader/change_callbacks.h"
 #include "cfg_ini/cfg_ini_reader/fork_recovery.h"
 #include "cfg_ini/cfg_ini_reader/ini_text.h"
@@ -67,12 +69,37 @@ enum class IF_NO_STORE
     LOAD_SETTINGS // the host does
 };
 
-// Where the assignments of a layer go.
+// What a layer is made of, and where its assignments go.
 struct LAYER
 {
-    bool external;
+    CFG_SETTINGS_SOURCE source;
     IF_NO_STORE if_no_store;
 };
+
+LAYER layer_of(CFG_SETTINGS_ROLE role, bool external, IF_NO_STORE if_no_store)
+{
+    LAYER layer{.source = {}, .if_no_store = if_no_store};
+    layer.source.role = role;
+    layer.source.external = external;
+    return layer;
+}
+
+// Notes that the layer begins, if there is a store to which it can be applied.
+void note_beginning(LAYER& layer) ZON_LOCK_HELD
+{
+    layer.source.beginning = next_moment();
+    if (store_table() != nullptr)
+        store_table()->sources.begin(layer.source);
+}
+
+void note_end(LAYER& layer, bool whole)
+{
+    const STORE_LOCK lock;
+    layer.source.end = next_moment();
+    layer.source.whole = whole;
+    if (store_table() != nullptr)
+        store_table()->sources.end(layer.source);
+}
 
 // Whether the assignment was stored. File and inline names bypass the name cache: they are mostly new, and would evict
 // those in use.
@@ -87,29 +114,35 @@ bool store_if_possible(std::string_view name, std::string_view value, bool exter
 }
 
 // Whether the layer goes on.
-bool store_in_layer(std::string_view name, std::string_view value, const LAYER& layer)
+bool store_in_layer(std::string_view name, std::string_view value, LAYER& layer)
 {
-    while (!store_if_possible(name, value, layer.external))
+    while (!store_if_possible(name, value, layer.source.external))
     {
         if (layer.if_no_store == IF_NO_STORE::END_LAYER)
             return false;
         load_settings_if_no_store();
+        // Nothing of the layer is in the new store yet.
+        const STORE_LOCK lock;
+        note_beginning(layer);
     }
     return true;
 }
 
 // Stores every assignment of the file `path`, and keeps the path in the buffer, if the file opens.
-void apply_file(const std::string& path, PATH_BUFFER& path_buffer, const LAYER& layer)
+void apply_file(const std::string& path, PATH_BUFFER& path_buffer, LAYER layer)
 {
     SETTINGS_LINES lines(path);
     if (!lines.opened())
         return;
-    const std::size_t size_hint = lines.size_hint();
+    const struct stat status = lines.status();
+    const auto size_hint = static_cast<std::size_t>(status.st_size);
+    describe_file(layer.source, path, status);
     {
         // Not held while the file is read: two threads may apply files at the same time, and one may wait for the
         // other.
         const STORE_LOCK lock;
         std::strncpy(path_buffer, path.c_str(), longest_path); // the byte behind stays zero
+        note_beginning(layer);
         if (store_table() != nullptr)
             reserve_records(std::min(size_hint / line_length_to_reserve_by, most_reserved));
     }
@@ -121,11 +154,17 @@ void apply_file(const std::string& path, PATH_BUFFER& path_buffer, const LAYER& 
             !store_in_layer(assignment.name, assignment.value, layer))
             return;
     }
+    note_end(layer, !lines.cut_short());
 }
 
-void apply_inline_text(const std::string& text, const LAYER& layer)
+void apply_inline_text(std::string text, LAYER layer)
 {
-    INLINE_TEXT items(text);
+    layer.source.text = std::move(text);
+    {
+        const STORE_LOCK lock;
+        note_beginning(layer);
+    }
+    INLINE_TEXT items(layer.source.text);
     INLINE_ITEM kind{};
     std::string name;
     std::string value;
@@ -134,23 +173,25 @@ void apply_inline_text(const std::string& text, const LAYER& layer)
         if (kind == INLINE_ITEM::ASSIGNMENT && !store_in_layer(name, value, layer))
             return;
     }
+    note_end(layer, true);
 }
 
-void apply_file_if_exists(const std::string& path, PATH_BUFFER& path_buffer, const LAYER& layer)
+void apply_file_if_exists(const std::string& path, PATH_BUFFER& path_buffer, LAYER layer)
 {
     if (FIO_FILE_SYSTEM::exists(path.c_str()))
-        apply_file(path, path_buffer, layer);
+        apply_file(path, path_buffer, std::move(layer));
 }
 
 void apply_regtest_file(const std::string& path, IF_NO_STORE if_no_store) ZON_UNCHECKED
 {
-    apply_file_if_exists(path, cfg_current_regtest_ini_path_name, {.external = false, .if_no_store = if_no_store});
+    apply_file_if_exists(path, cfg_current_regtest_ini_path_name,
+                         layer_of(CFG_SETTINGS_ROLE::REGTEST_FILE, false, if_no_store));
 }
 
 void apply_appended_file(const std::string& path, IF_NO_STORE if_no_store) ZON_UNCHECKED
 {
     apply_file_if_exists(path, cfg_current_appended_environment_ini_path_name,
-                         {.external = false, .if_no_store = if_no_store});
+                         layer_of(CFG_SETTINGS_ROLE::APPENDED_FILE, false, if_no_store));
 }
 
 // Makes a fresh store of the main settings file.
@@ -162,7 +203,7 @@ void replace_store(const std::string& path)
     start_fork_recovery();
     cfg_ini_file.store(new CFG_INI_TABLE, std::memory_order_release);
     apply_file_if_exists(path, cfg_current_velmar_ini_path_name,
-                         {.external = true, .if_no_store = IF_NO_STORE::END_LAYER});
+                         layer_of(CFG_SETTINGS_ROLE::MAIN_FILE, true, IF_NO_STORE::END_LAYER));
     lock.unlock();
 }
 }
@@ -193,7 +234,7 @@ CFG_INI_INITIALIZER::~CFG_INI_INITIALIZER()
 void cfg_process_ini_string(const std::string& text, bool internal)
 {
     // A copy: callbacks may change the caller's.
-    apply_inline_text(std::string(text), {.external = !internal, .if_no_store = IF_NO_STORE::LOAD_SETTINGS});
+    apply_inline_text(text, layer_of(CFG_SETTINGS_ROLE::PROGRAM_TEXT, !internal, IF_NO_STORE::LOAD_SETTINGS));
 }
 
 void cfg_read_ini_file(const std::string& path)
@@ -205,7 +246,7 @@ void cfg_read_ini_file(const std::string& path)
     if (const std::string appended = appended_settings_path(); !appended.empty())
         apply_appended_file(appended, IF_NO_STORE::END_LAYER);
     if (const char* const assignments = inline_settings(); assignments != nullptr)
-        apply_inline_text(assignments, {.external = true, .if_no_store = IF_NO_STORE::END_LAYER});
+        apply_inline_text(assignments, layer_of(CFG_SETTINGS_ROLE::INLINE_TEXT, true, IF_NO_STORE::END_LAYER));
 }
 
 void cfg_read_ini_file()

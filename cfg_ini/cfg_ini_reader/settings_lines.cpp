@@ -16,7 +16,6 @@
 
 #include <cerrno>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace zon_cfg
@@ -108,9 +107,11 @@ bool SETTINGS_LINES::next(std::string_view& line)
     return !divided.empty() && !failed;
 }
 
-std::size_t SETTINGS_LINES::size_hint() const
+struct stat SETTINGS_LINES::status() const
 {
-    struct stat status;
-    return ::fstat(descriptor, &status) == 0 ? static_cast<std::size_t>(status.st_size) : 0;
+    struct stat status = {};
+    if (::fstat(descriptor, &status) != 0)
+        status = {};
+    return status;
 }
 }

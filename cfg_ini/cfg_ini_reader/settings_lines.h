@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 #include <sys/types.h>
 
 namespace zon_cfg
@@ -30,9 +31,15 @@ public:
     // whole one. A line may be of any length and may hold any byte.
     bool next(std::string_view& line);
 
-    // How many bytes the file has as the system sees it, which is 0 for a pipe; 0 when it is not known. Reads nothing
-    // and waits for nobody. Only for making room: the file may grow or shrink while it is read.
-    std::size_t size_hint() const;
+    // What the system says of the open file, all zero when it says nothing. Reads nothing and waits for nobody. The
+    // file may grow or shrink while it is read.
+    struct stat status() const;
+
+    // Whether the lines have ended because reads failed.
+    bool cut_short() const
+    {
+        return failed;
+    }
 
 private:
     ssize_t read_piece();

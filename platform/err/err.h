@@ -1,14 +1,24 @@
 // Error service: where broken preconditions are reported.
 //
-// What the library expects. The reporter is called without the store's lock, unless a callback made the failing call.
-// It may return, throw or end the process: where a call cannot go on after its report (an enumeration out of range),
-// the library aborts if the reporter returns; everywhere else it takes the safe course that its own declaration states.
-// The texts are constants of the library.
+// What the library expects. The library calls the reporter without the store's lock, unless a callback made the failing
+// call. The reporter may return, throw or end the process. If it returns, it depends on the call what follows: where
+// the call cannot go on (an enumerator out of range), the library aborts; everywhere else it does what the comment of
+// the function states. The texts are constants of the library.
+//
+// The default writes one line to standard error and returns.
+//
+// Example of an implementation, which turns a report into an exception:
+//
+//     void err_report_internal_error(const char* condition, const char* module, const char* source_file, int line)
+//     {
+//         throw std::logic_error(std::string(module) + ": " + condition + ", " + source_file + ":" +
+//                                std::to_string(line));
+//     }
 #ifndef PLATFORM_ERR_ERR_H
 #define PLATFORM_ERR_ERR_H
 
-// `condition` is the text of what should have held, `module` the module tag ("CFG_INI"), `source_file` and `line` name
-// the check.
+// Reports that a precondition does not hold. `condition` is the text of the condition, and `module` the module tag
+// ("CFG_INI"). `source_file` and `line` name the check.
 void err_report_internal_error(const char* condition, const char* module, const char* source_file, int line);
 
 #endif

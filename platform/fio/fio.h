@@ -1,8 +1,29 @@
-// File service: paths and the questions that the library asks of the file system.
+// File service: paths, and what the library asks the file system.
 //
-// What the library expects. Questions about the file system answer false, or empty, on any failure; they may throw
-// std::bad_alloc only. FIO_FILE_SYSTEM::exists is called with the store's lock held while the main settings file is
-// being read, and throughout a first load; it must not wait for a thread that uses the store. Paths are bytes.
+// What the library expects. The functions of FIO_FILE_SYSTEM return false, or an empty text, after any failure. They
+// may throw std::bad_alloc and nothing else. FIO_FILE_SYSTEM::exists and, for a relative path, get_current_directory
+// are called with the store's lock held while the main settings file is read, and during a whole first load. So they
+// must not wait for a thread that uses the store. Paths are bytes.
+//
+// The library opens and reads files itself. This service joins paths and answers questions about them.
+//
+// Example, the path of a settings file:
+//
+//     FIO_PATH path;
+//     path.directory("/home/user");
+//     path.base("velmar");
+//     path.extension("ini", "");
+//     print(path.fullpath());                 // "/home/user/velmar.ini"
+//     if (FIO_FILE_SYSTEM::exists(path))
+//         cfg_read_ini_file(path);
+//
+// Example of an implementation, which hides every file below one directory:
+//
+//     bool FIO_FILE_SYSTEM::exists(const char* path)
+//     {
+//         struct stat status;
+//         return std::string_view(path).substr(0, 9) != "/hidden/" && stat(path, &status) == 0;
+//     }
 #ifndef PLATFORM_FIO_FIO_H
 #define PLATFORM_FIO_FIO_H
 
@@ -10,35 +31,37 @@
 
 struct stat;
 
-// A path in two pieces: a directory, and a file name that is a base name and an extension. A path made from a text
-// gives the same text back.
+// A path in two parts: a directory and a file name. The file name consists of a base name and an extension, separated
+// by the last ".". A path that is made from a text gives the same text back. Any thread may use an object of its own.
 class FIO_PATH
 {
 public:
-    // No directory and no file name; what stands behind the last "/" of a text is its file name.
+    // An empty path, or the path of a text. The part behind the last "/" of the text is the file name: "/a/b.ini" has
+    // the directory "/a/", the base name "b" and the extension "ini".
     FIO_PATH();
     FIO_PATH(const char* path); // NOLINT(google-explicit-constructor): hosts pass texts where a path is wanted
     FIO_PATH& operator=(const std::string& path);
 
-    // Sets the file name, directory kept.
+    // Replaces the file name, and keeps the directory: "/a/b.ini" becomes "/a/c.txt" for "c.txt".
     void filename(const std::string& name);
 
-    // Sets the directory, with or without a final "/"; file name kept.
+    // Replaces the directory, and keeps the file name. The directory may end in "/" or not.
     void directory(const std::string& dir);
 
-    // Sets what stands before the last "." of the file name, or the whole name when it has no ".".
+    // Replaces the base name, and keeps the extension: "/a/b.ini" becomes "/a/c.ini" for "c". A file name without a "."
+    // is replaced as a whole.
     void base(const std::string& name);
 
-    // Sets the extension (given without its "."); `other` is used when `ext` is empty. With both empty the file name
-    // loses its extension.
+    // Replaces the extension, which is given without its ".": "/a/b.ini" becomes "/a/b.txt" for "txt". If `ext` is
+    // empty, `other` is taken instead. If both are empty, the file name loses its extension.
     void extension(const std::string& ext, const std::string& other);
 
-    // Directory and file name, joined by "/" where the directory does not end in one.
+    // The directory and the file name, with a "/" between them unless the directory is empty or ends in one.
     std::string fullpath() const;
 
-    // The full path.
+    // The same as fullpath(). The characters are valid until the object next changes.
     operator std::string() const; // NOLINT(google-explicit-constructor): part of the service's interface
-    operator const char*() const; // NOLINT(google-explicit-constructor): valid until the object next changes
+    operator const char*() const; // NOLINT(google-explicit-constructor): part of the service's interface
 
 private:
     void join();
@@ -48,18 +71,21 @@ private:
     std::string full;
 };
 
-// What the library asks of the file system.
+// The questions that the library asks about the file system. Any thread may call them. The answer may be out of date
+// when the caller gets it, since other processes change files: the library then handles the failure to open the file.
 class FIO_FILE_SYSTEM
 {
 public:
-    // Whether something, a directory included, stands at the path (links followed).
+    // Whether the path exists: a file, a directory or anything else. Symbolic links are followed, so a link to nothing
+    // does not exist.
     static bool exists(const FIO_PATH& path);
     static bool exists(const char* path);
 
-    // Fills `result` with what stat(2) says of the path; false, with `result` unspecified, when it says nothing.
+    // Calls stat(2) for the path and writes its result to `result`. Returns false if the call fails; `result` is then
+    // unspecified.
     static bool status(const char* path, struct stat* result);
 
-    // The process's current directory, without a final "/" but for the root; empty when it is not known.
+    // The current directory of the process; empty if it is not known. Only the root directory ends in "/".
     static std::string get_current_directory();
 };
 

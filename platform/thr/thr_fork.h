@@ -6,14 +6,14 @@ struct THR_MUTEX;
 
 namespace zon_thr
 {
-// Sees to it that the fork handlers are registered. Throws std::bad_alloc.
+// Registers the fork handlers unless they are registered. Throws std::bad_alloc.
 [[gnu::visibility("hidden")]] void protect_from_forks();
 
 // Adds a new mutex to those that the fork handlers know.
 [[gnu::visibility("hidden")]] void enlist(THR_MUTEX& mutex);
 
-// Where the calling thread is in a child whose fork handler has yet to run, as that of a library which registered its
-// own before: frees now what the handler would.
+// For a thread in a child of fork in which our handler has not run yet. A library that registered a handler earlier
+// runs there before us, for example. Frees now what our handler would free; does nothing anywhere else.
 [[gnu::visibility("hidden")]] void settle_if_forked();
 }
 

@@ -1,4 +1,4 @@
-// What a default mutex consists of, and the identity of a thread that it keeps. thr_mutex.cpp explains how they work.
+// The data of a default mutex, and the identity that stands for a thread in it. thr_mutex.cpp explains the algorithm.
 #ifndef PLATFORM_THR_THR_MUTEX_STATE_H
 #define PLATFORM_THR_THR_MUTEX_STATE_H
 
@@ -11,13 +11,14 @@ struct timespec;
 
 namespace zon_thr
 {
+// A mutex is one word: free_word, or the identity of the owner. `sleepers` is added to it while other threads sleep.
 using WORD = std::uint64_t;
 constexpr WORD free_word = 0;
 constexpr WORD sleepers = 1;
 
-// Even and never given twice in a process; 0 until the thread first locks. It has no destructor, so that destructors of
-// other objects of an ending thread can still lock. It takes eight bytes of what the C library reserves for libraries
-// that are loaded late, and is read without a call.
+// The identity of the calling thread: even, and never used twice in a process; 0 until the thread first locks. It has
+// no destructor, so the destructors of other objects of an ending thread can still lock. It takes eight bytes of the
+// space that the C library reserves for libraries that are loaded late, so reading it needs no call.
 [[gnu::tls_model("initial-exec"), gnu::visibility("hidden")]] extern constinit thread_local WORD identity;
 }
 
@@ -31,7 +32,7 @@ struct THR_MUTEX
 
     // --- The fork handlers' ---
     std::atomic<void (*)()> lost = nullptr; // the function for thr_mutex_call_if_lost
-    THR_MUTEX* next_older = nullptr;        // of all mutexes; written before the mutex can be found there
+    THR_MUTEX* next_older = nullptr;        // in the list of all mutexes; written before the mutex is added to it
 
     // Whether the calling thread holds the mutex.
     bool is_own() const
@@ -45,7 +46,7 @@ struct THR_MUTEX
         zon_thr::WORD seen = zon_thr::free_word;
         if (self == 0 || !word.compare_exchange_strong(seen, self, std::memory_order_acquire,
                                                        std::memory_order_relaxed)) [[unlikely]] // (1)
-            lock_slowly(); // a jump, where a caller of lock() has nothing else to do
+            lock_slowly(); // compiles to a jump if the caller of lock() does nothing after it
     }
 
     void unlock()
@@ -56,11 +57,11 @@ struct THR_MUTEX
             set_free();
     }
 
-    // Locks for a thread that may have no identity yet, may be the owner, and may have to wait: until the deadline, by
-    // CLOCK_MONOTONIC, if there is one. Whether it locked.
+    // Locks in all cases: the thread may have no identity yet, may be the owner, and may have to wait. It waits until
+    // the deadline on CLOCK_MONOTONIC, or without a limit if there is none. Returns whether it locked.
     [[gnu::visibility("hidden")]] bool lock_slowly(const timespec* deadline = nullptr);
 
-    // Whoever holds the mutex.
+    // Releases the mutex completely, whoever holds it.
     void set_free()
     {
         if ((word.exchange(zon_thr::free_word, std::memory_order_release) & zon_thr::sleepers) != 0) [[unlikely]] // (3)

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "cfg_ini/cfg_ini_reader/settings_lines.h"
+#include "cfg_ini/cfg_settings_sources.h"
 #include "tests/support/every_fault.h"
 #include "tests/support/failing_files.h"
 #include "tests/support/store_test.h"
@@ -303,13 +304,52 @@ TEST_F(SETTINGS_FAULTS_TEST, a_current_directory_that_vanished_is_no_candidate)
     EXPECT_EQ(cfg_get_value("first"), "main");
 }
 
+// --- The list of sources ---
+
+std::vector<CFG_SETTINGS_SOURCE> sources_after(const std::string& path)
+{
+    cfg_read_ini_file(path);
+    return cfg_get_settings_sources().applied;
+}
+
+TEST_F(SETTINGS_FAULTS_TEST, a_file_that_vanishes_before_it_is_opened_is_no_source)
+{
+    const FILE_FAULT vanishing(FILE_CALL::OPEN, 1, [this] { std::filesystem::remove(main_file); });
+    environment.unset("APPENDED_VELMAR_INI");
+    environment.unset("VELMAR_INI_VARS");
+    EXPECT_TRUE(sources_after(main_file).empty());
+    EXPECT_TRUE(vanishing.was_reached());
+}
+
+TEST_F(SETTINGS_FAULTS_TEST, a_file_whose_reads_fail_is_a_source_that_is_not_whole)
+{
+    const FILE_FAULT failing(FILE_CALL::READ, 1, std::vector<int>{EIO, EIO});
+    const std::vector<CFG_SETTINGS_SOURCE> sources = sources_after(main_file);
+    ASSERT_FALSE(sources.empty());
+    EXPECT_EQ(sources[0].path, main_file);
+    EXPECT_FALSE(sources[0].whole);
+    EXPECT_GT(sources[0].end, sources[0].beginning);
+}
+
+TEST_F(SETTINGS_FAULTS_TEST, a_file_that_the_system_says_nothing_of_is_a_source_without_identity)
+{
+    const FILE_FAULT failing(FILE_CALL::SIZE, 1, std::vector<int>{EIO});
+    const std::vector<CFG_SETTINGS_SOURCE> sources = sources_after(main_file);
+    ASSERT_FALSE(sources.empty());
+    EXPECT_EQ(sources[0].path, main_file);
+    EXPECT_TRUE(sources[0].whole);
+    EXPECT_EQ(sources[0].inode, 0U);
+    EXPECT_EQ(sources[0].mode, 0U);
+    EXPECT_EQ(sources[0].modified_seconds, 0);
+}
+
 // --- A file that does not open, by itself ---
 
 TEST_F(SETTINGS_FAULTS_TEST, the_lines_of_a_file_that_did_not_open_are_none)
 {
     SETTINGS_LINES lines(temporary.path("missing"));
     EXPECT_FALSE(lines.opened());
-    EXPECT_EQ(lines.size_hint(), 0U);
+    EXPECT_EQ(lines.status().st_size, 0);
     std::string_view line;
     EXPECT_FALSE(lines.next(line));
 }

@@ -15,6 +15,7 @@
 #include "cfg_ini/cfg_cached_value.h"
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "cfg_ini/cfg_settings_sources.h"
 #include "tests/platform/thread_conditions.h"
 #include "tests/support/isolated_test.h"
 #include "tests/support/threads.h"
@@ -77,6 +78,7 @@ protected:
     {
         CHECK_IN_CHILD(cfg_get_int_value("number", 0) == 5);
         CHECK_IN_CHILD(cfg_get_value("text") == "some value that is not short");
+        CHECK_IN_CHILD(!cfg_get_settings_sources().applied.empty());
         CHECK_IN_CHILD(!cfg_is_on("never_set", false));
         cfg_set_value("number", "6");
         CHECK_IN_CHILD(cfg_get_int_value("NUMBER", 0) == 6);

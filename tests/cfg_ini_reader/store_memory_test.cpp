@@ -8,6 +8,7 @@
 
 #include "cfg_ini/cfg_ini_reader/change_callbacks.h"
 #include "cfg_ini/cfg_ini_reader/store_primitives.h"
+#include "cfg_ini/cfg_settings_sources.h"
 #include "tests/support/failing_memory.h"
 #include "tests/support/store_test.h"
 
@@ -38,16 +39,19 @@ protected:
 
     // After each failure the lock is free, messages are not silenced, and the records are whole.
     static void fail_at_every_allocation(const std::function<void()>& prepare, const std::function<void()>& action,
-                                         const std::function<void()>& check)
+                                         const std::function<void()>& check,
+                                         WITHOUT_MEMORY expected = WITHOUT_MEMORY::THROWS)
     {
-        ::fail_at_every_allocation(prepare, action,
-                                   [&](bool)
-                                   {
-                                       EXPECT_EQ(fake::thr::depth(), 0);
-                                       EXPECT_EQ(fake::mem::silencing_scopes(), 0);
-                                       expect_whole_records();
-                                       check();
-                                   });
+        ::fail_at_every_allocation(
+            prepare, action,
+            [&](bool)
+            {
+                EXPECT_EQ(fake::thr::depth(), 0);
+                EXPECT_EQ(fake::mem::silencing_scopes(), 0);
+                expect_whole_records();
+                check();
+            },
+            expected);
     }
 };
 
@@ -280,6 +284,42 @@ TEST_F(STORE_MEMORY_TEST, a_long_file_that_is_applied_again_adds_nothing)
     EXPECT_EQ(live_bytes(), bytes);
 }
 
+TEST_F(STORE_MEMORY_TEST, different_sources_that_are_applied_one_after_the_other_take_no_more_and_more_memory)
+{
+    make_empty_store();
+    const std::string path = temporary.path("changing.ini");
+    const auto apply = [&path](int number)
+    {
+        // A file of another size each time, and another text.
+        write_file(path, "variable = 12\n" + std::string(static_cast<std::size_t>(number), '#'));
+        apply_again(path);
+        cfg_process_ini_string("another = " + std::to_string(100'000 + number), true);
+        fake::reset();
+    };
+    for (int number = 0; number < 300; ++number)
+        apply(number);
+    // Not the bytes: the heap may hand out larger pieces than it was asked for.
+    const long allocations = live_allocations();
+    for (int number = 300; number < 1'000; ++number)
+        apply(number);
+    EXPECT_EQ(live_allocations(), allocations);
+}
+
+TEST_F(STORE_MEMORY_TEST, the_same_text_that_is_applied_again_adds_nothing)
+{
+    make_empty_store();
+    const auto apply = []
+    {
+        cfg_process_ini_string("one = 12; two = 12; three = 12; four = 12", false);
+        fake::reset();
+    };
+    apply();
+    const long bytes = live_bytes();
+    for (int time = 0; time < 10'000; ++time)
+        apply();
+    EXPECT_EQ(live_bytes(), bytes);
+}
+
 TEST_F(STORE_MEMORY_TEST, arrays_of_buckets_come_back_when_the_table_grows)
 {
     make_empty_store();
@@ -427,7 +467,7 @@ TEST_F(STORE_MEMORY_TEST, a_failed_inline_text_leaves_whole_records)
 {
     const std::string text = long_name + "=" + long_value + ";" + other_name + "=12";
     fail_at_every_allocation(
-        make_empty_store, [&] { cfg_process_ini_string(text, false); }, [] {});
+        make_empty_store, [&] { cfg_process_ini_string(text, false); }, [] {}, WITHOUT_MEMORY::THROWS_OR_GOES_ON);
     EXPECT_EQ(all_values(), (ASSIGNMENTS{{long_name, long_value}, {other_name, "12"}}));
 }
 
@@ -439,7 +479,7 @@ TEST_F(STORE_MEMORY_TEST, a_failed_reading_leaves_whole_records_and_can_be_repea
     environment.set("VELMAR_INI_VARS", "inline_variable_of_a_long_name=12");
     const std::string path = temporary.path("velmar.ini");
     fail_at_every_allocation(
-        cfg_close_ini_file, [&] { cfg_read_ini_file(path); }, [] {});
+        cfg_close_ini_file, [&] { cfg_read_ini_file(path); }, [] {}, WITHOUT_MEMORY::THROWS_OR_GOES_ON);
     EXPECT_EQ(all_values(), (ASSIGNMENTS{{long_name, long_value},
                                          {other_name, "12"},
                                          {"appended_variable_of_a_long_name", "12"},
@@ -452,7 +492,8 @@ TEST_F(STORE_MEMORY_TEST, a_failed_project_reading_leaves_whole_records_and_can_
     write_file(temporary.path("project/regtest.ini"), long_name + " = " + long_value + "\n");
     const std::string project = temporary.path("project");
     fail_at_every_allocation(
-        cfg_close_ini_file, [&] { cfg_read_project_ini_file(project.c_str(), true); }, [] {});
+        cfg_close_ini_file, [&] { cfg_read_project_ini_file(project.c_str(), true); }, [] {},
+        WITHOUT_MEMORY::THROWS_OR_GOES_ON);
     EXPECT_EQ(all_values(), (ASSIGNMENTS{{long_name, long_value}}));
 }
 
@@ -461,8 +502,59 @@ TEST_F(STORE_MEMORY_TEST, a_failed_first_use_leaves_whole_records_and_can_be_rep
     write_file(temporary.path("cwd/velmar.ini"), long_name + " = 12\n");
     int answer = 0;
     fail_at_every_allocation(
-        cfg_close_ini_file, [&] { answer = cfg_get_int_value(long_name, 0); }, [] {});
+        cfg_close_ini_file, [&] { answer = cfg_get_int_value(long_name, 0); }, [] {},
+        WITHOUT_MEMORY::THROWS_OR_GOES_ON);
     EXPECT_EQ(answer, 12);
+}
+
+// The note alone is lost, and that is told.
+TEST_F(STORE_MEMORY_TEST, a_load_goes_on_without_memory_to_note_its_sources)
+{
+    write_file(temporary.path("project/velmar.ini"), "main = 12\n");
+    write_file(temporary.path("project/regtest.ini"), "regtest = 12\n");
+    write_file(temporary.path("cwd/a file with a long relative path.ini"), "appended = 12\n");
+    environment.set("APPENDED_VELMAR_INI", "a file with a long relative path.ini");
+    environment.set("VELMAR_INI_VARS", "inline_variable_of_a_long_name=12");
+    const std::string project = temporary.path("project");
+    bool whole = false;
+    bool one_missed = false;
+    fail_at_every_allocation(
+        [&]
+        {
+            cfg_close_ini_file();
+            whole = false;
+        },
+        [&]
+        {
+            cfg_read_project_ini_file(project.c_str(), true);
+            whole = true;
+        },
+        [&]
+        {
+            if (!whole)
+                return;
+            EXPECT_EQ(all_values().size(), 4U);
+            const CFG_SETTINGS_SOURCES sources = cfg_get_settings_sources();
+            EXPECT_TRUE(sources.applied.size() == 4 || (sources.applied.size() == 3 && sources.lost_until != 0));
+            for (const CFG_SETTINGS_SOURCE& source : sources.applied)
+                EXPECT_TRUE(source.whole);
+            one_missed = one_missed || sources.applied.size() == 3;
+        },
+        WITHOUT_MEMORY::THROWS_OR_GOES_ON);
+    EXPECT_TRUE(one_missed);
+    EXPECT_EQ(cfg_get_settings_sources().lost_until, 0U) << "the last load had memory enough";
+}
+
+TEST_F(STORE_MEMORY_TEST, sources_that_are_asked_for_without_memory_release_the_lock)
+{
+    const auto prepare = [this]
+    {
+        write_file(temporary.path("velmar.ini"), "a = 12\n");
+        cfg_read_ini_file(temporary.path("velmar.ini"));
+        cfg_get_value(long_name);
+    };
+    fail_at_every_allocation(
+        prepare, [] { cfg_get_settings_sources(); }, [] {});
 }
 
 TEST_F(STORE_MEMORY_TEST, failed_reports_release_the_lock)

@@ -153,29 +153,47 @@ TEST_F(EXAMPLE_HOST, WritesARunReport)
     const PROGRAM_RESULT result = run_program({ZON_TEST_EXAMPLE_HOST, "--run-report", report, "project"});
     EXPECT_EQ(0, result.status);
     EXPECT_EQ("", result.err);
+    nlohmann::ordered_json written = nlohmann::ordered_json::parse(read_file(report));
+    EXPECT_EQ(ZON_TEST_EXAMPLES, written.at("directory"));
+    EXPECT_EQ(ZON_TEST_EXAMPLE_HOST, written.at("executable"));
+    EXPECT_EQ("pass", written.at("outcome"));
+    EXPECT_EQ(ZON_TEST_EXAMPLES "/project/velmar.ini", written.at("sources").at(0).at("path"));
+    EXPECT_EQ(1U, written.at("sources").size());
+    for (const char* const elsewhere :
+         {"host", "process", "directory", "executable", "started", "ended", "environment", "sources"})
+        written.erase(elsewhere);
     EXPECT_EQ(nlohmann::ordered_json::parse(R"({
   "schema": "velmar-run-report",
-  "schema_version": 1,
+  "schema_version": 2,
   "run": "project",
   "release": "23.4",
-  "files": {"main": "project/velmar.ini", "appended": null, "regtest": null},
+  "outcome": "pass",
+  "sources_complete": true,
   "read": [
-    {"name": "max_fanout", "count": 9, "value": "12", "external": true, "used": true},
-    {"name": "route_effort", "count": 4, "value": "6", "external": true, "used": true},
-    {"name": "thermallimit", "count": 1, "value": "85.5", "external": true, "used": true},
-    {"name": "retry_limit", "count": 1, "value": "3x", "external": true, "used": false},
-    {"name": "report_dir", "count": 1, "value": "reports//nightly", "external": true, "used": true},
-    {"name": "msg_sqlite", "count": 1, "value": "off", "external": false, "used": true},
-    {"name": "incremental", "count": 1, "value": "maybe", "external": true, "used": false},
-    {"name": "enhanced_html_reports", "count": 1, "value": "ON", "external": true, "used": true},
-    {"name": "cfg_max_to_report", "count": 1, "value": "6", "external": true, "used": true},
-    {"name": "banner", "count": 1, "value": "\"Sample; run #1\"", "external": true, "used": true},
-    {"name": "Place_Effort", "count": 1, "value": "4", "external": true, "used": true}
+    {"name": "max_fanout", "count": 9, "value": "12", "external": true, "used": true, "source": 0, "line": 5},
+    {"name": "route_effort", "count": 4, "value": "6", "external": true, "used": true, "origin": "program",
+     "overridden": [{"source": 0, "line": 11, "value": "1"}, {"source": 0, "line": 12, "value": "3"}]},
+    {"name": "thermallimit", "count": 1, "value": "85.5", "external": true, "used": true, "source": 0, "line": 19},
+    {"name": "retry_limit", "count": 1, "value": "3x", "external": true, "used": false, "source": 0, "line": 24},
+    {"name": "report_dir", "count": 1, "value": "reports//nightly", "external": true, "used": true,
+     "source": 0, "line": 7},
+    {"name": "msg_sqlite", "count": 1, "value": "off", "external": false, "used": true, "origin": "program"},
+    {"name": "incremental", "count": 1, "value": "maybe", "external": true, "used": false, "source": 0, "line": 23},
+    {"name": "enhanced_html_reports", "count": 1, "value": "ON", "external": true, "used": true,
+     "source": 0, "line": 22},
+    {"name": "cfg_max_to_report", "count": 1, "value": "6", "external": true, "used": true, "source": 0, "line": 27},
+    {"name": "banner", "count": 1, "value": "\"Sample; run #1\"", "external": true, "used": true,
+     "source": 0, "line": 6},
+    {"name": "Place_Effort", "count": 1, "value": "4", "external": true, "used": true, "source": 0, "line": 16,
+     "overridden": [{"source": 0, "line": 15, "value": "2"}]}
   ],
-  "external_never_read": [{"name": "licences", "value": "http://licences.example.com:1800/pool"}],
-  "uncounted": ["trace_routes", "regtest_seed", "cfg_min_accessed_to_report"]
+  "external_never_read": [
+    {"name": "licences", "value": "http://licences.example.com:1800/pool", "source": 0, "line": 8}
+  ],
+  "asked_once": ["trace_routes", "regtest_seed", "cfg_min_accessed_to_report"],
+  "set_never_read": []
 })"),
-              nlohmann::ordered_json::parse(read_file(report)));
+              written);
 }
 
 TEST_F(EXAMPLE_HOST, SaysWhyARunReportCannotBeWritten)

@@ -3,13 +3,13 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/uio.h>
 #include <unistd.h>
 #include <utility>
+
+#include "tests/support/original_function.h"
 
 namespace
 {
@@ -21,16 +21,6 @@ bool is_to_fail(FILE_CALL call)
     if (error != 0)
         errno = error;
     return error != 0;
-}
-
-// The function that was replaced.
-template <typename FUNCTION>
-FUNCTION* original(const char* name)
-{
-    void* const address = dlsym(RTLD_NEXT, name);
-    if (address == nullptr)
-        std::abort();
-    return reinterpret_cast<FUNCTION*>(address);
 }
 }
 

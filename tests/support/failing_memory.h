@@ -46,9 +46,17 @@ private:
     const std::function<void()> action;
 };
 
-// Lets the first allocation of `action` fail, then the second, and so on until it gets through; each failure is to
-// leave it as std::bad_alloc. `prepare` comes before each try, `check` after each, told whether an allocation failed.
+// What an action does when an allocation fails.
+enum class WITHOUT_MEMORY
+{
+    THROWS,            // leaves it as std::bad_alloc, always
+    THROWS_OR_GOES_ON, // some allocations it can do without
+};
+
+// Lets the first allocation of `action` fail, then the second, and so on until it gets through. `prepare` comes before
+// each try, `check` after each, told whether an allocation failed.
 void fail_at_every_allocation(const std::function<void()>& prepare, const std::function<void()>& action,
-                              const std::function<void(bool failed)>& check);
+                              const std::function<void(bool failed)>& check,
+                              WITHOUT_MEMORY expected = WITHOUT_MEMORY::THROWS);
 
 #endif

@@ -2,7 +2,10 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <spawn.h>
+#include <linux/capability.h>
+#include <sys/prctl.h>
+#include <sys/ptrace.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -11,13 +14,67 @@
 
 namespace
 {
-int exit_status_of(pid_t child)
+std::vector<char*> pointers(std::vector<std::string>& texts)
+{
+    std::vector<char*> result;
+    result.reserve(texts.size() + 1);
+    for (std::string& text : texts)
+        result.push_back(text.data());
+    result.push_back(nullptr);
+    return result;
+}
+
+// Makes permissions count for the program that is executed next, as they do for users. Root's own files stay its own,
+// so that the program and its libraries are found wherever they were built.
+bool give_up_rights()
+{
+    return geteuid() != 0 || (prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0) == 0 &&
+                              prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH, 0, 0, 0) == 0);
+}
+
+bool limit_memory(std::size_t most)
+{
+    const rlimit limit{most, most};
+    return most == 0 || setrlimit(RLIMIT_AS, &limit) == 0;
+}
+
+// Only calls that are safe between fork and exec.
+[[noreturn]] void become_program(const PROGRAM_START& start, char** arguments, char** environment)
+{
+    constexpr int cannot_start = 127;
+    const int out = open(start.output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+    const int err = open(start.errors.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+    const int in = open(start.input.c_str(), O_RDONLY);
+    const bool ready = out >= 0 && err >= 0 && in >= 0 && dup2(in, STDIN_FILENO) >= 0 &&
+                       dup2(out, STDOUT_FILENO) >= 0 && dup2(err, STDERR_FILENO) >= 0 &&
+                       limit_memory(start.most_memory) && (start.with_rights || give_up_rights()) &&
+                       (!start.traced || ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0);
+    if (ready)
+        execve(start.path.c_str(), arguments, environment);
+    _exit(cannot_start);
+}
+}
+
+pid_t start_program(const PROGRAM_START& start)
+{
+    std::vector<std::string> arguments = start.arguments;
+    std::vector<std::string> environment = start.environment;
+    const std::vector<char*> argument_pointers = pointers(arguments);
+    const std::vector<char*> environment_pointers = pointers(environment);
+    const pid_t child = fork();
+    if (child == 0)
+        become_program(start, const_cast<char**>(argument_pointers.data()),
+                       const_cast<char**>(environment_pointers.data()));
+    EXPECT_GT(child, 0) << "cannot start " << start.path;
+    return child;
+}
+
+int status_of_program(pid_t child)
 {
     int status = 0;
     if (waitpid(child, &status, 0) != child)
         return -1;
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-}
 }
 
 PROGRAM_RESULT run_program(const std::vector<std::string>& arguments,
@@ -27,28 +84,15 @@ PROGRAM_RESULT run_program(const std::vector<std::string>& arguments,
     for (const auto& [name, value] : environment)
         on_top.set(name, value);
 
-    std::vector<std::string> copies = arguments;
-    std::vector<char*> argv;
-    for (std::string& argument : copies)
-        argv.push_back(argument.data());
-    argv.push_back(nullptr);
-
     // Files, not pipes: a program may write any amount to either.
     const TEMPORARY_DIRECTORY outputs;
-    const std::string out = outputs.path("out");
-    const std::string err = outputs.path("err");
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(), O_WRONLY | O_CREAT, 0600);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, err.c_str(), O_WRONLY | O_CREAT, 0600);
-    pid_t child = 0;
-    const int error = posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-
-    PROGRAM_RESULT result;
-    EXPECT_EQ(0, error) << "cannot start " << argv[0];
-    if (error == 0)
-        result = {exit_status_of(child), read_file(out), read_file(err)};
-    return result;
+    PROGRAM_START start;
+    start.path = arguments.front();
+    start.arguments = arguments;
+    for (char** assignment = environ; *assignment != nullptr; ++assignment)
+        start.environment.emplace_back(*assignment);
+    start.output = outputs.path("out");
+    start.errors = outputs.path("err");
+    const int status = status_of_program(start_program(start));
+    return {status, read_file(start.output), read_file(start.errors)};
 }

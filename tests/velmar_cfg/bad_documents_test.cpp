@@ -122,6 +122,28 @@ TEST_P(BAD_DOCUMENT, a_file_without_permission)
               (TOOL_RUN{3, "", "velmar-cfg: secret.json: Permission denied; make the file readable for this user\n"}));
 }
 
+TEST_P(BAD_DOCUMENT, a_link_that_leads_nowhere)
+{
+    ASSERT_EQ(symlink("nowhere", "link.json"), 0);
+    EXPECT_EQ(
+        read("link.json"),
+        (TOOL_RUN{3, "",
+                  "velmar-cfg: link.json: is a link to what does not exist; remove the link or make what it names\n"}));
+}
+
+TEST_P(BAD_DOCUMENT, a_directory_that_cannot_be_searched)
+{
+    write_file("barred/document.json", GetParam().accepted);
+    ASSERT_EQ(chmod("barred", 0600), 0);
+    std::vector<std::string> arguments = GetParam().command;
+    arguments.emplace_back("barred/document.json");
+    EXPECT_EQ(run_without_rights(arguments),
+              (TOOL_RUN{3, "",
+                        "velmar-cfg: barred/document.json: Permission denied; let this user search the directories "
+                        "that it is in\n"}));
+    ASSERT_EQ(chmod("barred", 0700), 0);
+}
+
 TEST_P(BAD_DOCUMENT, standard_input_and_pipes_are_named_like_files)
 {
     write_file("bad", "x");
@@ -183,7 +205,7 @@ TEST_P(BAD_DOCUMENT, json_of_another_kind)
 TEST_P(BAD_DOCUMENT, a_newer_version)
 {
     ordered_json document = ordered_json::parse(GetParam().accepted);
-    const int newest = GetParam().title == "snapshot" ? 2 : 1;
+    constexpr int newest = 2;
     document["schema_version"] = newest + 1;
     EXPECT_EQ(read_bytes(document.dump()),
               (TOOL_RUN{3, "",

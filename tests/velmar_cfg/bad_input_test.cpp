@@ -120,6 +120,36 @@ TEST_F(BAD_INPUT, an_appended_file_behind_a_dangling_link_is_told)
                                            "not exist; remove the link or make what it names\n"}));
 }
 
+// A host finds nothing there and goes on.
+TEST_F(BAD_INPUT, a_project_that_cannot_be_searched_is_told_and_the_rest_answers)
+{
+    write_file("velmar.ini", "b=2\n");
+    write_file("barred/project/velmar.ini", "a=1\n");
+    const auto told = [](const std::string& path)
+    { return "velmar-cfg: " + path + ": Permission denied; let this user search the directories that it is in\n"; };
+    ASSERT_EQ(chmod("barred", 0600), 0);
+    EXPECT_EQ(run_without_rights({"list", "--project", "barred"}), (TOOL_RUN{3, "b=2\n", told("barred/velmar.ini")}));
+    EXPECT_EQ(run_without_rights({"list", "--project", "barred/project"}),
+              (TOOL_RUN{3, "b=2\n", told("barred/project/velmar.ini")}));
+    EXPECT_EQ(run_without_rights({"diff", "barred", "."}), (TOOL_RUN{3, "", told("barred/velmar.ini")}));
+    EXPECT_EQ(run_without_rights({"list", "--root", "barred"}), (TOOL_RUN{0, "b=2\n", ""}));
+    std::filesystem::remove("velmar.ini");
+    EXPECT_EQ(run_without_rights({"list", "--root", "barred"}), (TOOL_RUN{3, "", told("barred/bin/velmar.ini")}));
+    std::filesystem::permissions("barred", std::filesystem::perms::owner_all);
+}
+
+TEST_F(BAD_INPUT, a_directory_behind_a_dangling_link_is_told_from_a_missing_one)
+{
+    ASSERT_EQ(symlink("nowhere", "link"), 0);
+    ASSERT_EQ(symlink("circle", "circle"), 0);
+    EXPECT_EQ(
+        run({"--project", "link", "list"}),
+        (TOOL_RUN{3, "",
+                  "velmar-cfg: link: is a link to what does not exist; remove the link or make what it names\n"}));
+    EXPECT_EQ(run({"--root", "circle", "list"}),
+              (TOOL_RUN{3, "", "velmar-cfg: circle: is a link in a circle; remove the link or make what it names\n"}));
+}
+
 TEST_F(BAD_INPUT, each_problem_is_told_once)
 {
     write_file("velmar.ini/file", "");

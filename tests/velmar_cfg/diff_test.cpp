@@ -107,7 +107,7 @@ Installation
 Environment
   VELMAR_INI_VARS
     A  not set
-    B  (empty)
+    B  \(empty)
 
 Files
   file of APPENDED_VELMAR_INI
@@ -119,7 +119,7 @@ Files
 
 Variables
   gone, by main settings file
-    A  (empty)  at cpu/velmar.ini:4 (main settings file, external)
+    A  \(empty)  at cpu/velmar.ini:4 (main settings file, external)
     B  not set
   max_fanout, by environment
     A  12  at cpu/velmar.ini:1 (main settings file, external)
@@ -184,7 +184,7 @@ B  tuesday.json (velmar 23.4, project cpu, regression test)
 
 Variables that nightly read
   gone, by main settings file; perhaps read, once, while unset
-    A  (empty)  at cpu/velmar.ini:4 (main settings file, external)
+    A  \(empty)  at cpu/velmar.ini:4 (main settings file, external)
     B  not set
   max_fanout, by environment
     A  12  at cpu/velmar.ini:1 (main settings file, external)

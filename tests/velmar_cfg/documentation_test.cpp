@@ -264,7 +264,7 @@ TEST(MANUAL_PAGES_, name_every_environment_variable_that_matters)
     EXPECT_THAT(page("velmar2.ini.5"), HasSubstr(".It Ev HOME\n"));
 }
 
-// The names of findings that a source of the lint wing has: what stands behind a severity.
+// The names of findings that a source in lint/ has: what stands behind a severity.
 std::set<std::string> findings_in_source(const std::string& file)
 {
     const std::string source = read_file(LINT_SOURCES "/" + file);
@@ -308,6 +308,17 @@ TEST(MANUAL_PAGES_, explain_every_finding_in_alphabetical_order)
     EXPECT_GT(of_preferences.size(), 14U);
     EXPECT_THAT(findings_in_manual("Of settings"), testing::ElementsAreArray(of_settings));
     EXPECT_THAT(findings_in_manual("Of preferences"), testing::ElementsAreArray(of_preferences));
+}
+
+// What explain has to say besides the findings of lint.
+TEST(MANUAL_PAGES_, name_every_hint)
+{
+    const std::string source = read_file(LINT_SOURCES "/explanation.cpp");
+    static const std::regex hint(R"re(\{"([a-z-]+)",)re");
+    std::size_t hints = 0;
+    for (std::sregex_iterator found(source.begin(), source.end(), hint), end; found != end; ++found, ++hints)
+        EXPECT_THAT(page("velmar-cfg.1"), HasSubstr("\n.Dq " + (*found)[1].str() + "\n"));
+    EXPECT_EQ(hints, 3U);
 }
 
 class MANUAL_CHECKERS : public testing::TestWithParam<std::vector<std::string>>

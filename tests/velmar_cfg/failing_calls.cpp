@@ -4,8 +4,6 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -13,9 +11,11 @@
 #include <unistd.h>
 #include <utility>
 
+#include "tests/support/original_function.h"
+
 namespace
 {
-constinit thread_local std::array<CALL_WATCH*, 9> watches = {};
+constinit thread_local std::array<CALL_WATCH*, 13> watches = {};
 
 bool fails(SYSTEM_CALL call)
 {
@@ -24,16 +24,6 @@ bool fails(SYSTEM_CALL call)
     if (error != 0)
         errno = error;
     return error != 0;
-}
-
-// The function that was replaced.
-template <typename FUNCTION>
-FUNCTION* original(const char* name)
-{
-    void* const address = dlsym(RTLD_NEXT, name);
-    if (address == nullptr)
-        std::abort();
-    return reinterpret_cast<FUNCTION*>(address);
 }
 }
 
@@ -96,6 +86,29 @@ extern "C"
         return fails(SYSTEM_CALL::FSETXATTR) ? -1
                                              : original<int(int, const char*, const void*, size_t, int)>("fsetxattr")(
                                                    file, name, value, size, flags);
+    }
+
+    int fchmod(int file, mode_t mode) noexcept
+    {
+        return fails(SYSTEM_CALL::FCHMOD) ? -1 : original<int(int, mode_t)>("fchmod")(file, mode);
+    }
+
+    int fremovexattr(int file, const char* name) noexcept
+    {
+        return fails(SYSTEM_CALL::FREMOVEXATTR) ? -1 : original<int(int, const char*)>("fremovexattr")(file, name);
+    }
+
+    ssize_t fgetxattr(int file, const char* name, void* value, size_t size) noexcept
+    {
+        return fails(SYSTEM_CALL::FGETXATTR)
+                   ? -1
+                   : original<ssize_t(int, const char*, void*, size_t)>("fgetxattr")(file, name, value, size);
+    }
+
+    ssize_t flistxattr(int file, char* names, size_t size) noexcept
+    {
+        return fails(SYSTEM_CALL::FLISTXATTR) ? -1
+                                              : original<ssize_t(int, char*, size_t)>("flistxattr")(file, names, size);
     }
 
     int fcntl(int file, int command, ...)

@@ -13,7 +13,11 @@ enum class SYSTEM_CALL
     RENAMEAT,
     FSYNC,
     FCHOWN,
+    FCHMOD,
     FSETXATTR,
+    FREMOVEXATTR,
+    FGETXATTR,
+    FLISTXATTR,
     SETLEASE, // fcntl that asks for a lease
     FSTATAT,
     OPENAT,

@@ -59,6 +59,20 @@ TEST_F(FILE_LOCK_TEST, one_that_is_removed_in_between_counts_for_nothing)
     EXPECT_EQ(watch.calls_seen(), 2);
 }
 
+// The file that was opened has no name any more; the one that has the name may be locked by somebody else.
+TEST_F(FILE_LOCK_TEST, one_that_is_replaced_in_between_counts_for_nothing)
+{
+    write_file("user/file.lock", mark);
+    const CALL_WATCH watch(SYSTEM_CALL::FLOCK, {{1, []
+                                                 {
+                                                     write_file("user/theirs", "theirs");
+                                                     return rename("user/theirs", "user/file.lock");
+                                                 }}});
+    EXPECT_EQ(attempt(10'000), "");
+    EXPECT_EQ(watch.calls_seen(), 2);
+    EXPECT_EQ(read_file("user/file.lock"), "theirs");
+}
+
 TEST_F(FILE_LOCK_TEST, another_run_may_be_faster)
 {
     const CALL_WATCH watch(SYSTEM_CALL::RENAMEAT2, {{1, []
@@ -123,7 +137,11 @@ TEST_F(FILE_LOCK_TEST, follows_and_opens_nothing_but_a_file)
     std::filesystem::remove("user/file.lock");
 
     std::filesystem::create_directory("user/file.lock");
-    EXPECT_EQ(attempt(60'000), "4 " + full_path() + ".lock: Is a directory");
+    EXPECT_EQ(attempt(60'000), "4 " + full_path() + ".lock: is no file, where velmar-cfg keeps its lock; remove it");
+    std::filesystem::remove("user/file.lock");
+
+    ASSERT_EQ(mknod("user/file.lock", S_IFSOCK | 0600, 0), 0);
+    EXPECT_EQ(attempt(60'000), "4 " + full_path() + ".lock: is no file, where velmar-cfg keeps its lock; remove it");
 }
 
 // --- Other users ---
@@ -156,9 +174,13 @@ TEST_F(FILE_LOCK_OF_OTHERS, is_named_as_theirs)
     const FILE_LOCK lock(place, in_milliseconds(0));
     umask(mask);
     EXPECT_EQ(attempt_of_other(), expected);
-    // Also one that may not be opened.
+    // Of one that may not be opened, nobody can tell who holds it: velmar-cfg's own locks are for all to see.
     ASSERT_EQ(chmod("user/file.lock", 0600), 0);
-    EXPECT_EQ(attempt_of_other(30), expected);
+    EXPECT_EQ(attempt_of_other(30),
+              "4 " + full_path() +
+                  ".lock: belongs to the user 'root' and cannot be opened, so that it cannot be told whether a "
+                  "velmar-cfg of his holds this lock; nothing was changed, run the command again when the file has "
+                  "gone");
 }
 
 TEST_F(FILE_LOCK_OF_OTHERS, is_waited_for)
@@ -191,7 +213,7 @@ TEST_F(FILE_LOCK_OF_OTHERS, what_a_killed_run_left_is_replaced_by_one_s_own)
             stat("user/file.lock", &found);
             return std::to_string(found.st_uid);
         });
-    EXPECT_EQ(owner, "4711");
+    EXPECT_EQ(owner, "64711");
     EXPECT_FALSE(std::filesystem::exists("user/file.lock"));
 }
 

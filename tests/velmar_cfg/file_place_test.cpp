@@ -74,6 +74,25 @@ TEST_F(FILE_PLACE_TEST, stays_where_it_was_whatever_takes_its_path)
     EXPECT_EQ(first, 'o'); // of "old"
 }
 
+TEST_F(FILE_PLACE_TEST, knows_a_file_by_its_name)
+{
+    write_file("user/other", "");
+    std::filesystem::create_hard_link("user/file", "user/second");
+    std::filesystem::create_symlink("file", "user/link");
+    const FILE_PLACE place(file);
+    const int opened = open(file, O_RDONLY | O_CLOEXEC);
+    const std::pair<const char*, bool> rows[] = {
+        {"file", true}, {"second", true}, {"other", false}, {"link", false}, {"missing", false}};
+    for (const auto& [name, expected] : rows)
+        EXPECT_EQ(place.has(opened, name), expected) << name;
+    // A file of another file system, which may have the same number there.
+    const int elsewhere = open("/proc/self/status", O_RDONLY | O_CLOEXEC);
+    EXPECT_FALSE(place.has(elsewhere, "file"));
+    EXPECT_FALSE(place.has(-1, "file"));
+    close(elsewhere);
+    close(opened);
+}
+
 TEST_F(FILE_PLACE_TEST, root_follows_no_link_of_another_user)
 {
     if (geteuid() != 0)
@@ -85,7 +104,7 @@ TEST_F(FILE_PLACE_TEST, root_follows_no_link_of_another_user)
     EXPECT_EQ(FILE_PLACE("planted").path(), cwd + "/secret/file");
     ASSERT_EQ(lchown("planted", other_user, other_user), 0);
     ASSERT_EQ(lchown("directory", other_user, other_user), 0);
-    const std::string why = " is a link that belongs to the user number 4711, which root does not follow; run the "
+    const std::string why = " is a link that belongs to the user number 64711, which root does not follow; run the "
                             "command as that user";
     EXPECT_EQ(complaint_of([] { FILE_PLACE("planted"); }), "4 " + cwd + "/planted:" + why);
     EXPECT_EQ(complaint_of([] { FILE_PLACE("directory/file"); }), "4 " + cwd + "/directory:" + why);
@@ -93,13 +112,13 @@ TEST_F(FILE_PLACE_TEST, root_follows_no_link_of_another_user)
     // The user himself does, and any other user too: it lends nobody more rights than he has.
     std::filesystem::permissions(temporary.path(), std::filesystem::perms::all);
     EXPECT_EQ(as_other_user([] { return FILE_PLACE("directory/file").path(); }), cwd + "/secret/file");
-    ASSERT_EQ(lchown("directory", 4712, 4712), 0);
+    ASSERT_EQ(lchown("directory", 64712, 64712), 0);
     EXPECT_EQ(as_other_user([] { return FILE_PLACE("directory/file").path(); }), cwd + "/secret/file");
 }
 
 TEST(USERS, are_named_or_numbered)
 {
     EXPECT_EQ(user_in_words(0), "'root'");
-    EXPECT_EQ(user_in_words(other_user), "number 4711");
+    EXPECT_EQ(user_in_words(other_user), "number 64711");
 }
 }

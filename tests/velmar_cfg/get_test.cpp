@@ -203,6 +203,21 @@ TEST_F(GET, refuses_a_default_of_another_type)
                                 "; give one of the type\n"}));
 }
 
+// A value may be a megabyte long. What is cut off a secret is hidden as well.
+TEST_F(GET, tells_of_a_long_value_in_a_short_line)
+{
+    const std::string letters = std::string(60, 'q') + "\"" + std::string(100000, 'q');
+    write_file("velmar.ini", "a = " + letters + "\ntoken = " + letters + "\n");
+    const std::string shown = std::string(60, 'q') + "\"" + std::string(39, 'q') + "...";
+    EXPECT_EQ(run({"get", "a", "--type", "double"}),
+              (TOOL_RUN{0, "0\n", "velmar-cfg: 'a' is '" + shown + "': only the number at its start is read, 0\n"}));
+    EXPECT_THAT(run({"get", "a", "--type", "int"}).err, testing::StartsWith("velmar-cfg: 'a' is '" + shown + "' at "));
+    EXPECT_THAT(run({"get", "a", "--type", "int", "--default", letters}).err,
+                testing::StartsWith("velmar-cfg: the default '" + shown + "' is no integer "));
+    EXPECT_THAT(run({"get", "token", "--type", "int"}).err,
+                testing::StartsWith("velmar-cfg: 'token' is '\\(masked)\"\\(masked)' at "));
+}
+
 TEST_F(GET, points_to_prefs_get_for_a_preference)
 {
     EXPECT_EQ(run({"get", "hdl_preference"}),
@@ -297,9 +312,7 @@ TEST_F(GET, reads_names_from_standard_input)
     EXPECT_EQ(run({"get", "--stdin", "-z", "--project", "project"}).out, "bc=2\0a=1\0"s);
     write_file("names", "");
     EXPECT_EQ(run({"get", "--stdin", "--project", "project"}), (TOOL_RUN{0, "", ""}));
-    const std::string either = "velmar-cfg: give either names or --stdin\n";
-    EXPECT_EQ(run({"get", "a", "--stdin"}), (TOOL_RUN{2, "", either}));
-    EXPECT_EQ(run({"get"}), (TOOL_RUN{2, "", either}));
+    EXPECT_EQ(run({"get", "a", "--stdin"}), (TOOL_RUN{2, "", "velmar-cfg: --stdin and names exclude each other\n"}));
 }
 
 TEST_F(GET, ends_the_value_with_a_zero_byte_on_request)

@@ -91,18 +91,36 @@ protected:
         read["count"] = 1;
         read["external"] = true;
         read["used"] = true;
+        read["origin"] = "unknown";
+        read["perhaps"] = nlohmann::json::array({{{"source", 0}}, {{"source", 1}, {"item", 1}}});
+        read["overridden"] = nlohmann::json::array({{{"source", 0}, {"line", 1}, {"value", hostile_utf_8}}});
         nlohmann::json unread = named;
         unread["name"] = hostile_utf_8 + std::string("unread");
-        write_file("report.json",
-                   nlohmann::json{{"schema", "velmar-run-report"},
-                                  {"schema_version", 1},
-                                  {"run", hostile_utf_8},
-                                  {"release", hostile_utf_8},
-                                  {"files", {{"main", hostile_utf_8}, {"appended", nullptr}, {"regtest", nullptr}}},
-                                  {"read", {read}},
-                                  {"external_never_read", {unread}},
-                                  {"uncounted", {hostile_utf_8 + std::string("uncounted")}}}
-                       .dump());
+        unread["source"] = 0;
+        unread["line"] = 2;
+        const nlohmann::json source = {{"layer", "appended"}, {"external", true},          {"path", hostile_utf_8},
+                                       {"size", 1},           {"modified", hostile_utf_8}, {"state", hostile_utf_8}};
+        const nlohmann::json text = {
+            {"layer", "program"}, {"external", true}, {"text", hostile_utf_8}, {"state", hostile_utf_8}};
+        write_file("report.json", nlohmann::json{{"schema", "velmar-run-report"},
+                                                 {"schema_version", 2},
+                                                 {"run", hostile_utf_8},
+                                                 {"release", hostile_utf_8},
+                                                 {"outcome", hostile_utf_8},
+                                                 {"host", hostile_utf_8},
+                                                 {"process", 1},
+                                                 {"directory", hostile_utf_8},
+                                                 {"executable", hostile_utf_8},
+                                                 {"started", hostile_utf_8},
+                                                 {"ended", hostile_utf_8},
+                                                 {"environment", {named}},
+                                                 {"sources_complete", false},
+                                                 {"sources", {source, text}},
+                                                 {"read", {read}},
+                                                 {"external_never_read", {unread}},
+                                                 {"asked_once", {hostile_utf_8 + std::string("asked")}},
+                                                 {"set_never_read", {hostile_utf_8 + std::string("uncounted")}}}
+                                      .dump());
     }
 
     // Newlines end lines, and a tabulator stands between two columns of `list`.

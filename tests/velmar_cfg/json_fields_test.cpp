@@ -114,10 +114,17 @@ protected:
         write_file("project/velmar.ini", "max_fanout = 12\n# max_fanout = 9\nno assignment\nname = \xff\n");
         write_file("other/velmar.ini", "max_fanout = 16\n");
         write_file("user/velmar2.ini", "[General 23.4_pro]\nHDL_PREFERENCE = VHDL\nno preference\n");
-        write_file("run.json", R"({"schema": "velmar-run-report", "schema_version": 1, "run": "r", "release": "23.4",
-            "files": {"main": null, "appended": null, "regtest": null},
-            "read": [{"name": "max_fanout", "count": 1, "value": "12", "external": true, "used": true}],
-            "external_never_read": [{"name": "a", "value": "1"}], "uncounted": ["b"]})");
+        write_file("run.json", R"({"schema": "velmar-run-report", "schema_version": 2, "run": "r", "release": "23.4",
+            "outcome": "pass", "host": "h", "process": 1, "directory": "/", "executable": "/x",
+            "started": "2026-11-22T08:25:00Z", "ended": "2026-11-22T08:26:00Z",
+            "environment": [{"name": "HOME", "value": null}], "sources_complete": true,
+            "sources": [{"layer": "main", "external": true, "path": "/p", "size": 1,
+                         "modified": "2026-11-22T08:25:00.000000000Z", "state": "same"}],
+            "read": [{"name": "max_fanout", "count": 1, "value": "12", "external": true, "used": true,
+                      "origin": "unknown", "perhaps": [{"source": 0}],
+                      "overridden": [{"source": 0, "line": 1, "value": "9"}]}],
+            "external_never_read": [{"name": "a", "value": "1", "source": 0, "line": 2}],
+            "asked_once": ["b"], "set_never_read": ["c"]})");
         nlohmann::json before = run({"snapshot", "--project", "other"}).json();
         before["release"] = "23.3";
         write_file("before.json", before.dump());

@@ -49,8 +49,17 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(SUGGESTION{"[section]", "no-equals-sign", "# [section]"},
                     SUGGESTION{"  [section] ; x\r", "no-equals-sign", "  # [section] ; x\r"},
                     SUGGESTION{"some words without it", "no-equals-sign", "# some words without it"},
-                    SUGGESTION{"fan_out 12", "no-equals-sign", "# fan_out 12"}, // perhaps words
+                    SUGGESTION{"fan_out 12", "no-equals-sign", "fan_out = 12"},
+                    SUGGESTION{"\tfan_out yes, # x\r", "no-equals-sign", "\tfan_out = on # x\r"},
+                    SUGGESTION{"set fan_out 12", "no-equals-sign", "fan_out = 12"},
+                    SUGGESTION{"set fan_out", "no-equals-sign", "# set fan_out"},
+                    SUGGESTION{"fan_out fast", "no-equals-sign", "# fan_out fast"}, // perhaps words
+                    SUGGESTION{"fan 12 in", "no-equals-sign", "# fan 12 in"},
+                    SUGGESTION{"12 on", "no-equals-sign", "# 12 on"},
+                    SUGGESTION{"a,b 12", "no-equals-sign", "# a,b 12"},
                     SUGGESTION{"MSG_SQLITE on", "no-equals-sign", "msg_sqlite = on"},
+                    SUGGESTION{"set MSG_SQLITE on", "no-equals-sign", "msg_sqlite = on"},
+                    SUGGESTION{"  MSG_SQLITE on # x\r", "no-equals-sign", "  msg_sqlite = on # x\r"},
                     SUGGESTION{"msg_sqlite", "no-equals-sign", nothing},
                     SUGGESTION{"msg_sqlite is on", "no-equals-sign", nothing}, SUGGESTION{"ab", "too-short", "# ab"},
                     SUGGESTION{"a=", "too-short", "a ="}, SUGGESTION{" =", "too-short", nothing},
@@ -74,7 +83,7 @@ INSTANTIATE_TEST_SUITE_P(
         SUGGESTION{"msg sqlite = on", "blanks-in-name", "msg_sqlite = on"},
         SUGGESTION{"disable_ vexe_mode = on", "blanks-in-name", "disable_vexe_mode = on"},
         SUGGESTION{"this is a line of prose = 1", "blanks-in-name", nothing},
-        SUGGESTION{"if (x) = 1", "blanks-in-name", nothing},
+        SUGGESTION{"if (x) = 1", "blanks-in-name", nothing}, SUGGESTION{"py.test --cov = x", "blanks-in-name", nothing},
         SUGGESTION{"max fanout = 1\nmax_fanout = 2", "blanks-in-name", nothing}, // would be overridden
         SUGGESTION{"max_fanout = 1\nmax fanout = 2", "blanks-in-name", "max_fanout = 2"},
         SUGGESTION{"Max_Fanout = 1\nmax fanout = 2", "blanks-in-name", "Max_Fanout = 2"},
@@ -82,7 +91,7 @@ INSTANTIATE_TEST_SUITE_P(
         SUGGESTION{"a ?= 1", "operator-in-name", "a = 1"}, SUGGESTION{"path += x", "operator-in-name", nothing},
         SUGGESTION{"path -= x", "operator-in-name", nothing}, SUGGESTION{"a != 1", "operator-in-name", nothing},
         SUGGESTION{":=1", "operator-in-name", nothing}, SUGGESTION{"\"c\" = 1", "quoted-name", "c = 1"},
-        SUGGESTION{"'my var' = 1", "quoted-name", "my_var = 1"},
+        SUGGESTION{"'my var' = 1", "quoted-name", "my_var = 1"}, SUGGESTION{"'-x' = 1", "quoted-name", "-x = 1"},
         SUGGESTION{"a\xc2\xa0"
                    "b = 1",
                    "odd-character", "a_b = 1"},
@@ -119,23 +128,22 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     comments, LINE_SUGGESTIONS,
-    testing::Values(SUGGESTION{"url = host#part", "comment-cut", nothing},
-                    SUGGESTION{"list = x;y", "comment-cut", nothing},
-                    SUGGESTION{"color = #ff0000", "comment-cut", nothing},
-                    SUGGESTION{"u = host# note", "comment-cut", "u = host # note"},
-                    SUGGESTION{"a=1;b=2", "second-assignment", "a=1\nb=2"},
-                    SUGGESTION{"\ta=1 ; b = 2; c = 3 # x\r", "second-assignment", "\ta=1\r\n\tb = 2\r\n\tc = 3 # x\r"},
-                    SUGGESTION{"a=1;b=2 ; note", "second-assignment", "a=1\nb=2 ; note"},
-                    SUGGESTION{"s = 1 // one # two", "slashes-in-value", "s = 1 # one # two"},
-                    SUGGESTION{"s = \"x // y", "slashes-in-value", nothing},
-                    SUGGESTION{"s = \"x", "unclosed-quote", nothing},
-                    SUGGESTION{"\xef\xbb\xbf"
-                               "a = yes",
-                               "byte-order-mark", "a = on"},
-                    SUGGESTION{"\xef\xbb\xbf[x]", "byte-order-mark", "# [x]"},
-                    SUGGESTION{"a=1\rb = 2\r", "carriage-return", "a=1\nb = 2\r"},
-                    SUGGESTION{"# x\ra=1\r[s]\rb=yes", "carriage-return", "# x\na=1\n# [s]\nb=on"},
-                    SUGGESTION{"a=1\rb=x;y", "carriage-return", nothing})); // the new lines would have a finding
+    testing::Values(
+        SUGGESTION{"url = host#part", "comment-cut", nothing}, SUGGESTION{"list = x;y", "comment-cut", nothing},
+        SUGGESTION{"color = #ff0000", "comment-cut", nothing}, SUGGESTION{"list =;y", "comment-cut", nothing},
+        SUGGESTION{"u = host# note", "comment-cut", "u = host # note"},
+        SUGGESTION{"a=1;b=2", "second-assignment", "a=1\nb=2"},
+        SUGGESTION{"\ta=1 ; b = 2; c = 3 # x\r", "second-assignment", "\ta=1\r\n\tb = 2\r\n\tc = 3 # x\r"},
+        SUGGESTION{"a=1;b=2 ; note", "second-assignment", "a=1\nb=2 ; note"},
+        SUGGESTION{"s = 1 // one # two", "slashes-in-value", "s = 1 # one # two"},
+        SUGGESTION{"s = \"x // y", "slashes-in-value", nothing}, SUGGESTION{"s = \"x", "unclosed-quote", nothing},
+        SUGGESTION{"\xef\xbb\xbf"
+                   "a = yes",
+                   "byte-order-mark", "a = on"},
+        SUGGESTION{"\xef\xbb\xbf[x]", "byte-order-mark", "# [x]"},
+        SUGGESTION{"a=1\rb = 2\r", "carriage-return", "a=1\nb = 2\r"},
+        SUGGESTION{"# x\ra=1\r[s]\rb=yes", "carriage-return", "# x\na=1\n# [s]\nb=on"},
+        SUGGESTION{"a=1\rb=x;y", "carriage-return", nothing})); // the new lines would have a finding
 
 class LINES_WITHOUT_FINDINGS : public testing::TestWithParam<const char*>
 {
@@ -152,7 +160,8 @@ INSTANTIATE_TEST_SUITE_P(table, LINES_WITHOUT_FINDINGS,
                                          "q = 1#note", "q = word;// note", "x = =y", "q = word;", "a.b = 1",
                                          "a-b[0] = 1", "key = abc==", "x = a=b", "opt = -DX=1 -DY=2", "cmd = run x=1",
                                          "g = 1 h", "t = 12:30, 14:00", "list = a, b,", "n = 1,2", "w = no way",
-                                         "v = 0xzz", "# a comment\r# and more", "a = 1\r", "\r\r", "e = 'it's'"));
+                                         "v = 0xzz", "# a comment\r# and more", "a = 1\r", "\r\r", "e = 'it's'",
+                                         "x = # note", "x = ; note", "x =#\tnote", "x = ;", "x = #", "x = ;; note"));
 
 class ITEM_SUGGESTIONS : public testing::TestWithParam<SUGGESTION>
 {
@@ -212,6 +221,21 @@ TEST(SUGGESTIONS, are_never_cut_short)
     ASSERT_EQ(findings.size(), 1U);
     EXPECT_EQ(findings.front().replacement, name + " = " + value);
     EXPECT_LT(findings.front().instead.size(), 200U);
+}
+
+// What people are told of one finding does not bring another: here the letter case of the name.
+TEST(SUGGESTIONS, spell_the_name_alike)
+{
+    const auto instead_of = [](const std::string& line, const char* reason)
+    {
+        const std::vector<FINDING> findings = findings_of(LAYER_KIND::MAIN_FILE, line);
+        const auto found = std::ranges::find(findings, reason, &FINDING::reason);
+        return found == findings.end() ? "nothing" : found->instead;
+    };
+    EXPECT_EQ(instead_of("MSG_SQLITE == 2", "letter-case"), "write 'msg_sqlite = 2'");
+    EXPECT_EQ(instead_of("MSG_SQLITE == 2", "no-boolean"), "write 'msg_sqlite = on' or 'msg_sqlite = off'");
+    EXPECT_EQ(instead_of("Debug_Msg_Level = high", "no-integer"),
+              "write decimal digits only, such as 'debug_msg_level = 2'");
 }
 
 // Texts for which a step too much for each character, or a call within a call, would not end.

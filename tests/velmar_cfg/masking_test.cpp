@@ -42,10 +42,14 @@ constexpr const char* preferences = "[Cloud 23.4_pro]\n"
                                     "MY_TOKEN = S3CRETn\n";
 
 constexpr const char* report = R"({
-  "schema": "velmar-run-report", "schema_version": 1, "run": "nightly", "release": "23.4",
-  "files": {"main": null, "appended": null, "regtest": null},
-  "read": [{"name": "api_token", "count": 3, "value": "S3CRETo", "external": true, "used": true}],
-  "external_never_read": [{"name": "my_password", "value": "S3CRETp"}], "uncounted": []
+  "schema": "velmar-run-report", "schema_version": 2, "run": "nightly", "release": "23.4",
+  "outcome": null, "host": null, "process": 1, "directory": null, "executable": null, "started": null, "ended": "",
+  "environment": [{"name": "VELMAR_INI_VARS", "value": "a=1;my_secret=S3CRETr"}], "sources_complete": true,
+  "sources": [{"layer": "inline", "external": true, "text": "a=1;my_secret=S3CRETr", "state": "same"}],
+  "read": [{"name": "api_token", "count": 3, "value": "S3CRETo", "external": true, "used": true, "origin": "program",
+            "overridden": [{"source": 0, "item": 2, "value": "S3CRETs"}]}],
+  "external_never_read": [{"name": "my_password", "value": "S3CRETp", "source": 0, "item": 3}],
+  "asked_once": [], "set_never_read": []
 })";
 
 const ARGUMENTS command_lines[] = {
@@ -349,6 +353,63 @@ TEST_F(MASKING, says_when_masks_cannot_be_compared_later)
     EXPECT_EQ(run({"diff", "one", "two"}).exit_code, 1);
 }
 
+// What is typed wrong is repeated by the message, and messages go to logs.
+TEST_F(MASKING, hides_what_was_typed)
+{
+    const std::string long_secret = "S3CRET" + std::string(200, 'x');
+    const std::vector<ARGUMENTS> wrong = {
+        {"prefs", "set", "CLOUD_TOKEN", "S3CRETa\nS3CRETb"},
+        {"prefs", "set", "CLOUD_TOKEN", "S3CRETa\v\nS3CRETb\""},
+        {"prefs", "set", "PROXY_USER1", "[S3CRETa]\nS3CRETb"},
+        {"prefs", "set", "CLOUD_TOKEN", "S3CRETa", "S3CRETb"},
+        {"prefs", "set", "--dry-run", "proxy_user1", "S3CRETa", "S3CRETb"},
+        {"prefs", "set", "CLOUD_TOKEN", "-S3CRETa"},
+        {"prefs", "set", "CLOUD_TOKEN=S3CRETa"},
+        {"prefs", "set", "CLOUD_TOKEN=S3CRETa", "x"},
+        {"prefs", "set", "PROXY_USER1=S3CRETa", "x"},
+        {"prefs", "get", "CLOUD_TOKEN=S3CRETa"},
+        {"prefs", "reset", "PROXY_USER2=" + long_secret},
+        {"get", "api_token=S3CRETa"},
+        {"api_token=S3CRETa"},
+    };
+    for (const ARGUMENTS& arguments : wrong)
+    {
+        const TOOL_RUN result = run(arguments);
+        EXPECT_NE(result.exit_code, 0) << testing::PrintToString(arguments);
+        EXPECT_FALSE(tells(result.out + result.err))
+            << testing::PrintToString(arguments) << testing::PrintToString(result);
+    }
+    EXPECT_THAT(run({"prefs", "set", "CLOUD_TOKEN", "S3CRETa", "--dryrun"}).err, HasSubstr("'--dryrun'"));
+    EXPECT_THAT(run({"prefs", "get", "HDL_PREFERENCE=S3CRETa"}).err, HasSubstr("'HDL_PREFERENCE=S3CRETa'"));
+}
+
+// A section's name that is cut for a message leaves no part of a secret.
+TEST_F(MASKING, hides_secrets_of_every_length)
+{
+    const std::string secret = "S3CRET" + std::string(200, 'x');
+    write_file("user/velmar2.ini", "[General 23.4_pro]\n#PROXY_USER1 = S3CRETy\n; PROXY_USER2 = " + secret +
+                                       "\nPROXY_USER1 = a[" + secret + "]b\nk = v\n[x]\nk = v\n");
+    write_file("report.json", R"({
+  "schema": "velmar-run-report", "schema_version": 1, "run": "nightly", "release": "23.4",
+  "files": {"main": null, "appended": null, "regtest": null}, "read": [],
+  "external_never_read": [{"name": "url", "value": ")" +
+                                  std::string(80, 'u') + R"(?token=S3CRETp"}], "uncounted": []})");
+    EXPECT_THAT(run({"run-report", "report.json"}).out, HasSubstr("uuu?token=\\(masked)\n"));
+    for (const ARGUMENTS& arguments :
+         std::vector<ARGUMENTS>{{"prefs", "set", "HDL_PREFERENCE", "VHDL", "--dry-run"},
+                                {"prefs", "set", "HDL_PREFERENCE", "VHDL", "--json"},
+                                {"prefs", "lint"},
+                                {"prefs", "lint", "--json"},
+                                {"prefs", "set", "HDL_PREFERENCE", "VHDL"},
+                                {"prefs", "set", "HDL_PREFERENCE", "VHDL", "--allow-loss"}})
+    {
+        const TOOL_RUN result = run(arguments);
+        EXPECT_FALSE(tells(result.out + result.err))
+            << testing::PrintToString(arguments) << testing::PrintToString(result);
+    }
+    EXPECT_THAT(read_file("user/velmar2.ini"), HasSubstr("#PROXY_USER1 = S3CRETy\n"));
+}
+
 TEST_F(MASKING, reads_documents_that_show_secrets)
 {
     ASSERT_EQ(run({"snapshot", "--with-secrets", "-o", "plain.json"}), (TOOL_RUN{0, "", ""}));
@@ -359,6 +420,19 @@ TEST_F(MASKING, reads_documents_that_show_secrets)
     version_1["schema_version"] = 1;
     write_file("old.json", version_1.dump());
     EXPECT_EQ(run({"diff", "old.json"}), (TOOL_RUN{0, "", ""}));
+    // A hash that is masked on one side only is compared by its mask, and shown on neither.
+    EXPECT_EQ(run({"diff", "masked.json", "old.json"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(run({"diff", "plain.json", "masked.json"}), (TOOL_RUN{0, "", ""}));
+    json changed = version_1;
+    for (json& row : changed["files"])
+        row["sha256"] = row["sha256"].is_null() ? json() : json(std::string(64, '0'));
+    write_file("changed.json", changed.dump());
+    for (const char* const other : {"old.json", "masked.json", "plain.json"})
+    {
+        const json files = run({"diff", "changed.json", other, "--json"}).json().at("files");
+        EXPECT_EQ(files.size(), 2U) << other;
+        EXPECT_THAT(files.dump(), Not(HasSubstr("\"sha256\":\""))) << other;
+    }
     variables["VELMAR_INI_VARS"] = "b=2;my_secret=S3CRETs:S3CRETt;api_token=S3CRETx;c=3";
     EXPECT_EQ(run({"diff", "old.json", "--json"}).json().at("variables").size(), 1U);
     EXPECT_THAT(run({"diff", "old.json", "--with-secrets"}).out,

@@ -5,7 +5,9 @@
 #include <atomic>
 #include <csignal>
 #include <cstdlib>
+#include <linux/fs.h>
 #include <random>
+#include <sys/ioctl.h>
 #include <sys/mman.h>
 
 #include "tests/support/failing_files.h"
@@ -222,6 +224,27 @@ TEST_F(PREFERENCE_EDIT, hard_links_and_read_only_files_need_leave)
     EXPECT_EQ(found.st_mode & 07777U, 0444U);
 }
 
+// What no option gets round is not said to be only a matter of the mode, and a dry run sees it too.
+TEST_F(PREFERENCE_EDIT, a_file_that_the_system_protects_is_refused)
+{
+    const int opened = open(file, O_RDONLY | O_CLOEXEC);
+    int flags = 0;
+    int immutable = FS_IMMUTABLE_FL;
+    if (ioctl(opened, FS_IOC_GETFLAGS, &flags) != 0 || ioctl(opened, FS_IOC_SETFLAGS, &immutable) != 0)
+        GTEST_SKIP() << "no such protection here";
+    EDIT_PERMISSIONS permissions;
+    permissions.replace_read_only = true;
+    for (const EDIT_PERMISSIONS& given : {EDIT_PERMISSIONS(), permissions})
+    {
+        EXPECT_THAT(change_preference({HDL_PREFERENCE, "KHDL"}, given, milliseconds(0)).refusal,
+                    testing::EndsWith("velmar2.ini: Operation not permitted; the file cannot be changed where it is"));
+        EXPECT_NE(try_preference_change({HDL_PREFERENCE, "KHDL"}, given, milliseconds(0)).refusal, "");
+    }
+    EXPECT_EQ(ioctl(opened, FS_IOC_SETFLAGS, &flags), 0);
+    close(opened);
+    EXPECT_TRUE(set(HDL_PREFERENCE, "KHDL").changed());
+}
+
 TEST_F(PREFERENCE_EDIT, lost_values_need_leave)
 {
     std::string lines = "k0 = v\n";
@@ -275,6 +298,17 @@ TEST_F(PREFERENCE_EDIT, is_given_up_when_another_program_is_always_faster)
                                   "command again"));
     EXPECT_THAT(read_file(file), testing::StartsWith(before));
     EXPECT_THAT(names_in("user"), ElementsAre("velmar2.ini"));
+}
+
+TEST_F(PREFERENCE_EDIT, is_given_up_when_another_program_keeps_the_file_open)
+{
+    const int writer = open(file, O_RDWR | O_CLOEXEC);
+    EXPECT_THAT(complaint_of([] { set(HDL_PREFERENCE, "KHDL"); }),
+                testing::EndsWith("velmar2.ini: another program has it open for writing; nothing was changed, run the "
+                                  "command again when that program has closed it"));
+    EXPECT_EQ(read_file(file), before);
+    close(writer);
+    EXPECT_TRUE(set(HDL_PREFERENCE, "KHDL").changed());
 }
 
 // A host that loads, sets a key and saves, over and over, through the library, and watches over its other keys.

@@ -139,6 +139,10 @@ INSTANTIATE_TEST_SUITE_P(
              "[A]\nBc = 1\n[AB]\nc = 2\nd = 3\n",
              "\n[A]\nBc = 1\n\n[AB]\nd = 3\n",
              {"4 duplicate!"}},
+        SAVE{"section and key that run together in two ways, with the same value",
+             "[A]\nBc = 1\n[AB]\nc = 1\nd = 3\n",
+             "\n[A]\nBc = 1\n\n[AB]\nd = 3\n",
+             {"4 duplicate!"}},
         SAVE{"sections in two letter cases",
              "[ab]\nk = 1\n[Ab]\nl = 2\n[aB]\n",
              "\n[Ab]\nl = 2\nk = 1\n",
@@ -154,13 +158,71 @@ INSTANTIATE_TEST_SUITE_P(
         SAVE{"zero bytes",
              std::string("[A]\0b\nk = v\0w\nl = x\0\0 \nab\0c = d\n", 32),
              "\n[A]\nk = v\nl = x\n",
-             {"1 beside-header", "2 zero-byte!", "3 zero-byte", "4 too-short"}},
+             {"1 beside-header", "2 zero-byte!", "3 zero-byte", "4 too-short!"}},
+        SAVE{"characters of two bytes",
+             std::string("[\0A\0]\0\n\0k\0=\0v\0\n\0abc\0=\0d\0\n\0", 26),
+             "",
+             {"1 too-short", "2 too-short!", "3 too-short!", "4 too-short"}},
+        SAVE{"an assignment behind a zero byte",
+             std::string("[A]\nk = v\nold\0l = w\nabc\0x\n", 26),
+             "\n[A]\nk = v\n",
+             {"3 not-kept!", "4 not-kept"}},
         SAVE{"quotes within quotes",
              "[A]\nk = \"\"v\"\"\nl = \"\"\"\"\nm = \"\"w\n",
              "\n[A]\nk = \"v\"\nl = \"\"\nm = \"\"w\n",
              {"2 changed-value!"}},
         SAVE{
             "blanks within quotes within quotes", "[A]\nk = \"\" \"\"\n", "\n[A]\nk = \" \"\n", {"2 changed-value!"}}));
+
+// --- What the reader takes from the lines ---
+
+// "2 key [A] k = v", "3 header [B]", "4", with the word for a loss behind it.
+std::string brief(const EXAMINED_LINE& line)
+{
+    std::string text = std::to_string(line.number);
+    if (line.is_header || line.makes_record)
+        text.append(line.is_header ? " header [" : " key [").append(line.section).append("]");
+    if (line.makes_record)
+        text.append(" ")
+            .append(line.name)
+            .append(line.old_name_converted ? " (converted) = " : " = ")
+            .append(line.value);
+    return line.loss ? text + " " + loss_word(line.loss->reason) : text;
+}
+
+TEST(EXAMINED_LINES, say_what_the_reader_takes_from_them)
+{
+    const std::string bytes = "k = v\n\n[A]\n \t k\t= \"  v w \" \r\nk = 2\nPOST warning messages = on\nnote\n[a] x\n"
+                              "l =\n [] \nm = n\np = [q] \n";
+    const PREFERENCE_RECORDS records(bytes);
+    std::vector<std::string> lines;
+    records.for_each_line(
+        [&](const EXAMINED_LINE& line)
+        {
+            lines.push_back(brief(line));
+            // Parts of the file, but for what the reader has converted.
+            for (const std::string_view part :
+                 {line.text, line.section, line.old_name_converted ? "" : line.name, line.value})
+                EXPECT_TRUE(part.empty() || (part.data() >= bytes.data() && part.data() < bytes.data() + bytes.size()))
+                    << part;
+        });
+    EXPECT_EQ(lines, (std::vector<std::string>{"1 before-section", "3 header [A]", "4 key [A] k = v w", "5 duplicate",
+                                               "6 key [A] DISPLAY_WARNING_MESSAGES (converted) = on", "7 not-kept",
+                                               "8 header [a] beside-header", "9 key [a] l =  empty-value",
+                                               "10 header [] empty-header", "11 below-empty-header",
+                                               "12 header [q] bracket-in-value"}));
+}
+
+TEST(PREFERENCE_SAVE_TEXT, names_the_line_that_has_the_place_of_another)
+{
+    const auto text_of_loss = [](const char* bytes)
+    { return loss_as_text(PREFERENCE_RECORDS(bytes).lost_lines().front()); };
+    EXPECT_EQ(text_of_loss("[A]\nk = 1\nk = 2\n"),
+              "line 2 sets this key of this section already: the first one counts, and a save drops this one");
+    EXPECT_EQ(text_of_loss("[A]\nBc = 1\n[AB]\nc = 1\nd = 3\n"),
+              "line 2, in [A], has this section and this key, written as one word, already: the first one counts, and "
+              "a save drops this one");
+}
 
 // --- Changes ---
 
@@ -250,6 +312,28 @@ INSTANTIATE_TEST_SUITE_P(
                      "\n[General 23.4_pro]\nUSER_LIBRARIES = /x\n",
                      {}}));
 
+TEST(PREFERENCE_SAVE_OF_CHANGES, goes_by_the_last_one_and_by_what_the_file_said)
+{
+    PREFERENCE_RECORDS records(
+        "[General 23.4_pro]\nHDL_PREFERENCE = KHDL\nHDL_PREFERENCE = KHDL\nHDL_PREFERENCE = Verilog\n");
+    records.assign(HDL_PREFERENCE, "Verilog");
+    records.assign(HDL_PREFERENCE, "VHDL");
+    EXPECT_EQ(brief(records.lost_lines()), (std::vector<std::string>{"3 duplicate", "4 duplicate!"}));
+    records.assign(HDL_PREFERENCE, "KHDL");
+    EXPECT_EQ(records.saved(), "\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n");
+    records.clear(HDL_PREFERENCE);
+    records.clear(SHOW_MESSAGE_ID);
+    EXPECT_EQ(records.saved(), "");
+
+    // What was assigned where nothing was can be assigned again.
+    PREFERENCE_RECORDS none("");
+    none.assign(HDL_PREFERENCE, "VHDL");
+    none.assign(HDL_PREFERENCE, "KHDL");
+    none.assign(SHOW_MESSAGE_ID, "off");
+    EXPECT_EQ(none.saved(),
+              "\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n\n[Messages 23.4_pro]\nSHOW_MESSAGE_ID = off\n");
+}
+
 // --- Beside the library ---
 
 class PREFERENCE_SAVE_BESIDE_THE_LIBRARY : public ISOLATED_TEST
@@ -328,8 +412,8 @@ protected:
             return;
         std::set<std::pair<std::size_t, std::string>> linted;
         SECRETS secrets;
-        for (const FINDING& finding : lint_preferences(read_whole_file_of(bytes), secrets))
-            linted.emplace(finding.line.value(), finding.reason);
+        lint_preferences(read_whole_file_of(bytes), secrets,
+                         [&linted](const FINDING& finding) { linted.emplace(finding.line.value(), finding.reason); });
         for (const LOST_LINE& line : model.lost_lines())
             ASSERT_TRUE(linted.contains({line.number, loss_word(line.reason)})) << line.number << " " << bytes;
     }

@@ -34,6 +34,16 @@ protected:
         return read_file(file);
     }
 
+    // Such an edit of a file of these bytes ends so, and the file stays as it is.
+    void expect_unchanged(const std::string& bytes, const std::vector<std::string>& arguments,
+                          const TOOL_RUN& expected) const
+    {
+        write_preferences(bytes);
+        EXPECT_EQ(run(arguments), expected);
+        EXPECT_EQ(preferences(), bytes);
+        EXPECT_TRUE(other_files().empty());
+    }
+
     // What stands in the directory beside the preference file.
     static std::vector<std::string> other_files()
     {
@@ -72,10 +82,8 @@ TEST_F(PREFS_EDIT, set_replaces_a_value_and_keeps_the_spelling_given)
 
 TEST_F(PREFS_EDIT, set_to_the_same_value_leaves_every_byte)
 {
-    const char* const commented = "# mine\n[General 23.4_pro]\nHDL_PREFERENCE=VHDL";
-    write_preferences(commented);
-    EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}), (TOOL_RUN{0, "", ""}));
-    EXPECT_EQ(preferences(), commented);
+    expect_unchanged("# mine\n[General 23.4_pro]\nHDL_PREFERENCE=VHDL", {"prefs", "set", "HDL_PREFERENCE", "VHDL"},
+                     {0, "", ""});
 }
 
 TEST_F(PREFS_EDIT, values_of_every_look)
@@ -116,22 +124,18 @@ TEST_F(PREFS_EDIT, a_value_that_would_not_be_read_back_is_refused)
 
 TEST_F(PREFS_EDIT, a_line_that_a_save_would_spoil_stops_the_change)
 {
-    const char* const quoted_twice = "[General 23.4_pro]\nUSER_LIBRARIES = \"\"/lib\"\"\n";
-    write_preferences(quoted_twice);
-    EXPECT_EQ(
-        run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}),
-        (TOOL_RUN{4, "",
-                  "velmar-cfg: " + full_path() +
-                      ": lines that would not be kept as they were: 1\n"
-                      "velmar-cfg: line 2: 'USER_LIBRARIES = \"\"/lib\"\"': a save keeps these quotes, and the "
-                      "load behind it removes them\n"
-                      "velmar-cfg: " +
-                      full_path() +
-                      ": a save would also change USER_LIBRARIES from '\"/lib\"' to '/lib', as [General "
-                      "23.4_pro] says, since line 2 is not kept as it is; set that one first, or --allow-loss does it "
-                      "anyway\n"}));
-    EXPECT_EQ(preferences(), quoted_twice);
-    EXPECT_TRUE(other_files().empty());
+    expect_unchanged(
+        "[General 23.4_pro]\nUSER_LIBRARIES = \"\"/lib\"\"\n", {"prefs", "set", "HDL_PREFERENCE", "VHDL"},
+        {4, "",
+         "velmar-cfg: " + full_path() +
+             ": lines that would not be kept as they were: 1\n"
+             "velmar-cfg: line 2: 'USER_LIBRARIES = \"\"/lib\"\"': a save keeps these quotes, and the "
+             "load behind it removes them\n"
+             "velmar-cfg: " +
+             full_path() +
+             ": a save would also change USER_LIBRARIES from '\"/lib\"' to '/lib', as [General "
+             "23.4_pro] says, since line 2 is not kept as it is; set that one first, or --allow-loss does it "
+             "anyway\n"});
 }
 
 // A first value in the running release's section ends the carrying over into it, so what was carried over is written
@@ -301,32 +305,86 @@ TEST_F(PREFS_EDIT, another_value_that_would_change_is_told_where_it_may)
                                        "23.3_pro] says, since line 1 is not kept as it is\n"));
 }
 
-TEST_F(PREFS_EDIT, of_very_many_lost_lines_the_first_are_shown)
+struct MANY_LOST_LINES
 {
-    std::string bytes;
-    for (int i = 1; i <= 60; ++i)
+    const char* title;
+    std::vector<std::string> options;
+    bool with_value;  // that would be lost
+    int shown;        // of the 60
+    std::string rest; // what is said of the others
+};
+
+void PrintTo(const MANY_LOST_LINES& row, std::ostream* stream)
+{
+    *stream << row.title;
+}
+
+class PREFS_EDIT_OF_MANY_LOST_LINES : public PREFS_EDIT, public testing::WithParamInterface<MANY_LOST_LINES>
+{
+};
+
+// Each line is shown, or can be where it is said: in the JSON.
+TEST_P(PREFS_EDIT_OF_MANY_LOST_LINES, hides_none)
+{
+    std::string bytes = GetParam().with_value ? "k = v\n" : "#\n";
+    for (int i = 2; i <= 60; ++i)
         bytes += "# " + std::string(200, 'x') + "\n";
     write_preferences(bytes);
-    const TOOL_RUN edited = run({"prefs", "set", "HDL_PREFERENCE", "VHDL"});
-    EXPECT_EQ(edited.exit_code, 0);
-    EXPECT_EQ(std::count(edited.err.begin(), edited.err.end(), '\n'), 52);
+    std::vector<std::string> arguments = {"prefs", "set", "HDL_PREFERENCE", "VHDL"};
+    arguments.insert(arguments.end(), GetParam().options.begin(), GetParam().options.end());
+    const TOOL_RUN edited = run(arguments);
     EXPECT_THAT(edited.err, HasSubstr("kept as they were: 60\n"));
     EXPECT_THAT(edited.err, HasSubstr("velmar-cfg: line 50: '# " + std::string(98, 'x') + "...': this line"));
-    EXPECT_THAT(edited.err, EndsWith("velmar-cfg: and 10 more; --dry-run shows them all\n"));
+    int shown = 0;
+    for (std::size_t at = 0; (at = edited.err.find("velmar-cfg: line ", at)) != std::string::npos; ++at)
+        ++shown;
+    EXPECT_EQ(shown, GetParam().shown);
+    EXPECT_THAT(edited.err, HasSubstr(GetParam().rest));
+    EXPECT_EQ(edited.err.find(" more; ") != std::string::npos, shown < 60);
+    if (shown < 60)
+    {
+        const nlohmann::json rows = run({"prefs", "set", "HDL_PREFERENCE", "VHDL", "--dry-run", "--json"}).json();
+        const bool changed = preferences() != bytes;
+        EXPECT_EQ((changed ? edited.json() : rows).at("lost_lines").size(), 60U);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    table, PREFS_EDIT_OF_MANY_LOST_LINES,
+    testing::Values(
+        MANY_LOST_LINES{"a change", {}, false, 60, "velmar-cfg: line 60: "},
+        MANY_LOST_LINES{"a change that loses a value", {"--allow-loss"}, true, 60, "velmar-cfg: line 60: "},
+        MANY_LOST_LINES{
+            "a dry run", {"--dry-run"}, false, 50, "velmar-cfg: and 10 more; --dry-run --json lists them all\n"},
+        MANY_LOST_LINES{"a refusal", {}, true, 50, "velmar-cfg: and 10 more; --dry-run --json lists them all\n"},
+        MANY_LOST_LINES{
+            "a change in JSON", {"--json"}, false, 50, "velmar-cfg: and 10 more; \"lost_lines\" has them all\n"},
+        MANY_LOST_LINES{"a dry run in JSON",
+                        {"--json", "--dry-run"},
+                        false,
+                        50,
+                        "velmar-cfg: and 10 more; \"lost_lines\" has them all\n"}));
+
+TEST_F(PREFS_EDIT, no_secret_is_shown_with_sections_that_are_told_again_and_again)
+{
+    std::string bytes = "[cloud 23.4_pro]\nCLOUD_TOKEN = hush-[Hush-hush]\n[hush-hush]\n";
+    for (int i = 0; i < 3; ++i)
+        bytes += "k" + std::to_string(i) + " = v\n";
+    write_preferences(bytes + "[Hush-hush]\nl = w\n");
+    const TOOL_RUN edited = run({"prefs", "set", "HDL_PREFERENCE", "VHDL"});
+    EXPECT_EQ(edited.exit_code, 4);
+    EXPECT_THAT(edited.err, HasSubstr("line 6: 'k2 = v': the section ["));
+    EXPECT_THAT(edited.err, testing::Not(HasSubstr("[Hush")));
 }
 
 TEST_F(PREFS_EDIT, a_section_that_is_spelt_otherwise_is_blamed_and_not_the_value)
 {
-    const char* const bytes = "[GENERAL 23.4_pro]\nx = y\n";
-    write_preferences(bytes);
-    EXPECT_EQ(
-        run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}),
-        (TOOL_RUN{4, "",
-                  "velmar-cfg: " + full_path() +
-                      ":1: the section [GENERAL 23.4_pro] differs from [General 23.4_pro] in letter case only, and "
-                      "a save would write HDL_PREFERENCE below it, where no lookup finds it; rename that "
-                      "section\n"}));
-    EXPECT_EQ(preferences(), bytes);
+    expect_unchanged("[GENERAL 23.4_pro]\nx = y\n", {"prefs", "set", "HDL_PREFERENCE", "VHDL"},
+                     {4, "",
+                      "velmar-cfg: " + full_path() +
+                          ":1: the section [GENERAL 23.4_pro] differs from [General 23.4_pro] in letter case only, and "
+                          "a save would write HDL_PREFERENCE below it, where no lookup finds it; rename that "
+                          "section\n"});
 }
 
 TEST_F(PREFS_EDIT, reset_leaves_the_preference_out)
@@ -346,21 +404,16 @@ TEST_F(PREFS_EDIT, reset_writes_the_default_where_an_older_release_would_shine_t
 
 TEST_F(PREFS_EDIT, reset_that_the_file_cannot_express_is_not_made)
 {
-    const char* const bytes = "[Cloud 23.3_pro]\nCLOUD_SERVER = host\n";
-    write_preferences(bytes);
-    const TOOL_RUN reset = run({"prefs", "reset", "CLOUD_SERVER"});
-    EXPECT_EQ(reset.exit_code, 4);
-    EXPECT_EQ(reset.err, "velmar-cfg: " + full_path() +
-                             ":1: the section [Cloud 23.3_pro] gives CLOUD_SERVER the value 'host', and there is no "
-                             "default that could be written above it; remove the value there\n");
-    EXPECT_EQ(preferences(), bytes);
+    expect_unchanged("[Cloud 23.3_pro]\nCLOUD_SERVER = host\n", {"prefs", "reset", "CLOUD_SERVER"},
+                     {4, "",
+                      "velmar-cfg: " + full_path() +
+                          ":1: the section [Cloud 23.3_pro] gives CLOUD_SERVER the value 'host', and there is no "
+                          "default that could be written above it; remove the value there\n"});
 }
 
 TEST_F(PREFS_EDIT, reset_of_what_has_its_default_leaves_every_byte)
 {
-    write_preferences("# mine\n");
-    EXPECT_EQ(run({"prefs", "reset", "HDL_PREFERENCE"}), (TOOL_RUN{0, "", ""}));
-    EXPECT_EQ(preferences(), "# mine\n");
+    expect_unchanged("# mine\n", {"prefs", "reset", "HDL_PREFERENCE"}, {0, "", ""});
 }
 
 // --- The file system around the file ---
@@ -371,14 +424,14 @@ TEST_F(PREFS_EDIT, mode_and_owner_are_kept)
     ASSERT_EQ(chmod(file, 0640), 0);
     if (geteuid() == 0)
     {
-        ASSERT_EQ(chown(file, 4711, 4712), 0);
+        ASSERT_EQ(chown(file, 64711, 64712), 0);
     }
     ASSERT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL"}).exit_code, 0);
     struct stat status;
     ASSERT_EQ(stat(file, &status), 0);
     EXPECT_EQ(status.st_mode & 07777U, 0640U);
-    EXPECT_EQ(status.st_uid, geteuid() == 0 ? 4711U : getuid());
-    EXPECT_EQ(status.st_gid, geteuid() == 0 ? 4712U : getgid());
+    EXPECT_EQ(status.st_uid, geteuid() == 0 ? 64711U : getuid());
+    EXPECT_EQ(status.st_gid, geteuid() == 0 ? 64712U : getgid());
 }
 
 TEST_F(PREFS_EDIT, a_symbolic_link_stays_one)
@@ -401,12 +454,12 @@ TEST_F(PREFS_EDIT, root_follows_no_link_that_a_user_planted)
         GTEST_SKIP() << "only root can give links away";
     write_file("elsewhere/secret", normal_form);
     std::filesystem::create_symlink("../elsewhere/secret", file);
-    ASSERT_EQ(lchown(file, 4711, 4711), 0);
+    ASSERT_EQ(lchown(file, 64711, 64711), 0);
     for (const char* const mode : {"--wait=0", "--dry-run"})
     {
         const TOOL_RUN edited = run({"prefs", "set", "HDL_PREFERENCE", "KHDL", mode});
         EXPECT_EQ(edited.exit_code, 4);
-        EXPECT_THAT(edited.err, HasSubstr("is a link that belongs to the user number 4711"));
+        EXPECT_THAT(edited.err, HasSubstr("is a link that belongs to the user number 64711"));
     }
     EXPECT_EQ(read_file("elsewhere/secret"), normal_form);
 }

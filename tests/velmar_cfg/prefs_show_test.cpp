@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include "tests/velmar_cfg/tool_test.h"
 
 namespace
@@ -135,6 +137,18 @@ TEST_F(PREFS, describe_says_what_the_catalogue_knows)
                              "section  Messages\n");
     EXPECT_THAT(run({"prefs", "describe", "SOUND_WHEN_PROCESS_DONE"}).out,
                 HasSubstr("once     Beep when process done\nregistry Beep when process done, in General\n"));
+}
+
+// Whether there is a file behind it cannot be told.
+TEST_F(PREFS, path_tells_what_is_in_the_way)
+{
+    write_file("user/readme", "");
+    ASSERT_EQ(symlink("nowhere", "user/velmar2.ini"), 0);
+    EXPECT_EQ(run({"prefs", "path"}),
+              (TOOL_RUN{3, "user/velmar2.ini\n",
+                        "velmar-cfg: user/velmar2.ini: is a link to what does not exist; remove "
+                        "the link or make what it names\n"}));
+    EXPECT_EQ(run({"prefs", "path", "--json"}).json().at("exists"), false);
 }
 
 TEST_F(PREFS, path_prints_where_the_file_is_or_would_be)

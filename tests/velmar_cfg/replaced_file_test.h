@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "tests/support/isolated_test.h"
+#include "tests/support/pipes.h"
 #include "tools/velmar-cfg/base/errors.h"
 
 // Gives the file a time of its last write that lies an hour back: it is not being written.
@@ -47,8 +48,8 @@ inline std::vector<std::string> names_in(const std::string& directory)
     return names;
 }
 
-// The number of a user and a group that the machine need not know.
-constexpr uid_t other_user = 4711;
+// The number of a user and a group that no machine is likely to know by name, and that containers have as well.
+constexpr uid_t other_user = 64711;
 
 // Runs `work` in a child process as that user, and returns its text. Only root can do that.
 inline std::string as_other_user(const std::function<std::string()>& work)
@@ -64,11 +65,7 @@ inline std::string as_other_user(const std::function<std::string()>& work)
         _exit(write(ends[1], text.data(), text.size()) == static_cast<ssize_t>(text.size()) ? 0 : 1);
     }
     close(ends[1]);
-    std::string text;
-    char buffer[4096];
-    for (ssize_t got = 0; (got = read(ends[0], buffer, sizeof buffer)) > 0;)
-        text.append(buffer, static_cast<std::size_t>(got));
-    close(ends[0]);
+    std::string text = read_to_end(ends[0]);
     int status = 0;
     EXPECT_EQ(waitpid(child, &status, 0), child);
     EXPECT_EQ(status, 0);

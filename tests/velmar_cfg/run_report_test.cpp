@@ -79,6 +79,143 @@ Set from outside and never read
                                                              ""}));
 }
 
+constexpr const char* run_of_version_2 = R"({
+  "schema": "velmar-run-report", "schema_version": 2, "run": "nightly/npu", "release": "24.1",
+  "outcome": 12.5, "host": "farm7", "process": 4711, "directory": "/proj", "executable": "/opt/velmar",
+  "started": "2026-11-22T08:25:00Z", "ended": "2026-11-22T08:26:30Z",
+  "environment": [{"name": "VELMAR_INI_VARS", "value": "d=4;api_token=geheim42"}],
+  "sources_complete": false,
+  "sources": [
+    {"layer": "main", "external": true, "path": "/proj/velmar.ini", "size": 10,
+     "modified": "2026-11-22T08:00:00.000000000Z", "state": "same"},
+    {"layer": "appended", "external": false, "path": "/proj/more.ini", "size": 11,
+     "modified": "2026-11-22T08:00:00.000000000Z", "state": "changed"},
+    {"layer": "inline", "external": true, "text": "d=4;api_token=geheim42", "state": "same"},
+    {"layer": "program", "external": false, "text": "e=5", "state": "same"}
+  ],
+  "read": [
+    {"name": "a", "count": 9, "value": "1", "external": true, "used": true, "source": 0, "line": 12},
+    {"name": "b", "count": 8, "value": "2", "external": false, "used": true, "origin": "program",
+     "overridden": [{"source": 0, "line": 13, "value": "0"}]},
+    {"name": "c", "count": 7, "value": "3", "external": false, "used": true, "origin": "unknown",
+     "perhaps": [{"source": 1}, {"source": 0, "line": 14}]},
+    {"name": "d", "count": 6, "value": "4", "external": true, "used": false, "source": 2, "item": 1},
+    {"name": "e", "count": 5, "value": "5", "external": false, "used": true, "origin": "program", "source": 3, "item": 1},
+    {"name": "f", "count": 4, "value": null, "external": false, "used": false, "origin": "unset"},
+    {"name": "g", "count": 3, "value": null, "external": false, "used": false, "origin": "unknown"},
+    {"name": {"hex": "68ff"}, "count": 2, "value": {"hex": "ff"}, "external": false, "used": true, "origin": "unknown"}
+  ],
+  "external_never_read": [{"name": "api_token", "value": "geheim42", "source": 2, "item": 2}],
+  "asked_once": ["asked"],
+  "set_never_read": ["set"]
+})";
+
+TEST_F(RUN_REPORT, of_version_2_tells_where_values_came_from)
+{
+    write_file("npu.json", run_of_version_2);
+    EXPECT_EQ(run({"run-report", "npu.json", "--with-secrets"}), (TOOL_RUN{0, R"(Run nightly/npu, release 24.1
+  outcome: 12.5
+  process 4711 on farm7: /opt/velmar
+  current directory: /proj
+  started 2026-11-22T08:25:00Z, reported 2026-11-22T08:26:30Z
+  main settings file: /proj/velmar.ini
+  appended file: /proj/more.ini
+  not read again: /proj/more.ini (changed)
+  more sources were applied than the report knows
+
+READS                            VARIABLE
+    9  ########################  a=1  /proj/velmar.ini:12
+    8  #####################     b=2  set by the program
+    7  ###################       c=3  origin unknown, perhaps /proj/more.ini, /proj/velmar.ini:14
+    6  ################          d=4  VELMAR_INI_VARS:1  (not of the type asked for)
+    5  #############             e=5  set by the program, a text:1
+    4  ###########               f  (unset)
+    3  ########                  g  (value not told: not of the type asked for)
+    2  #####                     h\xff=\xff  origin unknown
+
+Set from outside and never read
+  api_token=geheim42  VELMAR_INI_VARS:2
+
+Asked for once while unset
+  asked
+
+Set inside the run, or by files on top of the main one, and never read
+  set
+)",
+                                                                           ""}));
+}
+
+TEST_F(RUN_REPORT, of_version_2_is_written_as_json_as_the_host_wrote_it)
+{
+    write_file("npu.json", run_of_version_2);
+    nlohmann::json expected = nlohmann::json::parse(run_of_version_2);
+    nlohmann::json written = run({"run-report", "npu.json", "--json", "--with-secrets"}).json();
+    EXPECT_EQ(written.at("file"), "npu.json");
+    EXPECT_EQ(written.at("files").at("appended"), "/proj/more.ini");
+    EXPECT_EQ(written.at("uncounted"), nlohmann::json::array());
+    for (const char* const own : {"file", "files", "uncounted"})
+        written.erase(own);
+    for (const char* const of_document : {"schema", "schema_version"})
+        expected.erase(of_document);
+    expected["outcome"] = "12.5";
+    const nlohmann::json nothing = {{"origin", nullptr},
+                                    {"source", nullptr},
+                                    {"line", nullptr},
+                                    {"item", nullptr},
+                                    {"perhaps", nlohmann::json::array()},
+                                    {"overridden", nlohmann::json::array()}};
+    const auto fill = [](nlohmann::json& row, const nlohmann::json& all)
+    {
+        nlohmann::json filled = all;
+        filled.update(row);
+        row = filled;
+    };
+    const nlohmann::json no_place = {{"line", nullptr}, {"item", nullptr}};
+    for (const char* const list : {"read", "external_never_read"})
+    {
+        for (nlohmann::json& row : expected[list])
+        {
+            fill(row, nothing);
+            for (const char* const places : {"perhaps", "overridden"})
+            {
+                for (nlohmann::json& place : row[places])
+                    fill(place, no_place);
+            }
+        }
+    }
+    for (nlohmann::json& row : expected["sources"])
+        fill(row, {{"path", nullptr}, {"size", nullptr}, {"modified", nullptr}, {"text", nullptr}});
+    EXPECT_EQ(written, expected);
+}
+
+TEST_F(RUN_REPORT, of_version_2_shows_no_secret_unasked)
+{
+    write_file("npu.json", run_of_version_2);
+    for (const std::vector<std::string>& form : {std::vector<std::string>{}, {"--json"}})
+    {
+        std::vector<std::string> command = {"run-report", "npu.json"};
+        command.insert(command.end(), form.begin(), form.end());
+        const TOOL_RUN result = run(command);
+        EXPECT_EQ(result.exit_code, 0);
+        EXPECT_THAT(result.out, testing::Not(testing::HasSubstr("geheim42")));
+    }
+}
+
+TEST_F(RUN_REPORT, of_version_2_tells_what_was_asked_once_from_what_was_never_read)
+{
+    write_file("npu.json", run_of_version_2);
+    EXPECT_EQ(run({"run-report", "--merge", "--switch", "ASKED", "npu.json"}),
+              (TOOL_RUN{0, "ASKED was read by 1 of 1 run\n  nightly/npu: asked for once, while unset\n", ""}));
+    EXPECT_EQ(run({"run-report", "--merge", "--switch", "set", "npu.json"}),
+              (TOOL_RUN{1, "set was read by 0 of 1 run\n  nightly/npu: never read, set inside the run\n", ""}));
+    write_file("set.json", R"({"schema": "velmar-run-report", "schema_version": 1, "run": "one", "release": "23.4",
+        "files": {"main": null, "appended": null, "regtest": null}, "read": [],
+        "external_never_read": [{"name": "asked", "value": "1"}, {"name": "set", "value": "2"}], "uncounted": []})");
+    EXPECT_EQ(run({"run-report", "--merge", "npu.json", "set.json", "--with-secrets"}).out,
+              "Set from outside and read by none of 2 runs\n  api_token=geheim42  set in 1 run\n"
+              "  set=2  set in 1 run\n");
+}
+
 TEST_F(RUN_REPORT, paints_on_request)
 {
     write_file("one.json", R"({"schema": "velmar-run-report", "schema_version": 1, "run": "one", "release": "23.4",
@@ -97,7 +234,30 @@ TEST_F(RUN_REPORT, writes_json)
 {
     const TOOL_RUN result = run({"run-report", "cpu.json", "--json"});
     EXPECT_EQ(result.exit_code, 0);
-    EXPECT_EQ(result.json(), nlohmann::json::parse(R"({
+    nlohmann::json written = result.json();
+    // What version 1 does not know.
+    for (const char* const unknown : {"outcome", "host", "process", "directory", "executable", "started", "ended"})
+    {
+        EXPECT_EQ(written.at(unknown), nullptr) << unknown;
+        written.erase(unknown);
+    }
+    for (const char* const list : {"environment", "sources", "asked_once", "set_never_read"})
+    {
+        EXPECT_EQ(written.at(list), nlohmann::json::array()) << list;
+        written.erase(list);
+    }
+    EXPECT_EQ(written.at("sources_complete"), false);
+    written.erase("sources_complete");
+    for (const char* const list : {"read", "external_never_read"})
+    {
+        for (nlohmann::json& row : written[list])
+        {
+            EXPECT_EQ(row.at("origin"), "unknown");
+            for (const char* const member : {"origin", "source", "line", "item", "perhaps", "overridden"})
+                row.erase(member);
+        }
+    }
+    EXPECT_EQ(written, nlohmann::json::parse(R"({
   "run": "nightly/cpu", "file": "cpu.json", "release": "23.4",
   "files": {"main": "cpu/velmar.ini", "appended": null, "regtest": "cpu/regtest.ini"},
   "read": [
@@ -243,6 +403,14 @@ TEST_P(BAD_RUN_REPORT, is_refused_with_what_is_wrong)
     R"({"schema": "velmar-run-report", "schema_version": 1, "run": "r", "release": "1",)"                              \
     R"("files": {"main": null, "appended": null, "regtest": null}, )" rows "}"
 
+// One of version 2 with this row and one source.
+#define REPORT_OF_VERSION_2(row)                                                                                       \
+    R"({"schema": "velmar-run-report", "schema_version": 2, "run": "r", "release": "1", "outcome": null,)"             \
+    R"("host": null, "process": 1, "directory": null, "executable": null, "started": null, "ended": "",)"              \
+    R"("environment": [], "sources_complete": true,)"                                                                  \
+    R"("sources": [{"layer": "inline", "external": true, "text": "a=1", "state": "same"}],)"                           \
+    R"("read": [)" row R"(], "external_never_read": [], "asked_once": [], "set_never_read": []})"
+
 INSTANTIATE_TEST_SUITE_P(
     rows, BAD_RUN_REPORT,
     testing::Values(
@@ -263,9 +431,20 @@ INSTANTIATE_TEST_SUITE_P(
                    "is no run report; give one that a host's cfg_write_run_report has written"},
         BAD_REPORT{"version_as_text", R"({"schema": "velmar-run-report", "schema_version": "1"})",
                    "is no run report; give one that a host's cfg_write_run_report has written"},
-        BAD_REPORT{"newer_version", R"({"schema": "velmar-run-report", "schema_version": 2})",
-                   "is a run report of version 2, and this velmar-cfg knows them up to version 1; use a newer "
+        BAD_REPORT{"newer_version", R"({"schema": "velmar-run-report", "schema_version": 3})",
+                   "is a run report of version 3, and this velmar-cfg knows them up to version 2; use a newer "
                    "velmar-cfg"},
+        BAD_REPORT{"source_out_of_range",
+                   REPORT_OF_VERSION_2(R"({"name": "a", "count": 1, "value": "1", "external": true, "used": true,)"
+                                       R"("source": 1, "line": 1})"),
+                   ".read[0].source is no index of a source; have the file written again"},
+        BAD_REPORT{"no_source",
+                   REPORT_OF_VERSION_2(R"({"name": "a", "count": 1, "value": "1", "external": true, "used": true})"),
+                   ".read[0].source is missing; have the file written again"},
+        BAD_REPORT{"origin_of_no_kind",
+                   REPORT_OF_VERSION_2(R"({"name": "a", "count": 1, "value": "1", "external": true, "used": true,)"
+                                       R"("origin": "guess"})"),
+                   ".read[0].origin is no origin; have the file written again"},
         BAD_REPORT{"field_missing", R"({"schema": "velmar-run-report", "schema_version": 1, "files": {}})",
                    ".run is missing; have the file written again"},
         BAD_REPORT{"files_no_object", R"({"schema": "velmar-run-report", "schema_version": 1, "run": "r",

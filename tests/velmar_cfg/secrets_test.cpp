@@ -338,6 +338,12 @@ TEST(SECRET_PREFERENCES, are_hidden_in_lines)
              {"WEB_BROWSER = b --token=abc", "WEB_BROWSER = b --token=*"},
              {"[My token]\nA = b", "[My token]\nA = b"},
              {"CLOUD_USERNAME = joe\n\n", "CLOUD_USERNAME = joe\n\n"},
+             {"A = b\nPROXY_USER1 = joe\n\nC = d\nMY_PASSWORD = abc\nE = f",
+              "A = b\nPROXY_USER1 = *\n\nC = d\nMY_PASSWORD = *\nE = f"},
+             {"A = b\nPROXY_USER1 = joe\n", "A = b\nPROXY_USER1 = *\n"},
+             {"A = x Proxy_User2=joe", "A = x Proxy_User2=*"},
+             {"A = x NO_PROXY_USER2=joe", "A = x NO_PROXY_USER2=joe"},
+             {"PROXY_USER = joe", "PROXY_USER = joe"},
              {"", ""},
          })
     {
@@ -347,6 +353,23 @@ TEST(SECRET_PREFERENCES, are_hidden_in_lines)
     }
     secrets.show_all();
     EXPECT_EQ(hide_in_preference_text("CLOUD_TOKEN=abc", secrets), std::nullopt);
+}
+
+// Lines are searched before they are taken apart; the search passes by none of the names.
+TEST(SECRET_PREFERENCES, are_hidden_by_every_name_that_is_secret)
+{
+    SECRETS secrets;
+    std::vector<std::string> names = all_preference_keys();
+    for (const auto& [current_name, old_name] : cfg_user_ini_name_old_name_table)
+        names.emplace_back(old_name);
+    int secret_names = 0;
+    for (const std::string& name : names)
+    {
+        const bool is_secret = is_secret_preference_name(name, secrets);
+        EXPECT_EQ(hide_in_preference_text(name + " = hush-hush", secrets).has_value(), is_secret) << name;
+        secret_names += is_secret ? 1 : 0;
+    }
+    EXPECT_EQ(secret_names, 3);
 }
 
 TEST(SECRET_PREFERENCES, are_looked_up_as_before_but_for_the_value)
@@ -368,7 +391,8 @@ TEST(SECRET_PREFERENCES, are_hidden_in_findings)
 {
     SECRETS secrets;
     const INPUT_FILE file{"velmar2.ini", "[General 23.4_pro]\nMY_TOKEN = abcdef\nCLOUD_TOKEN = ab[cd\n", {}};
-    const std::vector<FINDING> findings = lint_preferences(file, secrets);
+    std::vector<FINDING> findings;
+    lint_preferences(file, secrets, [&findings](const FINDING& finding) { findings.push_back(finding); });
     ASSERT_EQ(findings.size(), 2U);
     EXPECT_EQ(findings[0].reason, "unknown-key");
     EXPECT_EQ(findings[1].reason, "bracket-in-value");

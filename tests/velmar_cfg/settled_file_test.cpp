@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <sys/mman.h>
+#include <sys/xattr.h>
 
 #include "tests/support/failing_files.h"
 #include "tests/velmar_cfg/failing_calls.h"
@@ -95,19 +96,40 @@ TEST_F(SETTLED_FILE, a_file_from_the_future_is_watched_for_a_while)
     EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(50));
 }
 
-TEST_F(SETTLED_FILE, one_that_is_always_written_is_given_up)
+// A write at each of the first looks.
+std::map<int, std::function<int()>> writes_at_looks(const char* file)
 {
     std::map<int, std::function<int()>> writes;
     for (int look = 1; look < 1000; ++look)
-        writes[look] = [look]
+        writes[look] = [look, file]
         {
             write_file(file, "write " + std::to_string(look));
             return 0;
         };
-    const CALL_WATCH looks(SYSTEM_CALL::FSTATAT, writes);
+    return writes;
+}
+
+TEST_F(SETTLED_FILE, one_that_is_always_written_is_given_up)
+{
+    const CALL_WATCH looks(SYSTEM_CALL::FSTATAT, writes_at_looks(file));
     const auto before = std::chrono::steady_clock::now();
     EXPECT_EQ(settled(150), being_written());
     EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(150));
+}
+
+// The shortest of several attempts: the machine may be busy.
+TEST_F(SETTLED_FILE, without_time_it_is_given_up_once_it_could_have_settled)
+{
+    auto shortest = std::chrono::steady_clock::duration::max();
+    for (int attempt = 0; attempt < 20 && shortest >= std::chrono::milliseconds(90); ++attempt)
+    {
+        const CALL_WATCH looks(SYSTEM_CALL::FSTATAT, writes_at_looks(file));
+        const auto before = std::chrono::steady_clock::now();
+        EXPECT_EQ(settled(0), being_written());
+        shortest = std::min(shortest, std::chrono::steady_clock::now() - before);
+    }
+    EXPECT_LT(shortest, std::chrono::milliseconds(90));
+    EXPECT_GE(shortest, std::chrono::milliseconds(50));
 }
 
 struct COURSE
@@ -234,7 +256,14 @@ INSTANTIATE_TEST_SUITE_P(
                                std::filesystem::rename("user/file", "user/moved");
                                std::filesystem::create_symlink("moved", "user/file");
                            }},
-                    CHANGE{"another mode", [] { chmod("user/file", 0600); }}));
+                    CHANGE{"another mode", [] { chmod("user/file", 0600); }},
+                    CHANGE{"another name", [] { std::filesystem::create_hard_link("user/file", "user/other"); }},
+                    CHANGE{"an attribute", []
+                           {
+                               // The mode, where a file system has no attributes.
+                               if (setxattr("user/file", "user.note", "mine", 4, 0) != 0)
+                                   chmod("user/file", 0660);
+                           }}));
 
 TEST_F(SETTLED_FILE, a_file_that_appears_is_seen)
 {

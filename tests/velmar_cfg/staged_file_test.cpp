@@ -17,10 +17,24 @@ using testing::HasSubstr;
 class STAGED_FILE_TEST : public REPLACED_FILE_TEST
 {
 protected:
-    // Replaces the file by "new\n": "replaced", "not replaced" or the complaint.
+    static std::string in_words(REPLACEMENT replacement)
+    {
+        switch (replacement)
+        {
+        case REPLACEMENT::DONE:
+            return "replaced";
+        case REPLACEMENT::OPEN_FOR_WRITING:
+            return "open";
+        case REPLACEMENT::CHANGED_MEANWHILE:
+            break;
+        }
+        return "not replaced";
+    }
+
+    // Replaces the file by "new\n": "replaced", "open", "not replaced" or the complaint.
     static std::string replace()
     {
-        bool replaced = false;
+        std::string result;
         const std::string complaint = complaint_of(
             [&]
             {
@@ -28,9 +42,9 @@ protected:
                 const std::optional<SEEN_FILE> seen = SEEN_FILE::look_at(place);
                 ASSERT_TRUE(seen);
                 STAGED_FILE staged(place, *seen, "new\n");
-                replaced = staged.replace_target();
+                result = in_words(staged.replace_target());
             });
-        return complaint.empty() ? (replaced ? "replaced" : "not replaced") : complaint;
+        return complaint.empty() ? result : complaint;
     }
 
     // The same, when this happens between the look and the replacement.
@@ -40,7 +54,18 @@ protected:
         const std::optional<SEEN_FILE> seen = SEEN_FILE::look_at(place);
         STAGED_FILE staged(place, seen.value(), "new\n");
         action();
-        return staged.replace_target() ? "replaced" : "not replaced";
+        return in_words(staged.replace_target());
+    }
+
+    // The path of the new file, while it is made.
+    static std::string staged()
+    {
+        for (const std::string& name : names_in("user"))
+        {
+            if (name != "file")
+                return "user/" + name;
+        }
+        return "none";
     }
 
     static std::function<int()> happens(const std::function<void()>& action)
@@ -136,8 +161,8 @@ TEST_F(STAGED_FILE_TEST, keeps_mode_owner_and_group)
         uid_t owner;
         gid_t group;
     };
-    for (const ROW& row : {ROW{0600, 0, 0}, ROW{0666, 0, 0}, ROW{0200, 0, 0}, ROW{0640, 4711, 4712}, ROW{0644, 4711, 0},
-                           ROW{0644, 0, 4712}, ROW{04755, 4711, 4712}, ROW{02775, 0, 4712}})
+    for (const ROW& row : {ROW{0600, 0, 0}, ROW{0666, 0, 0}, ROW{0200, 0, 0}, ROW{0640, 64711, 64712},
+                           ROW{0644, 64711, 0}, ROW{0644, 0, 64712}, ROW{04755, 64711, 64712}, ROW{02775, 0, 64712}})
     {
         const bool other = row.owner != 0 || row.group != 0;
         if (other && geteuid() != 0)
@@ -197,6 +222,35 @@ TEST_F(STAGED_FILE_TEST, replaces_nothing_where_attributes_cannot_be_kept)
                              ": its attribute user.note cannot be kept: No space left on device; nothing was changed");
     EXPECT_EQ(read_file(file), "old\n");
     EXPECT_THAT(names_in("user"), ElementsAre("file"));
+}
+
+// Some file systems take an attribute, and do not have it afterwards.
+TEST_F(STAGED_FILE_TEST, replaces_nothing_where_attributes_do_not_stay)
+{
+    if (!set_attribute(file, "user.a", "1") || !set_attribute(file, "user.b", "2"))
+        GTEST_SKIP() << "no attributes here";
+    const CALL_WATCH watch(SYSTEM_CALL::FSETXATTR, {{2, happens([] { removexattr(staged().c_str(), "user.a"); })}});
+    EXPECT_EQ(replace(), "4 " + full_path() +
+                             ": its access control list and attributes cannot be kept on this file system; nothing "
+                             "was changed");
+    EXPECT_EQ(read_file(file), "old\n");
+}
+
+// Others must not read at any moment what they may not read in the end.
+TEST_F(STAGED_FILE_TEST, is_the_owner_s_alone_until_it_has_the_file_s_mode)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can give files away";
+    ASSERT_EQ(chmod(file, 0600), 0);
+    ASSERT_EQ(chown(file, other_user, other_user), 0);
+    struct stat found = {};
+    const CALL_WATCH watch(SYSTEM_CALL::FCHOWN,
+                           {{1, happens([&found] { ASSERT_EQ(stat(staged().c_str(), &found), 0); })}});
+    const mode_t mask = umask(0);
+    EXPECT_EQ(replace(), "replaced");
+    umask(mask);
+    EXPECT_EQ(found.st_size, 4);
+    EXPECT_EQ(found.st_mode & 07777U, 0600U);
 }
 
 TEST_F(STAGED_FILE_TEST, replaces_nothing_where_the_owner_cannot_be_kept)
@@ -316,7 +370,8 @@ TEST_F(STAGED_FILE_TEST, a_save_before_the_replacement_counts)
 TEST_F(STAGED_FILE_TEST, a_file_that_is_open_for_writing_is_left_alone)
 {
     const int writer = open(file, O_WRONLY | O_CLOEXEC);
-    EXPECT_EQ(replace(), "not replaced");
+    EXPECT_EQ(replace(), "open");
+    EXPECT_EQ(read_file(file), "old\n");
     close(writer);
     EXPECT_EQ(replace(), "replaced");
 }
@@ -371,6 +426,32 @@ TEST_F(STAGED_FILE_TEST, a_save_that_comes_with_the_replacement_counts_without_l
     }
     const CALL_WATCH lease(SYSTEM_CALL::SETLEASE, EINVAL);
     EXPECT_EQ(replace(), "replaced");
+}
+
+// Another program may save as this one does: a file of its own takes the target's place, which no lease holds up.
+TEST_F(STAGED_FILE_TEST, a_file_that_takes_the_place_in_the_moment_of_the_replacement_counts)
+{
+    for (const int error : {0, EINVAL})
+    {
+        const CALL_WATCH lease(SYSTEM_CALL::SETLEASE, error);
+        const CALL_WATCH watch(SYSTEM_CALL::RENAMEAT2, {{1, happens(
+                                                                []
+                                                                {
+                                                                    write_file("user/saved", "saved\n");
+                                                                    std::filesystem::rename("user/saved", file);
+                                                                })}});
+        EXPECT_EQ(replace(), "not replaced");
+        EXPECT_EQ(read_file(file), "saved\n");
+        EXPECT_THAT(names_in("user"), ElementsAre("file"));
+    }
+}
+
+// Some programs take the old file away before they save the new one.
+TEST_F(STAGED_FILE_TEST, a_file_that_goes_in_the_moment_of_the_replacement_is_waited_for)
+{
+    const CALL_WATCH watch(SYSTEM_CALL::RENAMEAT2, {{1, happens([] { std::filesystem::remove(file); })}});
+    EXPECT_EQ(replace(), "not replaced");
+    EXPECT_TRUE(names_in("user").empty());
 }
 
 TEST_F(STAGED_FILE_TEST, an_exchange_that_cannot_be_undone_says_where_the_save_is)

@@ -15,7 +15,7 @@
 // How a run of the tool ended and what it wrote.
 struct TOOL_RUN
 {
-    int exit_code; // minus the signal's number when a signal ended it
+    int exit_code; // 128 + the signal's number when a signal ended it
     std::string out;
     std::string err;
 

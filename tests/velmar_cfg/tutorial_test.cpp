@@ -1,4 +1,4 @@
-// The tutorial, typed along: every output in it is the one that its command gives.
+// The commands of the tutorial and of README.md, typed along: every output in them is the one that the command gives.
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -32,15 +32,21 @@ std::vector<STEP> steps_of(const std::string& page)
     return steps;
 }
 
-using TUTORIAL = ISOLATED_TEST;
-
-TEST_F(TUTORIAL, says_what_its_commands_say)
+// In a copy of the examples, with the built programs.
+class TUTORIAL : public ISOLATED_TEST
 {
-    std::filesystem::copy(EXAMPLES "/project", "project");
-    std::filesystem::copy(EXAMPLES "/appended.ini", "appended.ini");
-    const std::vector<STEP> steps = steps_of(read_file(TUTORIAL_PAGE));
-    ASSERT_GT(steps.size(), 12U);
+protected:
+    TUTORIAL()
+    {
+        std::filesystem::copy(EXAMPLES "/project", "project");
+        std::filesystem::copy(EXAMPLES "/appended.ini", "appended.ini");
+    }
 
+    static void expect_outputs(const std::vector<STEP>& steps);
+};
+
+void TUTORIAL::expect_outputs(const std::vector<STEP>& steps)
+{
     // One shell for all, since one step exports what later ones find. A line of its own ends each step's output.
     const std::string end = "--- end of step";
     std::string script;
@@ -59,5 +65,19 @@ TEST_F(TUTORIAL, says_what_its_commands_say)
         EXPECT_EQ(result.out.substr(from, to - from), step.output) << step.command;
         from = to + end.size() + 1;
     }
+}
+
+TEST_F(TUTORIAL, says_what_its_commands_say)
+{
+    const std::vector<STEP> steps = steps_of(read_file(TUTORIAL_PAGE));
+    ASSERT_GT(steps.size(), 12U);
+    expect_outputs(steps);
+}
+
+TEST_F(TUTORIAL, first_page_says_what_its_commands_say)
+{
+    const std::vector<STEP> steps = steps_of(read_file(FIRST_PAGE));
+    ASSERT_EQ(steps.size(), 3U);
+    expect_outputs(steps);
 }
 }

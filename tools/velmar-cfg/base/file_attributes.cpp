@@ -29,7 +29,7 @@ std::optional<std::string> attribute_of(int file, const char* name)
         const ssize_t size = fgetxattr(file, name, nullptr, 0);
         if (size < 0)
             return std::nullopt;
-        std::string value(static_cast<std::size_t>(size), '\0');
+        std::string value(static_cast<std::size_t>(size) + 1, '\0'); // no room at all would ask for the size again
         const ssize_t got = fgetxattr(file, name, value.data(), value.size());
         if (got >= 0)
         {

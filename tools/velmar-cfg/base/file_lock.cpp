@@ -38,7 +38,7 @@ FILE_LOCK::FILE_LOCK(const FILE_PLACE& changed, MOMENT deadline)
     while (!try_to_lock())
     {
         if (std::chrono::steady_clock::now() >= deadline)
-            fail_to_write(path, holder() + " holds this lock; run the command again when it has ended");
+            fail_to_write(path, obstacle());
         std::this_thread::sleep_for(pause);
     }
 }
@@ -51,6 +51,7 @@ FILE_LOCK::~FILE_LOCK()
 
 bool FILE_LOCK::try_to_lock()
 {
+    is_barred = false;
     constexpr int flags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
     int opened = openat(place.directory(), name.c_str(), O_RDWR | flags);
     // Another user's may be read, which is enough for a lock.
@@ -62,11 +63,15 @@ bool FILE_LOCK::try_to_lock()
         fail_to_write(path, "is a link, where velmar-cfg keeps its lock; remove it");
     struct stat found;
     if (opened < 0 && errno == EACCES && fstatat(place.directory(), name.c_str(), &found, AT_SYMLINK_NOFOLLOW) == 0)
-        return false; // another user's that only he may read
-    if (opened < 0)
+    {
+        is_barred = true;
+        return false;
+    }
+    const bool is_other_than_file = errno == EISDIR || errno == ENXIO; // a directory, a socket
+    if (opened < 0 && !is_other_than_file)
         fail_to_write(path, std::strerror(errno));
     OPEN_FILE existing(opened);
-    if (fstat(opened, &found) != 0 || !S_ISREG(found.st_mode))
+    if (opened < 0 || fstat(opened, &found) != 0 || !S_ISREG(found.st_mode))
         fail_to_write(path, "is no file, where velmar-cfg keeps its lock; remove it");
     return lock_existing(existing);
 }
@@ -80,7 +85,7 @@ bool FILE_LOCK::lock_existing(OPEN_FILE& opened)
         fail_to_write(path, std::strerror(errno) + std::string("; this file system cannot lock files, so the file "
                                                                "cannot be changed safely"));
     }
-    if (!is_named(opened.get()))
+    if (!place.has(opened.get(), name))
         return false;
     is_ours = has_mark(opened.get());
     // What another user's killed run left: one's own instead, so that others are told who holds the lock.
@@ -107,18 +112,17 @@ bool FILE_LOCK::make_locked()
     return true;
 }
 
-bool FILE_LOCK::is_named(int opened) const
-{
-    struct stat locked;
-    struct stat named;
-    return fstat(opened, &locked) == 0 && fstatat(place.directory(), name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
-           locked.st_dev == named.st_dev && locked.st_ino == named.st_ino;
-}
-
-std::string FILE_LOCK::holder() const
+// Why the lock cannot be had.
+std::string FILE_LOCK::obstacle() const
 {
     struct stat found;
-    if (fstatat(place.directory(), name.c_str(), &found, AT_SYMLINK_NOFOLLOW) != 0 || found.st_uid == geteuid())
-        return "another velmar-cfg";
-    return "a velmar-cfg of the user " + user_in_words(found.st_uid);
+    const bool is_there = fstatat(place.directory(), name.c_str(), &found, AT_SYMLINK_NOFOLLOW) == 0;
+    if (is_there && is_barred)
+        return "belongs to the user " + user_in_words(found.st_uid) +
+               " and cannot be opened, so that it cannot be told whether a velmar-cfg of his holds this lock; nothing "
+               "was changed, run the command again when the file has gone";
+    const std::string holder = !is_there || found.st_uid == geteuid()
+                                   ? "another velmar-cfg"
+                                   : "a velmar-cfg of the user " + user_in_words(found.st_uid);
+    return holder + " holds this lock; run the command again when it has ended";
 }

@@ -25,14 +25,14 @@ private:
     bool try_to_lock();
     bool lock_existing(OPEN_FILE& opened);
     bool make_locked();
-    bool is_named(int opened) const;
-    std::string holder() const;
+    std::string obstacle() const;
 
     const FILE_PLACE& place;
     const std::string name;
     const std::string path; // for messages
     OPEN_FILE file;
-    bool is_ours = false; // to be removed
+    bool is_ours = false;   // to be removed
+    bool is_barred = false; // another user's file that only he can open
 };
 
 #endif

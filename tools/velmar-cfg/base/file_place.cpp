@@ -51,6 +51,14 @@ FILE_PLACE::FILE_PLACE(const std::string& path)
     walk(path);
 }
 
+bool FILE_PLACE::has(int file, const std::string& name) const
+{
+    struct stat own;
+    struct stat named;
+    return fstat(file, &own) == 0 && fstatat(directory(), name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+           own.st_dev == named.st_dev && own.st_ino == named.st_ino;
+}
+
 std::string FILE_PLACE::target_of_link(int link, uid_t owner) const
 {
     if (geteuid() == 0 && owner != 0)

@@ -28,6 +28,9 @@ public:
         return file_name;
     }
 
+    // Whether the open file has that name in the directory.
+    bool has(int file, const std::string& name) const;
+
     // Without links; for messages.
     std::string path() const
     {

@@ -33,6 +33,15 @@ std::string problem_of_errno(const char* advice)
 constexpr const char* not_found = "; check the path";
 constexpr const char* not_permitted = "; make the file readable for this user";
 
+// What kept a file from being found or opened, with that error: a link or a directory on the way is told as such.
+std::string problem_of_opening(const std::string& path, int error)
+{
+    if (std::string problem = absence_of(path).problem; !problem.empty())
+        return problem;
+    errno = error;
+    return problem_of_errno(error == EACCES ? not_permitted : not_found);
+}
+
 // Reads what there is, at least one byte but at the end, and waits for it: standard input may not block. Negative, with
 // errno set, when the disk fails.
 ssize_t read_some(int file, char* to, std::size_t room)
@@ -102,7 +111,7 @@ OPENED_FILE open_named_file(const std::string& path)
     if (file.descriptor < 0)
     {
         file.gone = errno == ENOENT;
-        file.problem = problem_of_errno(errno == EACCES ? not_permitted : not_found);
+        file.problem = problem_of_opening(path, errno);
         return file;
     }
     struct stat found;
@@ -142,7 +151,7 @@ INPUT_FILE read_whole_file(const std::string& path)
     if (stat(path.c_str(), &found) != 0)
     {
         result.gone = errno == ENOENT;
-        result.problem = problem_of_errno(not_found);
+        result.problem = problem_of_opening(path, errno);
         return result;
     }
     result.problem = problem_of_type(found);
@@ -152,7 +161,7 @@ INPUT_FILE read_whole_file(const std::string& path)
     if (file < 0)
     {
         result.gone = errno == ENOENT;
-        result.problem = problem_of_errno(result.gone ? not_found : not_permitted);
+        result.problem = problem_of_opening(path, errno);
         return result;
     }
     // Another file may stand there by now.
@@ -287,36 +296,25 @@ ABSENT_FILE absence_of(const std::string& path)
 void check_input_directory(const std::string& path, const std::string& advice)
 {
     struct stat found;
-    const bool exists = stat(path.c_str(), &found) == 0;
-    if (exists && !S_ISDIR(found.st_mode))
+    if (stat(path.c_str(), &found) == 0)
     {
+        if (S_ISDIR(found.st_mode))
+            return;
         const std::size_t end = path.rfind('/');
         throw TOOL_ERROR(EXIT_CODE::BAD_INPUT,
                          path + ": is a file; " + advice + "a directory, such as " +
                              (end == std::string::npos ? "." : path.substr(0, std::max<std::size_t>(end, 1))));
     }
-    if (!exists && (errno == ENOENT || errno == ENOTDIR))
+    const ABSENT_FILE absent = absence_of(path);
+    if (absent.kind == ABSENCE::DANGLING)
+        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, path + ": " + absent.problem);
+    if (absent.kind == ABSENCE::MISSING)
         throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, path + ": no such directory; " + advice + "an existing one");
-    if (!exists || access(path.c_str(), X_OK) != 0)
-        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT,
-                         path + ": " + std::strerror(errno) + "; let this user search the directory");
-}
-
-namespace
-{
-std::string bytes_of(INPUT_FILE file)
-{
-    file.require_whole();
-    return std::move(file.bytes);
-}
 }
 
 std::string read_input_file(const std::string& path)
 {
-    return bytes_of(read_whole_file(path));
-}
-
-std::string read_named_input_file(const std::string& path)
-{
-    return bytes_of(read_named_file(path));
+    INPUT_FILE file = read_whole_file(path);
+    file.require_whole();
+    return std::move(file.bytes);
 }

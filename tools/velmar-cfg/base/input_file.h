@@ -108,14 +108,12 @@ struct ABSENT_FILE
 };
 ABSENT_FILE absence_of(const std::string& path);
 
-// Throws TOOL_ERROR(BAD_INPUT) with the path unless it is a directory whose files can be reached; `advice`, such as
-// "give
-// --project ", stands before what to give instead.
+// Throws TOOL_ERROR(BAD_INPUT) with the path unless it is a directory, or what it is cannot be told: a host finds
+// nothing there and goes on (see note_absence). `advice`, such as "give --project ", stands before what to give
+// instead.
 void check_input_directory(const std::string& path, const std::string& advice);
 
-// The bytes of a file, or of one that the user named. Throws TOOL_ERROR(BAD_INPUT) with the path unless it can be read
-// whole.
+// The bytes of a file. Throws TOOL_ERROR(BAD_INPUT) with the path unless it can be read whole.
 std::string read_input_file(const std::string& path);
-std::string read_named_input_file(const std::string& path);
 
 #endif

@@ -33,6 +33,13 @@ JSON_NODE JSON_NODE::member(const char* name) const
     return {*tree, *found, *place};
 }
 
+std::optional<JSON_NODE> JSON_NODE::member_if_any(const char* name) const
+{
+    const std::optional<JSON_TREE::INDEX> found = tree->member(index, name);
+    return found && tree->kind(*found) != JSON_TOKEN::NOTHING ? std::optional(JSON_NODE(*tree, *found, *place))
+                                                              : std::nullopt;
+}
+
 std::vector<JSON_NODE> JSON_NODE::elements() const
 {
     if (kind() != JSON_TOKEN::BEGIN_LIST)

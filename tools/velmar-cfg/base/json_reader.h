@@ -40,6 +40,7 @@ public:
     }
 
     JSON_NODE member(const char* name) const;
+    std::optional<JSON_NODE> member_if_any(const char* name) const; // nothing for one that is missing or null
     std::vector<JSON_NODE> elements() const;
 
     // A text, the bytes of one that is no UTF-8, or one of which a part is hidden (see JSON_WRITER).
@@ -51,6 +52,10 @@ public:
     std::optional<int> int_or_null() const;
     std::optional<unsigned int> uint_or_null() const;
     std::optional<double> double_or_null() const; // infinities and not-a-number as JSON_WRITER has them
+    bool is_text() const
+    {
+        return kind() == JSON_TOKEN::TEXT;
+    }
     bool truth() const;
     std::optional<bool> truth_or_null() const;
 

@@ -271,9 +271,7 @@ JSON_TOKEN JSON_TOKENS::read_value()
     case 'n':
         return read_word("null", JSON_TOKEN::NOTHING);
     default:
-        if (c != '-' && !is_digit(c))
-            refuse();
-        return read_number();
+        return read_number(); // which refuses what begins none
     }
 }
 

@@ -1,6 +1,10 @@
-// The key is made under a name of its own, written whole, and then linked to its place, which fails when there is a key
-// already: at every moment there is either no key or a whole one, and the first one stays. What is used is always what
-// is then found in the file, so that processes which make a key at once agree on one.
+// The key is made under a name of its own, written whole, and then renamed to its place, which fails when there is a
+// key already: at every moment there is either no key or a whole one, and the first one stays. What is used is always
+// what is then found in the file, so that processes which make a key at once agree on one. What killed processes left
+// is removed once there is a key: others that are about to make one find it.
+//
+// Root makes nothing in a directory of another user, who could not use it, and follows no link that such a user
+// planted.
 //
 // The file is opened without following a link, and judged by what was opened.
 #include "tools/velmar-cfg/base/mask_key.h"
@@ -16,7 +20,9 @@
 #include <unistd.h>
 
 #include "platform/gen/gen.h"
+#include "tools/velmar-cfg/base/file_place.h"
 #include "tools/velmar-cfg/base/keyed_hash.h"
+#include "tools/velmar-cfg/base/staged_file.h"
 #include "tools/velmar-cfg/base/text.h"
 
 namespace
@@ -58,49 +64,43 @@ MASK_KEY without_lasting_key(const std::string& problem)
     return key;
 }
 
+void require_own_directory(const FILE_PLACE& place)
+{
+    struct stat found;
+    if (fstat(place.directory(), &found) != 0)
+        fail();
+    if (geteuid() == 0 && found.st_uid != 0)
+        fail_to_write(place.path(), "is in a directory of the user " + user_in_words(found.st_uid));
+}
+
 // Each directory that does not exist, for the user alone.
 void make_directories(const std::string& path)
 {
     for (std::size_t slash = path.find('/', 1); slash != std::string::npos; slash = path.find('/', slash + 1))
     {
-        if (mkdir(path.substr(0, slash).c_str(), 0700) != 0 && errno != EEXIST && errno != EACCES && errno != EROFS)
+        const FILE_PLACE place(path.substr(0, slash));
+        struct stat found;
+        if (place.name().empty() || // the root directory
+            fstatat(place.directory(), place.name().c_str(), &found, AT_SYMLINK_NOFOLLOW) == 0)
+            continue;
+        require_own_directory(place);
+        if (mkdirat(place.directory(), place.name().c_str(), 0700) != 0 && errno != EEXIST)
             fail();
     }
 }
 
-void write_whole(int file, std::string_view bytes)
-{
-    while (!bytes.empty())
-    {
-        const ssize_t written = write(file, bytes.data(), bytes.size());
-        if (written < 0 && errno != EINTR)
-            fail();
-        bytes.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
-    }
-}
-
-// Makes the file unless there is one. Throws std::system_error.
+// Makes the file unless there is one. Throws std::system_error or TOOL_ERROR.
 void make_key_file(const std::string& path)
 {
     make_directories(path);
-    std::string made = path + ".XXXXXX";
-    const DESCRIPTOR file(mkostemp(made.data(), O_CLOEXEC)); // of mode 0600
-    if (file.number < 0)
+    const FILE_PLACE place(path);
+    require_own_directory(place);
+    NEW_FILE made(place, 0600, path);
+    made.write(as_hexadecimal(random_bytes(key_bytes)) + "\n");
+    if (fsync(made.descriptor()) != 0)
         fail();
-    try
-    {
-        write_whole(file.number, as_hexadecimal(random_bytes(key_bytes)) + "\n");
-        if (fsync(file.number) != 0)
-            fail();
-        if (link(made.c_str(), path.c_str()) != 0 && errno != EEXIST)
-            fail();
-    }
-    catch (...)
-    {
-        unlink(made.c_str());
-        throw;
-    }
-    unlink(made.c_str());
+    made.rename_to_new(place.name()); // unless another process was faster
+    remove_abandoned_files(place);
 }
 
 // What is wrong with the file as a place for a key; empty for nothing.
@@ -167,9 +167,9 @@ MASK_KEY lasting_mask_key(const std::string& path)
         return bytes ? key_of(*std::move(bytes), true)
                      : without_lasting_key(path + ": holds no key; remove it, so that a new one is made");
     }
-    catch (const std::system_error& error)
+    catch (const std::exception& error)
     {
-        return without_lasting_key(path + ": the key for masks cannot be made: " + error.code().message() +
-                                   "; let XDG_DATA_HOME name a directory that can be written");
+        return without_lasting_key(path + ": the key for masks cannot be made: " + error.what() +
+                                   "; let XDG_DATA_HOME name a directory of this user that can be written");
     }
 }

@@ -147,17 +147,21 @@ bool SEEN_FILE::is_unwritten() const
 
 SEEN_FILE read_settled_file(const FILE_PLACE& place, MOMENT deadline)
 {
-    deadline = std::max(deadline, std::chrono::steady_clock::now() + 2 * quiet_time);
-    for (WATCH watch;;)
+    WATCH watch;
+    bool settled = watch.is_settled(state_at(place));
+    // Whoever has no time at all still sees whether a file that was just written is left alone from now on.
+    deadline = std::max(deadline, std::chrono::steady_clock::now() + quiet_time);
+    for (bool last_look = false;; settled = watch.is_settled(state_at(place)))
     {
-        if (watch.is_settled(state_at(place)))
+        if (settled)
         {
             if (std::optional<SEEN_FILE> seen = SEEN_FILE::look_at(place))
                 return std::move(*seen);
         }
-        if (std::chrono::steady_clock::now() >= deadline)
+        if (last_look)
             fail_to_write(place.path(), "another program is writing this file; nothing was changed, run the command "
                                         "again when that program has ended");
         std::this_thread::sleep_for(between_looks);
+        last_look = std::chrono::steady_clock::now() >= deadline;
     }
 }

@@ -56,7 +56,8 @@ private:
 
 // Waits until the file has not been written for 50 ms, by its times or, where those lie in the future, as watched, and
 // is not empty or missing where it was not so before: programs that save empty the file first. Then reads it. Gives up
-// at the deadline, or 100 ms after the call where that is later, with TOOL_ERROR(NOT_WRITTEN).
+// at the deadline, or 50 ms after the call where that is later, with TOOL_ERROR(NOT_WRITTEN): a file that nobody writes
+// to meanwhile is always read.
 SEEN_FILE read_settled_file(const FILE_PLACE& place, MOMENT deadline);
 
 #endif

@@ -5,6 +5,7 @@
 //     lease on the old file        nobody has it open for writing; who opens it from now on waits
 //     look at it for the last time by device, number, size, times and bytes
 //     exchange                     who opens the target from now on opens the new file
+//     look at what it gave         a file of another program's own, put there in that moment: exchange back
 //     look at the lease            who waits for it wants to write to the old file: exchange back
 //     remove the old file
 //
@@ -97,8 +98,10 @@ NEW_FILE::NEW_FILE(const FILE_PLACE& beside, mode_t mode, std::string the_path)
     file = OPEN_FILE(openat(place.directory(), name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
     if (file.get() >= 0)
         return;
-    fail_to_write(path,
-                  std::strerror(errno) + std::string("; the directory must be writable to change the file safely"));
+    const bool forbidden = errno == EACCES || errno == EPERM || errno == EROFS;
+    fail_to_write(path, std::strerror(errno) + std::string(forbidden ? "; the directory must be writable to change the "
+                                                                       "file safely"
+                                                                     : nothing_changed));
 }
 
 NEW_FILE::~NEW_FILE()
@@ -147,18 +150,9 @@ void NEW_FILE::rename_over(const std::string& other_name)
     const bool done = renameat(place.directory(), name.c_str(), place.directory(), other_name.c_str()) == 0;
     const int error = errno;
     // Over a network, the answer to a rename that was done may be that it failed.
-    if (!done && !is_at(other_name))
+    if (!done && !place.has(file.get(), other_name))
         fail_to_write(path, std::strerror(error) + std::string(nothing_changed));
     name.clear();
-}
-
-bool NEW_FILE::is_at(const std::string& other_name) const
-{
-    struct stat own;
-    struct stat named;
-    return fstat(file.get(), &own) == 0 &&
-           fstatat(place.directory(), other_name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
-           own.st_dev == named.st_dev && own.st_ino == named.st_ino;
 }
 
 // --- The new content of a file ---
@@ -176,31 +170,39 @@ STAGED_FILE::STAGED_FILE(const FILE_PLACE& target, const SEEN_FILE& old_file, st
         fail_to_write(place.path(), std::strerror(errno) + std::string(nothing_changed));
 }
 
-bool STAGED_FILE::replace_target()
+REPLACEMENT STAGED_FILE::replace_target()
 {
-    if (!(old.exists() ? replace_existing() : made.rename_to_new(place.name())))
-        return false;
-    synchronise_directory();
-    return true;
+    REPLACEMENT result = REPLACEMENT::DONE;
+    if (old.exists())
+        result = replace_existing();
+    else if (!made.rename_to_new(place.name()))
+        result = REPLACEMENT::CHANGED_MEANWHILE;
+    if (result == REPLACEMENT::DONE)
+        synchronise_directory();
+    return result;
 }
 
-bool STAGED_FILE::replace_existing()
+REPLACEMENT STAGED_FILE::replace_existing()
 {
     const WRITERS_WAIT lease(old.descriptor());
-    if (lease.is_wanted() || !old.is_still_at(place))
-        return false;
+    if (lease.is_wanted())
+        return REPLACEMENT::OPEN_FOR_WRITING;
+    if (!old.is_still_at(place))
+        return REPLACEMENT::CHANGED_MEANWHILE;
     const int error = made.exchange_with(place.name());
     if (cannot_do_that(error))
     {
         made.rename_over(place.name());
-        return true;
+        return REPLACEMENT::DONE;
     }
+    if (error == ENOENT)
+        return REPLACEMENT::CHANGED_MEANWHILE; // one of the two was taken away
     if (error != 0)
         fail_to_write(place.path(), std::strerror(error) + std::string(nothing_changed));
-    if (!lease.is_wanted() && old.is_unwritten())
-        return true;
+    if (place.has(old.descriptor(), made.current_name()) && !lease.is_wanted() && old.is_unwritten())
+        return REPLACEMENT::DONE;
     if (made.exchange_with(place.name()) == 0)
-        return false;
+        return REPLACEMENT::CHANGED_MEANWHILE;
     const std::string left = made.current_name();
     made.forget();
     fail_to_write(place.path(), "was changed in the moment in which another program saved it; what that program saves "

@@ -57,12 +57,17 @@ public:
     }
 
 private:
-    bool is_at(const std::string& other_name) const;
-
     const FILE_PLACE& place;
     const std::string path;
     OPEN_FILE file;
     std::string name; // empty when there is nothing to remove
+};
+
+enum class REPLACEMENT
+{
+    DONE,
+    CHANGED_MEANWHILE, // another program changed the target since it was seen, or is about to
+    OPEN_FOR_WRITING,  // another program has the target open, and may write to it at any time
 };
 
 // The new content of a file, on the disk beside it.
@@ -73,16 +78,15 @@ public:
     // that the directory and the process's mask give it. Throws TOOL_ERROR(NOT_WRITTEN). Both references stay.
     STAGED_FILE(const FILE_PLACE& target, const SEEN_FILE& old_file, std::string_view bytes);
 
-    // Puts it in the old file's place and makes that last through a power cut. False, with the target as the other
-    // program left it, when another program changed the target since it was seen, or is about to. Throws
-    // TOOL_ERROR(NOT_WRITTEN), whose text says whether the target was changed.
+    // Puts it in the old file's place and makes that last through a power cut. Unless that is done, the target is as
+    // the other program left it. Throws TOOL_ERROR(NOT_WRITTEN), whose text says whether the target was changed.
     //
     // Where the file system has leases, a program that opens the target for writing waits meanwhile, and writes to the
     // target as it is then. Elsewhere its save is lost if it begins between the last look and the replacement.
-    bool replace_target();
+    REPLACEMENT replace_target();
 
 private:
-    bool replace_existing();
+    REPLACEMENT replace_existing();
     void synchronise_directory() const;
 
     const FILE_PLACE& place;

@@ -7,6 +7,7 @@
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/help.h"
+#include "tools/velmar-cfg/preferences/preference_secrets.h"
 
 namespace
 {
@@ -220,4 +221,22 @@ std::string usage_complaint(CLI::App* app, const CLI::ParseError& error)
             what = no_such_command(command, unknown.front());
     }
     return what + "; see " + spoken_name(command) + " --help";
+}
+
+std::string without_typed_secrets(std::string_view message, int argc, const char* const* argv, SECRETS& secrets)
+{
+    const auto is_secret = [&secrets](std::string_view name) { return is_secret_preference_name(name, secrets); };
+    std::string hidden(message);
+    bool behind_set = false;
+    bool behind_secret_key = false;
+    for (int i = 1; i < argc; ++i)
+    {
+        const std::string_view word = argv[i];
+        hidden = hide_typed_value(hidden, word, is_secret, secrets);
+        if (behind_secret_key && !word.starts_with("--") && !is_plain_value(word))
+            hidden = hide_in_text(hidden, word, secrets);
+        behind_secret_key |= behind_set && is_secret(word);
+        behind_set |= word == "set";
+    }
+    return hidden;
 }

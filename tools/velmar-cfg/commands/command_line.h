@@ -5,9 +5,11 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/velmar-cfg/commands/tool.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 
 // What is parsed goes into `tool`, which must outlive it.
 std::unique_ptr<CLI::App> make_command_line(TOOL& tool);
@@ -36,5 +38,9 @@ void parse_command_line(CLI::App& app, int argc, const char* const* argv);
 
 // One line that says what is wrong with the command line, and where the help stands.
 std::string usage_complaint(CLI::App* app, const CLI::ParseError& error);
+
+// A message that may repeat words of the command line, with the secrets among them hidden: values that were typed
+// together with a secret name, as in "api_token=VALUE", and what stands behind a secret preference that is to be set.
+std::string without_typed_secrets(std::string_view message, int argc, const char* const* argv, SECRETS& secrets);
 
 #endif

@@ -9,7 +9,7 @@ namespace
 {
 std::string shown(std::string_view text)
 {
-    return text.empty() ? "(empty)" : printable(text);
+    return text.empty() ? "\\(empty)" : printable(text); // no value looks so: its backslashes are doubled
 }
 
 // "A  text" or "B  text", indented, in the colour of its side.
@@ -73,6 +73,8 @@ std::string maker_as_text(const VARIABLE_DIFFERENCE& difference)
     std::string maker = difference.made_by ? layer_title(*difference.made_by) : "the release, which reads it otherwise";
     if (difference.same_in_every_type)
         maker += "; reads the same in every type but text";
+    if (difference.dependence == DEPENDENCE::KIND::ASKED_ONCE)
+        return maker + "; read once, while unset";
     return difference.dependence == DEPENDENCE::KIND::PERHAPS ? maker + "; perhaps read, once, while unset" : maker;
 }
 

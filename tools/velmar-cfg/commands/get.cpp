@@ -34,27 +34,41 @@ std::string advice_on(const std::string& name)
     return is_preference ? "; it is a preference: ask velmar-cfg prefs get " + name : "";
 }
 
-// Why there is nothing to print, or what is odd about it; empty for neither. It goes to logs: it does not tell a
-// secret, nor the number that it begins with.
+// Why there is nothing to print, or what is odd about it; empty for neither.
 std::string remark_on(const TYPED_ANSWER& answer, const STATE& state, SECRETS& secrets)
 {
     if (!answer.is_set() && !answer.remark.empty() && !state.knows_unset)
         return "'" + answer.name + "' is not in " + state.name + ": " + state.limits;
     std::string remark = answer.remark;
     if (has_hidden_parts(hide_in_value(answer.name, answer.text, secrets)))
-        remark =
-            hide_in_text(hide_in_text(remark, answer.text, secrets), value_as_text(answer.value).value_or(""), secrets);
+    {
+        const std::string quoted = in_single_quotes(answer.text); // as it stands there, perhaps cut short
+        remark = hide_in_text(remark, std::string_view(quoted).substr(1, quoted.size() - 2), secrets);
+        remark = hide_in_text(remark, value_as_text(answer.value).value_or(""), secrets);
+    }
     return remark.empty() || answer.is_set() ? remark : remark + advice_on(answer.name);
+}
+
+// The same for logs: it does not tell a secret, nor the number that it begins with.
+std::string safe_remark_on(const TYPED_ANSWER& answer, const STATE& state, SECRETS& secrets)
+{
+    return hide_typed_value(
+        remark_on(answer, state, secrets), answer.name,
+        [&secrets](std::string_view name) { return secrets.is_secret_name(name); }, secrets);
 }
 
 // The names of the command line, or those on standard input, a line or, with -z, a record each.
 std::vector<std::string> names_of(const GET_OPTIONS& options, const TOOL& tool)
 {
-    if (options.names_on_input != options.names.empty())
-        throw TOOL_ERROR(EXIT_CODE::USAGE, "give either names or --stdin");
+    if (options.names_on_input && !options.names.empty())
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "--stdin and names exclude each other");
+    if (!options.names_on_input && options.names.empty())
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "NAME or --stdin is required; see velmar-cfg get --help");
     if (!options.names_on_input)
         return options.names;
-    const std::string text = read_named_input_file("-");
+    const INPUT_FILE input = read_named_file("-");
+    input.require_whole();
+    const std::string& text = input.bytes;
     std::vector<std::string> names;
     for (std::size_t begin = 0; begin < text.size();)
     {
@@ -103,7 +117,7 @@ EXIT_CODE get(const GET_OPTIONS& options, TOOL& tool)
     {
         const TYPED_ANSWER answer = answer_typed(settings, name, type, fallback, single && state.knows_unset);
         all_have_values = all_have_values && value_as_text(answer.value).has_value();
-        if (const std::string remark = remark_on(answer, state, *tool.options.scope.secrets); !remark.empty())
+        if (const std::string remark = safe_remark_on(answer, state, *tool.options.scope.secrets); !remark.empty())
             complain(remark);
         if (tool.options.json)
         {

@@ -41,9 +41,10 @@ public:
         checks.emplace_back([layers = std::move(layers)](const TAKE& take) { lint_settings(layers, take); });
     }
 
-    void add_preferences(const INPUT_FILE& file)
+    void add_preferences(std::shared_ptr<const INPUT_FILE> file)
     {
-        add(lint_preferences(file, *tool.options.scope.secrets));
+        checks.emplace_back([file = std::move(file), &secrets = *tool.options.scope.secrets](const TAKE& take)
+                            { lint_preferences(*file, secrets, take); });
     }
 
     void add(std::vector<FINDING> findings)
@@ -77,19 +78,19 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--of and files exclude each other");
     if (options.files.empty())
     {
-        const STATE state = state_of(options.state, {.checks = true}, tool);
+        STATE state = state_of(options.state, {.checks = true}, tool);
         state.require(state.findings.has_value());
         if (!tool.options.json)
             write_view(state, tool.out);
-        checks.add(*state.findings);
-        checks.add_settings(state.layers);
+        checks.add(std::move(*state.findings));
+        checks.add_settings(std::move(state.layers));
         if (state.preference_file != nullptr)
-            checks.add_preferences(*state.preference_file);
+            checks.add_preferences(std::move(state.preference_file));
     }
     for (const std::string& file : options.files)
     {
         if (is_preference_file(file))
-            checks.add_preferences(*tool.files.read_named(file));
+            checks.add_preferences(tool.files.read_named(file));
         else
             checks.add_settings(single_layer(file, tool.files, *tool.options.scope.secrets));
     }
@@ -101,14 +102,14 @@ EXIT_CODE lint_only_preferences(const LINT_OPTIONS& options, TOOL& tool)
     CHECKS checks(tool);
     if (options.files.empty())
     {
-        const auto file = preference_file_in_use(tool.files);
+        auto file = preference_file_in_use(tool.files);
         if (file == nullptr)
             checks.add({no_preference_file()});
         else
-            checks.add_preferences(*file);
+            checks.add_preferences(std::move(file));
     }
     for (const std::string& file : options.files)
-        checks.add_preferences(*tool.files.read_named(file));
+        checks.add_preferences(tool.files.read_named(file));
     return checks.run(options.strict);
 }
 

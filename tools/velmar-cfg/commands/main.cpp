@@ -33,9 +33,8 @@ void apply_global_options(const CLI::App& app, TOOL& tool)
     tool.out.choose_color(tool.options.color);
 }
 
-EXIT_CODE run(int argc, const char* const* argv)
+EXIT_CODE run(int argc, const char* const* argv, TOOL& tool)
 {
-    TOOL tool;
     const std::unique_ptr<CLI::App> app = make_command_line(tool);
     EXIT_CODE end = EXIT_CODE::FINE;
     try
@@ -69,12 +68,16 @@ int main(int argc, char** argv)
     std::signal(SIGXFSZ, SIG_IGN); // a write beyond a limit fails like one to a full device
     try
     {
-        return static_cast<int>(run(argc, argv));
-    }
-    catch (const TOOL_ERROR& error)
-    {
-        complain(error.what());
-        return static_cast<int>(error.exit_code);
+        TOOL tool;
+        try
+        {
+            return static_cast<int>(run(argc, argv, tool));
+        }
+        catch (const TOOL_ERROR& error)
+        {
+            complain(without_typed_secrets(error.what(), argc, argv, *tool.options.scope.secrets));
+            return static_cast<int>(error.exit_code);
+        }
     }
     catch (const std::bad_alloc&)
     {

@@ -1,5 +1,7 @@
 // velmar-cfg prefs set and reset: changing the preference file.
 #include <algorithm>
+#include <map>
+#include <span>
 
 #include "cfg_ini/cfg_ini.h"
 #include "tools/velmar-cfg/base/json_writer.h"
@@ -77,25 +79,56 @@ void write_json(JSON_WRITER& out, const EDIT_OPTIONS& options, const PREFERENCE_
     out.end_object();
 }
 
-// Every lost line, but of very many only the first.
-void complain_of_lost_lines(const EDITED_FILE& file, bool dry_run, SECRETS& secrets)
+// The reasons of lost lines, with secrets hidden.
+class SHOWN_REASONS
 {
-    constexpr std::size_t most = 50;
+public:
+    SHOWN_REASONS(std::string_view text_of_file, SECRETS& the_secrets) : text(text_of_file), secrets(the_secrets) {}
+
+    std::string of(const LOST_LINE& line)
+    {
+        // A bracket may have made a section of a piece of a secret, of which no part is to be left by a cut.
+        if (line.reason != LOSS::BRACKET_IN_VALUE && line.section_in_its_place.empty())
+            return loss_as_text(line);
+        LOST_LINE shown = line;
+        for (std::string* const section : {&shown.section, &shown.section_in_its_place})
+            *section = hidden(*section);
+        return loss_as_text(shown);
+    }
+
+private:
+    // The whole file is searched for secrets, so once for all lines of a section.
+    const std::string& hidden(const std::string& section)
+    {
+        const auto [found, is_new] = hidden_sections.try_emplace(section);
+        if (is_new)
+            found->second = hide_in_message(section, text, "", "", secrets);
+        return found->second;
+    }
+
+    const std::string_view text;
+    SECRETS& secrets;
+    std::map<std::string, std::string> hidden_sections; // by the section as it is
+};
+
+// Of very many lines only the first, where all can be seen elsewhere: in the JSON of this run, or of a dry run as long
+// as the file is as it was. Of a file that was changed, what is told here is all that remains of them.
+void complain_of_lost_lines(const EDITED_FILE& file, const EDIT_OPTIONS& options, bool json, SECRETS& secrets)
+{
+    constexpr std::size_t enough = 50;
     const std::vector<LOST_LINE>& lost = file.plan.lost;
     if (lost.empty())
         return;
-    complain(file.path + ": lines that " + (dry_run || !file.refusal.empty() ? "would not be" : "were not") +
+    const bool are_gone = !options.dry_run && file.refusal.empty();
+    complain(file.path + ": lines that " + (are_gone ? "were not" : "would not be") +
              " kept as they were: " + std::to_string(lost.size()));
-    for (std::size_t i = 0; i < std::min(lost.size(), most); ++i)
-    {
-        // A bracket may have made a section of a piece of a secret.
-        std::string reason = loss_as_text(lost[i]);
-        if (lost[i].reason == LOSS::BRACKET_IN_VALUE || lost[i].reason == LOSS::MERGED_SECTION)
-            reason = hide_in_message(reason, file.before, "", "", secrets);
-        complain("line " + std::to_string(lost[i].number) + ": " + in_single_quotes(lost[i].text) + ": " + reason);
-    }
-    if (lost.size() > most)
-        complain("and " + std::to_string(lost.size() - most) + " more; --dry-run shows them all");
+    const std::size_t shown = are_gone && !json ? lost.size() : std::min(lost.size(), enough);
+    SHOWN_REASONS reasons(file.before, secrets);
+    for (const LOST_LINE& line : std::span(lost).first(shown))
+        complain("line " + std::to_string(line.number) + ": " + in_single_quotes(line.text) + ": " + reasons.of(line));
+    if (shown < lost.size())
+        complain("and " + std::to_string(lost.size() - shown) + " more; " +
+                 (json ? "\"lost_lines\" has them all" : "--dry-run --json lists them all"));
 }
 
 // The difference that the edit makes, with secrets hidden: also those of the old text that the new one has elsewhere.
@@ -148,7 +181,7 @@ EXIT_CODE edit(const EDIT_OPTIONS& options, bool reset, TOOL& tool)
         for (const std::string& other_value : file.plan.other_values)
             complain("this also changes " + other_value);
     }
-    complain_of_lost_lines(file, options.dry_run, secrets);
+    complain_of_lost_lines(file, options, tool.options.json, secrets);
     const std::string difference = options.dry_run ? shown_difference(file, secrets) : "";
     try
     {
@@ -183,8 +216,10 @@ COMMAND add_edit(COMMAND prefs, TOOL& tool, const std::string& name, const std::
                              "One of the allowed values; put -- before one that begins with \"-\"");
     command.add_flag("--dry-run", options->dry_run,
                      "Change nothing: show the difference, with the comments and other lines that would be lost");
-    command.add_option("--wait", "SECONDS", options->seconds_to_wait,
-                       "How long to wait for another velmar-cfg, or a program that writes the file (10 by default)");
+    command.add_option(
+        "--wait", "SECONDS", options->seconds_to_wait,
+        "How long to wait for another velmar-cfg, or a program that writes the file (10 by default); with 0 only "
+        "the 50 ms after which a file just written counts as left alone");
     command.add_flag("--allow-loss", options->permissions.lose_values,
                      "Change the file also where values in other lines go or change with that");
     command.add_flag("--break-hard-links", options->permissions.break_hard_links,

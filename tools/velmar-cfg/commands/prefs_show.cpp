@@ -164,6 +164,7 @@ EXIT_CODE path(TOOL& tool)
     const PREFERENCE_FILE_LOCATION location = preference_file_location();
     if (!location.remark.empty())
         complain(location.remark);
+    tool.files.note_absence(location.path);
     if (tool.options.json)
         answer_in_json(tool,
                        [&](JSON_WRITER& out)

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
@@ -25,7 +26,7 @@ struct RUN_REPORT_OPTIONS
 std::string shown(const std::string& text)
 {
     constexpr std::size_t longest = 100;
-    return printable(shortened(text, longest));
+    return printable(shortened(text, length_by_shown_length(text, longest)));
 }
 
 // --- One run ---
@@ -39,11 +40,53 @@ std::string bar_of(std::uint64_t count, std::uint64_t highest)
     return std::string(std::max<std::size_t>(length, 1), '#');
 }
 
-std::string remark_of(const READ_VARIABLE& variable)
+std::string remark_of(const READ_VARIABLE& variable, const RUN_REPORT& report)
 {
-    if (!variable.value)
-        return "no usable value: unset, or not of the type asked for";
-    return variable.used ? "" : "not of the type asked for";
+    if (variable.value)
+        return variable.used ? "" : "not of the type asked for";
+    if (variable.origin.kind == RUN_ORIGIN::KIND::UNSET)
+        return "unset";
+    return report.version == 1 ? "no usable value: unset, or not of the type asked for"
+                               : "value not told: not of the type asked for";
+}
+
+std::string source_as_text(const RUN_SOURCE& source)
+{
+    return source.path ? printable(*source.path) : source.layer ? inline_source : "a text";
+}
+
+std::string place_as_text(const RUN_PLACE& place, const RUN_REPORT& report)
+{
+    return source_as_text(report.sources[place.source]) +
+           (place.position != 0 ? ":" + std::to_string(place.position) : "");
+}
+
+std::string first_few_places(const std::vector<RUN_PLACE>& places, const RUN_REPORT& report)
+{
+    constexpr std::size_t most = 3;
+    std::string all;
+    for (std::size_t i = 0; i < std::min(most, places.size()); ++i)
+        all += (i == 0 ? "" : ", ") + place_as_text(places[i], report);
+    return all + (places.size() > most ? " and " + std::to_string(places.size() - most) + " more" : "");
+}
+
+// Where a value came from; empty where that has been said by other words.
+std::string origin_as_text(const RUN_ORIGIN& origin, const RUN_REPORT& report)
+{
+    switch (origin.kind)
+    {
+    case RUN_ORIGIN::KIND::SOURCE:
+        return place_as_text(*origin.place, report);
+    case RUN_ORIGIN::KIND::PROGRAM:
+        return "set by the program" + (origin.place ? ", " + place_as_text(*origin.place, report) : "");
+    case RUN_ORIGIN::KIND::UNSET:
+        return "";
+    case RUN_ORIGIN::KIND::UNKNOWN:
+        break;
+    }
+    if (report.version == 1)
+        return "";
+    return "origin unknown" + (origin.perhaps.empty() ? "" : ", perhaps " + first_few_places(origin.perhaps, report));
 }
 
 void write_read_variables(const RUN_REPORT& report, OUTPUT& out)
@@ -66,18 +109,56 @@ void write_read_variables(const RUN_REPORT& report, OUTPUT& out)
             << std::string(longest_bar - bar.size() + 2, ' ') << shown(variable.name);
         if (variable.value)
             out << "=" << shown(*variable.value);
-        if (variable.external)
+        if (report.version == 1 && variable.external)
             out << out.painted(STYLE::FAINT, "  external");
-        if (const std::string remark = remark_of(variable); !remark.empty())
+        if (const std::string origin = origin_as_text(variable.origin, report); variable.value && !origin.empty())
+            out << out.painted(STYLE::FAINT, "  " + origin);
+        if (const std::string remark = remark_of(variable, report); !remark.empty())
             out << "  " << out.painted(STYLE::WARNING, "(" + remark + ")");
         out << "\n";
     }
+}
+
+void write_list(const char* title, const std::vector<std::string>& names, OUTPUT& out)
+{
+    if (!names.empty())
+        out << "\n" << out.painted(STYLE::STRONG, title) << "\n";
+    for (const std::string& name : names)
+        out << "  " << shown(name) << "\n";
+}
+
+// Who and when, as far as it is known.
+void write_circumstances(const RUN_REPORT& report, OUTPUT& out)
+{
+    if (report.outcome)
+        out << "  outcome: " << printable(*report.outcome) << "\n";
+    if (report.process)
+        out << "  process " << std::to_string(*report.process) << (report.host ? " on " + printable(*report.host) : "")
+            << (report.executable ? ": " + printable(*report.executable) : "") << "\n";
+    if (report.directory)
+        out << "  current directory: " << printable(*report.directory) << "\n";
+    if (report.started && report.ended)
+        out << "  started " << printable(*report.started) << ", reported " << printable(*report.ended) << "\n";
+}
+
+// The sources that were not what they had been when the report was written: no line of theirs is known.
+void write_lost_sources(const RUN_REPORT& report, OUTPUT& out)
+{
+    for (const RUN_SOURCE& source : report.sources)
+    {
+        if (source.state != "same")
+            out << "  " << out.painted(STYLE::WARNING, "not read again: ") << source_as_text(source) << " ("
+                << printable(source.state) << ")\n";
+    }
+    if (report.version != 1 && !report.sources_complete)
+        out << "  " << out.painted(STYLE::WARNING, "more sources were applied than the report knows") << "\n";
 }
 
 void write_report(const RUN_REPORT& report, OUTPUT& out)
 {
     out << out.painted(STYLE::STRONG, "Run " + printable(report.run)) << ", release " << printable(report.release)
         << "\n";
+    write_circumstances(report, out);
     for (const auto& [title, path] :
          {std::pair("main settings file", &report.main_file), std::pair("appended file", &report.appended_file),
           std::pair("regression-test file", &report.regtest_file)})
@@ -85,17 +166,21 @@ void write_report(const RUN_REPORT& report, OUTPUT& out)
         if (*path)
             out << "  " << title << ": " << printable(**path) << "\n";
     }
+    write_lost_sources(report, out);
     out << "\n";
     write_read_variables(report, out);
     if (!report.external_never_read.empty())
         out << "\n" << out.painted(STYLE::STRONG, "Set from outside and never read") << "\n";
     for (const UNREAD_VARIABLE& variable : report.external_never_read)
-        out << "  " << shown(variable.name) << "=" << shown(variable.value) << "\n";
-    if (!report.uncounted.empty())
-        out << "\n"
-            << out.painted(STYLE::STRONG, "Asked for once while unset, or set inside the run and never read") << "\n";
-    for (const std::string& name : report.uncounted)
-        out << "  " << shown(name) << "\n";
+    {
+        out << "  " << shown(variable.name) << "=" << shown(variable.value);
+        if (const std::string origin = origin_as_text(variable.origin, report); !origin.empty())
+            out << out.painted(STYLE::FAINT, "  " + origin);
+        out << "\n";
+    }
+    write_list("Asked for once while unset, or set inside the run and never read", report.uncounted, out);
+    write_list("Asked for once while unset", report.asked_once, out);
+    write_list("Set inside the run, or by files on top of the main one, and never read", report.set_never_read, out);
 }
 
 // --- Several runs ---
@@ -138,7 +223,10 @@ void write_dependence(const RUN_REPORT& report, const DEPENDENCE& dependence, OU
     if (dependence.kind == DEPENDENCE::KIND::PERHAPS)
         out << out.painted(STYLE::WARNING, "perhaps: unset and asked for once, or set inside the run and never read");
     else if (dependence.kind == DEPENDENCE::KIND::NEVER_READ)
-        out << out.painted(STYLE::FAINT, "never read, set to " + shown(*dependence.value));
+        out << out.painted(STYLE::FAINT, dependence.value ? "never read, set to " + shown(*dependence.value)
+                                                          : std::string("never read, set inside the run"));
+    else if (dependence.kind == DEPENDENCE::KIND::ASKED_ONCE)
+        out << "asked for once, while unset";
     else
         out << "read " << std::to_string(dependence.count) << (dependence.count == 1 ? " time" : " times") << ", "
             << (dependence.value ? "set to " + shown(*dependence.value) : std::string("no usable value"));

@@ -9,7 +9,9 @@
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/documents/run_reports.h"
 
-// {"run", "file", "release", "files", "read", "external_never_read", "uncounted"}.
+// {"run", "file", "release", "files", "outcome", "host", "process", "directory", "executable", "started", "ended",
+// "environment", "sources_complete", "sources", "read", "external_never_read", "uncounted", "asked_once",
+// "set_never_read"}: what a host writes, with null for what it leaves out and for what version 1 does not know.
 void write_json(JSON_WRITER& out, const RUN_REPORT& report);
 
 // Its fields, for an object that has others too.

@@ -1,6 +1,7 @@
 #include "tools/velmar-cfg/documents/run_reports.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -12,23 +13,161 @@
 
 namespace
 {
+// The "layer" of a text that the program applied.
+constexpr const char* program_layer = "program";
+
 constexpr DOCUMENT_KIND run_report_kind = {run_report_schema, run_report_schema_version, "run report",
                                            "a host's cfg_write_run_report"};
 
-READ_VARIABLE read_variable(const JSON_NODE& row, SECRETS& secrets)
+// --- Version 2 ---
+
+RUN_PLACE read_place(const JSON_NODE& row, const RUN_REPORT& report)
+{
+    const JSON_NODE source = row.member("source");
+    const std::uint64_t index = source.natural_number();
+    if (index >= report.sources.size())
+        source.refuse("index of a source");
+    const std::optional<JSON_NODE> position = row.member_if_any(report.sources[index].path ? "line" : "item");
+    return {static_cast<std::size_t>(index), position ? position->natural_number() : 0};
+}
+
+RUN_ORIGIN::KIND read_kind(const JSON_NODE& row)
+{
+    const std::optional<JSON_NODE> word = row.member_if_any("origin");
+    if (!word)
+        return RUN_ORIGIN::KIND::SOURCE;
+    for (const auto kind : {RUN_ORIGIN::KIND::UNKNOWN, RUN_ORIGIN::KIND::PROGRAM, RUN_ORIGIN::KIND::UNSET})
+    {
+        if (word->text() == origin_word(kind))
+            return kind;
+    }
+    word->refuse("origin");
+}
+
+RUN_ORIGIN read_origin(const JSON_NODE& row, const std::string& name, const RUN_REPORT& report, SECRETS& secrets)
+{
+    RUN_ORIGIN origin;
+    if (report.version == 1)
+        return origin;
+    origin.kind = read_kind(row);
+    if (origin.kind == RUN_ORIGIN::KIND::SOURCE || row.member_if_any("source"))
+        origin.place = read_place(row, report);
+    if (const std::optional<JSON_NODE> places = row.member_if_any("perhaps"))
+    {
+        for (const JSON_NODE& place : places->elements())
+            origin.perhaps.push_back(read_place(place, report));
+    }
+    if (const std::optional<JSON_NODE> others = row.member_if_any("overridden"))
+    {
+        for (const JSON_NODE& other : others->elements())
+            origin.overridden.push_back(
+                {read_place(other, report), hide_in_value(name, other.member("value").text(), secrets)});
+    }
+    return origin;
+}
+
+RUN_SOURCE read_source_row(const JSON_NODE& row, SECRETS& secrets)
+{
+    RUN_SOURCE source;
+    const JSON_NODE layer = row.member("layer");
+    source.layer = layer_of_code(layer.text());
+    if (!source.layer && layer.text() != program_layer)
+        layer.refuse("layer");
+    source.external = row.member("external").truth();
+    source.state = row.member("state").text();
+    if (const std::optional<JSON_NODE> path = row.member_if_any("path"))
+    {
+        source.path = path->text();
+        source.size = row.member("size").natural_number();
+        source.modified = row.member("modified").text();
+        return source;
+    }
+    source.text = row.member("text").text();
+    if (std::optional<std::string> hidden =
+            has_hidden_parts(*source.text) ? std::nullopt : hide_in_inline_text(*source.text, secrets))
+        source.text = std::move(hidden);
+    return source;
+}
+
+std::optional<std::string> read_outcome(const JSON_NODE& outcome)
+{
+    if (outcome.is_text())
+        return outcome.text();
+    const std::optional<double> number = outcome.double_or_null();
+    return number ? std::optional(nlohmann::json(*number).dump()) : std::nullopt;
+}
+
+std::optional<std::string> path_of_last(LAYER_KIND layer, const std::vector<RUN_SOURCE>& sources)
+{
+    std::optional<std::string> path;
+    for (const RUN_SOURCE& source : sources)
+    {
+        if (source.layer == layer)
+            path = source.path;
+    }
+    return path;
+}
+
+std::vector<std::string> read_names(const JSON_NODE& list)
+{
+    std::vector<std::string> names;
+    for (const JSON_NODE& name : list.elements())
+        names.push_back(name.text());
+    return names;
+}
+
+void read_what_version_2_adds(const JSON_NODE& root, RUN_REPORT& report, SECRETS& secrets)
+{
+    report.outcome = read_outcome(root.member("outcome"));
+    report.host = root.member("host").text_or_null();
+    report.process = root.member("process").natural_number_or_null();
+    report.directory = root.member("directory").text_or_null();
+    report.executable = root.member("executable").text_or_null();
+    report.started = root.member("started").text_or_null();
+    report.ended = root.member("ended").text_or_null();
+    for (const JSON_NODE& row : root.member("environment").elements())
+    {
+        report.environment.push_back({row.member("name").text(), row.member("value").text_or_null()});
+        hide_in_environment(report.environment.back(), secrets);
+    }
+    report.sources_complete = root.member("sources_complete").truth();
+    for (const JSON_NODE& row : root.member("sources").elements())
+        report.sources.push_back(read_source_row(row, secrets));
+    report.main_file = path_of_last(LAYER_KIND::MAIN_FILE, report.sources);
+    report.appended_file = path_of_last(LAYER_KIND::APPENDED_FILE, report.sources);
+    report.regtest_file = path_of_last(LAYER_KIND::REGTEST_FILE, report.sources);
+}
+
+void read_files_of_version_1(const JSON_NODE& root, RUN_REPORT& report)
+{
+    const JSON_NODE files = root.member("files");
+    report.main_file = files.member("main").text_or_null();
+    report.appended_file = files.member("appended").text_or_null();
+    report.regtest_file = files.member("regtest").text_or_null();
+}
+
+// --- Both versions ---
+
+READ_VARIABLE read_variable(const JSON_NODE& row, const RUN_REPORT& report, SECRETS& secrets)
 {
     READ_VARIABLE variable{row.member("name").text(), row.member("count").natural_number(),
                            row.member("value").text_or_null(), row.member("external").truth(),
                            row.member("used").truth()};
     if (variable.value)
         variable.value = hide_in_value(variable.name, *variable.value, secrets);
+    variable.origin = read_origin(row, variable.name, report, secrets);
     return variable;
 }
 
-UNREAD_VARIABLE read_unread_variable(const JSON_NODE& row, SECRETS& secrets)
+UNREAD_VARIABLE read_unread_variable(const JSON_NODE& row, const RUN_REPORT& report, SECRETS& secrets)
 {
     const std::string name = row.member("name").text();
-    return {name, hide_in_value(name, row.member("value").text(), secrets)};
+    return {name, hide_in_value(name, row.member("value").text(), secrets), read_origin(row, name, report, secrets)};
+}
+
+bool has_name(const std::vector<std::string>& names, const std::string& name)
+{
+    return std::ranges::any_of(names, [&name](const auto& other) { return same_name(other, name); });
 }
 
 template <typename VARIABLES>
@@ -54,6 +193,22 @@ struct UNREAD_SOMEWHERE
 };
 }
 
+const char* origin_word(RUN_ORIGIN::KIND kind)
+{
+    switch (kind)
+    {
+    case RUN_ORIGIN::KIND::SOURCE:
+        return nullptr;
+    case RUN_ORIGIN::KIND::PROGRAM:
+        return "program";
+    case RUN_ORIGIN::KIND::UNSET:
+        return "unset";
+    case RUN_ORIGIN::KIND::UNKNOWN:
+        break;
+    }
+    return "unknown";
+}
+
 RUN_REPORT read_run_report(const std::string& path, SECRETS& secrets)
 {
     const JSON_DOCUMENT document(path, {run_report_format()});
@@ -68,22 +223,28 @@ DOCUMENT_FORMAT run_report_format()
 RUN_REPORT run_report_in(const JSON_DOCUMENT& document, const std::string& path, SECRETS& secrets)
 {
     const JSON_NODE root = document.root();
-    const JSON_NODE files = root.member("files");
     RUN_REPORT report;
+    report.version = root.member("schema_version").natural_number();
     report.file = title_of_named_file(path);
     report.run = root.member("run").text();
     if (report.run.empty())
         report.run = report.file;
     report.release = root.member("release").text();
-    report.main_file = files.member("main").text_or_null();
-    report.appended_file = files.member("appended").text_or_null();
-    report.regtest_file = files.member("regtest").text_or_null();
+    if (report.version == 1)
+        read_files_of_version_1(root, report);
+    else
+        read_what_version_2_adds(root, report, secrets);
     for (const JSON_NODE& row : root.member("read").elements())
-        report.read.push_back(read_variable(row, secrets));
+        report.read.push_back(read_variable(row, report, secrets));
     for (const JSON_NODE& row : root.member("external_never_read").elements())
-        report.external_never_read.push_back(read_unread_variable(row, secrets));
-    for (const JSON_NODE& name : root.member("uncounted").elements())
-        report.uncounted.push_back(name.text());
+        report.external_never_read.push_back(read_unread_variable(row, report, secrets));
+    if (report.version == 1)
+        report.uncounted = read_names(root.member("uncounted"));
+    else
+    {
+        report.asked_once = read_names(root.member("asked_once"));
+        report.set_never_read = read_names(root.member("set_never_read"));
+    }
     std::ranges::stable_sort(report.read, std::greater<>(), &READ_VARIABLE::count);
     return report;
 }
@@ -118,9 +279,18 @@ DEPENDENCE dependence_on(const std::string& name, const RUN_REPORT& report)
         return {DEPENDENCE::KIND::READ, found->count, found->value};
     if (const auto found = find_variable(report.external_never_read, name); found != report.external_never_read.end())
         return {DEPENDENCE::KIND::NEVER_READ, 0, found->value};
-    if (std::ranges::any_of(report.uncounted, [&name](const auto& other) { return same_name(other, name); }))
+    if (has_name(report.asked_once, name))
+        return {DEPENDENCE::KIND::ASKED_ONCE, 0, std::nullopt};
+    if (has_name(report.set_never_read, name))
+        return {DEPENDENCE::KIND::NEVER_READ, 0, std::nullopt};
+    if (has_name(report.uncounted, name))
         return {DEPENDENCE::KIND::PERHAPS, 0, std::nullopt};
     return {};
+}
+
+bool may_depend(DEPENDENCE::KIND kind)
+{
+    return kind == DEPENDENCE::KIND::READ || kind == DEPENDENCE::KIND::ASKED_ONCE || kind == DEPENDENCE::KIND::PERHAPS;
 }
 
 SWITCH_USE use_of_switch(const std::string& name, const std::vector<RUN_REPORT>& reports)
@@ -130,7 +300,7 @@ SWITCH_USE use_of_switch(const std::string& name, const std::vector<RUN_REPORT>&
     {
         use.dependences.push_back(dependence_on(name, report));
         const DEPENDENCE::KIND kind = use.dependences.back().kind;
-        use.depending_runs += kind == DEPENDENCE::KIND::READ ? 1U : 0U;
+        use.depending_runs += may_depend(kind) && kind != DEPENDENCE::KIND::PERHAPS ? 1U : 0U;
         use.known = use.known || kind != DEPENDENCE::KIND::UNKNOWN;
     }
     return use;
@@ -142,6 +312,8 @@ const char* dependence_word(DEPENDENCE::KIND kind)
     {
     case DEPENDENCE::KIND::READ:
         return "read";
+    case DEPENDENCE::KIND::ASKED_ONCE:
+        return "asked once";
     case DEPENDENCE::KIND::PERHAPS:
         return "perhaps";
     case DEPENDENCE::KIND::NEVER_READ:
@@ -161,6 +333,8 @@ std::vector<NEVER_READ_VARIABLE> variables_that_no_run_read(const std::vector<RU
     {
         for (const READ_VARIABLE& variable : report.read)
             read_somewhere[variable.name] = true;
+        for (const std::string& name : report.asked_once)
+            read_somewhere[name] = true;
         for (const std::string& name : report.uncounted)
             uncounted_in[name].push_back(report.run);
         for (const UNREAD_VARIABLE& unread : report.external_never_read)
@@ -189,7 +363,8 @@ std::vector<std::string> names_in_reports(const std::vector<RUN_REPORT>& reports
             names.push_back(variable.name);
         for (const UNREAD_VARIABLE& variable : report.external_never_read)
             names.push_back(variable.name);
-        names.insert(names.end(), report.uncounted.begin(), report.uncounted.end());
+        for (const std::vector<std::string>* list : {&report.uncounted, &report.asked_once, &report.set_never_read})
+            names.insert(names.end(), list->begin(), list->end());
     }
     return names;
 }

@@ -9,7 +9,54 @@
 #include <vector>
 
 #include "tools/velmar-cfg/base/json_reader.h"
+#include "tools/velmar-cfg/settings/environment.h"
+#include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/secrets.h"
+
+// A file or a text that was applied in the run, as it was then.
+struct RUN_SOURCE
+{
+    std::optional<LAYER_KIND> layer; // nothing for a text that the program applied
+    bool external = false;
+    std::optional<std::string> path; // of a file
+    std::uint64_t size = 0;          // of a file
+    std::string modified;            // of a file; UTC
+    std::optional<std::string> text; // of a text, secrets hidden
+    std::string state;               // "same" when the report was written, "changed", "gone", ...
+};
+
+// A line or an item of one of the report's sources.
+struct RUN_PLACE
+{
+    std::size_t source;     // its index among the sources
+    std::uint64_t position; // from 1; 0 when it is not known
+};
+
+struct RUN_ASSIGNMENT
+{
+    RUN_PLACE place;
+    std::string value;
+};
+
+// Where a value came from.
+struct RUN_ORIGIN
+{
+    enum class KIND
+    {
+        UNKNOWN, // everything is in version 1
+        SOURCE,
+        PROGRAM,
+        UNSET,
+    };
+
+    KIND kind = KIND::UNKNOWN;
+    std::optional<RUN_PLACE> place = {};         // of SOURCE; of PROGRAM for a text that the program applied
+    std::vector<RUN_PLACE> perhaps = {};         // of UNKNOWN
+    std::vector<RUN_ASSIGNMENT> overridden = {}; // in the order of the sources
+};
+
+// "unknown", "program" or "unset"; null for SOURCE, whose place says more.
+const char* origin_word(RUN_ORIGIN::KIND kind);
 
 struct READ_VARIABLE
 {
@@ -18,16 +65,20 @@ struct READ_VARIABLE
     std::optional<std::string> value;
     bool external;
     bool used;
+    RUN_ORIGIN origin = {};
 };
 
 struct UNREAD_VARIABLE
 {
     std::string name;
     std::string value;
+    RUN_ORIGIN origin = {};
 };
 
+// What version 1 does not know is nothing, empty or false.
 struct RUN_REPORT
 {
+    std::uint64_t version = 1;
     std::string file; // of the report itself
     std::string run;  // what the host called it; the file where it gave no name
     std::string release;
@@ -36,7 +87,20 @@ struct RUN_REPORT
     std::optional<std::string> regtest_file;
     std::vector<READ_VARIABLE> read; // highest count first
     std::vector<UNREAD_VARIABLE> external_never_read;
-    std::vector<std::string> uncounted;
+    std::vector<std::string> uncounted; // of version 1: those of the next two lists, together
+    std::vector<std::string> asked_once;
+    std::vector<std::string> set_never_read;
+
+    std::optional<std::string> outcome; // "pass", "fail" or a number as a text
+    std::optional<std::string> host;
+    std::optional<std::uint64_t> process;
+    std::optional<std::string> directory;
+    std::optional<std::string> executable;
+    std::optional<std::string> started; // UTC
+    std::optional<std::string> ended;   // UTC
+    std::vector<ENVIRONMENT_VARIABLE> environment;
+    bool sources_complete = false;
+    std::vector<RUN_SOURCE> sources; // in the order in which they were applied
 };
 
 // The report of the file, secret values hidden. Throws TOOL_ERROR(BAD_INPUT) for a file that is no run report, or of a
@@ -62,8 +126,9 @@ struct DEPENDENCE
     enum class KIND
     {
         READ,       // it was looked up
+        ASKED_ONCE, // it was looked up once, while unset
         PERHAPS,    // no access was counted: unset and asked for once, or set in the run and never read
-        NEVER_READ, // it came from outside and was never looked up
+        NEVER_READ, // it came from outside, or was set in the run, and was never looked up
         UNKNOWN,    // the run never came across it
     };
 
@@ -72,7 +137,10 @@ struct DEPENDENCE
     std::optional<std::string> value;
 };
 
-// "read", "perhaps", "never read" or "unknown".
+// Whether a run with this dependence depended on the variable, or may have.
+bool may_depend(DEPENDENCE::KIND kind);
+
+// "read", "asked once", "perhaps", "never read" or "unknown".
 const char* dependence_word(DEPENDENCE::KIND kind);
 
 // Names are equal as in the store.
@@ -82,7 +150,7 @@ DEPENDENCE dependence_on(const std::string& name, const RUN_REPORT& report);
 struct SWITCH_USE
 {
     std::vector<DEPENDENCE> dependences; // of each report, in order
-    std::size_t depending_runs;          // those that read it
+    std::size_t depending_runs;          // those that read it, or asked for it once
     bool known;                          // some run came across it
 };
 SWITCH_USE use_of_switch(const std::string& name, const std::vector<RUN_REPORT>& reports);

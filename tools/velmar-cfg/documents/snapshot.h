@@ -29,7 +29,7 @@ struct SNAPSHOT_FILE
     std::optional<std::string> sha256; // 64 lower-case hexadecimal digits; hidden for a file that holds secrets, since
                                        // they could be guessed until the hash fits
 
-    // The hash itself where the file was read now, for comparisons. No document has it.
+    // The hash itself where it is known, for comparisons. No document has it beside a hidden one.
     std::string hash_behind_mask = {};
 
     bool operator==(const SNAPSHOT_FILE&) const = default;

@@ -59,8 +59,8 @@ SAMENESS compare_if_present(const std::optional<std::string>& a, const std::opti
 
 // --- Variables ---
 
-// Hosts write U+FFFD in run reports for what is no UTF-8.
-std::string as_in_run_reports(const std::string& text)
+// Version 1 of run reports has U+FFFD for what is no UTF-8.
+std::string as_in_version_1(const std::string& text)
 {
     using nlohmann::ordered_json;
     return ordered_json::parse(ordered_json(text).dump(-1, ' ', false, ordered_json::error_handler_t::replace))
@@ -77,7 +77,7 @@ SAMENESS compare_with_run(std::string_view of_run, std::string_view other)
 {
     const SAMENESS sameness = compare_texts(of_run, other);
     return sameness == SAMENESS::DIFFERENT && has_replaced_bytes(of_run) &&
-                   as_in_run_reports(std::string(other)) == of_run
+                   as_in_version_1(std::string(other)) == of_run
                ? SAMENESS::SAME
                : sameness;
 }
@@ -168,7 +168,7 @@ private:
         for (std::size_t i = 0; i < variables.size(); ++i)
         {
             if (!is_utf_8(variables.name(i)))
-                names.emplace(as_in_run_reports(std::string(variables.name(i))), i);
+                names.emplace(as_in_version_1(std::string(variables.name(i))), i);
         }
         return names;
     }
@@ -378,19 +378,16 @@ void keep_sections(SNAPSHOT_DIFFERENCES& differences, const std::vector<std::str
 
 void keep_what_the_run_read(SNAPSHOT_DIFFERENCES& differences, const RUN_REPORT& run)
 {
-    const auto depends_on = [&run](const std::string& name)
-    {
-        const DEPENDENCE::KIND kind = dependence_on(as_in_run_reports(name), run).kind;
-        return kind == DEPENDENCE::KIND::READ || kind == DEPENDENCE::KIND::PERHAPS;
-    };
+    const auto dependence_of_run_on = [&run](const std::string& name)
+    { return dependence_on(run.version == 1 ? as_in_version_1(name) : name, run).kind; };
     std::vector<UNDECIDED_ROW> undecided = std::move(differences.undecided);
     std::erase_if(undecided, [&](const UNDECIDED_ROW& row)
-                  { return std::string_view(row.list) != "variables" || !depends_on(row.name); });
+                  { return std::string_view(row.list) != "variables" || !may_depend(dependence_of_run_on(row.name)); });
     std::vector<VARIABLE_DIFFERENCE> kept;
     for (VARIABLE_DIFFERENCE& difference : differences.variables)
     {
-        difference.dependence = dependence_on(as_in_run_reports(difference.name), run).kind;
-        if (difference.dependence == DEPENDENCE::KIND::READ || difference.dependence == DEPENDENCE::KIND::PERHAPS)
+        difference.dependence = dependence_of_run_on(difference.name);
+        if (may_depend(difference.dependence))
             kept.push_back(std::move(difference));
     }
     differences = {};

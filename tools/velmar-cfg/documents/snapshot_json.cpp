@@ -76,7 +76,8 @@ TYPED_READINGS read_readings(const JSON_NODE& readings)
             readings.member("double_whole").truth()};
 }
 
-void read_variable(const JSON_NODE& row, SNAPSHOT_VARIABLES& variables, SECRETS& secrets)
+// Adds the row; the layers that assign to a hidden one are added to `secret_layers`.
+void read_variable(const JSON_NODE& row, SNAPSHOT_VARIABLES& variables, LAYER_SET& secret_layers, SECRETS& secrets)
 {
     const std::string name = row.member("name").text();
     const bool external = row.member("external").truth();
@@ -88,8 +89,10 @@ void read_variable(const JSON_NODE& row, SNAPSHOT_VARIABLES& variables, SECRETS&
     for (const JSON_NODE& code : row.member("layers").elements())
         layers.insert(read_layer(code));
     const TYPED_READINGS readings = read_readings(row.member("readings"));
-    if (!variables.add(
-            {name, value, external, location, layers, has_hidden_parts(value) ? TYPED_READINGS() : readings}))
+    const bool hidden = has_hidden_parts(value);
+    if (hidden)
+        secret_layers.insert_all(layers);
+    if (!variables.add({name, value, external, location, layers, hidden ? TYPED_READINGS() : readings}))
         row.refuse(unlike_the_others);
 }
 
@@ -104,6 +107,23 @@ SNAPSHOT_PREFERENCE read_preference(const JSON_NODE& row, SECRETS& secrets)
             row.member("default").text(),
             {*source, row.member("section").text_or_null().value_or("")},
             row.member("release").text_or_null().value_or("")};
+}
+
+// Hides the hashes of files that hold secrets, where the document was written with everything shown: the secrets could
+// be guessed until the hash fits. Such a document then compares like one that was written with secrets masked.
+void hide_hashes(SNAPSHOT& snapshot, const LAYER_SET& secret_layers, SECRETS& secrets)
+{
+    const bool secret_preferences = std::ranges::any_of(snapshot.preferences, [](const SNAPSHOT_PREFERENCE& row)
+                                                        { return has_hidden_parts(row.value); });
+    for (SNAPSHOT_FILE& file : snapshot.files)
+    {
+        const std::optional<LAYER_KIND> layer = layer_of_code(file.role);
+        const bool holds_secrets = layer ? secret_layers.contains(*layer) : secret_preferences;
+        if (!holds_secrets || !file.sha256 || has_hidden_parts(*file.sha256))
+            continue;
+        file.hash_behind_mask = *file.sha256;
+        file.sha256 = secrets.mark(file.hash_behind_mask);
+    }
 }
 }
 
@@ -175,8 +195,9 @@ void write_json(JSON_WRITER& out, const SNAPSHOT& snapshot)
 
 DOCUMENT_FORMAT SNAPSHOT_READER::format()
 {
-    return {snapshot_kind,
-            {{"variables", [this](const JSON_NODE& row) { read_variable(row, snapshot.variables, secrets); }}}};
+    return {snapshot_kind, {{"variables", [this](const JSON_NODE& row) {
+                                 read_variable(row, snapshot.variables, secret_layers, secrets);
+                             }}}};
 }
 
 SNAPSHOT SNAPSHOT_READER::finish(const JSON_DOCUMENT& document)
@@ -195,6 +216,7 @@ SNAPSHOT SNAPSHOT_READER::finish(const JSON_DOCUMENT& document)
     snapshot.preferences = read_rows<std::set<std::string>>(
         root.member("preferences"), [this](const JSON_NODE& row) { return read_preference(row, secrets); },
         &SNAPSHOT_PREFERENCE::key);
+    hide_hashes(snapshot, secret_layers, secrets);
     return std::move(snapshot);
 }
 

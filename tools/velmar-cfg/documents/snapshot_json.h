@@ -46,6 +46,7 @@ public:
 private:
     SECRETS& secrets;
     SNAPSHOT snapshot;
+    LAYER_SET secret_layers; // those that assign to a hidden variable
 };
 
 // The snapshot of the file, with secrets hidden that it shows. Throws TOOL_ERROR(BAD_INPUT) for a file that is no

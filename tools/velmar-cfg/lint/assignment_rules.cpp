@@ -100,7 +100,7 @@ void EXAMINATION::quotes_kept()
 void EXAMINATION::known_variable(const KNOWN_VARIABLE& known)
 {
     const std::string value(statement.value);
-    const std::string name(statement.name);
+    const std::string name(known.name); // as letter_case() wants it
     const std::string readers = ", so readers of " + in_single_quotes(known.name) + " take their default";
     if (known.kind == KNOWN_VARIABLE::KIND::SWITCH && !as_boolean(value))
         add(value_offset(), SEVERITY::ERROR, "no-boolean", in_single_quotes(value) + " is no boolean" + readers,

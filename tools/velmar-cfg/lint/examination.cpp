@@ -128,7 +128,7 @@ bool EXAMINATION::byte_order_mark_before_text()
 }
 
 // A comment that follows a value at once is perhaps none. It is one all the same behind a blank, behind a boolean or a
-// number, and where nothing of note is cut off.
+// number, and where nothing of note is cut off; in the place of the value, where a blank follows its sign.
 void EXAMINATION::comment()
 {
     if (kept_length == text.size())
@@ -146,7 +146,9 @@ void EXAMINATION::comment()
     const bool nothing_cut = visible.empty() || visible.find_first_of(";#") == 0 || visible.starts_with("//");
     const bool behind_scalar =
         is_scalar(statement.value) && !behind.empty() && (is_white(behind.front()) || text[sign] == '#');
-    if (!statement.value.empty() && (is_white(text[sign - 1]) || nothing_cut || behind_scalar))
+    const bool behind_blank = !statement.value.empty() && is_white(text[sign - 1]);
+    const bool for_value = statement.value.empty() && !behind.empty() && is_white(behind.front());
+    if (nothing_cut || behind_blank || behind_scalar || for_value)
         return;
     add(sign, SEVERITY::WARNING, "comment-cut",
         "the value is cut off at the \"" + std::string(1, text[sign]) + "\", where a comment begins",

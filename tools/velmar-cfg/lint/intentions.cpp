@@ -41,6 +41,12 @@ bool is_plain(std::string_view name)
     return looks_like_a_name(letters);
 }
 
+// A name that is no number.
+bool begins_like_a_name(std::string_view text)
+{
+    return looks_like_a_name(text) && (text.front() < '0' || text.front() > '9');
+}
+
 // With the no-break space, which looks like a blank, as a blank.
 std::string with_plain_blanks(std::string_view text)
 {
@@ -51,21 +57,18 @@ std::string with_plain_blanks(std::string_view text)
     return plain;
 }
 
-std::string joined(const std::vector<std::string_view>& words, std::string_view between)
-{
-    std::string text;
-    for (const std::string_view word : words)
-        text += (text.empty() ? "" : std::string(between)) + std::string(word);
-    return text;
-}
-
 // The name that was written as several words.
 std::optional<std::string> name_of_words(std::string_view text)
 {
     const std::vector<std::string_view> words = words_of(text);
-    if (words.empty() || words.size() > most_words_of_a_name || !std::ranges::all_of(words, is_plain))
+    const bool has_option =
+        words.size() > 1 && std::ranges::any_of(words, [](std::string_view word) { return word.starts_with('-'); });
+    if (words.empty() || words.size() > most_words_of_a_name || has_option || !std::ranges::all_of(words, is_plain))
         return std::nullopt;
-    return joined(words, "_");
+    std::string name;
+    for (const std::string_view word : words)
+        name += (name.empty() ? "" : "_") + std::string(word);
+    return name;
 }
 
 // The comment with a blank before it, where it is one for sure and no part of the value.
@@ -80,6 +83,13 @@ std::string rest_meant_by(std::string_view value, std::string_view rest)
 std::size_t offset_of(std::string_view part, std::string_view line)
 {
     return static_cast<std::size_t>(part.data() - line.data());
+}
+
+// The line with "NAME = " before the value, which is a part of it; what stands behind the value stays.
+std::string with_assignment(std::string_view line, std::string_view name, std::string_view value)
+{
+    return std::string(indentation_of(line)) + std::string(name) + " = " +
+           std::string(line.substr(offset_of(value, line)));
 }
 
 // The comment that the "//" at that offset was meant to begin, with the white space before it. The value then ends
@@ -209,11 +219,28 @@ std::optional<std::string> INTENTIONS::of_ignored_line(std::string_view line) co
                             : std::optional(std::string(indentation_of(line)) + std::string(name) + " =");
     }
     const std::vector<std::string_view> words = words_of(visible);
+    if (std::optional<std::string> assignment = of_two_words(line, words))
+        return assignment;
     if (find_known_variable(words.front()) != nullptr)
-        return words.size() == 2 ? of_assignment(joined(words, " = ")) : std::nullopt;
+        return std::nullopt;
     if (std::optional<std::string> assignment = of_colon(line))
         return assignment;
     return as_comment(line);
+}
+
+// A line "name value", as other formats have it, or "set name value". Where neither is known to be what it looks like,
+// it may be words.
+std::optional<std::string> INTENTIONS::of_two_words(std::string_view line,
+                                                    std::span<const std::string_view> words) const
+{
+    if (words.size() == 3 && words.front() == "set")
+        words = words.subspan(1);
+    if (words.size() != 2 || !begins_like_a_name(words[0]))
+        return std::nullopt;
+    const bool has_scalar = is_scalar(words[1]) || without_comma(words[1]);
+    return has_scalar || find_known_variable(words[0]) != nullptr
+               ? of_assignment(with_assignment(line, words[0], words[1]))
+               : std::nullopt;
 }
 
 // A line "name: value", as other formats have it.
@@ -226,11 +253,7 @@ std::optional<std::string> INTENTIONS::of_colon(std::string_view line) const
     const std::string_view value =
         without_outer_white(line.substr(colon + 1, length_without_comment(line) - colon - 1));
     const bool one_value = words_of(value).size() == 1 || between_quotes(value) || without_comma(value);
-    if (!looks_like_a_name(name) || (name.front() >= '0' && name.front() <= '9') || !one_value)
-        return std::nullopt;
-    const std::size_t behind = static_cast<std::size_t>(value.data() + value.size() - line.data());
-    return of_assignment(std::string(indentation_of(line)) + std::string(name) + " = " + std::string(value) +
-                         std::string(line.substr(behind)));
+    return begins_like_a_name(name) && one_value ? of_assignment(with_assignment(line, name, value)) : std::nullopt;
 }
 
 std::optional<std::string> INTENTIONS::of_assignment(std::string_view line) const

@@ -6,6 +6,7 @@
 #define TOOLS_VELMAR_CFG_LINT_INTENTIONS_H
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -29,6 +30,7 @@ public:
 private:
     std::optional<std::string> of_ignored_line(std::string_view line) const;
     std::optional<std::string> of_assignment(std::string_view line) const;
+    std::optional<std::string> of_two_words(std::string_view line, std::span<const std::string_view> words) const;
     std::optional<std::string> of_colon(std::string_view line) const;
     std::optional<std::string> name_meant_by(std::string_view written) const;
 

@@ -1,15 +1,18 @@
+// The records tell of each line what the reader takes from it and whether a save loses it, so that a file is taken
+// apart once. The rules below look at what takes effect. No finding is kept.
 #include "tools/velmar-cfg/lint/preference_rules.h"
 
 #include <algorithm>
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
+#include <vector>
 
 #include "platform/ver/ver.h"
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/base/text.h"
-#include "tools/velmar-cfg/preferences/preference_lines.h"
 #include "tools/velmar-cfg/preferences/preference_save.h"
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
@@ -84,9 +87,9 @@ SEVERITY severity_of(const LOST_LINE& line)
     }
 }
 
-std::string instead_of(const LOST_LINE& line)
+// `header` is one to give as an example.
+std::string instead_of(const LOST_LINE& line, const std::string& header)
 {
-    const std::string header = "'[" + released_section("General", ver_get_version()) + "]'";
     switch (line.reason)
     {
     case LOSS::NO_PREFERENCE:
@@ -141,99 +144,110 @@ std::size_t offset_of(const LOST_LINE& line)
 class EXAMINATION
 {
 public:
-    explicit EXAMINATION(const std::string& path_of_file) : path(path_of_file) {}
-
-    std::vector<FINDING> findings(std::string_view bytes)
+    EXAMINATION(const std::string& path, const std::function<void(const FINDING&)>& take_findings) : take(take_findings)
     {
-        const std::vector<LOST_LINE> lost_lines = PREFERENCE_RECORDS(bytes).lost_lines();
-        auto lost = lost_lines.begin();
-        for_each_preference_line(bytes,
-                                 [&](std::size_t line_number, std::string_view line_text,
-                                     const PREFERENCE_LINE& classified, const std::string& its_section)
-                                 {
-                                     number = line_number;
-                                     text = line_text;
-                                     line = classified;
-                                     section = its_section;
-                                     std::optional<LOSS> loss;
-                                     if (lost != lost_lines.end() && lost->number == number)
-                                     {
-                                         loss = lost->reason;
-                                         add(severity_of(*lost), loss_word(*loss), loss_as_text(*lost),
-                                             instead_of(*lost), offset_of(*lost));
-                                         ++lost;
-                                     }
-                                     examine(loss);
-                                 });
-        return std::move(found);
+        finding.file = path;
+    }
+
+    void run(std::string_view bytes)
+    {
+        PREFERENCE_RECORDS(bytes).for_each_line(
+            [this](EXAMINED_LINE&& examined)
+            {
+                line = std::move(examined);
+                if (line.loss)
+                    add(severity_of(*line.loss), loss_word(line.loss->reason), loss_as_text(*line.loss),
+                        instead_of(*line.loss, usual_header), offset_of(*line.loss));
+                examine();
+            });
     }
 
 private:
-    void add(SEVERITY severity, const char* reason, const std::string& message, const std::string& instead,
+    void add(SEVERITY severity, const char* reason, std::string message, std::string instead,
              std::size_t offset = std::string_view::npos)
     {
-        const std::size_t first = std::min(text.find_first_not_of(" \t\r\v\f"), text.size());
-        found.push_back({path,
-                         number,
-                         {},
-                         offset_before_hiding(text, offset == std::string_view::npos ? first : offset) + 1,
-                         severity,
-                         reason,
-                         message,
-                         instead});
+        const std::size_t first = std::min(line.text.find_first_not_of(" \t\r\v\f"), line.text.size());
+        finding.line = line.number;
+        finding.column = offset_before_hiding(line.text, offset == std::string_view::npos ? first : offset) + 1;
+        finding.severity = severity;
+        finding.reason = reason;
+        finding.message = std::move(message);
+        finding.instead = std::move(instead);
+        take(finding);
     }
 
-    void examine(std::optional<LOSS> loss);
+    void examine();
     void examine_header();
     void examine_key();
     void examine_known_key(CFG_USER_INI_ENUMS preference);
+    void value_not_allowed(CFG_USER_INI_ENUMS preference, std::string_view key);
     void unknown_key();
 
-    const std::string path;
+    const std::function<void(const FINDING&)>& take;
     const KNOWN_SECTIONS known_sections;
     const NAME_CANDIDATES known_keys = NAME_CANDIDATES(all_preference_keys());
+    const std::string usual_header = "'[" + released_section("General", ver_get_version()) + "]'";
 
-    std::string_view text; // the line, and
-    std::size_t number = 0;
-    PREFERENCE_LINE line; // what the reader takes from it, and
-    std::string section;  // the section that holds
-    std::vector<FINDING> found;
+    EXAMINED_LINE line;
+    std::string name;  // of the line's record, and
+    std::string value; // its value: with the zero bytes behind them that the library wants
+    FINDING finding;   // the last one
 };
 
 // Whether the line takes effect, so that there is more to say about it.
-bool takes_effect(std::optional<LOSS> loss)
+bool takes_effect(const std::optional<LOST_LINE>& loss)
 {
-    return !loss || *loss == LOSS::EMPTY_SECTION || *loss == LOSS::BESIDE_HEADER || *loss == LOSS::EMPTY_VALUE ||
-           *loss == LOSS::MERGED_SECTION || *loss == LOSS::ZERO_BYTE || *loss == LOSS::CHANGED_VALUE;
+    if (!loss)
+        return true;
+    switch (loss->reason)
+    {
+    case LOSS::EMPTY_SECTION:
+    case LOSS::BESIDE_HEADER:
+    case LOSS::EMPTY_VALUE:
+    case LOSS::MERGED_SECTION:
+    case LOSS::ZERO_BYTE:
+    case LOSS::CHANGED_VALUE:
+        return true;
+    default:
+        return false;
+    }
 }
 
-void EXAMINATION::examine(std::optional<LOSS> loss)
+std::string advice_to_write(std::string_view name, std::string_view value)
 {
-    if (!takes_effect(loss))
+    return "write " + in_single_quotes(std::string(name).append(" = ").append(value));
+}
+
+void EXAMINATION::examine()
+{
+    if (!takes_effect(line.loss))
         return;
-    if (line.kind == PREFERENCE_LINE_KIND::HEADER)
+    if (line.is_header)
         examine_header();
-    else if (line.kind == PREFERENCE_LINE_KIND::KEY)
+    else if (line.makes_record)
         examine_key();
 }
 
 void EXAMINATION::examine_header()
 {
+    const std::string section(line.section);
     if (known_sections.contains(section))
         return;
     const std::string* const nearest = known_sections.nearest(section);
     add(SEVERITY::WARNING, "unknown-section",
         "no lookup gets to the section " + in_single_quotes(section) + "; letter case counts",
         nearest != nullptr ? "write '[" + *nearest + "]'" : "write the section, a blank, a release and \"_pro\"",
-        text.find('['));
+        line.text.find('['));
 }
 
 void EXAMINATION::examine_key()
 {
+    name = line.name;
+    value = line.value;
     if (line.old_name_converted)
-        add(SEVERITY::NOTE, "old-name", "the old name of " + line.name + ", converted by the next save",
-            "write " + in_single_quotes(line.name + " = " + line.value));
-    const CFG_USER_INI_ENUMS preference = find_preference(line.name.c_str());
+        add(SEVERITY::NOTE, "old-name", "the old name of " + name + ", converted by the next save",
+            advice_to_write(name, value));
+    const CFG_USER_INI_ENUMS preference = find_preference(name.c_str());
     if (preference == CFG_USER_INI_ENUMS_END)
         unknown_key();
     else
@@ -242,43 +256,47 @@ void EXAMINATION::examine_key()
 
 void EXAMINATION::unknown_key()
 {
-    if (line.name.starts_with('#') || line.name.starts_with(';'))
+    if (name.starts_with('#') || name.starts_with(';'))
     {
         add(SEVERITY::WARNING, "no-comment",
-            "there are no comments: this is kept as a preference " + in_single_quotes(line.name), "remove the line");
+            "there are no comments: this is kept as a preference " + in_single_quotes(name), "remove the line");
         return;
     }
-    const std::string* const nearest = known_keys.nearest(line.name);
+    const std::string* const nearest = known_keys.nearest(name);
     add(SEVERITY::WARNING, "unknown-key",
-        "there is no preference " + in_single_quotes(line.name) + "; the line is kept, unused",
-        nearest != nullptr ? "write " + in_single_quotes(*nearest + " = " + line.value) : "remove the line");
+        "there is no preference " + in_single_quotes(name) + "; the line is kept, unused",
+        nearest != nullptr ? advice_to_write(*nearest, value) : "remove the line");
 }
 
 void EXAMINATION::examine_known_key(CFG_USER_INI_ENUMS preference)
 {
-    const std::string key = cfg_get_user_ini_ini_string(preference);
-    const std::string bare_section = preference_triples(preference).front().section;
-    if (line.name != key)
+    const std::string_view key = cfg_user_ini_ini_names[preference_position(preference)];
+    const std::string_view bare_section = preference_sections[preference_position(preference)];
+    if (name != key)
         add(SEVERITY::ERROR, "letter-case", "a value is found only under the key's own spelling",
-            "write " + in_single_quotes(key + " = " + line.value));
-    if (section != bare_section && !section.starts_with(bare_section + " "))
+            advice_to_write(key, value));
+    const std::string_view release = line.section.substr(std::min(bare_section.size(), line.section.size()));
+    if (!line.section.starts_with(bare_section) || !(release.empty() || release.starts_with(' ')))
         add(SEVERITY::ERROR, "wrong-section",
-            key + " is looked for in sections " + in_single_quotes(bare_section) + " only",
-            "move it below '[" + released_section(bare_section, ver_get_version()) + "]'");
-    if (!line.value.empty() && find_fitting_triple(preference, line.value.c_str()) == nullptr)
-    {
-        std::string allowed;
-        for (const PREFERENCE_TRIPLE& triple : preference_triples(preference))
-            allowed += (allowed.empty() ? "" : ", ") + std::string(triple.value);
-        const std::size_t behind = text.find('=') + 1;
-        add(SEVERITY::ERROR, "not-allowed", in_single_quotes(line.value) + " is not allowed for " + key,
-            "write one of " + allowed, text.find_first_not_of(" \t", behind));
-    }
+            std::string(key) + " is looked for in sections " + in_single_quotes(bare_section) + " only",
+            "move it below '[" + released_section(std::string(bare_section), ver_get_version()) + "]'");
+    if (!value.empty() && find_fitting_triple(preference, value.c_str()) == nullptr)
+        value_not_allowed(preference, key);
+}
+
+void EXAMINATION::value_not_allowed(CFG_USER_INI_ENUMS preference, std::string_view key)
+{
+    std::string allowed;
+    for (const PREFERENCE_TRIPLE& triple : preference_triples(preference))
+        allowed += (allowed.empty() ? "" : ", ") + std::string(triple.value);
+    const std::size_t behind = line.text.find('=') + 1;
+    add(SEVERITY::ERROR, "not-allowed", in_single_quotes(value) + " is not allowed for " + std::string(key),
+        "write one of " + allowed, line.text.find_first_not_of(" \t", behind));
 }
 }
 
-std::vector<FINDING> lint_preferences(const INPUT_FILE& file, SECRETS& secrets)
+void lint_preferences(const INPUT_FILE& file, SECRETS& secrets, const std::function<void(const FINDING&)>& take)
 {
     const std::optional<std::string> hidden = hide_in_preference_text(file.whole_lines(), secrets);
-    return EXAMINATION(file.path).findings(hidden ? *hidden : file.whole_lines());
+    EXAMINATION(file.path, take).run(hidden ? *hidden : file.whole_lines());
 }

@@ -2,13 +2,13 @@
 #ifndef TOOLS_VELMAR_CFG_LINT_PREFERENCE_RULES_H
 #define TOOLS_VELMAR_CFG_LINT_PREFERENCE_RULES_H
 
-#include <vector>
+#include <functional>
 
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/lint/finding.h"
 #include "tools/velmar-cfg/settings/secrets.h"
 
-// The findings in the order of the lines, as far as the file could be read.
-std::vector<FINDING> lint_preferences(const INPUT_FILE& file, SECRETS& secrets);
+// Hands the findings over in the order of the lines, as far as the file could be read.
+void lint_preferences(const INPUT_FILE& file, SECRETS& secrets, const std::function<void(const FINDING&)>& take);
 
 #endif

@@ -1,7 +1,9 @@
 #include "tools/velmar-cfg/preferences/preference_edit.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,10 +16,17 @@
 
 namespace
 {
-bool is_read_only(const FILE_PLACE& place, const SEEN_FILE& file)
+// Why the file's mode, its attributes or its file system are against a change; empty when nothing is. Only the mode can
+// be passed over.
+std::string write_protection(const FILE_PLACE& place, const SEEN_FILE& file, bool replace_read_only)
 {
-    return (file.status().st_mode & S_IWUSR) == 0 ||
-           faccessat(place.directory(), place.name().c_str(), W_OK, AT_EACCESS) != 0;
+    const bool protects_from_owner = (file.status().st_mode & S_IWUSR) == 0;
+    const bool writable = faccessat(place.directory(), place.name().c_str(), W_OK, AT_EACCESS) == 0;
+    if (!writable && (errno == EROFS || errno == EPERM))
+        return std::string(std::strerror(errno)) + "; the file cannot be changed where it is";
+    if (replace_read_only || (writable && !protects_from_owner))
+        return {};
+    return "the file is read-only; --replace-read-only does it anyway";
 }
 
 std::string lines_in_words(const std::vector<LOST_LINE>& lost)
@@ -44,8 +53,10 @@ std::string refusal_for(const EDITED_FILE& edited, const FILE_PLACE& place, cons
     if (file.exists() && file.status().st_nlink > 1 && !permissions.break_hard_links)
         return path + ": the file has " + std::to_string(file.status().st_nlink) +
                " names (hard links), and the others would keep the old one; --break-hard-links does it anyway";
-    if (file.exists() && !permissions.replace_read_only && is_read_only(place, file))
-        return path + ": the file is read-only; --replace-read-only does it anyway";
+    if (const std::string problem =
+            file.exists() ? write_protection(place, file, permissions.replace_read_only) : std::string();
+        !problem.empty())
+        return path + ": " + problem;
     if (permissions.lose_values || !edited.plan.loses_values())
         return {};
     if (!edited.plan.other_values.empty())
@@ -92,10 +103,15 @@ EDITED_FILE change_preference(const PREFERENCE_CHANGE& change, const EDIT_PERMIS
     {
         const SEEN_FILE file = read_settled_file(place, deadline);
         EDITED_FILE edited = planned(change, place, file, permissions);
-        if (!edited.changed() || STAGED_FILE(place, file, edited.plan.after).replace_target())
+        const REPLACEMENT replacement =
+            edited.changed() ? STAGED_FILE(place, file, edited.plan.after).replace_target() : REPLACEMENT::DONE;
+        if (replacement == REPLACEMENT::DONE)
             return edited;
         if (std::chrono::steady_clock::now() >= deadline)
-            fail_to_write(edited.path,
-                          "another program changed it meanwhile; nothing was changed, run the command again");
+            fail_to_write(edited.path, replacement == REPLACEMENT::OPEN_FOR_WRITING
+                                           ? "another program has it open for writing; nothing was changed, run the "
+                                             "command again when that program has closed it"
+                                           : "another program changed it meanwhile; nothing was changed, run the "
+                                             "command again");
     }
 }

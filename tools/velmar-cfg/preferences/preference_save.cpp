@@ -8,17 +8,21 @@
 //   values hold no "[", values are trimmed, and sections hold no "]". What is assigned is checked by its caller.
 // - Of sections that differ in letter case alone, the first in byte order gives the header: no key comes into it, for
 //   such sections differ before their ends.
+// - What a line, a section or a record says is a part of the file's bytes wherever the reader changes nothing: a line
+//   takes no memory of its own. Sections and records go by their positions.
+//
+// Cost: a file is read once; a line costs the reader's look at it and a search in a hash table. n log n for the saved
+// text, which is ordered.
 #include "tools/velmar-cfg/preferences/preference_save.h"
 
 #include <algorithm>
 #include <deque>
-#include <map>
 #include <sstream>
+#include <utility>
 
-#include "platform/gen/gen.h"
-#include "platform/ver/ver.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/preferences/preference_lines.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 
 using namespace zon_cfg;
 
@@ -29,10 +33,18 @@ bool is_comment(std::string_view trimmed_text)
     return trimmed_text.starts_with('#') || trimmed_text.starts_with(';');
 }
 
-// Two quotes around a value go at each load; a value that keeps such a pair loses it at the load after the save.
-bool reads_back(const std::string& value)
+// Without white space at the ends, as the reader trims.
+std::string_view trimmed_part(std::string_view text)
 {
-    return value.front() != '"' || classify_preference_line("KEY = " + value).value == value;
+    constexpr std::string_view white_space = " \t\n\v\f\r";
+    text.remove_prefix(std::min(text.find_first_not_of(white_space), text.size()));
+    return text.substr(0, text.find_last_not_of(white_space) + 1);
+}
+
+// Two quotes around a value go at each load; a value that keeps such a pair loses it at the load after the save.
+bool reads_back(std::string_view value)
+{
+    return value.front() != '"' || classify_preference_line("KEY = " + std::string(value)).value == value;
 }
 
 // The reader takes a line up to its first zero byte.
@@ -41,13 +53,29 @@ std::string_view behind_zero_byte(std::string_view text)
     return text.substr(std::min(text.find('\0'), text.size()));
 }
 
-struct LESS_IGNORING_CASE
+// As in every line of a file whose characters have two bytes.
+bool cuts_off_assignment(std::string_view text)
 {
-    bool operator()(const std::string& a, const std::string& b) const
-    {
-        return gen_stricmp(a.c_str(), b.c_str()) < 0;
-    }
-};
+    return behind_zero_byte(text).find('=') != std::string_view::npos;
+}
+
+// FNV-1a, so that the hash of two texts run together is that of the first one gone on with.
+std::uint64_t hash_of(std::string_view text, std::uint64_t hash = 0xcbf29ce484222325U)
+{
+    for (const char c : text)
+        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3U;
+    return hash;
+}
+
+// Whether two pairs of texts, each run together, are the same text.
+bool same_run_together(std::string_view a, std::string_view behind_a, std::string_view b, std::string_view behind_b)
+{
+    if (a.size() > b.size())
+        return same_run_together(b, behind_b, a, behind_a);
+    const std::string_view rest = b.substr(a.size());
+    return a.size() + behind_a.size() == b.size() + behind_b.size() && b.starts_with(a) && behind_a.starts_with(rest) &&
+           behind_a.substr(rest.size()) == behind_b;
+}
 }
 
 // --- The load ---
@@ -56,119 +84,156 @@ PREFERENCE_RECORDS::PREFERENCE_RECORDS(std::string_view bytes)
 {
     for_each_preference_line(
         bytes,
-        [this](std::size_t number, std::string_view text, const PREFERENCE_LINE& line, const std::string& section)
+        [this](std::size_t number, std::string_view text, const PREFERENCE_LINE& read, const std::string&)
         {
-            const std::string content = trimmed(text);
+            const std::string_view content = trimmed_part(text);
             if (content.empty())
                 return;
-            switch (line.kind)
+            LINE line;
+            line.text = text;
+            line.number = static_cast<INDEX>(number);
+            switch (read.kind)
             {
             case PREFERENCE_LINE_KIND::HEADER:
-                lines.push_back(line_of_header(number, text, line));
-                break;
+                return add_header(line, read);
             case PREFERENCE_LINE_KIND::KEY:
-                lines.push_back(line_of_key(number, text, line, section));
-                break;
+                return add_key(line, read);
             case PREFERENCE_LINE_KIND::MALFORMED_HEADER:
-                if (is_comment(content))
-                    lines.push_back({number, text, LOSS::NO_PREFERENCE});
-                else
-                    lines.push_back({number, text,
-                                     line.bracket_after_equals ? LOSS::BRACKET_IN_VALUE : LOSS::MALFORMED_HEADER,
-                                     content.find('=') != std::string::npos});
+                line.lost = is_comment(content)         ? LOSS::NO_PREFERENCE
+                            : read.bracket_after_equals ? LOSS::BRACKET_IN_VALUE
+                                                        : LOSS::MALFORMED_HEADER;
+                line.has_value = !is_comment(content) && content.find('=') != std::string_view::npos;
                 break;
             case PREFERENCE_LINE_KIND::TOO_SHORT:
-                lines.push_back({number, text, is_comment(content) ? LOSS::NO_PREFERENCE : LOSS::TOO_SHORT});
+                line.lost = is_comment(content) ? LOSS::NO_PREFERENCE : LOSS::TOO_SHORT;
+                line.has_value = cuts_off_assignment(text);
                 break;
             case PREFERENCE_LINE_KIND::OTHER:
-                lines.push_back({number, text, LOSS::NO_PREFERENCE});
+                line.lost = LOSS::NO_PREFERENCE;
+                line.has_value = cuts_off_assignment(text);
                 break;
             }
+            lines.push_back(line);
         });
 }
 
-std::size_t PREFERENCE_RECORDS::position_of_section(const std::string& name)
+// What was read, as the part of the file that it is; a copy where the reader has made something else of it.
+std::string_view PREFERENCE_RECORDS::kept(std::string_view part, std::string_view read)
 {
-    const auto [found, is_new] = section_positions.try_emplace(name, sections.size());
-    if (is_new)
-        sections.push_back(name);
-    return found->second;
+    return part == read ? part : texts.keep(read);
 }
 
-PREFERENCE_RECORDS::LINE PREFERENCE_RECORDS::line_of_header(std::size_t number, std::string_view text,
-                                                            const PREFERENCE_LINE& line)
+PREFERENCE_RECORDS::INDEX PREFERENCE_RECORDS::section_named(std::string_view name)
 {
-    const std::size_t opening = text.find('[');
-    const std::string before = trimmed(text.substr(0, opening));
-    const std::string behind = trimmed(text.substr(text.find(']', opening) + 1));
-    below_empty_header = line.section.empty();
-    LINE result{number, text, {}};
-    result.section = position_of_section(line.section);
-    if (line.bracket_after_equals && !is_comment(before))
+    const std::uint64_t hash = hash_of(name);
+    const auto found = section_positions.find(hash, [&](INDEX section) { return sections[section].name == name; });
+    if (found)
+        return *found;
+    const auto section = static_cast<INDEX>(sections.size());
+    sections.push_back({name, hash});
+    section_positions.add(hash, section);
+    return section;
+}
+
+void PREFERENCE_RECORDS::add_header(LINE line, const PREFERENCE_LINE& read)
+{
+    const std::size_t opening = line.text.find('[');
+    const std::size_t closing = line.text.find(']', opening);
+    const std::string_view before = trimmed_part(line.text.substr(0, opening));
+    const std::string_view behind = trimmed_part(line.text.substr(closing + 1));
+    line.section = section_named(kept(line.text.substr(opening + 1, closing - opening - 1), read.section));
+    current_section = line.section;
+    if (read.bracket_after_equals && !is_comment(before))
     {
-        result.lost = LOSS::BRACKET_IN_VALUE;
-        result.has_value = true;
+        line.lost = LOSS::BRACKET_IN_VALUE;
+        line.has_value = true;
     }
-    else if (line.section.empty())
-        result.lost = LOSS::EMPTY_HEADER;
+    else if (read.section.empty())
+        line.lost = LOSS::EMPTY_HEADER;
     else if (!before.empty() || !behind.empty())
-        result.lost = LOSS::BESIDE_HEADER;
-    result.has_value |= !is_comment(before) && !is_comment(behind) && behind.find('=') != std::string::npos;
-    return result;
+        line.lost = LOSS::BESIDE_HEADER;
+    line.has_value |= !is_comment(before) && !is_comment(behind) && behind.find('=') != std::string_view::npos;
+    lines.push_back(line);
 }
 
-PREFERENCE_RECORDS::LINE PREFERENCE_RECORDS::line_of_key(std::size_t number, std::string_view text,
-                                                         const PREFERENCE_LINE& line, const std::string& section)
+void PREFERENCE_RECORDS::add_key(LINE line, const PREFERENCE_LINE& read)
 {
-    LINE result{number, text, {}};
-    const bool comment = is_comment(line.name);
-    result.has_value = !line.value.empty() && !comment;
-    if (section.empty())
+    const bool comment = is_comment(read.name);
+    line.has_value = !read.value.empty() && !comment;
+    line.old_name_converted = read.old_name_converted;
+    const bool before_section = current_section == none;
+    if (before_section || sections[current_section].name.empty())
     {
-        result.lost = comment              ? LOSS::NO_PREFERENCE
-                      : below_empty_header ? LOSS::BELOW_EMPTY_HEADER
-                                           : LOSS::BEFORE_SECTION;
-        return result;
+        line.lost = comment ? LOSS::NO_PREFERENCE : before_section ? LOSS::BEFORE_SECTION : LOSS::BELOW_EMPTY_HEADER;
+        lines.push_back(line);
+        return;
     }
-    result.section = position_of_section(section);
-    const auto [found, is_first] = record_positions.try_emplace(section + line.name, records.size());
-    result.record = found->second;
-    if (is_first)
-        records.push_back({result.section, line.name, line.value, number, {}});
-    else
-        result.lost = LOSS::SECOND_LINE;
-    return result;
+    line.section = current_section;
+    const SECTION& section = sections[current_section];
+    const std::uint64_t hash = hash_of(read.name, section.hash);
+    if (const std::optional<INDEX> first = find_record(hash, section.name, read.name))
+    {
+        line.record = *first;
+        line.lost = LOSS::SECOND_LINE;
+        lines.push_back(line);
+        return;
+    }
+    const std::string_view text = line.text.substr(0, line.text.find('\0'));
+    const std::size_t equals = text.find('=');
+    std::string_view value = trimmed_part(text.substr(equals + 1));
+    if (read.quotes_removed)
+        value = trimmed_part(value.substr(1, value.size() - 2));
+    line.record = static_cast<INDEX>(records.size());
+    records.push_back(
+        {kept(trimmed_part(text.substr(0, equals)), read.name), kept(value, read.value), current_section, line.number});
+    record_positions.add(hash, line.record);
+    lines.push_back(line);
+}
+
+std::optional<PREFERENCE_RECORDS::INDEX> PREFERENCE_RECORDS::find_record(std::uint64_t hash, std::string_view section,
+                                                                         std::string_view name) const
+{
+    return record_positions.find(hash,
+                                 [&](INDEX found)
+                                 {
+                                     const RECORD& record = records[found];
+                                     return same_run_together(sections[record.section].name, record.name, section,
+                                                              name);
+                                 });
 }
 
 // --- Changes ---
 
 void PREFERENCE_RECORDS::assign(CFG_USER_INI_ENUMS number, const std::string& value)
 {
-    RECORD* const record = current_record(number);
-    if (record != nullptr)
+    if (const std::optional<INDEX> found = current_record(number))
     {
-        if (!record->value_before)
-            record->value_before = record->value;
-        record->value = value;
+        RECORD& record = records[*found];
+        if (record.change == none)
+        {
+            record.change = static_cast<INDEX>(values_before.size());
+            values_before.push_back(record.value);
+        }
+        record.value = texts.keep(value);
         return;
     }
     const std::string key = cfg_get_user_ini_ini_string(number);
-    const std::string section = cfg_get_section_for_name(key.c_str(), nullptr, true);
-    record_positions[section + key] = records.size();
-    records.push_back({position_of_section(section), key, value, 0, {}});
+    const INDEX section = section_named(texts.keep(cfg_get_section_for_name(key.c_str(), nullptr, true)));
+    record_positions.add(hash_of(key, sections[section].hash), static_cast<INDEX>(records.size()));
+    records.push_back({texts.keep(key), texts.keep(value), section, 0});
 }
 
 void PREFERENCE_RECORDS::clear(CFG_USER_INI_ENUMS number)
 {
-    if (current_record(number) != nullptr)
+    if (current_record(number))
         assign(number, {});
 }
 
-PREFERENCE_RECORDS::RECORD* PREFERENCE_RECORDS::current_record(CFG_USER_INI_ENUMS number)
+std::optional<PREFERENCE_RECORDS::INDEX> PREFERENCE_RECORDS::current_record(CFG_USER_INI_ENUMS number) const
 {
     const std::string key = cfg_get_user_ini_ini_string(number);
-    const auto found = record_positions.find(cfg_get_section_for_name(key.c_str(), nullptr, true) + key);
-    return found == record_positions.end() ? nullptr : &records[found->second];
+    const std::string section = cfg_get_section_for_name(key.c_str(), nullptr, true);
+    return find_record(hash_of(key, hash_of(section)), section, key);
 }
 
 // --- The save ---
@@ -179,14 +244,19 @@ std::string PREFERENCE_RECORDS::saved() const
     CFG_USER_VALUE_MAP ordered;
     for (const RECORD& record : records)
     {
-        const std::string& section = sections[record.section];
-        ordered[section + record.name] =
-            &copies.emplace_back(CFG_USER_VALUE_STRUCT{section, record.name, record.value});
+        const CFG_USER_VALUE_STRUCT copy{std::string(sections[record.section].name), std::string(record.name),
+                                         std::string(record.value)};
+        ordered[copy.section + copy.name] = &copies.emplace_back(copy);
     }
     std::ostringstream text;
     for (const SECTION_GROUP& group : groups_to_write(ordered))
         write_group(text, group);
     return std::move(text).str();
+}
+
+std::optional<std::string_view> PREFERENCE_RECORDS::value_before(const RECORD& record) const
+{
+    return record.change == none ? std::nullopt : std::optional(values_before[record.change]);
 }
 
 std::vector<PREFERENCE_RECORDS::SECTION_FATE> PREFERENCE_RECORDS::fates_of_sections() const
@@ -195,23 +265,30 @@ std::vector<PREFERENCE_RECORDS::SECTION_FATE> PREFERENCE_RECORDS::fates_of_secti
     for (const RECORD& record : records)
     {
         fates[record.section].written |= !record.value.empty();
-        fates[record.section].emptied |= record.value_before && !record.value_before->empty();
+        fates[record.section].emptied |= !value_before(record).value_or("").empty();
     }
-    std::map<std::string, std::size_t, LESS_IGNORING_CASE> headers;
-    for (std::size_t i = 0; i < sections.size(); ++i)
+    HASH_INDEX groups;
+    for (INDEX i = 0; i < sections.size(); ++i)
     {
         if (!fates[i].written)
             continue;
-        std::size_t& header = headers.try_emplace(sections[i], i).first->second;
-        if (sections[i] < sections[header])
-            header = i;
-    }
-    for (std::size_t i = 0; i < sections.size(); ++i)
-    {
-        if (fates[i].written)
-            fates[i].header = headers.at(sections[i]);
+        const std::string_view name = sections[i].name;
+        const std::size_t hash = hash_of_name(name);
+        const auto group = groups.find(hash, [&](INDEX other) { return same_name(sections[other].name, name); });
+        if (!group)
+            groups.add(hash, i);
+        fates[i].group = group.value_or(i);
+        SECTION_FATE& first = fates[fates[i].group];
+        if (!group || name < sections[first.header].name)
+            first.header = i;
     }
     return fates;
+}
+
+// Only of a section that is written.
+PREFERENCE_RECORDS::INDEX PREFERENCE_RECORDS::header_of(INDEX section, const std::vector<SECTION_FATE>& fates)
+{
+    return fates[fates[section].group].header;
 }
 
 std::optional<LOSS> PREFERENCE_RECORDS::fate_of(const LINE& line, const std::vector<SECTION_FATE>& fates) const
@@ -219,18 +296,19 @@ std::optional<LOSS> PREFERENCE_RECORDS::fate_of(const LINE& line, const std::vec
     if (line.lost)
         return line.lost;
     const SECTION_FATE& section = fates[line.section];
+    const bool is_merged = section.written && header_of(line.section, fates) != line.section;
     if (line.record == none)
     {
         if (!section.written)
             return section.emptied ? std::nullopt : std::optional(LOSS::EMPTY_SECTION);
-        return section.header == line.section ? std::nullopt : std::optional(LOSS::MERGED_SECTION);
+        return is_merged ? std::optional(LOSS::MERGED_SECTION) : std::nullopt;
     }
     const RECORD& record = records[line.record];
-    if (record.value_before && (record.value.empty() || record.value != record.value_before))
+    if (const auto before = value_before(record); before && (record.value.empty() || record.value != *before))
         return std::nullopt; // as was asked for
     if (record.value.empty())
         return LOSS::EMPTY_VALUE;
-    if (section.header != line.section)
+    if (is_merged)
         return LOSS::MERGED_SECTION;
     if (!behind_zero_byte(line.text).empty())
         return LOSS::ZERO_BYTE;
@@ -245,30 +323,55 @@ bool PREFERENCE_RECORDS::loses_value(const LINE& line, LOSS reason) const
         return behind_zero_byte(line.text).find_first_not_of(std::string_view("\0 \t\r", 4)) != std::string_view::npos;
     if (!line.has_value || reason != LOSS::SECOND_LINE)
         return line.has_value;
-    // The first line says the same, or did before it was changed.
+    // The first line says the same of the same key, or did before it was changed. Section and key count as one word: a
+    // line of another section may have the place too.
     const RECORD& first = records[line.record];
     const std::string value = classify_preference_line(line.text).value;
-    return value != first.value && value != first.value_before;
+    return first.section != line.section || (value != first.value && value != value_before(first));
+}
+
+EXAMINED_LINE PREFERENCE_RECORDS::examined(const LINE& line, const std::vector<SECTION_FATE>& fates) const
+{
+    EXAMINED_LINE result;
+    result.number = line.number;
+    result.text = line.text;
+    if (line.section != none)
+        result.section = sections[line.section].name;
+    result.is_header = line.section != none && line.record == none;
+    result.makes_record = line.record != none && line.lost != LOSS::SECOND_LINE;
+    if (result.makes_record)
+    {
+        result.name = records[line.record].name;
+        result.value = records[line.record].value;
+        result.old_name_converted = line.old_name_converted;
+    }
+    const std::optional<LOSS> reason = fate_of(line, fates);
+    if (!reason)
+        return result;
+    LOST_LINE loss{line.number, std::string(line.text),      *reason, loses_value(line, *reason),
+                   0,           std::string(result.section), {}};
+    if (*reason == LOSS::SECOND_LINE)
+    {
+        const RECORD& first = records[line.record];
+        loss.other_line = first.line;
+        if (first.section != line.section)
+            loss.section_in_its_place = sections[first.section].name;
+    }
+    if (*reason == LOSS::MERGED_SECTION)
+        loss.section_in_its_place = sections[header_of(line.section, fates)].name;
+    result.loss = std::move(loss);
+    return result;
 }
 
 std::vector<LOST_LINE> PREFERENCE_RECORDS::lost_lines() const
 {
-    const std::vector<SECTION_FATE> fates = fates_of_sections();
     std::vector<LOST_LINE> lost;
-    for (const LINE& line : lines)
-    {
-        const std::optional<LOSS> reason = fate_of(line, fates);
-        if (!reason)
-            continue;
-        LOST_LINE& result = lost.emplace_back(
-            LOST_LINE{line.number, std::string(line.text), *reason, loses_value(line, *reason), 0, {}, {}});
-        if (line.section != none)
-            result.section = sections[line.section];
-        if (*reason == LOSS::SECOND_LINE)
-            result.other_line = records[line.record].line;
-        if (*reason == LOSS::MERGED_SECTION)
-            result.section_in_its_place = sections[fates[line.section].header];
-    }
+    for_each_line(
+        [&lost](EXAMINED_LINE&& line)
+        {
+            if (line.loss)
+                lost.push_back(std::move(*line.loss));
+        });
     return lost;
 }
 
@@ -337,7 +440,11 @@ std::string loss_as_text(const LOST_LINE& line)
         return "a key line below a header without a name is ignored, and a save drops it";
     case LOSS::SECOND_LINE:
         return "line " + std::to_string(line.other_line) +
-               " sets this key of this section already: the first one counts, and a save drops this one";
+               (line.section_in_its_place.empty()
+                    ? std::string(" sets this key of this section already")
+                    : ", in [" + line.section_in_its_place +
+                          "], has this section and this key, written as one word, already") +
+               ": the first one counts, and a save drops this one";
     case LOSS::EMPTY_VALUE:
         return "an empty value counts as none, and a save drops the line";
     case LOSS::MERGED_SECTION:

@@ -4,16 +4,18 @@
 #define TOOLS_VELMAR_CFG_PREFERENCES_PREFERENCE_SAVE_H
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "tools/velmar-cfg/base/hash_index.h"
+#include "tools/velmar-cfg/base/text_store.h"
 #include "tools/velmar-cfg/preferences/library_preferences.h"
 
 // Why a line is not in the saved file, or not with the same meaning.
-enum class LOSS
+enum class LOSS : std::uint8_t
 {
     NO_PREFERENCE,      // a comment, or another line that sets nothing
     TOO_SHORT,          // the reader passes over it
@@ -42,20 +44,38 @@ struct LOST_LINE
     bool value_lost;                  // the user wrote a value there that is gone, or other, in the new file
     std::size_t other_line;           // SECOND_LINE: the first one; else 0
     std::string section;              // the line's section, where it has one
-    std::string section_in_its_place; // MERGED_SECTION
+    std::string section_in_its_place; // MERGED_SECTION; SECOND_LINE when the first one is in another section
 };
 
 // What happens to the line and why, as a sentence without its end.
 std::string loss_as_text(const LOST_LINE& line);
 
+// A line of the file that is not blank, as the reader takes it, and what a save makes of it. The texts are parts of the
+// file or of the records.
+struct EXAMINED_LINE
+{
+    std::size_t number = 0; // counted from 1
+    std::string_view text;  // without its line feed
+    bool is_header = false;
+    bool makes_record = false;       // it is the first line of its key in its section
+    std::string_view section;        // the one that a header names, or that the key's line stands in
+    std::string_view name;           // of the record, an old one converted
+    std::string_view value;          // of the record
+    bool old_name_converted = false; // of the record
+    std::optional<LOST_LINE> loss;   // unless a save keeps it
+};
+
 // The records of a file, as the store holds them after a load, with the lines that they came from.
 //
-// Cost: a hash table of the keys; n log n for the text, which is ordered.
+// Memory: up to 100 bytes for each line, beside the file's bytes.
 class PREFERENCE_RECORDS
 {
 public:
-    // `bytes` stay as they are while the object lives.
+    // `bytes`, which have fewer than UINT32_MAX lines, stay as they are while the object lives.
     explicit PREFERENCE_RECORDS(std::string_view bytes);
+
+    PREFERENCE_RECORDS(const PREFERENCE_RECORDS&) = delete;
+    PREFERENCE_RECORDS& operator=(const PREFERENCE_RECORDS&) = delete;
 
     // As an assignment does it: in the running release's section. The lines of that key count as changed, not as lost.
     void assign(CFG_USER_INI_ENUMS number, const std::string& value);
@@ -70,52 +90,77 @@ public:
     // and old names that a save writes otherwise.
     std::vector<LOST_LINE> lost_lines() const;
 
+    // Calls visit(EXAMINED_LINE&&) for each line that is not blank, in their order.
+    template <typename VISIT>
+    void for_each_line(VISIT visit) const
+    {
+        const std::vector<SECTION_FATE> fates = fates_of_sections();
+        for (const LINE& line : lines)
+            visit(examined(line, fates));
+    }
+
 private:
-    static constexpr std::size_t none = static_cast<std::size_t>(-1);
+    using INDEX = std::uint32_t;
+    static constexpr INDEX none = UINT32_MAX;
+
+    struct SECTION
+    {
+        std::string_view name;
+        std::uint64_t hash; // of the name, which the hash of a record in it goes on with
+    };
 
     struct RECORD
     {
-        std::size_t section; // its position
-        std::string name;
-        std::string value;
-        std::size_t line;                        // 0 for one that was assigned
-        std::optional<std::string> value_before; // of one that was changed
+        std::string_view name;
+        std::string_view value;
+        INDEX section;
+        INDEX line;          // its number; 0 for one that was assigned
+        INDEX change = none; // of one that was changed: its position among the values before
     };
 
     // A line that is not blank.
     struct LINE
     {
-        std::size_t number;
         std::string_view text;
-        std::optional<LOSS> lost;   // for certain; else it depends on the records
-        bool has_value = false;     // that would be lost
-        std::size_t section = none; // its position
-        std::size_t record = none;  // position of the one that the line made, or that kept it from making one
+        INDEX number = 0;
+        INDEX section = none;
+        INDEX record = none;             // the one that the line made, or that kept it from making one
+        std::optional<LOSS> lost;        // for certain; else it depends on the records
+        bool has_value = false;          // that would be lost
+        bool old_name_converted = false; // of a key line
     };
 
-    // What becomes of each section, by position.
+    // What becomes of a section.
     struct SECTION_FATE
     {
         bool written = false;
         bool emptied = false; // it had a record that was cleared
-        std::size_t header = none;
+        INDEX group = none;   // the first one written that has its name, letter case ignored
+        INDEX header = none;  // the one that gives the header, in the group's first one
     };
 
-    std::size_t position_of_section(const std::string& name);
-    LINE line_of_header(std::size_t number, std::string_view text, const zon_cfg::PREFERENCE_LINE& line);
-    LINE line_of_key(std::size_t number, std::string_view text, const zon_cfg::PREFERENCE_LINE& line,
-                     const std::string& section);
+    void add_header(LINE line, const zon_cfg::PREFERENCE_LINE& read);
+    void add_key(LINE line, const zon_cfg::PREFERENCE_LINE& read);
+    std::string_view kept(std::string_view part, std::string_view read);
+    INDEX section_named(std::string_view name);
+    std::optional<INDEX> find_record(std::uint64_t hash, std::string_view section, std::string_view name) const;
+    std::optional<INDEX> current_record(CFG_USER_INI_ENUMS number) const;
+
+    std::optional<std::string_view> value_before(const RECORD& record) const;
     std::vector<SECTION_FATE> fates_of_sections() const;
+    static INDEX header_of(INDEX section, const std::vector<SECTION_FATE>& fates);
     std::optional<LOSS> fate_of(const LINE& line, const std::vector<SECTION_FATE>& fates) const;
     bool loses_value(const LINE& line, LOSS reason) const;
-    RECORD* current_record(CFG_USER_INI_ENUMS number);
+    EXAMINED_LINE examined(const LINE& line, const std::vector<SECTION_FATE>& fates) const;
 
     std::vector<LINE> lines;
-    std::vector<std::string> sections;
+    std::vector<SECTION> sections;
     std::vector<RECORD> records;
-    std::unordered_map<std::string, std::size_t> section_positions;
-    std::unordered_map<std::string, std::size_t> record_positions; // by section immediately followed by the name
-    bool below_empty_header = false;
+    std::vector<std::string_view> values_before; // of the records that were changed
+    HASH_INDEX section_positions;                // by name
+    HASH_INDEX record_positions;                 // by section immediately followed by the name
+    TEXT_STORE texts;                            // that are no parts of the file
+    INDEX current_section = none;                // while the file is read; none before the first header
 };
 
 #endif

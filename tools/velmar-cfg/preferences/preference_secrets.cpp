@@ -1,6 +1,13 @@
+// Nearly no line holds a secret, and a search tells so without taking the line apart: a name is secret if one of the
+// built-in words stands in it, if it matches a pattern of the user's, or if it is a key that the catalogue marks or one
+// of its old names. Only a line in which such a text stands is looked at name by name.
+//
+// Cost: two searches of each line; a copy of the text when something is hidden.
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
 
 #include <algorithm>
+#include <array>
+#include <vector>
 
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/preferences/library_preferences.h"
@@ -12,6 +19,66 @@ namespace
 IS_SECRET_NAME names_of(const SECRETS& secrets)
 {
     return [&secrets](std::string_view name) { return is_secret_preference_name(name, secrets); };
+}
+
+constexpr char folded(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+// Finds the keys that the catalogue marks, and their old names, in texts.
+class MARKED_KEYS
+{
+public:
+    MARKED_KEYS()
+    {
+        for (int number = 0; number < CFG_USER_INI_ENUMS_END; ++number)
+        {
+            if (is_secret_preference(static_cast<CFG_USER_INI_ENUMS>(number)))
+                add(cfg_user_ini_ini_names[static_cast<std::size_t>(number)]);
+        }
+        for (const auto& [current_name, old_name] : cfg_user_ini_name_old_name_table)
+        {
+            if (is_secret_preference(find_preference(current_name)))
+                add(old_name);
+        }
+    }
+
+    // Whether one of them stands in the text, letter case ignored.
+    bool stand_in(std::string_view text) const
+    {
+        return std::ranges::any_of(text,
+                                   [this, text](const char& c)
+                                   {
+                                       return begins_key[static_cast<unsigned char>(c)] &&
+                                              begins_with_key(text.substr(static_cast<std::size_t>(&c - text.data())));
+                                   });
+    }
+
+private:
+    void add(std::string_view name)
+    {
+        std::string& key = keys.emplace_back(name);
+        std::ranges::transform(key, key.begin(), folded);
+        for (unsigned int c = 0; c < begins_key.size(); ++c)
+            begins_key[c] = begins_key[c] || folded(static_cast<char>(c)) == key.front();
+    }
+
+    bool begins_with_key(std::string_view text) const
+    {
+        return std::ranges::any_of(keys, [text](const std::string& key)
+                                   { return std::ranges::equal(text.substr(0, key.size()), key, {}, folded); });
+    }
+
+    std::vector<std::string> keys; // in lower case
+    std::array<bool, 256> begins_key = {};
+};
+
+// False only for a line in which no secret name stands. Quick.
+bool may_hold_secret(std::string_view line, const SECRETS& secrets)
+{
+    static const MARKED_KEYS marked_keys;
+    return secrets.may_hold_secret_name(line) || (!secrets.shown() && marked_keys.stand_in(line));
 }
 
 std::string hide_in_line(std::string_view line, SECRETS& secrets)
@@ -36,24 +103,35 @@ bool is_secret_preference_name(std::string_view name, const SECRETS& secrets)
 {
     if (secrets.shown())
         return false;
+    // What looks like a comment is kept as a preference, and its value may be a secret that was set once.
+    name.remove_prefix(std::min(name.find_first_not_of("#; \t"), name.size()));
     const CFG_USER_INI_ENUMS number = find_preference(cfg_convert_from_old_to_new(std::string(name)).c_str());
     return is_secret_preference(number) || secrets.is_secret_name(name);
 }
 
 std::optional<std::string> hide_in_preference_text(std::string_view text, SECRETS& secrets)
 {
-    if (secrets.shown())
-        return std::nullopt;
     std::string hidden;
-    for (bool more = true; more;)
+    std::size_t copied = 0; // how much of the text is in it
+    for (std::size_t begin = 0; begin < text.size();)
     {
-        const std::string_view line = text.substr(0, text.find('\n'));
-        hidden += hide_in_line(line, secrets);
-        more = line.size() < text.size();
-        hidden += more ? "\n" : "";
-        text.remove_prefix(line.size() + (more ? 1 : 0));
+        const std::string_view line = text.substr(begin, text.find('\n', begin) - begin);
+        const std::size_t end = begin + line.size();
+        if (may_hold_secret(line, secrets))
+        {
+            const std::string hidden_line = hide_in_line(line, secrets);
+            if (has_hidden_parts(hidden_line))
+            {
+                hidden.append(text, copied, begin - copied).append(hidden_line);
+                copied = end;
+            }
+        }
+        begin = end + 1;
     }
-    return has_hidden_parts(hidden) ? std::optional(std::move(hidden)) : std::nullopt;
+    if (copied == 0)
+        return std::nullopt;
+    hidden.append(text, copied);
+    return hidden;
 }
 
 std::string hide_in_message(std::string_view message, std::string_view text, std::string_view name,

@@ -86,6 +86,11 @@ public:
         bits = static_cast<std::uint8_t>(bits | bit(kind) | (external ? external_bit : 0U));
     }
 
+    void insert_all(const LAYER_SET& others)
+    {
+        bits = static_cast<std::uint8_t>(bits | others.bits);
+    }
+
     bool contains(LAYER_KIND kind) const
     {
         return (bits & bit(kind)) != 0;

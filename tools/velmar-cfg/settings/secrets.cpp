@@ -7,6 +7,7 @@
 #include "tools/velmar-cfg/settings/secrets.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <fnmatch.h>
 #include <limits>
@@ -43,13 +44,30 @@ bool begins_with_word(std::string_view text, std::string_view word)
     return word.empty();
 }
 
+constexpr std::array<unsigned char, 256> number_words_by_first_letter()
+{
+    std::array<unsigned char, 256> words{};
+    unsigned char number = 0;
+    for (const std::string_view word : secret_words)
+    {
+        const auto letter = static_cast<unsigned char>(word.front());
+        ++number;
+        words[letter] = number;
+        words[static_cast<unsigned char>(letter + 'A' - 'a')] = number;
+    }
+    return words;
+}
+
+// By a letter in either case: the word that it begins, counted from 1; 0 for none. No two words begin alike.
+constexpr std::array<unsigned char, 256> words_by_first_letter = number_words_by_first_letter();
+
 bool holds_secret_word(std::string_view text)
 {
-    for (; !text.empty(); text.remove_prefix(1))
+    for (const char& c : text)
     {
-        const char c = folded(text.front());
-        if ((c == 't' || c == 'p' || c == 's') &&
-            std::ranges::any_of(secret_words, [text](std::string_view word) { return begins_with_word(text, word); }))
+        const unsigned char word = words_by_first_letter[static_cast<unsigned char>(c)];
+        if (word != 0 &&
+            begins_with_word(text.substr(static_cast<std::size_t>(&c - text.data())), secret_words[word - 1]))
             return true;
     }
     return false;
@@ -348,13 +366,25 @@ std::string hide_in_value(std::string_view name, std::string_view value, SECRETS
                                                : std::string(value);
 }
 
+std::string hide_typed_value(std::string_view message, std::string_view word, const IS_SECRET_NAME& is_secret,
+                             SECRETS& secrets)
+{
+    const std::size_t equals = word.find('=');
+    if (equals == std::string_view::npos || !is_secret(word.substr(0, equals)) ||
+        is_plain_value(word.substr(equals + 1)))
+        return std::string(message);
+    return hide_in_text(message, word.substr(equals + 1), secrets);
+}
+
 std::string hide_in_text(std::string_view text, std::string_view secret, SECRETS& secrets)
 {
+    constexpr std::string_view ends_of_pieces = "\"[]\n";
     std::string message(text);
     while (!secret.empty())
     {
-        const std::string_view piece = without_outer_white_space(secret.substr(0, secret.find_first_of("\"[]")));
-        secret.remove_prefix(std::min(secret.find_first_of("\"[]"), secret.size() - 1) + 1);
+        const std::string_view piece =
+            without_outer_white_space(secret.substr(0, secret.find_first_of(ends_of_pieces)));
+        secret.remove_prefix(std::min(secret.find_first_of(ends_of_pieces), secret.size() - 1) + 1);
         if (piece.empty())
             continue;
         const std::string mark = secrets.mark(piece);

@@ -80,8 +80,8 @@ inline constexpr std::string_view kept_in_items = ":;";
 std::string hide_in_value(std::string_view name, std::string_view value, SECRETS& secrets,
                           std::string_view kept = kept_in_lines);
 
-// A message with the secret hidden wherever it stands in it, piece by piece: quotes and brackets may have gone, or have
-// made two texts of it. A piece of up to three bytes is hidden only where it stands apart.
+// A message with the secret hidden wherever it stands in it, piece by piece: quotes, brackets and line ends may have
+// gone, or have made two texts of it. A piece of up to three bytes is hidden only where it stands apart.
 std::string hide_in_text(std::string_view text, std::string_view secret, SECRETS& secrets);
 
 // --- For rules of other files ---
@@ -90,6 +90,11 @@ std::string hide_in_text(std::string_view text, std::string_view secret, SECRETS
 std::string hide_runs(std::string_view text, std::string_view kept, SECRETS& secrets);
 
 using IS_SECRET_NAME = std::function<bool(std::string_view)>;
+
+// A message about a word of the command line, with the value hidden that was typed together with a secret name, as in
+// "api_token=VALUE".
+std::string hide_typed_value(std::string_view message, std::string_view word, const IS_SECRET_NAME& is_secret,
+                             SECRETS& secrets);
 
 // `text`, which is no assignment, with what follows a secret name hidden; with `only_assigned`, only behind "=" or ":".
 std::string hide_behind_names(std::string_view text, bool only_assigned, const IS_SECRET_NAME& is_secret,

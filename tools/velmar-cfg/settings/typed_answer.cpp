@@ -2,6 +2,7 @@
 
 #include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
+#include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/settings/known_variables.h"
 
 namespace
@@ -25,7 +26,7 @@ std::string why_not_usable(const TYPED_ANSWER& answer)
         answer.location->layer == LAYER_KIND::UNKNOWN ? "" : " at " + location_as_text(*answer.location);
     return answer.text.empty()
                ? "'" + answer.name + "' is set to the empty text" + at
-               : "'" + answer.name + "' is '" + answer.text + "'" + at + ": " + what_is_wanted(answer.type);
+               : "'" + answer.name + "' is " + in_single_quotes(answer.text) + at + ": " + what_is_wanted(answer.type);
 }
 }
 
@@ -46,7 +47,8 @@ TYPED_ANSWER answer_typed(const SETTINGS& settings, const std::string& name, REA
     const std::optional<std::string> shown = value_as_text(answer.value);
     answer.usable = shown.has_value();
     if (answer.usable && type == READER_TYPE::DOUBLE && !readings.floating_is_whole)
-        answer.remark = "'" + name + "' is '" + answer.text + "': only the number at its start is read, " + *shown;
+        answer.remark =
+            "'" + name + "' is " + in_single_quotes(answer.text) + ": only the number at its start is read, " + *shown;
     else if (!answer.usable && fallback)
         answer.value = *fallback;
     else if (!answer.usable)
@@ -63,7 +65,7 @@ TYPED_VALUE default_of_type(READER_TYPE type, std::string_view text)
     const bool fits =
         !std::holds_alternative<std::monostate>(value) && (type != READER_TYPE::DOUBLE || readings.floating_is_whole);
     if (!fits)
-        throw TOOL_ERROR(EXIT_CODE::USAGE, "the default '" + std::string(text) + "' is " + what_is_wanted(type) +
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "the default " + in_single_quotes(text) + " is " + what_is_wanted(type) +
                                                "; give one of the type");
     return value;
 }

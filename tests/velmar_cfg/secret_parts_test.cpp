@@ -1,0 +1,237 @@
+// Which parts of a text are hidden by the rules that settings, preferences and messages share, and under which key.
+#include "tools/velmar-cfg/settings/secrets.h"
+
+#include <filesystem>
+#include <gmock/gmock.h>
+
+#include "tests/support/isolated_test.h"
+
+namespace
+{
+// The text with "<...>" for each hidden part, "..." being its size.
+std::string sized(std::string_view text)
+{
+    std::string result;
+    TEXT_PARTS parts(text);
+    for (TEXT_PART part{}; parts.next(part);)
+        result += part.hidden ? "<" + std::to_string(hidden_part(part.text).size) + ">" : std::string(part.text);
+    return result;
+}
+
+TEST(HIDDEN_RUNS, are_what_stands_between_the_kept_signs)
+{
+    struct ROW
+    {
+        const char* text;
+        const char* kept;
+        const char* hidden;
+    };
+    const ROW rows[] = {
+        {"", "\";#", ""},
+        {"abc", "", "<3>"},
+        {"abc", "\";#", "<3>"},
+        {" abc ", "", " <3> "},
+        {"\ta b\v\f\r\n", "", "\t<3>\v\f\r\n"},
+        {" \t ", "", " \t "},
+        {"\"abc\"", "\"", "\"<3>\""},
+        {"\" ab c \"", "\"", "\" <4> \""},
+        {"a;b#c", "\";#", "<1>;<1>#<1>"},
+        {"a;;b", ";", "<1>;;<1>"},
+        {";a", ";", ";<1>"},
+        {"a;", ";", "<1>;"},
+        {"a; ;b", ";", "<1>; ;<1>"},
+        {"a:b", ";", "<3>"},
+        {"a b;c d", ";", "<3>;<3>"},
+        {"\xc3\xa9", "", "<2>"},
+    };
+    SECRETS secrets;
+    for (const ROW& row : rows)
+        EXPECT_EQ(sized(hide_runs(row.text, row.kept, secrets)), row.hidden) << row.text;
+}
+
+TEST(HIDDEN_RUNS, stay_as_they_are_once_hidden)
+{
+    SECRETS secrets;
+    const std::string once = hide_runs("abc;de", ";", secrets);
+    EXPECT_EQ(hide_runs(once, ";", secrets), once);
+    EXPECT_EQ(sized(hide_runs("x;" + once, ";", secrets)), "<1>;<3>;<2>");
+}
+
+TEST(TEXTS_BEHIND_NAMES, are_hidden_where_the_name_is_secret)
+{
+    struct ROW
+    {
+        const char* text;
+        const char* hidden;          // all that follows
+        const char* hidden_assigned; // only what is assigned
+    };
+    const ROW rows[] = {
+        {"", "", ""},
+        {"no name", "no name", "no name"},
+        {"token", "token", "token"},
+        {"token=abc", "token=<3>", "token=<3>"},
+        {"token:abc", "token:<3>", "token:<3>"},
+        {"token abc", "token <3>", "token abc"},
+        {"token  = 'abc'", "token  = '<4>", "token  = '<4>"},
+        {"\"token\": \"abc\"", "\"token\": \"<3>\"", "\"token\": \"<3>\""},
+        {"token=on", "token=on", "token=on"},
+        {"token=123456789", "token=123456789", "token=123456789"},
+        {"token=1234567890", "token=<10>", "token=<10>"},
+        {"token=", "token=", "token="},
+        {"token = ", "token = ", "token = "},
+        {"x=1 token=abc y=2", "x=1 token=<7>", "x=1 token=<7>"},
+        {"token=\"abc\" y=2", "token=\"<3>\" <3>", "token=\"<3>\" y=2"},
+        {"token=\"abc\" password=de", "token=\"<3>\" <11>", "token=\"<3>\" password=<2>"},
+        {"my.token-id_2=abc", "my.token-id_2=<3>", "my.token-id_2=<3>"},
+        {"my token=abc", "my token=<3>", "my token=<3>"},
+        {"(token)=abc", "(token<5>", "(token)=abc"},
+        {"--token abc", "--token <3>", "--token abc"},
+        {"\xc3\xa9token=abc", "\xc3\xa9token=<3>", "\xc3\xa9token=<3>"},
+        {"TOKEN==abc", "TOKEN==<3>", "TOKEN==<3>"},
+    };
+    SECRETS secrets;
+    const auto is_secret = [&secrets](std::string_view name) { return secrets.is_secret_name(name); };
+    for (const ROW& row : rows)
+    {
+        EXPECT_EQ(sized(hide_behind_names(row.text, false, is_secret, secrets)), row.hidden) << row.text;
+        EXPECT_EQ(sized(hide_behind_names(row.text, true, is_secret, secrets)), row.hidden_assigned) << row.text;
+    }
+}
+
+TEST(VALUES_TO_SHOW, keep_the_signs_of_the_layer_that_they_are_from)
+{
+    struct ROW
+    {
+        const char* name;
+        const char* value;
+        const char* of_line;
+        const char* of_item;
+    };
+    const ROW rows[] = {
+        {"token", "a:b;c", "<3>;<1>", "<1>:<1>;<1>"},
+        {"token", "\"a#b\"", "\"<1>#<1>\"", "<5>"},
+        {"token", " \"on\" ", " \"on\" ", " \"on\" "},
+        {"token", "\"onx", "\"<3>", "<4>"},
+        {"a", "token=x:y;z", "token=<5>", "token=<5>"},
+        {"a", "a:b;c", "a:b;c", "a:b;c"},
+        {"", "abc", "abc", "abc"},
+    };
+    SECRETS secrets;
+    for (const ROW& row : rows)
+    {
+        EXPECT_EQ(sized(hide_in_value(row.name, row.value, secrets)), row.of_line) << row.value;
+        EXPECT_EQ(sized(hide_in_value(row.name, row.value, secrets, kept_in_items)), row.of_item) << row.value;
+    }
+    secrets.show_all();
+    EXPECT_EQ(hide_in_value("token", "abc", secrets), "abc");
+    EXPECT_TRUE(secrets.shown());
+    EXPECT_FALSE(SECRETS().shown());
+}
+
+TEST(SECRETS_IN_MESSAGES, are_hidden_piece_by_piece)
+{
+    struct ROW
+    {
+        const char* text;
+        const char* secret;
+        const char* hidden;
+    };
+    const ROW rows[] = {
+        {"it is abcd", "", "it is abcd"},
+        {"it is abcd", "abcd", "it is <4>"},
+        {"abcdabcd", "abcd", "<4><4>"},
+        {"xabcdx", "abcd", "x<4>x"},
+        {"xabcx", "abc", "xabcx"},
+        {"x abc x", "abc", "x <3> x"},
+        {"xabc abc abcx", "abc", "xabc <3> abcx"},
+        {"'abc'", "abc", "'<3>'"},
+        {"abc", "abc", "<3>"},
+        {"aaaa", "aa", "aaaa"},
+        {"aaaaa", "aaaa", "<4>a"},
+        {"abcd and efgh", "\"abcd[efgh]\"", "<4> and <4>"},
+        {"abcd[efgh", " abcd [ efgh ", "<4>[<4>"},
+        {"abcd", "[]\"\"", "abcd"},
+        {"is abcdefgh", "abcd\"efgh", "is <4><4>"},
+        {"ABCD", "abcd", "ABCD"},
+    };
+    SECRETS secrets;
+    for (const ROW& row : rows)
+        EXPECT_EQ(sized(hide_in_text(row.text, row.secret, secrets)), row.hidden)
+            << row.text << " without " << row.secret;
+}
+
+// The mark of one piece may hold the letters of another: marks are not looked into.
+TEST(SECRETS_IN_MESSAGES, leave_marks_as_they_are)
+{
+    SECRETS secrets;
+    const std::string mark = secrets.mark("abcd");
+    for (const std::string& part : {mark.substr(0, 4), mark.substr(30, 4), mark.substr(mark.size() - 4)})
+        EXPECT_EQ(hide_in_text("x " + mark, part, secrets), "x " + mark) << part;
+}
+
+TEST(SECRET_NAMES, match_patterns_as_a_shell_does)
+{
+    struct ROW
+    {
+        const char* pattern;
+        const char* name;
+        bool matches;
+    };
+    const ROW rows[] = {
+        {"key", "key", true},     {"key", "KEY", true},   {"key", "keys", false}, {"key", "my_key", false},
+        {"*key", "my_key", true}, {"*key", "key", true},  {"k?y", "kay", true},   {"k?y", "ky", false},
+        {"[ab]x", "bX", true},    {"[ab]x", "cx", false}, {"[!ab]x", "cx", true}, {"a.b", "a.b", true},
+        {"a.b", "axb", false},    {"", "", true},         {"", "x", false},       {"*", "anything", true},
+        {"\\*", "*", true},       {"\\*", "x", false},    {"a*", "a/b", true},
+    };
+    for (const ROW& row : rows)
+    {
+        SECRETS secrets;
+        secrets.add_pattern(row.pattern);
+        EXPECT_EQ(secrets.is_secret_name(row.name), row.matches) << row.pattern << " and " << row.name;
+        EXPECT_TRUE(secrets.may_hold_secret_name(row.name));
+    }
+}
+
+// --- Keys ---
+
+class KEYS_OF_MARKS : public ISOLATED_TEST
+{
+protected:
+    KEYS_OF_MARKS()
+    {
+        environment.set("XDG_DATA_HOME", temporary.path("data"));
+    }
+};
+
+TEST_F(KEYS_OF_MARKS, are_of_this_process_unless_a_lasting_one_is_wanted)
+{
+    SECRETS passing;
+    EXPECT_FALSE(hidden_part(passing.mark("abc")).lasting);
+    EXPECT_FALSE(std::filesystem::exists(mask_key_path()));
+    SECRETS lasting;
+    lasting.use_lasting_key();
+    EXPECT_EQ(lasting.key_problem(), ""); // none was used so far
+    EXPECT_FALSE(std::filesystem::exists(mask_key_path()));
+    const HIDDEN_PART part = hidden_part(lasting.mark("abc"));
+    EXPECT_TRUE(part.lasting);
+    EXPECT_EQ(part.size, 3U);
+    EXPECT_TRUE(std::filesystem::exists(mask_key_path()));
+    EXPECT_EQ(lasting.key_problem(), "");
+    SECRETS another;
+    another.use_lasting_key();
+    EXPECT_EQ(hidden_part(another.mark("abc")), part);
+    EXPECT_NE(hidden_part(another.mark("abd")).hmac, part.hmac);
+    EXPECT_EQ(hidden_part(another.mark("abd")).key, part.key);
+}
+
+TEST_F(KEYS_OF_MARKS, are_of_this_process_with_the_reason_where_none_can_be_kept)
+{
+    write_file(temporary.path("data"), "no directory");
+    SECRETS secrets;
+    secrets.use_lasting_key();
+    EXPECT_FALSE(hidden_part(secrets.mark("abc")).lasting);
+    EXPECT_THAT(secrets.key_problem(), testing::HasSubstr(mask_key_path()));
+    EXPECT_EQ(secrets.mark("abc"), secrets.mark("abc"));
+}
+}

@@ -22,6 +22,7 @@ constexpr LAYER_KIND main_file = LAYER_KIND::MAIN_FILE;
 constexpr LAYER_KIND appended = LAYER_KIND::APPENDED_FILE;
 constexpr LAYER_KIND inline_text = LAYER_KIND::INLINE_TEXT;
 constexpr LAYER_KIND regtest = LAYER_KIND::REGTEST_FILE;
+constexpr LAYER_KIND program = LAYER_KIND::PROGRAM;
 constexpr LAYER_KIND what_if = LAYER_KIND::WHAT_IF;
 constexpr LAYER_KIND unknown = LAYER_KIND::UNKNOWN;
 
@@ -43,9 +44,10 @@ TEST(LAYER_KINDS, have_codes_and_titles)
         bool is_file;
     };
     const ROW rows[] = {
-        {main_file, "main", "main settings file", true}, {appended, "appended", "file of APPENDED_VELMAR_INI", true},
-        {inline_text, "inline", "environment", false},   {regtest, "regtest", "regression-test file", true},
-        {what_if, "what-if", "what if", false},          {unknown, "unknown", "unknown source", false},
+        {main_file, "main", "main settings file", true},   {appended, "appended", "file of APPENDED_VELMAR_INI", true},
+        {inline_text, "inline", "environment", false},     {regtest, "regtest", "regression-test file", true},
+        {program, "program", "program", false}, {what_if, "what-if", "what if", false},
+        {unknown, "unknown", "unknown source", false},
     };
     std::vector<LAYER_KIND> in_order;
     for (const ROW& row : rows)
@@ -101,6 +103,8 @@ TEST(LOCATIONS, are_fields_of_a_line_or_of_an_item)
     EXPECT_EQ(location_as_text(line), "a.ini:12");
     EXPECT_EQ(location_as_text(item), "VELMAR_INI_VARS:2");
     EXPECT_EQ(location_as_text(nowhere), "unknown");
+    EXPECT_EQ(location_as_text({program, "the program", 0}), "the program");
+    EXPECT_EQ(location_as_text({program, "a text", 3}), "a text:3");
 }
 
 // --- Statements ---

@@ -251,6 +251,7 @@ SNAPSHOT snapshot_of(const std::vector<std::pair<std::string, std::string>>& row
     SNAPSHOT snapshot;
     snapshot.product = of_run ? "" : "velmar";
     snapshot.of_run = of_run;
+    snapshot.lossy = of_run;
     const LAYER_KIND kind = of_run ? LAYER_KIND::UNKNOWN : LAYER_KIND::MAIN_FILE;
     for (const auto& [name, value] : rows)
     {
@@ -308,6 +309,32 @@ TEST_F(STATES_MODEL, bytes_that_a_run_report_lost_are_no_difference)
     const SNAPSHOT whole = snapshot_of({{"n\xff", "v\xfe"}, {"m", "x\xff"}});
     EXPECT_THAT(differences_of(run, whole), ElementsAre("m: w\xef\xbf\xbd | x\xff"));
     EXPECT_THAT(differences_of(whole, run), ElementsAre("m: x\xff | w\xef\xbf\xbd"));
+}
+
+TEST_F(STATES_MODEL, what_a_run_left_unset_can_differ)
+{
+    SNAPSHOT run = snapshot_of({{"a", "1"}}, true);
+    run.lossy = false;
+    run.known_unset = {"B"};
+    const SNAPSHOT whole = snapshot_of({{"a", "1"}, {"b", "2"}, {"c", "3"}});
+    EXPECT_THAT(differences_of(run, whole), ElementsAre("b: - | 2"));
+    EXPECT_THAT(differences_of(whole, run), ElementsAre("b: 2 | -"));
+    const SNAPSHOT other_run = snapshot_of({{"b", "5"}, {"c", "6"}}, true);
+    EXPECT_THAT(differences_of(run, other_run), ElementsAre("b: - | 5"));
+    EXPECT_THAT(differences_of(other_run, run), ElementsAre("b: 5 | -"));
+}
+
+TEST_F(STATES_MODEL, bytes_that_a_later_run_report_has_are_compared)
+{
+    SNAPSHOT run = snapshot_of({{"a", "\xef\xbf\xbd"}, {"n\xef\xbf\xbd", "1"}}, true);
+    run.lossy = false;
+    const SNAPSHOT whole = snapshot_of({{"a", "\xff"}, {"n\xff", "2"}});
+    EXPECT_THAT(differences_of(run, whole), ElementsAre("a: \xef\xbf\xbd | \xff", "n\xef\xbf\xbd: 1 | -"));
+    SNAPSHOT lossy_run = snapshot_of({{"a", "\xef\xbf\xbd"}}, true);
+    SNAPSHOT later_run = snapshot_of({{"a", "\xff"}}, true);
+    later_run.lossy = false;
+    EXPECT_THAT(differences_of(lossy_run, later_run), IsEmpty());
+    EXPECT_THAT(differences_of(later_run, lossy_run), IsEmpty());
 }
 
 TEST_F(STATES_MODEL, differences_are_narrowed)

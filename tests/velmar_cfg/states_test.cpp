@@ -20,6 +20,24 @@ constexpr const char* run_report = R"({
   "external_never_read": [{"name": "effort", "value": "5"}], "uncounted": ["once"]
 })";
 
+// The same run, as a host writes it now.
+constexpr const char* run_report_2 = R"({
+  "schema": "velmar-run-report", "schema_version": 2, "run": "nightly", "release": "23.4", "outcome": "fail",
+  "host": "farm7", "process": 4711, "directory": "/proj", "executable": "/opt/velmar/bin/velmar",
+  "started": "2026-11-21T22:00:00Z", "ended": "2026-11-21T22:10:00Z",
+  "environment": [{"name": "VELMAR_INI", "value": null}, {"name": "VELMAR_INI_VARS", "value": "seed=7"}],
+  "sources_complete": true,
+  "sources": [{"layer": "main", "external": true, "path": "/proj/velmar.ini", "size": 90,
+               "modified": "2026-11-20T08:00:00Z", "state": "same"},
+              {"layer": "program", "external": false, "text": "extra=1;effort=6", "state": "same"}],
+  "read": [{"name": "max_fanout", "count": 3, "value": "12", "external": true, "used": true, "source": 0, "line": 2,
+            "overridden": [{"source": 0, "line": 1, "value": "9"}]},
+           {"name": "msg_sqlite", "count": 1, "value": "off", "external": true, "used": true, "source": 0, "line": 5},
+           {"name": "asked", "count": 7, "value": null, "external": false, "used": false, "origin": "unset"}],
+  "external_never_read": [{"name": "effort", "value": "5", "source": 0, "line": 3}],
+  "asked_once": ["once"], "set_never_read": []
+})";
+
 enum class STATE_KIND
 {
     NOW,
@@ -27,42 +45,66 @@ enum class STATE_KIND
     SNAPSHOT,
     STANDARD_INPUT,
     RUN_REPORT,
+    RUN_REPORT_2,
     PROCESS,
     EXECUTABLE,
 };
 
 constexpr STATE_KIND all_kinds[] = {
-    STATE_KIND::NOW,        STATE_KIND::PROJECT, STATE_KIND::SNAPSHOT,  STATE_KIND::STANDARD_INPUT,
-    STATE_KIND::RUN_REPORT, STATE_KIND::PROCESS, STATE_KIND::EXECUTABLE};
+    STATE_KIND::NOW,        STATE_KIND::PROJECT,      STATE_KIND::SNAPSHOT, STATE_KIND::STANDARD_INPUT,
+    STATE_KIND::RUN_REPORT, STATE_KIND::RUN_REPORT_2, STATE_KIND::PROCESS,  STATE_KIND::EXECUTABLE};
 
-// One command, and of which states it must be refused.
+// What a command does with a kind of state: it answers with this exit code, or refuses with a sentence and exit code 2.
+struct CELL
+{
+    int exit_code;
+    const char* refusal = nullptr; // "%" is the name of the state
+};
+
+constexpr CELL fine = {0};
+constexpr CELL findings = {1};
+constexpr CELL no_snapshot = {
+    2, "%: a snapshot holds only the values that won and where they stand: neither other lines nor the search"};
+constexpr CELL no_run = {2, "%: a run report holds only variables that were set or asked for"};
+constexpr CELL document_already = {2, "%: is a document already; a snapshot is taken of what is read now"};
+constexpr CELL no_counts = {2, "only a run report says how often variables were read; name one with --of"};
+
 struct COMMAND_ROW
 {
     ARGUMENTS words;
-    bool has_view;         // its text begins with the view
-    bool is_object;        // its JSON is an object, which has the view too
-    bool of_snapshots;     // answers of a snapshot
-    bool of_run_reports;   // answers of a run report
-    const char* text = ""; // what it answers of each of these states, somewhere
+    bool has_view;  // its text begins with the view
+    bool is_object; // its JSON is an object, which has the view too
+    CELL of_live;   // of here and now, a project, a process, an executable
+    CELL of_snapshot;
+    CELL of_run; // of a run report, version 1
+    CELL of_run_2;
+    const char* text; // what it answers of each of these states, somewhere
 };
 
 const COMMAND_ROW commands[] = {
-    {{"list"}, true, false, true, true, "max_fanout=12"},
-    {{"list", "--changed"}, true, false, true, true, "msg_sqlite=off"},
-    {{"list", "--all"}, true, false, true, false, "max_fanout=12"},
-    {{"list", "--show-origin"}, true, false, true, true, "max_fanout=12"},
-    {{"get", "max_fanout"}, false, true, true, true, "12\n"},
-    {{"get", "max_fanout", "--type", "int"}, false, true, true, true, "12\n"},
-    {{"get", "max_fanout", "effort"}, false, false, true, true, "max_fanout=12\neffort=5\n"},
-    {{"explain", "max_fanout"}, true, true, true, true, "max_fanout = 12"},
-    {{"layers"}, true, false, true, true, "effort"},
-    {{"layers", "--overridden"}, true, false, false, false, "main settings file"},
-    {{"paths"}, true, true, false, false, "velmar.ini"},
-    {{"snapshot"}, false, true, false, false, "\"max_fanout\""},
-    {{"lint"}, true, false, false, false, "[no-equals-sign]"},
-    {{"prefs", "list"}, true, false, true, false, "HDL_PREFERENCE=VHDL"},
-    {{"prefs", "get", "HDL_PREFERENCE"}, false, true, true, false, "VHDL"},
-    {{"prefs", "describe", "HDL_PREFERENCE"}, true, true, true, false, "value    VHDL"},
+    {{"list"}, true, false, fine, fine, fine, fine, "max_fanout=12"},
+    {{"list", "max*"}, true, false, fine, fine, fine, fine, "max_fanout=12"},
+    {{"list", "nothing*"}, true, false, findings, findings, findings, findings, ""},
+    {{"list", "--changed"}, true, false, fine, fine, fine, fine, "msg_sqlite=off"},
+    {{"list", "--all"}, true, false, fine, fine, no_run, no_run, "max_fanout=12"},
+    {{"list", "--read"}, true, false, no_counts, no_counts, fine, fine, "3\tmax_fanout=12"},
+    {{"list", "--show-origin"}, true, false, fine, fine, fine, fine, "max_fanout=12"},
+    {{"list", "--with", "more=1", "--without", "effort"}, true, false, fine, fine, fine, fine, "more=1"},
+    {{"get", "max_fanout"}, false, true, fine, fine, fine, fine, "12\n"},
+    {{"get", "max_fanout", "--type", "int"}, false, true, fine, fine, fine, fine, "12\n"},
+    {{"get", "nothing", "--default", "x"}, false, true, fine, fine, fine, fine, "x\n"},
+    {{"get", "max_fanout", "effort"}, false, false, fine, fine, fine, fine, "max_fanout=12\neffort=5\n"},
+    {{"explain", "max_fanout"}, true, true, fine, fine, fine, fine, "max_fanout = 12"},
+    {{"explain", "nothing"}, true, true, findings, findings, findings, findings, "nothing is not "},
+    {{"layers"}, true, false, fine, fine, fine, fine, "effort"},
+    {{"layers", "--overridden"}, true, false, fine, no_snapshot, no_run, no_run, "main settings file"},
+    {{"paths"}, true, true, fine, no_snapshot, no_run, no_run, "velmar.ini"},
+    {{"snapshot"}, false, true, fine, document_already, document_already, document_already, "\"max_fanout\""},
+    {{"lint"}, true, false, findings, no_snapshot, no_run, no_run, "[no-equals-sign]"},
+    {{"prefs", "list"}, true, false, fine, fine, no_run, no_run, "HDL_PREFERENCE=VHDL"},
+    {{"prefs", "list", "--all"}, true, false, fine, fine, no_run, no_run, "HDL_PREFERENCE=VHDL"},
+    {{"prefs", "get", "HDL_PREFERENCE"}, false, true, fine, fine, no_run, no_run, "VHDL"},
+    {{"prefs", "describe", "HDL_PREFERENCE"}, true, true, fine, fine, no_run, no_run, "value    VHDL"},
 };
 
 class STATES : public TOOL_TEST
@@ -75,6 +117,7 @@ protected:
         write_file("user/velmar2.ini", "[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n");
         write_file("velmar.ini", read_file("project/velmar.ini"));
         write_file("run.json", run_report);
+        write_file("run2.json", run_report_2);
         variables["VELMAR2_INI"] = temporary.path("cwd/user");
         write_file("snapshot.json", run({"snapshot", "--project", "project"}).out);
         standard_input = temporary.path("cwd/snapshot.json");
@@ -95,6 +138,8 @@ protected:
             return {"--of", "-"};
         case STATE_KIND::RUN_REPORT:
             return {"--of", "run.json"};
+        case STATE_KIND::RUN_REPORT_2:
+            return {"--of", "run2.json"};
         case STATE_KIND::PROCESS:
             return {"--of", program.state()};
         case STATE_KIND::EXECUTABLE:
@@ -119,6 +164,9 @@ protected:
             return "as snapshot standard input has it (velmar 23.4, project project)";
         case STATE_KIND::RUN_REPORT:
             return "as run nightly had it (run.json, release 23.4)";
+        case STATE_KIND::RUN_REPORT_2:
+            return "as run nightly had it (run2.json, release 23.4, process 4711 on farm7, in /proj, started "
+                   "2026-11-21T22:00:00Z)";
         case STATE_KIND::PROCESS:
             return "as process " + std::to_string(program.number()) + " (" + executable + ", in " +
                    temporary.path("cwd/project") + ") started, " + basis;
@@ -128,18 +176,35 @@ protected:
         return "as " + executable + " would read, started here, " + basis;
     }
 
-    static bool answers(const COMMAND_ROW& row, STATE_KIND kind)
+    static const CELL& cell(const COMMAND_ROW& row, STATE_KIND kind)
     {
         switch (kind)
         {
         case STATE_KIND::SNAPSHOT:
         case STATE_KIND::STANDARD_INPUT:
-            return row.of_snapshots;
+            return row.of_snapshot;
         case STATE_KIND::RUN_REPORT:
-            return row.of_run_reports;
+            return row.of_run;
+        case STATE_KIND::RUN_REPORT_2:
+            return row.of_run_2;
         default:
-            return true;
+            return row.of_live;
         }
+    }
+
+    // Whether it is refused, as the cell says.
+    bool expect_refusal(const CELL& expected, STATE_KIND kind, const TOOL_RUN& got) const
+    {
+        if (expected.refusal == nullptr)
+            return false;
+        std::string sentence = expected.refusal;
+        const std::string name = kind == STATE_KIND::STANDARD_INPUT ? "standard input"
+                                 : of(kind).empty()                 ? ""
+                                                                    : of(kind).back();
+        if (sentence.starts_with('%'))
+            sentence.replace(0, 1, name);
+        EXPECT_EQ(got, (TOOL_RUN{2, "", "velmar-cfg: " + sentence + "\n"}));
+        return true;
     }
 
     const RUNNING_PROGRAM program{make_waiting_executable(temporary.path("cwd/opt/velmar/bin/velmar")),
@@ -170,15 +235,10 @@ TEST_F(STATES, each_command_answers_of_each_state_or_refuses_in_one_sentence)
             const ARGUMENTS words = row.words + of(kind);
             SCOPED_TRACE(spoken(words));
             const TOOL_RUN got = run(words);
-            if (!answers(row, kind))
-            {
-                EXPECT_EQ(got.exit_code, 2);
-                EXPECT_EQ(got.out, "");
-                EXPECT_THAT(got.err, AllOf(StartsWith("velmar-cfg: "), HasSubstr(": ")));
-                EXPECT_EQ(got.err.find('\n'), got.err.size() - 1);
+            const CELL& expected = cell(row, kind);
+            if (expect_refusal(expected, kind, got))
                 continue;
-            }
-            EXPECT_LE(got.exit_code, 1) << got.err;
+            EXPECT_EQ(got.exit_code, expected.exit_code) << got.err;
             EXPECT_EQ(got.err, "");
             EXPECT_THAT(got.out, HasSubstr(row.text));
             const std::string view = view_of(kind);
@@ -192,19 +252,18 @@ TEST_F(STATES, each_command_answers_in_json_or_refuses_in_one_sentence)
 {
     for (const COMMAND_ROW& row : commands)
     {
-        const nlohmann::json plain = run(row.words + ARGUMENTS{"--json"}).json();
+        const STATE_KIND sample_kind = row.of_live.refusal == nullptr ? STATE_KIND::NOW : STATE_KIND::RUN_REPORT;
+        const nlohmann::json plain = run(row.words + of(sample_kind) + ARGUMENTS{"--json"}).json();
         for (const STATE_KIND kind : all_kinds)
         {
             const ARGUMENTS words = row.words + of(kind) + ARGUMENTS{"--json"};
             SCOPED_TRACE(spoken(words));
             const TOOL_RUN got = run(words);
-            if (!answers(row, kind))
-            {
-                EXPECT_EQ(got.exit_code, 2);
-                EXPECT_EQ(got.out, "");
+            const CELL& expected = cell(row, kind);
+            if (expect_refusal(expected, kind, got))
                 continue;
-            }
-            EXPECT_LE(got.exit_code, 1) << got.err;
+            EXPECT_EQ(got.exit_code, expected.exit_code) << got.err;
+            EXPECT_EQ(got.err, "");
             const nlohmann::json document = got.json();
             EXPECT_EQ(document.is_array(), plain.is_array());
             const bool has_view = row.is_object && !view_of(kind).empty() && row.words.front() != "snapshot";
@@ -214,6 +273,9 @@ TEST_F(STATES, each_command_answers_in_json_or_refuses_in_one_sentence)
                 EXPECT_EQ(document.at("view"), view_of(kind));
             }
             // Whatever the state, the members are those of here and now.
+            EXPECT_EQ(document.empty(), plain.empty());
+            if (document.empty())
+                continue;
             const nlohmann::json& sample = document.is_array() ? document.at(0) : document;
             for (const auto& [name, value] : (plain.is_array() ? plain.at(0) : plain).items())
                 EXPECT_TRUE(sample.contains(name)) << name;
@@ -272,6 +334,70 @@ TEST_F(STATES, what_a_run_report_does_not_hold_is_not_said_to_be_unset)
     EXPECT_EQ(explained.exit_code, 1);
     EXPECT_THAT(explained.out, HasSubstr("\nother is not known: a run report holds only"));
     EXPECT_EQ(run({"get", "other", "--of", "snapshot.json"}).err, "velmar-cfg: 'other' is not set\n");
+}
+
+TEST_F(STATES, what_a_run_left_unset_is_known)
+{
+    EXPECT_EQ(run({"get", "ASKED", "--of", "run2.json"}), (TOOL_RUN{1, "", "velmar-cfg: 'ASKED' is not set\n"}));
+    EXPECT_EQ(run({"get", "once", "--of", "run2.json"}).err, "velmar-cfg: 'once' is not set\n");
+    EXPECT_THAT(run({"get", "other", "--of", "run2.json"}).err, HasSubstr("'other' is not in run2.json: a run"));
+    EXPECT_THAT(run({"get", "asked", "--of", "run.json"}).err, HasSubstr("'asked' is not in run.json: a run"));
+    EXPECT_THAT(run({"explain", "once", "--of", "run2.json"}).out, HasSubstr("\nonce is not set\n"));
+    // So it is where the user asks what would be without an assignment.
+    EXPECT_EQ(run({"get", "effort", "--without", "effort", "--of", "run2.json"}).err,
+              "velmar-cfg: 'effort' is not set\n");
+
+    write_file("project/velmar.ini", "max_fanout = 12\neffort = 5\nmsg_sqlite = off\nasked = 1\nother = 2\n");
+    EXPECT_THAT(run({"diff", "run2.json", "project", "--only", "variables"}).out,
+                HasSubstr("\nVariables\n  asked, by main settings file\n    A  not set\n"
+                          "    B  1  at project/velmar.ini:4 (main settings file, external)\n"));
+    EXPECT_EQ(run({"diff", "run2.json", "project", "--json"}).json().at("variables").size(), 1U);
+    EXPECT_EQ(run({"diff", "run.json", "project", "--only", "variables"}).exit_code, 0);
+}
+
+TEST_F(STATES, a_run_report_of_version_2_tells_origins)
+{
+    EXPECT_EQ(run({"list", "--show-origin", "--of", "run2.json"}).out,
+              view_of(STATE_KIND::RUN_REPORT_2) + "\n/proj/velmar.ini:3\teffort=5\n/proj/velmar.ini:2\tmax_fanout=12\n"
+                                                  "/proj/velmar.ini:5\tmsg_sqlite=off\n");
+    EXPECT_THAT(run({"explain", "max_fanout", "--of", "run2.json"}).out,
+                HasSubstr("\nmax_fanout = 12\nassignments, the last one wins:\n"
+                          "  lost  /proj/velmar.ini:1  max_fanout = 9  (main settings file)\n"
+                          "  won   /proj/velmar.ini:2  max_fanout = 12  (main settings file)\nread: 3 times\n"));
+    EXPECT_EQ(run({"layers", "--of", "run2.json"}).out,
+              view_of(STATE_KIND::RUN_REPORT_2) +
+                  "\nonly assignments to variables that the run met are known\n"
+                  "main settings file  /proj/velmar.ini\n     1  max_fanout=9  lost to /proj/velmar.ini:2\n"
+                  "     2  max_fanout=12\n     3  effort=5\n     5  msg_sqlite=off\n");
+    nlohmann::json report = nlohmann::json::parse(run_report_2);
+    report["sources"][0]["state"] = "changed"; // so that there may be others
+    report["read"][1] = {{"name", "msg_sqlite"}, {"count", 1},   {"value", "off"},
+                         {"external", true},     {"used", true}, {"origin", "program"}};
+    report["external_never_read"][0] = {{"name", "effort"},    {"value", "6"},
+                                        {"origin", "program"}, {"source", 1},
+                                        {"item", 2},           {"overridden", {{{"source", 0}, {"value", "5"}}}}};
+    write_file("other.json", report.dump());
+    EXPECT_THAT(run({"list", "--show-origin", "--of", "other.json"}).out,
+                HasSubstr("\na text:2\teffort=6\n/proj/velmar.ini:2\tmax_fanout=12\nthe program\tmsg_sqlite=off\n"));
+    EXPECT_THAT(run({"explain", "effort", "--of", "other.json"}).out,
+                HasSubstr("\nassignments that are known, the last one won:\n"
+                          "  lost  /proj/velmar.ini  effort = 5  (main settings file)\n"
+                          "  won   a text:2          effort = 6  (program)\n"));
+    EXPECT_EQ(run({"get", "msg_sqlite", "--of", "other.json", "--json"}).json().at("layer"), "program");
+    // Two runs lead to the cause without their project.
+    EXPECT_THAT(run({"diff", "run2.json", "other.json"}).out,
+                HasSubstr("\nVariables\n  effort, by program\n"));
+}
+
+TEST_F(STATES, environments_of_runs_are_compared_as_far_as_both_know_them)
+{
+    nlohmann::json report = nlohmann::json::parse(run_report_2);
+    report["environment"][1]["value"] = "seed=8";
+    report["environment"].push_back({{"name", "HOME"}, {"value", "/home/x"}});
+    write_file("other.json", report.dump());
+    EXPECT_EQ(run({"diff", "run2.json", "other.json", "--json"}).json().at("environment"),
+              R"([{"name": "VELMAR_INI_VARS", "a": "seed=7", "b": "seed=8"}])"_json);
+    EXPECT_EQ(run({"diff", "run.json", "other.json", "--json"}).json().at("environment"), nlohmann::json::array());
 }
 
 TEST_F(STATES, an_origin_that_is_not_known_is_called_so)

@@ -57,7 +57,8 @@ std::string side_as_text(const std::optional<SNAPSHOT_VARIABLE>& variable)
         return "not set";
     if (variable->location.layer == LAYER_KIND::UNKNOWN)
         return shown(variable->value);
-    return shown(variable->value) + "  at " + printable(location_as_text(variable->location)) + " (" +
+    return shown(variable->value) +
+           (is_located(variable->location) ? "  at " + printable(location_as_text(variable->location)) : " ") + " (" +
            layer_title(variable->location.layer) + (variable->external ? ", external)" : ")");
 }
 

@@ -15,12 +15,20 @@
 
 namespace
 {
-void write_assignments(const EXPLANATION& explanation, bool all_are_known, OUTPUT& out)
+std::string heading_of(const EXPLANATION& explanation, KNOWN_LINES known)
+{
+    if (known != KNOWN_LINES::WINNERS)
+        return "assignments, the last one wins:\n";
+    return explanation.assignments.size() == 1 ? "assignment that won, others are not known:\n"
+                                               : "assignments that are known, the last one won:\n";
+}
+
+void write_assignments(const EXPLANATION& explanation, KNOWN_LINES known, OUTPUT& out)
 {
     std::size_t width = 0;
     for (const EXPLAINED_ASSIGNMENT& assignment : explanation.assignments)
         width = std::max(width, location_as_text(assignment.location).size());
-    out << (all_are_known ? "assignments, the last one wins:\n" : "assignment that won, others are not known:\n");
+    out << heading_of(explanation, known);
     for (const EXPLAINED_ASSIGNMENT& assignment : explanation.assignments)
     {
         const bool won = &assignment == &explanation.assignments.back();
@@ -61,14 +69,14 @@ void write_readings(const TYPED_READINGS& readings, OUTPUT& out)
 void write_text(const EXPLANATION& explanation, const STATE& state, OUTPUT& out)
 {
     const std::string name = out.painted(STYLE::STRONG, printable(explanation.name));
-    if (explanation.assignments.empty() && state.knows_unset)
+    if (explanation.assignments.empty() && state.knows_unset_variable(explanation.name))
         out << name << " is not set\n";
     else if (explanation.assignments.empty())
         out << name << " is not known: " << state.limits << "\n";
     else
     {
         out << name << " = " << printable(explanation.value) << "\n";
-        write_assignments(explanation, state.knows_lines, out);
+        write_assignments(explanation, state.known_lines, out);
     }
     if (const READ_COUNT* const read = find_read(state, explanation.name); read != nullptr)
         out << "read: " << std::to_string(read->count) << (read->count == 1 ? " time\n" : " times\n");

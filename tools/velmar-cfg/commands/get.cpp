@@ -37,7 +37,7 @@ std::string advice_on(const std::string& name)
 // Why there is nothing to print, or what is odd about it; empty for neither.
 std::string remark_on(const TYPED_ANSWER& answer, const STATE& state, SECRETS& secrets)
 {
-    if (!answer.is_set() && !answer.remark.empty() && !state.knows_unset)
+    if (!answer.is_set() && !answer.remark.empty() && !state.knows_unset_variable(answer.name))
         return "'" + answer.name + "' is not in " + state.name + ": " + state.limits;
     std::string remark = answer.remark;
     if (has_hidden_parts(hide_in_value(answer.name, answer.text, secrets)))

@@ -95,7 +95,7 @@ public:
         std::string position = std::to_string(line.statement.position);
         constexpr std::size_t width = 6;
         position.insert(0, width - std::min(width, position.size()), ' ');
-        if (layers[line.statement.layer].kind == LAYER_KIND::UNKNOWN)
+        if (line.statement.position == 0)
             position.assign(width, ' ');
         out << position << "  "
             << out.painted(line.effect == LINE_EFFECT::COUNTS ? STYLE::PLAIN : STYLE::FAINT, shown(line.statement))
@@ -136,7 +136,7 @@ EXIT_CODE show_layers(const LAYERS_OPTIONS& options, TOOL& tool)
 {
     const STATE state = state_of(options.state, {.settings = true}, tool);
     if (options.only_overridden)
-        state.require(state.knows_lines);
+        state.require(state.known_lines == KNOWN_LINES::ALL);
     const SETTINGS settings(state.layers);
     if (tool.options.json)
     {
@@ -144,7 +144,9 @@ EXIT_CODE show_layers(const LAYERS_OPTIONS& options, TOOL& tool)
         return EXIT_CODE::FINE;
     }
     write_view(state, tool.out);
-    if (!state.knows_lines)
+    if (state.known_lines == KNOWN_LINES::ASSIGNMENTS)
+        tool.out << "only assignments to variables that the run met are known\n";
+    else if (state.known_lines == KNOWN_LINES::WINNERS)
         tool.out << "only the values that won are known\n";
     LAYERS_TEXT text(settings.layers(), tool.out);
     for_each_layer_line(settings,

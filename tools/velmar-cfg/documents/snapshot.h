@@ -18,6 +18,7 @@
 #include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
+#include "tools/velmar-cfg/settings/variable_name.h"
 
 using zon_cfg::PREFERENCE_ORIGIN;
 
@@ -96,9 +97,11 @@ struct SNAPSHOT
     SNAPSHOT_VARIABLES variables;
     std::vector<SNAPSHOT_PREFERENCE> preferences;
 
-    // What a run report says: only the release and the values of variables that were set or asked for; of any other
-    // variable it is not known whether it was set.
+    // What a run report says: the release, the environment where it knows that, and the values of variables that were
+    // set or asked for; of any other variable it is not known whether it was set.
     bool of_run = false;
+    bool lossy = false;         // it has U+FFFD for what is no UTF-8
+    VARIABLE_NAMES known_unset; // what the run is known to have left unset
 };
 
 #endif

@@ -72,12 +72,11 @@ bool has_replaced_bytes(std::string_view text)
     return text.find("\xef\xbf\xbd") != std::string_view::npos;
 }
 
-// Of a value in a run report, and another.
-SAMENESS compare_with_run(std::string_view of_run, std::string_view other)
+// Of a value in a lossy document, and another.
+SAMENESS compare_with_lossy(std::string_view lossy, std::string_view other)
 {
-    const SAMENESS sameness = compare_texts(of_run, other);
-    return sameness == SAMENESS::DIFFERENT && has_replaced_bytes(of_run) &&
-                   as_in_version_1(std::string(other)) == of_run
+    const SAMENESS sameness = compare_texts(lossy, other);
+    return sameness == SAMENESS::DIFFERENT && has_replaced_bytes(lossy) && as_in_version_1(std::string(other)) == lossy
                ? SAMENESS::SAME
                : sameness;
 }
@@ -128,8 +127,8 @@ class VARIABLES_BY_NAME
 public:
     explicit VARIABLES_BY_NAME(const SNAPSHOT_VARIABLES& of_snapshot) : variables(of_snapshot) {}
 
-    // The variable that a run report calls so.
-    std::optional<std::size_t> find_of_run(const std::string& name)
+    // The variable that a lossy document calls so.
+    std::optional<std::size_t> find_of_lossy(const std::string& name)
     {
         const std::optional<std::size_t> found = find(name);
         if (found || !has_replaced_bytes(name))
@@ -161,7 +160,7 @@ private:
                           [&](std::uint32_t candidate) { return same_name(variables.name(candidate), name); });
     }
 
-    // Those that run reports call otherwise; of several that they call the same, the first.
+    // Those that lossy documents call otherwise; of several that they call the same, the first.
     BY_VARIABLE_NAME<std::size_t> names_that_are_no_text() const
     {
         BY_VARIABLE_NAME<std::size_t> names;
@@ -180,6 +179,22 @@ private:
     std::size_t indexed = 0;
 };
 
+// What is compared of a variable that both sides have.
+SAMENESS compare_rows(const SNAPSHOT& a, const SNAPSHOT& b, const SNAPSHOT_VARIABLE& left,
+                      const SNAPSHOT_VARIABLE& right)
+{
+    if (a.lossy)
+        return compare_with_lossy(left.value, right.value);
+    return a.of_run || b.of_run ? compare_texts(left.value, right.value) : compare_answers(left, right);
+}
+
+// Whether a variable that it does not have is known to be unset.
+bool knows_unset(const SNAPSHOT& snapshot, std::string_view name)
+{
+    return !snapshot.of_run || (!snapshot.known_unset.empty() && snapshot.known_unset.contains(std::string(name)));
+}
+
+// A lossy document is A: what it calls a variable or a value is looked for in the other.
 std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAPSHOT& b,
                                                    std::vector<UNDECIDED_ROW>& undecided)
 {
@@ -193,31 +208,30 @@ std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAP
             difference.a && difference.b && same_in_every_type(*difference.a, *difference.b);
         differences.push_back(std::move(difference));
     };
-    const bool with_run = a.of_run || b.of_run;
     VARIABLES_BY_NAME of_b(b.variables);
     std::vector<bool> in_both(b.variables.size());
     for (std::size_t i = 0; i < a.variables.size(); ++i)
     {
         const SNAPSHOT_VARIABLE left = a.variables[i];
         const std::optional<std::size_t> found =
-            a.of_run ? of_b.find_of_run(std::string(left.name)) : of_b.find(left.name);
+            a.lossy ? of_b.find_of_lossy(std::string(left.name)) : of_b.find(left.name);
         if (!found)
         {
-            if (!b.of_run)
+            if (knows_unset(b, left.name))
                 add(left.name, left, std::nullopt);
             continue;
         }
         const SNAPSHOT_VARIABLE right = b.variables[*found];
-        const SAMENESS sameness = with_run ? compare_with_run(left.value, right.value) : compare_answers(left, right);
+        const SAMENESS sameness = compare_rows(a, b, left, right);
         if (sameness == SAMENESS::DIFFERENT)
             add(left.name, left, right);
         else if (sameness == SAMENESS::UNKNOWN)
             undecided.push_back({"variables", std::string(left.name)});
         in_both[*found] = true;
     }
-    for (std::size_t i = 0; !a.of_run && i < b.variables.size(); ++i)
+    for (std::size_t i = 0; i < b.variables.size(); ++i)
     {
-        if (!in_both[i])
+        if (!in_both[i] && knows_unset(a, b.variables.name(i)))
             add(b.variables.name(i), std::nullopt, b.variables[i]);
     }
     std::ranges::sort(differences, {}, &VARIABLE_DIFFERENCE::name);
@@ -288,8 +302,11 @@ std::vector<ENVIRONMENT_DIFFERENCE> compare_environments(const SNAPSHOT& a, cons
     const auto value_of = [](const ENVIRONMENT_VARIABLE* variable)
     { return variable == nullptr ? std::nullopt : variable->value; };
     std::vector<ENVIRONMENT_DIFFERENCE> differences;
+    const bool with_run = a.of_run || b.of_run;
     for (const auto& rows : pairs_of(a.environment, b.environment, &ENVIRONMENT_VARIABLE::name))
     {
+        if (with_run && (rows.first == nullptr || rows.second == nullptr))
+            continue;
         if (is_different("environment", name_of_pair(rows, &ENVIRONMENT_VARIABLE::name),
                          compare_if_present(value_of(rows.first), value_of(rows.second)), undecided))
             differences.push_back({name_of_pair(rows, &ENVIRONMENT_VARIABLE::name), rows.first, rows.second});
@@ -326,14 +343,11 @@ SNAPSHOT_DIFFERENCES compare_snapshots(const SNAPSHOT& a, const SNAPSHOT& b)
     SNAPSHOT_DIFFERENCES differences;
     std::vector<UNDECIDED_ROW>& undecided = differences.undecided;
     differences.installation = compare_installations(a, b);
+    differences.environment = compare_environments(a, b, undecided);
     const bool with_run = a.of_run || b.of_run;
     if (!with_run)
-    {
-        differences.environment = compare_environments(a, b, undecided);
         differences.files = compare_files(a, b, undecided);
-    }
-    // What a run report calls a variable or a value is looked for in the other side.
-    const bool swapped = b.of_run && !a.of_run;
+    const bool swapped = b.lossy && !a.lossy;
     differences.variables = swapped ? compare_variables(b, a, undecided) : compare_variables(a, b, undecided);
     for (VARIABLE_DIFFERENCE& difference : differences.variables)
     {

@@ -51,7 +51,7 @@ ENVIRONMENT_VARIABLE read_environment_variable(const JSON_NODE& row, SECRETS& se
 LAYER_KIND read_layer(const JSON_NODE& code)
 {
     const std::optional<LAYER_KIND> kind = layer_of_code(code.text());
-    if (!kind || *kind == LAYER_KIND::WHAT_IF || *kind == LAYER_KIND::UNKNOWN)
+    if (!kind || !is_library_source(*kind))
         code.refuse("layer");
     return *kind;
 }

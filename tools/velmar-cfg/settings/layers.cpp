@@ -93,6 +93,8 @@ const char* layer_code(LAYER_KIND kind)
         return "inline";
     case LAYER_KIND::REGTEST_FILE:
         return "regtest";
+    case LAYER_KIND::PROGRAM:
+        return "program";
     case LAYER_KIND::WHAT_IF:
         return "what-if";
     case LAYER_KIND::UNKNOWN:
@@ -123,6 +125,8 @@ const char* layer_title(LAYER_KIND kind)
         return "environment";
     case LAYER_KIND::REGTEST_FILE:
         return "regression-test file";
+    case LAYER_KIND::PROGRAM:
+        return "program";
     case LAYER_KIND::WHAT_IF:
         return "what if";
     case LAYER_KIND::UNKNOWN:
@@ -249,15 +253,16 @@ std::string location_as_text(const LOCATION& location)
 {
     if (location.layer == LAYER_KIND::UNKNOWN)
         return "unknown";
-    return std::string(location.source) + ":" + std::to_string(location.position);
+    return std::string(location.source) + (location.position == 0 ? "" : ":" + std::to_string(location.position));
 }
 
 void write_location_fields(JSON_WRITER& out, const LOCATION* location)
 {
     const bool in_file = location != nullptr && is_file(location->layer);
-    const bool is_item = location != nullptr && !in_file && location->layer != LAYER_KIND::UNKNOWN;
+    const std::optional<std::size_t> position =
+        location != nullptr && location->position != 0 ? std::optional(location->position) : std::nullopt;
     out.field("layer", location == nullptr ? std::nullopt : std::optional(layer_code(location->layer)));
     out.field("file", in_file ? std::optional(location->source) : std::nullopt);
-    out.field("line", in_file ? std::optional(location->position) : std::nullopt);
-    out.field("item", is_item ? std::optional(location->position) : std::nullopt);
+    out.field("line", in_file ? position : std::nullopt);
+    out.field("item", in_file ? std::nullopt : position);
 }

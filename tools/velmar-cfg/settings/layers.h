@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
@@ -41,15 +42,18 @@ enum class LAYER_KIND : std::uint8_t
     APPENDED_FILE,
     INLINE_TEXT,
     REGTEST_FILE,
-    WHAT_IF, // what the user wants to see applied; no source of the library's
+    PROGRAM, // of a run report: what the program itself set, or a text that it applied
+    WHAT_IF, // what the user wants to see applied
     UNKNOWN, // of a document that does not say from where it has a value
 };
 
-inline constexpr LAYER_KIND all_layer_kinds[] = {LAYER_KIND::MAIN_FILE,   LAYER_KIND::APPENDED_FILE,
-                                                 LAYER_KIND::INLINE_TEXT, LAYER_KIND::REGTEST_FILE,
-                                                 LAYER_KIND::WHAT_IF,     LAYER_KIND::UNKNOWN};
+inline constexpr LAYER_KIND all_layer_kinds[] = {
+    LAYER_KIND::MAIN_FILE, LAYER_KIND::APPENDED_FILE, LAYER_KIND::INLINE_TEXT, LAYER_KIND::REGTEST_FILE,
+    LAYER_KIND::PROGRAM,   LAYER_KIND::WHAT_IF,       LAYER_KIND::UNKNOWN};
 
-// "main", "appended", "inline", "regtest", "what-if" and "unknown": for JSON.
+static_assert(std::size(all_layer_kinds) <= 7, "a LAYER_SET has no bit for more");
+
+// "main", "appended", "inline", "regtest", "program", "what-if" and "unknown": for JSON.
 const char* layer_code(LAYER_KIND kind);
 
 // The layer of that code, if there is one.
@@ -57,6 +61,12 @@ std::optional<LAYER_KIND> layer_of_code(std::string_view code);
 
 // "main settings file", "file of APPENDED_VELMAR_INI", ...: for people.
 const char* layer_title(LAYER_KIND kind);
+
+// Whether the library itself reads such a layer, wherever it runs.
+constexpr bool is_library_source(LAYER_KIND kind)
+{
+    return kind <= LAYER_KIND::REGTEST_FILE;
+}
 
 // Whether its statements are lines of a file; else they are items of a text, or stand nowhere.
 constexpr bool is_file(LAYER_KIND kind)
@@ -213,16 +223,23 @@ struct LOCATION
 {
     LAYER_KIND layer;
     std::string_view source;
-    std::size_t position; // the line or the item, counted from 1
+    std::size_t position; // the line or the item, counted from 1; 0 where it is not known
 };
 
 LOCATION location_of(const LAYERS& layers, const STATEMENT& statement);
 
-// "velmar.ini:12", "VELMAR_INI_VARS:2" for the second item, or "unknown".
+// "velmar.ini:12", "VELMAR_INI_VARS:2" for the second item, the source alone where the position is not known, or
+// "unknown".
 std::string location_as_text(const LOCATION& location);
 
+// Whether there is more to say of it than its layer.
+constexpr bool is_located(const LOCATION& location)
+{
+    return location.position != 0 || is_file(location.layer);
+}
+
 // The fields "layer", "file", "line" and "item", all null for a null pointer; "item" is null for a line, "file" and
-// "line" are for an item, and all three for what stands at an unknown place.
+// "line" are for an item, and a position that is not known is null too.
 void write_location_fields(JSON_WRITER& out, const LOCATION* location);
 
 #endif

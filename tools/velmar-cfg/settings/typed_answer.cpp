@@ -22,8 +22,7 @@ std::string why_not_set(const SETTINGS& settings, const std::string& name, bool 
 
 std::string why_not_usable(const TYPED_ANSWER& answer)
 {
-    const std::string at =
-        answer.location->layer == LAYER_KIND::UNKNOWN ? "" : " at " + location_as_text(*answer.location);
+    const std::string at = is_located(*answer.location) ? " at " + location_as_text(*answer.location) : "";
     return answer.text.empty()
                ? "'" + answer.name + "' is set to the empty text" + at
                : "'" + answer.name + "' is " + in_single_quotes(answer.text) + at + ": " + what_is_wanted(answer.type);

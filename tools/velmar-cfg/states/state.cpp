@@ -26,6 +26,11 @@ std::string STATE::heading() const
     return view.empty() ? "what if: " + changes : view + "; what if: " + changes;
 }
 
+bool STATE::knows_unset_variable(const std::string& variable) const
+{
+    return knows_unset || (snapshot && snapshot->known_unset.contains(variable));
+}
+
 void STATE::require(bool known) const
 {
     if (!known)

@@ -56,6 +56,14 @@ struct STATE_PARTS
     bool snapshot = false;    // snapshot
 };
 
+// What the layers of a state hold.
+enum class KNOWN_LINES
+{
+    ALL,         // every line, also those that lost or do nothing
+    ASSIGNMENTS, // every assignment to a variable that is known
+    WINNERS,     // the assignments that won, and perhaps some others
+};
+
 struct STATE
 {
     std::string name; // as the user calls it; "now" for here and now
@@ -71,11 +79,13 @@ struct STATE
     // everything.
     std::string limits;
 
-    // Whether a variable that no layer sets is known to be unset.
+    // Whether every variable that no layer sets is known to be unset.
     bool knows_unset = true;
 
-    // Whether the layers hold all lines, those that lost too. Else only the assignments that won are known.
-    bool knows_lines = true;
+    // Whether this one is, if no layer sets it.
+    bool knows_unset_variable(const std::string& variable) const;
+
+    KNOWN_LINES known_lines = KNOWN_LINES::ALL;
 
     LAYERS layers;
     std::optional<std::vector<FILE_CANDIDATE>> candidates;

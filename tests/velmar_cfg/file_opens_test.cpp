@@ -10,10 +10,10 @@
 
 namespace
 {
-class FILE_OPENS : public TOOL_TEST, public testing::WithParamInterface<std::vector<std::string>>
+class TRACED_TOOL_TEST : public TOOL_TEST
 {
 protected:
-    FILE_OPENS()
+    TRACED_TOOL_TEST()
     {
         variables["ASAN_OPTIONS"] = "detect_leaks=0"; // no leak check in a traced process
         variables["APPENDED_VELMAR_INI"] = "appended.ini";
@@ -39,10 +39,10 @@ protected:
         return text;
     }
 
-    // Runs the tool and counts the opens of each path, existing or not.
-    std::map<std::string, int> opens_of(const std::vector<std::string>& arguments) const
+    // Runs the tool: the flags of each open of each path, existing or not.
+    std::map<std::string, std::vector<int>> opens_of(const std::vector<std::string>& arguments) const
     {
-        std::map<std::string, int> opens;
+        std::map<std::string, std::vector<int>> opens;
         const pid_t child = start_traced(arguments);
         EXPECT_EQ(ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD), 0); // tells calls from signals
         for (int status = 0;;)
@@ -58,23 +58,27 @@ protected:
             if (ptrace(PTRACE_GET_SYSCALL_INFO, child, sizeof info, &info) <= 0 || info.op != PTRACE_SYSCALL_INFO_ENTRY)
                 continue;
             if (info.entry.nr == SYS_openat)
-                ++opens[text_at(child, info.entry.args[1])];
+                opens[text_at(child, info.entry.args[1])].push_back(static_cast<int>(info.entry.args[2]));
             else if (info.entry.nr == SYS_open)
-                ++opens[text_at(child, info.entry.args[0])];
+                opens[text_at(child, info.entry.args[0])].push_back(static_cast<int>(info.entry.args[1]));
         }
     }
+};
+
+class FILE_OPENS : public TRACED_TOOL_TEST, public testing::WithParamInterface<std::vector<std::string>>
+{
 };
 
 TEST_P(FILE_OPENS, each_file_is_opened_once)
 {
     std::vector<std::string> arguments = GetParam();
     arguments.insert(arguments.begin(), {"--project", "project", "--regtest"});
-    const std::map<std::string, int> opens = opens_of(arguments);
+    const std::map<std::string, std::vector<int>> opens = opens_of(arguments);
     std::map<std::string, int> of_files;
-    for (const auto& [path, count] : opens)
+    for (const auto& [path, flags] : opens)
     {
         if (path.ends_with(".ini"))
-            of_files[path.substr(path.rfind('/') + 1)] += count;
+            of_files[path.substr(path.rfind('/') + 1)] += static_cast<int>(flags.size());
     }
     const std::string command = GetParam().front();
     std::map<std::string, int> expected = {{"velmar.ini", 1}, {"regtest.ini", 1}, {"appended.ini", 1}};
@@ -85,6 +89,25 @@ TEST_P(FILE_OPENS, each_file_is_opened_once)
     if (command == "prefs")
         expected = {{"velmar2.ini", 1}};
     EXPECT_EQ(of_files, expected);
+}
+
+// Neither a planted link nor a pipe nor a terminal in the place of the key is waited for, followed or taken over.
+TEST_F(TRACED_TOOL_TEST, the_key_of_masks_is_opened_with_care)
+{
+    write_file("project/velmar.ini", "api_token = abc\n");
+    int looks = 0;
+    for (const auto& [path, all_flags] : opens_of({"--project", "project", "snapshot", "-o", "/dev/null"}))
+    {
+        if (!path.ends_with("/velmar-cfg/mask-key"))
+            continue;
+        for (const int flags : all_flags)
+        {
+            constexpr int careful = O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+            EXPECT_EQ(flags & careful, careful);
+            ++looks;
+        }
+    }
+    EXPECT_EQ(looks, 2) << "before it is made, and after";
 }
 
 INSTANTIATE_TEST_SUITE_P(

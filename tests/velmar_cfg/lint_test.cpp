@@ -165,6 +165,19 @@ TEST_F(LINT, without_a_file_it_checks_all_that_would_be_read)
     EXPECT_EQ(rows.at(2).at("item"), 1);
 }
 
+// With the other sign at its beginning the text would set 'url' twice. Lines that assign nothing do not hide that.
+TEST_F(LINT, no_separator_is_suggested_that_makes_one_item_override_another)
+{
+    variables["VELMAR_INI_VARS"] = "url=http://h;url=1";
+    for (const char* const settings : {"", "# a comment\n", "x = 1\n# a comment\n\n"})
+    {
+        write_file("project/velmar.ini", settings);
+        EXPECT_THAT(run({"--project", "project", "lint"}).out, Not(HasSubstr("begin the text with \"")));
+    }
+    variables["VELMAR_INI_VARS"] = "url=http://h;b=1";
+    EXPECT_THAT(run({"--project", "project", "lint"}).out, HasSubstr("begin the text with \";\""));
+}
+
 TEST_F(LINT, a_variable_may_have_another_value_in_a_later_layer)
 {
     write_file("project/velmar.ini", "a=1\n");

@@ -37,7 +37,7 @@ NOT_RUN = {
 # What an executable runs, beside the shared libraries that it loads.
 RUNS = {
     "platform_tests": ["bin/print_paths"],
-    "velmar_cfg_tests": ["bin/velmar-cfg"],
+    "velmar_cfg_tests": ["bin/velmar-cfg", "completions/velmar-cfg", "completions/_velmar-cfg"],
     "velmar_cfg_states_tests": ["bin/velmar-cfg"],
     "velmar_cfg_documentation_tests": ["bin/velmar-cfg"],
 }

@@ -56,6 +56,16 @@ TEST(RUN_REPORTS_MODEL, tell_how_runs_stand_to_a_switch)
     EXPECT_FALSE(use_of_switch("a", {}).known);
 }
 
+TEST(RUN_REPORTS_MODEL, have_a_word_for_each_dependence)
+{
+    using enum DEPENDENCE::KIND;
+    EXPECT_STREQ(dependence_word(READ), "read");
+    EXPECT_STREQ(dependence_word(ASKED_ONCE), "asked once");
+    EXPECT_STREQ(dependence_word(PERHAPS), "perhaps");
+    EXPECT_STREQ(dependence_word(NEVER_READ), "never read");
+    EXPECT_STREQ(dependence_word(UNKNOWN), "unknown");
+}
+
 TEST(RUN_REPORTS_MODEL, gather_what_no_run_read)
 {
     const std::vector<NEVER_READ_VARIABLE> variables = variables_that_no_run_read(runs);

@@ -108,14 +108,17 @@ TEST_F(STAGED_FILE_TEST, follows_no_link_and_opens_no_file_in_the_place_of_the_n
 
 TEST_F(STAGED_FILE_TEST, makes_a_file_by_the_mask)
 {
-    std::filesystem::remove(file);
-    const mode_t mask = umask(027);
-    EXPECT_EQ(replace(), "replaced");
-    umask(mask);
-    struct stat found;
-    ASSERT_EQ(stat(file, &found), 0);
-    EXPECT_EQ(found.st_mode & 07777U, 0640U);
-    EXPECT_EQ(read_file(file), "new\n");
+    for (const auto& [mask, mode] : {std::pair<mode_t, mode_t>{027, 0640}, {0, 0666}})
+    {
+        std::filesystem::remove(file);
+        const mode_t before = umask(mask);
+        EXPECT_EQ(replace(), "replaced");
+        umask(before);
+        struct stat found;
+        ASSERT_EQ(stat(file, &found), 0);
+        EXPECT_EQ(found.st_mode & 07777U, mode);
+        EXPECT_EQ(read_file(file), "new\n");
+    }
 }
 
 TEST_F(STAGED_FILE_TEST, is_written_whole_before_it_replaces)

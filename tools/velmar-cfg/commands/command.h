@@ -51,6 +51,10 @@ public:
     void add_option(const std::string& names, const std::string& value_name, unsigned int& value,
                     const std::string& description);
 
+    // The same, any number of times.
+    void add_option(const std::string& names, const std::string& value_name, std::vector<std::string>& values,
+                    const std::string& description);
+
     // The same, with a value of these and no other; completion offers them.
     void add_choice(const std::string& names, const std::string& value_name, std::string& value,
                     const std::vector<std::string>& choices, const std::string& description);

@@ -144,6 +144,7 @@ std::unique_ptr<CLI::App> make_command_line(TOOL& tool)
     add_explain_command(commands, tool);
     add_paths_command(commands, tool);
     add_lint_command(commands, tool);
+    add_set_commands(commands, tool);
     add_prefs_command(commands, tool);
     add_run_report_command(commands, tool);
     add_snapshot_command(commands, tool);

@@ -225,7 +225,7 @@ std::vector<FINDING> SETTINGS_RULES::findings(const STATEMENT& statement, ASSIGN
     return findings;
 }
 
-void SETTINGS_RULES::run(const std::function<void(const FINDING&)>& take)
+void SETTINGS_RULES::run(const std::function<void(const STATEMENT&, const std::vector<FINDING>&)>& take)
 {
     STATEMENTS statements(layers);
     STATEMENT statement{};
@@ -234,7 +234,7 @@ void SETTINGS_RULES::run(const std::function<void(const FINDING&)>& take)
     {
         const bool is_assignment = statement.outcome == OUTCOME::STORED;
         const bool is_first = is_assignment && namesakes.is_first_in_layer(number, variables);
-        std::ranges::for_each(findings(statement, number, is_first), take);
+        take(statement, findings(statement, number, is_first));
         variables += is_first ? 1U : 0U;
         number += is_assignment ? 1 : 0;
     }
@@ -242,7 +242,8 @@ void SETTINGS_RULES::run(const std::function<void(const FINDING&)>& take)
 
 void lint_settings(const LAYERS& layers, const std::function<void(const FINDING&)>& take)
 {
-    SETTINGS_RULES(layers).run(take);
+    SETTINGS_RULES(layers).run([&take](const STATEMENT&, const std::vector<FINDING>& findings)
+                               { std::ranges::for_each(findings, take); });
 }
 
 std::vector<FINDING> lint_settings(const LAYERS& layers)

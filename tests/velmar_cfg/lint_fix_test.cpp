@@ -1,5 +1,6 @@
 // velmar-cfg lint --fix, and the options that choose findings.
 #include <filesystem>
+#include <sys/wait.h>
 
 #include "tests/velmar_cfg/tool_test.h"
 
@@ -116,6 +117,27 @@ TEST_F(LINT_FIX, writes_secrets_as_they_are_and_shows_none)
     EXPECT_EQ(fixed.out, "");
     EXPECT_EQ(fixed.err, "velmar-cfg: " + full_path("velmar.ini") + ": 4 lines were replaced\n");
     EXPECT_EQ(read_file("velmar.ini"), after);
+}
+
+// The findings that are left are more than a buffer holds, so that writing them fails before the last one.
+TEST_F(LINT_FIX, names_the_changed_files_also_where_findings_cannot_be_written)
+{
+    std::string text = "a = yes\n";
+    for (int i = 0; i < 3000; ++i)
+        text += "b" + std::to_string(i) + " = 1\nb" + std::to_string(i) + " = 2\n";
+    for (const char* const format : {"--format=text", "--format=sarif", "--json"})
+    {
+        write_file("velmar.ini", text);
+        const pid_t child = start({"lint", "--fix", "velmar.ini", format}, "/dev/full");
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_EQ(WEXITSTATUS(status), 4) << format;
+        EXPECT_THAT(read_file(temporary.path("standard_error")),
+                    StartsWith("velmar-cfg: " + full_path("velmar.ini") +
+                               ": 1 line was replaced\nvelmar-cfg: standard output: "))
+            << format;
+        EXPECT_THAT(read_file("velmar.ini"), StartsWith("a = on\n")) << format;
+    }
 }
 
 TEST_F(LINT_FIX, refuses_what_makes_no_sense)

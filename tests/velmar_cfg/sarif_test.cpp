@@ -104,6 +104,26 @@ TEST_F(SARIF, counts_columns_in_characters)
     EXPECT_TRUE(results[4].contains("fixes"));
 }
 
+// A carriage return before the newline is part of the line's end, which is no column of a region.
+TEST_F(SARIF, leaves_line_ends_as_they_are)
+{
+    write_file("velmar.ini", "a = yes\r\ng=1 h=2\r\nc=1\rd=no\r\ne = no\r");
+    const nlohmann::json results = linted({"lint", "velmar.ini"}).at("results");
+    std::vector<nlohmann::json> replacements;
+    for (const nlohmann::json& result : results)
+    {
+        if (result.contains("fixes"))
+            replacements.push_back(result.at("fixes").at(0).at("artifactChanges").at(0).at("replacements").at(0));
+    }
+    const auto replacement = [](int line, int end, const char* text)
+    {
+        return nlohmann::json({{"deletedRegion", {{"startLine", line}, {"startColumn", 1}, {"endColumn", end}}},
+                               {"insertedContent", {{"text", text}}}});
+    };
+    EXPECT_THAT(replacements, testing::ElementsAre(replacement(1, 8, "a = on"), replacement(2, 8, "g=1\r\nh=2"),
+                                                   replacement(3, 9, "c=1\nd=off"), replacement(4, 8, "e = off\r")));
+}
+
 TEST_F(SARIF, names_files_by_references_and_variables_by_their_names)
 {
     const std::string odd = "a b%#?:\xc3\xa9.ini";
@@ -111,7 +131,7 @@ TEST_F(SARIF, names_files_by_references_and_variables_by_their_names)
     const nlohmann::json relative = linted({"lint", odd}).at("results");
     const auto uri_of = [](const nlohmann::json& results)
     { return results.at(0).at("locations").at(0).at("physicalLocation").at("artifactLocation").at("uri"); };
-    EXPECT_EQ(uri_of(relative), "a%20b%25%23%3f%3a%c3%a9.ini");
+    EXPECT_EQ(uri_of(relative), "a%20b%25%23%3F%3A%C3%A9.ini");
     EXPECT_EQ(uri_of(linted({"lint", temporary.path("cwd/" + odd)}).at("results")).get<std::string>().substr(0, 8),
               "file:///");
     variables["VELMAR_INI_VARS"] = "x=1;d=yes";

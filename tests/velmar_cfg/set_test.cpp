@@ -191,6 +191,21 @@ TEST_F(SET, makes_the_file_and_says_so)
     EXPECT_EQ(made.st_mode & 07777U, 0640U);
 }
 
+TEST_F(SET, makes_the_file_that_a_link_names)
+{
+    std::filesystem::create_directory("elsewhere");
+    std::filesystem::create_symlink("../elsewhere/settings", file);
+    const std::string target = full_path("elsewhere/settings");
+    const TOOL_RUN tried = run_in_project({"set", "a", "1", "--dry-run"});
+    EXPECT_EQ(tried.err, "velmar-cfg: " + target + ": would be made, since there was no such file\n");
+    EXPECT_EQ(tried.exit_code, 0);
+    EXPECT_EQ(run_in_project({"unset", "a", "--dry-run"}).exit_code, 3); // the link goes on to name nothing
+    EXPECT_EQ(run_in_project({"set", "a", "1"}),
+              (TOOL_RUN{0, "", "velmar-cfg: " + target + ": made, since there was no such file\n"}));
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+    EXPECT_EQ(settings(), "a = 1\n");
+}
+
 TEST_F(SET, unset_makes_no_file)
 {
     EXPECT_EQ(run_in_project({"unset", "a"}), (TOOL_RUN{0, "", "velmar-cfg: " + full_path() + ": no line sets 'a'\n"}));

@@ -249,6 +249,7 @@ std::shared_ptr<const INPUT_FILE> INPUT_FILES::find(const std::string& title) co
 
 void INPUT_FILES::forget(const std::string& path)
 {
+    std::erase(all_problems, path + ": " + absence_of(path).problem);
     if (const auto file = files.find(path); file != files.end())
     {
         std::erase(all_problems, file->second->path + ": " + file->second->problem);

@@ -160,8 +160,8 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
         else
             checks.add_settings(to_check(single_layer(file, tool.files, *tool.options.scope.secrets)));
     }
-    const EXIT_CODE end = checks.run(output);
-    return std::max(end, fixes.finish());
+    const EXIT_CODE end_of_fixes = fixes.finish(); // first: the findings may be more than can be written
+    return std::max(checks.run(output), end_of_fixes);
 }
 
 EXIT_CODE lint_only_preferences(const LINT_OPTIONS& options, TOOL& tool)

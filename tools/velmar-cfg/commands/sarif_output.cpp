@@ -39,10 +39,18 @@ std::size_t characters_in(std::string_view bytes)
 std::string path_as_uri(const std::string& path)
 {
     constexpr std::string_view as_they_are = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
+    constexpr std::string_view digits = "0123456789ABCDEF"; // the normal form of a URI has capitals
     std::string uri = path.starts_with('/') ? "file://" : "";
     for (const char c : path)
-        uri += as_they_are.find(c) == std::string_view::npos ? "%" + as_hexadecimal(std::string_view(&c, 1))
-                                                             : std::string(1, c);
+    {
+        if (as_they_are.find(c) != std::string_view::npos)
+            uri += c;
+        else
+        {
+            const auto byte = static_cast<unsigned char>(c);
+            uri.append("%").append(1, digits[byte / 16]).append(1, digits[byte % 16]);
+        }
+    }
     return uri;
 }
 
@@ -154,9 +162,15 @@ void SARIF_OUTPUT::write_fix(const FINDING& finding)
     if (!finding.replacement || !finding.line || has_hidden_parts(*finding.replacement) ||
         !is_utf_8(*finding.replacement))
         return;
-    const std::optional<std::string_view> line = line_of(finding);
+    std::optional<std::string_view> line = line_of(finding);
     if (!line)
         return;
+    std::string_view text = *finding.replacement;
+    if (ends_with_carriage_return_and_newline(*line) && text.ends_with('\r'))
+    {
+        line->remove_suffix(1);
+        text.remove_suffix(1);
+    }
     out.key("fixes");
     out.begin_list();
     out.begin_object();
@@ -176,7 +190,7 @@ void SARIF_OUTPUT::write_fix(const FINDING& finding)
     out.end_object();
     out.key("insertedContent");
     out.begin_object();
-    out.field("text", *finding.replacement);
+    out.field("text", text);
     out.end_object();
     out.end_object();
     out.end_list();
@@ -186,7 +200,13 @@ void SARIF_OUTPUT::write_fix(const FINDING& finding)
     out.end_list();
 }
 
-// The line as it stands in the file; nothing when the file does not have it.
+// Both are the end of the line then, and no column of it. The line is the one that was looked for last.
+bool SARIF_OUTPUT::ends_with_carriage_return_and_newline(std::string_view line) const
+{
+    return line.ends_with('\r') && offset + line.size() < file->bytes.size();
+}
+
+// The line as it stands in the file, without the newline; nothing when the file does not have it.
 std::optional<std::string_view> SARIF_OUTPUT::line_of(const FINDING& finding)
 {
     if (file == nullptr || file->path != finding.file || *finding.line < number)

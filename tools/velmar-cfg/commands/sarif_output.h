@@ -32,6 +32,7 @@ private:
     void write_fix(const FINDING& finding);
     void write_artifact_location(const std::string& path);
     std::optional<std::string_view> line_of(const FINDING& finding);
+    bool ends_with_carriage_return_and_newline(std::string_view line) const;
 
     TOOL& tool;
     JSON_WRITER out;

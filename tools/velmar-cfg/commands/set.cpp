@@ -79,6 +79,8 @@ SETTINGS_EDIT edited(const SETTINGS_CHANGE& change, const SET_OPTIONS& options, 
     edit.file = (options.dry_run ? try_file_edit : edit_file)(path, plan, options.permissions, options.patience());
     if (edit.file.refusal.empty())
         edit.effect = effect_of_change(scope, change.name, edit.file, options.dry_run, tool.files);
+    if (options.dry_run && edit.file.is_new && edit.file.changed())
+        tool.files.forget(path); // a link that names nothing now would name the new file
     return edit;
 }
 

@@ -4,8 +4,10 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/random.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -16,6 +18,7 @@
 namespace
 {
 constinit thread_local std::array<CALL_WATCH*, 13> watches = {};
+constinit thread_local bool random_bytes_are_zero = false;
 
 bool fails(SYSTEM_CALL call)
 {
@@ -47,6 +50,16 @@ int CALL_WATCH::strikes()
 {
     const auto action = actions.find(++seen);
     return action == actions.end() ? every : action->second();
+}
+
+ZERO_RANDOM_BYTES::ZERO_RANDOM_BYTES()
+{
+    random_bytes_are_zero = true;
+}
+
+ZERO_RANDOM_BYTES::~ZERO_RANDOM_BYTES()
+{
+    random_bytes_are_zero = false;
 }
 
 #pragma GCC visibility push(default)
@@ -127,6 +140,14 @@ extern "C"
         return fails(SYSTEM_CALL::FSTATAT)
                    ? -1
                    : original<int(int, const char*, struct stat*, int)>("fstatat")(directory, path, result, flags);
+    }
+
+    ssize_t getrandom(void* buffer, size_t size, unsigned int flags)
+    {
+        if (!random_bytes_are_zero)
+            return original<ssize_t(void*, size_t, unsigned int)>("getrandom")(buffer, size, flags);
+        std::memset(buffer, 0, size);
+        return static_cast<ssize_t>(size);
     }
 
     int openat(int directory, const char* path, int flags, ...)

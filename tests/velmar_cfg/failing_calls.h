@@ -53,4 +53,14 @@ private:
     int seen = 0;
 };
 
+// While it lives, the calling thread gets zeros as random bytes.
+class ZERO_RANDOM_BYTES
+{
+public:
+    ZERO_RANDOM_BYTES();
+    ~ZERO_RANDOM_BYTES();
+    ZERO_RANDOM_BYTES(const ZERO_RANDOM_BYTES&) = delete;
+    ZERO_RANDOM_BYTES& operator=(const ZERO_RANDOM_BYTES&) = delete;
+};
+
 #endif

@@ -239,6 +239,38 @@ TEST(JSON_TOKENS_TABLE, accepts_and_refuses_what_the_grammar_does)
         expect_same(text);
 }
 
+// A part of the document that ends in blanks leaves those of a longer part before it in the buffer.
+TEST(JSON_TOKENS_TABLE, reads_no_blank_behind_the_bytes_that_it_got)
+{
+    class PARTS_SOURCE : public BYTE_SOURCE
+    {
+    public:
+        explicit PARTS_SOURCE(std::vector<std::string> the_parts) : parts(std::move(the_parts)) {}
+
+        std::size_t read(char* to, std::size_t /*room*/) override
+        {
+            if (next == parts.size())
+                return 0;
+            const std::string& part = parts[next++];
+            std::ranges::copy(part, to);
+            return part.size();
+        }
+
+    private:
+        const std::vector<std::string> parts;
+        std::size_t next = 0;
+    };
+    for (std::size_t blanks = 1; blanks <= 17; ++blanks)
+    {
+        PARTS_SOURCE source({"[" + std::string(40, ' '), std::string(blanks, ' '), "1]"});
+        JSON_TOKENS tokens(source);
+        EXPECT_EQ(tokens.next(), JSON_TOKEN::BEGIN_LIST);
+        EXPECT_EQ(tokens.next(), JSON_TOKEN::NATURAL) << blanks;
+        EXPECT_EQ(tokens.next(), JSON_TOKEN::END_LIST) << blanks;
+        EXPECT_EQ(tokens.next(), JSON_TOKEN::END_OF_DOCUMENT) << blanks;
+    }
+}
+
 TEST(JSON_TOKENS_TABLE, reads_a_text_that_is_longer_than_a_buffer)
 {
     for (const std::size_t size : std::initializer_list<std::size_t>{262'140, 262'143, 262'144, 262'145, 800'000})

@@ -71,6 +71,15 @@ TEST_F(SET, changes_one_value_and_says_nothing)
     EXPECT_THAT(names_in("project"), testing::ElementsAre("velmar.ini"));
 }
 
+TEST_F(SET, paints_the_difference_of_a_dry_run)
+{
+    write_settings("a = 1\nb = 2\n");
+    EXPECT_EQ(
+        run_in_project({"--color", "always", "set", "a", "2", "--dry-run"}).out,
+        "\x1b[31m--- " + full_path() + "\x1b[0m\n\x1b[32m+++ " + full_path() +
+            " (new)\x1b[0m\n\x1b[2m@@ -1,2 +1,2 @@\x1b[0m\n\x1b[31m-a = 1\x1b[0m\n\x1b[32m+a = 2\x1b[0m\n b = 2\n");
+}
+
 TEST_F(SET, takes_the_file_of_the_current_directory_without_a_project)
 {
     write_file("velmar.ini", "a = 1\n");

@@ -85,6 +85,27 @@ TEST_F(STAGED_FILE_TEST, replaces_and_leaves_nothing_else)
     EXPECT_THAT(names_in("user"), ElementsAre("file"));
 }
 
+// Somebody who guessed the name of the new file would have another file written to.
+TEST_F(STAGED_FILE_TEST, follows_no_link_and_opens_no_file_in_the_place_of_the_new_one)
+{
+    const std::string guessed = "user/file.velmar-cfg-000000000000.tmp";
+    write_file("user/victim", "precious\n");
+    const ZERO_RANDOM_BYTES zeros;
+    for (const char* const aim : {"victim", "nowhere"})
+    {
+        std::filesystem::create_symlink(aim, guessed);
+        EXPECT_THAT(replace(), HasSubstr("File exists"));
+        std::filesystem::remove(guessed);
+    }
+    std::filesystem::create_hard_link("user/victim", guessed);
+    EXPECT_THAT(replace(), HasSubstr("File exists"));
+    EXPECT_EQ(read_file("user/victim"), "precious\n");
+    EXPECT_EQ(read_file(file), "old\n");
+    EXPECT_FALSE(std::filesystem::exists("user/nowhere"));
+    std::filesystem::remove(guessed);
+    EXPECT_EQ(replace(), "replaced");
+}
+
 TEST_F(STAGED_FILE_TEST, makes_a_file_by_the_mask)
 {
     std::filesystem::remove(file);

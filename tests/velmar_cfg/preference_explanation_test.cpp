@@ -131,6 +131,8 @@ INSTANTIATE_TEST_SUITE_P(
         EXPLAINED{"so without the running release's section", HDL_PREFERENCE,
                   "[General 23.4_proHDL]\n_PREFERENCE =\n[General 23.3_pro]\nHDL_PREFERENCE = KHDL\n",
                   "2 empty-value; 4 running-release of 2", "Verilog"},
+        EXPLAINED{"so without any section", HDL_PREFERENCE, "[] \nGeneral 23.4_proHDL_PREFERENCE = VHDL\n", "",
+                  "Verilog"},
         EXPLAINED{"another key", HDL_PREFERENCE, "[General 23.4_pro]\nMANAGED_FLOW_HDL_PREFERENCE = VHDL\n", "",
                   "Verilog"}));
 

@@ -176,13 +176,23 @@ TEST_F(PREFS_LOAD, names_lines_that_say_nothing_and_sets_the_others)
 }
 
 // What a value is read from all the same is no reason to complain.
-TEST_F(PREFS_LOAD, is_silent_about_lines_that_count)
+TEST_F(PREFS_LOAD, is_silent_about_lines_from_which_values_are_read)
 {
-    write_preferences("");
-    write_file("given", "[General 23.4_pro]\nBeep when process done = off\n[general 23.4_pro]\n");
-    EXPECT_EQ(run({"prefs", "load", "given"}).err.find("old-name"), std::string::npos);
-    write_file("given", "[General 23.4_pro]\nBeep when process done = off\n");
-    EXPECT_EQ(run({"prefs", "load", "given"}), (TOOL_RUN{0, "", ""}));
+    const std::string running =
+        "[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n[Messages 23.4_pro]\nSHOW_MESSAGE_ID = off\n";
+    for (const char* const others :
+         {"[General 23.4_pro]\nBeep when process done = off\n", "[Messages 23.3_pro]\nSHOW_MESSAGE_ID = 1\n",
+          "[General 23.3_pro]\nUSER_LIBRARIES = \"\"/x\"\"\n"})
+    {
+        write_preferences("");
+        write_file("given", running + others);
+        EXPECT_EQ(run({"prefs", "load", "given"}), (TOOL_RUN{0, "", ""})) << others;
+    }
+    write_file("given", running + "[GENERAL 23.4_pro]\nx = y\n");
+    const TOOL_RUN loaded = run({"prefs", "load", "given"});
+    EXPECT_EQ(loaded.exit_code, 1);
+    EXPECT_THAT(loaded.err, HasSubstr("[unknown-section]\n"));
+    EXPECT_EQ(loaded.err.find("merged-section"), std::string::npos) << "that is for a save of it";
 }
 
 TEST_F(PREFS_LOAD, of_many_lines_that_say_nothing_names_the_first)

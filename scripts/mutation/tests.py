@@ -16,7 +16,7 @@ KILLED_BY = [
     ("platform/thr/", ["platform_tests", "variable_store_thread_tests", "variable_store_fork_tests", "variable_store_tests"]),
     ("platform/", ["platform_tests", "variable_store_tests", "preference_store_tests"]),
     ("cfg_run_report/", ["cfg_run_report_tests"]),
-    ("tools/velmar-cfg/", ["velmar_cfg_model_tests", "velmar_cfg_tests",
+    ("tools/velmar-cfg/", ["velmar_cfg_model_tests", "velmar_cfg_tests", "velmar_cfg_states_tests",
                            "velmar_cfg_documentation_tests"]),
 ]
 
@@ -38,6 +38,7 @@ NOT_RUN = {
 RUNS = {
     "platform_tests": ["bin/print_paths"],
     "velmar_cfg_tests": ["bin/velmar-cfg"],
+    "velmar_cfg_states_tests": ["bin/velmar-cfg"],
     "velmar_cfg_documentation_tests": ["bin/velmar-cfg"],
 }
 

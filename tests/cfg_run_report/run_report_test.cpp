@@ -8,6 +8,7 @@
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "cfg_ini/cfg_ini.h"
@@ -163,6 +164,16 @@ TEST_F(RUN_REPORT, TheStartIsThatOfTheProcess)
     const double told = seconds_ago(circumstances_of_this_run().started.value());
     EXPECT_GE(told, 0);
     EXPECT_GE(told + 3, by_proc) << "/proc shows the process no earlier than it was";
+
+    const std::time_t before = std::time(nullptr);
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(seconds_ago(circumstances_of_this_run().started.value()) <= std::difftime(std::time(nullptr), before) + 2
+                  ? 0
+                  : 1);
+    int ended = 0;
+    ASSERT_EQ(waitpid(child, &ended, 0), child);
+    EXPECT_EQ(ended, 0) << "a process that starts now is told to be older";
 }
 
 TEST_F(RUN_REPORT, TimesAreUtc)

@@ -19,6 +19,20 @@ struct READER
     std::vector<std::string> command;
     std::string title;
     std::string accepted;
+    bool takes_any = false; // documents of every kind
+
+    std::string kinds() const
+    {
+        return takes_any ? "snapshot or run report" : title;
+    }
+
+    std::string makers() const
+    {
+        const std::string of_reports = "a host's cfg_write_run_report";
+        return takes_any             ? "velmar-cfg snapshot or " + of_reports
+               : title == "snapshot" ? "velmar-cfg snapshot"
+                                     : of_reports;
+    }
 };
 
 void PrintTo(const READER& reader, std::ostream* stream)
@@ -169,9 +183,7 @@ TEST_P(BAD_DOCUMENT, no_json_at_all)
     EXPECT_EQ(read_bytes("x"),
               (TOOL_RUN{3, "",
                         "velmar-cfg: bad.json: no well-formed JSON, from line 1, column 1 on; give a " +
-                            GetParam().title + " as " +
-                            (GetParam().title == "snapshot" ? "velmar-cfg snapshot" : "a host's cfg_write_run_report") +
-                            " writes it\n"}));
+                            GetParam().kinds() + " as " + GetParam().makers() + " writes it\n"}));
     expect_refused("", "nothing");
     expect_refused(std::string(1 << 20, 'x'), "a line of a megabyte");
     expect_refused(std::string("\x7f"
@@ -186,7 +198,7 @@ TEST_P(BAD_DOCUMENT, no_json_at_all)
 TEST_P(BAD_DOCUMENT, json_of_another_kind)
 {
     for (const char* const text : {"{}", "[]", "null", "7", "\"velmar-snapshot\"", R"({"schema": "other"})"})
-        EXPECT_THAT(read_bytes(text).err, HasSubstr("bad.json: is no " + GetParam().title + "; give one that "))
+        EXPECT_THAT(read_bytes(text).err, HasSubstr("bad.json: is no " + GetParam().kinds() + "; give one that "))
             << text;
 }
 
@@ -261,8 +273,11 @@ TEST_P(BAD_DOCUMENT, any_member_missing)
 
 INSTANTIATE_TEST_SUITE_P(
     documents, BAD_DOCUMENT,
-    testing::Values(READER{{"diff"}, "snapshot", accepted_snapshot},
-                    READER{{"diff", "good.json"}, "snapshot", accepted_snapshot},
+    testing::Values(READER{{"diff"}, "snapshot", accepted_snapshot, true},
+                    READER{{"diff", "good.json"}, "snapshot", accepted_snapshot, true},
+                    READER{{"diff", "good.json"}, "run report", accepted_report, true},
+                    READER{{"list", "--of"}, "snapshot", accepted_snapshot, true},
+                    READER{{"list", "--of"}, "run report", accepted_report, true},
                     READER{{"run-report"}, "run report", accepted_report},
                     READER{{"run-report", "--merge"}, "run report", accepted_report},
                     READER{{"diff", "good.json", "good.json", "--used"}, "run report", accepted_report}));

@@ -33,13 +33,14 @@ TEST_F(COMMAND_LINE, no_command_is_a_usage_error)
 
 TEST_F(COMMAND_LINE, a_missing_argument_names_the_help_of_the_command)
 {
-    EXPECT_EQ(run({"get"}), (TOOL_RUN{2, "", "velmar-cfg: NAME is required; see velmar-cfg get --help\n"}));
+    EXPECT_EQ(run({"explain"}), (TOOL_RUN{2, "", "velmar-cfg: NAME is required; see velmar-cfg explain --help\n"}));
+    EXPECT_EQ(run({"get"}), (TOOL_RUN{2, "", "velmar-cfg: NAME or --stdin is required; see velmar-cfg get --help\n"}));
 }
 
 TEST_F(COMMAND_LINE, unknown_options_and_surplus_arguments_are_usage_errors)
 {
     EXPECT_EQ(run({"list", "--frobnicate"}).exit_code, 2);
-    EXPECT_EQ(run({"get", "a", "b"}).exit_code, 2);
+    EXPECT_EQ(run({"explain", "a", "b"}).exit_code, 2);
     EXPECT_EQ(run({"list", "--color", "sometimes"}).exit_code, 2);
 }
 
@@ -68,8 +69,8 @@ TEST_F(COMMAND_LINE, an_unknown_option_is_told_with_what_may_be_meant)
          "there is no option '-name'; put -- before an argument that begins with \"-\"; see velmar-cfg get"},
         {{"prefs", "set", "USER_LIBRARIES", "-x"},
          "there is no option '-x'; put -- before an argument that begins with \"-\"; see velmar-cfg prefs set"},
-        {{"get", "a", "b"}, "The following argument was not expected: b; see velmar-cfg get"},
-        {{"get", "a", "-"}, "The following argument was not expected: -; see velmar-cfg get"},
+        {{"explain", "a", "b"}, "The following argument was not expected: b; see velmar-cfg explain"},
+        {{"explain", "a", "-"}, "The following argument was not expected: -; see velmar-cfg explain"},
         {{"prefs", "lst"}, "there is no command 'lst', did you mean 'list'?; see velmar-cfg prefs"},
         {{"help", "prefs", "lst"}, "there is no command 'lst', did you mean 'list'?; see velmar-cfg prefs"},
     };

@@ -73,10 +73,11 @@ protected:
 TEST_F(COMPLETION, offers_the_commands)
 {
     EXPECT_THAT(in_bash({"velmar-cfg", ""}),
-                UnorderedElementsAre("get", "list", "explain", "paths", "lint", "set", "unset", "prefs", "run-report",
-                                     "snapshot", "diff", "help"));
-    EXPECT_THAT(in_bash({"velmar-cfg", "--regtest", "--project", "get", "l"}), UnorderedElementsAre("list", "lint"));
-    EXPECT_THAT(in_bash({"velmar-cfg", "help", "l"}), UnorderedElementsAre("list", "lint"));
+                UnorderedElementsAre("get", "list", "explain", "layers", "paths", "lint", "set", "unset", "prefs",
+                                     "run-report", "snapshot", "diff", "help"));
+    EXPECT_THAT(in_bash({"velmar-cfg", "--regtest", "--project", "get", "l"}),
+                UnorderedElementsAre("list", "layers", "lint"));
+    EXPECT_THAT(in_bash({"velmar-cfg", "help", "l"}), UnorderedElementsAre("list", "layers", "lint"));
     EXPECT_THAT(in_bash({"velmar-cfg", "help", "prefs", "p"}), UnorderedElementsAre("path"));
     EXPECT_THAT(in_bash({"velmar-cfg", "prefs", ""}), UnorderedElementsAre("list", "get", "set", "reset", "describe",
                                                                            "explain", "dump", "load", "lint", "path"));
@@ -85,8 +86,9 @@ TEST_F(COMPLETION, offers_the_commands)
 TEST_F(COMPLETION, offers_the_options_of_the_command_and_those_of_all)
 {
     EXPECT_THAT(in_bash({"velmar-cfg", "list", "--"}),
-                UnorderedElementsAre("--show-origin", "--external", "--help", "--project", "--regtest", "--root",
-                                     "--json", "--color", "--version", "--secret", "--with-secrets"));
+                UnorderedElementsAre("--show-origin", "--external", "--all", "--changed", "--read", "--of", "--with",
+                                     "--without", "--help", "--project", "--regtest", "--root", "--json", "--color",
+                                     "--version", "--secret", "--with-secrets"));
     EXPECT_THAT(in_bash({"velmar-cfg", "prefs", "set", "K", "-"}), Contains("--dry-run"));
     EXPECT_THAT(in_bash({"velmar-cfg", "snapshot", "-"}), Contains("-o"));
     EXPECT_THAT(in_bash({"velmar-cfg", "list", "--", "--"}), IsEmpty());
@@ -96,6 +98,8 @@ TEST_F(COMPLETION, offers_the_words_that_an_option_takes)
 {
     EXPECT_THAT(in_bash({"velmar-cfg", "get", "--type", ""}),
                 UnorderedElementsAre("bool", "int", "uint", "double", "text"));
+    EXPECT_THAT(in_bash({"velmar-cfg", "diff", "a", "--only", ""}),
+                UnorderedElementsAre("installation", "environment", "files", "variables", "preferences"));
     // Bash takes "--color=a" for three words.
     EXPECT_THAT(in_bash({"velmar-cfg", "list", "--color", "=", "a"}), UnorderedElementsAre("auto", "always"));
     EXPECT_THAT(in_bash({"velmar-cfg", "list", "--color", "="}), UnorderedElementsAre("auto", "always", "never"));
@@ -107,6 +111,8 @@ TEST_F(COMPLETION, offers_the_words_that_an_option_takes)
 TEST_F(COMPLETION, offers_the_variables_of_the_catalogue_in_any_letter_case)
 {
     EXPECT_THAT(in_bash({"velmar-cfg", "get", "MSG_S"}), ElementsAre("msg_sqlite"));
+    EXPECT_THAT(in_bash({"velmar-cfg", "get", "a", "b", "MSG_S"}), ElementsAre("msg_sqlite"));
+    EXPECT_THAT(in_bash({"velmar-cfg", "list", "--without", "MSG_S"}), ElementsAre("msg_sqlite"));
     EXPECT_THAT(in_bash({"velmar-cfg", "explain", "--json", "debug_"}),
                 UnorderedElementsAre("debug_msg", "debug_msg_level"));
     EXPECT_THAT(in_bash({"velmar-cfg", "list", "zan"}), ElementsAre("zanth_flow"));
@@ -138,6 +144,7 @@ TEST_F(COMPLETION, offers_files_and_directories)
     EXPECT_THAT(in_bash({"velmar-cfg", "--project", "de"}), ElementsAre("designs"));
     EXPECT_THAT(in_bash({"velmar-cfg", "lint", "x", "de"}), UnorderedElementsAre("decoy", "designs"));
     EXPECT_THAT(in_bash({"velmar-cfg", "prefs", "load", "de"}), UnorderedElementsAre("decoy", "designs"));
+    EXPECT_THAT(in_bash({"velmar-cfg", "explain", "--of", "de"}), UnorderedElementsAre("decoy", "designs"));
     EXPECT_THAT(in_bash({"velmar-cfg", "diff", "de"}), UnorderedElementsAre("decoy", "designs"));
     EXPECT_THAT(in_bash({"velmar-cfg", "diff", "a", "b", "--used", "dec"}), ElementsAre("decoy"));
     EXPECT_THAT(in_bash({"velmar-cfg", "snapshot", "--output", "=", "dec"}), ElementsAre("decoy"));

@@ -5,6 +5,7 @@ namespace
 using nlohmann::ordered_json;
 using testing::AllOf;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 constexpr const char* monday = R"({
@@ -166,6 +167,7 @@ TEST_F(DIFF, writes_json)
                                                               {"a", a.at("variables").at(3)},
                                                               {"b", b.at("variables").at(2)},
                                                               {"made_by", "inline"},
+                                                              {"same_in_every_type", false},
                                                               {"dependence", nullptr}}));
     EXPECT_EQ(document.at("variables").at(0).at("b"), nullptr);
     EXPECT_EQ(document.at("preferences"), (nlohmann::json::array({{{"key", "HDL_PREFERENCE"},
@@ -216,6 +218,49 @@ TEST_F(DIFF, tells_readings_of_another_release_apart)
     const TOOL_RUN got = run({"diff", "monday.json", "other.json"});
     EXPECT_EQ(got.exit_code, 1);
     EXPECT_THAT(got.out, HasSubstr("\n  Effort, by the release, which reads it otherwise\n"));
+}
+
+TEST_F(DIFF, says_where_two_texts_read_the_same)
+{
+    write_file("cpu/velmar.ini", "number = 12\nswitch = on\ntext = a\n");
+    write_file("gpu/velmar.ini", "number = 012\nswitch = TRUE\ntext = b\n");
+    const std::string got = run({"diff", "cpu", "gpu", "--only", "variables"}).out;
+    EXPECT_THAT(got, HasSubstr("\n  number, by main settings file; reads the same in every type but text\n"));
+    EXPECT_THAT(got, HasSubstr("\n  switch, by main settings file; reads the same in every type but text\n"));
+    EXPECT_THAT(got, HasSubstr("\n  text, by main settings file\n"));
+}
+
+TEST_F(DIFF, is_narrowed_by_names_and_sections)
+{
+    const TOOL_RUN some = run({"diff", "monday.json", "tuesday.json", "--only", "files", "--only", "environment"});
+    EXPECT_EQ(some.exit_code, 1);
+    EXPECT_THAT(some.out, AllOf(HasSubstr("\nEnvironment\n"), HasSubstr("\nFiles\n"), Not(HasSubstr("Variables")),
+                                Not(HasSubstr("Preferences")), Not(HasSubstr("Installation"))));
+    EXPECT_EQ(run({"diff", "monday.json", "tuesday.json", "--only", "variables", "--ignore", "MAX_*", "--ignore",
+                   "seed", "--ignore=gone"}),
+              (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(run({"diff", "monday.json", "tuesday.json", "--only", "colours"}).exit_code, 2);
+    EXPECT_EQ(run({"diff", "monday.json", "tuesday.json", "--ignore", "*", "--json"}).json().at("same"), true);
+}
+
+TEST_F(DIFF, compares_with_what_a_run_had)
+{
+    EXPECT_EQ(run({"diff", "run.json", "tuesday.json"}),
+              (TOOL_RUN{1, R"(A  run.json (as run nightly had it (run.json, release 23.4))
+B  tuesday.json (velmar 23.4, project cpu, regression test)
+
+Variables
+  Max_Fanout, by unknown source
+    A  12
+    B  16  at VELMAR_INI_VARS:2 (environment, external)
+)",
+                        ""}));
+    const nlohmann::json document = run({"diff", "tuesday.json", "run.json", "--json"}).json();
+    EXPECT_EQ(document.at("variables").size(), 1U);
+    EXPECT_EQ(document.at("variables").at(0).at("made_by"), "unknown");
+    EXPECT_EQ(document.at("b").at("view"), "as run nightly had it (run.json, release 23.4)");
+    EXPECT_EQ(document.at("b").at("product"), nullptr);
+    EXPECT_EQ(run({"diff", "run.json", "run.json"}), (TOOL_RUN{0, "", ""}));
 }
 
 TEST_F(DIFF, paints_the_sides)

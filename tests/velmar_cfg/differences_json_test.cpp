@@ -78,10 +78,10 @@ TEST(DIFFERENCES_JSON, has_a_row_for_each_difference)
         R"("item":null,"layers":["main"],"readings":{"bool":true,"int":1,"uint":1,"double":1.0,"double_whole":true}},)"
         R"("b":{"name":"FAN","value":"2","external":true,"layer":"inline","file":null,"line":null,"item":1,)"
         R"("layers":["main","inline"],"readings":{"bool":null,"int":2,"uint":2,"double":2.0,"double_whole":true}},)"
-        R"("made_by":"inline","dependence":null},)"
+        R"("made_by":"inline","same_in_every_type":false,"dependence":null},)"
         R"({"name":"gone","a":{"name":"gone","value":"x","external":true,"layer":"main","file":"main","line":1,)"
         R"("item":null,"layers":["main"],"readings":{"bool":null,"int":null,"uint":null,"double":0.0,)"
-        R"("double_whole":false}},"b":null,"made_by":"main","dependence":null}])");
+        R"("double_whole":false}},"b":null,"made_by":"main","same_in_every_type":false,"dependence":null}])");
     EXPECT_EQ(member_of(json, "preferences"),
               R"([{"key":"HDL_PREFERENCE","a":{"key":"HDL_PREFERENCE","value":"VHDL","default":"Verilog",)"
               R"("source":"older release","section":"General 23.3_pro","release":"23.3"},)"

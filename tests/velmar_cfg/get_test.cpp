@@ -281,6 +281,40 @@ TEST_F(GET, reads_the_variable_of_empty_name)
     EXPECT_EQ(run({"get", ""}), (TOOL_RUN{0, "5\n", ""}));
 }
 
+TEST_F(GET, prints_pairs_for_several_names)
+{
+    using namespace std::string_literals;
+    write_file("project/velmar.ini", "a=1\nb=two\x1b\nempty=\n");
+    const std::string not_set = "velmar-cfg: 'c' is not set\n";
+    EXPECT_EQ(run({"get", "B", "a", "--project", "project"}), (TOOL_RUN{0, "B=two\\x1b\na=1\n", ""}));
+    EXPECT_EQ(run({"get", "a", "c", "b", "--project", "project"}), (TOOL_RUN{1, "a=1\nc\nb=two\\x1b\n", not_set}));
+    EXPECT_EQ(run({"get", "a", "c", "b", "--project", "project", "-z"}),
+              (TOOL_RUN{1, "a=1\0c\0b=two\x1b\0"s, not_set}));
+    EXPECT_EQ(run({"get", "a", "c", "--default", "x", "--project", "project"}), (TOOL_RUN{0, "a=1\nc=x\n", ""}));
+    EXPECT_EQ(run({"get", "a", "a", "--type", "bool", "--project", "project"}).out, "a=on\na=on\n");
+    const nlohmann::json rows = run({"get", "a", "c", "--project", "project", "--json"}).json();
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_EQ(rows.at(0), run({"get", "a", "--project", "project", "--json"}).json());
+    EXPECT_EQ(rows.at(1).at("value"), nullptr);
+}
+
+TEST_F(GET, reads_names_from_standard_input)
+{
+    using namespace std::string_literals;
+    write_file("project/velmar.ini", "a=1\n b c =2\n");
+    write_file("names", "a\nBC\na");
+    standard_input = temporary.path("cwd/names");
+    EXPECT_EQ(run({"get", "--stdin", "--project", "project"}), (TOOL_RUN{0, "a=1\nBC=2\na=1\n", ""}));
+    write_file("names", "a\n");
+    EXPECT_EQ(run({"get", "--stdin", "--project", "project"}).out, "a=1\n"); // also of one
+    EXPECT_EQ(run({"get", "--stdin", "--project", "project", "--json"}).json().size(), 1U);
+    write_file("names", "bc\0a\0"s);
+    EXPECT_EQ(run({"get", "--stdin", "-z", "--project", "project"}).out, "bc=2\0a=1\0"s);
+    write_file("names", "");
+    EXPECT_EQ(run({"get", "--stdin", "--project", "project"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(run({"get", "a", "--stdin"}), (TOOL_RUN{2, "", "velmar-cfg: --stdin and names exclude each other\n"}));
+}
+
 TEST_F(GET, ends_the_value_with_a_zero_byte_on_request)
 {
     write_file("velmar.ini", "a=1\n");

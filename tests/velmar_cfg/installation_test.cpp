@@ -1,5 +1,5 @@
 // The installation that the tool looks at: the tree that was named, and the places of the search in it. Each in a
-// process of its own, since a root holds until the end.
+// process of its own, since other tests rely on the default one.
 #include "tools/velmar-cfg/settings/installation.h"
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ class INSTALLATION_ROOT : public ISOLATED_TEST
 
 void expect_paths(const std::string& root, const std::string& module, const std::string& installation)
 {
-    set_installation_root(root);
+    set_installation(installation_of_root(root));
     EXPECT_EQ(gen_get_module_path(), module) << root;
     EXPECT_EQ(gen_get_velmar_path(), installation) << root;
 }
@@ -39,7 +39,7 @@ TEST_F(INSTALLATION_ROOT, is_where_the_search_ends)
 {
     EXPECT_IN_FRESH_PROCESS({
         write_file("root/bin/velmar.ini", "a=1\n");
-        set_installation_root("root");
+        set_installation(installation_of_root("root"));
         EXPECT_EQ(settings_file_of("", false), "root/bin/velmar.ini");
         const std::vector<FILE_CANDIDATE> candidates = settings_candidates({}, false);
         EXPECT_EQ(candidates.size(), 6U);

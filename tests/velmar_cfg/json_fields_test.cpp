@@ -87,7 +87,8 @@ struct DOCUMENT
 
 const DOCUMENT documents[] = {
     {"get", {{"get", "max_fanout"}}},
-    {"list", {{"list"}}},
+    {"list", {{"list", "--all"}, {"list", "--read", "--of", "run.json"}}},
+    {"layers", {{"layers"}}},
     {"explain", {{"explain", "max_fanout"}}},
     {"paths", {{"paths"}}},
     {"lint", {{"lint"}, {"prefs", "lint"}}},
@@ -95,7 +96,8 @@ const DOCUMENT documents[] = {
     {"lint --fix --dry-run", {{"lint", "--fix", "--dry-run"}}},
     {"set", {{"set", "max_fanout", "9", "--dry-run"}, {"unset", "max_fanout", "--dry-run"}}},
     {"snapshot", {{"snapshot"}}},
-    {"diff", {{"diff", "before.json"}, {"diff", "other", "--used", "run.json"}}},
+    {"diff",
+     {{"diff", "before.json"}, {"diff", "other", "--used", "run.json"}, {"diff", "other", "--with", "max_fanout=9"}}},
     {"run-report", {{"run-report", "run.json"}}},
     {"run-report --merge", {{"run-report", "--merge", "run.json"}}},
     {"run-report --merge --switch", {{"run-report", "--merge", "run.json", "--switch", "max_fanout"}}},
@@ -153,7 +155,9 @@ TEST_F(JSON_FIELDS, are_those_of_the_manual_page)
         NAMES written;
         for (ARGUMENTS arguments : document.commands)
         {
-            arguments.insert(arguments.end(), {"--json", "--project", "project"});
+            arguments.emplace_back("--json");
+            if (std::ranges::count(arguments, "--of") == 0)
+                arguments.insert(arguments.end(), {"--project", "project"});
             add_members(run(arguments).json(), written);
         }
         EXPECT_EQ(missing(written, listed[document.title]), NAMES()) << "not on the page of " << document.title;

@@ -22,6 +22,9 @@ constexpr LAYER_KIND main_file = LAYER_KIND::MAIN_FILE;
 constexpr LAYER_KIND appended = LAYER_KIND::APPENDED_FILE;
 constexpr LAYER_KIND inline_text = LAYER_KIND::INLINE_TEXT;
 constexpr LAYER_KIND regtest = LAYER_KIND::REGTEST_FILE;
+constexpr LAYER_KIND program = LAYER_KIND::PROGRAM;
+constexpr LAYER_KIND what_if = LAYER_KIND::WHAT_IF;
+constexpr LAYER_KIND unknown = LAYER_KIND::UNKNOWN;
 
 LAYER layer_with(LAYER_KIND kind, const std::string& text)
 {
@@ -41,10 +44,10 @@ TEST(LAYER_KINDS, have_codes_and_titles)
         bool is_file;
     };
     const ROW rows[] = {
-        {main_file, "main", "main settings file", true},
-        {appended, "appended", "file of APPENDED_VELMAR_INI", true},
-        {inline_text, "inline", "environment", false},
-        {regtest, "regtest", "regression-test file", true},
+        {main_file, "main", "main settings file", true}, {appended, "appended", "file of APPENDED_VELMAR_INI", true},
+        {inline_text, "inline", "environment", false},   {regtest, "regtest", "regression-test file", true},
+        {program, "program", "program", false},          {what_if, "what-if", "what if", false},
+        {unknown, "unknown", "unknown source", false},
     };
     std::vector<LAYER_KIND> in_order;
     for (const ROW& row : rows)
@@ -63,7 +66,7 @@ TEST(LAYER_KINDS, have_codes_and_titles)
 // A variable is external by the main file and by the environment, whatever else assigns to it.
 TEST(LAYER_KINDS, that_mark_a_variable_external)
 {
-    for (unsigned int bits = 0; bits < 16; ++bits)
+    for (unsigned int bits = 0; bits < 1U << std::size(all_layer_kinds); ++bits)
     {
         LAYER_SET set;
         for (const LAYER_KIND kind : all_layer_kinds)
@@ -92,11 +95,16 @@ TEST(LOCATIONS, are_fields_of_a_line_or_of_an_item)
     };
     const LOCATION line{appended, "a.ini", 12};
     const LOCATION item{inline_text, inline_source, 2};
+    const LOCATION nowhere{unknown, "", 0};
     EXPECT_EQ(json_of(&line), R"({"layer":"appended","file":"a.ini","line":12,"item":null})");
     EXPECT_EQ(json_of(&item), R"({"layer":"inline","file":null,"line":null,"item":2})");
+    EXPECT_EQ(json_of(&nowhere), R"({"layer":"unknown","file":null,"line":null,"item":null})");
     EXPECT_EQ(json_of(nullptr), R"({"layer":null,"file":null,"line":null,"item":null})");
     EXPECT_EQ(location_as_text(line), "a.ini:12");
     EXPECT_EQ(location_as_text(item), "VELMAR_INI_VARS:2");
+    EXPECT_EQ(location_as_text(nowhere), "unknown");
+    EXPECT_EQ(location_as_text({program, "the program", 0}), "the program");
+    EXPECT_EQ(location_as_text({program, "a text", 3}), "a text:3");
 }
 
 // --- Statements ---

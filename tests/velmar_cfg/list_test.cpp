@@ -1,3 +1,10 @@
+#include <algorithm>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+
 #include "tests/velmar_cfg/tool_test.h"
 
 namespace
@@ -97,6 +104,110 @@ TEST_F(LIST, narrows_by_a_shell_pattern_in_any_letter_case)
     EXPECT_EQ(run({"list", "DEBUG_*"}), (TOOL_RUN{0, "Debug_Level=2\ndebug_msg=on\n", ""}));
     EXPECT_EQ(run({"list", "debug"}), (TOOL_RUN{0, "debug=0\n", ""}));
     EXPECT_EQ(run({"list", "nothing*"}), (TOOL_RUN{1, "", ""}));
+}
+
+TEST_F(LIST, shows_known_variables_that_are_not_set)
+{
+    write_file("velmar.ini", "MSG_sqlite=off\nother=1\n");
+    const std::string all = run({"list", "--all"}).out;
+    EXPECT_THAT(all, testing::StartsWith("MSG_sqlite=off\n"));
+    EXPECT_THAT(all, testing::HasSubstr("\ndebug_msg\tnot set\n"));
+    EXPECT_THAT(all, testing::HasSubstr("\nother=1\n"));
+    EXPECT_EQ(std::count(all.begin(), all.end(), '\n'), 42);
+    EXPECT_EQ(run({"list", "--all", "debug_msg", "-z"}).out, "debug_msg\0"s);
+    EXPECT_EQ(run({"list", "--all", "*msg_sqlite", "--json"}).json(), nlohmann::json::parse(R"([
+        {"name": "MSG_sqlite", "value": "off", "external": true, "layer": "main", "file": ")" +
+                                                                                            temporary.path("cwd") +
+                                                                                            R"(/velmar.ini",
+         "line": 1, "item": null, "default": "on"}])"));
+    EXPECT_EQ(run({"list", "--all", "debug_msg", "--json"}).json(), R"([
+        {"name": "debug_msg", "value": null, "external": false, "layer": null, "file": null, "line": null,
+         "item": null, "default": null}])"_json);
+    unlink("velmar.ini");
+    EXPECT_EQ(run({"list", "--all", "msg_sqlite"}).out, "msg_sqlite\tnot set, default on\n");
+}
+
+TEST_F(LIST, shows_what_differs_from_the_catalogues_default)
+{
+    write_file("velmar.ini", "msg_sqlite=1\nzanth_flow=maybe\nother=1\n");
+    EXPECT_EQ(run({"list", "--changed"}).out, "zanth_flow=maybe\n");
+    EXPECT_EQ(run({"list", "--changed", "msg*"}).exit_code, 1);
+}
+
+TEST_F(LIST, sorts_by_reads)
+{
+    write_file("run.json", R"({"schema": "velmar-run-report", "schema_version": 1, "run": "r", "release": "23.4",
+        "files": {"main": null, "appended": null, "regtest": null},
+        "read": [{"name": "a", "count": 1, "value": "12", "external": true, "used": true},
+                 {"name": "msg_sqlite", "count": 9, "value": null, "external": false, "used": false},
+                 {"name": "b", "count": 5, "value": "2", "external": false, "used": true}],
+        "external_never_read": [{"name": "c", "value": "1"}], "uncounted": ["d"]})");
+    const std::string view = "as run r had it (run.json, release 23.4)\n";
+    EXPECT_EQ(run({"list", "--read", "--of", "run.json"}).out,
+              view + "9\tmsg_sqlite\tno usable value\n5\tb=2\n1\ta=12\n0\tc=1\n");
+    EXPECT_EQ(run({"list", "--read", "--of", "run.json", "-z"}).out, "9\0msg_sqlite\0"
+                                                                     "5\0b=2\0"
+                                                                     "1\0a=12\0"
+                                                                     "0\0c=1\0"s);
+    EXPECT_EQ(run({"list", "a", "--read", "--of", "run.json", "--json"}).json(), R"([
+        {"name": "a", "value": "12", "external": true, "layer": "unknown", "file": null, "line": null, "item": null,
+         "reads": 1}])"_json);
+    EXPECT_EQ(run({"list", "--read", "--external", "--of", "run.json"}).out, view + "1\ta=12\n0\tc=1\n");
+}
+
+// What the tool writes to a terminal.
+class LIST_ON_TERMINAL : public LIST
+{
+protected:
+    LIST_ON_TERMINAL()
+    {
+        controller = posix_openpt(O_RDWR | O_NOCTTY);
+        EXPECT_TRUE(controller >= 0 && grantpt(controller) == 0 && unlockpt(controller) == 0);
+        terminal = open(ptsname(controller), O_RDWR | O_NOCTTY);
+        termios settings = {};
+        EXPECT_EQ(tcgetattr(terminal, &settings), 0);
+        cfmakeraw(&settings);
+        EXPECT_EQ(tcsetattr(terminal, TCSANOW, &settings), 0);
+    }
+
+    ~LIST_ON_TERMINAL() override
+    {
+        close(terminal);
+        close(controller);
+    }
+
+    std::string text_of(const std::vector<std::string>& arguments) const
+    {
+        const pid_t child = start(arguments, ptsname(controller));
+        int status = 0;
+        EXPECT_EQ(waitpid(child, &status, 0), child);
+        std::string text(4096, ' '); // what fits into the terminal's buffer
+        const ssize_t size = read(controller, text.data(), text.size());
+        return text.substr(0, static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+    }
+
+    int controller = -1;
+    int terminal = -1;
+};
+
+TEST_F(LIST_ON_TERMINAL, is_a_table)
+{
+    write_file("project/velmar.ini", "a = 1\nlong_name_\xc3\xa9 = two words\nempty =\n");
+    EXPECT_EQ(text_of({"list", "--project", "project"}), "NAME         VALUE      ORIGIN\n"
+                                                         "a            1          project/velmar.ini:1\n"
+                                                         "empty                   project/velmar.ini:3\n"
+                                                         "long_name_\xc3\xa9  two words  project/velmar.ini:2\n");
+    EXPECT_EQ(text_of({"list", "--project", "project", "a", "-z"}), "a=1\0"s);
+    write_file("project/velmar.ini", "msg_sqlite = off\n");
+    EXPECT_EQ(text_of({"list", "--project", "project", "--all", "*msg_s*"}),
+              "NAME        VALUE  DEFAULT  ORIGIN\nmsg_sqlite  off    on       project/velmar.ini:1\n");
+    EXPECT_EQ(text_of({"list", "--project", "project", "--all", "debug_msg"}), "NAME       VALUE    DEFAULT  ORIGIN\n"
+                                                                               "debug_msg  not set\n");
+    write_file("project/velmar.ini", "a = " + std::string(200, 'x') + "\n");
+    EXPECT_EQ(text_of({"list", "--project", "project"}), "NAME  VALUE" + std::string(100, ' ') + "ORIGIN\na     " +
+                                                             std::string(100, 'x') + "...  project/velmar.ini:1\n");
+    variables["TERM"] = "xterm";
+    EXPECT_THAT(text_of({"list", "--project", "project"}), testing::StartsWith("\x1b[1mNAME\x1b[0m"));
 }
 
 TEST_F(LIST, narrows_to_external_variables)

@@ -123,6 +123,11 @@ INSTANTIATE_TEST_SUITE_P(
             {"2:21 warning zero-byte: the text behind a zero byte is ignored, and a save drops it; remove "
              "the zero byte"}},
         PREFERENCE_FINDINGS{
+            "a zero byte before the equals sign",
+            section + set + "HDL_PREFERENCE\0 = VHDL\n"s,
+            {"3:1 error not-kept: a zero byte ends this line before the \"=\", and a save drops it; remove the zero "
+             "byte"}},
+        PREFERENCE_FINDINGS{
             "quotes within quotes",
             "[General 23.4_pro]\nUSER_LIBRARIES = \"\"/x\"\"\n",
             {"2:1 warning changed-value: a save keeps these quotes, and the load behind it removes them; "

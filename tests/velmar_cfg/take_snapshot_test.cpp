@@ -8,8 +8,9 @@
 #include "tests/velmar_cfg/snapshots.h"
 #include "tools/velmar-cfg/base/content_hash.h"
 #include "tools/velmar-cfg/base/errors.h"
-#include "tools/velmar-cfg/documents/named_snapshot.h"
 #include "tools/velmar-cfg/documents/snapshot_json.h"
+#include "tools/velmar-cfg/states/read_state.h"
+#include "tools/velmar-cfg/states/state_name.h"
 
 namespace
 {
@@ -152,18 +153,23 @@ TEST_F(TAKEN_SNAPSHOT, has_values_environment_and_preferences)
 
 // --- By name ---
 
+STATE state_named(const std::string& text, const SETTINGS_SCOPE& scope, INPUT_FILES& files)
+{
+    return read_state(state_name(text), {.snapshot = true}, scope, files);
+}
+
 TEST_F(TAKEN_SNAPSHOT, is_that_of_the_directory_which_a_user_names)
 {
     write_file("cpu/velmar.ini", "a=cpu\n");
     write_file("cpu/regtest.ini", "r=1\n");
     write_file("gpu/velmar.ini", "a=gpu\n");
     SETTINGS_SCOPE scope{"gpu", true};
-    const COMPARED_SNAPSHOT named = named_snapshot("cpu", scope, files);
-    EXPECT_EQ(named.title, "cpu");
-    EXPECT_EQ(named.snapshot.project, "cpu");
-    EXPECT_TRUE(named.snapshot.regtest); // as the scope says
-    ASSERT_EQ(named.snapshot.variables.size(), 2U);
-    EXPECT_EQ(named.snapshot.variables[0].value, "cpu");
+    const STATE named = state_named("cpu", scope, files);
+    EXPECT_EQ(named.name, "cpu");
+    EXPECT_EQ(named.snapshot->project, "cpu");
+    EXPECT_TRUE(named.snapshot->regtest); // as the scope says
+    ASSERT_EQ(named.snapshot->variables.size(), 2U);
+    EXPECT_EQ(named.snapshot->variables[0].value, "cpu");
     EXPECT_EQ(scope.project, "gpu");
 }
 
@@ -177,11 +183,11 @@ TEST_F(TAKEN_SNAPSHOT, is_read_where_a_user_names_a_file)
     write_json(out, take_snapshot(showing, files));
     out.finish();
     write_file("monday.json", sink.text);
-    const COMPARED_SNAPSHOT named = named_snapshot("monday.json", {}, files);
-    EXPECT_EQ(named.title, "monday.json");
-    ASSERT_EQ(named.snapshot.variables.size(), 2U);
-    EXPECT_EQ(with_hidden_parts_named(named.snapshot.variables[1].value), "\\(masked)");
-    EXPECT_EQ(named_snapshot("monday.json", showing, files).snapshot.variables[1].value, "abc");
+    const STATE named = state_named("monday.json", {}, files);
+    EXPECT_EQ(named.name, "monday.json");
+    ASSERT_EQ(named.snapshot->variables.size(), 2U);
+    EXPECT_EQ(with_hidden_parts_named(named.snapshot->variables[1].value), "\\(masked)");
+    EXPECT_EQ(state_named("monday.json", showing, files).snapshot->variables[1].value, "abc");
 }
 
 TEST_F(TAKEN_SNAPSHOT, is_refused_where_a_name_is_of_neither)
@@ -189,12 +195,12 @@ TEST_F(TAKEN_SNAPSHOT, is_refused_where_a_name_is_of_neither)
     write_file("velmar.ini", "a=1\n");
     for (const auto& [path, complaint] :
          {std::pair("nowhere", "nowhere: No such file or directory; check the path"),
-          {"velmar.ini", "velmar.ini: no well-formed JSON, from line 1, column 1 on; give a snapshot as velmar-cfg "
-                         "snapshot writes it"}})
+          {"velmar.ini", "velmar.ini: no well-formed JSON, from line 1, column 1 on; give a snapshot or run report "
+                         "as velmar-cfg snapshot or a host's cfg_write_run_report writes it"}})
     {
         try
         {
-            named_snapshot(path, {}, files);
+            state_named(path, {}, files);
             FAIL() << path;
         }
         catch (const TOOL_ERROR& error)

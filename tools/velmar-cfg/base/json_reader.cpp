@@ -196,15 +196,33 @@ std::optional<bool> JSON_NODE::truth_or_null() const
 
 // --- Documents ---
 
+namespace
+{
+// "snapshot or run report", of a member of the kinds.
+std::string either_of(const std::vector<DOCUMENT_FORMAT>& formats, const char* DOCUMENT_KIND::*member)
+{
+    std::string all;
+    for (const DOCUMENT_FORMAT& format : formats)
+        all += (all.empty() ? "" : " or ") + std::string(format.kind.*member);
+    return all;
+}
+}
+
 JSON_DOCUMENT::JSON_DOCUMENT(const std::string& path, const DOCUMENT_KIND& of_kind, const std::vector<JSON_ROWS>& lists)
-    : kind(of_kind), place{title_of_named_file(path)}
+    : JSON_DOCUMENT(path, {DOCUMENT_FORMAT{of_kind, lists}})
+{
+}
+
+JSON_DOCUMENT::JSON_DOCUMENT(const std::string& path, std::vector<DOCUMENT_FORMAT> possible_formats)
+    : formats(std::move(possible_formats)), place{title_of_named_file(path)}
 {
     NAMED_FILE file(path);
-    const std::string as_written = std::string("; give a ") + kind.title + " as " + kind.maker + " writes it";
+    const std::string as_written = "; give a " + either_of(formats, &DOCUMENT_KIND::title) + " as " +
+                                   either_of(formats, &DOCUMENT_KIND::maker) + " writes it";
     try
     {
         JSON_TOKENS tokens(file);
-        read(tokens, lists);
+        read(tokens);
     }
     catch (const JSON_ERROR& error)
     {
@@ -214,14 +232,14 @@ JSON_DOCUMENT::JSON_DOCUMENT(const std::string& path, const DOCUMENT_KIND& of_ki
                                         std::to_string(error.column) + " on" + as_written);
     }
     require_kind();
-    for (const JSON_ROWS& rows : lists)
+    for (const JSON_ROWS& rows : format().lists)
     {
         if (std::ranges::count(lists_read, rows.list) == 0)
             take_kept_rows(rows);
     }
 }
 
-void JSON_DOCUMENT::read(JSON_TOKENS& tokens, const std::vector<JSON_ROWS>& lists)
+void JSON_DOCUMENT::read(JSON_TOKENS& tokens)
 {
     if (const JSON_TOKEN first = tokens.next(); first != JSON_TOKEN::BEGIN_OBJECT)
     {
@@ -231,12 +249,13 @@ void JSON_DOCUMENT::read(JSON_TOKENS& tokens, const std::vector<JSON_ROWS>& list
     }
     document.begin_object();
     while (tokens.next() == JSON_TOKEN::KEY)
-        read_member(tokens, lists);
+        read_member(tokens);
     tokens.next();
 }
 
-void JSON_DOCUMENT::read_member(JSON_TOKENS& tokens, const std::vector<JSON_ROWS>& lists)
+void JSON_DOCUMENT::read_member(JSON_TOKENS& tokens)
 {
+    const std::vector<JSON_ROWS>& lists = format().lists;
     const std::string key(tokens.text());
     const JSON_TOKEN first = tokens.next();
     const auto rows = std::ranges::find_if(lists, [&key](const JSON_ROWS& candidate) { return key == candidate.list; });
@@ -270,15 +289,28 @@ void JSON_DOCUMENT::take_kept_rows(const JSON_ROWS& rows)
         rows.take(row);
 }
 
+// The one that the document says it has; the first while it says none of them.
+const DOCUMENT_FORMAT& JSON_DOCUMENT::format() const
+{
+    const std::optional<JSON_TREE::INDEX> schema = document.member(0, "schema");
+    const auto said = std::ranges::find_if(formats,
+                                           [&](const DOCUMENT_FORMAT& candidate) {
+                                               return schema && document.kind(*schema) == JSON_TOKEN::TEXT &&
+                                                      document.text(*schema) == candidate.kind.schema;
+                                           });
+    return said == formats.end() ? formats.front() : *said;
+}
+
 void JSON_DOCUMENT::require_kind() const
 {
+    const DOCUMENT_KIND& kind = format().kind;
     const std::optional<JSON_TREE::INDEX> schema = document.member(0, "schema");
     const std::optional<JSON_TREE::INDEX> version = document.member(0, "schema_version");
     const std::uint64_t number =
         version && document.kind(*version) == JSON_TOKEN::NATURAL ? document.natural(*version) : 0;
     if (!schema || document.kind(*schema) != JSON_TOKEN::TEXT || document.text(*schema) != kind.schema || number == 0)
-        throw_bad_input(place.file,
-                        std::string("is no ") + kind.title + "; give one that " + kind.maker + " has written");
+        throw_bad_input(place.file, "is no " + either_of(formats, &DOCUMENT_KIND::title) + "; give one that " +
+                                        either_of(formats, &DOCUMENT_KIND::maker) + " has written");
     if (number > static_cast<std::uint64_t>(kind.newest_version))
         throw_bad_input(place.file, std::string("is a ") + kind.title + " of version " + std::to_string(number) +
                                         ", and this velmar-cfg knows them up to version " +

@@ -90,16 +90,31 @@ struct JSON_ROWS
     std::function<void(const JSON_NODE& row)> take;
 };
 
+// What a file may be: a kind of document, and the lists of it that are taken row by row.
+struct DOCUMENT_FORMAT
+{
+    const DOCUMENT_KIND& kind;
+    std::vector<JSON_ROWS> lists;
+};
+
 // A document of a file.
 class JSON_DOCUMENT
 {
 public:
-    // Throws TOOL_ERROR(BAD_INPUT) for a file that cannot be read, is no JSON, is of another kind, or of a version that
-    // is newer than the kind's. The rows of those lists are taken in order while the document is read; the other
-    // members are kept. What stands before the kind and the version, which are the first members, is kept until it is
-    // known that there are such; where they come later, so are the lists.
+    // Throws TOOL_ERROR(BAD_INPUT) for a file that cannot be read, is no JSON, is of none of the kinds, of which there
+    // is one at least, or of a version that is newer than its kind's. The rows of the lists of its kind are taken in
+    // order while the document is read; the other members are kept. What stands before the kind and the version, which
+    // are the first members, is kept until it is known that there are such; where they come later, so are the lists.
+    JSON_DOCUMENT(const std::string& path, std::vector<DOCUMENT_FORMAT> possible_formats);
+
+    // The same for one kind.
     explicit JSON_DOCUMENT(const std::string& path, const DOCUMENT_KIND& of_kind,
                            const std::vector<JSON_ROWS>& lists = {});
+
+    const DOCUMENT_KIND& kind() const
+    {
+        return format().kind;
+    }
 
     JSON_NODE root() const
     {
@@ -107,13 +122,14 @@ public:
     }
 
 private:
-    void read(JSON_TOKENS& tokens, const std::vector<JSON_ROWS>& lists);
-    void read_member(JSON_TOKENS& tokens, const std::vector<JSON_ROWS>& lists);
+    void read(JSON_TOKENS& tokens);
+    void read_member(JSON_TOKENS& tokens);
     void read_rows(JSON_TOKENS& tokens, const JSON_ROWS& rows);
     void take_kept_rows(const JSON_ROWS& rows);
     void require_kind() const;
+    const DOCUMENT_FORMAT& format() const;
 
-    const DOCUMENT_KIND& kind;
+    std::vector<DOCUMENT_FORMAT> formats;
     JSON_PLACE place;
     JSON_TREE document;
     std::vector<std::string> lists_read;

@@ -47,7 +47,12 @@ const char* escape_sequence(STYLE style)
 
 void OUTPUT::choose_color(std::string_view choice)
 {
-    colored = choice == "always" || (choice == "auto" && isatty(descriptor) == 1 && environment_allows_color());
+    colored = choice == "always" || (choice == "auto" && is_terminal() && environment_allows_color());
+}
+
+bool OUTPUT::is_terminal() const
+{
+    return isatty(descriptor) == 1;
 }
 
 std::size_t OUTPUT::width() const

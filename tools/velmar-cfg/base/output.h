@@ -40,6 +40,8 @@ public:
     // `text` in that style; as it is when there is no colour.
     std::string painted(STYLE style, std::string text) const;
 
+    bool is_terminal() const;
+
     // The columns of a line: what COLUMNS says, or the terminal; 80 for neither.
     std::size_t width() const;
 

@@ -13,6 +13,27 @@ auto taking(std::optional<std::string>& value)
 
 // The parser is not to describe what the name says.
 constexpr const char* no_type = "";
+
+// The validator bears the words, separated by blanks, as its name, from which completion has them.
+CLI::Validator one_of(const std::vector<std::string>& choices)
+{
+    std::string words;
+    for (const std::string& choice : choices)
+        words += (words.empty() ? "" : " ") + choice;
+    CLI::Validator validator = CLI::IsMember(choices);
+    validator.description("");
+    validator.name(words);
+    return validator;
+}
+
+CLI::Option* add_repeated(CLI::App& app, const std::string& names, const std::string& value_name,
+                          std::function<void(const std::string&)> take, const std::string& description)
+{
+    return app.add_option_function<std::string>(names, std::move(take), description)
+        ->type_name(value_name)
+        ->trigger_on_parse()
+        ->allow_extra_args(false);
+}
 }
 
 COMMAND COMMAND::add_group(const std::string& name, const std::string& description, const std::string& example)
@@ -76,14 +97,20 @@ void COMMAND::add_option(const std::string& names, const std::string& value_name
 void COMMAND::add_choice(const std::string& names, const std::string& value_name, std::string& value,
                          const std::vector<std::string>& choices, const std::string& description)
 {
-    // The validator bears the words, separated by blanks, as its name, from which completion has them.
-    std::string words;
-    for (const std::string& choice : choices)
-        words += (words.empty() ? "" : " ") + choice;
-    CLI::Validator one_of = CLI::IsMember(choices);
-    one_of.description("");
-    one_of.name(words);
-    app->add_option(names, value, description)->check(one_of)->type_name(value_name);
+    app->add_option(names, value, description)->check(one_of(choices))->type_name(value_name);
+}
+
+void COMMAND::add_repeated_option(const std::string& names, const std::string& value_name,
+                                  std::function<void(const std::string&)> take, const std::string& description)
+{
+    add_repeated(*app, names, value_name, std::move(take), description);
+}
+
+void COMMAND::add_repeated_choice(const std::string& names, const std::string& value_name,
+                                  const std::vector<std::string>& choices, std::function<void(const std::string&)> take,
+                                  const std::string& description)
+{
+    add_repeated(*app, names, value_name, std::move(take), description)->check(one_of(choices));
 }
 
 void COMMAND::add_flag(const std::string& names, bool& value, const std::string& description)

@@ -8,6 +8,7 @@
 void add_get_command(COMMAND app, TOOL& tool);
 void add_list_command(COMMAND app, TOOL& tool);
 void add_explain_command(COMMAND app, TOOL& tool);
+void add_layers_command(COMMAND app, TOOL& tool);
 void add_paths_command(COMMAND app, TOOL& tool);
 void add_lint_command(COMMAND app, TOOL& tool);
 void add_set_commands(COMMAND app, TOOL& tool);

@@ -1,15 +1,18 @@
-// velmar-cfg diff: what differs between two snapshots, and which layer made it differ.
+// velmar-cfg diff: what differs between two states, and which layer made it differ.
+#include <iterator>
+
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/diagnostics.h"
 #include "tools/velmar-cfg/commands/differences_output.h"
+#include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/documents/differences_json.h"
-#include "tools/velmar-cfg/documents/named_snapshot.h"
 #include "tools/velmar-cfg/documents/run_reports.h"
 #include "tools/velmar-cfg/documents/snapshot_differences.h"
-#include "tools/velmar-cfg/documents/take_snapshot.h"
+#include "tools/velmar-cfg/states/read_state.h"
+#include "tools/velmar-cfg/states/state_name.h"
 
 namespace
 {
@@ -18,23 +21,43 @@ struct DIFF_OPTIONS
     std::string a;
     std::optional<std::string> b;
     std::optional<std::string> used;
+    std::vector<WHAT_IF> what_if;
+    std::vector<std::string> ignored;
+    std::vector<std::string> sections;
 };
+
+// A snapshot says itself for what it was taken.
+COMPARED_SNAPSHOT side_of(STATE state)
+{
+    const bool says_itself = state.is_document && !state.snapshot->of_run;
+    if (says_itself)
+        state.view.clear();
+    return {state.name, *std::move(state.snapshot), state.heading()};
+}
 
 EXIT_CODE diff(const DIFF_OPTIONS& options, TOOL& tool)
 {
-    SECRETS& secrets = *tool.options.scope.secrets;
-    secrets.use_lasting_key();
+    const SETTINGS_SCOPE& scope = tool.options.scope;
+    scope.secrets->use_lasting_key();
     std::optional<RUN_REPORT> run;
     if (options.used)
-        run = read_run_report(*options.used, secrets);
-    const COMPARED_SNAPSHOT a = named_snapshot(options.a, tool.options.scope, tool.files);
-    const COMPARED_SNAPSHOT b = options.b ? named_snapshot(*options.b, tool.options.scope, tool.files)
-                                          : COMPARED_SNAPSHOT{"now", take_snapshot(tool.options.scope, tool.files)};
-    complain_of_key(secrets);
+        run = read_run_report(*options.used, *scope.secrets);
+    // One is read after the other: each may be put into effect for the whole process.
+    STATE state_a = read_state(state_name(options.a), {.snapshot = true}, scope, tool.files);
+    SETTINGS_SCOPE scope_of_b = options.b ? scope : scope_to_compare_with(state_a, scope);
+    scope_of_b.what_if = options.what_if;
+    STATE state_b =
+        read_state(options.b ? state_name(*options.b) : STATE_NAME(), {.snapshot = true}, scope_of_b, tool.files);
+    complain_of_key(*scope.secrets);
+    const COMPARED_SNAPSHOT a = side_of(std::move(state_a));
+    const COMPARED_SNAPSHOT b = side_of(std::move(state_b));
 
     SNAPSHOT_DIFFERENCES differences = compare_snapshots(a.snapshot, b.snapshot);
     if (run)
         keep_what_the_run_read(differences, *run);
+    ignore_names(differences, options.ignored);
+    if (!options.sections.empty())
+        keep_sections(differences, options.sections);
     if (tool.options.json)
         answer_in_json(tool, [&](JSON_WRITER& out) { write_differences_json(out, a, b, differences, run); });
     else
@@ -48,16 +71,29 @@ void add_diff_command(COMMAND app, TOOL& tool)
     auto options = std::make_shared<DIFF_OPTIONS>();
     COMMAND command = app.add_command(
         tool, "diff",
-        "Show what differs between two snapshots and which layer made it differ: release, environment, content of the "
-        "files, variables and preferences. Exit code 1 when something does.",
-        "velmar-cfg --project designs/cpu diff before.json\n"
-        "      what has changed for runs in designs/cpu since the snapshot\n"
+        "Show what differs between two states and which layer made it differ: release, environment, content of the "
+        "files, variables and preferences. What only one of them can know is no difference. Exit code 1 when something "
+        "differs.",
+        "velmar-cfg diff before.json\n"
+        "      what has changed for runs in the project of the snapshot since it was taken\n"
         "  velmar-cfg diff monday.json tuesday.json --used run.json\n"
         "      only the variables that the run of run.json read\n"
-        "  velmar-cfg diff designs/cpu designs/gpu\n      two projects, as runs in them would see them now",
+        "  velmar-cfg diff pid:4711 designs/gpu --only variables\n      a process, and what a run in a project would "
+        "see",
         [options, &tool] { return diff(*options, tool); });
-    command.add_argument("A", options->a, "A snapshot's file, - for standard input, or a project's directory");
-    command.add_optional_argument("B", options->b, "The same; without it: what holds now, for --project if given");
+    command.add_argument("A", options->a,
+                         "A project's directory, a snapshot or run report, - for one on standard input, pid:NUMBER or "
+                         "exe:PATH");
+    command.add_optional_argument("B", options->b,
+                                  "The same; without it: what holds now, for the project of a snapshot A or --project");
     command.add_option("--used", "REPORT", options->used,
                        "Only the variables that the run of this report read, and nothing else");
+    command.add_option(
+        "--ignore", "PATTERN", options->ignored,
+        "Leave out what has a name that matches this shell pattern, letter case ignored; may be repeated");
+    command.add_repeated_choice(
+        "--only", "SECTION", {std::begin(difference_sections), std::end(difference_sections)},
+        [options](const std::string& section) { options->sections.push_back(section); },
+        "Only this section: installation, environment, files, variables or preferences; may be repeated");
+    add_what_if_options(command, options->what_if, " of B");
 }

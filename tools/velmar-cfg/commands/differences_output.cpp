@@ -55,7 +55,10 @@ std::string side_as_text(const std::optional<SNAPSHOT_VARIABLE>& variable)
 {
     if (!variable)
         return "not set";
-    return shown(variable->value) + "  at " + printable(location_as_text(variable->location)) + " (" +
+    if (variable->location.layer == LAYER_KIND::UNKNOWN)
+        return shown(variable->value);
+    return shown(variable->value) +
+           (is_located(variable->location) ? "  at " + printable(location_as_text(variable->location)) : " ") + " (" +
            layer_title(variable->location.layer) + (variable->external ? ", external)" : ")");
 }
 
@@ -68,8 +71,9 @@ std::string side_as_text(const SNAPSHOT_PREFERENCE* preference)
 
 std::string maker_as_text(const VARIABLE_DIFFERENCE& difference)
 {
-    const std::string maker =
-        difference.made_by ? layer_title(*difference.made_by) : "the release, which reads it otherwise";
+    std::string maker = difference.made_by ? layer_title(*difference.made_by) : "the release, which reads it otherwise";
+    if (difference.same_in_every_type)
+        maker += "; reads the same in every type but text";
     if (difference.dependence == DEPENDENCE::KIND::ASKED_ONCE)
         return maker + "; read once, while unset";
     return difference.dependence == DEPENDENCE::KIND::PERHAPS ? maker + "; perhaps read, once, while unset" : maker;
@@ -102,10 +106,13 @@ std::string role_as_text(const std::string& role)
 std::string side_in_words(const COMPARED_SNAPSHOT& side)
 {
     const SNAPSHOT& snapshot = side.snapshot;
+    if (snapshot.of_run)
+        return printable(side.title + " (" + side.view + ")");
     return printable(side.title) + " (" + printable(snapshot.product) + " " + printable(snapshot.release) +
            (snapshot.project.empty() || snapshot.project == side.title ? ""
                                                                        : ", project " + printable(snapshot.project)) +
-           (snapshot.regtest ? ", regression test)" : ")");
+           (snapshot.regtest ? ", regression test" : "") +
+           (side.view.empty() ? ")" : "; " + printable(side.view) + ")");
 }
 }
 

@@ -6,6 +6,7 @@
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
+#include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/lint/explanation.h"
 #include "tools/velmar-cfg/settings/layers.h"
@@ -14,12 +15,20 @@
 
 namespace
 {
-void write_assignments(const EXPLANATION& explanation, OUTPUT& out)
+std::string heading_of(const EXPLANATION& explanation, KNOWN_LINES known)
+{
+    if (known != KNOWN_LINES::WINNERS)
+        return "assignments, the last one wins:\n";
+    return explanation.assignments.size() == 1 ? "assignment that won, others are not known:\n"
+                                               : "assignments that are known, the last one won:\n";
+}
+
+void write_assignments(const EXPLANATION& explanation, KNOWN_LINES known, OUTPUT& out)
 {
     std::size_t width = 0;
     for (const EXPLAINED_ASSIGNMENT& assignment : explanation.assignments)
         width = std::max(width, location_as_text(assignment.location).size());
-    out << "assignments, the last one wins:\n";
+    out << heading_of(explanation, known);
     for (const EXPLAINED_ASSIGNMENT& assignment : explanation.assignments)
     {
         const bool won = &assignment == &explanation.assignments.back();
@@ -31,6 +40,16 @@ void write_assignments(const EXPLANATION& explanation, OUTPUT& out)
             << out.painted(won ? STYLE::GOOD : STYLE::FAINT, printable(location) + "  " + printable(text)) << "  ("
             << layer_title(assignment.location.layer) << ")\n";
     }
+}
+
+// Null when the state does not know how often.
+const READ_COUNT* find_read(const STATE& state, const std::string& name)
+{
+    if (!state.reads)
+        return nullptr;
+    const auto found =
+        std::ranges::find_if(*state.reads, [&name](const READ_COUNT& read) { return same_name(read.name, name); });
+    return found == state.reads->end() ? nullptr : &*found;
 }
 
 void write_readings(const TYPED_READINGS& readings, OUTPUT& out)
@@ -47,16 +66,20 @@ void write_readings(const TYPED_READINGS& readings, OUTPUT& out)
         << "\n";
 }
 
-void write_text(const EXPLANATION& explanation, OUTPUT& out)
+void write_text(const EXPLANATION& explanation, const STATE& state, OUTPUT& out)
 {
     const std::string name = out.painted(STYLE::STRONG, printable(explanation.name));
-    if (explanation.assignments.empty())
+    if (explanation.assignments.empty() && state.knows_unset_variable(explanation.name))
         out << name << " is not set\n";
+    else if (explanation.assignments.empty())
+        out << name << " is not known: " << state.limits << "\n";
     else
     {
         out << name << " = " << printable(explanation.value) << "\n";
-        write_assignments(explanation, out);
+        write_assignments(explanation, state.known_lines, out);
     }
+    if (const READ_COUNT* const read = find_read(state, explanation.name); read != nullptr)
+        out << "read: " << std::to_string(read->count) << (read->count == 1 ? " time\n" : " times\n");
     if (has_hidden_parts(explanation.value))
         out << "read as: not shown, since the value is masked\n";
     else
@@ -68,22 +91,40 @@ void write_text(const EXPLANATION& explanation, OUTPUT& out)
         out << out.painted(STYLE::WARNING, "hint:") << " " << printable(hint.text) << "\n";
 }
 
-EXIT_CODE explain(const std::string& name, TOOL& tool)
+struct EXPLAIN_OPTIONS
 {
-    LAYERS layers = load_layers(tool.options.scope, tool.files);
-    const SETTINGS settings(std::move(layers));
-    const EXPLANATION explanation = explain_variable(name, settings);
+    STATE_OPTIONS state;
+    std::string name;
+};
+
+EXIT_CODE explain(const EXPLAIN_OPTIONS& options, TOOL& tool)
+{
+    const STATE state = state_of(options.state, {.settings = true}, tool);
+    const SETTINGS settings(state.layers);
+    const EXPLANATION explanation = explain_variable(options.name, settings);
     if (tool.options.json)
-        answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, explanation); });
+    {
+        answer_in_json(tool,
+                       [&](JSON_WRITER& out)
+                       {
+                           out.begin_object();
+                           write_fields(out, explanation);
+                           write_view_field(out, state);
+                           out.end_object();
+                       });
+    }
     else
-        write_text(explanation, tool.out);
+    {
+        write_view(state, tool.out);
+        write_text(explanation, state, tool.out);
+    }
     return explanation.assignments.empty() ? EXIT_CODE::FINDINGS : EXIT_CODE::FINE;
 }
 }
 
 void add_explain_command(COMMAND app, TOOL& tool)
 {
-    auto name = std::make_shared<std::string>();
+    auto options = std::make_shared<EXPLAIN_OPTIONS>();
     COMMAND command = app.add_command(
         tool, "explain",
         "Show why a variable has its value: every assignment in the order in which the layers apply, "
@@ -91,6 +132,8 @@ void add_explain_command(COMMAND app, TOOL& tool)
         "set.",
         "velmar-cfg --project designs/cpu --regtest explain max_fanout\n"
         "      which file of a regression run sets max_fanout, and what the others said",
-        [name, &tool] { return explain(*name, tool); });
-    command.add_argument("NAME", *name, "The variable, in any letter case");
+        [options, &tool] { return explain(*options, tool); });
+    command.add_argument("NAME", options->name, "The variable, in any letter case");
+    add_state_option(command, options->state);
+    add_what_if_options(command, options->state.what_if);
 }

@@ -1,22 +1,28 @@
-// velmar-cfg get: one variable's value as one type reads it.
+// velmar-cfg get: values of variables as one type reads them.
+#include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/diagnostics.h"
+#include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/preferences/library_preferences.h"
-#include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/typed_answer.h"
 #include "tools/velmar-cfg/settings/typed_value.h"
 
 namespace
 {
+constexpr std::string_view zero_byte("\0", 1);
+
 struct GET_OPTIONS
 {
-    std::string name;
+    STATE_OPTIONS state;
+    std::vector<std::string> names;
+    bool names_on_input = false;
     std::string type = "text";
     std::optional<std::string> fallback;
 };
@@ -28,54 +34,134 @@ std::string advice_on(const std::string& name)
     return is_preference ? "; it is a preference: ask velmar-cfg prefs get " + name : "";
 }
 
+// Why there is nothing to print, or what is odd about it; empty for neither.
+std::string remark_on(const TYPED_ANSWER& answer, const STATE& state, SECRETS& secrets)
+{
+    if (!answer.is_set() && !answer.remark.empty() && !state.knows_unset_variable(answer.name))
+        return "'" + answer.name + "' is not in " + state.name + ": " + state.limits;
+    std::string remark = answer.remark;
+    if (has_hidden_parts(hide_in_value(answer.name, answer.text, secrets)))
+    {
+        const std::string quoted = in_single_quotes(answer.text); // as it stands there, perhaps cut short
+        remark = hide_in_text(remark, std::string_view(quoted).substr(1, quoted.size() - 2), secrets);
+        remark = hide_in_text(remark, value_as_text(answer.value).value_or(""), secrets);
+    }
+    return remark.empty() || answer.is_set() ? remark : remark + advice_on(answer.name);
+}
+
+// The same for logs: it does not tell a secret, nor the number that it begins with.
+std::string safe_remark_on(const TYPED_ANSWER& answer, const STATE& state, SECRETS& secrets)
+{
+    return hide_typed_value(
+        remark_on(answer, state, secrets), answer.name,
+        [&secrets](std::string_view name) { return secrets.is_secret_name(name); }, secrets);
+}
+
+// The names of the command line, or those on standard input, a line or, with -z, a record each.
+std::vector<std::string> names_of(const GET_OPTIONS& options, const TOOL& tool)
+{
+    if (options.names_on_input && !options.names.empty())
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "--stdin and names exclude each other");
+    if (!options.names_on_input && options.names.empty())
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "NAME or --stdin is required; see velmar-cfg get --help");
+    if (!options.names_on_input)
+        return options.names;
+    const INPUT_FILE input = read_named_file("-");
+    input.require_whole();
+    const std::string& text = input.bytes;
+    std::vector<std::string> names;
+    for (std::size_t begin = 0; begin < text.size();)
+    {
+        const std::size_t end = std::min(text.find(tool.options.nul_terminated ? '\0' : '\n', begin), text.size());
+        names.push_back(text.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return names;
+}
+
+// For several names, as list does; a name that has no value stands alone.
+void write_pair(const TYPED_ANSWER& answer, TOOL& tool)
+{
+    const std::optional<std::string> text = value_as_text(answer.value);
+    if (tool.options.nul_terminated)
+        tool.out << answer.name << (text ? "=" + *text : "") << zero_byte;
+    else
+        tool.out << printable(answer.name) << (text ? "=" + printable(*text) : "") << "\n";
+}
+
+// The value alone, as it is.
+void write_value(const TYPED_ANSWER& answer, TOOL& tool)
+{
+    if (const std::optional<std::string> text = value_as_text(answer.value))
+        tool.out << *text << (tool.options.nul_terminated ? zero_byte : "\n");
+}
+
 EXIT_CODE get(const GET_OPTIONS& options, TOOL& tool)
 {
     const READER_TYPE type = type_of_word(options.type).value_or(READER_TYPE::TEXT);
     std::optional<TYPED_VALUE> fallback;
     if (options.fallback)
         fallback = default_of_type(type, *options.fallback);
-    SETTINGS_SCOPE scope = tool.options.scope;
-    scope.secrets = std::make_shared<SECRETS>();
-    scope.secrets->show_all(); // the value is what was asked for
-    const SETTINGS settings = SETTINGS::of_one_variable(load_layers(scope, tool.files), options.name);
-    const TYPED_ANSWER answer = answer_typed(settings, options.name, type, fallback);
+    const std::vector<std::string> names = names_of(options, tool);
+    const auto shown = std::make_shared<SECRETS>();
+    shown->show_all(); // the values are what was asked for
+    const STATE state = state_of(options.state, {.settings = true}, tool, shown);
+    const bool single = !options.names_on_input && names.size() == 1;
+    const SETTINGS settings = single ? SETTINGS::of_one_variable(state.layers, names.front()) : SETTINGS(state.layers);
 
-    // Messages go to logs: they do not tell a secret, nor the number that it begins with.
-    SECRETS& secrets = *tool.options.scope.secrets;
-    const std::optional<std::string> text = value_as_text(answer.value);
-    std::string remark = answer.remark;
-    if (has_hidden_parts(hide_in_value(options.name, answer.text, secrets)))
+    bool all_have_values = true;
+    JSON_WRITER json(tool.out);
+    if (tool.options.json && !single)
+        json.begin_list();
+    for (const std::string& name : names)
     {
-        const std::string quoted = in_single_quotes(answer.text); // as it stands there, perhaps cut short
-        remark = hide_in_text(remark, std::string_view(quoted).substr(1, quoted.size() - 2), secrets);
-        remark = hide_in_text(remark, text.value_or(""), secrets);
+        const TYPED_ANSWER answer = answer_typed(settings, name, type, fallback, single && state.knows_unset);
+        all_have_values = all_have_values && value_as_text(answer.value).has_value();
+        if (const std::string remark = safe_remark_on(answer, state, *tool.options.scope.secrets); !remark.empty())
+            complain(remark);
+        if (tool.options.json)
+        {
+            json.begin_object();
+            write_fields(json, answer);
+            if (single)
+                write_view_field(json, state);
+            json.end_object();
+        }
+        else if (single)
+            write_value(answer, tool);
+        else
+            write_pair(answer, tool);
     }
-    remark = hide_typed_value(
-        remark, options.name, [&secrets](std::string_view name) { return secrets.is_secret_name(name); }, secrets);
-    if (!remark.empty())
-        complain(remark + (answer.is_set() ? "" : advice_on(options.name)));
     if (tool.options.json)
-        answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, answer); });
-    else if (text)
-        tool.out << *text << (tool.options.nul_terminated ? std::string_view("\0", 1) : "\n");
-    return text ? EXIT_CODE::FINE : EXIT_CODE::FINDINGS;
+    {
+        if (!single)
+            json.end_list();
+        json.finish();
+    }
+    return all_have_values ? EXIT_CODE::FINE : EXIT_CODE::FINDINGS;
 }
 }
 
 void add_get_command(COMMAND app, TOOL& tool)
 {
     auto options = std::make_shared<GET_OPTIONS>();
-    COMMAND command = app.add_command(
-        tool, "get",
-        "Print the value of an internal variable as a reader of that type gets it. Exit code 1 when there is "
-        "no usable value.",
-        "velmar-cfg get msg_sqlite --type bool --default off\n"
-        "      on or off, as a program that asks for the switch with the default off",
-        [options, &tool] { return get(*options, tool); });
-    command.add_argument("NAME", options->name, "The variable, in any letter case");
+    COMMAND command = app.add_command(tool, "get",
+                                      "Print the value of an internal variable as a reader of that type gets it; of "
+                                      "several, pairs of name and value. "
+                                      "Exit code 1 when one has no usable value.",
+                                      "velmar-cfg get msg_sqlite --type bool --default off\n"
+                                      "      on or off, as a program that asks for the switch with the default off\n"
+                                      "  velmar-cfg get --stdin --type int <names\n"
+                                      "      the numbers of all variables named in a file, read once",
+                                      [options, &tool] { return get(*options, tool); });
+    command.add_optional_argument("NAME", options->names, "A variable, in any letter case");
+    command.add_flag("--stdin", options->names_on_input,
+                     "Read the names from standard input, one a line; with -z, each ends with a zero byte");
     command.add_choice("--type", "TYPE", options->type, {"bool", "int", "uint", "double", "text"},
                        "How to read it: text (the default), bool, int, uint or double");
     command.add_option("--default", "VALUE", options->fallback,
                        "Print this, which is of the TYPE or empty, when there is no usable value");
+    add_state_option(command, options->state);
+    add_what_if_options(command, options->state.what_if);
     command.add_nul_flag(tool);
 }

@@ -12,6 +12,7 @@
 #include "tools/velmar-cfg/commands/edit_options.h"
 #include "tools/velmar-cfg/commands/findings_output.h"
 #include "tools/velmar-cfg/commands/lint_fix.h"
+#include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/lint/environment_rules.h"
 #include "tools/velmar-cfg/lint/finding.h"
@@ -25,6 +26,7 @@ namespace
 {
 struct LINT_OPTIONS : FIX_OPTIONS
 {
+    STATE_OPTIONS state; // only of lint itself
     std::vector<std::string> files;
     bool strict = false;
     bool list_reasons = false;
@@ -140,18 +142,24 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
         return list_reasons({{"settings", reasons_of_settings()}, {"preferences", reasons_of_preferences()}}, tool);
     if (options.fix && std::ranges::count(options.files, "-") > 0)
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--fix changes files, not standard input");
+    if (options.fix && options.state.of)
+        throw TOOL_ERROR(EXIT_CODE::USAGE,
+                         "--fix changes files of here and now, or of --project DIR; --of excludes that");
     FILE_FIXES fixes(options, output.ignored, tool);
     const auto to_check = [&](LAYERS layers) { return options.fix ? fixes.fix(std::move(layers)) : layers; };
     CHECKS checks(tool);
+    if (options.state.of && !options.files.empty())
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "--of and files exclude each other");
     if (options.files.empty())
     {
-        LAYERS layers = to_check(load_layers(tool.options.scope, tool.files));
-        checks.add(lint_environment());
-        if (layers.empty())
-            checks.add({no_settings_file()});
-        checks.add_settings(std::move(layers));
-        if (auto file = preference_file_in_use(tool.files); file != nullptr)
-            checks.add_preferences(std::move(file));
+        STATE state = state_of(options.state, {.checks = true}, tool);
+        state.require(state.findings.has_value());
+        if (output.format == FINDINGS_FORMAT::TEXT)
+            write_view(state, tool.out);
+        checks.add(std::move(*state.findings));
+        checks.add_settings(to_check(std::move(state.layers)));
+        if (state.preference_file != nullptr)
+            checks.add_preferences(std::move(state.preference_file));
     }
     for (const std::string& file : options.files)
     {
@@ -206,6 +214,7 @@ void add_lint_command(COMMAND app, TOOL& tool)
         "there is an error.",
         "velmar-cfg lint --strict designs/cpu/velmar.ini\n      check one file; warnings too make the exit code 1",
         [options, &tool] { return lint(*options, tool); });
+    add_state_option(command, options->state);
     add_options(command, *options, "A settings file, or a preference file when it is called velmar2.ini");
     command.add_flag("--fix", options->fix,
                      "Write what is suggested into the settings files, and show the findings that are left");

@@ -24,7 +24,7 @@ void apply_global_options(const CLI::App& app, TOOL& tool)
     if (tool.options.json && tool.options.nul_terminated)
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--json and -z exclude each other");
     if (!tool.options.root.empty())
-        set_installation_root(tool.options.root);
+        set_installation(installation_of_root(tool.options.root));
     SECRETS& secrets = *tool.options.scope.secrets;
     for (const std::string& pattern : tool.options.secret_patterns)
         secrets.add_pattern(pattern);

@@ -3,21 +3,22 @@
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
+#include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
-#include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/file_candidates.h"
 
 namespace
 {
-void write_json(JSON_WRITER& out, const std::vector<FILE_CANDIDATE>& candidates, SECRETS& secrets)
+void write_json(JSON_WRITER& out, const STATE& state)
 {
     const auto write_row = [](JSON_WRITER& writer, const auto& row) { write_json(writer, row); };
     out.begin_object();
     out.key("files");
-    out.list(candidates, write_row);
+    out.list(*state.candidates, write_row);
     out.key("environment");
-    out.list(environment_that_matters(secrets), write_row);
+    out.list(state.environment, write_row);
+    write_view_field(out, state);
     out.end_object();
 }
 
@@ -41,21 +42,21 @@ STYLE state_style(FILE_STATE state)
     return STYLE::FAINT;
 }
 
-void write_text(const std::vector<FILE_CANDIDATE>& candidates, SECRETS& secrets, OUTPUT& out)
+void write_text(const STATE& state, OUTPUT& out)
 {
     std::string heading;
-    for (const FILE_CANDIDATE& candidate : candidates)
+    for (const FILE_CANDIDATE& candidate : *state.candidates)
     {
         if (candidate.file != heading)
         {
             heading = candidate.file;
             out << out.painted(STYLE::STRONG, heading) << "\n";
         }
-        std::string state = state_word(candidate.state);
-        state.resize(8, ' ');
+        std::string word = state_word(candidate.state);
+        word.resize(8, ' ');
         std::string place = candidate.place;
         place.resize(20, ' ');
-        out << "  " << out.painted(state_style(candidate.state), state) << "  " << place;
+        out << "  " << out.painted(state_style(candidate.state), word) << "  " << place;
         if (!candidate.path.empty())
             out << "  " << printable(candidate.path);
         if (!candidate.remark.empty())
@@ -63,28 +64,34 @@ void write_text(const std::vector<FILE_CANDIDATE>& candidates, SECRETS& secrets,
         out << "\n";
     }
     out << out.painted(STYLE::STRONG, "environment") << "\n";
-    for (const auto& [name, value] : environment_that_matters(secrets))
+    for (const auto& [name, value] : state.environment)
         out << "  " << name << (value ? "=" + printable(*value) : " is not set") << "\n";
 }
 
-EXIT_CODE paths(TOOL& tool)
+EXIT_CODE paths(const STATE_OPTIONS& options, TOOL& tool)
 {
-    const std::vector<FILE_CANDIDATE> candidates = all_file_candidates(tool.options.scope);
+    const STATE state = state_of(options, {.search = true}, tool);
+    state.require(state.candidates.has_value());
     if (tool.options.json)
-        answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, candidates, *tool.options.scope.secrets); });
+        answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, state); });
     else
-        write_text(candidates, *tool.options.scope.secrets, tool.out);
+    {
+        write_view(state, tool.out);
+        write_text(state, tool.out);
+    }
     return EXIT_CODE::FINE;
 }
 }
 
 void add_paths_command(COMMAND app, TOOL& tool)
 {
-    app.add_command(
+    auto options = std::make_shared<STATE_OPTIONS>();
+    COMMAND command = app.add_command(
         tool, "paths",
         "Show where settings are looked for: each candidate in the order of the search, which one is read and "
         "which are shadowed by it, the files applied on top of it, the preference file, and the environment "
         "variables that take part.",
         "velmar-cfg --project designs/cpu paths\n      which velmar.ini a run in designs/cpu reads",
-        [&tool] { return paths(tool); });
+        [options, &tool] { return paths(*options, tool); });
+    add_state_option(command, *options);
 }

@@ -9,6 +9,7 @@
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/diagnostics.h"
+#include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 
@@ -31,8 +32,26 @@ void write_json(JSON_WRITER& out, const PREFERENCE& preference)
     out.end_object();
 }
 
-struct LIST_OPTIONS
+// The state with its preferences; refused when it does not know them.
+STATE state_with_preferences(const STATE_OPTIONS& options, TOOL& tool, const std::shared_ptr<SECRETS>& secrets)
 {
+    STATE state = state_of(options, {.preferences = true}, tool, secrets);
+    state.require(state.preferences.has_value());
+    return state;
+}
+
+PREFERENCE preference_in(const STATE& state, CFG_USER_INI_ENUMS number)
+{
+    std::optional<PREFERENCE> preference = state.preferences->look_up(number);
+    if (!preference)
+        throw TOOL_ERROR(EXIT_CODE::USAGE, state.name + ": knows no preference " + cfg_get_user_ini_ini_string(number) +
+                                               ", which its release may not have had");
+    return *std::move(preference);
+}
+
+struct PREFS_LIST_OPTIONS
+{
+    STATE_OPTIONS state;
     std::optional<std::string> pattern;
     bool all = false;
     bool changed = false;
@@ -43,7 +62,7 @@ struct LIST_OPTIONS
     }
 };
 
-bool is_wanted(const LIST_OPTIONS& options, const PREFERENCE& preference)
+bool is_wanted(const PREFS_LIST_OPTIONS& options, const PREFERENCE& preference)
 {
     if (options.has_pattern() && fnmatch(options.pattern->c_str(), preference.key.c_str(), FNM_CASEFOLD) != 0)
         return false;
@@ -51,15 +70,15 @@ bool is_wanted(const LIST_OPTIONS& options, const PREFERENCE& preference)
     return !only_changed || preference.differs_from_default();
 }
 
-EXIT_CODE list(const LIST_OPTIONS& options, TOOL& tool)
+EXIT_CODE list(const PREFS_LIST_OPTIONS& options, TOOL& tool)
 {
-    const PREFERENCES preferences = load_preferences(tool.files, *tool.options.scope.secrets);
+    const STATE state = state_with_preferences(options.state, tool, tool.options.scope.secrets);
     std::vector<PREFERENCE> wanted;
     for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
     {
-        PREFERENCE preference = preferences.look_up(number);
-        if (is_wanted(options, preference))
-            wanted.push_back(std::move(preference));
+        std::optional<PREFERENCE> preference = state.preferences->look_up(number);
+        if (preference && is_wanted(options, *preference))
+            wanted.push_back(*std::move(preference));
     }
     const EXIT_CODE exit_code = wanted.empty() && options.has_pattern() ? EXIT_CODE::FINDINGS : EXIT_CODE::FINE;
     if (tool.options.json)
@@ -67,6 +86,8 @@ EXIT_CODE list(const LIST_OPTIONS& options, TOOL& tool)
         answer_in_json(tool, [&](JSON_WRITER& out) { out.list(wanted, write_json); });
         return exit_code;
     }
+    if (!tool.options.nul_terminated)
+        write_view(state, tool.out);
     for (const PREFERENCE& preference : wanted)
     {
         if (tool.options.nul_terminated)
@@ -78,14 +99,28 @@ EXIT_CODE list(const LIST_OPTIONS& options, TOOL& tool)
     return exit_code;
 }
 
-EXIT_CODE get(const std::string& key, TOOL& tool)
+struct KEY_OPTIONS
 {
-    const CFG_USER_INI_ENUMS number = preference_number(key);
-    SECRETS none;
-    none.show_all(); // the value is what was asked for
-    const PREFERENCE preference = load_preferences(tool.files, none).look_up(number);
+    STATE_OPTIONS state;
+    std::string key;
+};
+
+EXIT_CODE get(const KEY_OPTIONS& options, TOOL& tool)
+{
+    const CFG_USER_INI_ENUMS number = preference_number(options.key);
+    const auto shown = std::make_shared<SECRETS>();
+    shown->show_all(); // the value is what was asked for
+    const STATE state = state_with_preferences(options.state, tool, shown);
+    const PREFERENCE preference = preference_in(state, number);
     if (tool.options.json)
-        answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, preference); });
+        answer_in_json(tool,
+                       [&](JSON_WRITER& out)
+                       {
+                           out.begin_object();
+                           write_preference_fields(out, preference);
+                           write_view_field(out, state);
+                           out.end_object();
+                       });
     else if (!preference.value.empty())
         tool.out << preference.value << (tool.options.nul_terminated ? zero_byte : "\n");
     if (!preference.value.empty())
@@ -105,10 +140,11 @@ std::vector<std::string> old_names(const PREFERENCE& preference)
     return names;
 }
 
-EXIT_CODE describe(const std::string& key, TOOL& tool)
+EXIT_CODE describe(const KEY_OPTIONS& options, TOOL& tool)
 {
-    const CFG_USER_INI_ENUMS number = preference_number(key);
-    const PREFERENCE preference = load_preferences(tool.files, *tool.options.scope.secrets).look_up(number);
+    const CFG_USER_INI_ENUMS number = preference_number(options.key);
+    const STATE state = state_with_preferences(options.state, tool, tool.options.scope.secrets);
+    const PREFERENCE preference = preference_in(state, number);
     if (tool.options.json)
     {
         answer_in_json(tool,
@@ -121,10 +157,12 @@ EXIT_CODE describe(const std::string& key, TOOL& tool)
                            out.field("old_names", old_names(preference));
                            out.field_or_null("registry_name", cfg_get_user_ini_registry_string(number));
                            out.field_or_null("registry_branch", cfg_get_user_ini_registry_branch_string(number));
+                           write_view_field(out, state);
                            out.end_object();
                        });
         return EXIT_CODE::FINE;
     }
+    write_view(state, tool.out);
     tool.out << tool.out.painted(STYLE::STRONG, preference.key) << "\n\n"
              << cfg_get_user_ini_ini_desc(number) << "\n\n";
     tool.out << "value    " << (preference.value.empty() ? "none" : printable(preference.value)) << ", "
@@ -164,7 +202,7 @@ EXIT_CODE path(TOOL& tool)
 
 void add_list(COMMAND prefs, TOOL& tool)
 {
-    auto options = std::make_shared<LIST_OPTIONS>();
+    auto options = std::make_shared<PREFS_LIST_OPTIONS>();
     COMMAND command = prefs.add_command(
         tool, "list",
         "List preferences with value, where it comes from, default and allowed values: those whose value differs from "
@@ -178,16 +216,18 @@ void add_list(COMMAND prefs, TOOL& tool)
     command.add_flag("--all", options->all, "Also those that have their default value");
     command.add_flag("--changed", options->changed,
                      "Only those that differ from the default; letter case does not count");
+    add_state_option(command, options->state);
     command.add_nul_flag(tool);
 }
 
 COMMAND add_keyed(COMMAND prefs, TOOL& tool, const std::string& name, const std::string& description,
-                  const std::string& example, EXIT_CODE (*run)(const std::string&, TOOL&))
+                  const std::string& example, EXIT_CODE (*run)(const KEY_OPTIONS&, TOOL&))
 {
-    auto key = std::make_shared<std::string>();
+    auto options = std::make_shared<KEY_OPTIONS>();
     COMMAND command =
-        prefs.add_command(tool, name, description, example, [key, run, &tool] { return run(*key, tool); });
-    command.add_argument("KEY", *key, "The preference, in any letter case");
+        prefs.add_command(tool, name, description, example, [options, run, &tool] { return run(*options, tool); });
+    command.add_argument("KEY", options->key, "The preference, in any letter case");
+    add_state_option(command, options->state);
     return command;
 }
 }

@@ -6,9 +6,9 @@
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/diagnostics.h"
+#include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/documents/snapshot_json.h"
-#include "tools/velmar-cfg/documents/take_snapshot.h"
 
 namespace
 {
@@ -32,11 +32,22 @@ private:
     WHOLE_FILE_WRITER file;
 };
 
-EXIT_CODE snapshot(const std::optional<std::string>& file, TOOL& tool)
+struct SNAPSHOT_OPTIONS
 {
+    STATE_OPTIONS state;
+    std::optional<std::string> file;
+};
+
+EXIT_CODE snapshot(const SNAPSHOT_OPTIONS& options, TOOL& tool)
+{
+    const std::optional<std::string>& file = options.file;
     SECRETS& secrets = *tool.options.scope.secrets;
     secrets.use_lasting_key();
-    const SNAPSHOT taken = take_snapshot(tool.options.scope, tool.files);
+    const STATE state = state_of(options.state, {.snapshot = true}, tool);
+    if (state.is_document)
+        throw TOOL_ERROR(EXIT_CODE::USAGE,
+                         state.name + ": is a document already; a snapshot is taken of what is read now");
+    const SNAPSHOT& taken = *state.snapshot;
     complain_of_key(secrets);
     if (!file || *file == "-")
     {
@@ -62,7 +73,7 @@ EXIT_CODE snapshot(const std::optional<std::string>& file, TOOL& tool)
 
 void add_snapshot_command(COMMAND app, TOOL& tool)
 {
-    auto file = std::make_shared<std::optional<std::string>>();
+    auto options = std::make_shared<SNAPSHOT_OPTIONS>();
     COMMAND command = app.add_command(
         tool, "snapshot",
         "Write all of it as one JSON document: release, settings files and preference file with their hashes, the "
@@ -70,7 +81,8 @@ void add_snapshot_command(COMMAND app, TOOL& tool)
         "with a run and given to diff.",
         "velmar-cfg --project designs/cpu --regtest snapshot -o before.json\n"
         "      what a regression run in designs/cpu goes by, for a later velmar-cfg diff before.json",
-        [file, &tool] { return snapshot(*file, tool); });
-    command.add_option("-o,--output", "FILE", *file,
+        [options, &tool] { return snapshot(*options, tool); });
+    command.add_option("-o,--output", "FILE", options->file,
                        "Write to this file, as a whole or not at all; - is standard output");
+    add_state_option(command, options->state);
 }

@@ -52,9 +52,9 @@ std::string table_name(const CLI::App* command)
 std::string kind_of_placeholder(const std::string& placeholder)
 {
     static const std::map<std::string, std::string> kinds = {
-        {"A", "file"},      {"B", "file"},       {"COMMAND", "commands"}, {"DIR", "directory"},
-        {"FILE", "file"},   {"KEY", "key"},      {"NAME", "variable"},    {"PATTERN", "variable"},
-        {"REPORT", "file"}, {"SECONDS", "text"}, {"VALUE", "text"},
+        {"A", "file"},       {"B", "file"},        {"COMMAND", "commands"}, {"DIR", "directory"},    {"FILE", "file"},
+        {"KEY", "key"},      {"NAME", "variable"}, {"NAME=VALUE", "text"},  {"PATTERN", "variable"}, {"REPORT", "file"},
+        {"SECONDS", "text"}, {"STATE", "file"},    {"VALUE", "text"},
     };
     return kinds.at(placeholder);
 }
@@ -71,7 +71,7 @@ std::string words_of(const std::vector<std::string>& all)
 std::string kind_of_option(CLI::Option* option)
 {
     const std::string placeholder = option->get_type_name();
-    if (placeholder == "TYPE" || placeholder == "WHEN" || placeholder == "FORMAT")
+    if (placeholder == "TYPE" || placeholder == "WHEN" || placeholder == "SECTION" || placeholder == "FORMAT")
         return "words:" + option->get_validator(0)->get_name();
     if (placeholder == "REASON")
         return "words:" + words_of(reason_names());

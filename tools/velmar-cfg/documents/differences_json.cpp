@@ -22,10 +22,12 @@ void write_side(JSON_WRITER& out, const char* name, const COMPARED_SNAPSHOT& sid
     out.key(name);
     out.begin_object();
     out.field("title", side.title);
-    out.field("product", side.snapshot.product);
+    out.field_or_null("product", side.snapshot.product);
     out.field("release", side.snapshot.release);
     out.field_or_null("project", side.snapshot.project);
     out.field("regtest", side.snapshot.regtest);
+    if (!side.view.empty())
+        out.field("view", side.view);
     out.end_object();
 }
 
@@ -75,6 +77,7 @@ void write_variable(JSON_WRITER& out, const VARIABLE_DIFFERENCE& difference, boo
     write_row_or_null(out, "a", difference.a);
     write_row_or_null(out, "b", difference.b);
     out.field("made_by", difference.made_by ? std::optional(layer_code(*difference.made_by)) : std::nullopt);
+    out.field("same_in_every_type", difference.same_in_every_type);
     out.field("dependence", run_given ? std::optional(dependence_word(difference.dependence)) : std::nullopt);
     out.end_object();
 }

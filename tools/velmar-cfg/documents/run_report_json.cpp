@@ -40,7 +40,7 @@ void write_origin_fields(JSON_WRITER& out, const RUN_ORIGIN& origin, const RUN_R
 void write_source(JSON_WRITER& out, const RUN_SOURCE& source)
 {
     out.begin_object();
-    out.field("layer", source.layer ? layer_code(*source.layer) : "program");
+    out.field("layer", layer_code(source.layer.value_or(LAYER_KIND::PROGRAM)));
     out.field("external", source.external);
     out.field("path", source.path);
     out.field("size", source.path ? std::optional(source.size) : std::nullopt);

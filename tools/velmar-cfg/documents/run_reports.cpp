@@ -13,9 +13,6 @@
 
 namespace
 {
-// The "layer" of a text that the program applied.
-constexpr const char* program_layer = "program";
-
 constexpr DOCUMENT_KIND run_report_kind = {run_report_schema, run_report_schema_version, "run report",
                                            "a host's cfg_write_run_report"};
 
@@ -70,9 +67,12 @@ RUN_SOURCE read_source_row(const JSON_NODE& row, SECRETS& secrets)
 {
     RUN_SOURCE source;
     const JSON_NODE layer = row.member("layer");
-    source.layer = layer_of_code(layer.text());
-    if (!source.layer && layer.text() != program_layer)
-        layer.refuse("layer");
+    if (layer.text() != layer_code(LAYER_KIND::PROGRAM))
+    {
+        source.layer = layer_of_code(layer.text());
+        if (!source.layer || !is_library_source(*source.layer))
+            layer.refuse("layer");
+    }
     source.external = row.member("external").truth();
     source.state = row.member("state").text();
     if (const std::optional<JSON_NODE> path = row.member_if_any("path"))
@@ -211,7 +211,17 @@ const char* origin_word(RUN_ORIGIN::KIND kind)
 
 RUN_REPORT read_run_report(const std::string& path, SECRETS& secrets)
 {
-    const JSON_DOCUMENT document(path, run_report_kind);
+    const JSON_DOCUMENT document(path, {run_report_format()});
+    return run_report_in(document, path, secrets);
+}
+
+DOCUMENT_FORMAT run_report_format()
+{
+    return {run_report_kind, {}};
+}
+
+RUN_REPORT run_report_in(const JSON_DOCUMENT& document, const std::string& path, SECRETS& secrets)
+{
     const JSON_NODE root = document.root();
     RUN_REPORT report;
     report.version = root.member("schema_version").natural_number();

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/velmar-cfg/base/json_reader.h"
 #include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/secrets.h"
@@ -105,6 +106,10 @@ struct RUN_REPORT
 // The report of the file, secret values hidden. Throws TOOL_ERROR(BAD_INPUT) for a file that is no run report, or of a
 // newer version.
 RUN_REPORT read_run_report(const std::string& path, SECRETS& secrets);
+
+// How a document that is a run report is read, and the report in one that was read so; `path` is its file.
+DOCUMENT_FORMAT run_report_format();
+RUN_REPORT run_report_in(const JSON_DOCUMENT& document, const std::string& path, SECRETS& secrets);
 
 struct RUN_REPORTS
 {

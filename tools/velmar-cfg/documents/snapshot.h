@@ -18,6 +18,7 @@
 #include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
+#include "tools/velmar-cfg/settings/variable_name.h"
 
 using zon_cfg::PREFERENCE_ORIGIN;
 
@@ -87,7 +88,7 @@ private:
 
 struct SNAPSHOT
 {
-    std::string product;
+    std::string product; // empty where it is not known
     std::string release; // the running one
     std::string project; // as given; empty for none
     bool regtest = false;
@@ -95,6 +96,12 @@ struct SNAPSHOT
     std::vector<ENVIRONMENT_VARIABLE> environment;
     SNAPSHOT_VARIABLES variables;
     std::vector<SNAPSHOT_PREFERENCE> preferences;
+
+    // What a run report says: the release, the environment where it knows that, and the values of variables that were
+    // set or asked for; of any other variable it is not known whether it was set.
+    bool of_run = false;
+    bool lossy = false;         // it has U+FFFD for what is no UTF-8
+    VARIABLE_NAMES known_unset; // what the run is known to have left unset
 };
 
 #endif

@@ -1,13 +1,16 @@
 #include "tools/velmar-cfg/documents/snapshot_differences.h"
 
 #include <algorithm>
+#include <fnmatch.h>
 #include <map>
 #include <nlohmann/json.hpp>
 
 #include "tools/velmar-cfg/base/hash_index.h"
 #include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
+#include "tools/velmar-cfg/settings/variable_name.h"
 
 namespace
 {
@@ -56,6 +59,36 @@ SAMENESS compare_if_present(const std::optional<std::string>& a, const std::opti
 
 // --- Variables ---
 
+// Version 1 of run reports has U+FFFD for what is no UTF-8.
+std::string as_in_version_1(const std::string& text)
+{
+    using nlohmann::ordered_json;
+    return ordered_json::parse(ordered_json(text).dump(-1, ' ', false, ordered_json::error_handler_t::replace))
+        .get<std::string>();
+}
+
+bool has_replaced_bytes(std::string_view text)
+{
+    return text.find("\xef\xbf\xbd") != std::string_view::npos;
+}
+
+// Of a value in a lossy document, and another.
+SAMENESS compare_with_lossy(std::string_view lossy, std::string_view other)
+{
+    const SAMENESS sameness = compare_texts(lossy, other);
+    return sameness == SAMENESS::DIFFERENT && has_replaced_bytes(lossy) && as_in_version_1(std::string(other)) == lossy
+               ? SAMENESS::SAME
+               : sameness;
+}
+
+// Whether readers read something of the texts, and all of them the same.
+bool same_in_every_type(const SNAPSHOT_VARIABLE& a, const SNAPSHOT_VARIABLE& b)
+{
+    const TYPED_READINGS& readings = a.readings;
+    return a.value != b.value && same_readings(readings, b.readings) &&
+           (readings.boolean || readings.signed_integer || readings.unsigned_integer || readings.floating_is_whole);
+}
+
 SAMENESS compare_answers(const SNAPSHOT_VARIABLE& a, const SNAPSHOT_VARIABLE& b)
 {
     return a.external == b.external && same_readings(a.readings, b.readings) ? compare_texts(a.value, b.value)
@@ -80,14 +113,10 @@ std::optional<LAYER_KIND> maker_of(const VARIABLE_DIFFERENCE& rows)
 {
     if (!rows.a || !rows.b)
         return (rows.a ? rows.a : rows.b)->location.layer;
+    if (rows.a->location.layer == LAYER_KIND::UNKNOWN || rows.b->location.layer == LAYER_KIND::UNKNOWN)
+        return LAYER_KIND::UNKNOWN;
     if (compare_texts(rows.a->value, rows.b->value) == SAMENESS::DIFFERENT)
         return std::max(rows.a->location.layer, rows.b->location.layer);
-    const auto marks_external = [](LAYER_KIND kind)
-    {
-        LAYER_SET only;
-        only.insert(kind);
-        return only.mark_external();
-    };
     return highest_on_one_side(*rows.a, *rows.b, marks_external);
 }
 
@@ -97,6 +126,18 @@ class VARIABLES_BY_NAME
 {
 public:
     explicit VARIABLES_BY_NAME(const SNAPSHOT_VARIABLES& of_snapshot) : variables(of_snapshot) {}
+
+    // The variable that a lossy document calls so.
+    std::optional<std::size_t> find_of_lossy(const std::string& name)
+    {
+        const std::optional<std::size_t> found = find(name);
+        if (found || !has_replaced_bytes(name))
+            return found;
+        if (!of_replaced_bytes)
+            of_replaced_bytes = names_that_are_no_text();
+        const auto replaced = of_replaced_bytes->find(name);
+        return replaced == of_replaced_bytes->end() ? std::nullopt : std::optional(replaced->second);
+    }
 
     std::optional<std::size_t> find(std::string_view name)
     {
@@ -119,12 +160,41 @@ private:
                           [&](std::uint32_t candidate) { return same_name(variables.name(candidate), name); });
     }
 
+    // Those that lossy documents call otherwise; of several that they call the same, the first.
+    BY_VARIABLE_NAME<std::size_t> names_that_are_no_text() const
+    {
+        BY_VARIABLE_NAME<std::size_t> names;
+        for (std::size_t i = 0; i < variables.size(); ++i)
+        {
+            if (!is_utf_8(variables.name(i)))
+                names.emplace(as_in_version_1(std::string(variables.name(i))), i);
+        }
+        return names;
+    }
+
     const SNAPSHOT_VARIABLES& variables;
+    std::optional<BY_VARIABLE_NAME<std::size_t>> of_replaced_bytes; // once asked for
     std::size_t next = 0;
     HASH_INDEX index;
     std::size_t indexed = 0;
 };
 
+// What is compared of a variable that both sides have.
+SAMENESS compare_rows(const SNAPSHOT& a, const SNAPSHOT& b, const SNAPSHOT_VARIABLE& left,
+                      const SNAPSHOT_VARIABLE& right)
+{
+    if (a.lossy)
+        return compare_with_lossy(left.value, right.value);
+    return a.of_run || b.of_run ? compare_texts(left.value, right.value) : compare_answers(left, right);
+}
+
+// Whether a variable that it does not have is known to be unset.
+bool knows_unset(const SNAPSHOT& snapshot, std::string_view name)
+{
+    return !snapshot.of_run || (!snapshot.known_unset.empty() && snapshot.known_unset.contains(std::string(name)));
+}
+
+// A lossy document is A: what it calls a variable or a value is looked for in the other.
 std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAPSHOT& b,
                                                    std::vector<UNDECIDED_ROW>& undecided)
 {
@@ -134,6 +204,8 @@ std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAP
     {
         VARIABLE_DIFFERENCE difference{std::string(name), std::move(left), std::move(right), {}};
         difference.made_by = maker_of(difference);
+        difference.same_in_every_type =
+            difference.a && difference.b && same_in_every_type(*difference.a, *difference.b);
         differences.push_back(std::move(difference));
     };
     VARIABLES_BY_NAME of_b(b.variables);
@@ -141,14 +213,16 @@ std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAP
     for (std::size_t i = 0; i < a.variables.size(); ++i)
     {
         const SNAPSHOT_VARIABLE left = a.variables[i];
-        const std::optional<std::size_t> found = of_b.find(left.name);
+        const std::optional<std::size_t> found =
+            a.lossy ? of_b.find_of_lossy(std::string(left.name)) : of_b.find(left.name);
         if (!found)
         {
-            add(left.name, left, std::nullopt);
+            if (knows_unset(b, left.name))
+                add(left.name, left, std::nullopt);
             continue;
         }
         const SNAPSHOT_VARIABLE right = b.variables[*found];
-        const SAMENESS sameness = compare_answers(left, right);
+        const SAMENESS sameness = compare_rows(a, b, left, right);
         if (sameness == SAMENESS::DIFFERENT)
             add(left.name, left, right);
         else if (sameness == SAMENESS::UNKNOWN)
@@ -157,7 +231,7 @@ std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAP
     }
     for (std::size_t i = 0; i < b.variables.size(); ++i)
     {
-        if (!in_both[i])
+        if (!in_both[i] && knows_unset(a, b.variables.name(i)))
             add(b.variables.name(i), std::nullopt, b.variables[i]);
     }
     std::ranges::sort(differences, {}, &VARIABLE_DIFFERENCE::name);
@@ -210,22 +284,12 @@ std::vector<PREFERENCE_DIFFERENCE> compare_preferences(const SNAPSHOT& a, const 
     return differences;
 }
 
-// Version 1 has U+FFFD for what is no UTF-8 in a name.
-std::string name_in_run_report(const std::string& name, const RUN_REPORT& run)
-{
-    if (run.version != 1)
-        return name;
-    using nlohmann::ordered_json;
-    return ordered_json::parse(ordered_json(name).dump(-1, ' ', false, ordered_json::error_handler_t::replace))
-        .get<std::string>();
-}
-
 // --- The rest ---
 
 std::vector<INSTALLATION_DIFFERENCE> compare_installations(const SNAPSHOT& a, const SNAPSHOT& b)
 {
     std::vector<INSTALLATION_DIFFERENCE> differences;
-    if (a.product != b.product)
+    if (a.product != b.product && !a.of_run && !b.of_run)
         differences.push_back({"product", a.product, b.product});
     if (a.release != b.release)
         differences.push_back({"release", a.release, b.release});
@@ -238,8 +302,11 @@ std::vector<ENVIRONMENT_DIFFERENCE> compare_environments(const SNAPSHOT& a, cons
     const auto value_of = [](const ENVIRONMENT_VARIABLE* variable)
     { return variable == nullptr ? std::nullopt : variable->value; };
     std::vector<ENVIRONMENT_DIFFERENCE> differences;
+    const bool with_run = a.of_run || b.of_run;
     for (const auto& rows : pairs_of(a.environment, b.environment, &ENVIRONMENT_VARIABLE::name))
     {
+        if (with_run && (rows.first == nullptr || rows.second == nullptr))
+            continue;
         if (is_different("environment", name_of_pair(rows, &ENVIRONMENT_VARIABLE::name),
                          compare_if_present(value_of(rows.first), value_of(rows.second)), undecided))
             differences.push_back({name_of_pair(rows, &ENVIRONMENT_VARIABLE::name), rows.first, rows.second});
@@ -277,16 +344,56 @@ SNAPSHOT_DIFFERENCES compare_snapshots(const SNAPSHOT& a, const SNAPSHOT& b)
     std::vector<UNDECIDED_ROW>& undecided = differences.undecided;
     differences.installation = compare_installations(a, b);
     differences.environment = compare_environments(a, b, undecided);
-    differences.files = compare_files(a, b, undecided);
-    differences.variables = compare_variables(a, b, undecided);
-    differences.preferences = compare_preferences(a, b, undecided);
+    const bool with_run = a.of_run || b.of_run;
+    if (!with_run)
+        differences.files = compare_files(a, b, undecided);
+    const bool swapped = b.lossy && !a.lossy;
+    differences.variables = swapped ? compare_variables(b, a, undecided) : compare_variables(a, b, undecided);
+    for (VARIABLE_DIFFERENCE& difference : differences.variables)
+    {
+        if (swapped)
+            std::swap(difference.a, difference.b);
+    }
+    if (!with_run)
+        differences.preferences = compare_preferences(a, b, undecided);
     return differences;
+}
+
+void ignore_names(SNAPSHOT_DIFFERENCES& differences, const std::vector<std::string>& patterns)
+{
+    const auto ignored = [&patterns](const std::string& name)
+    {
+        return std::ranges::any_of(patterns, [&name](const std::string& pattern)
+                                   { return fnmatch(pattern.c_str(), name.c_str(), FNM_CASEFOLD) == 0; });
+    };
+    std::erase_if(differences.installation, [&](const auto& row) { return ignored(row.what); });
+    std::erase_if(differences.environment, [&](const auto& row) { return ignored(row.name); });
+    std::erase_if(differences.files, [&](const auto& row) { return ignored(row.role); });
+    std::erase_if(differences.variables, [&](const auto& row) { return ignored(row.name); });
+    std::erase_if(differences.preferences, [&](const auto& row) { return ignored(row.key); });
+    std::erase_if(differences.undecided, [&](const auto& row) { return ignored(row.name); });
+}
+
+void keep_sections(SNAPSHOT_DIFFERENCES& differences, const std::vector<std::string>& sections)
+{
+    const auto kept = [&sections](const char* section) { return std::ranges::count(sections, section) > 0; };
+    if (!kept("installation"))
+        differences.installation.clear();
+    if (!kept("environment"))
+        differences.environment.clear();
+    if (!kept("files"))
+        differences.files.clear();
+    if (!kept("variables"))
+        differences.variables.clear();
+    if (!kept("preferences"))
+        differences.preferences.clear();
+    std::erase_if(differences.undecided, [&](const UNDECIDED_ROW& row) { return !kept(row.list); });
 }
 
 void keep_what_the_run_read(SNAPSHOT_DIFFERENCES& differences, const RUN_REPORT& run)
 {
     const auto dependence_of_run_on = [&run](const std::string& name)
-    { return dependence_on(name_in_run_report(name, run), run).kind; };
+    { return dependence_on(run.version == 1 ? as_in_version_1(name) : name, run).kind; };
     std::vector<UNDECIDED_ROW> undecided = std::move(differences.undecided);
     std::erase_if(undecided, [&](const UNDECIDED_ROW& row)
                   { return std::string_view(row.list) != "variables" || !may_depend(dependence_of_run_on(row.name)); });

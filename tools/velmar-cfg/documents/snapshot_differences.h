@@ -16,6 +16,7 @@ struct COMPARED_SNAPSHOT
 {
     std::string title;
     SNAPSHOT snapshot;
+    std::string view = {}; // whose view it is, where that is not plain
 };
 
 // The side that has no such row has null or nothing.
@@ -41,13 +42,15 @@ struct FILE_DIFFERENCE
     const SNAPSHOT_FILE* b;
 };
 
-// Value, external mark or readings differ; where the value comes from alone makes no difference.
+// Value, external mark or readings differ; where the value comes from alone makes no difference. Values are compared as
+// texts.
 struct VARIABLE_DIFFERENCE
 {
     std::string name;
     std::optional<SNAPSHOT_VARIABLE> a;
     std::optional<SNAPSHOT_VARIABLE> b;
     std::optional<LAYER_KIND> made_by; // nothing for readings of the same assignment, which another release makes
+    bool same_in_every_type = false;   // two values that every reader of a number or a switch reads alike
     DEPENDENCE::KIND dependence = DEPENDENCE::KIND::UNKNOWN; // of the run, when one was given
 };
 
@@ -82,7 +85,19 @@ struct SNAPSHOT_DIFFERENCES
     }
 };
 
+// What one side cannot know is no difference.
 SNAPSHOT_DIFFERENCES compare_snapshots(const SNAPSHOT& a, const SNAPSHOT& b);
+
+// The lists of differences, as users call them.
+inline constexpr const char* difference_sections[] = {"installation", "environment", "files", "variables",
+                                                      "preferences"};
+
+// Drops the differences whose name matches one of the shell patterns, letter case ignored, undecided ones too: names of
+// variables, of environment variables and of preferences, roles of files, and what differs of the installation.
+void ignore_names(SNAPSHOT_DIFFERENCES& differences, const std::vector<std::string>& patterns);
+
+// Drops all sections but these.
+void keep_sections(SNAPSHOT_DIFFERENCES& differences, const std::vector<std::string>& sections);
 
 // Drops everything but the variables that the run read, or perhaps read, undecided ones too.
 void keep_what_the_run_read(SNAPSHOT_DIFFERENCES& differences, const RUN_REPORT& run);

@@ -51,7 +51,7 @@ ENVIRONMENT_VARIABLE read_environment_variable(const JSON_NODE& row, SECRETS& se
 LAYER_KIND read_layer(const JSON_NODE& code)
 {
     const std::optional<LAYER_KIND> kind = layer_of_code(code.text());
-    if (!kind)
+    if (!kind || !is_library_source(*kind))
         code.refuse("layer");
     return *kind;
 }
@@ -193,13 +193,15 @@ void write_json(JSON_WRITER& out, const SNAPSHOT& snapshot)
     out.end_object();
 }
 
-SNAPSHOT read_snapshot(const std::string& path, SECRETS& secrets)
+DOCUMENT_FORMAT SNAPSHOT_READER::format()
 {
-    SNAPSHOT snapshot;
-    LAYER_SET secret_layers;
-    const auto take_variable = [&](const JSON_NODE& row)
-    { read_variable(row, snapshot.variables, secret_layers, secrets); };
-    const JSON_DOCUMENT document(path, snapshot_kind, {{"variables", take_variable}});
+    return {snapshot_kind, {{"variables", [this](const JSON_NODE& row) {
+                                 read_variable(row, snapshot.variables, secret_layers, secrets);
+                             }}}};
+}
+
+SNAPSHOT SNAPSHOT_READER::finish(const JSON_DOCUMENT& document)
+{
     const JSON_NODE root = document.root();
     snapshot.product = root.member("product").text();
     snapshot.release = root.member("release").text();
@@ -209,12 +211,18 @@ SNAPSHOT read_snapshot(const std::string& path, SECRETS& secrets)
     if (snapshot.files.size() != all_file_roles().size())
         root.member("files").refuse("list of a file of each role");
     snapshot.environment = read_rows<std::set<std::string>>(
-        root.member("environment"),
-        [&secrets](const JSON_NODE& row) { return read_environment_variable(row, secrets); },
+        root.member("environment"), [this](const JSON_NODE& row) { return read_environment_variable(row, secrets); },
         &ENVIRONMENT_VARIABLE::name);
     snapshot.preferences = read_rows<std::set<std::string>>(
-        root.member("preferences"), [&secrets](const JSON_NODE& row) { return read_preference(row, secrets); },
+        root.member("preferences"), [this](const JSON_NODE& row) { return read_preference(row, secrets); },
         &SNAPSHOT_PREFERENCE::key);
     hide_hashes(snapshot, secret_layers, secrets);
-    return snapshot;
+    return std::move(snapshot);
+}
+
+SNAPSHOT read_snapshot(const std::string& path, SECRETS& secrets)
+{
+    SNAPSHOT_READER reader(secrets);
+    const JSON_DOCUMENT document(path, {reader.format()});
+    return reader.finish(document);
 }

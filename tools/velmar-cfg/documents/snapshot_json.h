@@ -18,6 +18,7 @@
 
 #include <string>
 
+#include "tools/velmar-cfg/base/json_reader.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/documents/snapshot.h"
 
@@ -28,6 +29,25 @@ void write_json(JSON_WRITER& out, const SNAPSHOT& snapshot);
 void write_json(JSON_WRITER& out, const SNAPSHOT_FILE& file);
 void write_json(JSON_WRITER& out, const SNAPSHOT_VARIABLE& variable);
 void write_json(JSON_WRITER& out, const SNAPSHOT_PREFERENCE& preference);
+
+// Takes a snapshot out of a document that may be one.
+class SNAPSHOT_READER
+{
+public:
+    // Hides the secrets that the document shows.
+    explicit SNAPSHOT_READER(SECRETS& of_document) : secrets(of_document) {}
+
+    // How a document that is a snapshot is read. This must outlive the reading, and stay where it is.
+    DOCUMENT_FORMAT format();
+
+    // To be called once, when the document has been read.
+    SNAPSHOT finish(const JSON_DOCUMENT& document);
+
+private:
+    SECRETS& secrets;
+    SNAPSHOT snapshot;
+    LAYER_SET secret_layers; // those that assign to a hidden variable
+};
 
 // The snapshot of the file, with secrets hidden that it shows. Throws TOOL_ERROR(BAD_INPUT) for a file that is no
 // snapshot, or of a newer version.

@@ -5,6 +5,7 @@
 #include "platform/ver/ver.h"
 #include "tools/velmar-cfg/base/content_hash.h"
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
+#include "tools/velmar-cfg/settings/what_if.h"
 
 namespace
 {
@@ -61,7 +62,9 @@ std::vector<SNAPSHOT_PREFERENCE> preferences_of(const INPUT_FILE* file, SECRETS&
 
 SNAPSHOT take_snapshot(const SETTINGS_SCOPE& scope, INPUT_FILES& files)
 {
-    LAYERS layers = load_layers(scope, files);
+    SETTINGS_SCOPE as_read = scope; // no change that is only made to be seen changes a file
+    as_read.what_if.clear();
+    LAYERS layers = load_layers(as_read, files);
     const std::shared_ptr<const INPUT_FILE> preference_file = preference_file_in_use(files);
     SNAPSHOT snapshot;
     snapshot.product = ver_get_kestrin_product_filename();
@@ -70,7 +73,7 @@ SNAPSHOT take_snapshot(const SETTINGS_SCOPE& scope, INPUT_FILES& files)
     snapshot.regtest = scope.regtest;
     snapshot.files = files_of(layers, preference_file.get(), *scope.secrets);
     snapshot.environment = environment_that_matters(*scope.secrets);
-    snapshot.variables = SNAPSHOT_VARIABLES(SETTINGS(std::move(layers)));
+    snapshot.variables = SNAPSHOT_VARIABLES(SETTINGS(changed_layers(std::move(layers), scope.what_if, *scope.secrets)));
     snapshot.preferences = preferences_of(preference_file.get(), *scope.secrets);
     return snapshot;
 }

@@ -1,6 +1,7 @@
 #include "tools/velmar-cfg/lint/explanation.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/lint/finding.h"
@@ -18,15 +19,26 @@ bool would_set(std::string_view line, OUTCOME outcome, std::string_view name)
     return outcome_of_line(line, parts) == OUTCOME::STORED && same_name(parts.name, name);
 }
 
+// The layers that have lines or items, for which there are rules. They stand before all others.
+LAYERS layers_with_texts(const LAYERS& layers)
+{
+    LAYERS with_texts;
+    std::ranges::copy_if(layers, std::back_inserter(with_texts),
+                         [](const LAYER& layer) { return layer.literals == nullptr; });
+    return with_texts;
+}
+
 // Goes through all statements: those that assign to the variable, and the comments that look as if they did.
 void add_statements(EXPLANATION& explanation, const SETTINGS& settings)
 {
-    SETTINGS_RULES rules(settings.layers());
+    const LAYERS with_texts = layers_with_texts(settings.layers());
+    SETTINGS_RULES rules(with_texts);
     STATEMENTS statements(settings.layers());
     STATEMENT statement{};
     for (ASSIGNMENT_INDEX assignment = 0; statements.next(statement);)
     {
         const LOCATION location = location_of(settings.layers(), statement);
+        const bool is_literal = settings.layers()[statement.layer].literals != nullptr;
         if (statement.outcome == OUTCOME::STORED)
         {
             if (same_name(statement.name, explanation.name))
@@ -34,7 +46,8 @@ void add_statements(EXPLANATION& explanation, const SETTINGS& settings)
                 const ASSIGNMENT& assigned = settings.assignments()[assignment];
                 explanation.assignments.push_back(
                     {assigned.name, assigned.value, location, std::string(statement.text)});
-                for (const FINDING& finding : rules.findings(statement, assignment))
+                for (const FINDING& finding :
+                     is_literal ? std::vector<FINDING>() : rules.findings(statement, assignment))
                 {
                     // The table of assignments shows that a later one won.
                     if (finding.reason != "overridden")
@@ -44,7 +57,7 @@ void add_statements(EXPLANATION& explanation, const SETTINGS& settings)
             }
             ++assignment;
         }
-        if (is_file(location.layer) && would_set(statement.text, statement.outcome, explanation.name))
+        if (is_file(location.layer) && !is_literal && would_set(statement.text, statement.outcome, explanation.name))
             explanation.hints.push_back({"in-comment", location_as_text(location) +
                                                            ": an assignment to it stands in a comment and is ignored"});
     }
@@ -111,6 +124,12 @@ EXPLANATION explain_variable(const std::string& name, const SETTINGS& settings)
 void write_json(JSON_WRITER& out, const EXPLANATION& explanation)
 {
     out.begin_object();
+    write_fields(out, explanation);
+    out.end_object();
+}
+
+void write_fields(JSON_WRITER& out, const EXPLANATION& explanation)
+{
     out.field("name", explanation.name);
     out.field("set", !explanation.assignments.empty());
     out.field("value", explanation.value);
@@ -124,5 +143,4 @@ void write_json(JSON_WRITER& out, const EXPLANATION& explanation)
     out.field_or_null("default", explanation.known == nullptr ? "" : explanation.known->default_text);
     out.key("hints");
     out.list(explanation.hints, write_hint);
-    out.end_object();
 }

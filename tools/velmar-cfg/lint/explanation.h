@@ -44,4 +44,7 @@ EXPLANATION explain_variable(const std::string& name, const SETTINGS& settings);
 // {"name", "set", "value", "external", "assignments", "readings", "known", "default", "hints"}.
 void write_json(JSON_WRITER& out, const EXPLANATION& explanation);
 
+// Its fields, for an object that has others too.
+void write_fields(JSON_WRITER& out, const EXPLANATION& explanation);
+
 #endif

@@ -75,7 +75,6 @@ SEVERITY severity_of(const LOST_LINE& line)
     {
     case LOSS::NO_PREFERENCE:
     case LOSS::EMPTY_SECTION:
-        return SEVERITY::NOTE;
     case LOSS::BESIDE_HEADER:
         return line.value_lost ? SEVERITY::ERROR : SEVERITY::NOTE;
     case LOSS::EMPTY_VALUE:
@@ -93,6 +92,8 @@ std::string instead_of(const LOST_LINE& line, const std::string& header)
     switch (line.reason)
     {
     case LOSS::NO_PREFERENCE:
+        if (line.value_lost)
+            return "remove the zero byte";
         break;
     case LOSS::TOO_SHORT:
         return "write 'KEY = VALUE'";

@@ -418,6 +418,8 @@ std::string loss_as_text(const LOST_LINE& line)
     switch (line.reason)
     {
     case LOSS::NO_PREFERENCE:
+        if (line.value_lost)
+            return "a zero byte ends this line before the \"=\", and a save drops it";
         break;
     case LOSS::TOO_SHORT:
         return "a line of fewer than 3 characters is ignored, and a save drops it";

@@ -1,5 +1,8 @@
 #include "tools/velmar-cfg/settings/installation.h"
 
+#include <string_view>
+#include <utility>
+
 #include "platform/gen/gen.h"
 
 // The services that platform/gen/gen_paths.cpp defines, compiled for this program under these names.
@@ -8,25 +11,45 @@ std::string default_gen_get_velmar_path();
 
 namespace
 {
-// With a final "/"; empty unless --root was given.
-std::string& installation_root()
+INSTALLATION& installation_in_effect()
 {
-    static std::string root;
-    return root;
+    static INSTALLATION installation;
+    return installation;
+}
+
+std::string with_slash(const std::string& directory)
+{
+    return directory.ends_with('/') ? directory : directory + "/";
 }
 }
 
-void set_installation_root(const std::string& root)
+INSTALLATION installation_of_root(const std::string& root)
 {
-    installation_root() = root.ends_with('/') ? root : root + "/";
+    return {with_slash(root) + "bin/", with_slash(root)};
+}
+
+INSTALLATION installation_of_programs(const std::string& directory)
+{
+    constexpr std::string_view bin = "/bin/";
+    INSTALLATION installation{with_slash(directory), with_slash(directory)};
+    if (installation.root.ends_with(bin))
+        installation.root.resize(installation.root.size() - bin.size() + 1);
+    return installation;
+}
+
+INSTALLATION set_installation(INSTALLATION installation)
+{
+    return std::exchange(installation_in_effect(), std::move(installation));
 }
 
 std::string gen_get_module_path()
 {
-    return installation_root().empty() ? default_gen_get_module_path() : installation_root() + "bin/";
+    const std::string& programs = installation_in_effect().programs;
+    return programs.empty() ? default_gen_get_module_path() : programs;
 }
 
 std::string gen_get_velmar_path()
 {
-    return installation_root().empty() ? default_gen_get_velmar_path() : installation_root();
+    const std::string& root = installation_in_effect().root;
+    return root.empty() ? default_gen_get_velmar_path() : root;
 }

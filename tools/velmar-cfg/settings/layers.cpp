@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "platform/fio/fio.h"
+#include "tools/velmar-cfg/settings/what_if.h"
 
 using namespace zon_cfg;
 
@@ -91,9 +92,15 @@ const char* layer_code(LAYER_KIND kind)
     case LAYER_KIND::INLINE_TEXT:
         return "inline";
     case LAYER_KIND::REGTEST_FILE:
+        return "regtest";
+    case LAYER_KIND::PROGRAM:
+        return "program";
+    case LAYER_KIND::WHAT_IF:
+        return "what-if";
+    case LAYER_KIND::UNKNOWN:
         break;
     }
-    return "regtest";
+    return "unknown";
 }
 
 std::optional<LAYER_KIND> layer_of_code(std::string_view code)
@@ -117,9 +124,15 @@ const char* layer_title(LAYER_KIND kind)
     case LAYER_KIND::INLINE_TEXT:
         return "environment";
     case LAYER_KIND::REGTEST_FILE:
+        return "regression-test file";
+    case LAYER_KIND::PROGRAM:
+        return "program";
+    case LAYER_KIND::WHAT_IF:
+        return "what if";
+    case LAYER_KIND::UNKNOWN:
         break;
     }
-    return "regression-test file";
+    return "unknown source";
 }
 
 LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files)
@@ -147,7 +160,7 @@ LAYERS load_layers(const SETTINGS_SCOPE& scope, SECRETS& secrets, INPUT_FILES& f
     }
     if (scope.regtest)
         add_searched(LAYER_KIND::REGTEST_FILE, true);
-    return layers;
+    return changed_layers(std::move(layers), scope.what_if, secrets);
 }
 
 LAYERS single_layer(const std::string& path, INPUT_FILES& files, SECRETS& secrets)
@@ -170,12 +183,32 @@ bool STATEMENTS::next_item(STATEMENT& statement)
     return true;
 }
 
+bool STATEMENTS::next_literal(STATEMENT& statement)
+{
+    const std::vector<LITERAL>& literals = *layers[layer].literals;
+    if (offset == literals.size())
+        return false;
+    const LITERAL& literal = literals[offset++];
+    statement.position = literal.position;
+    statement.text = literal.text;
+    statement.outcome = OUTCOME::STORED;
+    statement.name = literal.name();
+    statement.value = literal.value();
+    return true;
+}
+
 template <typename ACCEPT>
 bool STATEMENTS::next_accepted(STATEMENT& statement, ACCEPT accept)
 {
     for (; layer < layers.size(); ++layer, offset = 0, position = 0)
     {
         statement.layer = layer;
+        if (layers[layer].literals != nullptr)
+        {
+            if (next_literal(statement))
+                return true;
+            continue;
+        }
         if (!is_file(layers[layer].kind))
         {
             statement.position = ++position;
@@ -223,15 +256,18 @@ LOCATION location_of(const LAYERS& layers, const STATEMENT& statement)
 
 std::string location_as_text(const LOCATION& location)
 {
-    return std::string(location.source) + ":" + std::to_string(location.position);
+    if (location.layer == LAYER_KIND::UNKNOWN)
+        return "unknown";
+    return std::string(location.source) + (location.position == 0 ? "" : ":" + std::to_string(location.position));
 }
 
 void write_location_fields(JSON_WRITER& out, const LOCATION* location)
 {
     const bool in_file = location != nullptr && is_file(location->layer);
-    const bool is_item = location != nullptr && !in_file;
+    const std::optional<std::size_t> position =
+        location != nullptr && location->position != 0 ? std::optional(location->position) : std::nullopt;
     out.field("layer", location == nullptr ? std::nullopt : std::optional(layer_code(location->layer)));
     out.field("file", in_file ? std::optional(location->source) : std::nullopt);
-    out.field("line", in_file ? std::optional(location->position) : std::nullopt);
-    out.field("item", is_item ? std::optional(location->position) : std::nullopt);
+    out.field("line", in_file ? position : std::nullopt);
+    out.field("item", in_file ? std::nullopt : position);
 }

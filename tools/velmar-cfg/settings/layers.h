@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,11 +17,19 @@
 #include "tools/velmar-cfg/settings/library_rules.h"
 #include "tools/velmar-cfg/settings/secrets.h"
 
+// A change that is made to settings only to see what it would do. Name and value are taken literally.
+struct WHAT_IF
+{
+    std::string name;
+    std::optional<std::string> value; // nothing to take every assignment to the variable away
+};
+
 // Whose settings are asked for, and what of them is hidden.
 struct SETTINGS_SCOPE
 {
-    std::string project;  // the project's directory; empty for the search's file
-    bool regtest = false; // regtest.ini as well, as regression runs read it
+    std::string project;               // the project's directory; empty for the search's file
+    bool regtest = false;              // regtest.ini as well, as regression runs read it
+    std::vector<WHAT_IF> what_if = {}; // made in this order once all is read
 
     // Never null; copies of the scope have the same.
     std::shared_ptr<SECRETS> secrets = std::make_shared<SECRETS>();
@@ -33,12 +42,18 @@ enum class LAYER_KIND : std::uint8_t
     APPENDED_FILE,
     INLINE_TEXT,
     REGTEST_FILE,
+    PROGRAM, // of a run report: what the program itself set, or a text that it applied
+    WHAT_IF, // what the user wants to see applied
+    UNKNOWN, // of a document that does not say from where it has a value
 };
 
-inline constexpr LAYER_KIND all_layer_kinds[] = {LAYER_KIND::MAIN_FILE, LAYER_KIND::APPENDED_FILE,
-                                                 LAYER_KIND::INLINE_TEXT, LAYER_KIND::REGTEST_FILE};
+inline constexpr LAYER_KIND all_layer_kinds[] = {
+    LAYER_KIND::MAIN_FILE, LAYER_KIND::APPENDED_FILE, LAYER_KIND::INLINE_TEXT, LAYER_KIND::REGTEST_FILE,
+    LAYER_KIND::PROGRAM,   LAYER_KIND::WHAT_IF,       LAYER_KIND::UNKNOWN};
 
-// "main", "appended", "inline" and "regtest": for JSON.
+static_assert(std::size(all_layer_kinds) <= 7, "a LAYER_SET has no bit for more");
+
+// "main", "appended", "inline", "regtest", "program", "what-if" and "unknown": for JSON.
 const char* layer_code(LAYER_KIND kind);
 
 // The layer of that code, if there is one.
@@ -47,19 +62,38 @@ std::optional<LAYER_KIND> layer_of_code(std::string_view code);
 // "main settings file", "file of APPENDED_VELMAR_INI", ...: for people.
 const char* layer_title(LAYER_KIND kind);
 
-// Whether its lines are a file's; else they are items of a text.
-constexpr bool is_file(LAYER_KIND kind)
+// Whether the library itself reads such a layer, wherever it runs.
+constexpr bool is_library_source(LAYER_KIND kind)
 {
-    return kind != LAYER_KIND::INLINE_TEXT;
+    return kind <= LAYER_KIND::REGTEST_FILE;
 }
 
-// Some of the kinds.
+// Whether its statements are lines of a file; else they are items of a text, or stand nowhere.
+constexpr bool is_file(LAYER_KIND kind)
+{
+    return kind == LAYER_KIND::MAIN_FILE || kind == LAYER_KIND::APPENDED_FILE || kind == LAYER_KIND::REGTEST_FILE;
+}
+
+// Whether a variable that such a layer assigns to counts as external: the others never set the mark, nor do they take
+// it away.
+constexpr bool marks_external(LAYER_KIND kind)
+{
+    return kind == LAYER_KIND::MAIN_FILE || kind == LAYER_KIND::INLINE_TEXT;
+}
+
+// Some of the kinds, and whether a variable that they assign to counts as external.
 class LAYER_SET
 {
 public:
     void insert(LAYER_KIND kind)
     {
-        bits = static_cast<std::uint8_t>(bits | bit(kind));
+        insert(kind, marks_external(kind));
+    }
+
+    // The same for a layer that is known to mark, or not to mark, what its kind alone does not tell.
+    void insert(LAYER_KIND kind, bool external)
+    {
+        bits = static_cast<std::uint8_t>(bits | bit(kind) | (external ? external_bit : 0U));
     }
 
     void insert_all(const LAYER_SET& others)
@@ -72,16 +106,16 @@ public:
         return (bits & bit(kind)) != 0;
     }
 
-    // Whether a variable that these layers assign to counts as external: the other two never set the mark, nor do they
-    // take it away.
     bool mark_external() const
     {
-        return contains(LAYER_KIND::MAIN_FILE) || contains(LAYER_KIND::INLINE_TEXT);
+        return (bits & external_bit) != 0;
     }
 
     bool operator==(const LAYER_SET&) const = default;
 
 private:
+    static constexpr std::uint8_t external_bit = 0x80;
+
     static constexpr std::uint8_t bit(LAYER_KIND kind)
     {
         return static_cast<std::uint8_t>(1U << static_cast<unsigned int>(kind));
@@ -92,6 +126,29 @@ private:
 
 // The source of the inline text.
 inline constexpr const char* inline_source = "VELMAR_INI_VARS";
+
+// An assignment that is known by its name and value: no rule for lines or items is applied to it.
+struct LITERAL
+{
+    LITERAL(std::string_view name, std::string_view value, std::size_t at)
+        : text(std::string(name).append("=").append(value)), name_size(name.size()), position(at)
+    {
+    }
+
+    std::string_view name() const
+    {
+        return std::string_view(text).substr(0, name_size);
+    }
+
+    std::string_view value() const
+    {
+        return std::string_view(text).substr(name_size + 1);
+    }
+
+    std::string text; // "NAME=VALUE"
+    std::size_t name_size;
+    std::size_t position; // the line or the item, counted from 1; 0 where it is not known
+};
 
 struct LAYER
 {
@@ -104,6 +161,12 @@ struct LAYER
 
     // What the source is with its secrets shown, for hashes; null when the source holds none.
     std::shared_ptr<const INPUT_FILE> original = {};
+
+    // All that is known of the layer, in the place of its text, which is empty then; else null.
+    std::shared_ptr<const std::vector<LITERAL>> literals = {};
+
+    // Whether what it assigns to counts as external, where that is known and may be otherwise than its kind tells.
+    std::optional<bool> external = {};
 };
 
 using LAYERS = std::vector<LAYER>;
@@ -146,10 +209,11 @@ private:
     template <typename ACCEPT>
     bool next_accepted(STATEMENT& statement, ACCEPT accept);
     bool next_item(STATEMENT& statement);
+    bool next_literal(STATEMENT& statement);
 
     const LAYERS& layers;
     std::size_t layer = 0;
-    std::size_t offset = 0; // into the layer's text
+    std::size_t offset = 0; // into the layer's text, or its literals
     std::size_t position = 0;
     LINE_PARTS parts;
     std::optional<INLINE_ITEMS> items;
@@ -162,16 +226,23 @@ struct LOCATION
 {
     LAYER_KIND layer;
     std::string_view source;
-    std::size_t position; // the line or the item, counted from 1
+    std::size_t position; // the line or the item, counted from 1; 0 where it is not known
 };
 
 LOCATION location_of(const LAYERS& layers, const STATEMENT& statement);
 
-// "velmar.ini:12", or "VELMAR_INI_VARS:2" for the second item.
+// "velmar.ini:12", "VELMAR_INI_VARS:2" for the second item, the source alone where the position is not known, or
+// "unknown".
 std::string location_as_text(const LOCATION& location);
 
+// Whether there is more to say of it than its layer.
+constexpr bool is_located(const LOCATION& location)
+{
+    return location.position != 0 || is_file(location.layer);
+}
+
 // The fields "layer", "file", "line" and "item", all null for a null pointer; "item" is null for a line, "file" and
-// "line" are for an item.
+// "line" are for an item, and a position that is not known is null too.
 void write_location_fields(JSON_WRITER& out, const LOCATION* location);
 
 #endif

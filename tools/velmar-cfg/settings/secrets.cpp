@@ -258,7 +258,7 @@ bool SECRETS::may_hold_secret_name(std::string_view text) const
 std::string SECRETS::mark(std::string_view text)
 {
     if (!key)
-        key = wants_lasting_key ? lasting_mask_key(mask_key_path()) : passing_mask_key();
+        key = lasting_key_path ? lasting_mask_key(*lasting_key_path) : passing_mask_key();
     constexpr std::size_t most = std::numeric_limits<std::uint32_t>::max();
     return mark_of(
         {key->name, hmac_of(key->bytes, text), key->lasting, static_cast<std::uint32_t>(std::min(text.size(), most))});

@@ -33,11 +33,11 @@ public:
     // Names that match the shell pattern are secret too, letter case ignored.
     void add_pattern(std::string pattern);
 
-    // Marks are made under the user's key, which is made with the first mark unless there is one; else under a key of
-    // this process.
+    // Marks are made under the key of the user whose environment this is now, which is made with the first mark unless
+    // there is one; else under a key of this process.
     void use_lasting_key()
     {
-        wants_lasting_key = true;
+        lasting_key_path = mask_key_path();
     }
 
     // Why the user's key was not used for the marks made so far; empty when it was.
@@ -56,7 +56,7 @@ public:
 
 private:
     bool all_shown = false;
-    bool wants_lasting_key = false;
+    std::optional<std::string> lasting_key_path;
     std::vector<std::string> patterns; // besides the built-in ones
     std::optional<MASK_KEY> key;       // of the marks; chosen with the first
 };

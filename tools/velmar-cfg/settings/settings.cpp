@@ -116,7 +116,8 @@ void SETTINGS::count_among_variables(ASSIGNMENT_INDEX assignment, std::uint32_t&
     if (variable.winner != assignment)
         all_assignments[variable.winner].next_to_same = assignment;
     variable.winner = assignment;
-    variable.layers.insert(layers_by_order[all_assignments[assignment].layer].kind);
+    const LAYER& layer = layers_by_order[all_assignments[assignment].layer];
+    variable.layers.insert(layer.kind, layer.external.value_or(marks_external(layer.kind)));
 }
 
 // Where the search for a name begins.

@@ -7,11 +7,13 @@
 
 namespace
 {
-std::string why_not_set(const SETTINGS& settings, const std::string& name)
+std::string why_not_set(const SETTINGS& settings, const std::string& name, bool suggest)
 {
     const std::string not_set = "'" + name + "' is not set";
     if (const KNOWN_VARIABLE* const known = find_known_variable(name); known != nullptr)
         return not_set + (known->default_text.empty() ? "" : "; the catalogue's default is " + known->default_text);
+    if (!suggest)
+        return not_set;
     std::vector<std::string> names = known_variable_names();
     for (std::string& other : names_of_variables(SETTINGS(settings.layers())))
         names.push_back(std::move(other));
@@ -20,15 +22,15 @@ std::string why_not_set(const SETTINGS& settings, const std::string& name)
 
 std::string why_not_usable(const TYPED_ANSWER& answer)
 {
-    const std::string location = location_as_text(*answer.location);
-    return answer.text.empty() ? "'" + answer.name + "' is set to the empty text at " + location
-                               : "'" + answer.name + "' is " + in_single_quotes(answer.text) + " at " + location +
-                                     ": " + what_is_wanted(answer.type);
+    const std::string at = is_located(*answer.location) ? " at " + location_as_text(*answer.location) : "";
+    return answer.text.empty()
+               ? "'" + answer.name + "' is set to the empty text" + at
+               : "'" + answer.name + "' is " + in_single_quotes(answer.text) + at + ": " + what_is_wanted(answer.type);
 }
 }
 
 TYPED_ANSWER answer_typed(const SETTINGS& settings, const std::string& name, READER_TYPE type,
-                          const std::optional<TYPED_VALUE>& fallback)
+                          const std::optional<TYPED_VALUE>& fallback, bool suggest)
 {
     TYPED_ANSWER answer;
     answer.name = name;
@@ -49,7 +51,7 @@ TYPED_ANSWER answer_typed(const SETTINGS& settings, const std::string& name, REA
     else if (!answer.usable && fallback)
         answer.value = *fallback;
     else if (!answer.usable)
-        answer.remark = answer.is_set() ? why_not_usable(answer) : why_not_set(settings, name);
+        answer.remark = answer.is_set() ? why_not_usable(answer) : why_not_set(settings, name, suggest);
     return answer;
 }
 
@@ -70,6 +72,12 @@ TYPED_VALUE default_of_type(READER_TYPE type, std::string_view text)
 void write_json(JSON_WRITER& out, const TYPED_ANSWER& answer)
 {
     out.begin_object();
+    write_fields(out, answer);
+    out.end_object();
+}
+
+void write_fields(JSON_WRITER& out, const TYPED_ANSWER& answer)
+{
     out.field("name", answer.name);
     out.field("type", type_word(answer.type));
     out.key("value");
@@ -78,5 +86,4 @@ void write_json(JSON_WRITER& out, const TYPED_ANSWER& answer)
     out.field("text", answer.text);
     out.field("external", answer.external);
     write_location_fields(out, answer.location ? &*answer.location : nullptr);
-    out.end_object();
 }

@@ -31,9 +31,10 @@ struct TYPED_ANSWER
     }
 };
 
-// `fallback` is what the reader gives as its default; none for a reader without one.
+// `fallback` is what the reader gives as its default; none for a reader without one. The remark on a variable that is
+// not set suggests a similar name unless that is not wanted: it takes a walk over all names.
 TYPED_ANSWER answer_typed(const SETTINGS& settings, const std::string& name, READER_TYPE type,
-                          const std::optional<TYPED_VALUE>& fallback);
+                          const std::optional<TYPED_VALUE>& fallback, bool suggest = true);
 
 // A text as a default of that type. The empty text is one of every type. Throws TOOL_ERROR(USAGE) for a text that no
 // reader of the type could have as its default.
@@ -41,5 +42,8 @@ TYPED_VALUE default_of_type(READER_TYPE type, std::string_view text);
 
 // {"name", "type", "value", "usable", "text", "external", "layer", "file", "line", "item"}.
 void write_json(JSON_WRITER& out, const TYPED_ANSWER& answer);
+
+// Its fields, for an object that has others too.
+void write_fields(JSON_WRITER& out, const TYPED_ANSWER& answer);
 
 #endif

@@ -1,0 +1,578 @@
+// Every command that shows a state, with every kind of state.
+#include <algorithm>
+
+#include "tests/velmar_cfg/running_program.h"
+#include "tests/velmar_cfg/tool_test.h"
+
+namespace
+{
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+using ARGUMENTS = std::vector<std::string>;
+
+constexpr const char* run_report = R"({
+  "schema": "velmar-run-report", "schema_version": 1, "run": "nightly", "release": "23.4",
+  "files": {"main": "project/velmar.ini", "appended": null, "regtest": null},
+  "read": [{"name": "max_fanout", "count": 3, "value": "12", "external": true, "used": true},
+           {"name": "msg_sqlite", "count": 1, "value": "off", "external": true, "used": true},
+           {"name": "asked", "count": 7, "value": null, "external": false, "used": false}],
+  "external_never_read": [{"name": "effort", "value": "5"}], "uncounted": ["once"]
+})";
+
+// The same run, as a host writes it now.
+constexpr const char* run_report_2 = R"({
+  "schema": "velmar-run-report", "schema_version": 2, "run": "nightly", "release": "23.4", "outcome": "fail",
+  "host": "farm7", "process": 4711, "directory": "/proj", "executable": "/opt/velmar/bin/velmar",
+  "started": "2026-11-21T22:00:00Z", "ended": "2026-11-21T22:10:00Z",
+  "environment": [{"name": "VELMAR_INI", "value": null}, {"name": "VELMAR_INI_VARS", "value": "seed=7"}],
+  "sources_complete": true,
+  "sources": [{"layer": "main", "external": true, "path": "/proj/velmar.ini", "size": 90,
+               "modified": "2026-11-20T08:00:00Z", "state": "same"},
+              {"layer": "program", "external": false, "text": "extra=1;effort=6", "state": "same"}],
+  "read": [{"name": "max_fanout", "count": 3, "value": "12", "external": true, "used": true, "source": 0, "line": 2,
+            "overridden": [{"source": 0, "line": 1, "value": "9"}]},
+           {"name": "msg_sqlite", "count": 1, "value": "off", "external": true, "used": true, "source": 0, "line": 5},
+           {"name": "asked", "count": 7, "value": null, "external": false, "used": false, "origin": "unset"}],
+  "external_never_read": [{"name": "effort", "value": "5", "source": 0, "line": 3}],
+  "asked_once": ["once"], "set_never_read": []
+})";
+
+enum class STATE_KIND
+{
+    NOW,
+    PROJECT,
+    SNAPSHOT,
+    STANDARD_INPUT,
+    RUN_REPORT,
+    RUN_REPORT_2,
+    PROCESS,
+    EXECUTABLE,
+};
+
+constexpr STATE_KIND all_kinds[] = {
+    STATE_KIND::NOW,        STATE_KIND::PROJECT,      STATE_KIND::SNAPSHOT, STATE_KIND::STANDARD_INPUT,
+    STATE_KIND::RUN_REPORT, STATE_KIND::RUN_REPORT_2, STATE_KIND::PROCESS,  STATE_KIND::EXECUTABLE};
+
+// What a command does with a kind of state: it answers with this exit code, or refuses with a sentence and exit code 2.
+struct CELL
+{
+    int exit_code;
+    const char* refusal = nullptr; // "%" is the name of the state
+};
+
+constexpr CELL fine = {0};
+constexpr CELL findings = {1};
+constexpr CELL no_snapshot = {
+    2, "%: a snapshot holds only the values that won and where they stand: neither other lines nor the search"};
+constexpr CELL no_run = {2, "%: a run report holds only variables that were set or asked for"};
+constexpr CELL document_already = {2, "%: is a document already; a snapshot is taken of what is read now"};
+constexpr CELL no_counts = {2, "only a run report says how often variables were read; name one with --of"};
+
+struct COMMAND_ROW
+{
+    ARGUMENTS words;
+    bool has_view;  // its text begins with the view
+    bool is_object; // its JSON is an object, which has the view too
+    CELL of_live;   // of here and now, a project, a process, an executable
+    CELL of_snapshot;
+    CELL of_run; // of a run report, version 1
+    CELL of_run_2;
+    const char* text; // what it answers of each of these states, somewhere
+};
+
+const COMMAND_ROW commands[] = {
+    {{"list"}, true, false, fine, fine, fine, fine, "max_fanout=12"},
+    {{"list", "max*"}, true, false, fine, fine, fine, fine, "max_fanout=12"},
+    {{"list", "nothing*"}, true, false, findings, findings, findings, findings, ""},
+    {{"list", "--changed"}, true, false, fine, fine, fine, fine, "msg_sqlite=off"},
+    {{"list", "--all"}, true, false, fine, fine, no_run, no_run, "max_fanout=12"},
+    {{"list", "--read"}, true, false, no_counts, no_counts, fine, fine, "3\tmax_fanout=12"},
+    {{"list", "--show-origin"}, true, false, fine, fine, fine, fine, "max_fanout=12"},
+    {{"list", "--with", "more=1", "--without", "effort"}, true, false, fine, fine, fine, fine, "more=1"},
+    {{"get", "max_fanout"}, false, true, fine, fine, fine, fine, "12\n"},
+    {{"get", "max_fanout", "--type", "int"}, false, true, fine, fine, fine, fine, "12\n"},
+    {{"get", "nothing", "--default", "x"}, false, true, fine, fine, fine, fine, "x\n"},
+    {{"get", "max_fanout", "effort"}, false, false, fine, fine, fine, fine, "max_fanout=12\neffort=5\n"},
+    {{"explain", "max_fanout"}, true, true, fine, fine, fine, fine, "max_fanout = 12"},
+    {{"explain", "nothing"}, true, true, findings, findings, findings, findings, "nothing is not "},
+    {{"layers"}, true, false, fine, fine, fine, fine, "effort"},
+    {{"layers", "--overridden"}, true, false, fine, no_snapshot, no_run, no_run, "main settings file"},
+    {{"paths"}, true, true, fine, no_snapshot, no_run, no_run, "velmar.ini"},
+    {{"snapshot"}, false, true, fine, document_already, document_already, document_already, "\"max_fanout\""},
+    {{"lint"}, true, false, findings, no_snapshot, no_run, no_run, "[no-equals-sign]"},
+    {{"prefs", "list"}, true, false, fine, fine, no_run, no_run, "HDL_PREFERENCE=VHDL"},
+    {{"prefs", "list", "--all"}, true, false, fine, fine, no_run, no_run, "HDL_PREFERENCE=VHDL"},
+    {{"prefs", "get", "HDL_PREFERENCE"}, false, true, fine, fine, no_run, no_run, "VHDL"},
+    {{"prefs", "describe", "HDL_PREFERENCE"}, true, true, fine, fine, no_run, no_run, "value    VHDL"},
+};
+
+class STATES : public TOOL_TEST
+{
+protected:
+    STATES()
+    {
+        write_file("project/velmar.ini",
+                   "max_fanout = 9\nmax_fanout = 12\neffort = 5 # note\nno assignment\nmsg_sqlite = off\n");
+        write_file("user/velmar2.ini", "[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n");
+        write_file("velmar.ini", read_file("project/velmar.ini"));
+        write_file("run.json", run_report);
+        write_file("run2.json", run_report_2);
+        variables["VELMAR2_INI"] = temporary.path("cwd/user");
+        write_file("snapshot.json", run({"snapshot", "--project", "project"}).out);
+        standard_input = temporary.path("cwd/snapshot.json");
+    }
+
+    // The arguments that name the state.
+    ARGUMENTS of(STATE_KIND kind) const
+    {
+        switch (kind)
+        {
+        case STATE_KIND::NOW:
+            return {};
+        case STATE_KIND::PROJECT:
+            return {"--of", "project"};
+        case STATE_KIND::SNAPSHOT:
+            return {"--of", "snapshot.json"};
+        case STATE_KIND::STANDARD_INPUT:
+            return {"--of", "-"};
+        case STATE_KIND::RUN_REPORT:
+            return {"--of", "run.json"};
+        case STATE_KIND::RUN_REPORT_2:
+            return {"--of", "run2.json"};
+        case STATE_KIND::PROCESS:
+            return {"--of", program.state()};
+        case STATE_KIND::EXECUTABLE:
+            break;
+        }
+        return {"--of", "exe:opt/velmar/bin/velmar"};
+    }
+
+    // What the text begins with; empty for the plain view.
+    std::string view_of(STATE_KIND kind) const
+    {
+        const std::string basis = "by the files of now and this tool's own product and release, velmar 23.4";
+        const std::string executable = temporary.path("cwd/opt/velmar/bin/velmar");
+        switch (kind)
+        {
+        case STATE_KIND::NOW:
+        case STATE_KIND::PROJECT:
+            return "";
+        case STATE_KIND::SNAPSHOT:
+            return "as snapshot snapshot.json has it (velmar 23.4, project project)";
+        case STATE_KIND::STANDARD_INPUT:
+            return "as snapshot standard input has it (velmar 23.4, project project)";
+        case STATE_KIND::RUN_REPORT:
+            return "as run nightly had it (run.json, release 23.4)";
+        case STATE_KIND::RUN_REPORT_2:
+            return "as run nightly had it (run2.json, release 23.4, process 4711 on farm7, in /proj, started "
+                   "2026-11-21T22:00:00Z)";
+        case STATE_KIND::PROCESS:
+            return "as process " + std::to_string(program.number()) + " (" + executable + ", in " +
+                   temporary.path("cwd/project") + ") started, " + basis;
+        case STATE_KIND::EXECUTABLE:
+            break;
+        }
+        return "as " + executable + " would read, started here, " + basis;
+    }
+
+    static const CELL& cell(const COMMAND_ROW& row, STATE_KIND kind)
+    {
+        switch (kind)
+        {
+        case STATE_KIND::SNAPSHOT:
+        case STATE_KIND::STANDARD_INPUT:
+            return row.of_snapshot;
+        case STATE_KIND::RUN_REPORT:
+            return row.of_run;
+        case STATE_KIND::RUN_REPORT_2:
+            return row.of_run_2;
+        default:
+            return row.of_live;
+        }
+    }
+
+    // Whether it is refused, as the cell says.
+    bool expect_refusal(const CELL& expected, STATE_KIND kind, const TOOL_RUN& got) const
+    {
+        if (expected.refusal == nullptr)
+            return false;
+        std::string sentence = expected.refusal;
+        const std::string name = kind == STATE_KIND::STANDARD_INPUT ? "standard input"
+                                 : of(kind).empty()                 ? ""
+                                                                    : of(kind).back();
+        if (sentence.starts_with('%'))
+            sentence.replace(0, 1, name);
+        EXPECT_EQ(got, (TOOL_RUN{2, "", "velmar-cfg: " + sentence + "\n"}));
+        return true;
+    }
+
+    const RUNNING_PROGRAM program{make_waiting_executable(temporary.path("cwd/opt/velmar/bin/velmar")),
+                                  made_directory("project"),
+                                  {"VELMAR2_INI=" + temporary.path("cwd/user"), "HOME=" + temporary.path("home")}};
+};
+
+ARGUMENTS operator+(ARGUMENTS a, const ARGUMENTS& b)
+{
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+
+std::string spoken(const ARGUMENTS& words)
+{
+    std::string text;
+    for (const std::string& word : words)
+        text += word + " ";
+    return text;
+}
+
+TEST_F(STATES, each_command_answers_of_each_state_or_refuses_in_one_sentence)
+{
+    for (const COMMAND_ROW& row : commands)
+    {
+        for (const STATE_KIND kind : all_kinds)
+        {
+            const ARGUMENTS words = row.words + of(kind);
+            SCOPED_TRACE(spoken(words));
+            const TOOL_RUN got = run(words);
+            const CELL& expected = cell(row, kind);
+            if (expect_refusal(expected, kind, got))
+                continue;
+            EXPECT_EQ(got.exit_code, expected.exit_code) << got.err;
+            EXPECT_EQ(got.err, "");
+            EXPECT_THAT(got.out, HasSubstr(row.text));
+            const std::string view = view_of(kind);
+            const bool changed = std::ranges::count(row.words, "--with") > 0;
+            const std::string first_line = view + (changed ? "; what if: with more=1, without effort\n" : "\n");
+            EXPECT_EQ(!view.empty() && got.out.starts_with(first_line), row.has_view && !view.empty()) << got.out;
+            EXPECT_EQ(got.out.find("as ") == 0, row.has_view && !view.empty()) << got.out;
+        }
+    }
+}
+
+TEST_F(STATES, each_command_answers_in_json_or_refuses_in_one_sentence)
+{
+    for (const COMMAND_ROW& row : commands)
+    {
+        const STATE_KIND sample_kind = row.of_live.refusal == nullptr ? STATE_KIND::NOW : STATE_KIND::RUN_REPORT;
+        const nlohmann::json plain = run(row.words + of(sample_kind) + ARGUMENTS{"--json"}).json();
+        for (const STATE_KIND kind : all_kinds)
+        {
+            const ARGUMENTS words = row.words + of(kind) + ARGUMENTS{"--json"};
+            SCOPED_TRACE(spoken(words));
+            const TOOL_RUN got = run(words);
+            const CELL& expected = cell(row, kind);
+            if (expect_refusal(expected, kind, got))
+                continue;
+            EXPECT_EQ(got.exit_code, expected.exit_code) << got.err;
+            EXPECT_EQ(got.err, "");
+            const nlohmann::json document = got.json();
+            EXPECT_EQ(document.is_array(), plain.is_array());
+            const bool has_view = row.is_object && !view_of(kind).empty() && row.words.front() != "snapshot";
+            EXPECT_EQ(document.is_object() && document.contains("view"), has_view);
+            if (has_view)
+            {
+                EXPECT_EQ(document.at("view"), view_of(kind));
+            }
+            // Whatever the state, the members are those of here and now.
+            EXPECT_EQ(document.empty(), plain.empty());
+            if (document.empty())
+                continue;
+            const nlohmann::json& sample = document.is_array() ? document.at(0) : document;
+            for (const auto& [name, value] : (plain.is_array() ? plain.at(0) : plain).items())
+                EXPECT_TRUE(sample.contains(name)) << name;
+        }
+    }
+}
+
+TEST_F(STATES, diff_compares_each_state_with_each)
+{
+    for (const STATE_KIND a : all_kinds)
+    {
+        for (const STATE_KIND b : all_kinds)
+        {
+            if (a == STATE_KIND::NOW || (a == STATE_KIND::STANDARD_INPUT && b == STATE_KIND::STANDARD_INPUT))
+                continue;
+            ARGUMENTS words = {"diff", of(a).back()};
+            if (b != STATE_KIND::NOW)
+                words.push_back(of(b).back());
+            for (const ARGUMENTS& more : {ARGUMENTS{}, ARGUMENTS{"--json"}})
+            {
+                SCOPED_TRACE(spoken(words + more));
+                const TOOL_RUN got = run(words + more + ARGUMENTS{"--only", "variables"});
+                EXPECT_EQ(got.err, "");
+                EXPECT_EQ(got.exit_code, 0) << got.out; // the same variables everywhere, as far as they are known
+            }
+        }
+    }
+}
+
+// --- What a state does not know ---
+
+TEST_F(STATES, a_refusal_says_what_such_a_state_holds)
+{
+    const std::string of_run = "run.json: a run report holds only variables that were set or asked for\n";
+    const std::string of_snapshot = "snapshot.json: a snapshot holds only the values that won and where they stand: "
+                                    "neither other lines nor the search\n";
+    EXPECT_EQ(run({"paths", "--of", "run.json"}), (TOOL_RUN{2, "", "velmar-cfg: " + of_run}));
+    EXPECT_EQ(run({"lint", "--of", "snapshot.json"}), (TOOL_RUN{2, "", "velmar-cfg: " + of_snapshot}));
+    EXPECT_EQ(
+        run({"snapshot", "--of", "snapshot.json"}),
+        (TOOL_RUN{2, "",
+                  "velmar-cfg: snapshot.json: is a document already; a snapshot is taken of what is read now\n"}));
+    EXPECT_EQ(
+        run({"list", "--read"}),
+        (TOOL_RUN{2, "", "velmar-cfg: only a run report says how often variables were read; name one with --of\n"}));
+}
+
+TEST_F(STATES, what_a_run_report_does_not_hold_is_not_said_to_be_unset)
+{
+    EXPECT_EQ(run({"get", "other", "--of", "run.json"}),
+              (TOOL_RUN{1, "",
+                        "velmar-cfg: 'other' is not in run.json: a run report holds only variables that were set or "
+                        "asked for\n"}));
+    EXPECT_EQ(run({"get", "other", "--of", "run.json", "--default", "x"}), (TOOL_RUN{0, "x\n", ""}));
+    const TOOL_RUN explained = run({"explain", "other", "--of", "run.json"});
+    EXPECT_EQ(explained.exit_code, 1);
+    EXPECT_THAT(explained.out, HasSubstr("\nother is not known: a run report holds only"));
+    EXPECT_EQ(run({"get", "other", "--of", "snapshot.json"}).err, "velmar-cfg: 'other' is not set\n");
+}
+
+TEST_F(STATES, what_a_run_left_unset_is_known)
+{
+    EXPECT_EQ(run({"get", "ASKED", "--of", "run2.json"}), (TOOL_RUN{1, "", "velmar-cfg: 'ASKED' is not set\n"}));
+    EXPECT_EQ(run({"get", "once", "--of", "run2.json"}).err, "velmar-cfg: 'once' is not set\n");
+    EXPECT_THAT(run({"get", "other", "--of", "run2.json"}).err, HasSubstr("'other' is not in run2.json: a run"));
+    EXPECT_THAT(run({"get", "asked", "--of", "run.json"}).err, HasSubstr("'asked' is not in run.json: a run"));
+    EXPECT_THAT(run({"explain", "once", "--of", "run2.json"}).out, HasSubstr("\nonce is not set\n"));
+    // So it is where the user asks what would be without an assignment.
+    EXPECT_EQ(run({"get", "effort", "--without", "effort", "--of", "run2.json"}).err,
+              "velmar-cfg: 'effort' is not set\n");
+
+    write_file("project/velmar.ini", "max_fanout = 12\neffort = 5\nmsg_sqlite = off\nasked = 1\nother = 2\n");
+    EXPECT_THAT(run({"diff", "run2.json", "project", "--only", "variables"}).out,
+                HasSubstr("\nVariables\n  asked, by main settings file\n    A  not set\n"
+                          "    B  1  at project/velmar.ini:4 (main settings file, external)\n"));
+    EXPECT_EQ(run({"diff", "run2.json", "project", "--json"}).json().at("variables").size(), 1U);
+    EXPECT_EQ(run({"diff", "run.json", "project", "--only", "variables"}).exit_code, 0);
+}
+
+TEST_F(STATES, a_run_report_of_version_2_tells_origins)
+{
+    EXPECT_EQ(run({"list", "--show-origin", "--of", "run2.json"}).out,
+              view_of(STATE_KIND::RUN_REPORT_2) + "\n/proj/velmar.ini:3\teffort=5\n/proj/velmar.ini:2\tmax_fanout=12\n"
+                                                  "/proj/velmar.ini:5\tmsg_sqlite=off\n");
+    EXPECT_THAT(run({"explain", "max_fanout", "--of", "run2.json"}).out,
+                HasSubstr("\nmax_fanout = 12\nassignments, the last one wins:\n"
+                          "  lost  /proj/velmar.ini:1  max_fanout = 9  (main settings file)\n"
+                          "  won   /proj/velmar.ini:2  max_fanout = 12  (main settings file)\nread: 3 times\n"));
+    EXPECT_EQ(run({"layers", "--of", "run2.json"}).out,
+              view_of(STATE_KIND::RUN_REPORT_2) +
+                  "\nonly assignments to variables that the run met are known\n"
+                  "main settings file  /proj/velmar.ini\n     1  max_fanout=9  lost to /proj/velmar.ini:2\n"
+                  "     2  max_fanout=12\n     3  effort=5\n     5  msg_sqlite=off\n");
+    nlohmann::json report = nlohmann::json::parse(run_report_2);
+    report["sources"][0]["state"] = "changed"; // so that there may be others
+    report["read"][1] = {{"name", "msg_sqlite"}, {"count", 1},   {"value", "off"},
+                         {"external", true},     {"used", true}, {"origin", "program"}};
+    report["external_never_read"][0] = {{"name", "effort"},    {"value", "6"},
+                                        {"origin", "program"}, {"source", 1},
+                                        {"item", 2},           {"overridden", {{{"source", 0}, {"value", "5"}}}}};
+    write_file("other.json", report.dump());
+    EXPECT_THAT(run({"list", "--show-origin", "--of", "other.json"}).out,
+                HasSubstr("\na text:2\teffort=6\n/proj/velmar.ini:2\tmax_fanout=12\nthe program\tmsg_sqlite=off\n"));
+    EXPECT_THAT(run({"explain", "effort", "--of", "other.json"}).out,
+                HasSubstr("\nassignments that are known, the last one won:\n"
+                          "  lost  /proj/velmar.ini  effort = 5  (main settings file)\n"
+                          "  won   a text:2          effort = 6  (program)\n"));
+    EXPECT_EQ(run({"get", "msg_sqlite", "--of", "other.json", "--json"}).json().at("layer"), "program");
+    // Two runs lead to the cause without their project.
+    EXPECT_THAT(run({"diff", "run2.json", "other.json"}).out, HasSubstr("\nVariables\n  effort, by program\n"));
+}
+
+TEST_F(STATES, environments_of_runs_are_compared_as_far_as_both_know_them)
+{
+    nlohmann::json report = nlohmann::json::parse(run_report_2);
+    report["environment"][1]["value"] = "seed=8";
+    report["environment"].push_back({{"name", "HOME"}, {"value", "/home/x"}});
+    write_file("other.json", report.dump());
+    EXPECT_EQ(run({"diff", "run2.json", "other.json", "--json"}).json().at("environment"),
+              R"([{"name": "VELMAR_INI_VARS", "a": "seed=7", "b": "seed=8"}])"_json);
+    EXPECT_EQ(run({"diff", "run.json", "other.json", "--json"}).json().at("environment"), nlohmann::json::array());
+}
+
+TEST_F(STATES, an_origin_that_is_not_known_is_called_so)
+{
+    EXPECT_EQ(run({"list", "--show-origin", "--of", "run.json"}).out,
+              view_of(STATE_KIND::RUN_REPORT) +
+                  "\nunknown\teffort=5\nunknown\tmax_fanout=12\nunknown\tmsg_sqlite=off\n");
+    EXPECT_EQ(run({"get", "effort", "--of", "run.json", "--json"}).json(),
+              R"json({"name": "effort", "type": "text", "value": "5", "usable": true, "text": "5",
+                      "external": true, "layer": "unknown", "file": null, "line": null, "item": null,
+                      "view": "as run nightly had it (run.json, release 23.4)"})json"_json);
+    EXPECT_EQ(run({"get", "effort", "--type", "bool", "--of", "run.json"}).err,
+              "velmar-cfg: 'effort' is '5': no switch (on, 1, true, off, 0, false)\n");
+    EXPECT_THAT(run({"explain", "max_fanout", "--of", "run.json"}).out,
+                HasSubstr("\nmax_fanout = 12\nassignment that won, others are not known:\n"
+                          "  won   unknown  max_fanout = 12  (unknown source)\nread: 3 times\n"));
+}
+
+TEST_F(STATES, a_snapshot_knows_where_its_values_stand)
+{
+    EXPECT_EQ(run({"list", "--show-origin", "--of", "snapshot.json"}).out,
+              view_of(STATE_KIND::SNAPSHOT) + "\nproject/velmar.ini:3\teffort=5\nproject/velmar.ini:2\tmax_fanout=12\n"
+                                              "project/velmar.ini:5\tmsg_sqlite=off\n");
+    EXPECT_EQ(run({"layers", "--of", "snapshot.json"}).out,
+              view_of(STATE_KIND::SNAPSHOT) +
+                  "\nonly the values that won are known\nmain settings file  project/velmar.ini\n"
+                  "     2  max_fanout=12\n     3  effort=5\n     5  msg_sqlite=off\n");
+    EXPECT_EQ(run({"list", "--of", "snapshot.json", "--external", "--json"}).json().size(), 3U);
+}
+
+TEST_F(STATES, external_marks_come_from_the_document)
+{
+    nlohmann::json snapshot = nlohmann::json::parse(read_file("snapshot.json"));
+    snapshot["variables"][1]["layer"] = "regtest"; // still set by the main file too
+    snapshot["variables"][2]["layer"] = "appended";
+    snapshot["variables"][2]["external"] = false;
+    write_file("marks.json", snapshot.dump());
+    EXPECT_THAT(run({"list", "--of", "marks.json", "--external"}).out,
+                AllOf(HasSubstr("max_fanout=12\n"), HasSubstr("effort=5\n"), Not(HasSubstr("msg_sqlite"))));
+}
+
+TEST_F(STATES, a_snapshot_of_an_older_release_may_not_know_a_preference)
+{
+    nlohmann::json snapshot = nlohmann::json::parse(read_file("snapshot.json"));
+    std::erase_if(snapshot["preferences"].get_ref<nlohmann::json::array_t&>(),
+                  [](const nlohmann::json& row) { return row.at("key") == "HDL_PREFERENCE"; });
+    write_file("old.json", snapshot.dump());
+    EXPECT_EQ(run({"prefs", "get", "HDL_PREFERENCE", "--of", "old.json"}),
+              (TOOL_RUN{2, "",
+                        "velmar-cfg: old.json: knows no preference HDL_PREFERENCE, which its release may not have "
+                        "had\n"}));
+    EXPECT_THAT(run({"prefs", "list", "--all", "--of", "old.json"}).out, Not(HasSubstr("\nHDL_PREFERENCE=")));
+    EXPECT_EQ(run({"prefs", "list", "--all", "--json", "--of", "old.json"}).json().size(), 120U);
+}
+
+TEST_F(STATES, secrets_of_documents_are_masked_in_all_but_get)
+{
+    write_file("project/velmar.ini", "api_token = S3CRET\n");
+    write_file("secret.json", run({"snapshot", "--project", "project", "--with-secrets"}).out);
+    EXPECT_THAT(run({"list", "--of", "secret.json"}).out, HasSubstr("api_token=\\(masked)\n"));
+    EXPECT_EQ(run({"get", "api_token", "--of", "secret.json"}).out, "S3CRET\n");
+}
+
+// --- Names ---
+
+TEST_F(STATES, a_file_that_is_called_as_a_process_is_reached_by_its_directory)
+{
+    write_file("pid:5", run_report);
+    mkdir("exe:x", 0777);
+    write_file("exe:x/velmar.ini", "a = 1\n");
+    EXPECT_EQ(run({"get", "effort", "--of", "./pid:5"}).out, "5\n");
+    EXPECT_EQ(run({"get", "a", "--of", "./exe:x"}).out, "1\n");
+    for (const char* const name : {"pid:", "pid:x", "pid:-1", "pid:0", "pid:5x", "pid:99999999999"})
+    {
+        EXPECT_EQ(run({"list", "--of", name}),
+                  (TOOL_RUN{2, "",
+                            std::string("velmar-cfg: ") + name +
+                                ": pid: wants the number of a process, such as pid:4711; a file of that name is ./" +
+                                name + "\n"}));
+    }
+    EXPECT_EQ(run({"list", "--of="}).exit_code, 2);
+}
+
+TEST_F(STATES, a_file_that_is_no_document_is_refused)
+{
+    EXPECT_EQ(run({"list", "--of", "missing"}).exit_code, 3);
+    write_file("other.json", R"({"schema": "other", "schema_version": 1})");
+    EXPECT_EQ(run({"list", "--of", "other.json"}),
+              (TOOL_RUN{3, "",
+                        "velmar-cfg: other.json: is no snapshot or run report; give one that velmar-cfg snapshot or a "
+                        "host's cfg_write_run_report has written\n"}));
+    write_file("new.json", R"({"schema": "velmar-run-report", "schema_version": 99})");
+    EXPECT_THAT(run({"list", "--of", "new.json"}).err, HasSubstr("new.json: is a run report of version 99, and"));
+    EXPECT_THAT(run({"list", "--of", "project/velmar.ini"}).err,
+                HasSubstr("give a snapshot or run report as velmar-cfg snapshot or a host's cfg_write_run_report"));
+}
+
+// --- Options that say otherwise ---
+
+TEST_F(STATES, options_that_say_otherwise_are_refused)
+{
+    mkdir("root", 0777);
+    EXPECT_EQ(run({"--project", "project", "list", "--of", "project"}).err,
+              "velmar-cfg: --of and --project exclude each other: a project is --of DIR too\n");
+    for (const char* const state : {"snapshot.json", "run.json", "exe:opt/velmar/bin/velmar"})
+        EXPECT_EQ(run({"--root", "root", "list", "--of", state}).exit_code, 2) << state;
+    EXPECT_EQ(run({"--root", "root", "list", "--of", "project"}).exit_code, 0);
+    EXPECT_EQ(run({"lint", "velmar.ini", "--of", "project"}),
+              (TOOL_RUN{2, "", "velmar-cfg: --of and files exclude each other\n"}));
+}
+
+TEST_F(STATES, what_changes_files_is_of_here_and_now)
+{
+    const std::string settings = read_file("velmar.ini");
+    EXPECT_EQ(run({"lint", "--fix", "--of", "project"}),
+              (TOOL_RUN{2, "",
+                        "velmar-cfg: --fix changes files of here and now, or of --project DIR; --of excludes that\n"}));
+    for (const ARGUMENTS& words :
+         {ARGUMENTS{"set", "max_fanout", "1"}, ARGUMENTS{"unset", "max_fanout"},
+          ARGUMENTS{"prefs", "set", "HDL_PREFERENCE", "Verilog"}, ARGUMENTS{"prefs", "reset", "HDL_PREFERENCE"}})
+    {
+        for (const STATE_KIND kind : all_kinds)
+        {
+            if (kind == STATE_KIND::NOW)
+                continue;
+            SCOPED_TRACE(spoken(words + of(kind)));
+            const TOOL_RUN got = run(words + of(kind));
+            EXPECT_EQ(got.exit_code, 2);
+            EXPECT_EQ(got.out, "");
+            const std::string command = words.front() == "prefs" ? "prefs " + words[1] : words.front();
+            EXPECT_EQ(got.err, "velmar-cfg: only commands that show one state take '--of'; see velmar-cfg " + command +
+                                   " --help\n");
+        }
+    }
+    EXPECT_EQ(read_file("velmar.ini"), settings);
+    EXPECT_EQ(read_file("user/velmar2.ini"), "[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n");
+}
+
+TEST_F(STATES, regtest_beside_a_document_that_says_otherwise_is_refused)
+{
+    write_file("project/regtest.ini", "seed = 7\n");
+    write_file("regression.json", run({"snapshot", "--project", "project", "--regtest"}).out);
+    nlohmann::json report = nlohmann::json::parse(run_report);
+    report["files"]["regtest"] = "project/regtest.ini";
+    write_file("regression_run.json", report.dump());
+    EXPECT_EQ(
+        run({"list", "--regtest", "--of", "snapshot.json"}),
+        (TOOL_RUN{2, "",
+                  "velmar-cfg: snapshot.json: the snapshot was taken without regtest.ini; leave --regtest out\n"}));
+    EXPECT_EQ(run({"list", "--regtest", "--of", "run.json"}),
+              (TOOL_RUN{2, "", "velmar-cfg: run.json: the run read without regtest.ini; leave --regtest out\n"}));
+    EXPECT_EQ(run({"diff", "--regtest", "snapshot.json"}).exit_code, 2);
+    for (const char* const document : {"regression.json", "regression_run.json"})
+        EXPECT_EQ(run({"list", "--regtest", "--of", document}).exit_code, 0) << document;
+    EXPECT_EQ(run({"list", "--regtest", "--of", "project"}).out, "effort=5\nmax_fanout=12\nmsg_sqlite=off\nseed=7\n");
+}
+
+TEST_F(STATES, a_diff_without_b_reads_now_for_the_project_and_with_the_mark_of_a)
+{
+    write_file("project/regtest.ini", "seed = 7\n");
+    write_file("regression.json", run({"snapshot", "--project", "project", "--regtest"}).out);
+    write_file("velmar.ini", "other = 1\n");
+    EXPECT_EQ(run({"diff", "regression.json"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(run({"diff", "snapshot.json"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(run({"diff", "snapshot.json", "--project", "user"}).exit_code, 1); // which has none, so that the search's
+    nlohmann::json elsewhere = nlohmann::json::parse(read_file("snapshot.json"));
+    elsewhere["project"] = "gone";
+    write_file("elsewhere.json", elsewhere.dump());
+    EXPECT_EQ(run({"diff", "elsewhere.json"}),
+              (TOOL_RUN{3, "",
+                        "velmar-cfg: gone: no such directory; name what to compare with, or give --project an existing "
+                        "one\n"}));
+    EXPECT_EQ(run({"diff", "elsewhere.json", "project"}).exit_code, 0); // what a project is called makes no difference
+}
+}

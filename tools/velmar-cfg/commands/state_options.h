@@ -1,0 +1,40 @@
+// The options of commands that show a state, and the state that they ask for.
+#ifndef TOOLS_VELMAR_CFG_COMMANDS_STATE_OPTIONS_H
+#define TOOLS_VELMAR_CFG_COMMANDS_STATE_OPTIONS_H
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/velmar-cfg/commands/command.h"
+#include "tools/velmar-cfg/commands/tool.h"
+#include "tools/velmar-cfg/states/state.h"
+
+struct STATE_OPTIONS
+{
+    std::optional<std::string> of;
+    std::vector<WHAT_IF> what_if;
+};
+
+inline constexpr const char* state_option = "--of";
+
+// The option --of.
+void add_state_option(COMMAND& command, STATE_OPTIONS& options);
+
+// The options --with and --without, for commands about variables; `whose` ends the descriptions.
+void add_what_if_options(COMMAND& command, std::vector<WHAT_IF>& what_if, const std::string& whose = "");
+
+// The state that the options name, with those parts, its secrets hidden by `secrets`. Throws TOOL_ERROR.
+STATE state_of(const STATE_OPTIONS& options, const STATE_PARTS& parts, TOOL& tool, std::shared_ptr<SECRETS> secrets);
+
+// The same, with the secrets hidden that the command line asks for.
+STATE state_of(const STATE_OPTIONS& options, const STATE_PARTS& parts, TOOL& tool);
+
+// Begins an answer for people: whose view it is, unless it is the plain one.
+void write_view(const STATE& state, OUTPUT& out);
+
+// The same as the member "view" of a JSON object.
+void write_view_field(JSON_WRITER& out, const STATE& state);
+
+#endif

@@ -1,0 +1,16 @@
+#include "tools/velmar-cfg/documents/any_document.h"
+
+#include <string_view>
+
+#include "tools/velmar-cfg/base/json_reader.h"
+#include "tools/velmar-cfg/documents/snapshot_json.h"
+
+ANY_DOCUMENT read_any_document(const std::string& path, SECRETS& secrets)
+{
+    SNAPSHOT_READER snapshot(secrets);
+    const DOCUMENT_FORMAT of_snapshot = snapshot.format();
+    const JSON_DOCUMENT document(path, {of_snapshot, run_report_format()});
+    if (std::string_view(document.kind().schema) == of_snapshot.kind.schema)
+        return snapshot.finish(document);
+    return run_report_in(document, path, secrets);
+}

@@ -1,0 +1,87 @@
+#include "tools/velmar-cfg/settings/what_if.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "tools/velmar-cfg/settings/library_rules.h"
+
+namespace
+{
+// Whether the statement that is next on the walk assigns to the variable.
+bool assigns_to(const STATEMENT& statement, std::string_view name)
+{
+    return statement.outcome == OUTCOME::STORED && same_name(statement.name, name);
+}
+
+// The text of the layer without the statements that assign to the variable. What is left keeps its separators: a
+// statement holds none, and the separator of items is the first of either sign, which none can stand before.
+std::string text_without(const LAYER& layer, std::string_view name)
+{
+    const LAYERS only = {layer};
+    const std::string_view text =
+        is_file(layer.kind) ? layer.source->whole_lines() : std::string_view(layer.source->bytes);
+    std::string kept;
+    std::size_t end = 0; // of what is kept or left out
+    STATEMENTS statements(only);
+    for (STATEMENT statement{}; statements.next(statement);)
+    {
+        if (!assigns_to(statement, name))
+            continue;
+        const auto begin = static_cast<std::size_t>(statement.text.data() - text.data());
+        kept.append(text, end, begin - end);
+        end = begin + statement.text.size();
+    }
+    return kept.append(text, end);
+}
+
+LAYER layer_without(const LAYER& layer, std::string_view name)
+{
+    LAYER changed = layer;
+    if (layer.literals != nullptr)
+    {
+        auto kept = std::make_shared<std::vector<LITERAL>>(*layer.literals);
+        std::erase_if(*kept, [name](const LITERAL& literal) { return same_name(literal.name(), name); });
+        changed.literals = std::move(kept);
+        return changed;
+    }
+    auto source = std::make_shared<INPUT_FILE>(*layer.source);
+    source->bytes = text_without(layer, name);
+    changed.source = std::move(source);
+    return changed;
+}
+}
+
+LAYERS changed_layers(LAYERS layers, const std::vector<WHAT_IF>& changes, SECRETS& secrets)
+{
+    auto set = std::make_shared<std::vector<LITERAL>>();
+    std::size_t values = 0; // that were set so far, those taken away again too
+    for (const auto& [name, value] : changes)
+    {
+        if (value)
+        {
+            set->emplace_back(name, hide_in_value(name, *value, secrets, ""), ++values);
+            continue;
+        }
+        for (LAYER& layer : layers)
+            layer = layer_without(layer, name);
+        std::erase_if(*set, [&name](const LITERAL& literal) { return same_name(literal.name(), name); });
+    }
+    if (values == 0)
+        return layers;
+    LAYER on_top{LAYER_KIND::WHAT_IF, std::make_shared<const INPUT_FILE>(INPUT_FILE{what_if_source, {}, {}})};
+    on_top.literals = std::move(set);
+    layers.push_back(std::move(on_top));
+    return layers;
+}
+
+std::string changes_as_text(const std::vector<WHAT_IF>& changes, SECRETS& secrets)
+{
+    std::string text;
+    for (const auto& [name, value] : changes)
+    {
+        text += (text.empty() ? "" : ", ") + std::string(value ? "with " : "without ") + name;
+        if (value)
+            text += "=" + hide_in_value(name, *value, secrets, "");
+    }
+    return text;
+}

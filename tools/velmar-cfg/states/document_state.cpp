@@ -1,0 +1,228 @@
+// A document that knows no lines is made of layers that hold its rows as they are, a layer for each source that they
+// name. In a snapshot each variable is in one row, so that the order of the rows means nothing; the layers are in the
+// order in which they apply. A run report of version 2 has the assignments that lost as well (see RUN_LAYERS).
+#include "tools/velmar-cfg/states/document_state.h"
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+#include <utility>
+#include <variant>
+
+#include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/documents/any_document.h"
+#include "tools/velmar-cfg/settings/variable_name.h"
+#include "tools/velmar-cfg/settings/what_if.h"
+
+namespace
+{
+LAYERS layers_of(const SNAPSHOT_VARIABLES& variables)
+{
+    using SOURCE = std::tuple<LAYER_KIND, std::string_view, bool>;
+    std::map<SOURCE, std::vector<LITERAL>> rows;
+    for (std::size_t i = 0; i < variables.size(); ++i)
+    {
+        const SNAPSHOT_VARIABLE variable = variables[i];
+        rows[{variable.location.layer, variable.location.source, variable.external}].emplace_back(
+            variable.name, variable.value, variable.location.position);
+    }
+    LAYERS layers;
+    for (auto& [source, literals] : rows)
+    {
+        const auto& [kind, path, external] = source;
+        std::ranges::stable_sort(literals, {}, &LITERAL::position);
+        LAYER layer{kind, std::make_shared<const INPUT_FILE>(INPUT_FILE{std::string(path), {}, {}})};
+        layer.literals = std::make_shared<const std::vector<LITERAL>>(std::move(literals));
+        layer.external = external;
+        layers.push_back(std::move(layer));
+    }
+    return layers;
+}
+
+// The assignments that a run report knows of. The layers are its sources in the order in which they were applied, then
+// what has no place in one. What lost to an assignment of an earlier source, as loads that overlap in time can make it,
+// is in layers before all of them: the last assignment to a variable is always the one that won.
+class RUN_LAYERS
+{
+public:
+    explicit RUN_LAYERS(const RUN_REPORT& of_run) : report(of_run) {}
+
+    void add(const std::string& name, const std::string& value, bool external, const RUN_ORIGIN& origin)
+    {
+        const std::size_t program = report.sources.size();
+        const std::size_t unknown = program + 1;
+        std::size_t winner = origin.kind == RUN_ORIGIN::KIND::PROGRAM ? program : unknown;
+        if (origin.place)
+            winner = origin.place->source;
+        for (const RUN_ASSIGNMENT& lost : origin.overridden)
+            rows[{lost.place.source <= winner, lost.place.source, LOST}].emplace_back(name, lost.value,
+                                                                                      lost.place.position);
+        rows[{true, winner, external ? WON_EXTERNAL : WON}].emplace_back(name, value,
+                                                                         origin.place ? origin.place->position : 0);
+    }
+
+    LAYERS layers()
+    {
+        LAYERS all;
+        for (auto& [group, literals] : rows)
+        {
+            const auto& [in_order, source, part] = group;
+            std::ranges::stable_sort(literals, {}, &LITERAL::position);
+            LAYER layer = layer_of(source);
+            layer.literals = std::make_shared<const std::vector<LITERAL>>(std::move(literals));
+            layer.external = part == WON_EXTERNAL;
+            all.push_back(std::move(layer));
+        }
+        return all;
+    }
+
+private:
+    // Of the rows of one source, in this order.
+    enum PART
+    {
+        LOST,
+        WON,
+        WON_EXTERNAL,
+    };
+
+    LAYER layer_of(std::size_t source) const
+    {
+        LAYER_KIND kind = source == report.sources.size() ? LAYER_KIND::PROGRAM : LAYER_KIND::UNKNOWN;
+        std::string path = "the program";
+        if (source < report.sources.size())
+        {
+            const RUN_SOURCE& applied = report.sources[source];
+            kind = applied.layer.value_or(LAYER_KIND::PROGRAM);
+            path = applied.path.value_or(applied.layer ? inline_source : "a text");
+        }
+        return {kind, std::make_shared<const INPUT_FILE>(INPUT_FILE{std::move(path), {}, {}})};
+    }
+
+    const RUN_REPORT& report;
+    std::map<std::tuple<bool, std::size_t, PART>, std::vector<LITERAL>> rows;
+};
+
+LAYERS layers_of(const RUN_REPORT& report)
+{
+    RUN_LAYERS rows(report);
+    for (const READ_VARIABLE& variable : report.read)
+    {
+        if (variable.value)
+            rows.add(variable.name, *variable.value, variable.external, variable.origin);
+    }
+    for (const UNREAD_VARIABLE& variable : report.external_never_read)
+        rows.add(variable.name, variable.value, true, variable.origin);
+    return rows.layers();
+}
+
+VARIABLE_NAMES unset_in(const RUN_REPORT& report)
+{
+    VARIABLE_NAMES names(report.asked_once.begin(), report.asked_once.end());
+    for (const READ_VARIABLE& variable : report.read)
+    {
+        if (!variable.value && variable.origin.kind == RUN_ORIGIN::KIND::UNSET)
+            names.insert(variable.name);
+    }
+    return names;
+}
+
+// What a run report says beside its variables, as far as it can be compared.
+SNAPSHOT snapshot_of(const RUN_REPORT& report)
+{
+    SNAPSHOT snapshot;
+    snapshot.of_run = true;
+    snapshot.lossy = report.version == 1;
+    snapshot.release = report.release;
+    snapshot.regtest = report.regtest_file.has_value();
+    snapshot.environment = report.environment;
+    snapshot.known_unset = unset_in(report);
+    return snapshot;
+}
+
+bool knows_all_sources(const RUN_REPORT& report)
+{
+    return report.version != 1 && report.sources_complete &&
+           std::ranges::all_of(report.sources, [](const RUN_SOURCE& source) { return source.state == "same"; });
+}
+
+// ", process 4711 on farm7, in /proj/cpu, started 2026-11-22T08:00:00Z", as far as that is known.
+std::string circumstances_in_words(const RUN_REPORT& report)
+{
+    return (report.process ? ", process " + std::to_string(*report.process) : "") +
+           (report.host ? " on " + *report.host : "") + (report.directory ? ", in " + *report.directory : "") +
+           (report.started ? ", started " + *report.started : "");
+}
+
+std::vector<READ_COUNT> reads_of(const RUN_REPORT& report)
+{
+    std::vector<READ_COUNT> reads;
+    for (const READ_VARIABLE& variable : report.read)
+        reads.push_back({variable.name, variable.count});
+    return reads;
+}
+
+std::string project_in_words(const SNAPSHOT& snapshot)
+{
+    return (snapshot.project.empty() ? "" : ", project " + snapshot.project) +
+           (snapshot.regtest ? ", regression test" : "");
+}
+
+void require_regtest(const std::string& path, bool regtest, const char* otherwise)
+{
+    if (!regtest)
+        throw TOOL_ERROR(EXIT_CODE::USAGE,
+                         title_of_named_file(path) + ": " + otherwise + " without regtest.ini; leave --regtest out");
+}
+
+STATE state_of(SNAPSHOT snapshot, const std::string& path, const STATE_PARTS& parts)
+{
+    STATE state;
+    state.limits = "a snapshot holds only the values that won and where they stand: neither other lines nor the search";
+    state.known_lines = KNOWN_LINES::WINNERS;
+    state.view = "as snapshot " + title_of_named_file(path) + " has it (" + snapshot.product + " " + snapshot.release +
+                 project_in_words(snapshot) + ")";
+    state.environment = snapshot.environment;
+    if (parts.preferences)
+        state.preferences.emplace(snapshot.preferences);
+    state.snapshot = std::move(snapshot);
+    return state;
+}
+
+STATE state_of(const RUN_REPORT& report, const std::string& path)
+{
+    STATE state;
+    state.limits = "a run report holds only variables that were set or asked for";
+    state.knows_unset = false;
+    state.known_lines = knows_all_sources(report) ? KNOWN_LINES::ASSIGNMENTS : KNOWN_LINES::WINNERS;
+    state.view = "as run " + report.run + " had it (" +
+                 (report.run == report.file ? "" : title_of_named_file(path) + ", ") + "release " + report.release +
+                 circumstances_in_words(report) + ")";
+    state.reads = reads_of(report);
+    state.snapshot = snapshot_of(report);
+    return state;
+}
+}
+
+STATE document_state(const std::string& path, const STATE_PARTS& parts, const SETTINGS_SCOPE& scope)
+{
+    ANY_DOCUMENT document = read_any_document(path, *scope.secrets);
+    const auto* const report = std::get_if<RUN_REPORT>(&document);
+    STATE state =
+        report != nullptr ? state_of(*report, path) : state_of(std::move(std::get<SNAPSHOT>(document)), path, parts);
+    state.is_document = true;
+    if (scope.regtest)
+        require_regtest(path, state.snapshot->regtest, report != nullptr ? "the run read" : "the snapshot was taken");
+    if (report != nullptr || parts.settings || !scope.what_if.empty())
+        state.layers = changed_layers(report != nullptr ? layers_of(*report) : layers_of(state.snapshot->variables),
+                                      scope.what_if, *scope.secrets);
+    for (const WHAT_IF& change : scope.what_if)
+    {
+        if (report != nullptr && !change.value)
+            state.snapshot->known_unset.insert(change.name);
+    }
+    if (parts.snapshot && (report != nullptr || !scope.what_if.empty()))
+        state.snapshot->variables = SNAPSHOT_VARIABLES(SETTINGS(state.layers));
+    if (!parts.snapshot && report == nullptr)
+        state.snapshot.reset();
+    return state;
+}

@@ -1,0 +1,110 @@
+#include "tools/velmar-cfg/states/listed_variables.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/settings/known_variables.h"
+#include "tools/velmar-cfg/settings/typed_readings.h"
+
+namespace
+{
+using TAKE = std::function<void(const LISTED_VARIABLE&)>;
+
+std::string_view default_of(std::string_view name)
+{
+    const KNOWN_VARIABLE* const known = find_known_variable(name);
+    return known == nullptr ? std::string_view() : std::string_view(known->default_text);
+}
+
+// A text that is no switch is another value than every default.
+bool is_changed(const LISTED_VARIABLE& variable)
+{
+    if (!variable.value || variable.default_text.empty())
+        return false;
+    const std::optional<bool> value = read_typed(*variable.value).boolean;
+    return has_hidden_parts(*variable.value) || !value || value != read_typed(variable.default_text).boolean;
+}
+
+bool is_wanted(const LISTED_VARIABLE& variable, const LISTED_KINDS& kinds)
+{
+    return (!kinds.only_external || variable.external) && (!kinds.only_changed || is_changed(variable));
+}
+
+void for_each_set(const SETTINGS& settings, const TAKE& take)
+{
+    const std::vector<std::uint32_t> order = settings.order_by_name();
+    for (std::size_t i = 0; i < order.size(); ++i)
+    {
+        settings.fetch_ahead(order, i);
+        const VARIABLE& variable = settings.variables()[order[i]];
+        take({settings.name_of(variable), settings.value_of(variable), variable.layers.mark_external(),
+              settings.location_of(variable)});
+    }
+}
+
+void add_unset(const SETTINGS& settings, std::vector<LISTED_VARIABLE>& variables)
+{
+    for (const KNOWN_VARIABLE& known : known_variables())
+    {
+        if (settings.find(known.name) == nullptr)
+            variables.push_back({known.name, std::nullopt, false, std::nullopt, known.default_text});
+    }
+}
+
+// Those that were read and have no value are added.
+void add_reads(const STATE& state, const SETTINGS& settings, std::vector<LISTED_VARIABLE>& variables)
+{
+    BY_VARIABLE_NAME<std::uint64_t> counts;
+    for (const READ_COUNT& read : *state.reads)
+        counts[read.name] = read.count;
+    for (LISTED_VARIABLE& variable : variables)
+    {
+        if (const auto found = counts.find(std::string(variable.name)); found != counts.end())
+            variable.reads = found->second;
+    }
+    for (const READ_COUNT& read : *state.reads)
+    {
+        if (settings.find(read.name) == nullptr)
+            variables.push_back({read.name, std::nullopt, false, std::nullopt, default_of(read.name), read.count});
+    }
+}
+}
+
+void require_listed(const STATE& state, const LISTED_KINDS& kinds)
+{
+    if (kinds.by_reads && !state.reads)
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "only a run report says how often variables were read; name one with --of");
+    if (kinds.unset_too)
+        state.require(state.knows_unset);
+}
+
+void for_each_listed(const STATE& state, const SETTINGS& settings, const LISTED_KINDS& kinds, const TAKE& take)
+{
+    const bool with_defaults = kinds.only_changed || kinds.unset_too;
+    const auto take_wanted = [&](LISTED_VARIABLE variable)
+    {
+        if (with_defaults && variable.default_text.empty())
+            variable.default_text = default_of(variable.name);
+        if (is_wanted(variable, kinds))
+            take(variable);
+    };
+    // What only walks over the settings keeps nothing of them.
+    if (!kinds.unset_too && !kinds.by_reads)
+    {
+        for_each_set(settings, take_wanted);
+        return;
+    }
+    std::vector<LISTED_VARIABLE> variables;
+    for_each_set(settings, [&variables](const LISTED_VARIABLE& variable) { variables.push_back(variable); });
+    if (kinds.unset_too)
+        add_unset(settings, variables);
+    if (kinds.by_reads)
+        add_reads(state, settings, variables);
+    std::ranges::stable_sort(variables, {}, &LISTED_VARIABLE::name);
+    if (kinds.by_reads)
+        std::ranges::stable_sort(variables, std::greater<>(), &LISTED_VARIABLE::reads);
+    std::ranges::for_each(variables, take_wanted);
+}

@@ -1,0 +1,40 @@
+// The variables of a state as a list: those that are set, and what else is known of variables.
+#ifndef TOOLS_VELMAR_CFG_STATES_LISTED_VARIABLES_H
+#define TOOLS_VELMAR_CFG_STATES_LISTED_VARIABLES_H
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string_view>
+
+#include "tools/velmar-cfg/settings/settings.h"
+#include "tools/velmar-cfg/states/state.h"
+
+// Which variables are wanted, and in which order.
+struct LISTED_KINDS
+{
+    bool only_external = false;
+    bool only_changed = false; // of the catalogue, and read by a switch's reader as another value than their default
+    bool unset_too = false;    // those that are known and not set
+    bool by_reads = false;     // the most read first, instead of by name
+};
+
+struct LISTED_VARIABLE
+{
+    std::string_view name;
+    std::optional<std::string_view> value; // nothing when it is not set, or not known to be
+    bool external = false;
+    std::optional<LOCATION> location = {}; // of a variable that is set
+    std::string_view default_text = {};    // the catalogue's; empty for none
+    std::uint64_t reads = 0;
+};
+
+// Throws TOOL_ERROR(USAGE) when the state cannot tell which variables these are.
+void require_listed(const STATE& state, const LISTED_KINDS& kinds);
+
+// Hands the wanted variables over, those of the same rank in the byte order of their names as first spelt. The settings
+// are those of the state. The texts belong to either.
+void for_each_listed(const STATE& state, const SETTINGS& settings, const LISTED_KINDS& kinds,
+                     const std::function<void(const LISTED_VARIABLE&)>& take);
+
+#endif

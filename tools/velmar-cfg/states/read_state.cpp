@@ -1,0 +1,122 @@
+#include "tools/velmar-cfg/states/read_state.h"
+
+#include <utility>
+
+#include "platform/ver/ver.h"
+#include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/documents/take_snapshot.h"
+#include "tools/velmar-cfg/lint/environment_rules.h"
+#include "tools/velmar-cfg/settings/what_if.h"
+#include "tools/velmar-cfg/states/document_state.h"
+#include "tools/velmar-cfg/states/other_program.h"
+
+namespace
+{
+// Reads what is here, or what is where the perspective in effect is.
+void read_parts(STATE& state, const STATE_PARTS& parts, const SETTINGS_SCOPE& scope, INPUT_FILES& files)
+{
+    if (parts.settings || parts.checks)
+        state.layers = load_layers(scope, files);
+    if (parts.search)
+    {
+        state.candidates = all_file_candidates(scope);
+        state.environment = environment_that_matters(*scope.secrets);
+    }
+    if (parts.checks)
+    {
+        state.findings = lint_environment();
+        if (state.layers.empty())
+            state.findings->push_back(no_settings_file());
+        state.preference_file = preference_file_in_use(files);
+    }
+    if (parts.preferences)
+        state.preferences.emplace(load_preferences(files, *scope.secrets));
+    if (parts.snapshot)
+        state.snapshot = take_snapshot(scope, files);
+}
+
+// "by the files of now and this tool's own product and release, velmar 23.4"
+std::string basis_in_words()
+{
+    return "by the files of now and this tool's own product and release, " +
+           std::string(ver_get_kestrin_product_filename()) + " " + ver_get_version();
+}
+
+std::string view_of_process(pid_t number, const OTHER_PROGRAM& program)
+{
+    std::string view = "as process " + std::to_string(number) + " (" + program.executable + ", in " +
+                       program.directory + ") started, " + basis_in_words();
+    for (const ENVIRONMENT_VARIABLE& variable : *program.perspective.environment)
+    {
+        if (variable.name == "HOME" && variable.value.value_or("").empty())
+            view += "; it has no HOME, so that preferences are those of its user's entry in the password database";
+    }
+    return view;
+}
+
+// Paths mean something else to the other program: its files are read apart from all others.
+void read_as(const OTHER_PROGRAM& program, STATE& state, const STATE_PARTS& parts, const SETTINGS_SCOPE& scope,
+             INPUT_FILES& files)
+{
+    INPUT_FILES its_files;
+    {
+        const PERSPECTIVE_IN_EFFECT in_effect(program.perspective);
+        read_parts(state, parts, scope, its_files);
+    }
+    for (const std::string& problem : its_files.problems())
+        files.add_problem(problem);
+}
+
+}
+
+STATE read_state(const STATE_NAME& name, const STATE_PARTS& parts, const SETTINGS_SCOPE& scope, INPUT_FILES& files)
+{
+    STATE state;
+    SETTINGS_SCOPE own_scope = scope;
+    if (name.kind != STATE_NAME::KIND::NOW)
+        own_scope.project.clear();
+    switch (name.kind)
+    {
+    case STATE_NAME::KIND::NOW:
+        read_parts(state, parts, own_scope, files);
+        break;
+    case STATE_NAME::KIND::PROJECT:
+        check_input_directory(name.path, "name ");
+        own_scope.project = name.path;
+        read_parts(state, parts, own_scope, files);
+        break;
+    case STATE_NAME::KIND::DOCUMENT:
+        state = document_state(name.path, parts, own_scope);
+        break;
+    case STATE_NAME::KIND::PROCESS:
+    {
+        const OTHER_PROGRAM program = RUNNING_PROCESS(name.process).look();
+        read_as(program, state, parts, own_scope, files);
+        state.view = view_of_process(name.process, program);
+        break;
+    }
+    case STATE_NAME::KIND::EXECUTABLE:
+    {
+        const OTHER_PROGRAM program = program_started_here(name.path);
+        read_as(program, state, parts, own_scope, files);
+        state.view = "as " + program.executable + " would read, started here, " + basis_in_words();
+        break;
+    }
+    }
+    state.changes = changes_as_text(scope.what_if, *scope.secrets);
+    state.name = name.kind == STATE_NAME::KIND::NOW ? "now" : title_of_named_file(name.text);
+    return state;
+}
+
+SETTINGS_SCOPE scope_to_compare_with(const STATE& state, const SETTINGS_SCOPE& scope)
+{
+    SETTINGS_SCOPE compared = scope;
+    if (!state.is_document || !state.snapshot)
+        return compared;
+    compared.regtest = state.snapshot->regtest;
+    if (!compared.project.empty() || state.snapshot->project.empty())
+        return compared;
+    compared.project = state.snapshot->project;
+    check_input_directory(compared.project, "name what to compare with, or give --project ");
+    return compared;
+}

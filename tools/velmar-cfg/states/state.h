@@ -1,0 +1,106 @@
+// A state: the values, where they come from, the files and the environment behind them and, where known, how often each
+// was read. What is shown of one does not depend on where it was taken from.
+//
+// A state may know less than a machine does. What it knows of variables is in its layers, as lines or as assignments
+// that are known by name and value alone; of anything else it says whether it knows it, and refuses to be asked
+// otherwise.
+#ifndef TOOLS_VELMAR_CFG_STATES_STATE_H
+#define TOOLS_VELMAR_CFG_STATES_STATE_H
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/documents/snapshot.h"
+#include "tools/velmar-cfg/lint/finding.h"
+#include "tools/velmar-cfg/preferences/preferences.h"
+#include "tools/velmar-cfg/settings/environment.h"
+#include "tools/velmar-cfg/settings/file_candidates.h"
+#include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/settings/variable_name.h"
+
+// How often a run looked a variable up.
+struct READ_COUNT
+{
+    std::string name;        // as the run spelt it
+    std::uint64_t count = 0; // at least 1
+};
+
+// The preferences of a state, from the lines of a file or as a document answers them.
+class STATE_PREFERENCES
+{
+public:
+    explicit STATE_PREFERENCES(PREFERENCES of_lines) : lines(std::move(of_lines)) {}
+    explicit STATE_PREFERENCES(std::vector<SNAPSHOT_PREFERENCE> of_document) : answers(std::move(of_document)) {}
+
+    // Nothing where the document has no such preference, since it is of a release that did not.
+    std::optional<PREFERENCE> look_up(CFG_USER_INI_ENUMS number) const;
+
+private:
+    std::optional<PREFERENCES> lines;
+    std::vector<SNAPSHOT_PREFERENCE> answers;
+};
+
+// What is to be read of a state: commands ask for no more than they show, and files that nobody asks for are not
+// opened.
+struct STATE_PARTS
+{
+    bool settings = false;    // layers
+    bool search = false;      // candidates and environment
+    bool checks = false;      // settings, the findings of the environment, and the preference file's lines
+    bool preferences = false; // preferences
+    bool snapshot = false;    // snapshot
+};
+
+// What the layers of a state hold.
+enum class KNOWN_LINES
+{
+    ALL,         // every line, also those that lost or do nothing
+    ASSIGNMENTS, // every assignment to a variable that is known
+    WINNERS,     // the assignments that won, and perhaps some others
+};
+
+struct STATE
+{
+    std::string name; // as the user calls it; "now" for here and now
+
+    // Whose view it is: "as process 4711 (/opt/velmar/bin/velmar, in /proj/cpu) started". Empty for the view of a
+    // program that is started here and now, and of a project.
+    std::string view;
+    std::string changes; // that were made to it: "with max_fanout=16"; empty for none
+
+    bool is_document = false;
+
+    // What a state of this kind holds, as the end of a sentence: "a run report holds only ...". Empty when it knows
+    // everything.
+    std::string limits;
+
+    // Whether every variable that no layer sets is known to be unset.
+    bool knows_unset = true;
+
+    // Whether this one is, if no layer sets it.
+    bool knows_unset_variable(const std::string& variable) const;
+
+    KNOWN_LINES known_lines = KNOWN_LINES::ALL;
+
+    LAYERS layers;
+    std::optional<std::vector<FILE_CANDIDATE>> candidates;
+    std::vector<ENVIRONMENT_VARIABLE> environment;
+    std::optional<std::vector<FINDING>> findings;
+    std::shared_ptr<const INPUT_FILE> preference_file; // null for none
+    std::optional<STATE_PREFERENCES> preferences;
+    std::optional<SNAPSHOT> snapshot;             // everything at once, for comparisons
+    std::optional<std::vector<READ_COUNT>> reads; // the highest count first
+
+    // View and changes as one line; empty for the plain view.
+    std::string heading() const;
+
+    // Throws TOOL_ERROR(USAGE), naming the state and its limits, unless it knows that.
+    void require(bool known) const;
+};
+
+#endif

@@ -79,8 +79,8 @@ TEST_F(COMPLETION, offers_the_commands)
                 UnorderedElementsAre("list", "layers", "lint"));
     EXPECT_THAT(in_bash({"velmar-cfg", "help", "l"}), UnorderedElementsAre("list", "layers", "lint"));
     EXPECT_THAT(in_bash({"velmar-cfg", "help", "prefs", "p"}), UnorderedElementsAre("path"));
-    EXPECT_THAT(in_bash({"velmar-cfg", "prefs", ""}),
-                UnorderedElementsAre("list", "get", "set", "reset", "describe", "lint", "path"));
+    EXPECT_THAT(in_bash({"velmar-cfg", "prefs", ""}), UnorderedElementsAre("list", "get", "set", "reset", "describe",
+                                                                           "explain", "dump", "load", "lint", "path"));
 }
 
 TEST_F(COMPLETION, offers_the_options_of_the_command_and_those_of_all)
@@ -127,6 +127,8 @@ TEST_F(COMPLETION, offers_keys_and_their_allowed_values)
 {
     EXPECT_THAT(in_bash({"velmar-cfg", "prefs", "get", "hdl"}), ElementsAre("HDL_PREFERENCE"));
     EXPECT_EQ(in_bash({"velmar-cfg", "prefs", "describe", ""}).size(), 121U);
+    EXPECT_THAT(in_bash({"velmar-cfg", "prefs", "explain", "hdl"}), ElementsAre("HDL_PREFERENCE"));
+    EXPECT_THAT(in_bash({"velmar-cfg", "prefs", "list", "hdl"}), ElementsAre("HDL_PREFERENCE"));
     EXPECT_THAT(in_bash({"velmar-cfg", "prefs", "set", "HDL_PREFERENCE", ""}),
                 UnorderedElementsAre("Verilog", "VHDL", "KHDL"));
     EXPECT_THAT(in_bash({"velmar-cfg", "prefs", "set", "--dry-run", "hdl_preference", "v"}),
@@ -141,6 +143,7 @@ TEST_F(COMPLETION, offers_files_and_directories)
     write_file("decoy", "");
     EXPECT_THAT(in_bash({"velmar-cfg", "--project", "de"}), ElementsAre("designs"));
     EXPECT_THAT(in_bash({"velmar-cfg", "lint", "x", "de"}), UnorderedElementsAre("decoy", "designs"));
+    EXPECT_THAT(in_bash({"velmar-cfg", "prefs", "load", "de"}), UnorderedElementsAre("decoy", "designs"));
     EXPECT_THAT(in_bash({"velmar-cfg", "explain", "--of", "de"}), UnorderedElementsAre("decoy", "designs"));
     EXPECT_THAT(in_bash({"velmar-cfg", "diff", "de"}), UnorderedElementsAre("decoy", "designs"));
     EXPECT_THAT(in_bash({"velmar-cfg", "diff", "a", "b", "--used", "dec"}), ElementsAre("decoy"));

@@ -59,7 +59,7 @@ protected:
 
 TEST_F(DOCUMENTATION, knows_all_commands)
 {
-    EXPECT_EQ(commands.size(), 21U);
+    EXPECT_EQ(commands.size(), 24U);
 }
 
 TEST_F(DOCUMENTATION, a_list_of_commands_has_a_summary_of_each)

@@ -16,6 +16,7 @@ protected:
     EDIT_KILL()
     {
         variables["VELMAR2_INI"] = "user";
+        write_file("given", "[General 23.3_pro]\nHDL_PREFERENCE = KHDL\nUSER_LIBRARIES = /x\n");
         variables["ASAN_OPTIONS"] = "detect_leaks=0"; // no leak check in a traced process
     }
 
@@ -112,13 +113,16 @@ TEST_P(KILLED_EDITS, leave_the_old_or_the_new_file)
 
 using WORDS = std::vector<std::string>;
 
-INSTANTIATE_TEST_SUITE_P(commands, KILLED_EDITS,
-                         testing::Values(KILLED_EDIT{"user/velmar2.ini",
-                                                     "# mine\n[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n",
-                                                     "\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n",
-                                                     WORDS{"prefs", "set", "HDL_PREFERENCE", "KHDL", "--wait", "0"}},
-                                         KILLED_EDIT{"user/velmar.ini", "# mine\na = 1\n", "# mine\na = 2\n",
-                                                     WORDS{"--project", "user", "set", "a", "2", "--wait", "0"}},
-                                         KILLED_EDIT{"user/velmar.ini", "a = yes\n", "a = on\n",
-                                                     WORDS{"lint", "user/velmar.ini", "--fix", "--wait", "0"}}));
+INSTANTIATE_TEST_SUITE_P(
+    commands, KILLED_EDITS,
+    testing::Values(KILLED_EDIT{"user/velmar2.ini", "# mine\n[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n",
+                                "\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n",
+                                WORDS{"prefs", "set", "HDL_PREFERENCE", "KHDL", "--wait", "0"}},
+                    KILLED_EDIT{"user/velmar2.ini", "# mine\n[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n",
+                                "\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\nUSER_LIBRARIES = /x\n",
+                                WORDS{"prefs", "load", "given", "--wait", "0"}},
+                    KILLED_EDIT{"user/velmar.ini", "# mine\na = 1\n", "# mine\na = 2\n",
+                                WORDS{"--project", "user", "set", "a", "2", "--wait", "0"}},
+                    KILLED_EDIT{"user/velmar.ini", "a = yes\n", "a = on\n",
+                                WORDS{"lint", "user/velmar.ini", "--fix", "--wait", "0"}}));
 }

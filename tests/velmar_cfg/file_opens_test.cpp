@@ -21,6 +21,7 @@ protected:
         write_file("project/velmar.ini", "a=1\nb=2 # note\n");
         write_file("project/regtest.ini", "a=3\n");
         write_file("appended.ini", "c=4\n");
+        write_file("given", "[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n");
         write_file("user/velmar2.ini", "[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n");
     }
 
@@ -118,6 +119,8 @@ INSTANTIATE_TEST_SUITE_P(
                     std::vector<std::string>{"diff", "project"}, std::vector<std::string>{"diff", "project", "project"},
                     std::vector<std::string>{"paths"}, std::vector<std::string>{"prefs", "list"},
                     std::vector<std::string>{"prefs", "get", "HDL_PREFERENCE"},
+                    std::vector<std::string>{"prefs", "explain", "HDL_PREFERENCE"},
+                    std::vector<std::string>{"prefs", "dump"}, std::vector<std::string>{"prefs", "load", "given"},
                     std::vector<std::string>{"prefs", "lint"},
                     std::vector<std::string>{"prefs", "set", "HDL_PREFERENCE", "KHDL"},
                     std::vector<std::string>{"prefs", "set", "HDL_PREFERENCE", "KHDL", "--dry-run"},

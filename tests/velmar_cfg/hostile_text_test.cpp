@@ -1,5 +1,7 @@
 // Every command over files, directories, documents and environment variables full of what steers a terminal: none of it
 // gets there as it is.
+#include <filesystem>
+
 #include "tests/velmar_cfg/tool_test.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command_line.h"
@@ -56,6 +58,14 @@ const ARGUMENTS command_lines[] = {
     {"prefs", "reset", "USER_LIBRARIES", "--dry-run"},
     {"prefs", "describe", "USER_LIBRARIES"},
     {"prefs", "describe", "USER_LIBRARIES", "--json"},
+    {"prefs", "list", hostile},
+    {"prefs", "explain", "USER_LIBRARIES"},
+    {"prefs", "explain", "USER_LIBRARIES", "--json"},
+    {"prefs", "explain", hostile},
+    {"prefs", "dump", "--json"},
+    {"prefs", "load", "velmar2.ini"},
+    {"prefs", "load", "velmar2.ini", "--dry-run", "--json"},
+    {"prefs", "load", hostile},
     {"prefs", "lint"},
     {"prefs", "lint", "--json"},
     {"prefs", "path"},
@@ -87,6 +97,7 @@ protected:
         write_file(directory + "/velmar.ini", text + " = " + text + "\tTAB\n" + text + "\nmsg_sqlite = " + text + "\n");
         write_file(directory + "/velmar2.ini", "[General 23.4_pro]\nUSER_LIBRARIES = " + text + "\tTAB\n" + text +
                                                    " = " + text + "\n" + text + "\n");
+        std::filesystem::copy_file(directory + "/velmar2.ini", "velmar2.ini");
         project = {"--project", directory};
         variables["VELMAR2_INI"] = directory;
         variables["VELMAR_INI"] = text;

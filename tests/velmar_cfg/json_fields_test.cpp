@@ -104,6 +104,9 @@ const DOCUMENT documents[] = {
     {"prefs list", {{"prefs", "list"}}},
     {"prefs get", {{"prefs", "get", "HDL_PREFERENCE"}}},
     {"prefs describe", {{"prefs", "describe", "HDL_PREFERENCE"}}},
+    {"prefs explain", {{"prefs", "explain", "HDL_PREFERENCE"}}},
+    {"prefs dump", {{"prefs", "dump"}}},
+    {"prefs load", {{"prefs", "load", "given", "--dry-run"}}},
     {"prefs path", {{"prefs", "path"}}},
     {"prefs set",
      {{"prefs", "set", "HDL_PREFERENCE", "Verilog", "--dry-run"}, {"prefs", "reset", "HDL_PREFERENCE", "--dry-run"}}},
@@ -117,6 +120,7 @@ protected:
         write_file("project/velmar.ini", "max_fanout = 12\n# max_fanout = 9\nno assignment\nname = \xff\n");
         write_file("other/velmar.ini", "max_fanout = 16\n");
         write_file("user/velmar2.ini", "[General 23.4_pro]\nHDL_PREFERENCE = VHDL\nno preference\n");
+        write_file("given", "no preference\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n");
         write_file("run.json", R"({"schema": "velmar-run-report", "schema_version": 2, "run": "r", "release": "23.4",
             "outcome": "pass", "host": "h", "process": 1, "directory": "/", "executable": "/x",
             "started": "2026-11-22T08:25:00Z", "ended": "2026-11-22T08:26:00Z",

@@ -41,12 +41,12 @@ protected:
 
     static EDITED_FILE set(CFG_USER_INI_ENUMS number, const std::string& value, milliseconds patience = milliseconds(0))
     {
-        return change_preference({number, value}, {}, patience);
+        return change_preferences({{number, value}}, {}, patience);
     }
 
     static EDITED_FILE try_to_set(CFG_USER_INI_ENUMS number, const std::string& value)
     {
-        return try_preference_change({number, value}, {}, milliseconds(0));
+        return try_preference_changes({{number, value}}, {}, milliseconds(0));
     }
 
     static constexpr const char* file = "user/velmar2.ini";
@@ -204,7 +204,7 @@ TEST_F(PREFERENCE_EDIT, hard_links_and_read_only_files_need_leave)
     EXPECT_EQ(try_to_set(HDL_PREFERENCE, "KHDL").refusal, edited.refusal);
     EDIT_PERMISSIONS permissions;
     permissions.break_hard_links = true;
-    EXPECT_TRUE(change_preference({HDL_PREFERENCE, "KHDL"}, permissions, milliseconds(0)).changed());
+    EXPECT_TRUE(change_preferences({{HDL_PREFERENCE, "KHDL"}}, permissions, milliseconds(0)).changed());
     EXPECT_EQ(read_file(file), after);
     EXPECT_EQ(read_file("user/other"), before);
 
@@ -217,7 +217,7 @@ TEST_F(PREFERENCE_EDIT, hard_links_and_read_only_files_need_leave)
     EXPECT_EQ(set(HDL_PREFERENCE, "KHDL").refusal, "");
     permissions = {};
     permissions.replace_read_only = true;
-    EXPECT_TRUE(change_preference({HDL_PREFERENCE, "VHDL"}, permissions, milliseconds(0)).changed());
+    EXPECT_TRUE(change_preferences({{HDL_PREFERENCE, "VHDL"}}, permissions, milliseconds(0)).changed());
     EXPECT_EQ(read_file(file), before);
     struct stat found;
     ASSERT_EQ(stat(file, &found), 0);
@@ -236,9 +236,9 @@ TEST_F(PREFERENCE_EDIT, a_file_that_the_system_protects_is_refused)
     permissions.replace_read_only = true;
     for (const EDIT_PERMISSIONS& given : {EDIT_PERMISSIONS(), permissions})
     {
-        EXPECT_THAT(change_preference({HDL_PREFERENCE, "KHDL"}, given, milliseconds(0)).refusal,
+        EXPECT_THAT(change_preferences({{HDL_PREFERENCE, "KHDL"}}, given, milliseconds(0)).refusal,
                     testing::EndsWith("velmar2.ini: Operation not permitted; the file cannot be changed where it is"));
-        EXPECT_NE(try_preference_change({HDL_PREFERENCE, "KHDL"}, given, milliseconds(0)).refusal, "");
+        EXPECT_NE(try_preference_changes({{HDL_PREFERENCE, "KHDL"}}, given, milliseconds(0)).refusal, "");
     }
     EXPECT_EQ(ioctl(opened, FS_IOC_SETFLAGS, &flags), 0);
     close(opened);
@@ -260,7 +260,7 @@ TEST_F(PREFERENCE_EDIT, lost_values_need_leave)
     EXPECT_THAT(set(HDL_PREFERENCE, "KHDL").refusal, HasSubstr("the value in line 1; mend"));
     EDIT_PERMISSIONS permissions;
     permissions.lose_values = true;
-    EXPECT_TRUE(change_preference({HDL_PREFERENCE, "KHDL"}, permissions, milliseconds(0)).changed());
+    EXPECT_TRUE(change_preferences({{HDL_PREFERENCE, "KHDL"}}, permissions, milliseconds(0)).changed());
     EXPECT_EQ(read_file(file), after);
 }
 

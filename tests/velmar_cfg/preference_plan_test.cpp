@@ -19,7 +19,7 @@ std::string outcome(const std::string& before, const PREFERENCE_CHANGE& change)
     try
     {
         check_preference_value(change);
-        const PREFERENCE_PLAN plan = plan_preference_change("FILE", before, change);
+        const PREFERENCE_PLAN plan = plan_preference_changes("FILE", before, {change});
         std::string text = plan.after;
         for (const std::string& other : plan.other_values)
             text += "other: " + other + "\n";
@@ -155,6 +155,55 @@ INSTANTIATE_TEST_SUITE_P(
              "could "
              "be written above it; remove the value there"}));
 
+// --- Several changes ---
+
+constexpr const char* empty_section_first = "[Messages 23.4_pro]\n[Messages 23.3_pro]\nSHOW_MESSAGE_ID = off\n";
+
+TEST(PREFERENCE_PLANS, make_several_changes_at_once)
+{
+    const PREFERENCE_PLAN plan =
+        plan_preference_changes("FILE", "[General 23.4_pro]\nHDL_PREFERENCE = VHDL\nUSER_LIBRARIES = /x\n",
+                                {{HDL_PREFERENCE, {}}, {SHOW_MESSAGE_ID, "off"}, {USER_LIBRARIES, "/y"}});
+    EXPECT_EQ(plan.after, "\n[General 23.4_pro]\nUSER_LIBRARIES = /y\n\n[Messages 23.4_pro]\nSHOW_MESSAGE_ID = off\n");
+    EXPECT_TRUE(plan.other_values.empty());
+    EXPECT_FALSE(plan.loses_values());
+}
+
+TEST(PREFERENCE_PLANS, leave_a_value_that_may_stand_elsewhere_where_it_is)
+{
+    const std::string before = "# c\n[Messages 23.3_pro]\nSHOW_MESSAGE_ID = off\n";
+    const std::vector<PREFERENCE_CHANGE> changes = {{SHOW_MESSAGE_ID, "off", true}, {HDL_PREFERENCE, "Verilog", true}};
+    EXPECT_EQ(plan_preference_changes("FILE", before, changes).after, before);
+    EXPECT_NE(plan_preference_changes("FILE", before, {{SHOW_MESSAGE_ID, "off"}}).after, before);
+    EXPECT_NE(plan_preference_changes("FILE", before, {{HDL_PREFERENCE, "Verilog"}}).after, before);
+    EXPECT_NE(plan_preference_changes("FILE", before, {{SHOW_MESSAGE_ID, "OFF", true}}).after, before);
+}
+
+TEST(PREFERENCE_PLANS, write_such_a_value_where_it_would_go)
+{
+    const PREFERENCE_PLAN plan = plan_preference_changes(
+        "FILE", empty_section_first, {{SHOW_MESSAGE_ID, "on", true}, {HDL_PREFERENCE, "VHDL", true}});
+    EXPECT_EQ(plan.after,
+              "\n[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n\n[Messages 23.3_pro]\nSHOW_MESSAGE_ID = off\n\n"
+              "[Messages 23.4_pro]\nSHOW_MESSAGE_ID = on\n");
+    EXPECT_FALSE(plan.loses_values());
+}
+
+TEST(PREFERENCE_PLANS, name_other_preferences_that_change_and_none_that_are_to)
+{
+    EXPECT_EQ(plan_preference_changes("FILE", empty_section_first, {{HDL_PREFERENCE, "VHDL"}}).other_values.size(), 1U);
+    EXPECT_TRUE(
+        plan_preference_changes("FILE", empty_section_first, {{HDL_PREFERENCE, "VHDL"}, {SHOW_MESSAGE_ID, "off"}})
+            .other_values.empty());
+}
+
+TEST(PREFERENCE_PLANS, make_no_change_where_one_cannot_be_made)
+{
+    EXPECT_THROW(plan_preference_changes("FILE", "[GENERAL 23.4_pro]\nx = y\n",
+                                         {{SHOW_MESSAGE_ID, "off"}, {HDL_PREFERENCE, "VHDL"}}),
+                 TOOL_ERROR);
+}
+
 // --- Beside the library ---
 
 class PREFERENCE_PLAN_BESIDE_THE_LIBRARY : public ISOLATED_TEST
@@ -203,7 +252,7 @@ TEST_F(PREFERENCE_PLAN_BESIDE_THE_LIBRARY, saves_the_same_bytes)
         std::string after;
         try
         {
-            after = plan_preference_change("FILE", before, change).after;
+            after = plan_preference_changes("FILE", before, {change}).after;
         }
         catch (const TOOL_ERROR&)
         {

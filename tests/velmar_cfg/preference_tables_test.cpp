@@ -1,5 +1,6 @@
 // The rules of the model of preferences, one by one: lines and sections, lookups, names, words and places. What a store
 // answers over generated files is compared elsewhere.
+#include <filesystem>
 #include <gmock/gmock.h>
 
 #include "tests/support/isolated_test.h"

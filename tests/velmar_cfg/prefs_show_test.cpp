@@ -55,6 +55,45 @@ TEST_F(PREFS, list_is_empty_without_a_file)
     EXPECT_EQ(run({"prefs", "list", "--json"}), (TOOL_RUN{0, "[]\n", ""}));
 }
 
+struct LISTED
+{
+    std::vector<std::string> options;
+    int exit_code;
+    std::string keys;
+};
+
+TEST_F(PREFS, list_takes_a_pattern)
+{
+    write_preferences("[General 23.4_pro]\nHDL_PREFERENCE = VHDL\nMANAGED_FLOW_HDL_PREFERENCE = x\n"
+                      "[Messages 23.4_pro]\nSHOW_MESSAGE_ID = ON\n");
+    for (const auto& [options, exit_code, keys] : {
+             LISTED{{}, 0, "HDL_PREFERENCE MANAGED_FLOW_HDL_PREFERENCE "},
+             LISTED{{"hdl_*"}, 0, "HDL_PREFERENCE "},
+             LISTED{{"*hdl_*"}, 0, "HDL_PREFERENCE MANAGED_FLOW_HDL_PREFERENCE "},
+             LISTED{{"show_message_*d"}, 0, "SHOW_MESSAGE_ID SHOW_MESSAGE_PARTITION_ID "},
+             LISTED{{"SHOW_MESSAGE_??"}, 0, "SHOW_MESSAGE_ID "},
+             LISTED{{"show_message_*", "--changed"}, 1, ""},
+             LISTED{{"*_preference", "--changed"}, 0, "HDL_PREFERENCE MANAGED_FLOW_HDL_PREFERENCE "},
+             LISTED{{"show_message_id", "--all"}, 0, "SHOW_MESSAGE_ID "},
+             LISTED{{"--changed"}, 0, "HDL_PREFERENCE MANAGED_FLOW_HDL_PREFERENCE "},
+             LISTED{{"--all", "--changed"}, 0, "HDL_PREFERENCE MANAGED_FLOW_HDL_PREFERENCE "},
+             LISTED{{""}, 0, "HDL_PREFERENCE MANAGED_FLOW_HDL_PREFERENCE "},
+             LISTED{{"HDL"}, 1, ""},
+         })
+    {
+        std::vector<std::string> arguments = {"prefs", "list", "--json"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const TOOL_RUN listed = run(arguments);
+        EXPECT_EQ(listed.exit_code, exit_code) << testing::PrintToString(options);
+        std::string listed_keys;
+        for (const nlohmann::json& row : listed.json())
+            listed_keys += row.at("key").get<std::string>() + " ";
+        EXPECT_EQ(listed_keys, keys) << testing::PrintToString(options);
+    }
+    EXPECT_EQ(run({"prefs", "list", "nothing*"}), (TOOL_RUN{1, "", ""}));
+    EXPECT_EQ(run({"prefs", "list", "hdl_*", "-z"}), (TOOL_RUN{0, std::string("HDL_PREFERENCE=VHDL\0", 20), ""}));
+}
+
 TEST_F(PREFS, list_all_has_a_row_for_each_of_the_121)
 {
     write_preferences(three_releases);
@@ -168,8 +207,13 @@ TEST_F(PREFS, path_prints_where_the_file_is_or_would_be)
 TEST_F(PREFS, looking_never_writes_the_file)
 {
     write_preferences(three_releases);
-    for (const auto& arguments : std::vector<std::vector<std::string>>{
-             {"list"}, {"list", "--all"}, {"get", "SHOW_MESSAGE_ID"}, {"describe", "USER_LIBRARIES"}, {"path"}})
+    for (const auto& arguments : std::vector<std::vector<std::string>>{{"list"},
+                                                                       {"list", "--all"},
+                                                                       {"get", "SHOW_MESSAGE_ID"},
+                                                                       {"describe", "USER_LIBRARIES"},
+                                                                       {"explain", "USER_LIBRARIES"},
+                                                                       {"dump"},
+                                                                       {"path"}})
     {
         std::vector<std::string> words = {"prefs"};
         words.insert(words.end(), arguments.begin(), arguments.end());

@@ -19,7 +19,10 @@ void add_diff_command(COMMAND app, TOOL& tool);
 
 // Parts of prefs.
 void add_prefs_show_commands(COMMAND prefs, TOOL& tool);
+void add_prefs_explain_command(COMMAND prefs, TOOL& tool);
 void add_prefs_lint_command(COMMAND prefs, TOOL& tool);
 void add_prefs_edit_commands(COMMAND prefs, TOOL& tool);
+void add_prefs_dump_command(COMMAND prefs, TOOL& tool);
+void add_prefs_load_command(COMMAND prefs, TOOL& tool);
 
 #endif

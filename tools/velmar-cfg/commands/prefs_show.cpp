@@ -1,4 +1,6 @@
 // velmar-cfg prefs list, get, describe and path: the preferences as they are.
+#include <fnmatch.h>
+
 #include "platform/fio/fio.h"
 #include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/json_writer.h"
@@ -50,8 +52,23 @@ PREFERENCE preference_in(const STATE& state, CFG_USER_INI_ENUMS number)
 struct PREFS_LIST_OPTIONS
 {
     STATE_OPTIONS state;
+    std::optional<std::string> pattern;
     bool all = false;
+    bool changed = false;
+
+    bool has_pattern() const
+    {
+        return pattern && !pattern->empty();
+    }
 };
+
+bool is_wanted(const PREFS_LIST_OPTIONS& options, const PREFERENCE& preference)
+{
+    if (options.has_pattern() && fnmatch(options.pattern->c_str(), preference.key.c_str(), FNM_CASEFOLD) != 0)
+        return false;
+    const bool only_changed = options.changed || (!options.all && !options.has_pattern());
+    return !only_changed || preference.differs_from_default();
+}
 
 EXIT_CODE list(const PREFS_LIST_OPTIONS& options, TOOL& tool)
 {
@@ -60,13 +77,14 @@ EXIT_CODE list(const PREFS_LIST_OPTIONS& options, TOOL& tool)
     for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
     {
         std::optional<PREFERENCE> preference = state.preferences->look_up(number);
-        if (preference && (options.all || preference->differs_from_default()))
+        if (preference && is_wanted(options, *preference))
             wanted.push_back(*std::move(preference));
     }
+    const EXIT_CODE exit_code = wanted.empty() && options.has_pattern() ? EXIT_CODE::FINDINGS : EXIT_CODE::FINE;
     if (tool.options.json)
     {
         answer_in_json(tool, [&](JSON_WRITER& out) { out.list(wanted, write_json); });
-        return EXIT_CODE::FINE;
+        return exit_code;
     }
     if (!tool.options.nul_terminated)
         write_view(state, tool.out);
@@ -78,7 +96,7 @@ EXIT_CODE list(const PREFS_LIST_OPTIONS& options, TOOL& tool)
         else
             write_list_entry(preference, tool.out);
     }
-    return EXIT_CODE::FINE;
+    return exit_code;
 }
 
 struct KEY_OPTIONS
@@ -187,11 +205,17 @@ void add_list(COMMAND prefs, TOOL& tool)
     auto options = std::make_shared<PREFS_LIST_OPTIONS>();
     COMMAND command = prefs.add_command(
         tool, "list",
-        "List the preferences whose value differs from the default: value, where it comes from, default and "
-        "allowed values",
-        "velmar-cfg prefs list --all\n      every preference, those at their default too",
+        "List preferences with value, where it comes from, default and allowed values: those whose value differs from "
+        "the default or, with PATTERN, all that match",
+        "velmar-cfg prefs list --all\n      every preference, those at their default too\n"
+        "  velmar-cfg prefs list 'proxy_*' --changed\n      of some, those that differ from the default",
         [options, &tool] { return list(*options, tool); });
+    command.add_optional_argument(
+        "PATTERN", options->pattern,
+        "Only keys that match this shell pattern, letter case ignored; exit code 1 when there is none");
     command.add_flag("--all", options->all, "Also those that have their default value");
+    command.add_flag("--changed", options->changed,
+                     "Only those that differ from the default; letter case does not count");
     add_state_option(command, options->state);
     command.add_nul_flag(tool);
 }

@@ -78,9 +78,14 @@ std::string kind_of_option(CLI::Option* option)
     return kind_of_placeholder(placeholder);
 }
 
-std::string kind_of_argument(const CLI::Option* argument)
+std::string kind_of_argument(const CLI::App* command, const CLI::Option* argument)
 {
-    return argument->get_name(true) == "VALUE" ? "value" : kind_of_placeholder(argument->get_name(true));
+    const std::string placeholder = argument->get_name(true);
+    if (placeholder == "VALUE")
+        return "value";
+    if (placeholder == "PATTERN" && table_name(command).starts_with("prefs "))
+        return "key";
+    return kind_of_placeholder(placeholder);
 }
 
 std::string is_command_table(const std::vector<CLI::App*>& commands)
@@ -166,7 +171,7 @@ std::string arguments_table(const std::vector<CLI::App*>& commands)
             const bool repeated = argument->get_items_expected_max() > 1;
             branches.emplace_back(repeated ? quoted_word(table_name(command) + ":") + "*"
                                            : quoted_word(table_name(command) + ":" + std::to_string(number)),
-                                  print_lines({kind_of_argument(argument)}));
+                                  print_lines({kind_of_argument(command, argument)}));
             ++number;
         }
     }

@@ -1,5 +1,6 @@
 #include "tools/velmar-cfg/preferences/preference_edit.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -34,14 +35,14 @@ std::string refusal_for(const std::string& path, const PREFERENCE_PLAN& plan, co
            "; mend the file (see velmar-cfg prefs lint), or --allow-loss does it anyway";
 }
 
-EDITED_FILE edited_by(decltype(edit_file)& edit, const PREFERENCE_CHANGE& change, const EDIT_PERMISSIONS& permissions,
-                      std::chrono::milliseconds patience)
+EDITED_FILE edited_by(decltype(edit_file)& edit, const std::vector<PREFERENCE_CHANGE>& changes,
+                      const EDIT_PERMISSIONS& permissions, std::chrono::milliseconds patience)
 {
-    check_preference_value(change);
+    std::ranges::for_each(changes, check_preference_value);
     EDITED_FILE edited;
     const auto plan = [&](const FILE_EDIT& file)
     {
-        edited.plan = plan_preference_change(file.path, file.before, change);
+        edited.plan = plan_preference_changes(file.path, file.before, changes);
         return PLANNED_BYTES{edited.plan.after, refusal_for(file.path, edited.plan, permissions)};
     };
     static_cast<FILE_EDIT&>(edited) = edit(cfg_generate_user_ini_file_path(), plan, permissions, patience);
@@ -49,14 +50,14 @@ EDITED_FILE edited_by(decltype(edit_file)& edit, const PREFERENCE_CHANGE& change
 }
 }
 
-EDITED_FILE try_preference_change(const PREFERENCE_CHANGE& change, const EDIT_PERMISSIONS& permissions,
-                                  std::chrono::milliseconds patience)
+EDITED_FILE try_preference_changes(const std::vector<PREFERENCE_CHANGE>& changes, const EDIT_PERMISSIONS& permissions,
+                                   std::chrono::milliseconds patience)
 {
-    return edited_by(try_file_edit, change, permissions, patience);
+    return edited_by(try_file_edit, changes, permissions, patience);
 }
 
-EDITED_FILE change_preference(const PREFERENCE_CHANGE& change, const EDIT_PERMISSIONS& permissions,
-                              std::chrono::milliseconds patience)
+EDITED_FILE change_preferences(const std::vector<PREFERENCE_CHANGE>& changes, const EDIT_PERMISSIONS& permissions,
+                               std::chrono::milliseconds patience)
 {
-    return edited_by(edit_file, change, permissions, patience);
+    return edited_by(edit_file, changes, permissions, patience);
 }

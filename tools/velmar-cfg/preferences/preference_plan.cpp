@@ -1,6 +1,7 @@
 #include "tools/velmar-cfg/preferences/preference_plan.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "platform/gen/gen.h"
 #include "platform/ver/ver.h"
@@ -29,7 +30,29 @@ bool nothing_to_do(const PREFERENCE_CHANGE& change, const PREFERENCES& before)
     if (!change.value)
         return preference.origin.source == PREFERENCE_SOURCE::DEFAULT ||
                preference.origin.source == PREFERENCE_SOURCE::NOWHERE;
-    return preference.origin.source == PREFERENCE_SOURCE::RUNNING_RELEASE && preference.value == *change.value;
+    return preference.value == *change.value &&
+           (change.may_stand_elsewhere || preference.origin.source == PREFERENCE_SOURCE::RUNNING_RELEASE);
+}
+
+bool holds(const PREFERENCE_CHANGE& change, const PREFERENCES& preferences)
+{
+    return preferences.look_up(change.number).value == change.value.value_or(default_preference_value(change.number));
+}
+
+// A value that held already may have hung on a line that a save does not keep, such as the header of an empty section.
+// Returns whether there was one.
+bool write_what_no_longer_holds(const std::vector<PREFERENCE_CHANGE>& changes, const PREFERENCES& after,
+                                PREFERENCE_RECORDS& records)
+{
+    bool found = false;
+    for (const PREFERENCE_CHANGE& change : changes)
+    {
+        if (!change.may_stand_elsewhere || holds(change, after))
+            continue;
+        records.assign(change.number, *change.value);
+        found = true;
+    }
+    return found;
 }
 
 // A lookup copies a value of an older release into the running release's section, unless it is not allowed any more.
@@ -112,14 +135,16 @@ std::string reason_of_change(const PREFERENCE& before, const PREFERENCE& after, 
 }
 
 // The other preferences whose values change, each with what makes it change.
-void compare_values(const PREFERENCES& before, const PREFERENCES& after, CFG_USER_INI_ENUMS changed,
+void compare_values(const PREFERENCES& before, const PREFERENCES& after, const std::vector<PREFERENCE_CHANGE>& changes,
                     PREFERENCE_PLAN& plan)
 {
+    const auto is_changed = [&changes](CFG_USER_INI_ENUMS number)
+    { return std::ranges::find(changes, number, &PREFERENCE_CHANGE::number) != changes.end(); };
     for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
     {
         const PREFERENCE old_answer = before.look_up(number);
         const PREFERENCE new_answer = after.look_up(number);
-        if (number == changed || old_answer.value == new_answer.value)
+        if (old_answer.value == new_answer.value || is_changed(number))
             continue;
         const std::string change_of_value =
             key_of(number) + " from '" + old_answer.value + "' to '" + new_answer.value + "'";
@@ -159,27 +184,39 @@ void check_preference_value(const PREFERENCE_CHANGE& change)
                                              "; leave out '[', line ends, and blanks or quotes at both ends");
 }
 
-PREFERENCE_PLAN plan_preference_change(const std::string& path, std::string_view before,
-                                       const PREFERENCE_CHANGE& change)
+PREFERENCE_PLAN plan_preference_changes(const std::string& path, std::string_view before,
+                                        const std::vector<PREFERENCE_CHANGE>& changes)
 {
     const PREFERENCES answers_before(before);
     PREFERENCE_PLAN plan;
-    if (nothing_to_do(change, answers_before))
+    std::vector<PREFERENCE_CHANGE> to_make;
+    std::ranges::copy_if(changes, std::back_inserter(to_make),
+                         [&answers_before](const PREFERENCE_CHANGE& change)
+                         { return !nothing_to_do(change, answers_before); });
+    if (to_make.empty())
     {
         plan.after = before;
         return plan;
     }
     PREFERENCE_RECORDS records(before);
     carry_values_over(answers_before, records);
-    if (change.value)
-        records.assign(change.number, *change.value);
-    else
-        reset(path, before, change.number, records);
+    for (const PREFERENCE_CHANGE& change : to_make)
+    {
+        if (change.value)
+            records.assign(change.number, *change.value);
+        else
+            reset(path, before, change.number, records);
+    }
     plan.after = records.saved();
+    if (write_what_no_longer_holds(changes, PREFERENCES(plan.after), records))
+        plan.after = records.saved();
     plan.lost = records.lost_lines();
     const PREFERENCES answers_after(plan.after);
-    if (answers_after.look_up(change.number).value != change.value.value_or(default_preference_value(change.number)))
-        refuse_shadowed_section(path, before, plan.after, change.number);
-    compare_values(answers_before, answers_after, change.number, plan);
+    for (const PREFERENCE_CHANGE& change : changes)
+    {
+        if (!holds(change, answers_after))
+            refuse_shadowed_section(path, before, plan.after, change.number);
+    }
+    compare_values(answers_before, answers_after, changes, plan);
     return plan;
 }

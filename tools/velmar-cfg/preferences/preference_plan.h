@@ -1,4 +1,4 @@
-// What a change of one preference makes of a preference file. Text in, text out; no file is touched.
+// What changes of preferences make of a preference file. Text in, text out; no file is touched.
 #ifndef TOOLS_VELMAR_CFG_PREFERENCES_PREFERENCE_PLAN_H
 #define TOOLS_VELMAR_CFG_PREFERENCES_PREFERENCE_PLAN_H
 
@@ -14,6 +14,7 @@ struct PREFERENCE_CHANGE
 {
     CFG_USER_INI_ENUMS number;
     std::optional<std::string> value; // nothing: back to the default
+    bool may_stand_elsewhere = false; // it will do if the file answers so already, by the default or an older release
 };
 
 struct PREFERENCE_PLAN
@@ -23,17 +24,17 @@ struct PREFERENCE_PLAN
     std::vector<std::string> other_values; // other preferences that change their value, and why, each as a sentence
     std::vector<std::string> warnings;     // the same, where no release allows the value that goes
 
-    // Whether a value that the user wrote goes or changes, beside the one that is to change.
+    // Whether a value that the user wrote goes or changes, beside those that are to change.
     bool loses_values() const;
 };
 
 // Throws TOOL_ERROR(REFUSED) for a value that the catalogue does not allow or that no file can hold.
 void check_preference_value(const PREFERENCE_CHANGE& change);
 
-// The file after the change, as a program would write it that has looked every preference up, which carries values over
-// from older releases, has made the change and saves. `path` is for messages. Throws TOOL_ERROR(NOT_WRITTEN) where the
-// file would not answer as the change wants; the message names the lines to blame.
-PREFERENCE_PLAN plan_preference_change(const std::string& path, std::string_view before,
-                                       const PREFERENCE_CHANGE& change);
+// The file after the changes, as a program would write it that has looked every preference up, which carries values
+// over from older releases, has made the changes, of different preferences, and saves. `path` is for messages. Throws
+// TOOL_ERROR(NOT_WRITTEN) where the file would not answer as a change wants; the message names the lines to blame.
+PREFERENCE_PLAN plan_preference_changes(const std::string& path, std::string_view before,
+                                        const std::vector<PREFERENCE_CHANGE>& changes);
 
 #endif

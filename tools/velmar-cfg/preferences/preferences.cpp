@@ -124,13 +124,13 @@ PREFERENCES::PREFERENCES(std::string_view bytes)
 {
     for_each_preference_line(
         bytes,
-        [this](std::size_t, std::string_view, const PREFERENCE_LINE& line, const std::string& section)
+        [this](std::size_t number, std::string_view, const PREFERENCE_LINE& line, const std::string& section)
         {
             if (line.kind == PREFERENCE_LINE_KIND::HEADER)
                 sections.insert(section);
             // The first line of a key counts.
             else if (line.kind == PREFERENCE_LINE_KIND::KEY && !section.empty())
-                records.try_emplace(section + line.name, RECORD{section, line.value});
+                records.try_emplace(section + line.name, RECORD{section, line.value, number});
         });
 }
 
@@ -156,10 +156,10 @@ PREFERENCES::FOUND PREFERENCES::find_carried_over(const std::string& section, co
 {
     const RECORD* const older = find_in_releases(section, key, ver_get_all_versions());
     if (older != nullptr && !older->value.empty())
-        return {older->value, {PREFERENCE_SOURCE::OLDER_RELEASE, older->section}};
+        return {older->value, {PREFERENCE_SOURCE::OLDER_RELEASE, older->section}, older->line};
     const RECORD* const unversioned = find(section, key);
     if (unversioned != nullptr && !unversioned->value.empty())
-        return {unversioned->value, {PREFERENCE_SOURCE::UNVERSIONED_SECTION, unversioned->section}};
+        return {unversioned->value, {PREFERENCE_SOURCE::UNVERSIONED_SECTION, unversioned->section}, unversioned->line};
     return {};
 }
 
@@ -167,8 +167,9 @@ PREFERENCES::FOUND PREFERENCES::find_in_file(const std::string& section, const s
 {
     const std::string running = released_section(section, ver_get_version());
     if (const RECORD* const record = find(running, key); record != nullptr)
-        return record->value.empty() ? FOUND{}
-                                     : FOUND{record->value, {PREFERENCE_SOURCE::RUNNING_RELEASE, record->section}};
+        return record->value.empty()
+                   ? FOUND{}
+                   : FOUND{record->value, {PREFERENCE_SOURCE::RUNNING_RELEASE, record->section}, record->line};
     // A file that has the running release's section has had it saved: what is missing there is meant to be.
     return sections.contains(running) ? FOUND{} : find_carried_over(section, key);
 }
@@ -220,6 +221,7 @@ PREFERENCE PREFERENCES::look_up(CFG_USER_INI_ENUMS number) const
     FOUND found = find_in_file(preference.section, preference.key);
     preference.value = std::move(found.value);
     preference.origin = std::move(found.origin);
+    preference.line = found.line;
     if (preference.value.empty() && !preference.default_value.empty())
     {
         preference.value = preference.default_value;

@@ -3,6 +3,7 @@
 #ifndef TOOLS_VELMAR_CFG_PREFERENCES_PREFERENCES_H
 #define TOOLS_VELMAR_CFG_PREFERENCES_PREFERENCES_H
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <optional>
@@ -29,7 +30,8 @@ struct PREFERENCE
     std::string default_value;
     std::vector<std::string> allowed; // empty for free text
     PREFERENCE_ORIGIN origin;
-    std::string release; // of the origin's section; empty for none
+    std::string release;  // of the origin's section; empty for none
+    std::size_t line = 0; // of the file, counted from 1, that gives the value; 0 for none
 
     // Whether the value is another than the default; letter case does not count.
     bool differs_from_default() const;
@@ -68,12 +70,14 @@ private:
     {
         std::string section;
         std::string value;
+        std::size_t line;
     };
 
     struct FOUND
     {
         std::string value;
         PREFERENCE_ORIGIN origin;
+        std::size_t line = 0;
     };
 
     const RECORD* find(const std::string& section, const std::string& key) const;

@@ -1,0 +1,187 @@
+#include "tools/velmar-cfg/commands/preference_changes.h"
+
+#include <algorithm>
+#include <map>
+#include <span>
+#include <string_view>
+
+#include "cfg_ini/cfg_ini.h"
+#include "tools/velmar-cfg/base/text.h"
+#include "tools/velmar-cfg/base/unified_diff.h"
+#include "tools/velmar-cfg/commands/diagnostics.h"
+#include "tools/velmar-cfg/preferences/preference_secrets.h"
+#include "tools/velmar-cfg/preferences/preferences.h"
+
+namespace
+{
+void write_lost_line(JSON_WRITER& out, const LOST_LINE& line)
+{
+    out.begin_object();
+    out.field("line", line.number);
+    out.field("reason", loss_word(line.reason));
+    out.field("text", line.text);
+    out.field("value_lost", line.value_lost);
+    out.end_object();
+}
+
+void write_fields(JSON_WRITER& out, const PREFERENCE_OPTIONS& options, const EDITED_FILE& file,
+                  const std::string& difference)
+{
+    out.field("path", file.path);
+    out.field("changed", file.changed());
+    out.field_or_null("refusal", file.refusal);
+    out.field("dry_run", options.dry_run);
+    out.field("dropped_lines", file.plan.lost.size());
+    out.key("lost_lines");
+    out.list(file.plan.lost, write_lost_line);
+    out.field("difference", difference);
+}
+
+// The reasons of lost lines, with secrets hidden.
+class SHOWN_REASONS
+{
+public:
+    SHOWN_REASONS(std::string_view text_of_file, SECRETS& the_secrets) : text(text_of_file), secrets(the_secrets) {}
+
+    std::string of(const LOST_LINE& line)
+    {
+        // A bracket may have made a section of a piece of a secret, of which no part is to be left by a cut.
+        if (line.reason != LOSS::BRACKET_IN_VALUE && line.section_in_its_place.empty())
+            return loss_as_text(line);
+        LOST_LINE shown = line;
+        for (std::string* const section : {&shown.section, &shown.section_in_its_place})
+            *section = hidden(*section);
+        return loss_as_text(shown);
+    }
+
+private:
+    // The whole file is searched for secrets, so once for all lines of a section.
+    const std::string& hidden(const std::string& section)
+    {
+        const auto [found, is_new] = hidden_sections.try_emplace(section);
+        if (is_new)
+            found->second = hide_in_message(section, text, "", "", secrets);
+        return found->second;
+    }
+
+    const std::string_view text;
+    SECRETS& secrets;
+    std::map<std::string, std::string> hidden_sections; // by the section as it is
+};
+
+// Of very many lines only the first, where all can be seen elsewhere: in the JSON of this run, or of a dry run as long
+// as the file is as it was. Of a file that was changed, what is told here is all that remains of them.
+void complain_of_lost_lines(const EDITED_FILE& file, const PREFERENCE_OPTIONS& options, bool json, SECRETS& secrets)
+{
+    constexpr std::size_t enough = 50;
+    const std::vector<LOST_LINE>& lost = file.plan.lost;
+    if (lost.empty())
+        return;
+    const bool are_gone = !options.dry_run && file.refusal.empty();
+    complain(file.path + ": lines that " + (are_gone ? "were not" : "would not be") +
+             " kept as they were: " + std::to_string(lost.size()));
+    const std::size_t shown = are_gone && !json ? lost.size() : std::min(lost.size(), enough);
+    SHOWN_REASONS reasons(file.before, secrets);
+    for (const LOST_LINE& line : std::span(lost).first(shown))
+        complain("line " + std::to_string(line.number) + ": " + in_single_quotes(line.text) + ": " + reasons.of(line));
+    if (shown < lost.size())
+        complain("and " + std::to_string(lost.size() - shown) + " more; " +
+                 (json ? "\"lost_lines\" has them all" : "--dry-run --json lists them all"));
+}
+
+// The difference that the edit makes, with secrets hidden: also those of the old text that the new one has elsewhere.
+std::string shown_difference(const EDITED_FILE& file, SECRETS& secrets)
+{
+    const auto hidden = [&secrets](const std::string& text)
+    { return hide_in_preference_text(text, secrets).value_or(text); };
+    return unified_diff(hidden(file.before), hide_in_message(hidden(file.plan.after), file.before, "", "", secrets),
+                        file.path, file.path + " (new)");
+}
+
+// Makes the changes. What is told of values goes to terminals and logs: no secret is in it.
+EDITED_FILE edited(const std::vector<PREFERENCE_CHANGE>& changes, const PREFERENCE_OPTIONS& options, SECRETS& secrets)
+{
+    const auto hide = [&](std::string& message, std::string_view text)
+    { message = hide_in_message(hide_in_message(message, changes, secrets), text, "", "", secrets); };
+    try
+    {
+        EDITED_FILE file = options.dry_run ? try_preference_changes(changes, options.permissions, options.patience())
+                                           : change_preferences(changes, options.permissions, options.patience());
+        for (std::string& warning : file.plan.warnings)
+            hide(warning, file.before);
+        for (std::string& other_value : file.plan.other_values)
+            hide(other_value, file.before);
+        hide(file.refusal, file.before);
+        for (LOST_LINE& line : file.plan.lost)
+            line.text = hide_in_preference_text(line.text, secrets).value_or(line.text);
+        return file;
+    }
+    catch (const TOOL_ERROR& error)
+    {
+        std::string message = error.what();
+        hide(message, read_whole_file(preference_file_location().path).bytes);
+        throw TOOL_ERROR(error.exit_code, message);
+    }
+}
+}
+
+void add_preference_options(COMMAND& command, PREFERENCE_OPTIONS& options)
+{
+    add_edit_options(command, options, options.permissions,
+                     "Change nothing: show the difference, with the comments and other lines that would be lost");
+    command.add_flag("--allow-loss", options.permissions.lose_values,
+                     "Change the file also where values in other lines go or change with that");
+}
+
+void make_preference_changes(const std::vector<PREFERENCE_CHANGE>& changes, const PREFERENCE_OPTIONS& options,
+                             const std::function<void(JSON_WRITER&)>& write_subject, TOOL& tool)
+{
+    SECRETS& secrets = *tool.options.scope.secrets;
+    const EDITED_FILE file = edited(changes, options, secrets);
+    complain_of(file.plan.warnings);
+    if (file.refusal.empty())
+    {
+        for (const std::string& other_value : file.plan.other_values)
+            complain("this also changes " + other_value);
+    }
+    complain_of_lost_lines(file, options, tool.options.json, secrets);
+    const std::string difference = options.dry_run ? shown_difference(file, secrets) : "";
+    try
+    {
+        if (tool.options.json)
+            answer_in_json(tool,
+                           [&](JSON_WRITER& out)
+                           {
+                               out.begin_object();
+                               write_subject(out);
+                               write_fields(out, options, file, difference);
+                               out.end_object();
+                           });
+        else
+            write_difference(difference, tool.out);
+        tool.out.finish();
+    }
+    catch (const TOOL_ERROR& error)
+    {
+        if (!file.changed() || options.dry_run)
+            throw;
+        throw TOOL_ERROR(error.exit_code, file.path + " was changed; " + error.what());
+    }
+    if (!file.refusal.empty())
+        throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN, file.refusal);
+}
+
+std::optional<std::string> shown_value(const PREFERENCE_CHANGE& change, SECRETS& secrets)
+{
+    if (!change.value)
+        return std::nullopt;
+    return hide_in_preference(cfg_get_user_ini_ini_string(change.number), *change.value, secrets);
+}
+
+std::string hide_in_message(std::string message, const std::vector<PREFERENCE_CHANGE>& changes, SECRETS& secrets)
+{
+    for (const PREFERENCE_CHANGE& change : changes)
+        message = hide_in_message(message, "", cfg_get_user_ini_ini_string(change.number), change.value.value_or(""),
+                                  secrets);
+    return message;
+}

@@ -1,0 +1,78 @@
+// velmar-cfg prefs explain: why a preference has its value.
+#include <algorithm>
+#include <string>
+
+#include "tools/velmar-cfg/base/output.h"
+#include "tools/velmar-cfg/base/text.h"
+#include "tools/velmar-cfg/commands/command.h"
+#include "tools/velmar-cfg/commands/commands.h"
+#include "tools/velmar-cfg/commands/tool.h"
+#include "tools/velmar-cfg/preferences/preference_explanation.h"
+#include "tools/velmar-cfg/preferences/preferences.h"
+
+namespace
+{
+std::string location_of(const EXPLAINED_PREFERENCE_LINE& line)
+{
+    return "line " + std::to_string(line.number) + "  " + (line.section ? "[" + *line.section + "]" : "no section");
+}
+
+void write_lines(const PREFERENCE_EXPLANATION& explanation, OUTPUT& out)
+{
+    std::size_t width = 0;
+    for (const EXPLAINED_PREFERENCE_LINE& line : explanation.lines)
+        width = std::max(width, location_of(line).size());
+    out << "lines of " << printable(explanation.path) << ", at most one counts:\n";
+    for (const EXPLAINED_PREFERENCE_LINE& line : explanation.lines)
+    {
+        std::string text = location_of(line);
+        text.resize(width + 2, ' ');
+        text += line.name + " = " + line.value;
+        const std::string why = fate_as_text(line, explanation.preference);
+        out << (line.counts() ? "  counts   " : "  does not ")
+            << out.painted(line.counts() ? STYLE::GOOD : STYLE::FAINT, printable(text))
+            << (line.old_name ? "  (an old name)" : "") << (why.empty() ? "" : "  (" + printable(why) + ")") << "\n";
+    }
+}
+
+void write_text(const PREFERENCE_EXPLANATION& explanation, OUTPUT& out)
+{
+    const PREFERENCE& preference = explanation.preference;
+    out << out.painted(STYLE::STRONG, preference.key)
+        << (preference.value.empty() ? " has no value" : " = " + printable(preference.value)) << ": "
+        << printable(origin_as_text(preference.origin)) << "\n";
+    if (explanation.path.empty())
+        out << "there is no preference file\n";
+    else if (explanation.lines.empty())
+        out << "no line of " << printable(explanation.path) << " says anything of it\n";
+    else
+        write_lines(explanation, out);
+    out << "default: " << (preference.default_value.empty() ? "none" : preference.default_value) << "\n"
+        << "allowed: " << allowed_as_text(preference.allowed) << "\n";
+}
+
+EXIT_CODE explain(const std::string& key, TOOL& tool)
+{
+    const CFG_USER_INI_ENUMS number = preference_number(key);
+    const PREFERENCE_EXPLANATION explanation =
+        explain_preference(preference_file_in_use(tool.files).get(), number, *tool.options.scope.secrets);
+    if (tool.options.json)
+        answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, explanation); });
+    else
+        write_text(explanation, tool.out);
+    return explanation.preference.value.empty() ? EXIT_CODE::FINDINGS : EXIT_CODE::FINE;
+}
+}
+
+void add_prefs_explain_command(COMMAND prefs, TOOL& tool)
+{
+    auto key = std::make_shared<std::string>();
+    COMMAND command =
+        prefs.add_command(tool, "explain",
+                          "Show why a preference has its value: every line of the preference file that says something "
+                          "of it, for any release, under its own or an old name, which one counts, and why the others "
+                          "do not. Exit code 1 when it has no value, not even a default.",
+                          "velmar-cfg prefs explain HDL_PREFERENCE\n      which release's line decides, and why",
+                          [key, &tool] { return explain(*key, tool); });
+    command.add_argument("KEY", *key, "The preference, in any letter case");
+}

@@ -1,0 +1,106 @@
+#include "tools/velmar-cfg/preferences/preference_transfer.h"
+
+#include <deque>
+#include <set>
+#include <sstream>
+#include <utility>
+
+#include "platform/ver/ver.h"
+#include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/preferences/preference_lines.h"
+
+using namespace zon_cfg;
+
+namespace
+{
+// The reader trims values and takes one pair of quotes off.
+std::string as_written(const std::string& key, const std::string& value)
+{
+    return classify_preference_line(key + " = " + value).value == value ? value : "\"" + value + "\"";
+}
+
+// The sections in which lookups of a file with these headers look.
+std::set<std::string> sections_looked_into(const std::set<std::string>& headers)
+{
+    std::set<std::string> sections;
+    for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
+    {
+        const std::string bare = preference_triples(number).front().section;
+        const std::string running = released_section(bare, ver_get_version());
+        if (!sections.insert(running).second || headers.contains(running))
+            continue;
+        sections.insert(bare);
+        for (const std::string& release : ver_get_all_versions())
+            sections.insert(released_section(bare, release));
+    }
+    return sections;
+}
+
+std::set<std::string> headers_of(std::string_view bytes)
+{
+    std::set<std::string> headers;
+    for_each_preference_line(
+        bytes,
+        [&headers](std::size_t, std::string_view, const PREFERENCE_LINE& line, const std::string& section)
+        {
+            if (line.kind == PREFERENCE_LINE_KIND::HEADER)
+                headers.insert(section);
+        });
+    return headers;
+}
+
+bool is_unknown(const std::string& name)
+{
+    return !name.starts_with('#') && !name.starts_with(';') && find_preference(name.c_str()) == CFG_USER_INI_ENUMS_END;
+}
+}
+
+PREFERENCE_DUMP dump_preferences(const PREFERENCES& preferences, bool only_changed)
+{
+    PREFERENCE_DUMP dump;
+    std::ostringstream text;
+    std::deque<CFG_USER_VALUE_STRUCT> records;
+    CFG_USER_VALUE_MAP ordered;
+    for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
+    {
+        const PREFERENCE preference = preferences.look_up(number);
+        if (preference.value.empty() || (only_changed && preference.value == preference.default_value))
+            continue;
+        if (has_hidden_parts(preference.value))
+        {
+            dump.masked.push_back(preference.key);
+            // Without "=" and "[", so that it is no preference.
+            text << "# " << preference.key << " is masked; --with-secrets writes it\n";
+            continue;
+        }
+        const std::string section = released_section(preference.section, ver_get_version());
+        ordered[section + preference.key] =
+            &records.emplace_back(section, preference.key, as_written(preference.key, preference.value));
+    }
+    for (const SECTION_GROUP& group : groups_to_write(ordered))
+        write_group(text, group);
+    dump.text = std::move(text).str();
+    return dump;
+}
+
+GIVEN_PREFERENCES preferences_given_by(std::string_view bytes)
+{
+    GIVEN_PREFERENCES given;
+    const PREFERENCES preferences(bytes);
+    for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
+    {
+        PREFERENCE preference = preferences.look_up(number);
+        if (preference.line != 0)
+            given.known.push_back({number, std::move(preference.value), preference.line});
+    }
+    const std::set<std::string> sections = sections_looked_into(headers_of(bytes));
+    for_each_preference_line(
+        bytes,
+        [&](std::size_t number, std::string_view, const PREFERENCE_LINE& line, const std::string& section)
+        {
+            if (line.kind == PREFERENCE_LINE_KIND::KEY && !line.value.empty() && sections.contains(section) &&
+                is_unknown(line.name))
+                given.unknown.push_back({line.name, number});
+        });
+    return given;
+}

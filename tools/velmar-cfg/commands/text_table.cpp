@@ -5,6 +5,7 @@
 TEXT_TABLE::TEXT_TABLE(const std::vector<std::string>& headings)
 {
     std::vector<TABLE_CELL> row;
+    row.reserve(headings.size());
     for (const std::string& heading : headings)
         row.push_back({heading, STYLE::STRONG});
     add(std::move(row));

@@ -199,10 +199,10 @@ std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAP
                                                    std::vector<UNDECIDED_ROW>& undecided)
 {
     std::vector<VARIABLE_DIFFERENCE> differences;
-    const auto add = [&differences](std::string_view name, std::optional<SNAPSHOT_VARIABLE> left,
-                                    std::optional<SNAPSHOT_VARIABLE> right)
+    const auto add = [&differences](std::string_view name, const std::optional<SNAPSHOT_VARIABLE>& left,
+                                    const std::optional<SNAPSHOT_VARIABLE>& right)
     {
-        VARIABLE_DIFFERENCE difference{std::string(name), std::move(left), std::move(right), {}};
+        VARIABLE_DIFFERENCE difference{std::string(name), left, right, {}};
         difference.made_by = maker_of(difference);
         difference.same_in_every_type =
             difference.a && difference.b && same_in_every_type(*difference.a, *difference.b);

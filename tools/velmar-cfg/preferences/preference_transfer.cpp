@@ -74,8 +74,8 @@ PREFERENCE_DUMP dump_preferences(const PREFERENCES& preferences, bool only_chang
             continue;
         }
         const std::string section = released_section(preference.section, ver_get_version());
-        ordered[section + preference.key] =
-            &records.emplace_back(section, preference.key, as_written(preference.key, preference.value));
+        records.push_back({section, preference.key, as_written(preference.key, preference.value)});
+        ordered[section + preference.key] = &records.back();
     }
     for (const SECTION_GROUP& group : groups_to_write(ordered))
         write_group(text, group);

@@ -9,7 +9,7 @@ namespace
 {
 std::string why_not_set(const SETTINGS& settings, const std::string& name, bool suggest)
 {
-    const std::string not_set = "'" + name + "' is not set";
+    std::string not_set = "'" + name + "' is not set";
     if (const KNOWN_VARIABLE* const known = find_known_variable(name); known != nullptr)
         return not_set + (known->default_text.empty() ? "" : "; the catalogue's default is " + known->default_text);
     if (!suggest)

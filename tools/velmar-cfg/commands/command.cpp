@@ -27,9 +27,9 @@ CLI::Validator one_of(const std::vector<std::string>& choices)
 }
 
 CLI::Option* add_repeated(CLI::App& app, const std::string& names, const std::string& value_name,
-                          std::function<void(const std::string&)> take, const std::string& description)
+                          const std::function<void(const std::string&)>& take, const std::string& description)
 {
-    return app.add_option_function<std::string>(names, std::move(take), description)
+    return app.add_option_function<std::string>(names, take, description)
         ->type_name(value_name)
         ->trigger_on_parse()
         ->allow_extra_args(false);

@@ -13,6 +13,7 @@
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_run_report/run_circumstances.h"
 #include "tests/support/faked_test.h"
+#include "tests/support/system_text.h"
 
 namespace
 {
@@ -288,7 +289,8 @@ TEST_F(RUN_REPORT, ThatCannotBeWrittenSaysWhichFileAndWhy)
     const std::string nowhere = temporary.path("nowhere/report.json");
     const CFG_RUN_REPORT_RESULT result = cfg_write_run_report(nowhere);
     EXPECT_FALSE(result.written);
-    EXPECT_EQ("cannot write the run report " + nowhere + ": No such file or directory", result.error);
+    EXPECT_EQ("cannot write the run report " + nowhere + ": " + system_text(std::errc::no_such_file_or_directory),
+              result.error);
 }
 
 TEST_F(RUN_REPORT, AFailureInsideIsReportedNotThrown)

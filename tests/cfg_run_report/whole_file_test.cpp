@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "tests/support/isolated_test.h"
+#include "tests/support/system_text.h"
 
 namespace
 {
@@ -90,18 +91,19 @@ TEST_F(WHOLE_FILE, ADeviceIsWrittenToAsItIs)
 
 TEST_F(WHOLE_FILE, AFullDeviceIsAFailure)
 {
-    EXPECT_EQ("No space left on device", write_whole_file("/dev/full", "new"));
+    EXPECT_EQ(system_text(std::errc::no_space_on_device), write_whole_file("/dev/full", "new"));
 }
 
 TEST_F(WHOLE_FILE, ADirectoryIsAFailure)
 {
-    EXPECT_EQ("Is a directory", write_whole_file(temporary.path("cwd"), "new"));
+    EXPECT_EQ(system_text(std::errc::is_a_directory), write_whole_file(temporary.path("cwd"), "new"));
     EXPECT_EQ(0U, files_in_directory());
 }
 
 TEST_F(WHOLE_FILE, InADirectoryThatIsNotThereIsAFailure)
 {
-    EXPECT_EQ("No such file or directory", write_whole_file(temporary.path("nowhere/file"), "new"));
+    EXPECT_EQ(system_text(std::errc::no_such_file_or_directory),
+              write_whole_file(temporary.path("nowhere/file"), "new"));
 }
 
 // A limit stands for the full disk: the writing breaks off in the middle.
@@ -119,7 +121,7 @@ TEST_F(WHOLE_FILE, AFailureInTheMiddleLeavesTheOldFileAndNothingElse)
     write_file(file, "old");
     EXPECT_IN_FRESH_PROCESS({
         limit_file_size(4096);
-        EXPECT_EQ("File too large", write_whole_file(file, std::string(100000, 'x')));
+        EXPECT_EQ(system_text(std::errc::file_too_large), write_whole_file(file, std::string(100000, 'x')));
         EXPECT_EQ("old", read_file(file));
         EXPECT_EQ(1U, files_in_directory());
     });
@@ -155,7 +157,7 @@ TEST_F(WHOLE_FILE, AWriteProtectedFileIsLeftAlone)
     ASSERT_EQ(0, chmod(temporary.path("cwd").c_str(), 0777));
     {
         const AS_NOBODY as_nobody;
-        EXPECT_EQ("Permission denied", write_whole_file(file, "new"));
+        EXPECT_EQ(system_text(std::errc::permission_denied), write_whole_file(file, "new"));
     }
     EXPECT_EQ("old", read_file(file));
     EXPECT_EQ(1U, files_in_directory());
@@ -169,7 +171,7 @@ TEST_F(WHOLE_FILE, InAWriteProtectedDirectoryIsAFailure)
     ASSERT_EQ(0, chmod(temporary.path("cwd").c_str(), 0555));
     {
         const AS_NOBODY as_nobody;
-        EXPECT_EQ("Permission denied", write_whole_file(file, "new"));
+        EXPECT_EQ(system_text(std::errc::permission_denied), write_whole_file(file, "new"));
     }
     ASSERT_EQ(0, chmod(temporary.path().c_str(), 0777));
     ASSERT_EQ(0, chmod(temporary.path("cwd").c_str(), 0777));

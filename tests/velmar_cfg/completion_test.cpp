@@ -72,8 +72,9 @@ protected:
 
 TEST_F(COMPLETION, offers_the_commands)
 {
-    EXPECT_THAT(in_bash({"velmar-cfg", ""}), UnorderedElementsAre("get", "list", "explain", "layers", "paths", "lint",
-                                                                  "prefs", "run-report", "snapshot", "diff", "help"));
+    EXPECT_THAT(in_bash({"velmar-cfg", ""}),
+                UnorderedElementsAre("get", "list", "explain", "layers", "paths", "lint", "set", "unset", "prefs",
+                                     "run-report", "snapshot", "diff", "help"));
     EXPECT_THAT(in_bash({"velmar-cfg", "--regtest", "--project", "get", "l"}),
                 UnorderedElementsAre("list", "layers", "lint"));
     EXPECT_THAT(in_bash({"velmar-cfg", "help", "l"}), UnorderedElementsAre("list", "layers", "lint"));
@@ -103,6 +104,8 @@ TEST_F(COMPLETION, offers_the_words_that_an_option_takes)
     EXPECT_THAT(in_bash({"velmar-cfg", "list", "--color", "=", "a"}), UnorderedElementsAre("auto", "always"));
     EXPECT_THAT(in_bash({"velmar-cfg", "list", "--color", "="}), UnorderedElementsAre("auto", "always", "never"));
     EXPECT_THAT(in_bash({"velmar-cfg", "prefs", "set", "--wait", ""}), IsEmpty());
+    EXPECT_THAT(in_bash({"velmar-cfg", "lint", "--format", ""}), UnorderedElementsAre("text", "sarif"));
+    EXPECT_THAT(in_bash({"velmar-cfg", "lint", "--ignore", "bl"}), ElementsAre("blanks-in-name"));
 }
 
 TEST_F(COMPLETION, offers_the_variables_of_the_catalogue_in_any_letter_case)
@@ -113,6 +116,9 @@ TEST_F(COMPLETION, offers_the_variables_of_the_catalogue_in_any_letter_case)
     EXPECT_THAT(in_bash({"velmar-cfg", "explain", "--json", "debug_"}),
                 UnorderedElementsAre("debug_msg", "debug_msg_level"));
     EXPECT_THAT(in_bash({"velmar-cfg", "list", "zan"}), ElementsAre("zanth_flow"));
+    EXPECT_THAT(in_bash({"velmar-cfg", "set", "--dry-run", "zan"}), ElementsAre("zanth_flow"));
+    EXPECT_THAT(in_bash({"velmar-cfg", "set", "zanth_flow", ""}), IsEmpty());
+    EXPECT_THAT(in_bash({"velmar-cfg", "unset", "zan"}), ElementsAre("zanth_flow"));
     EXPECT_THAT(in_bash({"velmar-cfg", "run-report", "--switch", "zan"}), ElementsAre("zanth_flow"));
     EXPECT_EQ(in_bash({"velmar-cfg", "get", ""}).size(), 41U); // 30 of the catalogue, 11 of the library's own
 }

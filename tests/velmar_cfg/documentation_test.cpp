@@ -8,6 +8,7 @@
 #include "tests/support/run_program.h"
 #include "tests/velmar_cfg/tool_test.h"
 #include "tools/velmar-cfg/commands/command_line.h"
+#include "tools/velmar-cfg/lint/reasons.h"
 #include "tools/velmar-cfg/preferences/preference_save.h"
 #include "tools/velmar-cfg/settings/environment.h"
 
@@ -58,7 +59,7 @@ protected:
 
 TEST_F(DOCUMENTATION, knows_all_commands)
 {
-    EXPECT_EQ(commands.size(), 19U);
+    EXPECT_EQ(commands.size(), 21U);
 }
 
 TEST_F(DOCUMENTATION, a_list_of_commands_has_a_summary_of_each)
@@ -308,6 +309,45 @@ TEST(MANUAL_PAGES_, explain_every_finding_in_alphabetical_order)
     EXPECT_GT(of_preferences.size(), 14U);
     EXPECT_THAT(findings_in_manual("Of settings"), testing::ElementsAreArray(of_settings));
     EXPECT_THAT(findings_in_manual("Of preferences"), testing::ElementsAreArray(of_preferences));
+}
+
+// The sentences of the manual page below the heading, by the names of the findings, as plain text.
+std::map<std::string, std::string> meanings_in_manual(const std::string& heading)
+{
+    std::map<std::string, std::string> meanings;
+    std::string name;
+    bool below = false;
+    for (const std::string& line : lines_of(page("velmar-cfg.1")))
+    {
+        if (line.starts_with(".Ss ") || line.starts_with(".Sh "))
+            below = line == ".Ss " + heading;
+        else if (below && line.starts_with(".It Li "))
+            name = words_of(line).back();
+        else if (below && !name.empty() && !line.starts_with(".Bl") && !line.starts_with(".El"))
+        {
+            std::vector<std::string> words = words_of(line);
+            if (words.front() == ".Ql")
+                words[1] = "'" + words[1].substr(words[1].starts_with("\\&") ? 2 : 0) + "'";
+            if (words.front().starts_with('.'))
+                words.erase(words.begin());
+            for (const std::string& word : words)
+                meanings[name] += (meanings[name].empty() || word == "," || word == "." ? "" : " ") + word;
+        }
+    }
+    return meanings;
+}
+
+TEST(MANUAL_PAGES_, say_of_findings_what_the_list_of_reasons_says)
+{
+    for (const auto& [heading, reasons] :
+         {std::pair("Of settings", reasons_of_settings()), std::pair("Of preferences", reasons_of_preferences())})
+    {
+        std::map<std::string, std::string> listed;
+        for (const REASON& reason : reasons)
+            listed[reason.name] = reason.meaning;
+        EXPECT_EQ(listed, meanings_in_manual(heading));
+        EXPECT_TRUE(std::ranges::is_sorted(reasons, {}, [](const REASON& reason) { return std::string(reason.name); }));
+    }
 }
 
 // What explain has to say besides the findings of lint.

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "tests/support/isolated_test.h"
+#include "tools/velmar-cfg/base/text.h"
 
 namespace
 {
@@ -75,8 +76,10 @@ TEST_F(ENVIRONMENT_RULES, want_a_directory)
         std::string value;
         std::string finding; // behind "VELMAR_INI "; empty for none
     };
-    const auto is_file = [](const std::string& value, const std::string& rest)
-    { return "error no-directory: '" + value + "' is a file: no settings are looked for in it; " + rest; };
+    const auto is_file = [](const std::string& value, const std::string& rest) {
+        return "error no-directory: " + in_single_quotes(value) + " is a file: no settings are looked for in it; " +
+               rest;
+    };
     const std::string name_one = "name the directory of a file velmar.ini";
     const ROW rows[] = {
         {"set", ""},
@@ -88,7 +91,8 @@ TEST_F(ENVIRONMENT_RULES, want_a_directory)
         {"set/below/velmar.ini", is_file("set/below/velmar.ini", "write 'set/below' [set/below]")},
         {"velmar.ini", is_file("velmar.ini", "write '.' [.]")},
         {"./velmar.ini", is_file("./velmar.ini", "write '.' [.]")},
-        {absolute + "/velmar.ini", is_file(absolute + "/velmar.ini", "write '" + absolute + "' [" + absolute + "]")},
+        {absolute + "/velmar.ini",
+         is_file(absolute + "/velmar.ini", "write " + in_single_quotes(absolute) + " [" + absolute + "]")},
         {"set/other.ini", is_file("set/other.ini", name_one)},
         {"set/my_velmar.ini", is_file("set/my_velmar.ini", name_one)},
         {"/dev/null", is_file("/dev/null", name_one)},

@@ -50,6 +50,9 @@ TEST_F(FILE_PLACE_TEST, tells_what_does_not_lead_anywhere)
               "4 nowhere/file: No such file or directory; make the directory first");
     EXPECT_EQ(complaint_of([] { FILE_PLACE("user/file/x"); }), "4 user/file/x: Not a directory");
     EXPECT_EQ(complaint_of([] { FILE_PLACE("root"); }), "4 root: is a link to a directory, not to a file");
+    for (const std::string path : {"", ".", "./", "/"})
+        EXPECT_EQ(complaint_of([&path] { const FILE_PLACE place(path); }),
+                  "4 " + path + ": is a directory, not a file");
 }
 
 TEST_F(FILE_PLACE_TEST, forty_links_are_followed_and_no_more)

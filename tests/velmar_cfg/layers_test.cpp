@@ -44,9 +44,9 @@ TEST(LAYER_KINDS, have_codes_and_titles)
         bool is_file;
     };
     const ROW rows[] = {
-        {main_file, "main", "main settings file", true},   {appended, "appended", "file of APPENDED_VELMAR_INI", true},
-        {inline_text, "inline", "environment", false},     {regtest, "regtest", "regression-test file", true},
-        {program, "program", "program", false}, {what_if, "what-if", "what if", false},
+        {main_file, "main", "main settings file", true}, {appended, "appended", "file of APPENDED_VELMAR_INI", true},
+        {inline_text, "inline", "environment", false},   {regtest, "regtest", "regression-test file", true},
+        {program, "program", "program", false},          {what_if, "what-if", "what if", false},
         {unknown, "unknown", "unknown source", false},
     };
     std::vector<LAYER_KIND> in_order;

@@ -232,7 +232,7 @@ TEST(SUGGESTIONS, spell_the_name_alike)
         const auto found = std::ranges::find(findings, reason, &FINDING::reason);
         return found == findings.end() ? "nothing" : found->instead;
     };
-    EXPECT_EQ(instead_of("MSG_SQLITE == 2", "letter-case"), "write 'msg_sqlite = 2'");
+    EXPECT_EQ(instead_of("MSG_SQLITE == 2", "letter-case"), "write 'msg_sqlite'");
     EXPECT_EQ(instead_of("MSG_SQLITE == 2", "no-boolean"), "write 'msg_sqlite = on' or 'msg_sqlite = off'");
     EXPECT_EQ(instead_of("Debug_Msg_Level = high", "no-integer"),
               "write decimal digits only, such as 'debug_msg_level = 2'");

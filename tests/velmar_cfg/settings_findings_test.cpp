@@ -163,7 +163,7 @@ INSTANTIATE_TEST_SUITE_P(
                "that spelling are not told of this one; write 'msg_sqlite = on'"}},
         FOUND{"MSG_SQLITE = 2",
               {"1:1 warning letter-case: the same variable as 'msg_sqlite', but objects registered under that spelling "
-               "are not told of this one; write 'msg_sqlite = 2'",
+               "are not told of this one; write 'msg_sqlite'",
                "1:14 error no-boolean: '2' is no boolean, so readers of 'msg_sqlite' take their default; write "
                "'msg_sqlite = on' or 'msg_sqlite = off'"}},
         FOUND{"Fan=1\nx=1\n fan=2",

@@ -165,8 +165,8 @@ TEST_F(STAGED_FILE_TEST, keeps_mode_owner_and_group)
                            ROW{0644, 64711, 0}, ROW{0644, 0, 64712}, ROW{04755, 64711, 64712}, ROW{02775, 0, 64712}})
     {
         const bool other = row.owner != 0 || row.group != 0;
-        if (other && geteuid() != 0)
-            continue;
+        if (geteuid() != 0 && (other || (row.mode & 0400U) == 0))
+            continue; // only root gives files away, and reads those that their owner may not
         std::filesystem::remove(file);
         write_file(file, "old\n");
         if (geteuid() == 0)

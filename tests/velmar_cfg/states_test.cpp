@@ -1,4 +1,6 @@
 // Every command that shows a state, with every kind of state.
+#include <algorithm>
+
 #include "tests/velmar_cfg/running_program.h"
 #include "tests/velmar_cfg/tool_test.h"
 
@@ -269,7 +271,9 @@ TEST_F(STATES, each_command_answers_of_each_state_or_refuses_in_one_sentence)
             EXPECT_EQ(got.err, "");
             EXPECT_THAT(got.out, HasSubstr(row.text));
             const std::string view = view_of(kind);
-            EXPECT_EQ(!view.empty() && got.out.starts_with(view + "\n"), row.has_view && !view.empty()) << got.out;
+            const bool changed = std::ranges::count(row.words, "--with") > 0;
+            const std::string first_line = view + (changed ? "; what if: with more=1, without effort\n" : "\n");
+            EXPECT_EQ(!view.empty() && got.out.starts_with(first_line), row.has_view && !view.empty()) << got.out;
             EXPECT_EQ(got.out.find("as ") == 0, row.has_view && !view.empty()) << got.out;
         }
     }
@@ -534,6 +538,33 @@ TEST_F(STATES, options_that_say_otherwise_are_refused)
     EXPECT_EQ(run({"--root", "root", "list", "--of", "project"}).exit_code, 0);
     EXPECT_EQ(run({"lint", "velmar.ini", "--of", "project"}),
               (TOOL_RUN{2, "", "velmar-cfg: --of and files exclude each other\n"}));
+}
+
+TEST_F(STATES, what_changes_files_is_of_here_and_now)
+{
+    const std::string settings = read_file("velmar.ini");
+    EXPECT_EQ(run({"lint", "--fix", "--of", "project"}),
+              (TOOL_RUN{2, "",
+                        "velmar-cfg: --fix changes files of here and now, or of --project DIR; --of excludes that\n"}));
+    for (const ARGUMENTS& words :
+         {ARGUMENTS{"set", "max_fanout", "1"}, ARGUMENTS{"unset", "max_fanout"},
+          ARGUMENTS{"prefs", "set", "HDL_PREFERENCE", "Verilog"}, ARGUMENTS{"prefs", "reset", "HDL_PREFERENCE"}})
+    {
+        for (const STATE_KIND kind : all_kinds)
+        {
+            if (kind == STATE_KIND::NOW)
+                continue;
+            SCOPED_TRACE(spoken(words + of(kind)));
+            const TOOL_RUN got = run(words + of(kind));
+            EXPECT_EQ(got.exit_code, 2);
+            EXPECT_EQ(got.out, "");
+            const std::string command = words.front() == "prefs" ? "prefs " + words[1] : words.front();
+            EXPECT_EQ(got.err, "velmar-cfg: only commands that show one state take '--of'; see velmar-cfg " + command +
+                                   " --help\n");
+        }
+    }
+    EXPECT_EQ(read_file("velmar.ini"), settings);
+    EXPECT_EQ(read_file("user/velmar2.ini"), "[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n");
 }
 
 TEST_F(STATES, regtest_beside_a_document_that_says_otherwise_is_refused)

@@ -55,6 +55,8 @@ std::string user_in_words(uid_t user)
 FILE_PLACE::FILE_PLACE(const std::string& path)
 {
     walk(path);
+    if (file_name.empty())
+        fail_to_write(path, "is a directory, not a file");
 }
 
 bool FILE_PLACE::has(int file, const std::string& name) const

@@ -241,8 +241,15 @@ std::shared_ptr<const INPUT_FILE> INPUT_FILES::read_named(const std::string& pat
     return read_with(read_named_file, path);
 }
 
+std::shared_ptr<const INPUT_FILE> INPUT_FILES::find(const std::string& title) const
+{
+    const auto found = std::ranges::find_if(files, [&title](const auto& file) { return file.second->path == title; });
+    return found == files.end() ? nullptr : found->second;
+}
+
 void INPUT_FILES::forget(const std::string& path)
 {
+    std::erase(all_problems, path + ": " + absence_of(path).problem);
     if (const auto file = files.find(path); file != files.end())
     {
         std::erase(all_problems, file->second->path + ": " + file->second->problem);

@@ -66,7 +66,10 @@ public:
     // The same for a file that the user named (see read_named_file).
     std::shared_ptr<const INPUT_FILE> read_named(const std::string& path);
 
-    // Has the file read again when it is asked for again, and its problem not told.
+    // The file that was read and is called so; null for none. Reads nothing.
+    std::shared_ptr<const INPUT_FILE> find(const std::string& title) const;
+
+    // Has the file read again when it is asked for again, and neither its problem nor its absence told.
     void forget(const std::string& path);
 
     // Adds a problem, unless it is there.

@@ -88,6 +88,12 @@ void COMMAND::add_option(const std::string& names, const std::string& value_name
     app->add_option(names, value, description)->type_name(value_name);
 }
 
+void COMMAND::add_option(const std::string& names, const std::string& value_name, std::vector<std::string>& values,
+                         const std::string& description)
+{
+    app->add_option(names, values, description)->type_name(value_name)->allow_extra_args(false);
+}
+
 void COMMAND::add_choice(const std::string& names, const std::string& value_name, std::string& value,
                          const std::vector<std::string>& choices, const std::string& description)
 {

@@ -51,8 +51,12 @@ public:
     void add_option(const std::string& names, const std::string& value_name, unsigned int& value,
                     const std::string& description);
 
-    // An option that may be given any number of times; `take` has each value as it is parsed, so that several such
-    // options keep the order in which they are given.
+    // The same, any number of times.
+    void add_option(const std::string& names, const std::string& value_name, std::vector<std::string>& values,
+                    const std::string& description);
+
+    // The same; `take` has each value as it is parsed, so that several such options keep the order in which they are
+    // given.
     void add_repeated_option(const std::string& names, const std::string& value_name,
                              std::function<void(const std::string&)> take, const std::string& description);
 

@@ -7,6 +7,7 @@
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/help.h"
+#include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
 
 namespace
@@ -82,6 +83,8 @@ std::vector<std::string> options_behind(CLI::App* command)
 std::string no_such_option(CLI::App* command, const std::string& word)
 {
     const std::string name = word.substr(0, word.find('='));
+    if (name == state_option)
+        return "only commands that show one state take '" + name + "'";
     const std::string suggestion = did_you_mean(name, options_behind(command));
     const bool may_be_argument = suggestion.empty() && !arguments_of(command).empty();
     return "there is no option '" + name + "'" + suggestion +
@@ -145,6 +148,7 @@ std::unique_ptr<CLI::App> make_command_line(TOOL& tool)
     add_layers_command(commands, tool);
     add_paths_command(commands, tool);
     add_lint_command(commands, tool);
+    add_set_commands(commands, tool);
     add_prefs_command(commands, tool);
     add_run_report_command(commands, tool);
     add_snapshot_command(commands, tool);

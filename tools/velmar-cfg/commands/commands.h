@@ -11,6 +11,7 @@ void add_explain_command(COMMAND app, TOOL& tool);
 void add_layers_command(COMMAND app, TOOL& tool);
 void add_paths_command(COMMAND app, TOOL& tool);
 void add_lint_command(COMMAND app, TOOL& tool);
+void add_set_commands(COMMAND app, TOOL& tool);
 void add_prefs_command(COMMAND app, TOOL& tool);
 void add_run_report_command(COMMAND app, TOOL& tool);
 void add_snapshot_command(COMMAND app, TOOL& tool);

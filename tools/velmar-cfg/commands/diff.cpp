@@ -88,8 +88,8 @@ void add_diff_command(COMMAND app, TOOL& tool)
                                   "The same; without it: what holds now, for the project of a snapshot A or --project");
     command.add_option("--used", "REPORT", options->used,
                        "Only the variables that the run of this report read, and nothing else");
-    command.add_repeated_option(
-        "--ignore", "PATTERN", [options](const std::string& pattern) { options->ignored.push_back(pattern); },
+    command.add_option(
+        "--ignore", "PATTERN", options->ignored,
         "Leave out what has a name that matches this shell pattern, letter case ignored; may be repeated");
     command.add_repeated_choice(
         "--only", "SECTION", {std::begin(difference_sections), std::end(difference_sections)},

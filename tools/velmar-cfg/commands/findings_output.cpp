@@ -1,6 +1,7 @@
 #include "tools/velmar-cfg/commands/findings_output.h"
 
 #include <string>
+#include <utility>
 
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
@@ -26,21 +27,28 @@ void write_line(const FINDING& finding, OUTPUT& out)
 }
 }
 
-FINDINGS_OUTPUT::FINDINGS_OUTPUT(bool strict, TOOL& the_tool)
-    : tool(the_tool), least(strict ? SEVERITY::WARNING : SEVERITY::ERROR)
+FINDINGS_OUTPUT::FINDINGS_OUTPUT(FINDINGS_OPTIONS the_options, TOOL& the_tool)
+    : options(std::move(the_options)), tool(the_tool)
 {
-    if (!tool.options.json)
-        return;
-    json.emplace(tool.out);
-    json->begin_list();
+    if (options.format == FINDINGS_FORMAT::JSON)
+    {
+        json.emplace(tool.out);
+        json->begin_list();
+    }
+    else if (options.format == FINDINGS_FORMAT::SARIF)
+        sarif.emplace(tool);
 }
 
 void FINDINGS_OUTPUT::write(const FINDING& finding)
 {
-    fails = fails || finding.severity >= least;
+    if (options.ignored.contains(finding.reason))
+        return;
+    fails = fails || finding.severity >= (options.strict ? SEVERITY::WARNING : SEVERITY::ERROR);
     if (json)
         write_json(*json, finding);
-    else
+    else if (sarif)
+        sarif->write(finding);
+    else if (options.format == FINDINGS_FORMAT::TEXT)
         write_line(finding, tool.out);
 }
 
@@ -51,5 +59,7 @@ EXIT_CODE FINDINGS_OUTPUT::finish()
         json->end_list();
         json->finish();
     }
+    else if (sarif)
+        sarif->finish();
     return fails ? EXIT_CODE::FINDINGS : EXIT_CODE::FINE;
 }

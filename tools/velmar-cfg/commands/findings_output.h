@@ -6,15 +6,31 @@
 
 #include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/json_writer.h"
+#include "tools/velmar-cfg/commands/sarif_output.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/lint/finding.h"
+#include "tools/velmar-cfg/lint/reasons.h"
 
-// Writes one line, or one JSON row, a finding; nothing is kept of them.
+enum class FINDINGS_FORMAT
+{
+    TEXT, // a line a finding
+    JSON, // a row a finding
+    SARIF,
+    NONE, // only how the command ends
+};
+
+struct FINDINGS_OPTIONS
+{
+    FINDINGS_FORMAT format = FINDINGS_FORMAT::TEXT;
+    bool strict = false; // warnings fail as well as errors
+    REASONS ignored;     // findings that count as none
+};
+
+// Writes findings as they come; nothing is kept of them.
 class FINDINGS_OUTPUT
 {
 public:
-    // With `strict`, warnings fail as well as errors.
-    FINDINGS_OUTPUT(bool strict, TOOL& the_tool);
+    FINDINGS_OUTPUT(FINDINGS_OPTIONS the_options, TOOL& the_tool);
 
     void write(const FINDING& finding);
 
@@ -22,9 +38,10 @@ public:
     EXIT_CODE finish();
 
 private:
+    const FINDINGS_OPTIONS options;
     TOOL& tool;
-    const SEVERITY least; // that fails
     std::optional<JSON_WRITER> json;
+    std::optional<SARIF_OUTPUT> sarif;
     bool fails = false;
 };
 

@@ -2,30 +2,52 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
+#include "tools/velmar-cfg/commands/edit_options.h"
 #include "tools/velmar-cfg/commands/findings_output.h"
+#include "tools/velmar-cfg/commands/lint_fix.h"
 #include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/lint/environment_rules.h"
 #include "tools/velmar-cfg/lint/finding.h"
 #include "tools/velmar-cfg/lint/preference_rules.h"
+#include "tools/velmar-cfg/lint/reasons.h"
 #include "tools/velmar-cfg/lint/settings_rules.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/layers.h"
 
 namespace
 {
-struct LINT_OPTIONS
+struct LINT_OPTIONS : FIX_OPTIONS
 {
     STATE_OPTIONS state; // only of lint itself
     std::vector<std::string> files;
     bool strict = false;
+    bool list_reasons = false;
+    std::vector<std::string> ignored;
+    std::string format = "text";
 };
+
+FINDINGS_OPTIONS output_options(const LINT_OPTIONS& options, const TOOL& tool)
+{
+    const bool sarif = options.format == "sarif";
+    if (sarif && tool.options.json)
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "--json and --format exclude each other");
+    if (sarif && options.dry_run)
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "--dry-run shows the difference, and --format excludes that");
+    FINDINGS_OPTIONS output{FINDINGS_FORMAT::TEXT, options.strict, checked_reasons(options.ignored)};
+    output.format = options.dry_run     ? FINDINGS_FORMAT::NONE
+                    : sarif             ? FINDINGS_FORMAT::SARIF
+                    : tool.options.json ? FINDINGS_FORMAT::JSON
+                                        : FINDINGS_FORMAT::TEXT;
+    return output;
+}
 
 using TAKE = std::function<void(const FINDING&)>;
 
@@ -53,9 +75,9 @@ public:
                             { std::ranges::for_each(findings, take); });
     }
 
-    EXIT_CODE run(bool strict) const
+    EXIT_CODE run(const FINDINGS_OPTIONS& options) const
     {
-        FINDINGS_OUTPUT output(strict, tool);
+        FINDINGS_OUTPUT output(options, tool);
         for (const std::function<void(const TAKE&)>& check : checks)
             check([&output](const FINDING& finding) { output.write(finding); });
         return output.finish();
@@ -66,6 +88,48 @@ private:
     std::vector<std::function<void(const TAKE&)>> checks;
 };
 
+struct REASON_GROUP
+{
+    const char* of;
+    std::span<const REASON> reasons;
+};
+
+EXIT_CODE list_reasons(const std::vector<REASON_GROUP>& groups, TOOL& tool)
+{
+    if (tool.options.json)
+        answer_in_json(tool,
+                       [&groups](JSON_WRITER& out)
+                       {
+                           out.begin_list();
+                           for (const REASON_GROUP& group : groups)
+                           {
+                               for (const REASON& reason : group.reasons)
+                               {
+                                   out.begin_object();
+                                   out.field("reason", reason.name);
+                                   out.field("of", group.of);
+                                   out.field("meaning", reason.meaning);
+                                   out.end_object();
+                               }
+                           }
+                           out.end_list();
+                       });
+    else
+    {
+        for (const REASON_GROUP& group : groups)
+        {
+            tool.out << "Of " << group.of << ":\n";
+            for (const REASON& reason : group.reasons)
+            {
+                std::string name = reason.name;
+                name.resize(std::max<std::size_t>(name.size(), 18), ' ');
+                tool.out << "  " << name << "  " << reason.meaning << "\n";
+            }
+        }
+    }
+    return EXIT_CODE::FINE;
+}
+
 bool is_preference_file(const std::string& path)
 {
     return path.substr(path.rfind('/') + 1) == "velmar2.ini";
@@ -73,6 +137,16 @@ bool is_preference_file(const std::string& path)
 
 EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
 {
+    const FINDINGS_OPTIONS output = output_options(options, tool);
+    if (options.list_reasons)
+        return list_reasons({{"settings", reasons_of_settings()}, {"preferences", reasons_of_preferences()}}, tool);
+    if (options.fix && std::ranges::count(options.files, "-") > 0)
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "--fix changes files, not standard input");
+    if (options.fix && options.state.of)
+        throw TOOL_ERROR(EXIT_CODE::USAGE,
+                         "--fix changes files of here and now, or of --project DIR; --of excludes that");
+    FILE_FIXES fixes(options, output.ignored, tool);
+    const auto to_check = [&](LAYERS layers) { return options.fix ? fixes.fix(std::move(layers)) : layers; };
     CHECKS checks(tool);
     if (options.state.of && !options.files.empty())
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--of and files exclude each other");
@@ -80,10 +154,10 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
     {
         STATE state = state_of(options.state, {.checks = true}, tool);
         state.require(state.findings.has_value());
-        if (!tool.options.json)
+        if (output.format == FINDINGS_FORMAT::TEXT)
             write_view(state, tool.out);
         checks.add(std::move(*state.findings));
-        checks.add_settings(std::move(state.layers));
+        checks.add_settings(to_check(std::move(state.layers)));
         if (state.preference_file != nullptr)
             checks.add_preferences(std::move(state.preference_file));
     }
@@ -92,13 +166,17 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
         if (is_preference_file(file))
             checks.add_preferences(tool.files.read_named(file));
         else
-            checks.add_settings(single_layer(file, tool.files, *tool.options.scope.secrets));
+            checks.add_settings(to_check(single_layer(file, tool.files, *tool.options.scope.secrets)));
     }
-    return checks.run(options.strict);
+    const EXIT_CODE end_of_fixes = fixes.finish(); // first: the findings may be more than can be written
+    return std::max(checks.run(output), end_of_fixes);
 }
 
 EXIT_CODE lint_only_preferences(const LINT_OPTIONS& options, TOOL& tool)
 {
+    const FINDINGS_OPTIONS output = output_options(options, tool);
+    if (options.list_reasons)
+        return list_reasons({{"preferences", reasons_of_preferences()}}, tool);
     CHECKS checks(tool);
     if (options.files.empty())
     {
@@ -110,13 +188,18 @@ EXIT_CODE lint_only_preferences(const LINT_OPTIONS& options, TOOL& tool)
     }
     for (const std::string& file : options.files)
         checks.add_preferences(tool.files.read_named(file));
-    return checks.run(options.strict);
+    return checks.run(output);
 }
 
 void add_options(COMMAND& command, LINT_OPTIONS& options, const std::string& file_description)
 {
     command.add_optional_argument("FILE", options.files, file_description);
     command.add_flag("--strict", options.strict, "Exit code 1 for warnings too");
+    command.add_option("--ignore", "REASON", options.ignored,
+                       "Leave out the findings of this reason, in brackets behind each; may be given several times");
+    command.add_flag("--list-reasons", options.list_reasons, "List the reasons of findings, and check nothing");
+    command.add_choice("--format", "FORMAT", options.format, {"text", "sarif"},
+                       "text, or sarif for SARIF 2.1.0, which code review tools show");
 }
 }
 
@@ -133,6 +216,12 @@ void add_lint_command(COMMAND app, TOOL& tool)
         [options, &tool] { return lint(*options, tool); });
     add_state_option(command, options->state);
     add_options(command, *options, "A settings file, or a preference file when it is called velmar2.ini");
+    command.add_flag("--fix", options->fix,
+                     "Write what is suggested into the settings files, and show the findings that are left");
+    add_edit_options(command, *options, options->permissions,
+                     "With --fix: change nothing, show the difference instead of findings");
+    for (const char* const option : {"--dry-run", "--wait", "--break-hard-links", "--replace-read-only"})
+        command.require_with(option, "--fix");
 }
 
 void add_prefs_lint_command(COMMAND prefs, TOOL& tool)

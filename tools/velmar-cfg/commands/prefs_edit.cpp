@@ -5,12 +5,12 @@
 
 #include "cfg_ini/cfg_ini.h"
 #include "tools/velmar-cfg/base/json_writer.h"
-#include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/base/unified_diff.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/diagnostics.h"
+#include "tools/velmar-cfg/commands/edit_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/preferences/preference_edit.h"
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
@@ -18,32 +18,12 @@
 
 namespace
 {
-struct EDIT_OPTIONS
+struct PREFERENCE_OPTIONS : EDIT_OPTIONS
 {
     std::string key;
     std::string value;
-    bool dry_run = false;
-    unsigned int seconds_to_wait = 10;
     EDIT_PERMISSIONS permissions;
 };
-
-STYLE style_of(std::string_view line)
-{
-    return line.starts_with("@@")  ? STYLE::FAINT
-           : line.starts_with('-') ? STYLE::BAD
-           : line.starts_with('+') ? STYLE::GOOD
-                                   : STYLE::PLAIN;
-}
-
-void write_difference(std::string_view difference, OUTPUT& out)
-{
-    while (!difference.empty())
-    {
-        const std::string_view line = difference.substr(0, difference.find('\n'));
-        out << out.painted(style_of(line), printable(line)) << "\n";
-        difference.remove_prefix(line.size() + 1);
-    }
-}
 
 void write_lost_line(JSON_WRITER& out, const LOST_LINE& line)
 {
@@ -62,8 +42,8 @@ std::optional<std::string> shown_value(const PREFERENCE_CHANGE& change, SECRETS&
     return hide_in_preference(cfg_get_user_ini_ini_string(change.number), *change.value, secrets);
 }
 
-void write_json(JSON_WRITER& out, const EDIT_OPTIONS& options, const PREFERENCE_CHANGE& change, const EDITED_FILE& file,
-                const std::string& difference, SECRETS& secrets)
+void write_json(JSON_WRITER& out, const PREFERENCE_OPTIONS& options, const PREFERENCE_CHANGE& change,
+                const EDITED_FILE& file, const std::string& difference, SECRETS& secrets)
 {
     out.begin_object();
     out.field("key", cfg_get_user_ini_ini_string(change.number));
@@ -113,7 +93,7 @@ private:
 
 // Of very many lines only the first, where all can be seen elsewhere: in the JSON of this run, or of a dry run as long
 // as the file is as it was. Of a file that was changed, what is told here is all that remains of them.
-void complain_of_lost_lines(const EDITED_FILE& file, const EDIT_OPTIONS& options, bool json, SECRETS& secrets)
+void complain_of_lost_lines(const EDITED_FILE& file, const PREFERENCE_OPTIONS& options, bool json, SECRETS& secrets)
 {
     constexpr std::size_t enough = 50;
     const std::vector<LOST_LINE>& lost = file.plan.lost;
@@ -141,16 +121,15 @@ std::string shown_difference(const EDITED_FILE& file, SECRETS& secrets)
 }
 
 // Makes the change. What it tells of values goes to terminals and logs: no secret is in it.
-EDITED_FILE edited(const PREFERENCE_CHANGE& change, const EDIT_OPTIONS& options, SECRETS& secrets)
+EDITED_FILE edited(const PREFERENCE_CHANGE& change, const PREFERENCE_OPTIONS& options, SECRETS& secrets)
 {
     const std::string key = cfg_get_user_ini_ini_string(change.number);
     const auto hide = [&](std::string& message, std::string_view text)
     { message = hide_in_message(message, text, key, change.value.value_or(""), secrets); };
     try
     {
-        const std::chrono::seconds patience(options.seconds_to_wait);
-        EDITED_FILE file = options.dry_run ? try_preference_change(change, options.permissions, patience)
-                                           : change_preference(change, options.permissions, patience);
+        EDITED_FILE file = options.dry_run ? try_preference_change(change, options.permissions, options.patience())
+                                           : change_preference(change, options.permissions, options.patience());
         for (std::string& warning : file.plan.warnings)
             hide(warning, file.before);
         for (std::string& other_value : file.plan.other_values)
@@ -168,7 +147,7 @@ EDITED_FILE edited(const PREFERENCE_CHANGE& change, const EDIT_OPTIONS& options,
     }
 }
 
-EXIT_CODE edit(const EDIT_OPTIONS& options, bool reset, TOOL& tool)
+EXIT_CODE edit(const PREFERENCE_OPTIONS& options, bool reset, TOOL& tool)
 {
     SECRETS& secrets = *tool.options.scope.secrets;
     PREFERENCE_CHANGE change{preference_number(options.key), {}};
@@ -206,7 +185,7 @@ EXIT_CODE edit(const EDIT_OPTIONS& options, bool reset, TOOL& tool)
 COMMAND add_edit(COMMAND prefs, TOOL& tool, const std::string& name, const std::string& description,
                  const std::string& example)
 {
-    auto options = std::make_shared<EDIT_OPTIONS>();
+    auto options = std::make_shared<PREFERENCE_OPTIONS>();
     const bool reset = name == "reset";
     COMMAND command = prefs.add_command(tool, name, description, example,
                                         [options, reset, &tool] { return edit(*options, reset, tool); });
@@ -214,18 +193,10 @@ COMMAND add_edit(COMMAND prefs, TOOL& tool, const std::string& name, const std::
     if (!reset)
         command.add_argument("VALUE", options->value,
                              "One of the allowed values; put -- before one that begins with \"-\"");
-    command.add_flag("--dry-run", options->dry_run,
+    add_edit_options(command, *options, options->permissions,
                      "Change nothing: show the difference, with the comments and other lines that would be lost");
-    command.add_option(
-        "--wait", "SECONDS", options->seconds_to_wait,
-        "How long to wait for another velmar-cfg, or a program that writes the file (10 by default); with 0 only "
-        "the 50 ms after which a file just written counts as left alone");
     command.add_flag("--allow-loss", options->permissions.lose_values,
                      "Change the file also where values in other lines go or change with that");
-    command.add_flag("--break-hard-links", options->permissions.break_hard_links,
-                     "Change the file also where it has other names, which keep the old one");
-    command.add_flag("--replace-read-only", options->permissions.replace_read_only,
-                     "Change the file also where its mode forbids that");
     return command;
 }
 }

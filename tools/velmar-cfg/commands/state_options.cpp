@@ -29,7 +29,7 @@ void require_no_contradiction(const STATE_NAME& name, const TOOL& tool)
 void add_state_option(COMMAND& command, STATE_OPTIONS& options)
 {
     command.add_option(
-        "--of", "STATE", options.of,
+        state_option, "STATE", options.of,
         "Of this state instead of here and now: a project's directory, a snapshot or run report, - for one "
         "on standard input, pid:NUMBER for a process, or exe:PATH for an executable");
 }

@@ -17,6 +17,8 @@ struct STATE_OPTIONS
     std::vector<WHAT_IF> what_if;
 };
 
+inline constexpr const char* state_option = "--of";
+
 // The option --of.
 void add_state_option(COMMAND& command, STATE_OPTIONS& options);
 

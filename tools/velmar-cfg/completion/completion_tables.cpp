@@ -7,6 +7,7 @@
 #include "cfg_ini/cfg_ini.h"
 #include "tools/velmar-cfg/commands/command_line.h"
 #include "tools/velmar-cfg/commands/tool.h"
+#include "tools/velmar-cfg/lint/reasons.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/known_variables.h"
 
@@ -58,11 +59,22 @@ std::string kind_of_placeholder(const std::string& placeholder)
     return kinds.at(placeholder);
 }
 
+// With a blank between two.
+std::string words_of(const std::vector<std::string>& all)
+{
+    std::string words;
+    for (const std::string& word : all)
+        words += (words.empty() ? "" : " ") + word;
+    return words;
+}
+
 std::string kind_of_option(CLI::Option* option)
 {
     const std::string placeholder = option->get_type_name();
-    if (placeholder == "TYPE" || placeholder == "WHEN" || placeholder == "SECTION")
+    if (placeholder == "TYPE" || placeholder == "WHEN" || placeholder == "SECTION" || placeholder == "FORMAT")
         return "words:" + option->get_validator(0)->get_name();
+    if (placeholder == "REASON")
+        return "words:" + words_of(reason_names());
     return kind_of_placeholder(placeholder);
 }
 

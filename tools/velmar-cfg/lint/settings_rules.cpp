@@ -152,6 +152,11 @@ void SETTINGS_RULES::suggest(std::vector<NOTICE>& notices, const STATEMENT& stat
     const std::optional<REASONS> after = reasons_of_text(*text, statement, standing, reasons_of(notices));
     if (!after)
         return;
+    // A text that keeps an error is not what was meant: the advice against the error says to write another.
+    if (std::ranges::any_of(
+            notices, [&after](const NOTICE& notice)
+            { return notice.finding.severity == SEVERITY::ERROR && after->contains(notice.finding.reason); }))
+        return;
     const bool is_comment = text->find(comment_sign) == text->find_first_not_of(" \t");
     for (NOTICE& notice : notices)
     {
@@ -219,7 +224,7 @@ std::vector<FINDING> SETTINGS_RULES::findings(const STATEMENT& statement, ASSIGN
     return findings;
 }
 
-void SETTINGS_RULES::run(const std::function<void(const FINDING&)>& take)
+void SETTINGS_RULES::run(const std::function<void(const STATEMENT&, const std::vector<FINDING>&)>& take)
 {
     STATEMENTS statements(layers);
     STATEMENT statement{};
@@ -228,7 +233,7 @@ void SETTINGS_RULES::run(const std::function<void(const FINDING&)>& take)
     {
         const bool is_assignment = statement.outcome == OUTCOME::STORED;
         const bool is_first = is_assignment && namesakes.is_first_in_layer(number, variables);
-        std::ranges::for_each(findings(statement, number, is_first), take);
+        take(statement, findings(statement, number, is_first));
         variables += is_first ? 1U : 0U;
         number += is_assignment ? 1 : 0;
     }
@@ -236,7 +241,8 @@ void SETTINGS_RULES::run(const std::function<void(const FINDING&)>& take)
 
 void lint_settings(const LAYERS& layers, const std::function<void(const FINDING&)>& take)
 {
-    SETTINGS_RULES(layers).run(take);
+    SETTINGS_RULES(layers).run([&take](const STATEMENT&, const std::vector<FINDING>& findings)
+                               { std::ranges::for_each(findings, take); });
 }
 
 std::vector<FINDING> lint_settings(const LAYERS& layers)

@@ -5,7 +5,6 @@
 
 #include <functional>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -13,9 +12,8 @@
 #include "tools/velmar-cfg/lint/finding.h"
 #include "tools/velmar-cfg/lint/intentions.h"
 #include "tools/velmar-cfg/lint/namesakes.h"
+#include "tools/velmar-cfg/lint/reasons.h"
 #include "tools/velmar-cfg/settings/layers.h"
-
-using REASONS = std::set<std::string>;
 
 // The rules with what they need of all statements of the layers, which must outlive this.
 class SETTINGS_RULES
@@ -27,8 +25,8 @@ public:
     // must be parts of the layers.
     std::vector<FINDING> findings(const STATEMENT& statement, ASSIGNMENT_NUMBER number, bool is_first = false);
 
-    // Hands the findings of every statement over, in the order of the statements.
-    void run(const std::function<void(const FINDING&)>& take);
+    // Hands every statement with its findings over, in the order of the statements.
+    void run(const std::function<void(const STATEMENT&, const std::vector<FINDING>&)>& take);
 
 private:
     std::optional<std::string> text_meant_by(const STATEMENT& statement) const;

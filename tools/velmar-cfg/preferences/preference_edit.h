@@ -1,33 +1,21 @@
-// Changing preferences in the file without risk: the new file is planned from the old one's bytes, written beside it,
-// and takes its place if no other program has changed it meanwhile.
+// Changing preferences in the file without risk (base/file_edit.h).
 #ifndef TOOLS_VELMAR_CFG_PREFERENCES_PREFERENCE_EDIT_H
 #define TOOLS_VELMAR_CFG_PREFERENCES_PREFERENCE_EDIT_H
 
 #include <chrono>
-#include <string>
-#include <vector>
 
+#include "tools/velmar-cfg/base/file_edit.h"
 #include "tools/velmar-cfg/preferences/preference_plan.h"
 
 // What an edit does only if it is told to.
-struct EDIT_PERMISSIONS
+struct EDIT_PERMISSIONS : FILE_EDIT_PERMISSIONS
 {
-    bool lose_values = false;       // --allow-loss: values go or change beside the one that is to change
-    bool break_hard_links = false;  // --break-hard-links: the other names keep the old file
-    bool replace_read_only = false; // --replace-read-only: the mode says that nobody should write
+    bool lose_values = false; // --allow-loss: values go or change beside the one that is to change
 };
 
-struct EDITED_FILE
+struct EDITED_FILE : FILE_EDIT
 {
-    std::string path; // the preference file, links followed
-    std::string before;
     PREFERENCE_PLAN plan;
-    std::string refusal; // why the file was not changed, or in a dry run would not be; empty when it was, or would be
-
-    bool changed() const
-    {
-        return refusal.empty() && before != plan.after;
-    }
 };
 
 // What the change would do. Nothing is written and nothing is locked. Throws as below.

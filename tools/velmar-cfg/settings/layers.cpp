@@ -137,25 +137,30 @@ const char* layer_title(LAYER_KIND kind)
 
 LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files)
 {
+    return load_layers(scope, *scope.secrets, files);
+}
+
+LAYERS load_layers(const SETTINGS_SCOPE& scope, SECRETS& secrets, INPUT_FILES& files)
+{
     LAYERS layers;
     const auto add_searched = [&](LAYER_KIND kind, bool regtest)
     {
         note_places_passed_over(scope, regtest, files);
-        add_file(kind, layers, files, *scope.secrets, [&] { return settings_file_of(scope.project, regtest); });
+        add_file(kind, layers, files, secrets, [&] { return settings_file_of(scope.project, regtest); });
     };
     add_searched(LAYER_KIND::MAIN_FILE, false);
     if (const std::string named = named_appended_file(); !named.empty())
         files.note_absence(named);
-    add_file(LAYER_KIND::APPENDED_FILE, layers, files, *scope.secrets, appended_file);
+    add_file(LAYER_KIND::APPENDED_FILE, layers, files, secrets, appended_file);
     if (const char* const text = inline_text(); text != nullptr)
     {
         auto source = std::make_shared<const INPUT_FILE>(INPUT_FILE{inline_source, text, {}});
-        std::optional<std::string> hidden = hide_in_inline_text(source->bytes, *scope.secrets);
+        std::optional<std::string> hidden = hide_in_inline_text(source->bytes, secrets);
         layers.push_back(hidden_layer(LAYER_KIND::INLINE_TEXT, std::move(source), std::move(hidden)));
     }
     if (scope.regtest)
         add_searched(LAYER_KIND::REGTEST_FILE, true);
-    return changed_layers(std::move(layers), scope.what_if, *scope.secrets);
+    return changed_layers(std::move(layers), scope.what_if, secrets);
 }
 
 LAYERS single_layer(const std::string& path, INPUT_FILES& files, SECRETS& secrets)

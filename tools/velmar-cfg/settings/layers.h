@@ -175,6 +175,9 @@ using LAYERS = std::vector<LAYER>;
 // and places of the search where a file may be that cannot be seen, are among the problems of `files`.
 LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files);
 
+// The same with these secrets hidden, and not the scope's.
+LAYERS load_layers(const SETTINGS_SCOPE& scope, SECRETS& secrets, INPUT_FILES& files);
+
 // One file that the user named ("-" for standard input) as the only layer, taken for a main settings file.
 LAYERS single_layer(const std::string& path, INPUT_FILES& files, SECRETS& secrets);
 

@@ -103,6 +103,11 @@ std::string settings_file_of(const std::string& project, bool regtest)
     return project.empty() ? cfg_get_default_ini_file(regtest) : find_project_settings(project.c_str(), regtest);
 }
 
+std::string own_settings_file(const std::string& project)
+{
+    return project.empty() ? settings_file_name(false) : project_settings_path(project.c_str(), false).fullpath();
+}
+
 std::string appended_file()
 {
     return appended_settings_path();

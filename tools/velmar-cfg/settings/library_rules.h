@@ -114,6 +114,9 @@ double as_floating(const std::string& text, bool* whole);
 // the search finds. Empty for nothing.
 std::string settings_file_of(const std::string& project, bool regtest);
 
+// The settings file in a project's directory, or with an empty one in the current directory; existing or not.
+std::string own_settings_file(const std::string& project);
+
 // The file that APPENDED_VELMAR_INI names, if it exists; else empty.
 std::string appended_file();
 

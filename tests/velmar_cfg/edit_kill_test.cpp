@@ -1,4 +1,4 @@
-// A run of velmar-cfg that is killed at any moment leaves the preference file as it was or as it should become.
+// A run of velmar-cfg that is killed at any moment leaves the file that it edits as it was or as it should become.
 #include <csignal>
 #include <filesystem>
 #include <random>
@@ -10,10 +10,10 @@
 
 namespace
 {
-class PREFS_KILL : public TOOL_TEST
+class EDIT_KILL : public TOOL_TEST
 {
 protected:
-    PREFS_KILL()
+    EDIT_KILL()
     {
         variables["VELMAR2_INI"] = "user";
         variables["ASAN_OPTIONS"] = "detect_leaks=0"; // no leak check in a traced process
@@ -64,30 +64,44 @@ std::set<int> moments(int all)
     return chosen;
 }
 
-TEST_F(PREFS_KILL, leaves_the_old_or_the_new_file)
+struct KILLED_EDIT
 {
-    const std::string old_bytes = "# mine\n[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n";
-    const std::string new_bytes = "\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n";
-    const std::vector<std::string> change = {"prefs", "set", "HDL_PREFERENCE", "KHDL", "--wait", "0"};
+    const char* file;
+    std::string before;
+    std::string after;
+    std::vector<std::string> change;
+};
 
-    write_file("user/velmar2.ini", old_bytes);
+void PrintTo(const KILLED_EDIT& row, std::ostream* stream)
+{
+    *stream << testing::PrintToString(row.change);
+}
+
+class KILLED_EDITS : public EDIT_KILL, public testing::WithParamInterface<KILLED_EDIT>
+{
+};
+
+TEST_P(KILLED_EDITS, leave_the_old_or_the_new_file)
+{
+    const auto& [file, old_bytes, new_bytes, change] = GetParam();
+    write_file(file, old_bytes);
     const int all = run_for(1'000'000, change);
-    ASSERT_EQ(read_file("user/velmar2.ini"), new_bytes);
+    ASSERT_EQ(read_file(file), new_bytes);
 
     int old_files = 0;
     int new_files = 0;
     std::size_t leftovers = 0;
     for (const int moment : moments(all))
     {
-        write_file("user/velmar2.ini", old_bytes);
+        write_file(file, old_bytes);
         run_for(moment, change);
-        const std::string bytes = read_file("user/velmar2.ini");
+        const std::string bytes = read_file(file);
         ASSERT_TRUE(bytes == old_bytes || bytes == new_bytes) << "killed after " << moment << ": " << bytes;
         ++(bytes == old_bytes ? old_files : new_files);
         leftovers += files_beside();
 
         ASSERT_EQ(run(change).exit_code, 0) << "after a kill at " << moment;
-        ASSERT_EQ(read_file("user/velmar2.ini"), new_bytes);
+        ASSERT_EQ(read_file(file), new_bytes);
         ASSERT_EQ(files_beside(), 0U) << "after a kill at " << moment;
     }
     // The moments reached before, during and after the replacement.
@@ -95,4 +109,16 @@ TEST_F(PREFS_KILL, leaves_the_old_or_the_new_file)
     EXPECT_GT(new_files, 0);
     EXPECT_GT(leftovers, 0U);
 }
+
+using WORDS = std::vector<std::string>;
+
+INSTANTIATE_TEST_SUITE_P(commands, KILLED_EDITS,
+                         testing::Values(KILLED_EDIT{"user/velmar2.ini",
+                                                     "# mine\n[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n",
+                                                     "\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n",
+                                                     WORDS{"prefs", "set", "HDL_PREFERENCE", "KHDL", "--wait", "0"}},
+                                         KILLED_EDIT{"user/velmar.ini", "# mine\na = 1\n", "# mine\na = 2\n",
+                                                     WORDS{"--project", "user", "set", "a", "2", "--wait", "0"}},
+                                         KILLED_EDIT{"user/velmar.ini", "a = yes\n", "a = on\n",
+                                                     WORDS{"lint", "user/velmar.ini", "--fix", "--wait", "0"}}));
 }

@@ -1,0 +1,429 @@
+// velmar-cfg set and unset, on real files. What becomes of the text is tested with the model.
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "tests/velmar_cfg/tool_test.h"
+
+namespace
+{
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+using ARGUMENTS = std::vector<std::string>;
+
+// The project is the directory "project".
+class SET : public TOOL_TEST
+{
+protected:
+    SET()
+    {
+        std::filesystem::create_directory("project");
+    }
+
+    TOOL_RUN run_in_project(ARGUMENTS arguments) const
+    {
+        arguments.insert(arguments.begin(), {"--project", "project"});
+        return run(arguments);
+    }
+
+    static void write_settings(const std::string& bytes)
+    {
+        write_file(file, bytes);
+    }
+
+    static std::string settings()
+    {
+        return read_file(file);
+    }
+
+    std::string full_path(const std::string& path = file) const
+    {
+        return std::filesystem::canonical(temporary.path("cwd")).string() + "/" + path;
+    }
+
+    static std::vector<std::string> names_in(const std::string& directory)
+    {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(directory))
+            names.push_back(entry.path().filename());
+        return names;
+    }
+
+    static constexpr const char* file = "project/velmar.ini";
+};
+
+TEST_F(SET, changes_one_value_and_says_nothing)
+{
+    write_settings("# mine\nmax_fanout   = 12   ; loads\r\nb = 1");
+    EXPECT_EQ(run_in_project({"set", "MAX_FANOUT", "16"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(settings(), "# mine\nmax_fanout   = 16   ; loads\r\nb = 1");
+    EXPECT_EQ(run_in_project({"get", "max_fanout"}).out, "16\n");
+    EXPECT_EQ(run_in_project({"set", "c", "--", "-5"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(settings(), "# mine\nmax_fanout   = 16   ; loads\r\nb = 1\r\nc = -5\r\n");
+    EXPECT_EQ(run_in_project({"unset", "B"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(settings(), "# mine\nmax_fanout   = 16   ; loads\r\nc = -5\r\n");
+    EXPECT_THAT(names_in("project"), testing::ElementsAre("velmar.ini"));
+}
+
+TEST_F(SET, takes_the_file_of_the_current_directory_without_a_project)
+{
+    write_file("velmar.ini", "a = 1\n");
+    write_settings("a = 1\n");
+    EXPECT_EQ(run({"set", "a", "2"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(read_file("velmar.ini"), "a = 2\n");
+    EXPECT_EQ(settings(), "a = 1\n");
+}
+
+TEST_F(SET, leaves_every_byte_of_what_is_so_already)
+{
+    write_settings("a =  5");
+    struct stat before;
+    struct stat after;
+    ASSERT_EQ(stat(file, &before), 0);
+    EXPECT_EQ(run_in_project({"set", "a", "5"}), (TOOL_RUN{0, "", ""}));
+    ASSERT_EQ(stat(file, &after), 0);
+    EXPECT_EQ(before.st_ino, after.st_ino);
+}
+
+TEST_F(SET, refuses_what_no_line_can_hold)
+{
+    write_settings("a = 1\n");
+    EXPECT_EQ(run_in_project({"set", "a", "x;y"}),
+              (TOOL_RUN{5, "",
+                        "velmar-cfg: a line of a settings file cannot hold this value: it would be read back as 'x'; "
+                        "outside double quotes, ';' or '#' begins a comment\n"}));
+    EXPECT_EQ(run_in_project({"set", "max fanout", "1"}),
+              (TOOL_RUN{5, "",
+                        "velmar-cfg: no line of a settings file can set 'max fanout': it would set 'maxfanout'; leave "
+                        "out white space, '=', and what begins a comment\n"}));
+    EXPECT_EQ(run_in_project({"set", "", "1"}).exit_code, 5);
+    EXPECT_EQ(run_in_project({"unset", "a=b"}).exit_code, 5);
+    EXPECT_EQ(settings(), "a = 1\n");
+    EXPECT_THAT(names_in("project"), testing::ElementsAre("velmar.ini"));
+}
+
+TEST_F(SET, unset_of_what_no_line_sets_tells_what_may_be_meant)
+{
+    write_settings("max_fanout = 1\n");
+    EXPECT_EQ(
+        run_in_project({"unset", "max_fanuot"}),
+        (TOOL_RUN{0, "", "velmar-cfg: " + full_path() + ": no line sets 'max_fanuot', did you mean 'max_fanout'?\n"}));
+    EXPECT_EQ(run_in_project({"unset", "x"}), (TOOL_RUN{0, "", "velmar-cfg: " + full_path() + ": no line sets 'x'\n"}));
+    EXPECT_EQ(settings(), "max_fanout = 1\n");
+}
+
+// --- Who decides ---
+
+TEST_F(SET, says_which_line_decides_if_not_the_one_that_was_set)
+{
+    write_settings("max_fanout = 12\n");
+    write_file("appended.ini", "# on top\nmax_fanout = 16\n");
+    variables["APPENDED_VELMAR_INI"] = "appended.ini";
+    EXPECT_EQ(run_in_project({"set", "max_fanout", "14"}),
+              (TOOL_RUN{1, "", "velmar-cfg: appended.ini:2 still says 16\n"}));
+    EXPECT_EQ(settings(), "max_fanout = 14\n");
+    EXPECT_EQ(run_in_project({"set", "max_fanout", "14", "--dry-run"}),
+              (TOOL_RUN{1, "", "velmar-cfg: appended.ini:2 still says 16\n"}));
+    EXPECT_EQ(run_in_project({"set", "max_fanout", "16"}),
+              (TOOL_RUN{0, "", "velmar-cfg: appended.ini:2 says so too, and decides\n"}));
+    EXPECT_EQ(run_in_project({"unset", "max_fanout"}), (TOOL_RUN{1, "", "velmar-cfg: appended.ini:2 still says 16\n"}));
+    EXPECT_EQ(settings(), "");
+    variables["VELMAR_INI_VARS"] = "x=1;max_fanout=9";
+    EXPECT_EQ(run_in_project({"set", "max_fanout", "14"}),
+              (TOOL_RUN{1, "", "velmar-cfg: VELMAR_INI_VARS:2 still says 9\n"}));
+    EXPECT_EQ(run_in_project({"set", "max_fanout", "14", "--file", "appended.ini"}),
+              (TOOL_RUN{1, "", "velmar-cfg: VELMAR_INI_VARS:2 still says 9\n"}));
+    EXPECT_EQ(read_file("appended.ini"), "# on top\nmax_fanout = 14\n");
+    variables.erase("VELMAR_INI_VARS");
+    EXPECT_EQ(run_in_project({"set", "max_fanout", "15", "--file", "appended.ini"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(run_in_project({"unset", "max_fanout", "--file", "appended.ini"}),
+              (TOOL_RUN{1, "", "velmar-cfg: project/velmar.ini:1 still says 14\n"}));
+}
+
+TEST_F(SET, counts_the_file_for_regression_runs_when_asked_to)
+{
+    write_settings("a = 1\n");
+    write_file("project/regtest.ini", "a = 2\n");
+    EXPECT_EQ(run_in_project({"set", "a", "3"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(run_in_project({"--regtest", "set", "a", "4"}),
+              (TOOL_RUN{1, "", "velmar-cfg: project/regtest.ini:1 still says 2\n"}));
+    EXPECT_EQ(run_in_project({"--regtest", "set", "a", "5", "--file", "project/regtest.ini"}), (TOOL_RUN{0, "", ""}));
+    // A file that is not read here may be meant for other runs.
+    EXPECT_EQ(run_in_project({"set", "a", "6", "--file", "project/regtest.ini"}),
+              (TOOL_RUN{0, "",
+                        "velmar-cfg: " + full_path("project/regtest.ini") +
+                            ": is not read by a run here; see velmar-cfg paths\n"}));
+    EXPECT_EQ(read_file("project/regtest.ini"), "a = 6\n");
+}
+
+TEST_F(SET, says_that_the_search_is_switched_off)
+{
+    write_file("velmar.ini", "a = 1\n");
+    variables["VELMAR_INI_DISABLED"] = "1";
+    EXPECT_EQ(run({"set", "a", "2"}), (TOOL_RUN{1, "",
+                                                "velmar-cfg: " + full_path("velmar.ini") +
+                                                    ": is not read by a run here; see velmar-cfg paths\n"}));
+    EXPECT_EQ(read_file("velmar.ini"), "a = 2\n");
+}
+
+// --- Files that do not exist ---
+
+TEST_F(SET, makes_the_file_and_says_so)
+{
+    const mode_t mask = umask(027);
+    const TOOL_RUN tried = run_in_project({"set", "a", "1", "--dry-run"});
+    EXPECT_EQ(tried.err, "velmar-cfg: " + full_path() + ": would be made, since there was no such file\n");
+    EXPECT_EQ(tried.exit_code, 0);
+    EXPECT_THAT(tried.out, EndsWith("@@ -0,0 +1 @@\n+a = 1\n"));
+    EXPECT_FALSE(std::filesystem::exists(file));
+    EXPECT_EQ(run_in_project({"set", "a", "1"}),
+              (TOOL_RUN{0, "", "velmar-cfg: " + full_path() + ": made, since there was no such file\n"}));
+    umask(mask);
+    EXPECT_EQ(settings(), "a = 1\n");
+    struct stat made;
+    ASSERT_EQ(stat(file, &made), 0);
+    EXPECT_EQ(made.st_mode & 07777U, 0640U);
+}
+
+TEST_F(SET, makes_the_file_that_a_link_names)
+{
+    std::filesystem::create_directory("elsewhere");
+    std::filesystem::create_symlink("../elsewhere/settings", file);
+    const std::string target = full_path("elsewhere/settings");
+    const TOOL_RUN tried = run_in_project({"set", "a", "1", "--dry-run"});
+    EXPECT_EQ(tried.err, "velmar-cfg: " + target + ": would be made, since there was no such file\n");
+    EXPECT_EQ(tried.exit_code, 0);
+    EXPECT_EQ(run_in_project({"unset", "a", "--dry-run"}).exit_code, 3); // the link goes on to name nothing
+    EXPECT_EQ(run_in_project({"set", "a", "1"}),
+              (TOOL_RUN{0, "", "velmar-cfg: " + target + ": made, since there was no such file\n"}));
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+    EXPECT_EQ(settings(), "a = 1\n");
+}
+
+TEST_F(SET, unset_makes_no_file)
+{
+    EXPECT_EQ(run_in_project({"unset", "a"}), (TOOL_RUN{0, "", "velmar-cfg: " + full_path() + ": no line sets 'a'\n"}));
+    EXPECT_TRUE(names_in("project").empty());
+    write_file(temporary.path("home/velmar.ini"), "a = 1\n");
+    const TOOL_RUN elsewhere = run_in_project({"unset", "a"});
+    EXPECT_EQ(elsewhere.exit_code, 1);
+    EXPECT_THAT(elsewhere.err, EndsWith("home/velmar.ini:1 still says 1\n"));
+}
+
+// A new file would hide all that the other one sets.
+TEST_F(SET, makes_no_file_that_takes_the_place_of_another_unless_it_is_named)
+{
+    const std::string other = temporary.path("home/velmar.ini");
+    write_file(other, "a = 1\nb = 2\n");
+    for (const char* const mode : {"--wait=0", "--dry-run"})
+    {
+        const TOOL_RUN refused = run_in_project({"set", "a", "5", mode});
+        EXPECT_EQ(refused.exit_code, 4);
+        EXPECT_EQ(refused.err, "velmar-cfg: " + full_path() +
+                                   ": there is no such file, and a new one would be read in the place of " + other +
+                                   ", with all that this one sets; name the file to change with --file\n");
+        EXPECT_EQ(run({"set", "a", "5", mode}).exit_code, 4); // in the current directory
+    }
+    EXPECT_TRUE(names_in("project").empty());
+    EXPECT_EQ(run_in_project({"set", "a", "5", "--file", file, "--dry-run"}).err,
+              "velmar-cfg: " + full_path() +
+                  ": would be made, since there was no such file; it is read in the place of " + other + " then\n");
+    EXPECT_EQ(run_in_project({"set", "a", "5", "--file", file}).err,
+              "velmar-cfg: " + full_path() + ": made, since there was no such file; it is read in the place of " +
+                  other + " from now on\n");
+    EXPECT_EQ(settings(), "a = 5\n");
+    EXPECT_EQ(run_in_project({"set", "a", "6", "--file", other}).exit_code, 0); // no part of these settings
+    EXPECT_EQ(read_file(other), "a = 6\nb = 2\n");
+}
+
+TEST_F(SET, a_dry_run_knows_what_a_new_file_would_do)
+{
+    write_settings("a = 1\n");
+    variables["APPENDED_VELMAR_INI"] = "appended.ini";
+    const std::string made = ": would be made, since there was no such file\n";
+    EXPECT_EQ(run_in_project({"set", "a", "2", "--file", "appended.ini", "--dry-run"}).err,
+              "velmar-cfg: " + full_path("appended.ini") + made);
+    EXPECT_EQ(run_in_project({"set", "a", "2", "--file", "other.ini", "--dry-run"}).err,
+              "velmar-cfg: " + full_path("other.ini") + made + "velmar-cfg: " + full_path("other.ini") +
+                  ": is not read by a run here; see velmar-cfg paths\n");
+    EXPECT_EQ(run_in_project({"--regtest", "set", "a", "2", "--file", "project/regtest.ini", "--dry-run"}).err,
+              "velmar-cfg: " + full_path("project/regtest.ini") + made);
+    write_file("velmar.ini", "a = 3\n");
+    // What the search would find behind the file that it finds is not read.
+    std::filesystem::create_directory(temporary.path("home"));
+    const TOOL_RUN behind = run({"set", "a", "2", "--file", temporary.path("home/velmar.ini"), "--dry-run"});
+    EXPECT_EQ(behind.exit_code, 0);
+    EXPECT_THAT(behind.err, EndsWith(": is not read by a run here; see velmar-cfg paths\n"));
+    EXPECT_EQ(names_in("project"), ARGUMENTS{"velmar.ini"});
+}
+
+TEST_F(SET, names_a_directory_that_does_not_exist)
+{
+    EXPECT_EQ(
+        run({"set", "a", "1", "--file", "nowhere/velmar.ini"}),
+        (TOOL_RUN{4, "", "velmar-cfg: nowhere/velmar.ini: No such file or directory; make the directory first\n"}));
+    EXPECT_EQ(run({"set", "a", "1", "--file", "project"}).exit_code, 3); // a directory
+    EXPECT_EQ(run({"set", "a", "1", "--file", "."}).exit_code, 4);
+    EXPECT_EQ(run({"set", "a", "1", "--file", "-"}).exit_code, 2);
+    EXPECT_EQ(run({"set", "a", "1", "--file="}).exit_code, 2);
+    EXPECT_EQ(run({"--project", "nowhere", "set", "a", "1"}).exit_code, 3);
+    EXPECT_EQ(names_in("."), ARGUMENTS{"project"});
+}
+
+// --- What is shown ---
+
+TEST_F(SET, dry_run_shows_the_difference_and_changes_nothing)
+{
+    write_settings("# a = 0\nb = 1\n");
+    const std::string path = full_path();
+    EXPECT_EQ(
+        run_in_project({"set", "a", "5", "--dry-run"}),
+        (TOOL_RUN{0, "--- " + path + "\n+++ " + path + " (new)\n@@ -1,2 +1,3 @@\n # a = 0\n+a = 5\n b = 1\n", ""}));
+    EXPECT_EQ(run_in_project({"unset", "b", "--dry-run"}).out,
+              "--- " + path + "\n+++ " + path + " (new)\n@@ -1,2 +1 @@\n # a = 0\n-b = 1\n");
+    EXPECT_EQ(settings(), "# a = 0\nb = 1\n");
+    EXPECT_EQ(names_in("project"), ARGUMENTS{"velmar.ini"});
+}
+
+TEST_F(SET, json_tells_what_was_done)
+{
+    write_settings("a = 1\n");
+    write_file("appended.ini", "a = 2\n");
+    EXPECT_EQ(run_in_project({"set", "a", "5", "--json"}).json(),
+              nlohmann::json({{"name", "a"},
+                              {"value", "5"},
+                              {"path", full_path()},
+                              {"changed", true},
+                              {"made", false},
+                              {"refusal", nullptr},
+                              {"dry_run", false},
+                              {"changed_lines", {{{"number", 1}, {"change", "replaced"}}}},
+                              {"difference", ""},
+                              {"is_read", true},
+                              {"takes_effect", true},
+                              {"now", "5"},
+                              {"layer", "main"},
+                              {"file", "project/velmar.ini"},
+                              {"line", 1},
+                              {"item", nullptr}}));
+    variables["APPENDED_VELMAR_INI"] = "appended.ini";
+    const TOOL_RUN run = run_in_project({"unset", "a", "--json", "--dry-run"});
+    EXPECT_EQ(run.exit_code, 1);
+    const nlohmann::json unset = run.json();
+    EXPECT_EQ(unset.at("value"), nullptr);
+    EXPECT_EQ(unset.at("takes_effect"), false);
+    EXPECT_EQ(unset.at("now"), "2");
+    EXPECT_EQ(unset.at("file"), "appended.ini");
+    EXPECT_THAT(unset.at("difference").get<std::string>(), EndsWith("\n-a = 5\n"));
+    std::filesystem::create_hard_link(file, "other");
+    const nlohmann::json refused = run_in_project({"set", "a", "7", "--json"}).json();
+    EXPECT_EQ(refused.at("changed"), false);
+    EXPECT_EQ(refused.at("is_read"), nullptr);
+    EXPECT_EQ(refused.at("takes_effect"), nullptr);
+    EXPECT_THAT(refused.at("refusal").get<std::string>(), EndsWith("--break-hard-links does it anyway"));
+}
+
+TEST_F(SET, shows_no_secret)
+{
+    write_settings("api_token = hush-hush-1 # hush-hush-2\nb = 1\n");
+    write_file("appended.ini", "api_token = hush-hush-3\n");
+    variables["APPENDED_VELMAR_INI"] = "appended.ini";
+    for (const ARGUMENTS& change : {ARGUMENTS{"set", "api_token", "hush-hush-4", "--dry-run"},
+                                    {"set", "api_token", "hush-hush-4", "--dry-run", "--json"},
+                                    {"set", "api_token", "hush-hush-4", "--json"},
+                                    {"set", "api_token", "hush-hush-4;x"},
+                                    {"set", "api_token", "\"hush-hush-4"},
+                                    {"set", "b", "2", "--dry-run"},
+                                    {"unset", "api_token", "--dry-run"},
+                                    {"unset", "api_token"}})
+    {
+        const TOOL_RUN result = run_in_project(change);
+        EXPECT_THAT(result.out + result.err, Not(HasSubstr("hush"))) << testing::PrintToString(change);
+    }
+    EXPECT_EQ(settings(), "b = 1\n");
+    EXPECT_EQ(run_in_project({"set", "api_token", "x", "--with-secrets"}).err,
+              "velmar-cfg: appended.ini:1 still says hush-hush-3\n");
+}
+
+// --- The file system around the file ---
+
+TEST_F(SET, keeps_links_modes_and_attributes_as_edits_of_preferences_do)
+{
+    write_file("elsewhere/settings", "a = 1\n");
+    std::filesystem::create_symlink("../elsewhere/settings", file);
+    ASSERT_EQ(chmod("elsewhere/settings", 0640), 0);
+    EXPECT_EQ(run_in_project({"set", "a", "2"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+    EXPECT_EQ(read_file("elsewhere/settings"), "a = 2\n");
+    struct stat kept;
+    ASSERT_EQ(stat(file, &kept), 0);
+    EXPECT_EQ(kept.st_mode & 07777U, 0640U);
+
+    std::filesystem::create_hard_link("elsewhere/settings", "other");
+    ASSERT_EQ(chmod("elsewhere/settings", 0444), 0);
+    EXPECT_THAT(run_in_project({"set", "a", "3", "--replace-read-only"}).err,
+                EndsWith("--break-hard-links does it anyway\n"));
+    const TOOL_RUN read_only = run_in_project({"unset", "a", "--break-hard-links"});
+    EXPECT_EQ(read_only.exit_code, 4);
+    EXPECT_THAT(read_only.err, EndsWith("--replace-read-only does it anyway\n"));
+    EXPECT_EQ(settings(), "a = 2\n");
+    EXPECT_EQ(run_in_project({"set", "a", "3", "--break-hard-links", "--replace-read-only"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(settings(), "a = 3\n");
+    EXPECT_EQ(read_file("other"), "a = 2\n");
+}
+
+TEST_F(SET, waits_only_so_long_for_another_run)
+{
+    write_settings("a = 1\n");
+    const int lock = open("project/velmar.ini.lock", O_RDWR | O_CREAT, 0600);
+    ASSERT_GE(lock, 0);
+    ASSERT_EQ(flock(lock, LOCK_EX), 0);
+    EXPECT_EQ(run_in_project({"set", "a", "2", "--wait", "0"}),
+              (TOOL_RUN{4, "",
+                        "velmar-cfg: " + full_path() +
+                            ".lock: another velmar-cfg holds this lock; run the command again when it has ended\n"}));
+    EXPECT_EQ(settings(), "a = 1\n");
+    close(lock);
+}
+
+TEST_F(SET, runs_at_the_same_time_lose_nothing)
+{
+    write_settings("# shared\n");
+    std::vector<pid_t> runs;
+    constexpr int count = 6;
+    for (int i = 0; i < count; ++i)
+    {
+        const std::string number = std::to_string(i);
+        runs.push_back(
+            start({"--project", "project", "set", "variable" + number, number}, temporary.path("out" + number)));
+    }
+    for (const pid_t child : runs)
+    {
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    }
+    for (int i = 0; i < count; ++i)
+        EXPECT_THAT(settings(), HasSubstr("variable" + std::to_string(i) + " = " + std::to_string(i) + "\n"));
+    EXPECT_THAT(settings(), StartsWith("# shared\n"));
+    EXPECT_EQ(names_in("project"), ARGUMENTS{"velmar.ini"});
+}
+
+TEST_F(SET, a_failure_to_tell_does_not_hide_the_change)
+{
+    write_settings("a = 1\n");
+    const pid_t child = start({"--project", "project", "set", "a", "2", "--json"}, "/dev/full");
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(WEXITSTATUS(status), 4);
+    EXPECT_THAT(read_file(temporary.path("standard_error")),
+                StartsWith("velmar-cfg: " + full_path() + " was changed; standard output: "));
+    EXPECT_EQ(settings(), "a = 2\n");
+}
+}

@@ -1,0 +1,90 @@
+#include "tools/velmar-cfg/base/file_edit.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+#include "tools/velmar-cfg/base/file_lock.h"
+#include "tools/velmar-cfg/base/file_place.h"
+#include "tools/velmar-cfg/base/settled_file.h"
+#include "tools/velmar-cfg/base/staged_file.h"
+
+namespace
+{
+// Why the file's mode, its attributes or its file system are against a change; empty when nothing is. Only the mode can
+// be passed over.
+std::string write_protection(const FILE_PLACE& place, const SEEN_FILE& file, bool replace_read_only)
+{
+    const bool protects_from_owner = (file.status().st_mode & S_IWUSR) == 0;
+    const bool writable = faccessat(place.directory(), place.name().c_str(), W_OK, AT_EACCESS) == 0;
+    if (!writable && (errno == EROFS || errno == EPERM))
+        return std::string(std::strerror(errno)) + "; the file cannot be changed where it is";
+    if (replace_read_only || (writable && !protects_from_owner))
+        return {};
+    return "the file is read-only; --replace-read-only does it anyway";
+}
+
+// What of the file itself forbids to replace it.
+std::string refusal_of(const FILE_PLACE& place, const SEEN_FILE& file, const FILE_EDIT_PERMISSIONS& permissions)
+{
+    if (file.exists() && file.status().st_nlink > 1 && !permissions.break_hard_links)
+        return place.path() + ": the file has " + std::to_string(file.status().st_nlink) +
+               " names (hard links), and the others would keep the old one; --break-hard-links does it anyway";
+    const std::string problem =
+        file.exists() ? write_protection(place, file, permissions.replace_read_only) : std::string();
+    return problem.empty() ? problem : place.path() + ": " + problem;
+}
+
+FILE_EDIT planned(const FILE_PLACE& place, const SEEN_FILE& file, const EDIT_PLAN& plan,
+                  const FILE_EDIT_PERMISSIONS& permissions)
+{
+    FILE_EDIT edit{place.path(), !file.exists(), file.bytes(), {}, {}};
+    PLANNED_BYTES bytes = plan(edit);
+    edit.after = std::move(bytes.after);
+    if (edit.before == edit.after)
+        return edit;
+    edit.refusal = refusal_of(place, file, permissions);
+    if (edit.refusal.empty())
+        edit.refusal = std::move(bytes.refusal);
+    return edit;
+}
+
+MOMENT deadline_after(std::chrono::milliseconds patience)
+{
+    return std::chrono::steady_clock::now() + patience;
+}
+}
+
+FILE_EDIT try_file_edit(const std::string& path, const EDIT_PLAN& plan, const FILE_EDIT_PERMISSIONS& permissions,
+                        std::chrono::milliseconds patience)
+{
+    const FILE_PLACE place(path);
+    return planned(place, read_settled_file(place, deadline_after(patience)), plan, permissions);
+}
+
+FILE_EDIT edit_file(const std::string& path, const EDIT_PLAN& plan, const FILE_EDIT_PERMISSIONS& permissions,
+                    std::chrono::milliseconds patience)
+{
+    const MOMENT deadline = deadline_after(patience);
+    const FILE_PLACE place(path);
+    const FILE_LOCK lock(place, deadline);
+    remove_abandoned_files(place);
+    for (;;)
+    {
+        const SEEN_FILE file = read_settled_file(place, deadline);
+        FILE_EDIT edit = planned(place, file, plan, permissions);
+        const REPLACEMENT replacement =
+            edit.changed() ? STAGED_FILE(place, file, edit.after).replace_target() : REPLACEMENT::DONE;
+        if (replacement == REPLACEMENT::DONE)
+            return edit;
+        if (std::chrono::steady_clock::now() >= deadline)
+            fail_to_write(edit.path, replacement == REPLACEMENT::OPEN_FOR_WRITING
+                                         ? "another program has it open for writing; nothing was changed, run the "
+                                           "command again when that program has closed it"
+                                         : "another program changed it meanwhile; nothing was changed, run the "
+                                           "command again");
+    }
+}

@@ -1,0 +1,105 @@
+#include "tools/velmar-cfg/commands/lint_fix.h"
+
+#include <memory>
+#include <utility>
+
+#include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/base/json_writer.h"
+#include "tools/velmar-cfg/commands/diagnostics.h"
+#include "tools/velmar-cfg/lint/fixes.h"
+#include "tools/velmar-cfg/settings/secrets.h"
+#include "tools/velmar-cfg/settings/settings_difference.h"
+
+LAYERS FILE_FIXES::fix(LAYERS layers)
+{
+    for (std::size_t index = 0; index < layers.size(); ++index)
+    {
+        // What could be read of a broken file must not become all of it.
+        if (is_file(layers[index].kind) && layers[index].source->problem.empty())
+            fix_file(layers, index);
+    }
+    return layers;
+}
+
+void FILE_FIXES::fix_file(LAYERS& layers, std::size_t index)
+{
+    const std::string path = layers[index].source->path;
+    const auto hold = [&](const std::string& bytes) {
+        layers[index].source = std::make_shared<const INPUT_FILE>(INPUT_FILE{path, bytes, {}});
+    };
+    FIXED_TEXT fixed{};
+    const auto plan = [&](const FILE_EDIT& file)
+    {
+        // By now it may be another text than was read. What the user is shown is what is fixed: with secrets hidden.
+        const std::string hidden =
+            hide_in_settings_text(file.before, *tool.options.scope.secrets).value_or(file.before);
+        hold(hidden);
+        fixed = fix_findings(layers, index, ignored);
+        return PLANNED_BYTES{with_secrets_shown(fixed.text, hidden, file.before), {}};
+    };
+    try
+    {
+        const auto make = options.dry_run ? try_file_edit : edit_file;
+        FILE_EDIT edit = make(path, plan, options.permissions, options.patience());
+        if (edit.changed())
+            hold(fixed.text);
+        files.push_back({std::move(edit), fixed.fixes});
+    }
+    catch (const TOOL_ERROR& error)
+    {
+        if (error.exit_code != EXIT_CODE::NOT_WRITTEN)
+            throw;
+        files.push_back({{path, false, {}, {}, error.what()}, 0}); // the other files can be fixed all the same
+    }
+    if (files.back().edit.changed() && !options.dry_run)
+    {
+        tool.files.forget(path); // what is said of it from now on is about the new text
+        tool.files.read(path);
+    }
+}
+
+void FILE_FIXES::show_differences() const
+{
+    SECRETS& secrets = *tool.options.scope.secrets;
+    if (!tool.options.json)
+    {
+        for (const FIXED_FILE& file : files)
+            write_difference(shown_settings_difference(file.edit, secrets), tool.out);
+        return;
+    }
+    answer_in_json(tool,
+                   [&](JSON_WRITER& out)
+                   {
+                       out.list(files,
+                                [&secrets](JSON_WRITER& row, const FIXED_FILE& file)
+                                {
+                                    row.begin_object();
+                                    row.field("path", file.edit.path);
+                                    row.field("changed", file.edit.changed());
+                                    row.field_or_null("refusal", file.edit.refusal);
+                                    row.field("fixes", file.fixes);
+                                    row.field("difference", shown_settings_difference(file.edit, secrets));
+                                    row.end_object();
+                                });
+                   });
+}
+
+EXIT_CODE FILE_FIXES::finish() const
+{
+    if (options.dry_run)
+        show_differences();
+    EXIT_CODE end = EXIT_CODE::FINE;
+    for (const FIXED_FILE& file : files)
+    {
+        if (!file.edit.refusal.empty())
+        {
+            complain(file.edit.refusal);
+            end = EXIT_CODE::NOT_WRITTEN;
+        }
+        else if (file.edit.changed() && !options.dry_run)
+            complain(file.edit.path + ": " + std::to_string(file.fixes) +
+                     (file.fixes == 1 ? " line was" : " lines were") + " replaced");
+    }
+    return end;
+}

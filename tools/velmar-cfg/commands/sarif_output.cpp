@@ -1,0 +1,226 @@
+#include "tools/velmar-cfg/commands/sarif_output.h"
+
+#include <algorithm>
+
+#include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/base/text.h"
+#include "tools/velmar-cfg/lint/reasons.h"
+
+namespace
+{
+constexpr const char* schema = "https://json.schemastore.org/sarif-2.1.0.json";
+
+// A message's text: braces would be taken for what arguments replace.
+std::string message_text(const std::string& text)
+{
+    std::string message;
+    for (const char c : printable(text))
+        message += c == '{' ? std::string("{{") : c == '}' ? std::string("}}") : std::string(1, c);
+    return message;
+}
+
+void write_message(JSON_WRITER& out, const char* key, const std::string& text)
+{
+    out.key(key);
+    out.begin_object();
+    out.field("text", message_text(text));
+    out.end_object();
+}
+
+std::size_t characters_in(std::string_view bytes)
+{
+    std::size_t count = 0;
+    for (; !bytes.empty(); ++count)
+        bytes.remove_prefix(std::max<std::size_t>(1, first_character(bytes).length));
+    return count;
+}
+}
+
+std::string path_as_uri(const std::string& path)
+{
+    constexpr std::string_view as_they_are = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
+    constexpr std::string_view digits = "0123456789ABCDEF"; // the normal form of a URI has capitals
+    std::string uri = path.starts_with('/') ? "file://" : "";
+    for (const char c : path)
+    {
+        if (as_they_are.find(c) != std::string_view::npos)
+            uri += c;
+        else
+        {
+            const auto byte = static_cast<unsigned char>(c);
+            uri.append("%").append(1, digits[byte / 16]).append(1, digits[byte % 16]);
+        }
+    }
+    return uri;
+}
+
+SARIF_OUTPUT::SARIF_OUTPUT(TOOL& the_tool) : tool(the_tool), out(the_tool.out)
+{
+    out.begin_object();
+    out.field("$schema", schema);
+    out.field("version", "2.1.0");
+    out.key("runs");
+    out.begin_list();
+    out.begin_object();
+    out.key("tool");
+    out.begin_object();
+    out.key("driver");
+    out.begin_object();
+    out.field("name", "velmar-cfg");
+    out.field("version", VELMAR_CFG_VERSION);
+    write_rules();
+    out.end_object();
+    out.end_object();
+    out.field("columnKind", "unicodeCodePoints");
+    out.key("results");
+    out.begin_list();
+}
+
+void SARIF_OUTPUT::write_rules()
+{
+    out.key("rules");
+    out.list(reason_names(),
+             [](JSON_WRITER& rule, const std::string& name)
+             {
+                 rule.begin_object();
+                 rule.field("id", name);
+                 write_message(rule, "shortDescription", meaning_of_reason(name));
+                 rule.end_object();
+             });
+}
+
+void SARIF_OUTPUT::write(const FINDING& finding)
+{
+    const std::vector<std::string>& names = reason_names();
+    out.begin_object();
+    out.field("ruleId", finding.reason);
+    out.field("ruleIndex", std::ranges::lower_bound(names, finding.reason) - names.begin());
+    out.field("level", severity_word(finding.severity));
+    write_message(out, "message", finding.message + "; " + finding.instead);
+    out.key("locations");
+    out.begin_list();
+    write_location(finding);
+    out.end_list();
+    write_fix(finding);
+    out.end_object();
+}
+
+void SARIF_OUTPUT::finish()
+{
+    out.end_list();
+    out.end_object();
+    out.end_list();
+    out.end_object();
+    out.finish();
+}
+
+void SARIF_OUTPUT::write_artifact_location(const std::string& path)
+{
+    out.key("artifactLocation");
+    out.begin_object();
+    out.field("uri", path_as_uri(path));
+    out.end_object();
+}
+
+// An item is in no file, but in a variable of the environment.
+void SARIF_OUTPUT::write_location(const FINDING& finding)
+{
+    out.begin_object();
+    if (finding.item)
+    {
+        out.key("logicalLocations");
+        out.begin_list();
+        out.begin_object();
+        out.field("name", finding.file);
+        out.field("fullyQualifiedName", finding.file + ":" + std::to_string(*finding.item));
+        out.field("kind", "variable");
+        out.end_object();
+        out.end_list();
+    }
+    else
+    {
+        out.key("physicalLocation");
+        out.begin_object();
+        write_artifact_location(finding.file);
+        if (finding.line)
+        {
+            out.key("region");
+            out.begin_object();
+            out.field("startLine", *finding.line);
+            const std::optional<std::string_view> line = line_of(finding);
+            if (line && finding.column)
+                out.field("startColumn", characters_in(line->substr(0, *finding.column - 1)) + 1);
+            out.end_object();
+        }
+        out.end_object();
+    }
+    out.end_object();
+}
+
+void SARIF_OUTPUT::write_fix(const FINDING& finding)
+{
+    if (!finding.replacement || !finding.line || has_hidden_parts(*finding.replacement) ||
+        !is_utf_8(*finding.replacement))
+        return;
+    std::optional<std::string_view> line = line_of(finding);
+    if (!line)
+        return;
+    std::string_view text = *finding.replacement;
+    if (ends_with_carriage_return_and_newline(*line) && text.ends_with('\r'))
+    {
+        line->remove_suffix(1);
+        text.remove_suffix(1);
+    }
+    out.key("fixes");
+    out.begin_list();
+    out.begin_object();
+    write_message(out, "description", finding.instead);
+    out.key("artifactChanges");
+    out.begin_list();
+    out.begin_object();
+    write_artifact_location(finding.file);
+    out.key("replacements");
+    out.begin_list();
+    out.begin_object();
+    out.key("deletedRegion");
+    out.begin_object();
+    out.field("startLine", *finding.line);
+    out.field("startColumn", 1);
+    out.field("endColumn", characters_in(*line) + 1);
+    out.end_object();
+    out.key("insertedContent");
+    out.begin_object();
+    out.field("text", text);
+    out.end_object();
+    out.end_object();
+    out.end_list();
+    out.end_object();
+    out.end_list();
+    out.end_object();
+    out.end_list();
+}
+
+// Both are the end of the line then, and no column of it. The line is the one that was looked for last.
+bool SARIF_OUTPUT::ends_with_carriage_return_and_newline(std::string_view line) const
+{
+    return line.ends_with('\r') && offset + line.size() < file->bytes.size();
+}
+
+// The line as it stands in the file, without the newline; nothing when the file does not have it.
+std::optional<std::string_view> SARIF_OUTPUT::line_of(const FINDING& finding)
+{
+    if (file == nullptr || file->path != finding.file || *finding.line < number)
+    {
+        file = tool.files.find(finding.file);
+        number = 1;
+        offset = 0;
+    }
+    if (file == nullptr)
+        return std::nullopt;
+    const std::string_view text = file->bytes;
+    for (; number < *finding.line && offset < text.size(); ++number)
+        offset = std::min(text.find('\n', offset), text.size() - 1) + 1;
+    if (number < *finding.line || offset > text.size())
+        return std::nullopt;
+    return text.substr(offset, text.find('\n', offset) - offset);
+}

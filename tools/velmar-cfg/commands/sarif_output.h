@@ -1,0 +1,49 @@
+// Findings in the Static Analysis Results Interchange Format, SARIF 2.1.0, which code review tools and editors show.
+#ifndef TOOLS_VELMAR_CFG_COMMANDS_SARIF_OUTPUT_H
+#define TOOLS_VELMAR_CFG_COMMANDS_SARIF_OUTPUT_H
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/base/json_writer.h"
+#include "tools/velmar-cfg/commands/tool.h"
+#include "tools/velmar-cfg/lint/finding.h"
+
+// Writes one document with one run, of which every reason is a rule. Findings are written as they come; nothing is kept
+// of them. Columns are counted in characters of UTF-8 and, where bytes are none, in bytes. A fix stands behind a
+// finding whose replacement is text without secrets.
+class SARIF_OUTPUT
+{
+public:
+    explicit SARIF_OUTPUT(TOOL& the_tool);
+
+    void write(const FINDING& finding);
+
+    // Ends the document. To be called once.
+    void finish();
+
+private:
+    void write_rules();
+    void write_location(const FINDING& finding);
+    void write_fix(const FINDING& finding);
+    void write_artifact_location(const std::string& path);
+    std::optional<std::string_view> line_of(const FINDING& finding);
+    bool ends_with_carriage_return_and_newline(std::string_view line) const;
+
+    TOOL& tool;
+    JSON_WRITER out;
+
+    // The line that was looked for last: the next one is searched from there.
+    std::shared_ptr<const INPUT_FILE> file;
+    std::size_t number = 0;
+    std::size_t offset = 0;
+};
+
+// The path as a reference of a URI: bytes that a URI does not take as they are become %XX.
+std::string path_as_uri(const std::string& path);
+
+#endif

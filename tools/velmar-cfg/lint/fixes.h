@@ -1,0 +1,28 @@
+// What lint suggests, applied to a settings file.
+#ifndef TOOLS_VELMAR_CFG_LINT_FIXES_H
+#define TOOLS_VELMAR_CFG_LINT_FIXES_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "tools/velmar-cfg/lint/reasons.h"
+#include "tools/velmar-cfg/settings/layers.h"
+
+struct FIXED_TEXT
+{
+    std::string text;
+    std::size_t fixes; // how many lines were replaced, one by one
+};
+
+// The text of the file that is layers[index], with every line replaced by what lint suggests for it, as it stands among
+// these layers; until nothing more is suggested. Secrets stay hidden. Lines with a finding that would go with the
+// replacement, and whose reason is `ignored`, stay.
+//
+// A replacement changes no variable but those that the line sets and that the lines in its place set.
+FIXED_TEXT fix_findings(LAYERS layers, std::size_t index, const REASONS& ignored);
+
+// `text` with each secret, as it is hidden in `hidden`, as it stands in `original`, which `hidden` was made of.
+std::string with_secrets_shown(std::string_view text, std::string_view hidden, std::string_view original);
+
+#endif

@@ -240,7 +240,7 @@ TEST_F(SNAPSHOT_DOCUMENTS, have_the_texts_of_their_sources_byte_by_byte)
         {R"(["a = 1\r", "b"])", true, "a = 1\r\nb\n"},
         {R"(["a = 1", "", ""])", true, "a = 1\n\n\n"},
         {R"(["a = 1", "", ""])", false, "a = 1\n\n"},
-        {R"(["a\u0000=\ufeff", {"hex": "ff3d"}])", true, std::string("a\0=\xef\xbb\xbf\n\xff=\n", 11)},
+        {R"(["a\u0000=\ufeff", {"hex": "ff3d"}])", true, std::string("a\0=\xef\xbb\xbf\n\xff=\n", 10)},
     };
     for (const ROW& row : rows)
     {
@@ -267,7 +267,7 @@ TEST_F(SNAPSHOT_DOCUMENTS, have_secrets_on_any_line_hidden)
     const SNAPSHOT snapshot = read(json);
     const std::vector<SNAPSHOT_SOURCE>& sources = snapshot.basis->sources;
     EXPECT_EQ(shown(sources[0].file->bytes), "# api_token = \\(masked)\na = 5\n");
-    EXPECT_EQ(shown(sources[1].file->bytes), "a=1;my_secret=\\(masked):\\(masked)==;b=1");
+    EXPECT_EQ(shown(sources[1].file->bytes), "a=1;my_secret=\\(masked):\\(masked);b=1");
     EXPECT_EQ(shown(sources[2].file->bytes), "CLOUD_TOKEN = \\(masked)\n");
     // The hash could be tried until it fits.
     EXPECT_TRUE(has_hidden_parts(*snapshot.files[0].sha256));

@@ -1,11 +1,15 @@
 #include "tools/velmar-cfg/documents/snapshot_basis_json.h"
 
 #include <algorithm>
-#include <memory>
+#include <optional>
+#include <string_view>
 #include <utility>
 
 #include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/lint/finding.h"
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
+#include "tools/velmar-cfg/settings/file_candidates.h"
+#include "tools/velmar-cfg/settings/layers.h"
 
 namespace
 {

@@ -3,6 +3,7 @@
 #define TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_BASIS_JSON_H
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 

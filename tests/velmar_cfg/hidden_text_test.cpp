@@ -126,6 +126,10 @@ TEST(HIDDEN_TEXT, knows_where_a_byte_stood_before)
           ROW{"ab" + one + "cd", 2 + size, 7}, ROW{"ab" + one + "cd", 3 + size, 8}, ROW{one + ";" + two + ";", size, 5},
           ROW{one + ";" + two + ";", 2 * size + 1, 11}})
         EXPECT_EQ(offset_before_hiding(row.text, row.offset), row.before) << row.text << " at " << row.offset;
+    const std::string of_document = mark_of({std::string(16, 'a'), std::string(16, 'b'), true});
+    EXPECT_EQ(offset_before_hiding("ab" + of_document, 2), 2U);
+    EXPECT_EQ(offset_before_hiding("ab" + of_document, 9), 2U);
+    EXPECT_EQ(offset_before_hiding("ab" + of_document + "c", 2 + of_document.size()), std::nullopt);
 }
 
 TEST(HIDDEN_TEXT, is_compared_by_what_is_hidden_where_that_can_be_told)

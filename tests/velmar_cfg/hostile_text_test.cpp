@@ -82,6 +82,13 @@ const ARGUMENTS command_lines[] = {
     {"diff", ".", "--json"},
     {"diff", ".", "--used", "report.json"},
     {"diff", hostile},
+    {"list", "--of", "hostile.json"},
+    {"layers", "--of", "hostile.json"},
+    {"paths", "--of", "hostile.json"},
+    {"paths", "--of", "hostile.json", "--json"},
+    {"lint", "--of", "hostile.json"},
+    {"prefs", "list", "--all", "--of", "hostile.json"},
+    {"prefs", "describe", "USER_LIBRARIES", "--of", "hostile.json"},
     {"help", hostile},
     {hostile},
     {"--project", hostile, "list"},
@@ -103,6 +110,36 @@ protected:
         variables["VELMAR_INI"] = text;
         variables["VELMAR_INI_VARS"] = "inline=" + text + "\n;" + text;
         write_report();
+        write_snapshot();
+    }
+
+    // One that was edited to hold such texts wherever it holds any.
+    void write_snapshot()
+    {
+        nlohmann::json snapshot = run({"snapshot", "--project", project.back()}).json();
+        for (const char* const member : {"user", "host", "directory", "taken", "product", "release", "project"})
+            snapshot[member] = hostile_utf_8;
+        for (const char* const member : {"file", "place", "path", "remark"})
+            snapshot["search"][0][member] = hostile_utf_8;
+        snapshot["search"][0]["state"] = "read";
+        snapshot["findings"] = {{{"file", hostile_utf_8},
+                                 {"line", nullptr},
+                                 {"item", 1},
+                                 {"column", 1},
+                                 {"severity", "error"},
+                                 {"reason", hostile_utf_8},
+                                 {"message", hostile_utf_8},
+                                 {"instead", hostile_utf_8},
+                                 {"replacement", hostile_utf_8}}};
+        snapshot["problems"] = {{{"of", "settings"}, {"text", hostile_utf_8}}};
+        snapshot["sources"][0]["problem"] = hostile_utf_8;
+        snapshot["environment"][0]["name"] = hostile_utf_8;
+        for (nlohmann::json& preference : snapshot["preferences"])
+        {
+            for (const char* const member : {"value", "default", "section", "release"})
+                preference[member] = hostile_utf_8;
+        }
+        write_file("hostile.json", snapshot.dump());
     }
 
     static void write_report()
@@ -167,7 +204,8 @@ TEST_F(HOSTILE_TEXT, reaches_no_terminal)
     for (ARGUMENTS arguments : command_lines)
     {
         SCOPED_TRACE(printable(testing::PrintToString(arguments)));
-        if (arguments.front() != "--project")
+        const bool of_document = std::ranges::count(arguments, "--of") > 0;
+        if (arguments.front() != "--project" && !of_document)
             arguments.insert(arguments.end(), project.begin(), project.end());
         const TOOL_RUN result = run(arguments);
         const bool prints_as_it_is = arguments.front() == "get" && result.err.empty() && arguments.size() == 4;

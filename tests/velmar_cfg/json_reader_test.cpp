@@ -344,6 +344,38 @@ TEST_F(ROWS_OF_DOCUMENTS, are_refused_with_their_number)
     EXPECT_EQ(complaint, "document.json: .one is there twice; have the file written again");
 }
 
+// A list that a version has not, or that nobody wants of it, may be missing, and anything may be in it.
+TEST_F(ROWS_OF_DOCUMENTS, are_taken_of_their_versions_only)
+{
+    const auto taken_with_versions = [](const std::string& members, std::uint64_t first, std::uint64_t last)
+    {
+        std::vector<std::string> rows;
+        const JSON_ROWS list = {"one", [&rows](const JSON_NODE& row) { rows.push_back(row.member("n").text()); }, first,
+                                last};
+        rows.push_back(complaint_of("{" + members + "}", [](const JSON_NODE&) {}, {list}));
+        return rows;
+    };
+    const std::string in_version_2 = R"("schema": "some-kind", "schema_version": 2, )";
+    const std::string rows = R"("one": [{"n": "a"}, {"n": "b"}])";
+    const std::string nested = R"("one": [{"x": [[{}], []]}, [], 7, null, "]"], "other": [])";
+    constexpr std::uint64_t last = std::numeric_limits<std::uint64_t>::max();
+    EXPECT_THAT(taken_with_versions(in_version_2 + rows, 2, last), ElementsAre("a", "b", ""));
+    EXPECT_THAT(taken_with_versions(in_version_2 + rows, 1, 2), ElementsAre("a", "b", ""));
+    for (const auto& [first, end] : {std::pair(std::uint64_t{3}, last), {1, 1}, {3, 2}})
+    {
+        EXPECT_THAT(taken_with_versions(in_version_2 + rows, first, end), ElementsAre("")) << first;
+        EXPECT_THAT(taken_with_versions(in_version_2 + nested, first, end), ElementsAre("")) << first;
+        EXPECT_THAT(taken_with_versions(in_version_2 + R"("other": 7)", first, end), ElementsAre("")) << first;
+        EXPECT_THAT(taken_with_versions(rows + R"(, "schema": "some-kind", "schema_version": 2)", first, end),
+                    ElementsAre(""))
+            << first;
+    }
+    EXPECT_THAT(taken_with_versions(in_version_2 + R"("one": [{"n": })", 3, last),
+                ElementsAre(testing::HasSubstr("no well-formed JSON, from line 1, column")));
+    EXPECT_THAT(taken_with_versions(in_version_2 + rows + ", " + rows, 3, last),
+                ElementsAre(testing::HasSubstr(".one is there twice")));
+}
+
 // Nothing is done with the rows of a document of another kind.
 TEST_F(ROWS_OF_DOCUMENTS, are_not_taken_of_another_kind_or_version)
 {

@@ -183,6 +183,36 @@ TEST(JSON_WRITER_TEST, writes_fields)
                     "  \"texts\": [\n    \"a\",\n    \"b\"\n  ],\n  \"none\": []\n}\n");
 }
 
+TEST(JSON_WRITER_TEST, writes_a_row_a_line)
+{
+    const auto text = written(
+        [](JSON_WRITER& out)
+        {
+            out.begin_object();
+            out.key("rows");
+            out.row_list(std::vector<int>{1, 2},
+                         [](JSON_WRITER& row, int number)
+                         {
+                             row.begin_object();
+                             row.field("n", number);
+                             row.field("list", std::vector<std::string>{"a", "b"});
+                             row.field("none", std::vector<std::string>());
+                             row.end_object();
+                         });
+            out.key("plain");
+            out.row_list(std::vector<int>{1, 2}, [](JSON_WRITER& row, int number) { row.value(number); });
+            out.key("empty");
+            out.row_list(std::vector<int>(), [](JSON_WRITER&, int) {});
+            out.key("behind");
+            out.value(std::vector<std::string>{"a"});
+            out.end_object();
+        });
+    EXPECT_EQ(text, "{\n  \"rows\": [\n    {\"n\": 1, \"list\": [\"a\", \"b\"], \"none\": []},\n"
+                    "    {\"n\": 2, \"list\": [\"a\", \"b\"], \"none\": []}\n  ],\n"
+                    "  \"plain\": [\n    1,\n    2\n  ],\n  \"empty\": [],\n"
+                    "  \"behind\": [\n    \"a\"\n  ]\n}\n");
+}
+
 // A sink that counts what it gets at a time.
 class PIECES : public BYTE_SINK
 {

@@ -149,6 +149,32 @@ TEST_F(MASKING, keeps_secrets_out_of_what_every_command_writes)
     EXPECT_FALSE(tells(read_file("written.json")));
 }
 
+TEST_F(MASKING, keeps_secrets_out_of_what_is_shown_of_a_document_that_shows_them)
+{
+    ASSERT_EQ(run({"snapshot", "--with-secrets", "-o", "plain.json"}).exit_code, 0);
+    for (const ARGUMENTS& arguments :
+         {ARGUMENTS{"list"}, {"explain", "api_token"}, {"layers"}, {"paths"}, {"lint"}, {"prefs", "list", "--all"}})
+    {
+        for (const char* const format : {"--color=never", "--json"})
+        {
+            ARGUMENTS words = arguments;
+            words.insert(words.end(), {"--of", "plain.json", format});
+            const TOOL_RUN result = run(words);
+            EXPECT_FALSE(tells(result.out + result.err)) << testing::PrintToString(words) << result.out << result.err;
+            EXPECT_NE(result.out, "");
+        }
+    }
+    EXPECT_EQ(run({"get", "api_token", "--of", "plain.json"}).out, "S3CRETu\n");
+}
+
+// A long line is cut short, but not within a mask.
+TEST_F(MASKING, is_not_cut)
+{
+    write_file("velmar.ini", std::string(80, 'a') + "_token = abc\n");
+    variables["VELMAR_INI_VARS"] = "";
+    EXPECT_THAT(run({"layers"}).out, HasSubstr("     1  " + std::string(80, 'a') + "_token = \\(masked)\n"));
+}
+
 TEST_F(MASKING, hides_nothing_else)
 {
     const TOOL_RUN list = run({"list"});
@@ -280,7 +306,7 @@ TEST_F(MASKING, tells_in_snapshots_a_keyed_hash_and_the_name_of_its_key)
     write_file("user/velmar2.ini", "");
     variables["VELMAR_INI_VARS"] = "";
     const json document = run({"snapshot"}).json();
-    EXPECT_EQ(document.at("schema_version"), 2);
+    EXPECT_EQ(document.at("schema_version"), 3);
     EXPECT_EQ(document.at("variables")[0].at("value"),
               R"({"masked": [{"key": "2b8ba56af169bc93", "hmac": "8629d712da366318"}]})"_json);
     // The hash of a file that holds secrets would let them be guessed.

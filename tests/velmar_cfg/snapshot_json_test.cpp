@@ -122,6 +122,35 @@ protected:
                 "section": "General 23.3_pro", "release": "23.3"}]})");
     }
 
+    // The same as it is written now: with a basis.
+    static ordered_json document_3()
+    {
+        const ordered_json before = document();
+        ordered_json json;
+        for (const char* const member : {"schema", "schema_version", "product", "release", "project", "regtest"})
+            json[member] = before[member];
+        json["schema_version"] = 3;
+        const ordered_json basis = ordered_json::parse(R"({
+            "user": "ana", "host": "farm7", "directory": "/proj", "taken": "2026-11-22T08:00:00Z",
+            "tool": "velmar-cfg 1.0.0",
+            "search": [{"file": "velmar.ini", "place": "HOME", "path": "/h/velmar.ini", "state": "shadowed",
+                "remark": "x"}],
+            "findings": [{"file": "VELMAR_INI", "line": null, "item": 1, "column": 1, "severity": "warning",
+                "reason": "missing-directory", "message": "m", "instead": "i", "replacement": null}],
+            "problems": [{"of": "settings", "text": "velmar.ini: no"}, {"of": "preferences", "text": "p"}],
+            "sources": [{"of": "main", "path": "velmar.ini", "problem": null, "newline_at_end": true},
+                        {"of": "inline", "path": "VELMAR_INI_VARS", "problem": null, "newline_at_end": false},
+                        {"of": "preferences", "path": "velmar2.ini", "problem": "no", "newline_at_end": true}],
+            "lines": [{"of": "main", "text": "# note"}, {"of": "main", "text": "a = 5"}, {"of": "inline", "text": "b=1"},
+                      {"of": "preferences", "text": "[General]"}]})");
+        for (const auto& [name, value] : basis.items())
+            json[name] = value;
+        for (const char* const member : {"files", "environment", "variables", "preferences"})
+            json[member] = before[member];
+        json["files"][3] = {{"role", "preferences"}, {"path", "velmar2.ini"}, {"size", 9}, {"sha256", "22"}};
+        return json;
+    }
+
     static SNAPSHOT read(const ordered_json& json, SECRETS& secrets)
     {
         write_file("document.json", json.dump());
@@ -176,6 +205,105 @@ TEST_F(SNAPSHOT_DOCUMENTS, are_written_as_they_were_read)
         ordered_json::parse(R"({"bool": null, "int": null, "uint": null, "double": null, "double_whole": false})");
     masked["preferences"][0]["value"] = mark;
     EXPECT_EQ(json_of(read(masked)), masked.dump());
+}
+
+TEST_F(SNAPSHOT_DOCUMENTS, of_version_3_are_written_as_they_were_read)
+{
+    EXPECT_EQ(json_of(read(document_3())), document_3().dump());
+    ordered_json turned;
+    const ordered_json json = document_3();
+    for (auto member = json.rbegin(); member != json.rend(); ++member)
+        turned[member.key()] = *member;
+    EXPECT_EQ(json_of(read(turned)), document_3().dump());
+    // What is not known stays so.
+    ordered_json bare = document_3();
+    bare["host"] = nullptr;
+    bare["directory"] = nullptr;
+    bare["search"][0]["path"] = nullptr;
+    bare["problems"] = ordered_json::array();
+    EXPECT_EQ(json_of(read(bare)), bare.dump());
+}
+
+TEST_F(SNAPSHOT_DOCUMENTS, have_the_texts_of_their_sources_byte_by_byte)
+{
+    struct ROW
+    {
+        const char* lines; // of the main file
+        bool newline_at_end;
+        std::string text;
+    };
+    const ROW rows[] = {
+        {R"([])", false, ""},
+        {R"([""])", true, "\n"},
+        {R"(["a = 1"])", false, "a = 1"},
+        {R"(["a = 1"])", true, "a = 1\n"},
+        {R"(["a = 1\r", "b"])", true, "a = 1\r\nb\n"},
+        {R"(["a = 1", "", ""])", true, "a = 1\n\n\n"},
+        {R"(["a = 1", "", ""])", false, "a = 1\n\n"},
+        {R"(["a\u0000=\ufeff", {"hex": "ff3d"}])", true, std::string("a\0=\xef\xbb\xbf\n\xff=\n", 10)},
+    };
+    for (const ROW& row : rows)
+    {
+        ordered_json json = document_3();
+        std::erase_if(json["lines"].get_ref<ordered_json::array_t&>(),
+                      [](const ordered_json& line) { return line.at("of") == "main"; });
+        ordered_json lines = ordered_json::array();
+        for (const ordered_json& text : ordered_json::parse(row.lines))
+            lines.push_back({{"of", "main"}, {"text", text}});
+        json["lines"].insert(json["lines"].begin(), lines.begin(), lines.end());
+        json["sources"][0]["newline_at_end"] = row.newline_at_end;
+        const SNAPSHOT snapshot = read(json);
+        EXPECT_EQ(snapshot.basis->sources[0].file->bytes, row.text) << row.lines;
+        EXPECT_EQ(json_of(read(ordered_json::parse(json_of(snapshot)))), json_of(snapshot)) << row.lines;
+    }
+}
+
+TEST_F(SNAPSHOT_DOCUMENTS, have_secrets_on_any_line_hidden)
+{
+    ordered_json json = document_3();
+    json["lines"][0]["text"] = "# api_token = abc";
+    json["lines"][2]["text"] = "a=1;my_secret=abc:def==;b=1";
+    json["lines"][3]["text"] = "CLOUD_TOKEN = abc";
+    const SNAPSHOT snapshot = read(json);
+    const std::vector<SNAPSHOT_SOURCE>& sources = snapshot.basis->sources;
+    EXPECT_EQ(shown(sources[0].file->bytes), "# api_token = \\(masked)\na = 5\n");
+    EXPECT_EQ(shown(sources[1].file->bytes), "a=1;my_secret=\\(masked):\\(masked);b=1");
+    EXPECT_EQ(shown(sources[2].file->bytes), "CLOUD_TOKEN = \\(masked)\n");
+    // The hash could be tried until it fits.
+    EXPECT_TRUE(has_hidden_parts(*snapshot.files[0].sha256));
+    EXPECT_TRUE(has_hidden_parts(*snapshot.files[3].sha256));
+    EXPECT_FALSE(has_hidden_parts(*read(document_3()).files[0].sha256));
+    SECRETS showing;
+    showing.show_all();
+    EXPECT_EQ(json_of(read(json, showing)), json.dump());
+    // What is hidden stays hidden, and is not hidden twice.
+    json["lines"][0]["text"] = ordered_json::parse(
+        R"({"masked": ["token = ", {"key": "aaaaaaaaaaaaaaaa", "hmac": "1111111111111111"}, " x"]})");
+    EXPECT_EQ(ordered_json::parse(json_of(read(json))).at("lines")[0], json["lines"][0]);
+}
+
+TEST_F(SNAPSHOT_DOCUMENTS, are_read_with_the_lists_that_are_wanted)
+{
+    const auto read_with = [](const ordered_json& json, const SNAPSHOT_LISTS& wanted)
+    {
+        write_file("document.json", json.dump());
+        SECRETS secrets;
+        SNAPSHOT_READER reader(secrets, wanted);
+        const JSON_DOCUMENT document("document.json", {reader.format()});
+        return reader.finish(document);
+    };
+    ordered_json json = document_3();
+    const SNAPSHOT compared = read_with(json, {.lines = false});
+    EXPECT_EQ(compared.variables.size(), 1U);
+    EXPECT_THAT(compared.basis->sources, testing::IsEmpty());
+    EXPECT_EQ(compared.basis->user, "ana");
+    const SNAPSHOT shown = read_with(json, {.variables = false});
+    EXPECT_EQ(shown.variables.size(), 0U);
+    EXPECT_EQ(shown.basis->sources.size(), 3U);
+    // A document before has its rows only.
+    for (const SNAPSHOT_LISTS wanted : {SNAPSHOT_LISTS{}, SNAPSHOT_LISTS{false, false}})
+        EXPECT_EQ(read_with(document(), wanted).variables.size(), 1U);
+    EXPECT_FALSE(read_with(document(), {}).basis);
 }
 
 TEST_F(SNAPSHOT_DOCUMENTS, have_every_field_in_the_snapshot)
@@ -296,6 +424,60 @@ TEST_F(SNAPSHOT_DOCUMENTS, have_the_secrets_of_other_lists_hidden_too)
     EXPECT_EQ(read(json, with_pattern).variables[0].value, "5"); // too short a number
     json["variables"][0]["value"] = "five";
     EXPECT_EQ(shown(read(json, with_pattern).variables[0].value), "\\(masked)");
+}
+
+// Of version 3.
+TEST_F(SNAPSHOT_DOCUMENTS, are_refused_with_lines_of_no_source)
+{
+    struct ROW
+    {
+        const char* pointer;
+        const char* value;
+        const char* complaint;
+    };
+    const char* const not_the_files = ".sources is no list of what .files lists";
+    const ROW rows[] = {
+        {"/lines", "7", ".lines is no list"},
+        {"/lines/1", "7", ".lines[1].of is missing"},
+        {"/lines/1/of", R"("top")", ".lines[1].of is no source of lines"},
+        {"/lines/1/of", R"("program")", ".lines[1].of is no source of lines"},
+        {"/lines/1/of", R"("regtest")", ".lines[2] is no row in the order of the sources"},
+        {"/lines/3/of", R"("main")", ".lines[3] is no row in the order of the sources"},
+        {"/lines/3/of", R"("regtest")", ".sources[2].newline_at_end is no false, as of a source without lines"},
+        {"/lines/0/of", R"("appended")", ".lines[1] is no row in the order of the sources"},
+        {"/lines/1/text", R"("a\nb")", ".lines[1].text is no text of one line"},
+        {"/lines/1/text", R"({"masked": ["a\n", null]})", ".lines[1].text is no text of one line"},
+        {"/lines/1/text", "null", ".lines[1].text is no text"},
+        {"/sources/1/of", R"("other")", ".sources[1].of is no source in the order of the sources"},
+        {"/sources/1/of", R"("main")", ".sources[1].of is no source in the order of the sources"},
+        {"/sources/1/of", R"("appended")", ".sources is no list with the sources of all lines"},
+        {"/sources/1/path", R"("other")", ".sources[1].path is no name of the variable"},
+        {"/sources/0/path", R"("other")", not_the_files},
+        {"/sources/0/newline_at_end", "null", ".sources[0].newline_at_end is no truth value"},
+        {"/files/0/path", "null", not_the_files},
+        {"/files/1/path", R"("appended.ini")", not_the_files},
+        {"/search/0/state", R"("Read")", ".search[0].state is no state of a file"},
+        {"/findings/0/severity", R"("fatal")", ".findings[0].severity is no severity of a finding"},
+        {"/problems/0/of", R"("files")", ".problems[0].of is no part of a snapshot that files are read for"},
+        {"/user", "null", ".user is no text"},
+        {"/taken", "7", ".taken is no text"},
+    };
+    for (const ROW& row : rows)
+    {
+        ordered_json json = document_3();
+        json[ordered_json::json_pointer(row.pointer)] = ordered_json::parse(row.value);
+        std::string complaint;
+        try
+        {
+            read(json);
+        }
+        catch (const TOOL_ERROR& error)
+        {
+            complaint = error.what();
+        }
+        EXPECT_EQ(complaint, std::string("document.json: ") + row.complaint + "; have the file written again")
+            << row.pointer << " = " << row.value;
+    }
 }
 
 TEST_F(SNAPSHOT_DOCUMENTS, are_refused_with_what_they_are_no)

@@ -28,9 +28,10 @@ TEST_F(SNAPSHOT, says_what_it_is_and_of_what)
 {
     write_file("project/readme", "");
     nlohmann::json document = run({"snapshot", "--project", "project", "--regtest"}).json();
-    for (const char* const list : {"files", "environment", "variables", "preferences"})
-        document.erase(list);
-    EXPECT_EQ(document, R"({"schema": "velmar-snapshot", "schema_version": 2, "product": "velmar", "release": "23.4",
+    for (const char* const member : {"user", "host", "directory", "taken", "tool", "search", "findings", "problems",
+                                     "sources", "lines", "files", "environment", "variables", "preferences"})
+        EXPECT_EQ(document.erase(member), 1U) << member;
+    EXPECT_EQ(document, R"({"schema": "velmar-snapshot", "schema_version": 3, "product": "velmar", "release": "23.4",
                             "project": "project", "regtest": true})"_json);
     document = run({"snapshot"}).json();
     EXPECT_EQ(document.at("project"), nullptr);
@@ -130,6 +131,55 @@ TEST_F(SNAPSHOT, keeps_bytes_that_are_no_text)
     EXPECT_EQ(document.at("variables").at(0).at("name"), R"({"hex": "61ff"})"_json);
     EXPECT_EQ(document.at("variables").at(0).at("value"), R"({"hex": "78c379"})"_json);
     EXPECT_EQ(document.at("environment").at(0).at("value"), R"({"hex": "fe"})"_json);
+    EXPECT_EQ(document.at("lines").at(0), R"({"of": "main", "text": {"hex": "61ff3d78c379"}})"_json);
+}
+
+TEST_F(SNAPSHOT, has_every_line_of_every_source_in_order)
+{
+    write_file("project/velmar.ini", "a=1\r\n\n# b");
+    write_file("project/regtest.ini", "");
+    write_file("appended.ini", "c=2\n");
+    write_file("user/velmar2.ini", "[General]\n");
+    variables["VELMAR_INI_VARS"] = "d=1;e\nf=2";
+    variables["APPENDED_VELMAR_INI"] = "appended.ini";
+    variables["VELMAR2_INI"] = "user";
+    const nlohmann::json document = run({"snapshot", "--project", "project", "--regtest"}).json();
+    EXPECT_EQ(document.at("lines"), R"([{"of": "main", "text": "a=1\r"}, {"of": "main", "text": ""},
+        {"of": "main", "text": "# b"}, {"of": "appended", "text": "c=2"}, {"of": "inline", "text": "d=1;e"},
+        {"of": "inline", "text": "f=2"}, {"of": "preferences", "text": "[General]"}])"_json);
+    EXPECT_EQ(document.at("sources"), R"([
+        {"of": "main", "path": "project/velmar.ini", "problem": null, "newline_at_end": false},
+        {"of": "appended", "path": "appended.ini", "problem": null, "newline_at_end": true},
+        {"of": "inline", "path": "VELMAR_INI_VARS", "problem": null, "newline_at_end": false},
+        {"of": "regtest", "path": "project/regtest.ini", "problem": null, "newline_at_end": false},
+        {"of": "preferences", "path": "user/velmar2.ini", "problem": null, "newline_at_end": true}])"_json);
+    EXPECT_EQ(document.at("search"), run({"paths", "--project", "project", "--regtest", "--json"}).json().at("files"));
+    EXPECT_EQ(document.at("findings"), nlohmann::json::array());
+    EXPECT_EQ(document.at("problems"), nlohmann::json::array());
+}
+
+TEST_F(SNAPSHOT, says_what_could_not_be_read)
+{
+    std::filesystem::create_directories("user/velmar2.ini");
+    std::filesystem::create_directories("velmar.ini");
+    variables["VELMAR2_INI"] = "user";
+    variables["VELMAR_INI_DISABLED"] = "yes";
+    const TOOL_RUN taken = run({"snapshot"});
+    EXPECT_EQ(taken.exit_code, 3);
+    const std::string problem = "is a directory, not a file; remove it or name another path";
+    const std::string main = temporary.path("cwd/velmar.ini");
+    EXPECT_EQ(taken.json().at("problems"),
+              (nlohmann::json{{{"of", "settings"}, {"text", main + ": " + problem}},
+                              {{"of", "preferences"}, {"text", "user/velmar2.ini: " + problem}}}));
+    EXPECT_EQ(taken.json().at("sources")[0],
+              (nlohmann::json{{"of", "main"}, {"path", main}, {"problem", problem}, {"newline_at_end", false}}));
+    EXPECT_EQ(taken.json().at("findings")[0].at("reason"), "disables-nothing");
+}
+
+std::string without_time(std::string document)
+{
+    const std::size_t time = document.find("\"taken\": \"") + std::string("\"taken\": \"").size();
+    return document.erase(time, document.find('"', time) - time);
 }
 
 TEST_F(SNAPSHOT, is_written_to_a_file_as_a_whole)
@@ -139,10 +189,10 @@ TEST_F(SNAPSHOT, is_written_to_a_file_as_a_whole)
     EXPECT_EQ(shown.exit_code, 0);
     EXPECT_THAT(shown.out, EndsWith("\n}\n"));
     EXPECT_EQ(run({"snapshot", "-o", "new.json"}), (TOOL_RUN{0, "", ""}));
-    EXPECT_EQ(read_file("new.json"), shown.out);
+    EXPECT_EQ(without_time(read_file("new.json")), without_time(shown.out));
     write_file("old.json", "something longer than what takes its place" + std::string(100000, '.'));
     EXPECT_EQ(run({"snapshot", "--output=old.json"}), (TOOL_RUN{0, "", ""}));
-    EXPECT_EQ(read_file("old.json"), shown.out);
+    EXPECT_EQ(without_time(read_file("old.json")), without_time(shown.out));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), {}), 3);
 }
 

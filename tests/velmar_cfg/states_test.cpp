@@ -45,6 +45,7 @@ enum class STATE_KIND
     NOW,
     PROJECT,
     SNAPSHOT,
+    SNAPSHOT_2,
     STANDARD_INPUT,
     RUN_REPORT,
     RUN_REPORT_2,
@@ -52,9 +53,9 @@ enum class STATE_KIND
     EXECUTABLE,
 };
 
-constexpr STATE_KIND all_kinds[] = {
-    STATE_KIND::NOW,        STATE_KIND::PROJECT,      STATE_KIND::SNAPSHOT, STATE_KIND::STANDARD_INPUT,
-    STATE_KIND::RUN_REPORT, STATE_KIND::RUN_REPORT_2, STATE_KIND::PROCESS,  STATE_KIND::EXECUTABLE};
+constexpr STATE_KIND all_kinds[] = {STATE_KIND::NOW,          STATE_KIND::PROJECT,        STATE_KIND::SNAPSHOT,
+                                    STATE_KIND::SNAPSHOT_2,   STATE_KIND::STANDARD_INPUT, STATE_KIND::RUN_REPORT,
+                                    STATE_KIND::RUN_REPORT_2, STATE_KIND::PROCESS,        STATE_KIND::EXECUTABLE};
 
 // What a command does with a kind of state: it answers with this exit code, or refuses with a sentence and exit code 2.
 struct CELL
@@ -66,7 +67,8 @@ struct CELL
 constexpr CELL fine = {0};
 constexpr CELL findings = {1};
 constexpr CELL no_snapshot = {
-    2, "%: a snapshot holds only the values that won and where they stand: neither other lines nor the search"};
+    2, "%: a snapshot of version 1 or 2 holds only the values that won and where they stand: neither other lines nor "
+       "the search"};
 constexpr CELL no_run = {2, "%: a run report holds only variables that were set or asked for"};
 constexpr CELL document_already = {2, "%: is a document already; a snapshot is taken of what is read now"};
 constexpr CELL no_counts = {2, "only a run report says how often variables were read; name one with --of"};
@@ -76,8 +78,8 @@ struct COMMAND_ROW
     ARGUMENTS words;
     bool has_view;  // its text begins with the view
     bool is_object; // its JSON is an object, which has the view too
-    CELL of_live;   // of here and now, a project, a process, an executable
-    CELL of_snapshot;
+    CELL of_live;   // of here and now, a project, a process, an executable, a snapshot of the newest version
+    CELL of_snapshot_2;
     CELL of_run; // of a run report, version 1
     CELL of_run_2;
     const char* text; // what it answers of each of these states, somewhere
@@ -109,6 +111,16 @@ const COMMAND_ROW commands[] = {
     {{"prefs", "describe", "HDL_PREFERENCE"}, true, true, fine, fine, no_run, no_run, "value    VHDL"},
 };
 
+// The same as an older tool wrote it.
+nlohmann::json as_version_2(nlohmann::json snapshot)
+{
+    for (const char* const member :
+         {"user", "host", "directory", "taken", "tool", "search", "findings", "problems", "sources", "lines"})
+        snapshot.erase(member);
+    snapshot["schema_version"] = 2;
+    return snapshot;
+}
+
 class STATES : public TOOL_TEST
 {
 protected:
@@ -121,7 +133,13 @@ protected:
         write_file("run.json", run_report);
         write_file("run2.json", run_report_2);
         variables["VELMAR2_INI"] = temporary.path("cwd/user");
-        write_file("snapshot.json", run({"snapshot", "--project", "project"}).out);
+        nlohmann::json snapshot = run({"snapshot", "--project", "project"}).json();
+        write_file("snapshot2.json", as_version_2(snapshot).dump());
+        snapshot["user"] = "ana";
+        snapshot["host"] = "farm7";
+        snapshot["directory"] = "/proj";
+        snapshot["taken"] = "2026-11-22T08:00:00Z";
+        write_file("snapshot.json", snapshot.dump());
         standard_input = temporary.path("cwd/snapshot.json");
     }
 
@@ -136,6 +154,8 @@ protected:
             return {"--of", "project"};
         case STATE_KIND::SNAPSHOT:
             return {"--of", "snapshot.json"};
+        case STATE_KIND::SNAPSHOT_2:
+            return {"--of", "snapshot2.json"};
         case STATE_KIND::STANDARD_INPUT:
             return {"--of", "-"};
         case STATE_KIND::RUN_REPORT:
@@ -161,9 +181,14 @@ protected:
         case STATE_KIND::PROJECT:
             return "";
         case STATE_KIND::SNAPSHOT:
-            return "as snapshot snapshot.json has it (velmar 23.4, project project)";
+            return "as snapshot snapshot.json has it (velmar 23.4, project project, taken 2026-11-22T08:00:00Z by ana "
+                   "on "
+                   "farm7 in /proj)";
+        case STATE_KIND::SNAPSHOT_2:
+            return "as snapshot snapshot2.json has it (velmar 23.4, project project)";
         case STATE_KIND::STANDARD_INPUT:
-            return "as snapshot standard input has it (velmar 23.4, project project)";
+            return "as snapshot standard input has it (velmar 23.4, project project, taken 2026-11-22T08:00:00Z by ana "
+                   "on farm7 in /proj)";
         case STATE_KIND::RUN_REPORT:
             return "as run nightly had it (run.json, release 23.4)";
         case STATE_KIND::RUN_REPORT_2:
@@ -180,11 +205,13 @@ protected:
 
     static const CELL& cell(const COMMAND_ROW& row, STATE_KIND kind)
     {
+        const bool is_snapshot = kind == STATE_KIND::SNAPSHOT || kind == STATE_KIND::STANDARD_INPUT;
+        if (is_snapshot && row.words == ARGUMENTS{"snapshot"})
+            return document_already;
         switch (kind)
         {
-        case STATE_KIND::SNAPSHOT:
-        case STATE_KIND::STANDARD_INPUT:
-            return row.of_snapshot;
+        case STATE_KIND::SNAPSHOT_2:
+            return row.of_snapshot_2;
         case STATE_KIND::RUN_REPORT:
             return row.of_run;
         case STATE_KIND::RUN_REPORT_2:
@@ -314,10 +341,10 @@ TEST_F(STATES, diff_compares_each_state_with_each)
 TEST_F(STATES, a_refusal_says_what_such_a_state_holds)
 {
     const std::string of_run = "run.json: a run report holds only variables that were set or asked for\n";
-    const std::string of_snapshot = "snapshot.json: a snapshot holds only the values that won and where they stand: "
-                                    "neither other lines nor the search\n";
+    const std::string of_snapshot = "snapshot2.json: a snapshot of version 1 or 2 holds only the values that won and "
+                                    "where they stand: neither other lines nor the search\n";
     EXPECT_EQ(run({"paths", "--of", "run.json"}), (TOOL_RUN{2, "", "velmar-cfg: " + of_run}));
-    EXPECT_EQ(run({"lint", "--of", "snapshot.json"}), (TOOL_RUN{2, "", "velmar-cfg: " + of_snapshot}));
+    EXPECT_EQ(run({"lint", "--of", "snapshot2.json"}), (TOOL_RUN{2, "", "velmar-cfg: " + of_snapshot}));
     EXPECT_EQ(
         run({"snapshot", "--of", "snapshot.json"}),
         (TOOL_RUN{2, "",
@@ -419,21 +446,22 @@ TEST_F(STATES, an_origin_that_is_not_known_is_called_so)
                           "  won   unknown  max_fanout = 12  (unknown source)\nread: 3 times\n"));
 }
 
-TEST_F(STATES, a_snapshot_knows_where_its_values_stand)
+TEST_F(STATES, a_snapshot_of_version_2_knows_where_its_values_stand)
 {
-    EXPECT_EQ(run({"list", "--show-origin", "--of", "snapshot.json"}).out,
-              view_of(STATE_KIND::SNAPSHOT) + "\nproject/velmar.ini:3\teffort=5\nproject/velmar.ini:2\tmax_fanout=12\n"
-                                              "project/velmar.ini:5\tmsg_sqlite=off\n");
-    EXPECT_EQ(run({"layers", "--of", "snapshot.json"}).out,
-              view_of(STATE_KIND::SNAPSHOT) +
+    EXPECT_EQ(run({"list", "--show-origin", "--of", "snapshot2.json"}).out,
+              view_of(STATE_KIND::SNAPSHOT_2) +
+                  "\nproject/velmar.ini:3\teffort=5\nproject/velmar.ini:2\tmax_fanout=12\n"
+                  "project/velmar.ini:5\tmsg_sqlite=off\n");
+    EXPECT_EQ(run({"layers", "--of", "snapshot2.json"}).out,
+              view_of(STATE_KIND::SNAPSHOT_2) +
                   "\nonly the values that won are known\nmain settings file  project/velmar.ini\n"
                   "     2  max_fanout=12\n     3  effort=5\n     5  msg_sqlite=off\n");
-    EXPECT_EQ(run({"list", "--of", "snapshot.json", "--external", "--json"}).json().size(), 3U);
+    EXPECT_EQ(run({"list", "--of", "snapshot2.json", "--external", "--json"}).json().size(), 3U);
 }
 
 TEST_F(STATES, external_marks_come_from_the_document)
 {
-    nlohmann::json snapshot = nlohmann::json::parse(read_file("snapshot.json"));
+    nlohmann::json snapshot = nlohmann::json::parse(read_file("snapshot2.json"));
     snapshot["variables"][1]["layer"] = "regtest"; // still set by the main file too
     snapshot["variables"][2]["layer"] = "appended";
     snapshot["variables"][2]["external"] = false;

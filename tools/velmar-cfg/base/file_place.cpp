@@ -36,14 +36,20 @@ void fail_to_write(const std::string& path, const std::string& what)
     throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN, path + ": " + what);
 }
 
-std::string user_in_words(uid_t user)
+std::optional<std::string> name_of_user(uid_t user)
 {
     std::array<char, 4096> buffer;
     struct passwd entry;
     struct passwd* found = nullptr;
     if (getpwuid_r(user, &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr)
-        return "number " + std::to_string(user);
-    return "'" + std::string(found->pw_name) + "'";
+        return std::nullopt;
+    return found->pw_name;
+}
+
+std::string user_in_words(uid_t user)
+{
+    const std::optional<std::string> name = name_of_user(user);
+    return name ? "'" + *name + "'" : "number " + std::to_string(user);
 }
 
 FILE_PLACE::FILE_PLACE(const std::string& path)

@@ -3,6 +3,7 @@
 #ifndef TOOLS_VELMAR_CFG_BASE_FILE_PLACE_H
 #define TOOLS_VELMAR_CFG_BASE_FILE_PLACE_H
 
+#include <optional>
 #include <string>
 #include <sys/types.h>
 
@@ -49,6 +50,9 @@ private:
 
 // Throws TOOL_ERROR(NOT_WRITTEN): "PATH: WHAT".
 [[noreturn]] void fail_to_write(const std::string& path, const std::string& what);
+
+// Nothing for a user without a name.
+std::optional<std::string> name_of_user(uid_t user);
 
 // The user's name in quotes, such as "'lea'", or "number 1000" when he has none.
 std::string user_in_words(uid_t user);

@@ -106,7 +106,7 @@ std::string with_hidden_parts_named(std::string_view text)
     return named;
 }
 
-std::size_t offset_before_hiding(std::string_view text, std::size_t offset)
+std::optional<std::size_t> offset_before_hiding(std::string_view text, std::size_t offset)
 {
     std::size_t shown = 0;  // up to the end of the part that is looked at
     std::size_t before = 0; // the same, as it was
@@ -117,7 +117,10 @@ std::size_t offset_before_hiding(std::string_view text, std::size_t offset)
         shown += within;
         if (part.hidden && within < part.text.size())
             return before; // a hidden part begins where it began
-        before += part.hidden ? hidden_part(part.text).size : within;
+        const std::size_t size = part.hidden ? hidden_part(part.text).size : within;
+        if (size == 0)
+            return std::nullopt;
+        before += size;
     }
     return before + (offset - shown);
 }

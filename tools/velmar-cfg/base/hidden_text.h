@@ -16,6 +16,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -62,8 +63,8 @@ HIDDEN_PART hidden_part(std::string_view mark);
 // The text for people: each hidden part as \(masked), with the first digits of its hash where that is lasting.
 std::string with_hidden_parts_named(std::string_view text);
 
-// Where the byte at `offset` of the text stood before parts were hidden.
-std::size_t offset_before_hiding(std::string_view text, std::size_t offset);
+// Where the byte at `offset` of the text stood before parts were hidden; nothing behind a part whose size is not known.
+std::optional<std::size_t> offset_before_hiding(std::string_view text, std::size_t offset);
 
 // The length of the beginning of the text that has at most `shown_length` bytes once hidden parts are named. It ends in
 // no mark; one that begins before that end belongs to it.

@@ -206,6 +206,19 @@ std::string either_of(const std::vector<DOCUMENT_FORMAT>& formats, const char* D
         all += (all.empty() ? "" : " or ") + std::string(format.kind.*member);
     return all;
 }
+
+// Reads the rest of a list, of which the bracket has been read.
+void pass_over(JSON_TOKENS& tokens)
+{
+    for (std::size_t open = 1; open > 0;)
+    {
+        const JSON_TOKEN token = tokens.next();
+        if (token == JSON_TOKEN::BEGIN_OBJECT || token == JSON_TOKEN::BEGIN_LIST)
+            ++open;
+        else if (token == JSON_TOKEN::END_OBJECT || token == JSON_TOKEN::END_LIST)
+            --open;
+    }
+}
 }
 
 JSON_DOCUMENT::JSON_DOCUMENT(const std::string& path, const DOCUMENT_KIND& of_kind, const std::vector<JSON_ROWS>& lists)
@@ -234,7 +247,7 @@ JSON_DOCUMENT::JSON_DOCUMENT(const std::string& path, std::vector<DOCUMENT_FORMA
     require_kind();
     for (const JSON_ROWS& rows : format().lists)
     {
-        if (std::ranges::count(lists_read, rows.list) == 0)
+        if (std::ranges::count(lists_read, rows.list) == 0 && is_taken(rows))
             take_kept_rows(rows);
     }
 }
@@ -269,7 +282,10 @@ void JSON_DOCUMENT::read_member(JSON_TOKENS& tokens)
     }
     require_kind();
     lists_read.push_back(key);
-    read_rows(tokens, *rows);
+    if (is_taken(*rows))
+        read_rows(tokens, *rows);
+    else
+        pass_over(tokens);
 }
 
 void JSON_DOCUMENT::read_rows(JSON_TOKENS& tokens, const JSON_ROWS& rows)
@@ -289,6 +305,17 @@ void JSON_DOCUMENT::take_kept_rows(const JSON_ROWS& rows)
         rows.take(row);
 }
 
+std::uint64_t JSON_DOCUMENT::version() const
+{
+    const std::optional<JSON_TREE::INDEX> said = document.member(0, "schema_version");
+    return said && document.kind(*said) == JSON_TOKEN::NATURAL ? document.natural(*said) : 0;
+}
+
+bool JSON_DOCUMENT::is_taken(const JSON_ROWS& rows) const
+{
+    return version() >= rows.first_version && version() <= rows.last_version;
+}
+
 // The one that the document says it has; the first while it says none of them.
 const DOCUMENT_FORMAT& JSON_DOCUMENT::format() const
 {
@@ -305,9 +332,7 @@ void JSON_DOCUMENT::require_kind() const
 {
     const DOCUMENT_KIND& kind = format().kind;
     const std::optional<JSON_TREE::INDEX> schema = document.member(0, "schema");
-    const std::optional<JSON_TREE::INDEX> version = document.member(0, "schema_version");
-    const std::uint64_t number =
-        version && document.kind(*version) == JSON_TOKEN::NATURAL ? document.natural(*version) : 0;
+    const std::uint64_t number = version();
     if (!schema || document.kind(*schema) != JSON_TOKEN::TEXT || document.text(*schema) != kind.schema || number == 0)
         throw_bad_input(place.file, "is no " + either_of(formats, &DOCUMENT_KIND::title) + "; give one that " +
                                         either_of(formats, &DOCUMENT_KIND::maker) + " has written");

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -88,6 +89,11 @@ struct JSON_ROWS
 {
     const char* list; // the key of a member of the document
     std::function<void(const JSON_NODE& row)> take;
+
+    // The versions of the document of which the rows are taken. In any other the list may be missing, and where it is
+    // there it is passed over.
+    std::uint64_t first_version = 1;
+    std::uint64_t last_version = std::numeric_limits<std::uint64_t>::max();
 };
 
 // What a file may be: a kind of document, and the lists of it that are taken row by row.
@@ -103,8 +109,9 @@ class JSON_DOCUMENT
 public:
     // Throws TOOL_ERROR(BAD_INPUT) for a file that cannot be read, is no JSON, is of none of the kinds, of which there
     // is one at least, or of a version that is newer than its kind's. The rows of the lists of its kind are taken in
-    // order while the document is read; the other members are kept. What stands before the kind and the version, which
-    // are the first members, is kept until it is known that there are such; where they come later, so are the lists.
+    // order while the document is read; the other members are kept, and what is passed over is not. What stands before
+    // the kind and the version, which are the first members, is kept until it is known that there are such; where they
+    // come later, so are the lists.
     JSON_DOCUMENT(const std::string& path, std::vector<DOCUMENT_FORMAT> possible_formats);
 
     // The same for one kind.
@@ -116,6 +123,9 @@ public:
         return format().kind;
     }
 
+    // At least 1.
+    std::uint64_t version() const;
+
     JSON_NODE root() const
     {
         return {document, 0, place};
@@ -126,6 +136,7 @@ private:
     void read_member(JSON_TOKENS& tokens);
     void read_rows(JSON_TOKENS& tokens, const JSON_ROWS& rows);
     void take_kept_rows(const JSON_ROWS& rows);
+    bool is_taken(const JSON_ROWS& rows) const;
     void require_kind() const;
     const DOCUMENT_FORMAT& format() const;
 

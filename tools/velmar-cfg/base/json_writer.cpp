@@ -69,7 +69,10 @@ void JSON_WRITER::before_value()
     {
         if (!first)
             buffer += ',';
-        new_line();
+        if (!is_in_row())
+            new_line();
+        else if (!first)
+            buffer += ' ';
     }
     first = false;
     if (buffer.size() >= buffer_size)
@@ -112,8 +115,11 @@ void JSON_WRITER::begin(char bracket)
 
 void JSON_WRITER::end(char bracket)
 {
+    const bool on_own_line = !first && !is_in_row();
+    if (depth == depth_of_rows)
+        depth_of_rows = no_rows;
     --depth;
-    if (!first)
+    if (on_own_line)
         new_line();
     buffer += bracket;
     first = false;
@@ -137,6 +143,12 @@ void JSON_WRITER::begin_list()
 void JSON_WRITER::end_list()
 {
     end(']');
+}
+
+void JSON_WRITER::begin_row_list()
+{
+    begin_list();
+    depth_of_rows = std::min(depth_of_rows, depth);
 }
 
 void JSON_WRITER::key(std::string_view name)

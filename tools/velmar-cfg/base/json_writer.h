@@ -1,9 +1,9 @@
 // JSON written as a stream: no document is built, so that a million rows take no memory.
 //
-// The text is indented by two blanks and holds no character that steers a terminal but newlines: those of the values
-// are escaped. A text that is no UTF-8 becomes {"hex": "<two digits a byte>"}, from which JSON_NODE::text reads it
-// back, and one of which a part is hidden becomes {"masked": [...]} (hidden_text.h), which reads back too. A number
-// that JSON has not, infinity or not-a-number, becomes a text.
+// The text is indented by two blanks, except that a row of a row list takes one line. It holds no character that steers
+// a terminal but newlines: those of the values are escaped. A text that is no UTF-8 becomes {"hex": "<two digits a
+// byte>"}, from which JSON_NODE::text reads it back, and one of which a part is hidden becomes {"masked": [...]}
+// (hidden_text.h), which reads back too. A number that JSON has not, infinity or not-a-number, becomes a text.
 #ifndef TOOLS_VELMAR_CFG_BASE_JSON_WRITER_H
 #define TOOLS_VELMAR_CFG_BASE_JSON_WRITER_H
 
@@ -28,6 +28,9 @@ public:
     void end_object();
     void begin_list();
     void end_list();
+
+    // A list of which each value, whatever it holds, takes one line.
+    void begin_row_list();
 
     void key(std::string_view name);
 
@@ -86,6 +89,16 @@ public:
         end_list();
     }
 
+    // The same as a row list.
+    template <typename ROWS, typename WRITE>
+    void row_list(const ROWS& rows, WRITE write)
+    {
+        begin_row_list();
+        for (const auto& row : rows)
+            write(*this, row);
+        end_list();
+    }
+
     // Ends the document with a newline and hands the rest of it over. To be called once, when every list and object
     // has ended; without it, the rest is dropped.
     void finish();
@@ -98,11 +111,18 @@ private:
     void begin(char bracket);
     void end(char bracket);
     void new_line();
+    bool is_in_row() const
+    {
+        return depth > depth_of_rows;
+    }
+
+    static constexpr std::size_t no_rows = SIZE_MAX;
 
     BYTE_SINK& sink;
     std::string buffer;
     std::size_t depth = 0;
-    bool first = true; // nothing stands in the innermost list or object yet
+    std::size_t depth_of_rows = no_rows; // in a row list: its depth
+    bool first = true;                   // nothing stands in the innermost list or object yet
     bool behind_key = false;
 };
 

@@ -22,7 +22,8 @@ void write_line(const FINDING& finding, OUTPUT& out)
             out << std::to_string(*number) << ":";
     }
     out << " " << out.painted(severity_style(finding.severity), severity_word(finding.severity)) << ": "
-        << printable(finding.message) << "; " << printable(finding.instead) << " [" << finding.reason << "]\n";
+        << printable(finding.message) << "; " << printable(finding.instead) << " [" << printable(finding.reason)
+        << "]\n";
 }
 }
 

@@ -66,7 +66,8 @@ void write_rows(const LAYERS_OPTIONS& options, const SETTINGS& settings, JSON_WR
 std::string shown(const STATEMENT& statement)
 {
     constexpr std::size_t longest = 100;
-    return printable(shortened(trimmed(statement.text), longest));
+    const std::string text = trimmed(statement.text);
+    return printable(shortened(text, length_by_shown_length(text, longest)));
 }
 
 std::string mark_of_effect(const LAYER_LINE& line, const OUTPUT& out)

@@ -108,7 +108,8 @@ public:
             row.push_back({std::to_string(variable.reads)});
         row.push_back({printable(shortened(variable.name, longest_name)), STYLE::STRONG});
         if (variable.value)
-            row.push_back({printable(shortened(*variable.value, longest_value))});
+            row.push_back(
+                {printable(shortened(*variable.value, length_by_shown_length(*variable.value, longest_value)))});
         else
             row.push_back({variable.reads > 0 ? "no usable value" : "not set", STYLE::FAINT});
         if (options.with_defaults())

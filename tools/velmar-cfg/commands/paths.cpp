@@ -1,4 +1,6 @@
 // velmar-cfg paths: the search for settings as it went.
+#include <algorithm>
+
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
@@ -50,12 +52,12 @@ void write_text(const STATE& state, OUTPUT& out)
         if (candidate.file != heading)
         {
             heading = candidate.file;
-            out << out.painted(STYLE::STRONG, heading) << "\n";
+            out << out.painted(STYLE::STRONG, printable(heading)) << "\n";
         }
         std::string word = state_word(candidate.state);
         word.resize(8, ' ');
-        std::string place = candidate.place;
-        place.resize(20, ' ');
+        std::string place = printable(candidate.place);
+        place.resize(std::max<std::size_t>(place.size(), 20), ' ');
         out << "  " << out.painted(state_style(candidate.state), word) << "  " << place;
         if (!candidate.path.empty())
             out << "  " << printable(candidate.path);
@@ -65,7 +67,7 @@ void write_text(const STATE& state, OUTPUT& out)
     }
     out << out.painted(STYLE::STRONG, "environment") << "\n";
     for (const auto& [name, value] : state.environment)
-        out << "  " << name << (value ? "=" + printable(*value) : " is not set") << "\n";
+        out << "  " << printable(name) << (value ? "=" + printable(*value) : " is not set") << "\n";
 }
 
 EXIT_CODE paths(const STATE_OPTIONS& options, TOOL& tool)

@@ -21,7 +21,7 @@ void write_list_entry(const PREFERENCE& preference, OUTPUT& out)
 {
     out << out.painted(STYLE::STRONG, preference.key) << "=" << printable(preference.value) << "\n    "
         << printable(origin_as_text(preference.origin)) << "; default "
-        << (preference.default_value.empty() ? "none" : preference.default_value)
+        << (preference.default_value.empty() ? "none" : printable(preference.default_value))
         << "; allowed: " << allowed_as_text(preference.allowed) << "\n";
 }
 
@@ -167,7 +167,8 @@ EXIT_CODE describe(const KEY_OPTIONS& options, TOOL& tool)
              << cfg_get_user_ini_ini_desc(number) << "\n\n";
     tool.out << "value    " << (preference.value.empty() ? "none" : printable(preference.value)) << ", "
              << printable(origin_as_text(preference.origin)) << "\n";
-    tool.out << "default  " << (preference.default_value.empty() ? "none" : preference.default_value) << "\n";
+    tool.out << "default  " << (preference.default_value.empty() ? "none" : printable(preference.default_value))
+             << "\n";
     tool.out << "allowed  " << allowed_as_text(preference.allowed) << "\n";
     tool.out << "section  " << preference.section << "\n";
     for (const std::string& name : old_names(preference))

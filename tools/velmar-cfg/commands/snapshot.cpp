@@ -43,7 +43,7 @@ EXIT_CODE snapshot(const SNAPSHOT_OPTIONS& options, TOOL& tool)
     const std::optional<std::string>& file = options.file;
     SECRETS& secrets = *tool.options.scope.secrets;
     secrets.use_lasting_key();
-    const STATE state = state_of(options.state, {.snapshot = true}, tool);
+    const STATE state = state_of(options.state, {.snapshot = true, .basis = true}, tool);
     if (state.is_document)
         throw TOOL_ERROR(EXIT_CODE::USAGE,
                          state.name + ": is a document already; a snapshot is taken of what is read now");
@@ -76,9 +76,10 @@ void add_snapshot_command(COMMAND app, TOOL& tool)
     auto options = std::make_shared<SNAPSHOT_OPTIONS>();
     COMMAND command = app.add_command(
         tool, "snapshot",
-        "Write all of it as one JSON document: release, settings files and preference file with their hashes, the "
-        "environment variables that matter, every variable and every preference with its value and origin. To be kept "
-        "with a run and given to diff.",
+        "Write all of it as one JSON document: who took it, where and when, the release, settings files and preference "
+        "file with every line and their hashes, the search, the environment variables that matter, every variable and "
+        "every preference with its value and origin. To be kept with a run, given to diff, and asked with --of as the "
+        "machine itself.",
         "velmar-cfg --project designs/cpu --regtest snapshot -o before.json\n"
         "      what a regression run in designs/cpu goes by, for a later velmar-cfg diff before.json",
         [options, &tool] { return snapshot(*options, tool); });

@@ -3,11 +3,10 @@
 #include <string_view>
 
 #include "tools/velmar-cfg/base/json_reader.h"
-#include "tools/velmar-cfg/documents/snapshot_json.h"
 
-ANY_DOCUMENT read_any_document(const std::string& path, SECRETS& secrets)
+ANY_DOCUMENT read_any_document(const std::string& path, const SNAPSHOT_LISTS& wanted, SECRETS& secrets)
 {
-    SNAPSHOT_READER snapshot(secrets);
+    SNAPSHOT_READER snapshot(secrets, wanted);
     const DOCUMENT_FORMAT of_snapshot = snapshot.format();
     const JSON_DOCUMENT document(path, {of_snapshot, run_report_format()});
     if (std::string_view(document.kind().schema) == of_snapshot.kind.schema)

@@ -6,6 +6,24 @@ std::vector<std::string> all_file_roles()
             layer_code(LAYER_KIND::REGTEST_FILE), preference_file_role};
 }
 
+std::vector<std::string> all_source_roles()
+{
+    std::vector<std::string> roles;
+    for (const LAYER_KIND kind : all_layer_kinds)
+    {
+        if (is_library_source(kind))
+            roles.emplace_back(layer_code(kind));
+    }
+    roles.emplace_back(preference_file_role);
+    return roles;
+}
+
+std::string_view SNAPSHOT_SOURCE::text() const
+{
+    const bool is_inline = role == layer_code(LAYER_KIND::INLINE_TEXT);
+    return is_inline ? std::string_view(file->bytes) : file->whole_lines();
+}
+
 SNAPSHOT_VARIABLES::SNAPSHOT_VARIABLES(SETTINGS of_layers)
     : settings(std::move(of_layers)), order(settings->order_by_name())
 {

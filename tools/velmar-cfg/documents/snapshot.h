@@ -13,8 +13,10 @@
 #include "tools/velmar-cfg/base/hash_index.h"
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/text_store.h"
+#include "tools/velmar-cfg/lint/finding.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/environment.h"
+#include "tools/velmar-cfg/settings/file_candidates.h"
 #include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
@@ -86,6 +88,42 @@ private:
     TEXT_STORE texts; // of the rows
 };
 
+// A text that was read: of a layer, or the preference file.
+struct SNAPSHOT_SOURCE
+{
+    std::string role; // a layer's code, or preference_file_role
+
+    // Never null. Secrets are hidden in it.
+    std::shared_ptr<const INPUT_FILE> file;
+
+    // Of a file that could not be read whole, what the library goes on with.
+    std::string_view text() const;
+};
+
+// The roles of sources, in the order of the sources of a snapshot.
+std::vector<std::string> all_source_roles();
+
+// What kept a file from being read whole or from being seen, with its path.
+struct SNAPSHOT_PROBLEM
+{
+    bool of_preferences; // else of the settings
+    std::string text;
+};
+
+// Who took a snapshot, and all that the answers in it are made of. With it a snapshot answers as the machine did.
+struct SNAPSHOT_BASIS
+{
+    std::string user;
+    std::optional<std::string> host;
+    std::optional<std::string> directory; // the current one
+    std::string taken;                    // UTC
+    std::string tool;                     // "velmar-cfg 1.0.0"
+    std::vector<FILE_CANDIDATE> search;
+    std::vector<FINDING> findings; // beside those of the lines
+    std::vector<SNAPSHOT_PROBLEM> problems;
+    std::vector<SNAPSHOT_SOURCE> sources; // at most one of each role
+};
+
 struct SNAPSHOT
 {
     std::string product; // empty where it is not known
@@ -96,6 +134,9 @@ struct SNAPSHOT
     std::vector<ENVIRONMENT_VARIABLE> environment;
     SNAPSHOT_VARIABLES variables;
     std::vector<SNAPSHOT_PREFERENCE> preferences;
+
+    // Nothing where it was not asked for, and in documents before version 3.
+    std::optional<SNAPSHOT_BASIS> basis;
 
     // What a run report says: the release, the environment where it knows that, and the values of variables that were
     // set or asked for; of any other variable it is not known whether it was set.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <limits>
 #include <set>
 
 #include "tools/velmar-cfg/base/json_reader.h"
@@ -13,7 +14,9 @@
 
 namespace
 {
-constexpr DOCUMENT_KIND snapshot_kind = {"velmar-snapshot", 2, "snapshot", "velmar-cfg snapshot"};
+constexpr DOCUMENT_KIND snapshot_kind = {"velmar-snapshot", 3, "snapshot", "velmar-cfg snapshot"};
+
+constexpr std::uint64_t version_with_basis = 3;
 
 constexpr const char* unlike_the_others = "row of its own: there is another of that name";
 
@@ -113,8 +116,11 @@ SNAPSHOT_PREFERENCE read_preference(const JSON_NODE& row, SECRETS& secrets)
 // be guessed until the hash fits. Such a document then compares like one that was written with secrets masked.
 void hide_hashes(SNAPSHOT& snapshot, const LAYER_SET& secret_layers, SECRETS& secrets)
 {
+    const auto is_secret_source = [](const SNAPSHOT_SOURCE& source)
+    { return source.role == preference_file_role && has_hidden_parts(source.file->bytes); };
     const bool secret_preferences = std::ranges::any_of(snapshot.preferences, [](const SNAPSHOT_PREFERENCE& row)
-                                                        { return has_hidden_parts(row.value); });
+                                                        { return has_hidden_parts(row.value); }) ||
+                                    (snapshot.basis && std::ranges::any_of(snapshot.basis->sources, is_secret_source));
     for (SNAPSHOT_FILE& file : snapshot.files)
     {
         const std::optional<LAYER_KIND> layer = layer_of_code(file.role);
@@ -174,30 +180,47 @@ void write_json(JSON_WRITER& out, const SNAPSHOT& snapshot)
     const auto write_row = [](JSON_WRITER& writer, const auto& row) { write_json(writer, row); };
     out.begin_object();
     out.field("schema", snapshot_kind.schema);
-    out.field("schema_version", snapshot_kind.newest_version);
+    out.field("schema_version", snapshot.basis ? version_with_basis : version_with_basis - 1);
     out.field("product", snapshot.product);
     out.field("release", snapshot.release);
     out.field_or_null("project", snapshot.project);
     out.field("regtest", snapshot.regtest);
+    if (snapshot.basis)
+        write_fields(out, *snapshot.basis);
     out.key("files");
-    out.list(snapshot.files, write_row);
+    out.row_list(snapshot.files, write_row);
     out.key("environment");
-    out.list(snapshot.environment, write_row);
+    out.row_list(snapshot.environment, write_row);
     out.key("variables");
-    out.begin_list();
+    out.begin_row_list();
     for (std::size_t i = 0; i < snapshot.variables.size(); ++i)
         write_json(out, snapshot.variables[i]);
     out.end_list();
     out.key("preferences");
-    out.list(snapshot.preferences, write_row);
+    out.row_list(snapshot.preferences, write_row);
     out.end_object();
 }
 
 DOCUMENT_FORMAT SNAPSHOT_READER::format()
 {
-    return {snapshot_kind, {{"variables", [this](const JSON_NODE& row) {
-                                 read_variable(row, snapshot.variables, secret_layers, secrets);
-                             }}}};
+    constexpr std::uint64_t last = std::numeric_limits<std::uint64_t>::max();
+    const JSON_ROWS variables = {
+        "variables", [this](const JSON_NODE& row) { read_variable(row, snapshot.variables, secret_layers, secrets); },
+        1, wanted.variables ? last : version_with_basis - 1};
+    const JSON_ROWS lines = {"lines", [this](const JSON_NODE& row) { basis.take_line(row); }, version_with_basis,
+                             wanted.lines ? last : version_with_basis - 1};
+    return {snapshot_kind, {variables, lines}};
+}
+
+// A secret may stand on a line that lost, or in a comment.
+void SNAPSHOT_READER::note_secret_sources()
+{
+    for (const SNAPSHOT_SOURCE& source : snapshot.basis->sources)
+    {
+        const std::optional<LAYER_KIND> layer = layer_of_code(source.role);
+        if (layer && has_hidden_parts(source.file->bytes))
+            secret_layers.insert(*layer);
+    }
 }
 
 SNAPSHOT SNAPSHOT_READER::finish(const JSON_DOCUMENT& document)
@@ -216,6 +239,12 @@ SNAPSHOT SNAPSHOT_READER::finish(const JSON_DOCUMENT& document)
     snapshot.preferences = read_rows<std::set<std::string>>(
         root.member("preferences"), [this](const JSON_NODE& row) { return read_preference(row, secrets); },
         &SNAPSHOT_PREFERENCE::key);
+    if (document.version() >= version_with_basis)
+    {
+        snapshot.basis =
+            wanted.lines ? basis.finish(root, snapshot.files) : SNAPSHOT_BASIS_READER::finish_without_lines(root);
+        note_secret_sources();
+    }
     hide_hashes(snapshot, secret_layers, secrets);
     return std::move(snapshot);
 }

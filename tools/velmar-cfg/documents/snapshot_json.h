@@ -1,8 +1,17 @@
-// Snapshots as JSON documents, schema "velmar-snapshot", version 2:
+// Snapshots as JSON documents, schema "velmar-snapshot", version 3:
 //
 //     schema, schema_version    the two above; a reader refuses a higher version
 //     product, release          of the installation: "velmar", "23.4"
 //     project, regtest          the project's directory as given, null for none; whether regtest.ini was asked for
+//     user, host, directory     who took it, where, in which current directory; host and directory may be null
+//     taken, tool               when, in UTC; by which tool: "velmar-cfg 1.0.0"
+//     search                    each place where a file is looked for: file, place, path, state, remark
+//     findings                  what lint finds beside those of the lines: file, line, item, column, severity, reason,
+//                               message, instead, replacement
+//     problems                  what kept files from being read: of ("settings" or "preferences"), text
+//     sources                   of each text that was read: of (main, appended, inline, regtest, preferences, in this
+//                               order), path, problem (null for none), newline_at_end
+//     lines                     every line of the sources in their order: of, text
 //     files                     of each role (main, appended, regtest, preferences): role, path, size, sha256; path is
 //                               null when there is no such layer, the other two when the file does not exist
 //     environment               name and value of the environment variables that matter; value is null for none
@@ -11,8 +20,12 @@
 //     preferences               key, value, default, source, section, release
 //
 // A text that is no UTF-8 is {"hex": "<two digits a byte>"}, and one of which parts are hidden {"masked": [...]} with
-// lasting marks (hidden_text.h); a hidden value has null readings. Version 1 had no such texts. Rows of one kind all
-// have the same fields.
+// lasting marks (hidden_text.h); a hidden value has null readings. Rows of one kind all have the same fields, and each
+// takes one line of the document.
+//
+// Version 2 has none of the members from user to lines, and is written of a snapshot without a basis. Version 1 has no
+// masked texts either. The lines are what such a document is asked about; the rows of files, variables and preferences
+// are for comparisons and for other programs.
 #ifndef TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_JSON_H
 #define TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_JSON_H
 
@@ -21,6 +34,7 @@
 #include "tools/velmar-cfg/base/json_reader.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/documents/snapshot.h"
+#include "tools/velmar-cfg/documents/snapshot_basis_json.h"
 
 // Writes a variable at a time: no document is built.
 void write_json(JSON_WRITER& out, const SNAPSHOT& snapshot);
@@ -30,12 +44,22 @@ void write_json(JSON_WRITER& out, const SNAPSHOT_FILE& file);
 void write_json(JSON_WRITER& out, const SNAPSHOT_VARIABLE& variable);
 void write_json(JSON_WRITER& out, const SNAPSHOT_PREFERENCE& preference);
 
+// Which of the long lists of a snapshot are read; the others are passed over.
+struct SNAPSHOT_LISTS
+{
+    bool lines = true;     // without them it has no sources
+    bool variables = true; // read of a document before version 3 in any case
+};
+
 // Takes a snapshot out of a document that may be one.
 class SNAPSHOT_READER
 {
 public:
     // Hides the secrets that the document shows.
-    explicit SNAPSHOT_READER(SECRETS& of_document) : secrets(of_document) {}
+    explicit SNAPSHOT_READER(SECRETS& of_document, const SNAPSHOT_LISTS& wanted_lists = {})
+        : secrets(of_document), wanted(wanted_lists), basis(of_document)
+    {
+    }
 
     // How a document that is a snapshot is read. This must outlive the reading, and stay where it is.
     DOCUMENT_FORMAT format();
@@ -44,8 +68,12 @@ public:
     SNAPSHOT finish(const JSON_DOCUMENT& document);
 
 private:
+    void note_secret_sources();
+
     SECRETS& secrets;
+    const SNAPSHOT_LISTS wanted;
     SNAPSHOT snapshot;
+    SNAPSHOT_BASIS_READER basis;
     LAYER_SET secret_layers; // those that assign to a hidden variable
 };
 

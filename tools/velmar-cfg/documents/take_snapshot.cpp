@@ -1,9 +1,13 @@
 #include "tools/velmar-cfg/documents/take_snapshot.h"
 
 #include <algorithm>
+#include <unistd.h>
 
+#include "cfg_run_report/run_circumstances.h"
 #include "platform/ver/ver.h"
 #include "tools/velmar-cfg/base/content_hash.h"
+#include "tools/velmar-cfg/base/file_place.h"
+#include "tools/velmar-cfg/lint/environment_rules.h"
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
 #include "tools/velmar-cfg/settings/what_if.h"
 
@@ -22,10 +26,9 @@ SNAPSHOT_FILE file_of_role(const std::string& role, const std::string& path, con
     return row;
 }
 
-std::vector<SNAPSHOT_FILE> files_of(const LAYERS& layers, const INPUT_FILE* preference_file, SECRETS& secrets)
+std::vector<SNAPSHOT_FILE> files_of(const LAYERS& layers, const INPUT_FILE* preference_file, bool secret_preferences,
+                                    SECRETS& secrets)
 {
-    const bool secret_preferences =
-        preference_file != nullptr && hide_in_preference_text(preference_file->whole_lines(), secrets).has_value();
     std::vector<SNAPSHOT_FILE> files;
     for (const std::string& role : all_file_roles())
     {
@@ -45,9 +48,19 @@ std::vector<SNAPSHOT_FILE> files_of(const LAYERS& layers, const INPUT_FILE* pref
     return files;
 }
 
-std::vector<SNAPSHOT_PREFERENCE> preferences_of(const INPUT_FILE* file, SECRETS& secrets)
+// The file with its secrets hidden.
+std::shared_ptr<const INPUT_FILE> with_secrets_hidden(std::shared_ptr<const INPUT_FILE> file, SECRETS& secrets)
 {
-    const PREFERENCES answers = preferences_in(file, secrets);
+    std::optional<std::string> hidden =
+        file == nullptr ? std::nullopt : hide_in_preference_text(file->whole_lines(), secrets);
+    if (!hidden)
+        return file;
+    return std::make_shared<const INPUT_FILE>(INPUT_FILE{file->path, *std::move(hidden), file->problem});
+}
+
+std::vector<SNAPSHOT_PREFERENCE> preferences_of(const INPUT_FILE* file)
+{
+    const PREFERENCES answers(file == nullptr ? std::string_view() : file->whole_lines());
     std::vector<SNAPSHOT_PREFERENCE> preferences;
     for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
     {
@@ -58,22 +71,56 @@ std::vector<SNAPSHOT_PREFERENCE> preferences_of(const INPUT_FILE* file, SECRETS&
     }
     return preferences;
 }
+
+std::vector<SNAPSHOT_SOURCE> sources_of(const LAYERS& layers, std::shared_ptr<const INPUT_FILE> preference_file)
+{
+    std::vector<SNAPSHOT_SOURCE> sources;
+    for (const LAYER& layer : layers)
+        sources.push_back({layer_code(layer.kind), layer.source});
+    if (preference_file != nullptr)
+        sources.push_back({preference_file_role, std::move(preference_file)});
+    return sources;
 }
 
-SNAPSHOT take_snapshot(const SETTINGS_SCOPE& scope, INPUT_FILES& files)
+SNAPSHOT_BASIS basis_of(const SETTINGS_SCOPE& scope, const LAYERS& layers,
+                        std::shared_ptr<const INPUT_FILE> preference_file)
+{
+    RUN_CIRCUMSTANCES own = circumstances_of_this_run();
+    SNAPSHOT_BASIS basis;
+    basis.user = name_of_user(geteuid()).value_or(std::to_string(geteuid()));
+    basis.host = std::move(own.host);
+    basis.directory = std::move(own.directory);
+    basis.taken = std::move(own.ended);
+    basis.tool = "velmar-cfg " VELMAR_CFG_VERSION;
+    basis.search = all_file_candidates(scope);
+    basis.findings = findings_beside_lines(layers);
+    basis.sources = sources_of(layers, std::move(preference_file));
+    return basis;
+}
+}
+
+SNAPSHOT take_snapshot(const SETTINGS_SCOPE& scope, INPUT_FILES& files, bool with_basis)
 {
     SETTINGS_SCOPE as_read = scope; // no change that is only made to be seen changes a file
     as_read.what_if.clear();
     LAYERS layers = load_layers(as_read, files);
+    const std::size_t problems_of_settings = files.problems().size();
     const std::shared_ptr<const INPUT_FILE> preference_file = preference_file_in_use(files);
+    const std::shared_ptr<const INPUT_FILE> hidden_file = with_secrets_hidden(preference_file, *scope.secrets);
     SNAPSHOT snapshot;
     snapshot.product = ver_get_kestrin_product_filename();
     snapshot.release = ver_get_version();
     snapshot.project = scope.project;
     snapshot.regtest = scope.regtest;
-    snapshot.files = files_of(layers, preference_file.get(), *scope.secrets);
+    snapshot.files = files_of(layers, preference_file.get(), hidden_file != preference_file, *scope.secrets);
     snapshot.environment = environment_that_matters(*scope.secrets);
+    if (with_basis)
+    {
+        snapshot.basis = basis_of(as_read, layers, hidden_file);
+        for (const std::string& problem : files.problems())
+            snapshot.basis->problems.push_back({snapshot.basis->problems.size() >= problems_of_settings, problem});
+    }
     snapshot.variables = SNAPSHOT_VARIABLES(SETTINGS(changed_layers(std::move(layers), scope.what_if, *scope.secrets)));
-    snapshot.preferences = preferences_of(preference_file.get(), *scope.secrets);
+    snapshot.preferences = preferences_of(hidden_file.get());
     return snapshot;
 }

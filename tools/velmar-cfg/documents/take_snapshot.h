@@ -8,6 +8,8 @@
 
 // What holds for the settings that `scope` asks for: each file is read once, and its hash is that of the bytes which
 // the values come from. Throws TOOL_ERROR(BAD_INPUT) for a file that cannot be read as text.
-SNAPSHOT take_snapshot(const SETTINGS_SCOPE& scope, INPUT_FILES& files);
+//
+// A snapshot that becomes a document has its basis, without the scope's changes.
+SNAPSHOT take_snapshot(const SETTINGS_SCOPE& scope, INPUT_FILES& files, bool with_basis = false);
 
 #endif

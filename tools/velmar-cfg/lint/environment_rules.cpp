@@ -118,3 +118,11 @@ FINDING no_preference_file()
             "'velmar-cfg prefs path' shows where it is looked for",
             {}};
 }
+
+std::vector<FINDING> findings_beside_lines(const LAYERS& layers)
+{
+    std::vector<FINDING> found = lint_environment();
+    if (layers.empty())
+        found.push_back(no_settings_file());
+    return found;
+}

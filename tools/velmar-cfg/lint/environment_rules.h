@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tools/velmar-cfg/lint/finding.h"
+#include "tools/velmar-cfg/settings/layers.h"
 
 // The findings of the variables that choose settings files, as they are set now. The value of each counts as its first
 // and only item. VELMAR_INI_VARS is a layer of the settings and has rules of its own.
@@ -15,5 +16,8 @@ FINDING no_settings_file();
 
 // The same of the preference file.
 FINDING no_preference_file();
+
+// The findings beside those of lines and items: of the environment, and that there are no layers.
+std::vector<FINDING> findings_beside_lines(const LAYERS& layers);
 
 #endif

@@ -1,8 +1,26 @@
 #include "tools/velmar-cfg/lint/finding.h"
 
+#include "tools/velmar-cfg/base/hidden_text.h"
+
 const char* severity_word(SEVERITY severity)
 {
     return severity == SEVERITY::ERROR ? "error" : severity == SEVERITY::WARNING ? "warning" : "note";
+}
+
+std::optional<SEVERITY> severity_of_word(std::string_view word)
+{
+    for (const SEVERITY severity : {SEVERITY::NOTE, SEVERITY::WARNING, SEVERITY::ERROR})
+    {
+        if (word == severity_word(severity))
+            return severity;
+    }
+    return std::nullopt;
+}
+
+std::optional<std::size_t> column_before_hiding(std::string_view text, std::size_t offset)
+{
+    const std::optional<std::size_t> before = offset_before_hiding(text, offset);
+    return before ? std::optional(*before + 1) : std::nullopt;
 }
 
 void write_json(JSON_WRITER& out, const FINDING& finding)

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "tools/velmar-cfg/base/json_writer.h"
 
@@ -31,8 +32,12 @@ struct FINDING
     std::optional<std::string> replacement = std::nullopt;
 };
 
-// "note", "warning" or "error".
+// "note", "warning" or "error". And back, if it is one.
 const char* severity_word(SEVERITY severity);
+std::optional<SEVERITY> severity_of_word(std::string_view word);
+
+// The column of the byte at `offset` of a text in which parts are hidden; nothing where it is not known.
+std::optional<std::size_t> column_before_hiding(std::string_view text, std::size_t offset);
 
 // {"file", "line", "item", "column", "severity", "reason", "message", "instead", "replacement"}.
 void write_json(JSON_WRITER& out, const FINDING& finding);

@@ -169,7 +169,7 @@ private:
     {
         const std::size_t first = std::min(line.text.find_first_not_of(" \t\r\v\f"), line.text.size());
         finding.line = line.number;
-        finding.column = offset_before_hiding(line.text, offset == std::string_view::npos ? first : offset) + 1;
+        finding.column = column_before_hiding(line.text, offset == std::string_view::npos ? first : offset);
         finding.severity = severity;
         finding.reason = reason;
         finding.message = std::move(message);

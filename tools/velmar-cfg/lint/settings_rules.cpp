@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <memory>
 
-#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/lint/written_form.h"
@@ -220,7 +219,7 @@ std::vector<FINDING> SETTINGS_RULES::findings(const STATEMENT& statement, ASSIGN
     {
         findings.push_back(std::move(notice.finding));
         if (std::optional<std::size_t>& column = findings.back().column)
-            column = offset_before_hiding(statement.text, *column - 1) + 1;
+            column = column_before_hiding(statement.text, *column - 1);
     }
     return findings;
 }

@@ -137,6 +137,17 @@ const char* state_word(FILE_STATE state)
     return "skipped";
 }
 
+std::optional<FILE_STATE> state_of_word(std::string_view word)
+{
+    for (const FILE_STATE state : {FILE_STATE::READ, FILE_STATE::SHADOWED, FILE_STATE::DISABLED, FILE_STATE::UNUSED,
+                                   FILE_STATE::MISSING, FILE_STATE::DANGLING, FILE_STATE::BARRED, FILE_STATE::SKIPPED})
+    {
+        if (word == state_word(state))
+            return state;
+    }
+    return std::nullopt;
+}
+
 void write_json(JSON_WRITER& out, const FILE_CANDIDATE& candidate)
 {
     out.begin_object();

@@ -2,7 +2,9 @@
 #ifndef TOOLS_VELMAR_CFG_SETTINGS_FILE_CANDIDATES_H
 #define TOOLS_VELMAR_CFG_SETTINGS_FILE_CANDIDATES_H
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/velmar-cfg/base/json_writer.h"
@@ -20,8 +22,9 @@ enum class FILE_STATE
     SKIPPED,  // the place names no directory
 };
 
-// "read", "shadowed", ...: for JSON and for people.
+// "read", "shadowed", ...: for JSON and for people. And back, if it is one.
 const char* state_word(FILE_STATE state);
+std::optional<FILE_STATE> state_of_word(std::string_view word);
 
 // One place where a file may be.
 struct FILE_CANDIDATE

@@ -1,6 +1,7 @@
-// A document that knows no lines is made of layers that hold its rows as they are, a layer for each source that they
-// name. In a snapshot each variable is in one row, so that the order of the rows means nothing; the layers are in the
-// order in which they apply. A run report of version 2 has the assignments that lost as well (see RUN_LAYERS).
+// A snapshot with the lines of its sources has the layers that the machine had. A document that knows no lines is made
+// of layers that hold its rows as they are, a layer for each source that they name. In a snapshot each variable is in
+// one row, so that the order of the rows means nothing; the layers are in the order in which they apply. A run report
+// of version 2 has the assignments that lost as well (see RUN_LAYERS).
 #include "tools/velmar-cfg/states/document_state.h"
 
 #include <algorithm>
@@ -16,8 +17,22 @@
 
 namespace
 {
-LAYERS layers_of(const SNAPSHOT_VARIABLES& variables)
+LAYERS layers_of(const std::vector<SNAPSHOT_SOURCE>& sources)
 {
+    LAYERS layers;
+    for (const SNAPSHOT_SOURCE& source : sources)
+    {
+        if (const std::optional<LAYER_KIND> kind = layer_of_code(source.role))
+            layers.push_back({*kind, source.file});
+    }
+    return layers;
+}
+
+LAYERS layers_of(const SNAPSHOT& snapshot)
+{
+    if (snapshot.basis)
+        return layers_of(snapshot.basis->sources);
+    const SNAPSHOT_VARIABLES& variables = snapshot.variables;
     using SOURCE = std::tuple<LAYER_KIND, std::string_view, bool>;
     std::map<SOURCE, std::vector<LITERAL>> rows;
     for (std::size_t i = 0; i < variables.size(); ++i)
@@ -161,6 +176,13 @@ std::vector<READ_COUNT> reads_of(const RUN_REPORT& report)
     return reads;
 }
 
+// ", taken 2026-11-22T08:00:00Z by ana on farm7 in /proj/cpu", as far as that is known.
+std::string circumstances_in_words(const SNAPSHOT_BASIS& basis)
+{
+    return ", taken " + basis.taken + " by " + basis.user + (basis.host ? " on " + *basis.host : "") +
+           (basis.directory ? " in " + *basis.directory : "");
+}
+
 std::string project_in_words(const SNAPSHOT& snapshot)
 {
     return (snapshot.project.empty() ? "" : ", project " + snapshot.project) +
@@ -174,13 +196,39 @@ void require_regtest(const std::string& path, bool regtest, const char* otherwis
                          title_of_named_file(path) + ": " + otherwise + " without regtest.ini; leave --regtest out");
 }
 
+// What a snapshot knows by its basis.
+void add_basis(STATE& state, const SNAPSHOT_BASIS& basis)
+{
+    state.candidates = basis.search;
+    state.findings = basis.findings;
+    const auto preferences = std::ranges::find(basis.sources, preference_file_role, &SNAPSHOT_SOURCE::role);
+    if (preferences != basis.sources.end())
+        state.preference_file = preferences->file;
+}
+
+void add_problems(const SNAPSHOT_BASIS& basis, const std::string& path, const STATE_PARTS& parts, INPUT_FILES& files)
+{
+    for (const SNAPSHOT_PROBLEM& problem : basis.problems)
+    {
+        if (parts.checks || (problem.of_preferences ? parts.preferences : parts.settings))
+            files.add_problem(title_of_named_file(path) + ": " + problem.text);
+    }
+}
+
 STATE state_of(SNAPSHOT snapshot, const std::string& path, const STATE_PARTS& parts)
 {
     STATE state;
-    state.limits = "a snapshot holds only the values that won and where they stand: neither other lines nor the search";
-    state.known_lines = KNOWN_LINES::WINNERS;
+    if (snapshot.basis)
+        add_basis(state, *snapshot.basis);
+    else
+    {
+        state.limits =
+            "a snapshot of version 1 or 2 holds only the values that won and where they stand: neither other "
+            "lines nor the search";
+        state.known_lines = KNOWN_LINES::WINNERS;
+    }
     state.view = "as snapshot " + title_of_named_file(path) + " has it (" + snapshot.product + " " + snapshot.release +
-                 project_in_words(snapshot) + ")";
+                 project_in_words(snapshot) + (snapshot.basis ? circumstances_in_words(*snapshot.basis) : "") + ")";
     state.environment = snapshot.environment;
     if (parts.preferences)
         state.preferences.emplace(snapshot.preferences);
@@ -201,19 +249,28 @@ STATE state_of(const RUN_REPORT& report, const std::string& path)
     state.snapshot = snapshot_of(report);
     return state;
 }
+
+// What a change changes is made of the lines anew.
+SNAPSHOT_LISTS wanted_lists(const STATE_PARTS& parts, const SETTINGS_SCOPE& scope)
+{
+    const bool changed = !scope.what_if.empty();
+    return {parts.settings || parts.checks || parts.preferences || changed, parts.snapshot && !changed};
+}
 }
 
-STATE document_state(const std::string& path, const STATE_PARTS& parts, const SETTINGS_SCOPE& scope)
+STATE document_state(const std::string& path, const STATE_PARTS& parts, const SETTINGS_SCOPE& scope, INPUT_FILES& files)
 {
-    ANY_DOCUMENT document = read_any_document(path, *scope.secrets);
+    ANY_DOCUMENT document = read_any_document(path, wanted_lists(parts, scope), *scope.secrets);
     const auto* const report = std::get_if<RUN_REPORT>(&document);
     STATE state =
         report != nullptr ? state_of(*report, path) : state_of(std::move(std::get<SNAPSHOT>(document)), path, parts);
     state.is_document = true;
     if (scope.regtest)
         require_regtest(path, state.snapshot->regtest, report != nullptr ? "the run read" : "the snapshot was taken");
-    if (report != nullptr || parts.settings || !scope.what_if.empty())
-        state.layers = changed_layers(report != nullptr ? layers_of(*report) : layers_of(state.snapshot->variables),
+    if (state.snapshot->basis)
+        add_problems(*state.snapshot->basis, path, parts, files);
+    if (report != nullptr || parts.settings || parts.checks || !scope.what_if.empty())
+        state.layers = changed_layers(report != nullptr ? layers_of(*report) : layers_of(*state.snapshot),
                                       scope.what_if, *scope.secrets);
     for (const WHAT_IF& change : scope.what_if)
     {

@@ -24,15 +24,13 @@ void read_parts(STATE& state, const STATE_PARTS& parts, const SETTINGS_SCOPE& sc
     }
     if (parts.checks)
     {
-        state.findings = lint_environment();
-        if (state.layers.empty())
-            state.findings->push_back(no_settings_file());
+        state.findings = findings_beside_lines(state.layers);
         state.preference_file = preference_file_in_use(files);
     }
     if (parts.preferences)
         state.preferences.emplace(load_preferences(files, *scope.secrets));
     if (parts.snapshot)
-        state.snapshot = take_snapshot(scope, files);
+        state.snapshot = take_snapshot(scope, files, parts.basis);
 }
 
 // "by the files of now and this tool's own product and release, velmar 23.4"
@@ -86,7 +84,7 @@ STATE read_state(const STATE_NAME& name, const STATE_PARTS& parts, const SETTING
         read_parts(state, parts, own_scope, files);
         break;
     case STATE_NAME::KIND::DOCUMENT:
-        state = document_state(name.path, parts, own_scope);
+        state = document_state(name.path, parts, own_scope, files);
         break;
     case STATE_NAME::KIND::PROCESS:
     {

@@ -54,6 +54,7 @@ struct STATE_PARTS
     bool checks = false;      // settings, the findings of the environment, and the preference file's lines
     bool preferences = false; // preferences
     bool snapshot = false;    // snapshot
+    bool basis = false;       // the basis of the snapshot
 };
 
 // What the layers of a state hold.

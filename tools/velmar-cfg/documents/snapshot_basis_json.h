@@ -1,0 +1,50 @@
+// What a snapshot is based on, as members of its document (snapshot_json.h).
+#ifndef TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_BASIS_JSON_H
+#define TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_BASIS_JSON_H
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tools/velmar-cfg/base/json_reader.h"
+#include "tools/velmar-cfg/base/json_writer.h"
+#include "tools/velmar-cfg/documents/snapshot.h"
+#include "tools/velmar-cfg/settings/secrets.h"
+
+// "user", "host", "directory", "taken", "tool", "search", "findings", "problems", "sources" and "lines": a line at a
+// time.
+void write_fields(JSON_WRITER& out, const SNAPSHOT_BASIS& basis);
+
+// Takes the basis out of a document. The lines of a source come together, the sources in their order.
+class SNAPSHOT_BASIS_READER
+{
+public:
+    // Hides the secrets that the document shows, but for those on lines of which parts are hidden already.
+    explicit SNAPSHOT_BASIS_READER(SECRETS& of_document) : secrets(of_document) {}
+
+    // The next row of "lines".
+    void take_line(const JSON_NODE& row);
+
+    // To be called once, when all lines have been taken. The files are those of the document.
+    SNAPSHOT_BASIS finish(const JSON_NODE& root, const std::vector<SNAPSHOT_FILE>& files);
+
+    // The same without the lines, of which none has been taken: it has no sources.
+    static SNAPSHOT_BASIS finish_without_lines(const JSON_NODE& root);
+
+private:
+    struct TEXT
+    {
+        std::size_t role;  // its index among the roles
+        std::string bytes; // each line with a newline
+    };
+
+    std::shared_ptr<const INPUT_FILE> file_of(const JSON_NODE& row, std::size_t role);
+    std::vector<SNAPSHOT_SOURCE> sources_of(const JSON_NODE& list);
+
+    SECRETS& secrets;
+    std::vector<std::string> roles = all_source_roles();
+    std::vector<TEXT> texts; // in the order of their roles
+};
+
+#endif

@@ -271,6 +271,20 @@ TEST_F(MASKING, changes_no_file_by_it)
     EXPECT_THAT(run({"prefs", "reset", "CLOUD_TOKEN", "--dry-run"}).out, HasSubstr("-CLOUD_TOKEN = \\(masked)\n"));
 }
 
+// A line that holds a secret by chance is not shown as it is on one side and masked on the other.
+TEST_F(MASKING, shows_no_difference_that_masking_alone_makes)
+{
+    write_file("user/velmar2.ini", "[General 23.4_pro]\nUSER_LIBRARIES = /home/anacorp/libs\n\n"
+                                   "[Internet Connectivity 23.4_pro]\nPROXY_USER1 = anacorp\n");
+    for (const ARGUMENTS& arguments : {ARGUMENTS{"prefs", "set", "HDL_PREFERENCE", "VHDL", "--dry-run"},
+                                       ARGUMENTS{"prefs", "set", "HDL_PREFERENCE", "VHDL", "--dry-run", "--json"}})
+    {
+        const std::string out = run(arguments).out;
+        EXPECT_THAT(out, AllOf(HasSubstr("HDL_PREFERENCE = VHDL"), Not(HasSubstr("anacorp"))));
+        EXPECT_THAT(out, AllOf(Not(HasSubstr("-USER_LIBRARIES")), Not(HasSubstr("+USER_LIBRARIES"))));
+    }
+}
+
 // --- Snapshots ---
 
 TEST_F(MASKING, makes_a_key_with_the_first_snapshot_that_needs_one)

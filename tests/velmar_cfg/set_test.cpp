@@ -80,6 +80,17 @@ TEST_F(SET, paints_the_difference_of_a_dry_run)
             " (new)\x1b[0m\n\x1b[2m@@ -1,2 +1,2 @@\x1b[0m\n\x1b[31m-a = 1\x1b[0m\n\x1b[32m+a = 2\x1b[0m\n b = 2\n");
 }
 
+TEST_F(SET, takes_no_value_for_a_question_for_help)
+{
+    for (const char* const value : {"-html", "-Vx"})
+        EXPECT_EQ(run_in_project({"set", "report_dir", value}),
+                  (TOOL_RUN{2, "",
+                            "velmar-cfg: there is no option '" + std::string(value) +
+                                "'; put -- before an argument that begins with \"-\"\n"}));
+    EXPECT_EQ(run_in_project({"set", "report_dir", "--", "-html"}).exit_code, 0);
+    EXPECT_EQ(settings(), "report_dir = -html\n");
+}
+
 TEST_F(SET, takes_the_file_of_the_current_directory_without_a_project)
 {
     write_file("velmar.ini", "a = 1\n");

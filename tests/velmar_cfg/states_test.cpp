@@ -108,6 +108,7 @@ const COMMAND_ROW commands[] = {
     {{"prefs", "list"}, true, false, fine, fine, no_run, no_run, "HDL_PREFERENCE=VHDL"},
     {{"prefs", "list", "--all"}, true, false, fine, fine, no_run, no_run, "HDL_PREFERENCE=VHDL"},
     {{"prefs", "get", "HDL_PREFERENCE"}, false, true, fine, fine, no_run, no_run, "VHDL"},
+    {{"prefs", "explain", "HDL_PREFERENCE"}, true, true, fine, no_snapshot, no_run, no_run, "HDL_PREFERENCE = VHDL"},
     {{"prefs", "describe", "HDL_PREFERENCE"}, true, true, fine, fine, no_run, no_run, "value    VHDL"},
 };
 

@@ -209,6 +209,15 @@ std::string spoken_name(const CLI::App* command)
 void parse_command_line(CLI::App& app, int argc, const char* const* argv)
 {
     std::vector<std::string> words = with_empty_values_apart(app, argc, argv);
+    for (const std::string& word : words)
+    {
+        if (word == "--")
+            break;
+        // The parser takes a word such as "-html" for -h and something more: a script would believe its value was set.
+        if (word.size() > 2 && (word.starts_with("-h") || word.starts_with("-V")))
+            throw TOOL_ERROR(EXIT_CODE::USAGE,
+                             "there is no option '" + word + "'; put -- before an argument that begins with \"-\"");
+    }
     std::ranges::reverse(words); // as the parser wants them
     app.parse(std::move(words));
 }

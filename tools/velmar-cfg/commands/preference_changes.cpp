@@ -89,13 +89,13 @@ void complain_of_lost_lines(const EDITED_FILE& file, const PREFERENCE_OPTIONS& o
                  (json ? "\"lost_lines\" has them all" : "--dry-run --json lists them all"));
 }
 
-// The difference that the edit makes, with secrets hidden: also those of the old text that the new one has elsewhere.
+// The difference that the edit makes, with secrets hidden: also those of the old text that are elsewhere in either one.
+// Both are treated alike, since a line that is shown as it was and hidden as it is would tell the secret.
 std::string shown_difference(const EDITED_FILE& file, SECRETS& secrets)
 {
-    const auto hidden = [&secrets](const std::string& text)
-    { return hide_in_preference_text(text, secrets).value_or(text); };
-    return unified_diff(hidden(file.before), hide_in_message(hidden(file.plan.after), file.before, "", "", secrets),
-                        file.path, file.path + " (new)");
+    const auto hidden = [&](const std::string& text)
+    { return hide_in_message(hide_in_preference_text(text, secrets).value_or(text), file.before, "", "", secrets); };
+    return unified_diff(hidden(file.before), hidden(file.plan.after), file.path, file.path + " (new)");
 }
 
 // Makes the changes. What is told of values goes to terminals and logs: no secret is in it.

@@ -2,10 +2,12 @@
 #include <algorithm>
 #include <string>
 
+#include "platform/ver/ver.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
+#include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/preferences/preference_explanation.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
@@ -51,28 +53,53 @@ void write_text(const PREFERENCE_EXPLANATION& explanation, OUTPUT& out)
         << "allowed: " << allowed_as_text(preference.allowed) << "\n";
 }
 
-EXIT_CODE explain(const std::string& key, TOOL& tool)
+struct PREFS_EXPLAIN_OPTIONS
 {
-    const CFG_USER_INI_ENUMS number = preference_number(key);
+    STATE_OPTIONS state;
+    std::string key;
+};
+
+EXIT_CODE explain(const PREFS_EXPLAIN_OPTIONS& options, TOOL& tool)
+{
+    const CFG_USER_INI_ENUMS number = preference_number(options.key);
+    const STATE state = state_of(options.state, {.preferences = true}, tool);
+    state.require(!state.is_document || state.candidates.has_value()); // which come with the lines
+    if (!state.release.empty() && state.release != ver_get_version())
+        throw TOOL_ERROR(EXIT_CODE::USAGE, state.name + ": is of release " + state.release +
+                                               ", and this velmar-cfg explains preferences of release " +
+                                               ver_get_version() + "; see prefs list and prefs get");
     const PREFERENCE_EXPLANATION explanation =
-        explain_preference(preference_file_in_use(tool.files).get(), number, *tool.options.scope.secrets);
+        explain_preference(state.preference_file.get(), number, *tool.options.scope.secrets);
     if (tool.options.json)
-        answer_in_json(tool, [&](JSON_WRITER& out) { write_json(out, explanation); });
+    {
+        answer_in_json(tool,
+                       [&](JSON_WRITER& out)
+                       {
+                           out.begin_object();
+                           write_fields(out, explanation);
+                           write_view_field(out, state);
+                           out.end_object();
+                       });
+    }
     else
+    {
+        write_view(state, tool.out);
         write_text(explanation, tool.out);
+    }
     return explanation.preference.value.empty() ? EXIT_CODE::FINDINGS : EXIT_CODE::FINE;
 }
 }
 
 void add_prefs_explain_command(COMMAND prefs, TOOL& tool)
 {
-    auto key = std::make_shared<std::string>();
+    auto options = std::make_shared<PREFS_EXPLAIN_OPTIONS>();
     COMMAND command =
         prefs.add_command(tool, "explain",
                           "Show why a preference has its value: every line of the preference file that says something "
                           "of it, for any release, under its own or an old name, which one counts, and why the others "
                           "do not. Exit code 1 when it has no value, not even a default.",
                           "velmar-cfg prefs explain HDL_PREFERENCE\n      which release's line decides, and why",
-                          [key, &tool] { return explain(*key, tool); });
-    command.add_argument("KEY", *key, "The preference, in any letter case");
+                          [options, &tool] { return explain(*options, tool); });
+    command.add_argument("KEY", options->key, "The preference, in any letter case");
+    add_state_option(command, options->state);
 }

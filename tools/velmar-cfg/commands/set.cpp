@@ -133,7 +133,8 @@ void complain_of_effect(const SETTINGS_EDIT& edit, SECRETS& secrets)
     if (edit.takes_effect())
         complain(location + " says so too, and decides");
     else
-        complain(location + " still says " + (value.empty() ? "''" : shortened(value, most_of_value)));
+        complain(location + " still says " +
+                 (value.empty() ? "''" : shortened(value, length_by_shown_length(value, most_of_value))));
 }
 
 void write_json(JSON_WRITER& out, const SETTINGS_EDIT& edit, bool dry_run, const std::string& difference,

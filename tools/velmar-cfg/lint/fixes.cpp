@@ -17,6 +17,7 @@
 #include "tools/velmar-cfg/base/text_edits.h"
 #include "tools/velmar-cfg/lint/settings_rules.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
+#include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/settings_edit.h"
 #include "tools/velmar-cfg/settings/variable_name.h"
 
@@ -40,6 +41,29 @@ const std::string* suggestion_of(const std::vector<FINDING>& findings, const REA
     return text;
 }
 
+// Whether it is a guess that the line was meant to set what its replacement sets: it assigns nothing as it stands, or
+// has one of these findings.
+bool is_guess(const STATEMENT& statement, const std::vector<FINDING>& findings)
+{
+    constexpr std::string_view reasons[] = {"almost-known", "blanks-in-name", "second-assignment"};
+    return statement.outcome != OUTCOME::STORED ||
+           std::ranges::any_of(findings, [&reasons](const FINDING& finding)
+                               { return std::ranges::find(reasons, finding.reason) != std::end(reasons); });
+}
+
+// Whether the text in the place of the line sets a variable that the line does not set, and that something set before
+// any fix.
+bool sets_what_others_set(const STATEMENT& statement, const std::string& replacement, const SETTINGS& before)
+{
+    return std::ranges::any_of(names_set_in(replacement),
+                               [&](const std::string& name)
+                               {
+                                   const bool own =
+                                       statement.outcome == OUTCOME::STORED && same_name(statement.name, name);
+                                   return !own && before.find(name) != nullptr;
+                               });
+}
+
 // Takes the variables of a line and of its replacement, unless one of them is taken.
 bool take_variables(const STATEMENT& statement, const std::string& replacement, VARIABLE_NAMES& taken)
 {
@@ -52,7 +76,8 @@ bool take_variables(const STATEMENT& statement, const std::string& replacement, 
     return true;
 }
 
-std::vector<TEXT_EDIT> edits_of_round(const LAYERS& layers, std::size_t index, const REASONS& ignored)
+std::vector<TEXT_EDIT> edits_of_round(const LAYERS& layers, std::size_t index, const REASONS& ignored,
+                                      const SETTINGS& before)
 {
     const std::string& text = layers[index].source->bytes;
     VARIABLE_NAMES taken;
@@ -63,7 +88,9 @@ std::vector<TEXT_EDIT> edits_of_round(const LAYERS& layers, std::size_t index, c
             if (statement.layer != index)
                 return;
             const std::string* const replacement = suggestion_of(findings, ignored);
-            if (replacement != nullptr && take_variables(statement, *replacement, taken))
+            if (replacement != nullptr &&
+                !(is_guess(statement, findings) && sets_what_others_set(statement, *replacement, before)) &&
+                take_variables(statement, *replacement, taken))
                 edits.push_back({static_cast<std::size_t>(statement.text.data() - text.data()), statement.text.size(),
                                  *replacement});
         });
@@ -73,10 +100,12 @@ std::vector<TEXT_EDIT> edits_of_round(const LAYERS& layers, std::size_t index, c
 
 FIXED_TEXT fix_findings(LAYERS layers, std::size_t index, const REASONS& ignored)
 {
+    const LAYERS unchanged = layers;
+    const SETTINGS before(unchanged);
     std::size_t fixes = 0;
     for (int round = 0; round < most_rounds; ++round)
     {
-        const std::vector<TEXT_EDIT> edits = edits_of_round(layers, index, ignored);
+        const std::vector<TEXT_EDIT> edits = edits_of_round(layers, index, ignored, before);
         if (edits.empty())
             break;
         fixes += edits.size();

@@ -19,7 +19,8 @@ struct FIXED_TEXT
 // these layers; until nothing more is suggested. Secrets stay hidden. Lines with a finding that would go with the
 // replacement, and whose reason is `ignored`, stay.
 //
-// A replacement changes no variable but those that the line sets and that the lines in its place set.
+// A replacement changes no variable but those that the line sets and that the lines in its place set. A line stays
+// where it is a guess what it was meant to set, and something else sets that already: a guess does not cost a value.
 FIXED_TEXT fix_findings(LAYERS layers, std::size_t index, const REASONS& ignored);
 
 // `text` with each secret, as it is hidden in `hidden`, as it stands in `original`, which `hidden` was made of.

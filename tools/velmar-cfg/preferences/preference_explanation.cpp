@@ -287,9 +287,8 @@ std::string fate_as_text(const EXPLAINED_PREFERENCE_LINE& line, const PREFERENCE
     return {};
 }
 
-void write_json(JSON_WRITER& out, const PREFERENCE_EXPLANATION& explanation)
+void write_fields(JSON_WRITER& out, const PREFERENCE_EXPLANATION& explanation)
 {
-    out.begin_object();
     write_preference_fields(out, explanation.preference);
     out.field_or_null("path", explanation.path);
     out.key("lines");
@@ -297,5 +296,4 @@ void write_json(JSON_WRITER& out, const PREFERENCE_EXPLANATION& explanation)
     for (const EXPLAINED_PREFERENCE_LINE& line : explanation.lines)
         write_line(out, line, explanation.preference);
     out.end_list();
-    out.end_object();
 }

@@ -66,6 +66,6 @@ const char* fate_word(LINE_FATE fate);
 std::string fate_as_text(const EXPLAINED_PREFERENCE_LINE& line, const PREFERENCE& preference);
 
 // The fields of preferences, "path" and "lines".
-void write_json(JSON_WRITER& out, const PREFERENCE_EXPLANATION& explanation);
+void write_fields(JSON_WRITER& out, const PREFERENCE_EXPLANATION& explanation);
 
 #endif

@@ -230,6 +230,7 @@ STATE state_of(SNAPSHOT snapshot, const std::string& path, const STATE_PARTS& pa
     state.view = "as snapshot " + title_of_named_file(path) + " has it (" + snapshot.product + " " + snapshot.release +
                  project_in_words(snapshot) + (snapshot.basis ? circumstances_in_words(*snapshot.basis) : "") + ")";
     state.environment = snapshot.environment;
+    state.release = snapshot.release;
     if (parts.preferences)
         state.preferences.emplace(snapshot.preferences);
     state.snapshot = std::move(snapshot);

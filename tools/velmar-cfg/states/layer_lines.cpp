@@ -1,5 +1,8 @@
 #include "tools/velmar-cfg/states/layer_lines.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
 
@@ -13,6 +16,11 @@ bool is_meant(const LAYER& layer, const STATEMENT& statement)
     const std::string_view text =
         is_file(layer.kind) ? statement.text.substr(0, length_without_comment(statement.text)) : statement.text;
     return !trimmed(text).empty();
+}
+
+bool is_same_source(const LAYER& a, const LAYER& b)
+{
+    return a.kind == b.kind && a.source->path == b.source->path;
 }
 }
 
@@ -32,6 +40,14 @@ const char* effect_word(LINE_EFFECT effect)
 
 void for_each_layer_line(const SETTINGS& settings, const std::function<void(const LAYER_LINE&)>& take)
 {
+    // Assignments that are known by name and value alone may be in several layers of one source: they are put in order.
+    std::vector<LAYER_LINE> of_source;
+    const auto take_source = [&]
+    {
+        std::ranges::stable_sort(of_source, {}, [](const LAYER_LINE& line) { return line.statement.position; });
+        std::ranges::for_each(of_source, take);
+        of_source.clear();
+    };
     STATEMENTS statements(settings.layers());
     ASSIGNMENT_INDEX assignment = 0; // of the next statement that is one
     for (STATEMENT statement{}; statements.next(statement);)
@@ -45,7 +61,13 @@ void for_each_layer_line(const SETTINGS& settings, const std::function<void(cons
                 line.winner = settings.location_of(variable);
             ++assignment;
         }
-        if (is_meant(settings.layers()[statement.layer], statement))
+        const LAYER& layer = settings.layers()[statement.layer];
+        if (!of_source.empty() && !is_same_source(settings.layers()[of_source.front().statement.layer], layer))
+            take_source();
+        if (layer.literals != nullptr)
+            of_source.push_back(line);
+        else if (is_meant(layer, statement))
             take(line);
     }
+    take_source();
 }

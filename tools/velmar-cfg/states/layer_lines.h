@@ -27,7 +27,8 @@ struct LAYER_LINE
     std::optional<LOCATION> winner; // of a lost one: what gives the variable its value
 };
 
-// Hands the lines over in the order in which they are applied.
+// Hands the lines over in the order in which they are applied; those of a source of a document in that of their
+// positions.
 void for_each_layer_line(const SETTINGS& settings, const std::function<void(const LAYER_LINE&)>& take);
 
 #endif

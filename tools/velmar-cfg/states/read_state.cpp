@@ -28,7 +28,10 @@ void read_parts(STATE& state, const STATE_PARTS& parts, const SETTINGS_SCOPE& sc
         state.preference_file = preference_file_in_use(files);
     }
     if (parts.preferences)
-        state.preferences.emplace(load_preferences(files, *scope.secrets));
+    {
+        state.preference_file = preference_file_in_use(files);
+        state.preferences.emplace(preferences_in(state.preference_file.get(), *scope.secrets));
+    }
     if (parts.snapshot)
         state.snapshot = take_snapshot(scope, files, parts.basis);
 }

@@ -75,6 +75,7 @@ struct STATE
     std::string changes; // that were made to it: "with max_fanout=16"; empty for none
 
     bool is_document = false;
+    std::string release; // of a document that holds preferences; empty for this tool's own
 
     // What a state of this kind holds, as the end of a sentence: "a run report holds only ...". Empty when it knows
     // everything.

@@ -73,6 +73,19 @@ TEST_F(PREFS_EDIT, set_makes_the_file)
     EXPECT_TRUE(other_files().empty());
 }
 
+// The library goes on with the file of HOME then, which is not the one that the user named.
+TEST_F(PREFS_EDIT, the_change_of_another_file_than_VELMAR2_INI_names_is_told)
+{
+    write_file("elsewhere", "");
+    for (const char* const named : {"elsewhere", "missing"})
+    {
+        variables["VELMAR2_INI"] = named;
+        EXPECT_THAT(
+            run({"prefs", "set", "HDL_PREFERENCE", "VHDL", "--dry-run"}).err,
+            StartsWith("velmar-cfg: VELMAR2_INI names no directory and is ignored: " + std::string(named) + "\n"));
+    }
+}
+
 TEST_F(PREFS_EDIT, set_replaces_a_value_and_keeps_the_spelling_given)
 {
     write_preferences(normal_form);

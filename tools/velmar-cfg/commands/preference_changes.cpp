@@ -103,6 +103,9 @@ EDITED_FILE edited(const std::vector<PREFERENCE_CHANGE>& changes, const PREFEREN
 {
     const auto hide = [&](std::string& message, std::string_view text)
     { message = hide_in_message(hide_in_message(message, changes, secrets), text, "", "", secrets); };
+    // Another file is changed than the user named.
+    if (const std::string remark = preference_file_location().remark; !remark.empty())
+        complain(remark);
     try
     {
         EDITED_FILE file = options.dry_run ? try_preference_changes(changes, options.permissions, options.patience())

@@ -95,7 +95,11 @@ TEST_F(COMMAND_LINE, a_hyphen_is_standard_input_or_output)
 {
     write_file("velmar.ini", "a=1\n");
     const TOOL_RUN snapshot = run({"snapshot"});
-    EXPECT_EQ(run({"snapshot", "-o", "-"}), snapshot);
+    nlohmann::json without_file = snapshot.json();
+    nlohmann::json to_output = run({"snapshot", "-o", "-"}).json();
+    for (nlohmann::json* const document : {&without_file, &to_output})
+        document->erase("taken");
+    EXPECT_EQ(to_output, without_file);
     EXPECT_NE(access("-", F_OK), 0);
     write_file("now.json", snapshot.out);
     standard_input = "now.json";

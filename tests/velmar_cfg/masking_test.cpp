@@ -297,7 +297,13 @@ TEST_F(MASKING, makes_a_key_with_the_first_snapshot_that_needs_one)
     const std::string key = read_file(key_file());
     EXPECT_EQ(run({"snapshot", "-o", "b.json"}), (TOOL_RUN{0, "", ""}));
     EXPECT_EQ(read_file(key_file()), key);
-    EXPECT_EQ(read_file("a.json"), read_file("b.json"));
+    const auto but_when = [](const char* file)
+    {
+        nlohmann::json document = nlohmann::json::parse(read_file(file));
+        document.erase("taken");
+        return document;
+    };
+    EXPECT_EQ(but_when("a.json"), but_when("b.json"));
 }
 
 TEST_F(MASKING, makes_no_key_without_secrets)

@@ -90,6 +90,8 @@ TEST(SECRETS, are_hidden_in_lines_with_what_may_be_their_rest)
              {"token = on#def", "token = on#*"},
              {"token = 12;def", "token = 12;*"},
              {"token = on # token", "token = on # token"},
+             {"token = # def", "token = # *"},
+             {"token =\t; was def", "token =\t; *"},
              {"token == abc", "token =*"},
              {"token += abc", "token += *"},
              // Of other lines, what is assigned to a secret name in the value or in the comment.

@@ -124,8 +124,8 @@ std::string hide_in_line(std::string_view line, SECRETS& secrets)
         secret ? hide_runs(rest, kept_in_lines, secrets) : hide_behind_names(rest, true, names_of(secrets), secrets);
     if (comment.empty())
         return hidden;
-    // A comment sign that is not set off by white space may have cut the value.
-    if (secret || (secret_name && !is_white(line[end - 1])))
+    // A comment sign that is not set off by white space may have cut the value, and one in its place the whole of it.
+    if (secret || (secret_name && (parts.value.empty() || !is_white(line[end - 1]))))
         return hidden + comment.front() + hide_runs(comment.substr(1), "", secrets);
     return hidden + hide_behind_names(comment, true, names_of(secrets), secrets);
 }

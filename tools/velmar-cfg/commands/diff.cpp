@@ -45,6 +45,9 @@ EXIT_CODE diff(const DIFF_OPTIONS& options, TOOL& tool)
     // One is read after the other: each may be put into effect for the whole process.
     STATE state_a = read_state(state_name(options.a), {.snapshot = true}, scope, tool.files);
     SETTINGS_SCOPE scope_of_b = options.b ? scope : scope_to_compare_with(state_a, scope);
+    if (!options.b && state_a.snapshot->of_run && scope_of_b.project.empty())
+        complain(state_a.name + ": a run report names no project; compared with the settings of the current directory, "
+                                "--project DIR names others");
     scope_of_b.what_if = options.what_if;
     STATE state_b =
         read_state(options.b ? state_name(*options.b) : STATE_NAME(), {.snapshot = true}, scope_of_b, tool.files);

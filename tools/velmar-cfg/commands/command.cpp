@@ -101,16 +101,16 @@ void COMMAND::add_choice(const std::string& names, const std::string& value_name
 }
 
 void COMMAND::add_repeated_option(const std::string& names, const std::string& value_name,
-                                  std::function<void(const std::string&)> take, const std::string& description)
+                                  const std::function<void(const std::string&)>& take, const std::string& description)
 {
-    add_repeated(*app, names, value_name, std::move(take), description);
+    add_repeated(*app, names, value_name, take, description);
 }
 
 void COMMAND::add_repeated_choice(const std::string& names, const std::string& value_name,
-                                  const std::vector<std::string>& choices, std::function<void(const std::string&)> take,
-                                  const std::string& description)
+                                  const std::vector<std::string>& choices,
+                                  const std::function<void(const std::string&)>& take, const std::string& description)
 {
-    add_repeated(*app, names, value_name, std::move(take), description)->check(one_of(choices));
+    add_repeated(*app, names, value_name, take, description)->check(one_of(choices));
 }
 
 void COMMAND::add_flag(const std::string& names, bool& value, const std::string& description)

@@ -58,12 +58,12 @@ public:
     // The same; `take` has each value as it is parsed, so that several such options keep the order in which they are
     // given.
     void add_repeated_option(const std::string& names, const std::string& value_name,
-                             std::function<void(const std::string&)> take, const std::string& description);
+                             const std::function<void(const std::string&)>& take, const std::string& description);
 
     // The same for a value of these and no other; completion offers them.
     void add_repeated_choice(const std::string& names, const std::string& value_name,
-                             const std::vector<std::string>& choices, std::function<void(const std::string&)> take,
-                             const std::string& description);
+                             const std::vector<std::string>& choices,
+                             const std::function<void(const std::string&)>& take, const std::string& description);
 
     // An option with a value of these and no other; completion offers them.
     void add_choice(const std::string& names, const std::string& value_name, std::string& value,

@@ -158,7 +158,8 @@ void SNAPSHOT_BASIS_READER::take_line(const JSON_NODE& row)
     std::string line = text.text();
     if (line.find('\n') != std::string::npos)
         text.refuse("text of one line");
-    texts.back().bytes.append(hidden_line(of, std::move(line), secrets)).append(1, '\n');
+    const std::string hidden = hidden_line(of, std::move(line), secrets);
+    texts.back().bytes.append(hidden).append(1, '\n');
 }
 
 std::shared_ptr<const INPUT_FILE> SNAPSHOT_BASIS_READER::file_of(const JSON_NODE& row, std::size_t role)

@@ -64,7 +64,7 @@ LAYERS changed_layers(LAYERS layers, const std::vector<WHAT_IF>& changes, SECRET
         }
         for (LAYER& layer : layers)
             layer = layer_without(layer, name);
-        std::erase_if(*set, [&name](const LITERAL& literal) { return same_name(literal.name(), name); });
+        std::erase_if(*set, [&name = name](const LITERAL& literal) { return same_name(literal.name(), name); });
     }
     if (values == 0)
         return layers;

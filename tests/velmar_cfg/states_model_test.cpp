@@ -204,6 +204,28 @@ std::vector<std::string> listed(const STATE& state, const LISTED_KINDS& kinds)
     return names;
 }
 
+TEST_F(STATES_MODEL, the_lines_of_a_source_of_a_document_are_in_order)
+{
+    const auto layer = [](LAYER_KIND kind, const char* path, std::vector<LITERAL> literals)
+    {
+        LAYER made{kind, std::make_shared<const INPUT_FILE>(INPUT_FILE{path, {}, {}})};
+        made.literals = std::make_shared<const std::vector<LITERAL>>(std::move(literals));
+        return made;
+    };
+    const SETTINGS settings(LAYERS{layer(LAYER_KIND::MAIN_FILE, "m.ini", {{"a", "1", 5}, {"b", "1", 9}}),
+                                   layer(LAYER_KIND::MAIN_FILE, "m.ini", {{"c", "1", 3}, {"b", "2", 7}}),
+                                   layer(LAYER_KIND::APPENDED_FILE, "a.ini", {{"a", "2", 1}})});
+    std::vector<std::string> lines;
+    for_each_layer_line(settings,
+                        [&lines](const LAYER_LINE& line)
+                        {
+                            lines.push_back(std::to_string(line.statement.position) + " " +
+                                            std::string(line.statement.text) + " " + effect_word(line.effect));
+                        });
+    EXPECT_EQ(lines,
+              (std::vector<std::string>{"3 c=1 counts", "5 a=1 lost", "7 b=2 counts", "9 b=1 lost", "1 a=2 counts"}));
+}
+
 TEST_F(STATES_MODEL, lists_what_is_changed)
 {
     STATE state;

@@ -490,6 +490,19 @@ TEST_F(STATES, a_snapshot_of_an_older_release_may_not_know_a_preference)
     EXPECT_EQ(run({"prefs", "list", "--all", "--json", "--of", "old.json"}).json().size(), 120U);
 }
 
+// By the rules of this release another line of the file may count than did then.
+TEST_F(STATES, preferences_of_another_release_are_not_explained)
+{
+    nlohmann::json snapshot = nlohmann::json::parse(read_file("snapshot.json"));
+    snapshot["release"] = "23.1";
+    write_file("old.json", snapshot.dump());
+    EXPECT_EQ(run({"prefs", "explain", "HDL_PREFERENCE", "--of", "old.json"}),
+              (TOOL_RUN{2, "",
+                        "velmar-cfg: old.json: is of release 23.1, and this velmar-cfg explains preferences of release "
+                        "23.4; see prefs list and prefs get\n"}));
+    EXPECT_EQ(run({"prefs", "get", "HDL_PREFERENCE", "--of", "old.json"}), (TOOL_RUN{0, "VHDL\n", ""}));
+}
+
 TEST_F(STATES, secrets_of_documents_are_masked_in_all_but_get)
 {
     write_file("project/velmar.ini", "api_token = S3CRET\n");

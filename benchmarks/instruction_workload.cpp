@@ -1,4 +1,4 @@
-// A fixed workload in sections, whose instructions scripts/check-instructions counts. Run plainly it does the same work
+// A fixed workload in sections, whose instructions scripts/check instructions counts. Run plainly it does the same work
 // and counts nothing.
 #include <valgrind/callgrind.h>
 

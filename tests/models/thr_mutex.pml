@@ -1,5 +1,5 @@
 // A model of the default mutex (platform/thr/): every interleaving of a few threads that lock, unlock and fork is gone
-// through by spin (scripts/check-lock-model). Steps are named after the code's; the numbers are those of the accesses in
+// through by spin (scripts/check lock-model). Steps are named after the code's; the numbers are those of the accesses in
 // thr_mutex.cpp.
 //
 // THREADS threads lock and unlock ROUNDS times each, every second round twice over. The last one forks instead, once a

@@ -1,4 +1,4 @@
-// The commands of the tutorial and of README.md, typed along: every output in them is the one that the command gives.
+// The commands of the tutorial, the guide and README.md, typed along: every output in them is the one that the command gives.
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -62,7 +62,7 @@ void TUTORIAL::expect_outputs(const std::vector<STEP>& steps) const
     for (const STEP& step : steps)
         script += step.command + "\necho '" + end + "'\n";
     const PROGRAM_RESULT result =
-        run_program({"/bin/bash", "--norc", "-c", script}, {{"PATH", PROGRAMS ":/usr/bin:/bin"}});
+        run_program({"/bin/bash", "--norc", "-c", script}, {{"PATH", PROGRAMS ":" PROGRAMS "/guide:/usr/bin:/bin"}});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");
 
@@ -87,6 +87,13 @@ TEST_F(TUTORIAL, first_page_says_what_its_commands_say)
 {
     const std::vector<STEP> steps = steps_of(read_file(FIRST_PAGE));
     ASSERT_EQ(steps.size(), 3U);
+    expect_outputs(steps);
+}
+
+TEST_F(TUTORIAL, guide_says_what_its_programs_say)
+{
+    const std::vector<STEP> steps = steps_of(read_file(GUIDE));
+    ASSERT_GT(steps.size(), 15U);
     expect_outputs(steps);
 }
 }

@@ -439,7 +439,8 @@ private:
             break;
         case 7:
             if (!counters.empty())
-                counters.erase(counters.begin() + input.below(static_cast<unsigned int>(counters.size())));
+                counters.erase(counters.begin() +
+                               static_cast<int>(input.below(static_cast<unsigned int>(counters.size()))));
             break;
         default:
             if (exists)

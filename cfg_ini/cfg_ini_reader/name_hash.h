@@ -1,5 +1,5 @@
 // The hash of a variable name: h = 0, then h * 17 + b for each folded byte b as a signed number, in 64 bits with
-// wrap-around, up to the first zero byte.
+// wrap-around, up to the first zero byte. Where std::size_t is narrower, the result is the low half of that number.
 //
 // A name of at least half a block is hashed by blocks. A block is two numbers in base 17, each of eight characters, and
 // numbers join as the characters of the rule do: first * 17^(characters of second) + second. What is left over behind
@@ -35,7 +35,7 @@ inline std::size_t hash_bytewise(std::string_view name)
         // A byte of 0x80 and above counts as a negative number.
         hash = hash * 17 + static_cast<std::uint64_t>(static_cast<signed char>(folded(c)));
     }
-    return hash;
+    return static_cast<std::size_t>(hash);
 }
 
 using POWERS = std::array<std::uint64_t, block_size + 1>;
@@ -99,7 +99,7 @@ template <typename BLOCK>
     if (!is_plain(block))
         return hash_bytewise(name);
     const BLOCK mask = BLOCK::load_halves(masks.data(), mask_of_last_in_half(left));
-    return hash_of_block(block & mask, powers[left]);
+    return static_cast<std::size_t>(hash_of_block(block & mask, powers[left]));
 }
 
 template <typename BLOCK>
@@ -127,7 +127,7 @@ template <typename BLOCK>
         const BLOCK mask = BLOCK::load(mask_of_last(left));
         hash = hash * powers[left] + hash_of_block(block & mask, powers[half_block_size]);
     }
-    return hash;
+    return static_cast<std::size_t>(hash);
 }
 }
 

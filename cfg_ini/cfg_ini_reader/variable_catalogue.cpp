@@ -123,9 +123,9 @@ constexpr unsigned int slot_bits = 7;
 constexpr std::size_t slot_of(std::string_view name, std::uint64_t factor)
 {
     const auto character = [&](std::size_t at) { return std::uint64_t{static_cast<unsigned char>(name[at])}; };
-    const std::uint64_t key =
-        name.size() << 24 | character(0) << 16 | character(name.size() / 2) << 8 | character(name.size() - 1);
-    return (key * factor) >> (64 - slot_bits);
+    const std::uint64_t key = std::uint64_t{name.size()} << 24 | character(0) << 16 | character(name.size() / 2) << 8 |
+                              character(name.size() - 1);
+    return static_cast<std::size_t>((key * factor) >> (64 - slot_bits));
 }
 
 struct NAME_INDEX

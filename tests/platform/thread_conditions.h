@@ -101,7 +101,7 @@ inline void have_refused(unsigned int system_call)
     ASSERT_EQ(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), 0);
     ASSERT_EQ(prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter), 0);
     errno = 0;
-    EXPECT_EQ(syscall(system_call, 0, 0, 0), -1);
+    EXPECT_EQ(syscall(static_cast<long>(system_call), 0, 0, 0), -1);
     EXPECT_EQ(errno, EPERM);
 }
 

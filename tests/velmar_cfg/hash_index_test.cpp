@@ -12,7 +12,7 @@ namespace
 class INDEXED_TEXTS
 {
 public:
-    explicit INDEXED_TEXTS(std::size_t (*its_hash)(const std::string&)) : hash(its_hash) {}
+    explicit INDEXED_TEXTS(std::uint64_t (*its_hash)(const std::string&)) : hash(its_hash) {}
 
     std::optional<std::uint32_t> find(const std::string& text) const
     {
@@ -26,7 +26,7 @@ public:
     }
 
 private:
-    std::size_t (*hash)(const std::string&);
+    std::uint64_t (*hash)(const std::string&);
     std::vector<std::string> texts;
     HASH_INDEX index;
 };
@@ -43,7 +43,7 @@ void expect_found(const INDEXED_TEXTS& texts, std::uint32_t count)
 struct HASH_OF_TEXTS
 {
     const char* what;
-    std::size_t (*hash)(const std::string&);
+    std::uint64_t (*hash)(const std::string&);
 };
 
 void PrintTo(const HASH_OF_TEXTS& row, std::ostream* stream)
@@ -67,24 +67,25 @@ TEST_P(HASH_INDEX_OVER, finds_each_entry_at_every_size)
 
 INSTANTIATE_TEST_SUITE_P(
     table, HASH_INDEX_OVER,
-    testing::Values(
-        HASH_OF_TEXTS{"good hashes", [](const std::string& text) { return std::hash<std::string>()(text); }},
-        HASH_OF_TEXTS{"one hash", [](const std::string&) { return std::size_t{7}; }},
-        HASH_OF_TEXTS{"hash 0", [](const std::string&) { return std::size_t{0}; }},
-        HASH_OF_TEXTS{"few hashes", [](const std::string& text) { return text.size(); }},
-        HASH_OF_TEXTS{"multiples of a power of two", [](const std::string& text) { return std::stoul(text) << 40; }},
-        HASH_OF_TEXTS{"the last slot, from which a search goes on at the first", [](const std::string&)
-                      {
-                          // Times the spreading factor this is -1: its upper half is all ones.
-                          constexpr std::uint64_t inverse = 0xf1de83e19937733dU;
-                          return static_cast<std::size_t>(0 - inverse);
-                      }}));
+    testing::Values(HASH_OF_TEXTS{"good hashes", [](const std::string& text)
+                                  { return std::uint64_t{std::hash<std::string>()(text)}; }},
+                    HASH_OF_TEXTS{"one hash", [](const std::string&) { return std::uint64_t{7}; }},
+                    HASH_OF_TEXTS{"hash 0", [](const std::string&) { return std::uint64_t{0}; }},
+                    HASH_OF_TEXTS{"few hashes", [](const std::string& text) { return std::uint64_t{text.size()}; }},
+                    HASH_OF_TEXTS{"multiples of a power of two",
+                                  [](const std::string& text) { return std::uint64_t{std::stoul(text)} << 40; }},
+                    HASH_OF_TEXTS{"the last slot, from which a search goes on at the first", [](const std::string&)
+                                  {
+                                      // Times the spreading factor this is -1: its upper half is all ones.
+                                      constexpr std::uint64_t inverse = 0xf1de83e19937733dU;
+                                      return 0 - inverse;
+                                  }}));
 
 TEST(HASH_INDEX_OF_MANY, agrees_with_a_map)
 {
     std::minstd_rand random(5);
     std::unordered_map<std::string, std::uint32_t> expected;
-    INDEXED_TEXTS texts([](const std::string& text) { return std::hash<std::string>()(text) % 5000; });
+    INDEXED_TEXTS texts([](const std::string& text) { return std::uint64_t{std::hash<std::string>()(text) % 5000}; });
     for (int i = 0; i < 20'000; ++i)
     {
         const std::string text = std::to_string(random() % 10'000);

@@ -17,7 +17,7 @@ class HASH_INDEX
 public:
     // The entry of that hash that `is_it` accepts, given an index; nothing when there is none.
     template <typename IS_IT>
-    std::optional<std::uint32_t> find(std::size_t hash, IS_IT is_it) const
+    std::optional<std::uint32_t> find(std::uint64_t hash, IS_IT is_it) const
     {
         const std::uint64_t spread = spread_out(hash);
         for (std::size_t at = first_slot(spread); !slots.empty() && slots[at].next_index != 0; at = behind(at))
@@ -29,7 +29,7 @@ public:
     }
 
     // Adds an entry, which must not be there. Its index is at most UINT32_MAX - 1.
-    void add(std::size_t hash, std::uint32_t index)
+    void add(std::uint64_t hash, std::uint32_t index)
     {
         if (2 * (entries + 1) > slots.size())
             grow();
@@ -46,7 +46,7 @@ private:
     };
 
     // Hashes may be regular in their low bits; a multiplication spreads them over the high ones.
-    static std::uint64_t spread_out(std::size_t hash)
+    static std::uint64_t spread_out(std::uint64_t hash)
     {
         return hash * 0x9e3779b97f4a7c15U;
     }

@@ -24,7 +24,8 @@ RUN_PLACE read_place(const JSON_NODE& row, const RUN_REPORT& report)
     const std::uint64_t index = source.natural_number();
     if (index >= report.sources.size())
         source.refuse("index of a source");
-    const std::optional<JSON_NODE> position = row.member_if_any(report.sources[index].path ? "line" : "item");
+    const std::optional<JSON_NODE> position =
+        row.member_if_any(report.sources[static_cast<std::size_t>(index)].path ? "line" : "item");
     return {static_cast<std::size_t>(index), position ? position->natural_number() : 0};
 }
 

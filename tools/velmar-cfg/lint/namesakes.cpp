@@ -86,7 +86,7 @@ std::size_t NAMESAKES::slot_of(std::size_t layer, std::string_view name, std::ui
     {
         const VARIABLE_PLACE& variable = variables[slots[slot] - 1];
         if (variable.hash == hash && variable.layer == layer &&
-            same_name(name_at(variable.layer, variable.offset), name))
+            same_name(name_at(variable.layer, static_cast<std::size_t>(variable.offset)), name))
             break;
     }
     return slot;
@@ -136,7 +136,8 @@ std::optional<NAMESAKES::SPELT> NAMESAKES::first_before(std::string_view name, A
     {
         const VARIABLE_PLACE* const variable = find(layer, name);
         if (variable != nullptr && variable->first < assignment)
-            return SPELT{name_at(layer, variable->offset), location_of(layer, variable->position)};
+            return SPELT{name_at(layer, static_cast<std::size_t>(variable->offset)),
+                         location_of(layer, variable->position)};
     }
     return std::nullopt;
 }
@@ -146,7 +147,8 @@ std::optional<NAMESAKES::ASSIGNED> NAMESAKES::next(ASSIGNMENT_NUMBER assignment)
     const auto found = std::ranges::lower_bound(followed, assignment, {}, &FOLLOWED::assignment);
     if (found == followed.end() || found->assignment != assignment)
         return std::nullopt;
-    return ASSIGNED{value_at(found->layer, found->offset), location_of(found->layer, found->position)};
+    return ASSIGNED{value_at(found->layer, static_cast<std::size_t>(found->offset)),
+                    location_of(found->layer, found->position)};
 }
 
 bool NAMESAKES::is_assigned_to_later(std::string_view name, std::size_t layer, ASSIGNMENT_NUMBER assignment) const

@@ -1,9 +1,10 @@
 // Blocks of sixteen characters that are loaded, compared and hashed as a whole: everything that depends on the
 // processor's registers, and nothing of what the blocks are used for.
 //
-// There are two types of block with the same operations: SSE2_BLOCK, a vector register, and PORTABLE_BLOCK, two
-// ordinary registers of eight characters each. Algorithms take the type as a template parameter; the library gives them
-// CHARACTER_BLOCK, the quickest type that the processor has, and the tests each type that can be compiled.
+// There are three types of block with the same operations: SSE2_BLOCK and NEON_BLOCK, the vector registers of x86-64
+// and of little-endian aarch64, and PORTABLE_BLOCK, two ordinary registers of eight characters each. Algorithms take
+// the type as a template parameter; the library gives them CHARACTER_BLOCK, the vector register where the processor has
+// one of these, and the tests each type that can be compiled.
 //
 // A comparison answers for each character by the high bit of its byte; the other bits mean nothing. Answers combine by
 // `|` and `&`, and high_bits() makes a number of them whose bit n is the answer for character n. Characters of 0x80 and
@@ -16,8 +17,10 @@
 #include <cstdint>
 #include <cstring>
 
-#ifdef __SSE2__
+#if defined(__SSE2__) && defined(__x86_64__)
 #include <emmintrin.h>
+#elif defined(__ARM_NEON) && defined(__aarch64__) && !defined(__AARCH64EB__)
+#include <arm_neon.h>
 #endif
 
 namespace zon_cfg
@@ -174,7 +177,7 @@ private:
     CHARACTER_WORD upper;
 };
 
-#ifdef __SSE2__
+#if defined(__SSE2__) && defined(__x86_64__)
 class SSE2_BLOCK
 {
 public:
@@ -246,6 +249,80 @@ private:
 };
 
 using CHARACTER_BLOCK = SSE2_BLOCK;
+#elif defined(__ARM_NEON) && defined(__aarch64__) && !defined(__AARCH64EB__)
+class NEON_BLOCK
+{
+public:
+    static NEON_BLOCK load(const char* from)
+    {
+        return NEON_BLOCK(vld1q_u8(reinterpret_cast<const std::uint8_t*>(from)));
+    }
+
+    static NEON_BLOCK load_halves(const char* first, const char* second)
+    {
+        return NEON_BLOCK(vcombine_u8(vld1_u8(reinterpret_cast<const std::uint8_t*>(first)),
+                                      vld1_u8(reinterpret_cast<const std::uint8_t*>(second))));
+    }
+
+    NEON_BLOCK equal_to(char c) const
+    {
+        return NEON_BLOCK(vceqq_u8(bytes, vdupq_n_u8(static_cast<std::uint8_t>(c))));
+    }
+
+    NEON_BLOCK between(char first, char last) const
+    {
+        return NEON_BLOCK(vandq_u8(vcgeq_u8(bytes, vdupq_n_u8(static_cast<std::uint8_t>(first))),
+                                   vcleq_u8(bytes, vdupq_n_u8(static_cast<std::uint8_t>(last)))));
+    }
+
+    unsigned int high_bits() const
+    {
+        // Each byte keeps the bit of its own number in its half, and the sum of a half has them all.
+        constexpr std::uint64_t bit_of_byte = 0x8040201008040201U;
+        const uint8x16_t answers = vreinterpretq_u8_s8(vshrq_n_s8(vreinterpretq_s8_u8(bytes), 7));
+        const uint8x16_t bits = vandq_u8(answers, vreinterpretq_u8_u64(vdupq_n_u64(bit_of_byte)));
+        return vaddv_u8(vget_low_u8(bits)) | static_cast<unsigned int>(vaddv_u8(vget_high_u8(bits))) << half_block_size;
+    }
+
+    bool has_high_bits() const
+    {
+        return vmaxvq_u8(bytes) >= 0x80;
+    }
+
+    NEON_BLOCK folded() const
+    {
+        return NEON_BLOCK(vorrq_u8(bytes, vandq_u8(between('A', 'Z').bytes, vdupq_n_u8('a' - 'A'))));
+    }
+
+    // Joined as by CHARACTER_WORD::number().
+    BLOCK_NUMBERS numbers() const
+    {
+        const uint16x8_t by_two = vreinterpretq_u16_u8(bytes);
+        const uint32x4_t pairs =
+            vreinterpretq_u32_u16(vmlaq_n_u16(vshrq_n_u16(by_two, 8), vandq_u16(by_two, vdupq_n_u16(0x00FF)), 17));
+        const uint64x2_t quads =
+            vreinterpretq_u64_u32(vmlaq_n_u32(vshrq_n_u32(pairs, 16), vandq_u32(pairs, vdupq_n_u32(0xFFFF)), 17 * 17));
+        const uint64x2_t halves = vmlal_n_u32(vshrq_n_u64(quads, 32), vmovn_u64(quads), 17 * 17 * 17 * 17);
+        return {vgetq_lane_u64(halves, 0), vgetq_lane_u64(halves, 1)};
+    }
+
+    friend NEON_BLOCK operator|(NEON_BLOCK a, NEON_BLOCK b)
+    {
+        return NEON_BLOCK(vorrq_u8(a.bytes, b.bytes));
+    }
+
+    friend NEON_BLOCK operator&(NEON_BLOCK a, NEON_BLOCK b)
+    {
+        return NEON_BLOCK(vandq_u8(a.bytes, b.bytes));
+    }
+
+private:
+    explicit NEON_BLOCK(uint8x16_t of_sixteen) : bytes(of_sixteen) {}
+
+    uint8x16_t bytes;
+};
+
+using CHARACTER_BLOCK = NEON_BLOCK;
 #else
 using CHARACTER_BLOCK = PORTABLE_BLOCK;
 #endif

@@ -30,7 +30,8 @@ endif()
 
 # --- Headers ---
 
-install(FILES cfg_ini/cfg_ini.h cfg_ini/cfg_cached_value.h cfg_ini/cfg_settings_sources.h
+install(FILES cfg_ini/cfg_ini.h cfg_ini/cfg_ini_var_enum.h cfg_ini/cfg_user_ini_enums.h cfg_ini/cfg_cached_value.h
+    cfg_ini/cfg_settings_sources.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cfg_ini COMPONENT development)
 if(TARGET zon_cfg_run_report)
     install(FILES cfg_run_report/cfg_run_report.h

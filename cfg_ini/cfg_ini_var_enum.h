@@ -1,0 +1,46 @@
+// The catalogued internal variables. Hosts include cfg_ini/cfg_ini.h, which includes this.
+#ifndef CFG_INI_CFG_INI_VAR_ENUM_H
+#define CFG_INI_CFG_INI_VAR_ENUM_H
+
+// The catalogued internal variables, by position. Each has a name and a default text, "on" or "off". The name is that
+// of the enumerator, in lower case and without the prefix: CFG_INI_VAR_MSG_SQLITE is "msg_sqlite".
+//
+// A function that takes this type requires one of these values. It reports any other value and does not return: if the
+// reporter returns, the process is aborted.
+enum CFG_INI_VAR_ENUM : int
+{
+    CFG_INI_VAR_BEGIN = 0,
+    CFG_INI_VAR_VTAN_STA_MODE = 0,
+    CFG_INI_VAR_HDB_ENABLE_INTERNAL_VSF = 1,
+    CFG_INI_VAR_HCNU_REVERSIBLE_NAMES = 2,
+    CFG_INI_VAR_HCNU_FORCE_DISABLE_REVERSIBLE_NAMES = 3,
+    CFG_INI_VAR_CUT_CREATE_ANCIENT_ABO_DUMPS = 4,
+    CFG_INI_VAR_TAWV_ENABLE_LOCATION = 5,
+    CFG_INI_VAR_TAWV_OPEN_FILE_IN_QT = 6,
+    CFG_INI_VAR_VGV_ENABLE_RPWV = 7,
+    CFG_INI_VAR_ENHANCED_HTML_REPORTS = 8,
+    CFG_INI_VAR_VUI_SHOW_CLASSIC_NLVIEW = 9,
+    CFG_INI_VAR_IPMAN_SHOW_ENTITY_ONLY = 10,
+    CFG_INI_VAR_VUI_SHOW_NEW_SM_VIEWER = 11,
+    CFG_INI_VAR_MSG_DISABLE_CRASH_REPORTER = 12,
+    CFG_INI_VAR_ENABLE_PLATFORM_AWARE = 13,
+    CFG_INI_VAR_GUI_USES_HDB_POINTERS = 14,
+    CFG_INI_VAR_GUI_USES_DOCKABLE_FIND = 15,
+    CFG_INI_VAR_GUI_USES_DOCKABLE_OPTIONS = 16,
+    CFG_INI_VAR_GUI_USES_HELP_ICON = 17,
+    CFG_INI_VAR_MSG_SQLITE = 18,
+    CFG_INI_VAR_NEW_DOCK_WIDGET_LAYOUT = 19,
+    CFG_INI_VAR_ZANTH_FLOW = 20,
+    CFG_INI_VAR_TMWV_COMBOBOX_COLUMN = 21,
+    CFG_INI_VAR_OAWV_USE_QML = 22,
+    CFG_INI_VAR_EPEV_USE_DETAILED_POWER_SUMMARY = 23,
+    CFG_INI_VAR_VELMAR_ENABLE_BOARD = 24,
+    CFG_INI_VAR_VELMAR_ENABLE_BOARD_FOR_ZP = 25,
+    CFG_INI_VAR_ENABLE_BSG_SGATE_DIRECT = 26,
+    CFG_INI_VAR_DNI_INCLUDE_ASSEMBLER_IN_FLOW = 27,
+    CFG_INI_VAR_GUI_ENABLE_TCL_COMMAND_MODE = 28,
+    CFG_INI_VAR_GUI_ENABLE_LOGGING_USER_ACTION = 29,
+    CFG_INI_VAR_END = 30
+};
+
+#endif

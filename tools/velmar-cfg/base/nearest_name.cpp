@@ -1,10 +1,10 @@
 // Finds the candidate with the smallest edit distance to a name.
 //
 // Nearly all candidates are far away, and two lower bounds of the distance show that in a few instructions. A step
-// changes the length by one at most. It adds one letter at most and takes one away at most, so the bits that only one
-// of two LETTER_SETs has are no more than the steps. Only a candidate that both bounds leave within reach is measured,
-// without the letters that both names begin and end with. The table of the measurement is the one for the optimal
-// string alignment distance. Three of its rows are kept.
+// changes the length by one at most. It adds one letter at most and takes one away at most, so the bits that one
+// LETTER_SET has and the other lacks are no more than the steps. Only a candidate that both bounds leave within reach
+// is measured, without the letters that both names begin and end with. The table of the measurement is the one for the
+// optimal string alignment distance. Three of its rows are kept.
 //
 // The best distance so far is the limit for all further candidates, and a candidate must be below it: of equally near
 // ones the first stays.

@@ -1,3 +1,5 @@
+// The two entry points. The whole text is made first and then written, so that nothing is written of a report that
+// cannot be made. Exceptions become the result's error.
 #include "cfg_run_report/cfg_run_report.h"
 
 #include <exception>

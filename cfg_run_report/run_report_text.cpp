@@ -1,3 +1,16 @@
+// Makes the JSON text of a run report from what other files find out: the usage of each variable (run_usage.h), the
+// origin of its value (value_origins.h), and the circumstances of the run.
+//
+// The usages come first, since asking for them may load the settings; the sources are those of the store after that. A
+// variable goes into one list only. If it has no counted access and no external mark, it was asked for once or only
+// set: the latter if it has a text, or if some source assigns to it. Otherwise its row is among those read, or among
+// the external ones that were never read.
+//
+// Rows are JSON objects that are written one a line. A text that is no UTF-8 is found by writing it, which fails, and
+// becomes an object with its bytes as hexadecimal digits.
+//
+// Nothing is kept between two reports but what run_usage.cpp keeps. Cost for n variables and their assignments: O(n log
+// n) time. All rows and the text are in memory at once.
 #include "cfg_run_report/run_report_text.h"
 
 #include <cmath>

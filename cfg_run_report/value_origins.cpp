@@ -1,3 +1,15 @@
+// The assignments of all sources that could be read again are listed by name, in the order of the sources and of their
+// lines. When a variable's origin is asked for, each of its assignments overrides those of its own source and of the
+// sources that ended before its source began: what is left may have had the last word. Those of them with the
+// variable's value are its possible origins. If there is exactly one, it is the origin, and if there is none, the
+// program is; but only if neither a source that could not be read nor one that the list lacks may have had a later
+// word. Otherwise all that may have given the value are listed as such.
+//
+// Whether one source came before another is told by its end and the other's beginning alone, which the store counts.
+// Nothing is read after construction.
+//
+// Cost of a question: O((k + s) s) time for k assignments to the variable and s sources. The cost of construction is
+// said in the header.
 #include "cfg_run_report/value_origins.h"
 
 #include <algorithm>

@@ -1,3 +1,17 @@
+// Writes a file beside the one that it is to replace, synchronises it with the disk, and renames it to that one's name:
+// at every moment there is either the old file or the new one.
+//
+// The path is followed through symbolic links first, so that the file that they lead to is replaced and not a link. The
+// new file's name is the old one's with the number of this process and a count, which goes up while the name is taken.
+// Owner and group are taken over before the mode, since a change of the owner takes bits of the mode away. A file that
+// is write-protected is not replaced, although its directory would allow that.
+//
+// Invariants:
+// - The new file is removed unless the rename was done, also when an exception ends the writing.
+// - The rename is not done before all bytes are on the disk. That it lasts is tried, and not reported.
+//
+// What is no regular file is written to directly, without any of that. Cost: one pass over the bytes, none of which is
+// kept.
 #include "cfg_run_report/whole_file.h"
 
 #include <cerrno>

@@ -1,3 +1,4 @@
+// SHA-256 by the nettle library.
 #include "tools/velmar-cfg/base/content_hash.h"
 
 #include <array>

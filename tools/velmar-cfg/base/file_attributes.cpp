@@ -1,3 +1,6 @@
+// Copies what belongs to a file beside its bytes: owner, group, extended attributes (the access control list is one of
+// them) and mode. The mode comes last, since a change of the owner clears some of its bits and an access control list
+// sets some. Then everything is read back: some file systems accept a change and keep less.
 #include "tools/velmar-cfg/base/file_attributes.h"
 
 #include <cerrno>

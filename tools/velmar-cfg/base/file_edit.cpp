@@ -1,3 +1,14 @@
+// Changes a file in attempts. Each attempt reads the file when it is settled (settled_file.h), has the new bytes
+// planned from those, writes them beside the file, and puts them in its place if the file is still the one that was
+// read (staged_file.h). Otherwise the next attempt begins with the reading, until the deadline has passed.
+//
+// Invariants:
+// - The bytes that are replaced are those that the plan was made from: the plan of another attempt is never used.
+// - Nothing is written where the plan changes nothing or something forbids the change. The reasons of the file itself
+//   come before the plan's own.
+// - One lock (file_lock.h) is held over all attempts, so only programs other than velmar-cfg can make an attempt fail.
+//
+// Cost of an attempt: O(n) time and memory for n bytes, the plan, and one synchronisation with the disk.
 #include "tools/velmar-cfg/base/file_edit.h"
 
 #include <cerrno>

@@ -1,5 +1,5 @@
-// A lock file comes into being under another name, with its content and locked, and is then renamed: nobody can find it
-// unlocked, and by its content it is told from a file that a user happens to have under that name.
+// A lock file is made under another name, gets its content, is locked, and is then renamed to its own name. So nobody
+// can find it unlocked, and its content tells it from a file that a user happens to have under that name.
 //
 // Invariants:
 // - A lock counts only on the file that has the name after it was locked: between the opening and the locking, the last

@@ -1,5 +1,6 @@
-// The path is walked from descriptor to descriptor, one component at a time, none of which the kernel may follow by
-// itself. A link's components take its place in the list of those that are still to be walked.
+// The path is opened one component at a time, each from the descriptor of the directory before it. The kernel follows
+// no link by itself: the components of a link's target take its place in the list of those that are still to be opened.
+// After 40 links the walk is taken for a circle, as by the kernel.
 #include "tools/velmar-cfg/base/file_place.h"
 
 #include <array>

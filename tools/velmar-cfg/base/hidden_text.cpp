@@ -1,6 +1,8 @@
-// A mark has a fixed form: the process's number, one letter that says whether the key is lasting, the name of the key,
-// the hash, and the size of what was hidden. All of it are letters and digits, which have no meaning to the rules for
-// lines and items: a line keeps its form when a part of its value is hidden.
+// A mark has a fixed form: the random number of this process, one letter that says whether the key is lasting, the name
+// of the key, the hash, and the size of what was hidden. All of these are letters and digits, which have no meaning to
+// the rules for lines and items: a line keeps its form when a part of its value is hidden.
+//
+// Marks are found by a search for the number. Nothing is kept about texts or marks. Cost: O(n) for a text of n bytes.
 #include "tools/velmar-cfg/base/hidden_text.h"
 
 #include <algorithm>

@@ -1,3 +1,20 @@
+// Reads files to their end, and words what keeps a file from being read.
+//
+// A file is read until nothing is left, whatever size it was said to have, since it may grow meanwhile. The buffer has
+// room for one byte more than that size: for most files one allocation is enough.
+//
+// The type of a file is checked twice: before it is opened, because to open a pipe would let its writer go on, and once
+// it is open, because another file may have taken its place. Only files that the user names to be read once may be
+// pipes or devices.
+//
+// When nothing is found at a path, absence_of() shortens the path until something is found, and so tells a missing file
+// from a link that leads nowhere.
+//
+// Invariants:
+// - INPUT_FILES reads a path again only after forget(). Its files are shared and never change.
+// - Standard input is read once in the life of the process.
+//
+// Cost: O(n) time and memory for n bytes; NAMED_FILE keeps nothing.
 #include "tools/velmar-cfg/base/input_file.h"
 
 #include <algorithm>

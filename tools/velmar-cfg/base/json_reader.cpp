@@ -1,3 +1,18 @@
+// Reads a JSON document of a known kind, and says what is wrong with any other.
+//
+// The top-level members are read in order. A list that its reader wants row by row is handed over so, with one tree
+// that each row uses again. Every other member is kept in the document's tree. Rows can be handed over only once
+// "schema" and "schema_version" are known: a list that comes before them is kept in the tree, and its rows are handed
+// over at the end. A list that the version's reader does not want is passed over token by token.
+//
+// Invariants:
+// - Kind and version are checked before the first row is handed over.
+// - No list is handed over twice: a second one of the same name is refused.
+// - The path of a value, such as ".read[3].count", is worked out only for a complaint.
+//
+// Cost: the file is read once, in time O(n) for n bytes, apart from the search for a member among its siblings. There
+// is such a search for each top-level member, so these are meant to be few. Memory: the largest row and all that is
+// kept.
 #include "tools/velmar-cfg/base/json_reader.h"
 
 #include <algorithm>

@@ -1,10 +1,17 @@
-// A state says which tokens may come next, and a string of open brackets what the innermost one is: neither memory nor
-// the stack is at the mercy of a document that nests deeply, but for one byte a bracket.
+// Splits a JSON document into tokens while it is read through one buffer.
 //
-// Texts and the blanks of indentation are nearly all of a document's bytes. Both are looked at eight bytes at a time; a
-// text that stands in the buffer whole and without escapes is a view into it, any other is put together in `scratch`.
+// A state says which tokens may come next, and a string holds the brackets that are open. Nothing calls itself, so a
+// document that nests deeply takes one byte a bracket, and no stack.
 //
-// Newlines are no part of any token, so that lines are counted where blanks are skipped.
+// Texts and indentation are nearly all of a document's bytes. Both are looked at eight bytes at a time; the blanks of
+// indentation on little-endian machines only. A text that lies in the buffer whole and without escapes is returned as a
+// view into the buffer. Any other text is put together in `scratch`.
+//
+// Invariants:
+// - A text that is returned is UTF-8, and a number that is returned is finite.
+// - Newlines are no part of any token, so lines are counted where blanks are skipped.
+//
+// Cost: O(n) time for n bytes. Memory: the buffer, the longest text in `scratch`, and the open brackets.
 #include "tools/velmar-cfg/base/json_tokens.h"
 
 #include <bit>

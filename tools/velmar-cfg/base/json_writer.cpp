@@ -1,3 +1,14 @@
+// Writes JSON through a buffer, which is handed to the sink before a value when it holds 64 KiB or more.
+//
+// All that the writer remembers is its depth, the depth of the row list that it is in, whether anything stands in the
+// innermost container yet, and whether a key has just been written. before_value() decides by these where a comma, a
+// newline or indentation goes. There is no stack of open containers: a container that ends is always an element of the
+// one around it, so the latter is not empty. Whether brackets fit is for the caller to see to.
+//
+// In texts, a table by byte tells which bytes an escaped character may begin with. What stands between those is copied
+// at once.
+//
+// Cost: O(n) time for n bytes. Memory: the buffer and the longest value.
 #include "tools/velmar-cfg/base/json_writer.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// HMAC-SHA-256 by the nettle library, and random bytes by getentropy(), which gives at most 256 of them.
 #include "tools/velmar-cfg/base/keyed_hash.h"
 
 #include <array>

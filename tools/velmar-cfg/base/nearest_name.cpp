@@ -1,8 +1,16 @@
-// Nearly all names are far from all candidates, and a lower bound tells so for a few instructions: a step changes the
-// length by one at most, adds one letter at most and takes away one at most. The distance itself, a table of the one
-// name's letters by the other's, is worked out only for a candidate that both bounds leave near enough. A question
-// costs the name's length once, two counts of bits for each candidate of about that length, and a table for what is
-// left.
+// Finds the candidate with the smallest edit distance to a name.
+//
+// Nearly all candidates are far away, and two lower bounds of the distance show that in a few instructions. A step
+// changes the length by one at most. It adds one letter at most and takes one away at most, so the bits that one
+// LETTER_SET has and the other lacks are no more than the steps. Only a candidate that both bounds leave within reach
+// is measured, without the letters that both names begin and end with. The table of the measurement is the one for the
+// optimal string alignment distance. Three of its rows are kept.
+//
+// The best distance so far is the limit for all further candidates, and a candidate must be below it: of equally near
+// ones the first stays.
+//
+// Cost for c candidates and names of m letters: O(m + c) for the bounds, and O(m^2) time and O(m) memory for each
+// candidate that is measured. NAME_CANDIDATES makes the letter sets of its candidates once.
 #include "tools/velmar-cfg/base/nearest_name.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// Collects the answer in a buffer of 64 KiB and writes all of it, whatever the descriptor takes at a time: where it
+// does not block, poll() waits for room. Once the reader has gone (EPIPE; the program ignores SIGPIPE), everything is
+// dropped.
 #include "tools/velmar-cfg/base/output.h"
 
 #include <cerrno>

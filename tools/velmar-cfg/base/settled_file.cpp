@@ -1,3 +1,17 @@
+// Reads a file at a moment when no other program seems to write to it.
+//
+// The state of the file (device, number, size, times, owner, mode, links) is looked at every 5 ms. It is settled when
+// the last write lies 50 ms back by the clock, or when the state has stayed the same for 50 ms: times may lie in the
+// future. A file that had content when it was first seen, or got some since, is not settled while it is empty or
+// missing. A settled file is read whole. If its state is another one afterwards, the watch goes on.
+//
+// Invariants:
+// - There is always one look behind the deadline, which is at least 50 ms away: a file that nobody writes to is read.
+// - The file that was read stays open, so that its number cannot become another file's.
+// - is_still_at() compares the bytes too: the times of files tick in steps of some milliseconds, so a change within one
+//   step does not show in them.
+//
+// Cost: a file that is settled from the beginning costs a few system calls and one pass over its bytes, which are kept.
 #include "tools/velmar-cfg/base/settled_file.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// Makes texts fit to be shown. UTF-8 is checked by the lead byte and by the range that it leaves to the second byte, as
+// RFC 3629 lists them. Texts are nearly all ASCII, which is_utf_8() passes eight bytes at a time. Nothing keeps state;
+// each function takes O(n) time for n bytes.
 #include "tools/velmar-cfg/base/text.h"
 
 #include <algorithm>

@@ -1,3 +1,15 @@
+// Declares the command line, and mends where the parser (CLI11) does otherwise than people expect.
+//
+// Before it is parsed, "--option=" is made two words, since the parser would take the next word for the value, and
+// words such as "-html" are refused, which it would take for -h. Both stop at "--". When parsing fails, the complaint
+// is made here: the first word that was left over is compared with the names of the options or commands that may stand
+// there.
+//
+// A complaint may repeat words of the command line. without_typed_secrets() walks over those words once more and hides
+// in it the values that were typed together with a secret name.
+//
+// Nothing is kept but what the options hold. Cost: a few walks over the words, each of which is compared with the
+// declared names.
 #include "tools/velmar-cfg/commands/command_line.h"
 
 #include <algorithm>

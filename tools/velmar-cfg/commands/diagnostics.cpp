@@ -1,3 +1,4 @@
+// Each text becomes one line on standard error, written at once. That it cannot be written is not reported.
 #include "tools/velmar-cfg/commands/diagnostics.h"
 
 #include <unistd.h>

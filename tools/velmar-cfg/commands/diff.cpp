@@ -1,4 +1,5 @@
-// velmar-cfg diff: what differs between two states, and which layer made it differ.
+// velmar-cfg diff: what differs between two states, and which layer made it differ. Both are read as snapshots, one
+// after the other, and compared as a whole; what the options leave out is dropped from the differences.
 #include <iterator>
 
 #include "tools/velmar-cfg/base/output.h"

@@ -1,3 +1,4 @@
+// Shows each list of differences under a heading, an entry with one line for either side. Nothing is compared here.
 #include "tools/velmar-cfg/commands/differences_output.h"
 
 #include "tools/velmar-cfg/base/hidden_text.h"

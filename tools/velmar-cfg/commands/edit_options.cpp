@@ -1,3 +1,4 @@
+// The options of edits, and the colours of a difference by the first characters of its lines.
 #include "tools/velmar-cfg/commands/edit_options.h"
 
 #include "tools/velmar-cfg/base/text.h"

@@ -1,3 +1,5 @@
+// Writes each finding in the format asked for and forgets it. All that is remembered is whether one was severe enough
+// for the command to fail.
 #include "tools/velmar-cfg/commands/findings_output.h"
 
 #include <string>

@@ -1,3 +1,9 @@
+// Writes help texts from the declarations of the command line.
+//
+// Paragraphs are broken at blanks, and no line is longer than the width unless one word is. In tables, descriptions
+// begin at a common column, in the line below a name that is too long. A command's notes come as lines: those without
+// indentation are joined to paragraphs, those indented by two at most are command lines and stay whole, and those
+// further in are broken at their own indentation.
 #include "tools/velmar-cfg/commands/help.h"
 
 #include <algorithm>

@@ -1,3 +1,12 @@
+// Applies the suggestions of lint (lint/fixes.h) to files by way of the edit of a file (base/file_edit.h).
+//
+// The layers are fixed one by one, each among the others as they are by then. The plan of an edit puts the text that
+// the file has at that moment into its layer, with secrets hidden, and fixes it there; the secrets then come back where
+// their marks are. A file that cannot be written is noted, and the next one is fixed. One that was changed is read
+// again, so that all that follows is about its new text.
+//
+// Cost: that of the fixes for each file, with a run of the rules over all layers in each round. The old and the new
+// bytes of all files are kept until the end.
 #include "tools/velmar-cfg/commands/lint_fix.h"
 
 #include <memory>

@@ -1,4 +1,5 @@
-// velmar-cfg list: every variable, and where it came from.
+// velmar-cfg list: every variable, and where it came from. Rows are written as they come; only a table for a terminal
+// is kept until its columns can be measured.
 #include <algorithm>
 #include <fnmatch.h>
 #include <functional>

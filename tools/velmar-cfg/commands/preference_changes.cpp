@@ -1,3 +1,10 @@
+// Makes a change of preferences and tells what goes with it: the difference, lost lines, other values that change.
+//
+// Secrets are hidden in all that is shown, messages of errors included: those that are to be set, and the values of
+// secret names anywhere in the file. In a difference they are hidden wherever they stand in either text, since a line
+// that shows what another hides would tell the secret.
+//
+// Cost: the plan, and for each text that is shown a search for every secret of the file.
 #include "tools/velmar-cfg/commands/preference_changes.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
-// velmar-cfg prefs load: the preferences of another file become the user's own.
+// velmar-cfg prefs load: the preferences of another file become the user's own. The file is checked as a whole first:
+// one line that cannot be loaded keeps all others from being loaded. The changes are then made in one edit.
 #include <algorithm>
 #include <iterator>
 #include <string>

@@ -1,3 +1,12 @@
+// Writes SARIF as a stream. The rules stand at the beginning, since findings refer to them by number: all reasons are
+// listed, whether they occur or not, and a finding's number is found by a binary search.
+//
+// SARIF counts columns in characters, findings count bytes. The line of a finding is therefore searched for in the file
+// as it was read, from the line that was looked for last. Findings come in the order of their lines, so that a file is
+// walked through once; one that goes back begins at the start.
+//
+// Cost: O(n) time for a file of n bytes, and the lines with findings once more. Only the place of the last line is
+// kept.
 #include "tools/velmar-cfg/commands/sarif_output.h"
 
 #include <algorithm>

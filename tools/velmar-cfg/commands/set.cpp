@@ -1,4 +1,5 @@
-// velmar-cfg set and unset: changing a settings file.
+// velmar-cfg set and unset: changing a settings file. The change is planned by settings/settings_edit.h and made by
+// base/file_edit.h. Then the layers are loaded again, to tell whether a run now gets what was asked for.
 #include <memory>
 #include <optional>
 #include <string>

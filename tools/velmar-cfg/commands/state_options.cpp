@@ -1,3 +1,4 @@
+// Declares the options that name a state and what-if changes, and reads the state that they name.
 #include "tools/velmar-cfg/commands/state_options.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// Keeps all rows, measures each column, then writes row by row. Cells at the end of a row that are empty take no room.
 #include "tools/velmar-cfg/commands/text_table.h"
 
 #include <algorithm>

@@ -1,3 +1,12 @@
+// Writes the tables of the completion scripts from the declarations that parse the command line, and from the
+// catalogues: no option or name is listed a second time.
+//
+// Each table is a shell function with one `case`. Its branches are patterns of quoted words; where a question has two
+// parts, such as a command and an option, they are joined by ":". The program's own options stand under "*" and hold
+// for all commands. The kind of a value follows from the word that the help text has for it: a word without a kind here
+// throws std::out_of_range, so that the build fails. Keys with the same allowed values share a branch.
+//
+// This runs once, when the tool is built.
 #include "tools/velmar-cfg/completion/completion_tables.h"
 
 #include <algorithm>

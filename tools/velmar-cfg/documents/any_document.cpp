@@ -1,3 +1,5 @@
+// Offers the reader both formats. The document's first fields say which one holds; rows are taken by the snapshot's
+// reader only if it is a snapshot.
 #include "tools/velmar-cfg/documents/any_document.h"
 
 #include <string_view>

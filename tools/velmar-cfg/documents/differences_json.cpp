@@ -1,3 +1,5 @@
+// Writes each list of differences in the order in which compare_snapshots() has made it. The rows of the two sides are
+// those of snapshot documents.
 #include "tools/velmar-cfg/documents/differences_json.h"
 
 #include "tools/velmar-cfg/documents/snapshot_json.h"

@@ -1,3 +1,4 @@
+// Writes every member of every row, with null for what the report does not have, so that rows of one kind are alike.
 #include "tools/velmar-cfg/documents/run_report_json.h"
 
 namespace

@@ -1,3 +1,16 @@
+// Reads run reports of both versions into one model, and tells what several of them say of a variable.
+//
+// A report is read as one tree. The sources come first, since the other rows name them by their numbers: each number is
+// checked, so that an index in the model is always that of a source. Version 1 has neither sources nor origins: every
+// origin in it is unknown. Secrets are hidden as the texts are read, by the name that each value belongs to.
+//
+// dependence_on() goes through the lists of one report in turn, and the first that has the variable decides.
+// variables_that_no_run_read() walks once over all reports and puts names into three tables: left unread somewhere,
+// read somewhere, and not counted. The answer is what is in the first and not in the second.
+//
+// A report that cannot be read becomes a problem, and the others are read all the same. Cost for n rows in all reports,
+// which are all kept: O(n) expected time and O(n) memory, and O(n log n) where rows or names are sorted.
+// dependence_on() takes time O(n) for a report of n rows.
 #include "tools/velmar-cfg/documents/run_reports.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// The variables of a snapshot have one of two forms. Those of settings are made anew each time that one is asked for,
+// and only their order is kept. Those of a document are kept as rows, with an index by name that refuses a second row
+// of one name.
 #include "tools/velmar-cfg/documents/snapshot.h"
 
 std::vector<std::string> all_file_roles()

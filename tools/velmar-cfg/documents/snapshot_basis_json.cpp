@@ -1,3 +1,12 @@
+// Writes the basis of a snapshot row by row, and reads it again.
+//
+// The lines of the sources come as rows while the document is read, and are joined to one text for each source. What
+// the document says of the sources themselves is read afterwards, and must fit: the same order, no lines without a
+// source, and the files that the snapshot lists. Secrets that a line shows are hidden as it comes. Those of the inline
+// text are hidden once it is whole, since a value may go on behind a separator.
+//
+// Each row is written and forgotten. Cost: O(n) time for n bytes; the texts of the sources are all that is kept of
+// their lines.
 #include "tools/velmar-cfg/documents/snapshot_basis_json.h"
 
 #include <algorithm>

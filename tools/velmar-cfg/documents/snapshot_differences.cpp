@@ -1,3 +1,19 @@
+// Compares two snapshots list by list.
+//
+// Rows of both sides are paired by name. Two snapshots mostly have the same variables in the same order. Therefore the
+// row behind the one found last is tried first, and a hash index by name is made only when that is another variable.
+// Texts of which parts are masked are the same, different, or neither for sure: those rows are listed apart and are no
+// differences.
+//
+// A run report knows less than a snapshot, and only what both sides know is compared: of its variables the values, and
+// neither files nor preferences. A variable that it lacks counts as unset only if it says so. Version 1 of run reports
+// has U+FFFD for bytes that are no UTF-8. If only one side is such a report, it is compare_variables()'s A: what finds
+// no match in B is compared again with B's texts in that form.
+//
+// A difference is put down to the later one of the two layers that won: that one has changed, or has come or gone.
+//
+// Cost: O(n) expected time for n variables, O(d log d) for d differences, and memory for those, one bit a variable and
+// the index. keep_what_the_run_read() searches the report for each difference: O(d r) for r rows.
 #include "tools/velmar-cfg/documents/snapshot_differences.h"
 
 #include <algorithm>

@@ -1,3 +1,19 @@
+// Writes a snapshot row by row, and reads snapshots of all versions.
+//
+// While a document is read, the rows of its long lists (variables, lines) are taken one by one and become rows of the
+// model. All other members are kept as a tree until finish(), which reads them and puts the snapshot together. What an
+// older version lacks stays empty; a member or a field that the document's own version must have is refused when it is
+// missing.
+//
+// Secrets are hidden as values are read. The hash of a file that holds one is hidden too, and kept beside the mark for
+// comparisons only. Which files hold secrets is known from the variables, the preferences and the lines that were read.
+//
+// Invariants:
+// - No variable, preference or environment variable is there twice, and there is one file of each role.
+// - The layers of a document are those that the library itself reads.
+//
+// Cost: O(n) expected time for n bytes. Memory: the variables and the texts of the sources, without a tree of either
+// where kind and version come first.
 #include "tools/velmar-cfg/documents/snapshot_json.h"
 
 #include <algorithm>

@@ -1,4 +1,6 @@
-// What is odd about an assignment, wherever it stands.
+// The rules of EXAMINATION (examination.h) for an assignment, the same for lines and items. Each looks at one part: the
+// name as written, the name as stored, the value, or the other assignments to the variable. A known variable is
+// compared with the catalogue; of any other, the rules can only guess what its value is for.
 #include <algorithm>
 #include <array>
 #include <cstdio>

@@ -1,3 +1,5 @@
+// Looks at the environment variables that choose settings files. Each check adds one finding at most. What is there is
+// asked of the system and of the library's search; the values are read anew at each call.
 #include "tools/velmar-cfg/lint/environment_rules.h"
 
 #include <algorithm>

@@ -1,3 +1,9 @@
+// Explains a variable in one walk over all statements. Those that assign to it are listed, with what the rules of lint
+// say of each. A comment that would set it, were it none, is a hint. Only these statements are examined, but
+// SETTINGS_RULES walks all layers once before that, to know what is assigned where.
+//
+// Assignments that are known by name and value alone are listed without findings: there is no text to examine. Cost:
+// O(n) time for n bytes, and a search among all names for a similar one where the variable is not known.
 #include "tools/velmar-cfg/lint/explanation.h"
 
 #include <algorithm>

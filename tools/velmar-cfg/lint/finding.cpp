@@ -1,3 +1,4 @@
+// What every finding has in common: its severity as a word, its column before secrets were hidden, its JSON.
 #include "tools/velmar-cfg/lint/finding.h"
 
 #include "tools/velmar-cfg/base/hidden_text.h"

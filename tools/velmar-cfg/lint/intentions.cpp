@@ -1,3 +1,19 @@
+// Makes the text that was meant out of a line or an item. The forms are told apart by written_form.h, and the spelling
+// of a name by the known variables and the first assignment to it (namesakes.h).
+//
+// A line that a carriage return divides becomes several, each made anew by itself. Of an assignment, the name, the
+// sign, the value and the comment are put right in turn; further assignments in the value or behind a ";" get lines of
+// their own. A line that assigns nothing becomes an assignment if it reads "name value" or "name: value", else a
+// comment. Where a person must decide, there is no text.
+//
+// Invariants:
+// - Indentation, comments and the carriage return at the end of a line stay.
+// - The text is a suggestion: whether the rules are content with it is found out in settings_rules.cpp.
+// - The functions call one another for parts of a line only. A line with more than 100 ";" is left alone, so that the
+//   calls do not nest deeper than that.
+//
+// Cost: O(n) time for a line of n bytes at each depth. An item is looked at again from each sign of the other separator
+// to its end.
 #include "tools/velmar-cfg/lint/intentions.h"
 
 #include <algorithm>

@@ -1,3 +1,18 @@
+// Notes in one walk over all statements where each variable is assigned to.
+//
+// A hash table by layer and name leads to the place of a variable's first assignment and to the number of its last one.
+// It uses linear probing and is two thirds full at most. It grows by the hashes that it has kept, and the old slots are
+// released before the new ones are made. An assignment that follows another to the same variable in its layer is noted
+// under the number of that one. After the walk these notes are sorted by the number, so that next() is a binary search.
+//
+// Invariants:
+// - Assignments are numbered as STATEMENTS yields them.
+// - No name and no value is kept: both are parsed again from the layer's text when they are needed, a name without the
+//   value behind it.
+// - The layers have texts. Assignments that are known by name and value alone have no place in one.
+//
+// Cost for n assignments, f of which follow another: O(n) expected time and O(f log f) for the walk, O(log f) for
+// next(), and one search of the table per layer for first_before().
 #include "tools/velmar-cfg/lint/namesakes.h"
 
 #include <algorithm>

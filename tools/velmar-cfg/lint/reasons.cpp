@@ -1,3 +1,5 @@
+// The tables of reasons, each in the byte order of its names. Lists of reasons, completion and the rules of SARIF
+// documents are made of them.
 #include "tools/velmar-cfg/lint/reasons.h"
 
 #include <algorithm>

@@ -3,9 +3,9 @@
 // if the text is free of that finding and has none that the statement had not: what a finding suggests helps, whatever
 // the other rules say of it.
 //
-// A statement without findings, as nearly all are, costs one pass of the rules, which neither copies its text nor looks
-// its variable up unless it is assigned to before. Findings are handed over statement by statement, so that a file full
-// of them takes no memory for them.
+// A statement without findings, as nearly all are, costs one pass of the rules. The place of its variable is not looked
+// up where it is known to be the first assignment of all to it. Findings are handed over statement by statement, so
+// that a file full of them takes no memory for them.
 #include "tools/velmar-cfg/lint/settings_rules.h"
 
 #include <algorithm>

@@ -1,3 +1,12 @@
+// Parses a line or an item as a person would, and guesses what its odd forms mean.
+//
+// The parts are views of the text that was given. The library's rules are asked only whether a text is an assignment, a
+// boolean or an integer. value_meant_by() takes a comma off first, then quotes. What is left then becomes decimal
+// digits for an integer variable, "on" or "off" for a word that means it, and decimal digits for a hexadecimal number
+// where the variable is not known. assignments_in_value() takes a value for several assignments only if its first word
+// is a boolean or a number, or if one of the others sets a known variable: everything else may be prose.
+//
+// Nothing is kept and nothing is looked up in the layers. Cost: O(n) time for a text of n bytes.
 #include "tools/velmar-cfg/lint/written_form.h"
 
 #include <algorithm>

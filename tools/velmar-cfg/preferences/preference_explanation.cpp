@@ -1,11 +1,13 @@
 // A lookup asks for one record after the other: of the running release's section, of each release's in turn, and of the
 // section without a release. The answer, and the line that gives it, are those of the model of lookups (preferences.h).
-// What is found out here is why the other lines are not that one, in two walks over the file: the first finds the first
-// line of each record that a lookup may ask for, and the header that keeps older releases from being asked; the second
+// This file tells why the other lines do not count, in two walks over the preference file. The first finds the first
+// line of each record that a lookup may ask for, and the header that keeps older releases from being asked. The second
 // compares each line that names the key, in any spelling, with those.
 //
 // Section and key count as one word, as in the store: a line of another section and name may be the record, and is
 // shown then.
+//
+// Cost: O(n r) time for n lines and r releases. Only the lines that are explained are kept.
 #include "tools/velmar-cfg/preferences/preference_explanation.h"
 
 #include <algorithm>

@@ -1,3 +1,18 @@
+// Plans changes by doing what a program does that loads the file, looks every preference up, changes some and saves.
+// The load, the lookups and the save are those of the models in preferences.h and preference_save.h.
+//
+// 1. Changes that the file already answers as wanted are dropped. If none is left, the bytes stay.
+// 2. The values of older releases are carried over into the running release's section, as lookups do it.
+// 3. The changes are made to the records. A preference that goes back to its default loses its value. If that of an
+//    older release shows through then, the default is written instead.
+// 4. The records are saved. A value that was there already may have hung on a line that a save does not keep: it is
+//    then written as well, and the save is made again.
+// 5. The answers of the old and the new text are compared. A change that does not hold is refused, and other
+//    preferences whose values change are listed.
+//
+// Nothing is written and nothing is kept between plans. Cost for a file of n lines: O(n log n) time for each save and
+// each reading of a text, of which there are a few, and two more for each preference that goes back to its default.
+// O(n) memory.
 #include "tools/velmar-cfg/preferences/preference_plan.h"
 
 #include <algorithm>

@@ -4,11 +4,12 @@
 // header, and the value reads back as it is.
 //
 // Invariants:
-// - A saved record reads back as itself, but for the two cases above: names are trimmed and hold no "=", names and
-//   values hold no "[", values are trimmed, and sections hold no "]". What is assigned is checked by its caller.
+// - A saved record reads back as itself, except below the header of another section (letter case) and where a value
+//   keeps a pair of quotes. For names are trimmed and hold no "=", names and values hold no "[", values are trimmed,
+//   and sections hold no "]". What is assigned is checked by its caller.
 // - Of sections that differ in letter case alone, the first in byte order gives the header: no key comes into it, for
 //   such sections differ before their ends.
-// - What a line, a section or a record says is a part of the file's bytes wherever the reader changes nothing: a line
+// - What a line, a section or a record says is a part of the file's bytes wherever the reader changes nothing, and
 //   takes no memory of its own. Sections and records go by their positions.
 //
 // Cost: a file is read once; a line costs the reader's look at it and a search in a hash table. n log n for the saved

@@ -1,4 +1,4 @@
-// Nearly no line holds a secret, and a search tells so without taking the line apart: a name is secret if one of the
+// Hardly any line holds a secret, and a search shows that without parsing the line. A name is secret if one of the
 // built-in words stands in it, if it matches a pattern of the user's, or if it is a key that the catalogue marks or one
 // of its old names. Only a line in which such a text stands is looked at name by name.
 //

@@ -1,3 +1,11 @@
+// Writes preferences as a file of the running release, and finds those that another file gives.
+//
+// What is written is what the library's own writer makes of the records. A value that the reader would change, because
+// it trims values and takes a pair of quotes off, is written in quotes. What another file gives is what lookups answer
+// from a line of it (preferences.h). Names that the catalogue does not have are looked for only in sections that
+// lookups get to.
+//
+// Cost: three passes over the file, O(n log n) time and O(n) memory for n lines.
 #include "tools/velmar-cfg/preferences/preference_transfer.h"
 
 #include <deque>

@@ -1,3 +1,16 @@
+// A model of the preference store: what a load keeps of a file, and what lookups then answer.
+//
+// The load goes by the library's rule for lines. Records are kept by section and key run together, as in the store, and
+// the first line of such a name counts. The names of all sections are kept too. A lookup asks in this order:
+//
+// 1. The record in the running release's section. An empty value there ends the search in the file.
+// 2. If the file has that section at all, nothing older is asked for.
+// 3. The sections of all releases, the newest first. The first record ends the walk, also an empty one.
+// 4. The section without a release.
+// 5. The catalogue's default, wherever the file gave nothing.
+//
+// Unlike the store's, a lookup changes nothing: it carries no value over. Cost for n lines and r releases: O(n log n)
+// time and O(n) memory for the load, O(r log n) for a lookup.
 #include "tools/velmar-cfg/preferences/preferences.h"
 
 #include <algorithm>

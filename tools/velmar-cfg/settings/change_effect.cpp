@@ -1,3 +1,10 @@
+// Tells which assignment decides on a variable after an edit. The layers are loaded anew, with secrets shown, since
+// values are compared. Of an edit that was only planned, the new bytes take the place of the file's, and a new file
+// becomes a layer where the search would find it. Then the settings of this one variable are made
+// (SETTINGS::of_one_variable).
+//
+// A path leads to the edited file if both have the same device and number; where one of them does not exist, if it is
+// the same path once links are followed.
 #include "tools/velmar-cfg/settings/change_effect.h"
 
 #include <algorithm>

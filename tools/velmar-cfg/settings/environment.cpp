@@ -1,3 +1,4 @@
+// Reads the environment variables that matter, and hides the secrets in their values.
 #include "tools/velmar-cfg/settings/environment.h"
 
 #include <cstdlib>

@@ -1,3 +1,14 @@
+// Lists each place where a settings file is looked for, with what is found there.
+//
+// The library's search (SETTINGS_SEARCH) yields the places where it looks, in the order of SEARCH_PLACE, and passes
+// over those that name no directory. Here all places are walked in the same order beside that search: a place that the
+// search does not yield is listed as skipped, with the reason. The first file that exists is the one that is read,
+// unless the search is disabled or nobody asks for the file. Every later one is shadowed. A project's own file comes
+// before the search, as in the library.
+//
+// No file is opened: that one exists, and whether it could be read, is told by its status and permissions. Nothing is
+// kept from one list to the next. Cost: a few system calls for each of at most seven places, and some more for a
+// missing file whose path leads over a broken link.
 #include "tools/velmar-cfg/settings/file_candidates.h"
 
 #include <cstdlib>

@@ -1,3 +1,5 @@
+// Defines the path services of this program in the place of the default ones, which answer where no installation is
+// set. The installation is one for the whole process, without a lock.
 #include "tools/velmar-cfg/settings/installation.h"
 
 #include <string_view>

@@ -1,3 +1,4 @@
+// The lists and the table by name are made from the library's own tables when they are first asked for.
 #include "tools/velmar-cfg/settings/known_variables.h"
 
 #include <unordered_map>

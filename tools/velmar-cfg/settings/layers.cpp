@@ -1,3 +1,15 @@
+// Loads the sources of the settings as layers, and walks their lines and items.
+//
+// The library's own rules say which file each layer is (library_rules.h): no rule of the search is written here again.
+// A file that is gone when it is opened is being replaced, so the search is made anew. Secrets are hidden as a text
+// comes in. The text that still shows them is kept beside the layer only where there are any.
+//
+// The walk is a position: a layer, an offset in its text, and the number of the line or item. Each step parses one line
+// or item by the library's rule and overwrites what the step before has returned. next_for() parses only lines whose
+// first visible character may begin the name. White space goes from names throughout, so no other line can set that
+// variable. Items, and assignments that are known by name and value alone, all pass.
+//
+// Cost: loading takes O(n) time and memory for n bytes. A walk takes O(n) time, and memory for one line or item.
 #include "tools/velmar-cfg/settings/layers.h"
 
 #include <algorithm>

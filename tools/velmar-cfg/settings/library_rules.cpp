@@ -1,3 +1,4 @@
+// Hands questions on to the internals of the variable store. There is no rule of the tool's own in this file.
 #include "tools/velmar-cfg/settings/library_rules.h"
 
 #include <cstdlib>

@@ -1,9 +1,16 @@
-// A settings text is looked through for the built-in words first, and most texts are left at that. Otherwise each line
-// is taken apart by the library's own rule, and the part behind its "=" is hidden if its name is secret. Quotes stay,
-// since they decide where a comment begins; so does the sign that begins it. What is hidden holds no character that
-// means something to the rules, so that the new line is taken apart as the old one.
+// Hides the values of secret names in texts.
 //
-// Cost: one pass over the text; a copy of it when something is hidden.
+// A settings text is first searched for the built-in words, and most texts hold none: these are left as they are.
+// Otherwise each line in which a secret name may stand is parsed by the library's own rule, and the part behind its "="
+// is hidden if its name is secret. Quotes stay, since they decide where a comment begins; so does the sign that begins
+// it. What is hidden holds no character that means something to the rules, so that the new line is parsed as the old
+// one.
+//
+// The items of an inline text are treated in their order, since a separator within a secret value makes several items
+// of it: what follows a hidden value and assigns nothing is hidden too.
+//
+// Cost: O(n) time for n bytes, a keyed hash for each hidden part, and a copy of the text once a secret name may stand
+// in it.
 #include "tools/velmar-cfg/settings/secrets.h"
 
 #include <algorithm>

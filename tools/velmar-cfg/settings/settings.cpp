@@ -1,3 +1,19 @@
+// Makes the table of variables from the assignments of all layers.
+//
+// A walk over the layers lists the stored assignments. A name or value is a view of its layer's text where it stands
+// there as it is, else a copy. Then a hash index is made, at once as large as all assignments need. Each assignment is
+// looked up in it by name: the first of a name makes the variable, and any further one is linked behind the one before
+// it and becomes the winner.
+//
+// Invariants:
+// - The links lead from a variable's first assignment to its winner, in the order in which they are applied.
+// - The index is half full at most and nothing is removed from it, so that a search ends at the first free slot.
+//
+// In a large file, each look at a name or a slot would wait for memory. make_index() therefore has the slots of the
+// next 16 names fetched while it works on those before, and fetch_ahead() does the like for walks.
+//
+// Cost for n assignments: O(n) expected time. order_by_name() sorts v names in O(v log v), by eight bytes at a time:
+// each eight bytes that many names have in common cost one round more.
 #include "tools/velmar-cfg/settings/settings.h"
 
 #include <algorithm>

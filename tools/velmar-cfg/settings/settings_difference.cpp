@@ -1,3 +1,11 @@
+// Shows the difference of an edit without the secrets of either text.
+//
+// The difference is made of both texts with their secrets hidden. That is not enough: a value that was secret under its
+// old name may stand below another name in the new text. Therefore the difference of the texts with their secrets shown
+// is made as well. Each word of its removed lines that belongs to a secret is then hidden wherever it stands in the
+// first difference. Nothing of the second one is shown.
+//
+// Cost: two differences where the old text holds a secret, else one, and a search of the first for each such word.
 #include "tools/velmar-cfg/settings/settings_difference.h"
 
 #include <algorithm>

@@ -1,3 +1,7 @@
+// Answers for a reader of one type, and says in a sentence why there is no usable value.
+//
+// The settings that are asked may know one variable only. To suggest a similar name for a variable that is neither set
+// nor known, all layers are therefore walked again: O(n) time and memory for n assignments, and only then.
 #include "tools/velmar-cfg/settings/typed_answer.h"
 
 #include "tools/velmar-cfg/base/errors.h"

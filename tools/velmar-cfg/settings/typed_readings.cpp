@@ -1,3 +1,5 @@
+// Converts a text by the library's own rule for each type. A text of which a part is hidden has no readings: the mark
+// in it is not what the readers get.
 #include "tools/velmar-cfg/settings/typed_readings.h"
 
 #include <cmath>

@@ -1,3 +1,6 @@
+// Chooses among the readings of a text (typed_readings.h) the one for a reader's type, and shows it as text or as JSON.
+// No text is converted here, and nothing is kept: a value is a variant, whose first alternative stands for no usable
+// value.
 #include "tools/velmar-cfg/settings/typed_value.h"
 
 #include "tools/velmar-cfg/base/text.h"

@@ -1,3 +1,8 @@
+// Makes changes to copies of the layers. To take a variable away, each line or item that assigns to it is left out of
+// the layer's text, and its newline or separator stays: all others keep their number. Values that are set become a
+// layer of assignments by name and value on top, and no text is parsed for them.
+//
+// Cost of each variable that is taken away: a walk over all layers and a copy of their texts.
 #include "tools/velmar-cfg/settings/what_if.h"
 
 #include <algorithm>

@@ -1,7 +1,16 @@
-// A snapshot with the lines of its sources has the layers that the machine had. A document that knows no lines is made
-// of layers that hold its rows as they are, a layer for each source that they name. In a snapshot each variable is in
-// one row, so that the order of the rows means nothing; the layers are in the order in which they apply. A run report
-// of version 2 has the assignments that lost as well (see RUN_LAYERS).
+// Makes layers of documents, so that commands ask a document as they ask a machine.
+//
+// A snapshot with the lines of its sources has the layers that the machine had. Any other document becomes layers of
+// assignments that are known by name and value alone, one layer or more for each source that the rows name: what counts
+// as external is apart from the rest. An older snapshot has one row for each variable, so the layers stand in the order
+// of their kinds, and the assignments of each in that of their positions. A run report of version 2 has the assignments
+// that lost as well. Its layers are ordered so that the last assignment to a variable is always the one that won (see
+// RUN_LAYERS).
+//
+// Changes are made to the layers, and a changed snapshot gets its variables from them. Long lists that no wanted part
+// needs are passed over as the document is read (wanted_lists).
+//
+// Cost: O(n log n) time and O(n) memory for n rows; the lines of a snapshot are neither copied nor sorted.
 #include "tools/velmar-cfg/states/document_state.h"
 
 #include <algorithm>

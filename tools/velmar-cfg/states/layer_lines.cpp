@@ -1,3 +1,11 @@
+// Tells of each line whether it gives its variable the value. The settings were made by the same walk over the same
+// layers, so that counting the assignments gives the index of each: the line counts if this is the index of its
+// variable's winner.
+//
+// Lines of texts are handed over as they come. Assignments that are known by name and value alone may be in several
+// layers of one source: those of a source are collected and put in the order of their positions first.
+//
+// Cost: one search of the settings for each assignment, and no memory but for what is collected of one source.
 #include "tools/velmar-cfg/states/layer_lines.h"
 
 #include <algorithm>

@@ -1,3 +1,9 @@
+// A list of variables that are set, by name, is a walk over the settings: each row is made, handed over and forgotten.
+// If variables without a value are to be in it, or the order is another, all rows are collected, sorted by name and
+// then, without disturbing that order, by how often they were read.
+//
+// Cost for v variables: O(v log v) time. Memory: the order by name, 4 bytes a variable; where rows are collected, those
+// too.
 #include "tools/velmar-cfg/states/listed_variables.h"
 
 #include <algorithm>

@@ -1,3 +1,9 @@
+// Gives this process the environment, the current directory and the installation of another, and takes them back at the
+// end.
+//
+// The directory comes first, since it may refuse to be entered: then nothing has been changed. Before that, this
+// process enters its own current directory once more, through a descriptor: what cannot be entered now could not be
+// gone back to. Only what the perspective names is changed.
 #include "tools/velmar-cfg/states/perspective.h"
 
 #include <cerrno>

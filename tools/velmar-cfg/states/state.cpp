@@ -1,3 +1,4 @@
+// What a state answers for itself, without a look at where it was taken from.
 #include "tools/velmar-cfg/states/state.h"
 
 #include <algorithm>

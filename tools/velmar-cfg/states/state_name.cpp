@@ -1,3 +1,4 @@
+// A state's kind is told by the beginning of its name; of a path, by whether a directory is there.
 #include "tools/velmar-cfg/states/state_name.h"
 
 #include <charconv>

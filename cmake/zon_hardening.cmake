@@ -2,8 +2,10 @@
 # consumers nor an enclosing project see it. Debug builds leave it out: fortification needs optimisation, and the
 # sanitizers there see more. All of it together costs a lookup about one instruction in a hundred.
 include(CheckCXXCompilerFlag)
-include(CheckPIESupported)
-check_pie_supported(LANGUAGES CXX)
+if(PROJECT_IS_TOP_LEVEL) # it changes how an enclosing project's executables are linked
+    include(CheckPIESupported)
+    check_pie_supported(LANGUAGES CXX)
+endif()
 
 set(optimised $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
 add_compile_options(

@@ -1,0 +1,2 @@
+// A C++ program that does nothing: built twice, the second time linked to the library.
+int main() {}

@@ -392,6 +392,131 @@ TEST_F(STATES, what_a_run_left_unset_is_known)
     EXPECT_EQ(run({"diff", "run.json", "project", "--only", "variables"}).exit_code, 0);
 }
 
+// What is known of a variable, and how the commands say so.
+struct KNOWLEDGE_ROW
+{
+    const char* name;
+    const char* explained; // the lines behind the view, without "external"
+    int exit_code;         // of explain
+    const char* listed;    // by list; null when it is not
+    const char* remark;    // of get
+    nlohmann::json set;
+    nlohmann::json value; // of explain
+    nlohmann::json reads;
+};
+
+TEST_F(STATES, what_a_run_report_leaves_out_is_told_from_what_is_unset)
+{
+    nlohmann::json report = nlohmann::json::parse(run_report_2);
+    report["set_never_read"] = {"Quiet"};
+    report["read"].push_back({{"name", "odd"},
+                              {"count", 2},
+                              {"value", nullptr},
+                              {"external", false},
+                              {"used", false},
+                              {"origin", "unknown"}});
+    write_file("other.json", report.dump());
+    const std::string view =
+        "as run nightly had it (other.json, release 23.4, process 4711 on farm7, in /proj, started "
+        "2026-11-21T22:00:00Z)\n";
+    const char* const unset = "read as:\n  bool    no value\n  int     no value\n  uint    no value\n"
+                              "  double  no value\n";
+    const KNOWLEDGE_ROW rows[] = {
+        {"QUIET", "QUIET is set, its value is not recorded\nread: never\nread as: not known\n", 0,
+         "Quiet\tset, value not recorded, never read\n",
+         "'QUIET' is set and was never read: other.json does not record its value", true, nullptr, 0},
+        {"odd", "odd is set, its value is not recorded\nread: 2 times\nread as: not known\n", 0,
+         "odd\tset, value not recorded\n", "'odd' is set: other.json does not record its value", true, nullptr, 2},
+        {"once", "once is not set\n", 1, nullptr, "'once' is not set", false, "", nullptr},
+        {"asked", "asked is not set\nread: 7 times\n", 1, nullptr, "'asked' is not set", false, "", 7},
+        {"other",
+         "other is not known: a run report holds only variables that were set or asked for\n"
+         "read as: not known\n",
+         1, nullptr, "'other' is not in other.json: a run report holds only variables that were set or asked for",
+         nullptr, nullptr, nullptr},
+    };
+    for (const KNOWLEDGE_ROW& row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        const ARGUMENTS of_report = {"--of", "other.json"};
+        const std::string readings = row.set == false ? unset : "";
+        EXPECT_EQ(run(ARGUMENTS{"explain", row.name} + of_report),
+                  (TOOL_RUN{row.exit_code, view + row.explained + readings + "external: no\n", ""}));
+        const nlohmann::json explained = run(ARGUMENTS{"explain", row.name, "--json"} + of_report).json();
+        EXPECT_EQ(explained.at("set"), row.set);
+        EXPECT_EQ(explained.at("value"), row.value);
+        EXPECT_EQ(explained.at("reads"), row.reads);
+        const TOOL_RUN listed = run(ARGUMENTS{"list", row.name} + of_report);
+        EXPECT_EQ(listed.out, row.listed == nullptr ? view : view + row.listed);
+        if (row.listed != nullptr)
+        {
+            EXPECT_EQ(run(ARGUMENTS{"list", row.name, "--json"} + of_report).json().at(0).at("set"), row.set);
+        }
+        EXPECT_EQ(run(ARGUMENTS{"get", row.name} + of_report),
+                  (TOOL_RUN{1, "", std::string("velmar-cfg: ") + row.remark + "\n"}));
+        const nlohmann::json got = run(ARGUMENTS{"get", row.name, "--json"} + of_report).json();
+        EXPECT_EQ(got.at("set"), row.set);
+        EXPECT_EQ(got.at("text"), row.value);
+        EXPECT_EQ(got.at("usable"), false);
+    }
+    // A default stands in for what has no value, not for a value that is left out.
+    EXPECT_EQ(run({"get", "quiet", "--default", "x", "--of", "other.json"}).exit_code, 1);
+    EXPECT_EQ(run({"get", "once", "--default", "x", "--of", "other.json"}), (TOOL_RUN{0, "x\n", ""}));
+    EXPECT_THAT(run({"layers", "--of", "other.json"}).out,
+                HasSubstr("\nset, value not recorded\n        Quiet\n        odd\n"));
+    EXPECT_EQ(run({"layers", "--of", "other.json", "--json"}).json().back(),
+              R"({"layer": "unknown", "file": null, "line": null, "item": null, "text": null, "name": "odd",
+                  "value": null, "effect": "counts", "winner": null})"_json);
+    EXPECT_THAT(run({"list", "--read", "--of", "other.json"}).out,
+                HasSubstr("\n7\tasked\tnot set\n3\tmax_fanout=12\n2\todd\tset, value not recorded\n"
+                          "1\tmsg_sqlite=off\n0\tQuiet\tset, value not recorded, never read\n0\teffort=5\n"));
+    EXPECT_THAT(run({"explain", "effort", "--of", "other.json"}).out, HasSubstr("\nread: never\n"));
+    EXPECT_THAT(run({"list", "--external", "--of", "other.json"}).out, Not(HasSubstr("Quiet")));
+    // What the user asks to see changed is known again.
+    EXPECT_EQ(run({"get", "quiet", "--with", "quiet=3", "--of", "other.json"}), (TOOL_RUN{0, "3\n", ""}));
+    EXPECT_EQ(run({"get", "quiet", "--without", "quiet", "--of", "other.json"}),
+              (TOOL_RUN{1, "", "velmar-cfg: 'quiet' is not set\n"}));
+    EXPECT_THAT(run({"list", "--read", "--with", "QUIET=3", "--of", "other.json"}).out, HasSubstr("\n0\tQUIET=3\n"));
+}
+
+// Version 1 does not tell what is unset from what was set and never read.
+TEST_F(STATES, what_a_run_report_of_version_1_does_not_tell_is_not_known)
+{
+    for (const char* const name : {"asked", "once"})
+    {
+        EXPECT_EQ(run({"explain", name, "--json", "--of", "run.json"}).json().at("set"), nullptr) << name;
+        EXPECT_EQ(run({"get", name, "--json", "--of", "run.json"}).json().at("set"), nullptr) << name;
+    }
+    EXPECT_EQ(run({"list", "asked", "--read", "--json", "--of", "run.json"}).json().at(0).at("set"), nullptr);
+    EXPECT_EQ(run({"explain", "other", "--json", "--of", "snapshot.json"}).json().at("set"), false);
+    EXPECT_EQ(run({"list", "debug_msg", "--all", "--json"}).json().at(0).at("set"), false);
+}
+
+TEST_F(STATES, a_value_that_one_run_left_out_differs_only_from_none)
+{
+    nlohmann::json a = nlohmann::json::parse(run_report_2);
+    nlohmann::json b = a;
+    a["set_never_read"] = {"quiet", "max_fanout_2", "both"};
+    b["set_never_read"] = {"BOTH"};
+    b["asked_once"] = {"once", "Quiet"};
+    b["external_never_read"].push_back({{"name", "max_fanout_2"}, {"value", "1"}, {"source", 0}, {"line", 4}});
+    write_file("a.json", a.dump());
+    write_file("b.json", b.dump());
+    EXPECT_THAT(run({"diff", "a.json", "b.json"}).out,
+                testing::EndsWith("\n\nVariables\n  quiet, by unknown source\n    A  set, value not recorded\n"
+                                  "    B  not set\n"));
+    const nlohmann::json rows = run({"diff", "b.json", "a.json", "--json"}).json().at("variables");
+    ASSERT_EQ(rows.size(), 1U);
+    EXPECT_EQ(rows.at(0).at("a"), nullptr);
+    EXPECT_EQ(rows.at(0).at("b").at("value"), nullptr);
+    EXPECT_EQ(rows.at(0).at("made_by"), "unknown");
+    EXPECT_EQ(run({"diff", "a.json", "run2.json"}), (TOOL_RUN{0, "", ""})); // which does not know the names
+    EXPECT_EQ(run({"diff", "a.json", "project", "--only", "variables", "--with", "BOTH=1", "--with", "quiet=2",
+                   "--with", "max_fanout_2=3"}),
+              (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(run({"diff", "project", "a.json", "--only", "variables", "--json"}).json().at("variables").size(), 3U);
+}
+
 TEST_F(STATES, a_run_report_of_version_2_tells_origins)
 {
     EXPECT_EQ(run({"list", "--show-origin", "--of", "run2.json"}).out,
@@ -442,7 +567,7 @@ TEST_F(STATES, an_origin_that_is_not_known_is_called_so)
               view_of(STATE_KIND::RUN_REPORT) +
                   "\nunknown\teffort=5\nunknown\tmax_fanout=12\nunknown\tmsg_sqlite=off\n");
     EXPECT_EQ(run({"get", "effort", "--of", "run.json", "--json"}).json(),
-              R"json({"name": "effort", "type": "text", "value": "5", "usable": true, "text": "5",
+              R"json({"name": "effort", "type": "text", "value": "5", "usable": true, "set": true, "text": "5",
                       "external": true, "layer": "unknown", "file": null, "line": null, "item": null,
                       "view": "as run nightly had it (run.json, release 23.4)"})json"_json);
     EXPECT_EQ(run({"get", "effort", "--type", "bool", "--of", "run.json"}).err,

@@ -148,8 +148,9 @@ TEST_F(WHAT_IF_COMMANDS, change_what_each_command_shows)
               "what if: with max_fanout=16, without trace\nmain settings file  " + path +
                   "\n     1  max_fanout = 12  lost to --with:1\n     3  max_fanout = 14  lost to --with:1\n"
                   "what if\n     1  max_fanout=16\n");
-    EXPECT_EQ(run({"list", "--json", "trace", "--with", "trace=off"}).json(),
-              R"([{"name": "trace", "value": "off", "external": true, "layer": "what-if", "file": null, "line": null,
+    EXPECT_EQ(
+        run({"list", "--json", "trace", "--with", "trace=off"}).json(),
+        R"([{"name": "trace", "set": true, "value": "off", "external": true, "layer": "what-if", "file": null, "line": null,
                    "item": 1}])"_json);
 }
 

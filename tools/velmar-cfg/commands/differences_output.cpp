@@ -55,6 +55,8 @@ std::string side_as_text(const std::optional<SNAPSHOT_VARIABLE>& variable)
 {
     if (!variable)
         return "not set";
+    if (!variable->recorded)
+        return "set, value not recorded";
     if (variable->location.layer == LAYER_KIND::UNKNOWN)
         return shown(variable->value);
     return shown(variable->value) +

@@ -194,6 +194,21 @@ bool knows_unset(const SNAPSHOT& snapshot, std::string_view name)
     return !snapshot.of_run || (!snapshot.known_unset.empty() && snapshot.known_unset.contains(std::string(name)));
 }
 
+// The variables that A is known to have set and B to have left unset, although A does not record to what.
+template <typename ADD>
+void add_not_recorded(const SNAPSHOT& a, VARIABLES_BY_NAME& of_a, const SNAPSHOT& b, VARIABLES_BY_NAME& of_b, ADD add)
+{
+    for (const std::string& name : a.not_recorded)
+    {
+        const bool is_set_in_b = of_b.find(name) || b.not_recorded.contains(name);
+        if (of_a.find(name) || is_set_in_b || !knows_unset(b, name))
+            continue;
+        SNAPSHOT_VARIABLE row{name, {}, false, {LAYER_KIND::UNKNOWN, {}, 0}, {}, {}, false};
+        row.layers.insert(LAYER_KIND::UNKNOWN);
+        add(row);
+    }
+}
+
 // A lossy document is A: what it calls a variable or a value is looked for in the other.
 std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAPSHOT& b,
                                                    std::vector<UNDECIDED_ROW>& undecided)
@@ -234,6 +249,9 @@ std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAP
         if (!in_both[i] && knows_unset(a, b.variables.name(i)))
             add(b.variables.name(i), std::nullopt, b.variables[i]);
     }
+    VARIABLES_BY_NAME of_a(a.variables);
+    add_not_recorded(a, of_a, b, of_b, [&add](const SNAPSHOT_VARIABLE& row) { add(row.name, row, std::nullopt); });
+    add_not_recorded(b, of_b, a, of_a, [&add](const SNAPSHOT_VARIABLE& row) { add(row.name, std::nullopt, row); });
     std::ranges::sort(differences, {}, &VARIABLE_DIFFERENCE::name);
     return differences;
 }

@@ -147,7 +147,7 @@ void write_json(JSON_WRITER& out, const SNAPSHOT_VARIABLE& variable)
 {
     out.begin_object();
     out.field("name", variable.name);
-    out.field("value", variable.value);
+    out.field("value", variable.recorded ? std::optional(variable.value) : std::nullopt);
     out.field("external", variable.external);
     write_location_fields(out, &variable.location);
     out.key("layers");

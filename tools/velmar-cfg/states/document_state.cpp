@@ -141,6 +141,19 @@ VARIABLE_NAMES unset_in(const RUN_REPORT& report)
     return names;
 }
 
+// What the run set to a value that is not in the report: nobody read it, or nobody could use it.
+VARIABLE_NAMES not_recorded_in(const RUN_REPORT& report)
+{
+    VARIABLE_NAMES names(report.set_never_read.begin(), report.set_never_read.end());
+    for (const READ_VARIABLE& variable : report.read)
+    {
+        // Version 1 does not tell such a variable from one that is unset.
+        if (!variable.value && report.version != 1 && variable.origin.kind != RUN_ORIGIN::KIND::UNSET)
+            names.insert(variable.name);
+    }
+    return names;
+}
+
 // What a run report says beside its variables, as far as it can be compared.
 SNAPSHOT snapshot_of(const RUN_REPORT& report)
 {
@@ -151,6 +164,7 @@ SNAPSHOT snapshot_of(const RUN_REPORT& report)
     snapshot.regtest = report.regtest_file.has_value();
     snapshot.environment = report.environment;
     snapshot.known_unset = unset_in(report);
+    snapshot.not_recorded = not_recorded_in(report);
     return snapshot;
 }
 
@@ -173,6 +187,10 @@ std::vector<READ_COUNT> reads_of(const RUN_REPORT& report)
     std::vector<READ_COUNT> reads;
     for (const READ_VARIABLE& variable : report.read)
         reads.push_back({variable.name, variable.count});
+    for (const UNREAD_VARIABLE& variable : report.external_never_read)
+        reads.push_back({variable.name, 0});
+    for (const std::string& name : report.set_never_read)
+        reads.push_back({name, 0});
     return reads;
 }
 
@@ -251,6 +269,17 @@ STATE state_of(const RUN_REPORT& report, const std::string& path)
     return state;
 }
 
+// What of the run's variables is known otherwise once they are changed.
+void note_changes(SNAPSHOT& snapshot, const std::vector<WHAT_IF>& changes)
+{
+    for (const WHAT_IF& change : changes)
+    {
+        snapshot.not_recorded.erase(change.name);
+        if (!change.value)
+            snapshot.known_unset.insert(change.name);
+    }
+}
+
 // What a change changes is made of the lines anew.
 SNAPSHOT_LISTS wanted_lists(const STATE_PARTS& parts, const SETTINGS_SCOPE& scope)
 {
@@ -273,11 +302,8 @@ STATE document_state(const std::string& path, const STATE_PARTS& parts, const SE
     if (report != nullptr || parts.settings || parts.checks || !scope.what_if.empty())
         state.layers = changed_layers(report != nullptr ? layers_of(*report) : layers_of(*state.snapshot),
                                       scope.what_if, *scope.secrets);
-    for (const WHAT_IF& change : scope.what_if)
-    {
-        if (report != nullptr && !change.value)
-            state.snapshot->known_unset.insert(change.name);
-    }
+    if (report != nullptr)
+        note_changes(*state.snapshot, scope.what_if);
     if (parts.snapshot && (report != nullptr || !scope.what_if.empty()))
         state.snapshot->variables = SNAPSHOT_VARIABLES(SETTINGS(state.layers));
     if (!parts.snapshot && report == nullptr)

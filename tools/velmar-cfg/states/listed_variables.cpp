@@ -54,8 +54,7 @@ void add_unset(const SETTINGS& settings, std::vector<LISTED_VARIABLE>& variables
     }
 }
 
-// Those that were read and have no value are added.
-void add_reads(const STATE& state, const SETTINGS& settings, std::vector<LISTED_VARIABLE>& variables)
+void count_reads(const STATE& state, std::vector<LISTED_VARIABLE>& variables)
 {
     BY_VARIABLE_NAME<std::uint64_t> counts;
     for (const READ_COUNT& read : *state.reads)
@@ -65,10 +64,17 @@ void add_reads(const STATE& state, const SETTINGS& settings, std::vector<LISTED_
         if (const auto found = counts.find(std::string(variable.name)); found != counts.end())
             variable.reads = found->second;
     }
+}
+
+// Those that were read and have no value.
+void add_read(const STATE& state, const SETTINGS& settings, std::vector<LISTED_VARIABLE>& variables)
+{
     for (const READ_COUNT& read : *state.reads)
     {
-        if (settings.find(read.name) == nullptr)
-            variables.push_back({read.name, std::nullopt, false, std::nullopt, default_of(read.name), read.count});
+        const ABSENT_VARIABLE known = state.absent_variable(read.name);
+        if (read.count > 0 && settings.find(read.name) == nullptr && known != ABSENT_VARIABLE::NOT_RECORDED)
+            variables.push_back(
+                {read.name, std::nullopt, false, std::nullopt, default_of(read.name), read.count, known});
     }
 }
 }
@@ -91,18 +97,23 @@ void for_each_listed(const STATE& state, const SETTINGS& settings, const LISTED_
         if (is_wanted(variable, kinds))
             take(variable);
     };
+    const std::vector<std::string_view> not_recorded = state.variables_not_recorded(settings);
     // What only walks over the settings keeps nothing of them.
-    if (!kinds.unset_too && !kinds.by_reads)
+    if (!kinds.unset_too && !kinds.by_reads && not_recorded.empty())
     {
         for_each_set(settings, take_wanted);
         return;
     }
     std::vector<LISTED_VARIABLE> variables;
     for_each_set(settings, [&variables](const LISTED_VARIABLE& variable) { variables.push_back(variable); });
+    for (const std::string_view name : not_recorded)
+        variables.push_back({name, std::nullopt, false, std::nullopt, {}, 0, ABSENT_VARIABLE::NOT_RECORDED});
     if (kinds.unset_too)
         add_unset(settings, variables);
+    if (state.reads)
+        count_reads(state, variables);
     if (kinds.by_reads)
-        add_reads(state, settings, variables);
+        add_read(state, settings, variables);
     std::ranges::stable_sort(variables, {}, &LISTED_VARIABLE::name);
     if (kinds.by_reads)
         std::ranges::stable_sort(variables, std::greater<>(), &LISTED_VARIABLE::reads);

@@ -22,11 +22,18 @@ struct LISTED_KINDS
 struct LISTED_VARIABLE
 {
     std::string_view name;
-    std::optional<std::string_view> value; // nothing when it is not set, or not known to be
+    std::optional<std::string_view> value; // nothing where none is known
     bool external = false;
     std::optional<LOCATION> location = {}; // of a variable that is set
     std::string_view default_text = {};    // the catalogue's; empty for none
     std::uint64_t reads = 0;
+    ABSENT_VARIABLE without_value = ABSENT_VARIABLE::UNSET; // what is known of one without a value
+
+    // Nothing where it is not known.
+    std::optional<bool> is_set() const
+    {
+        return value ? std::optional(true) : is_set_without_value(without_value);
+    }
 };
 
 // Throws TOOL_ERROR(USAGE) when the state cannot tell which variables these are.

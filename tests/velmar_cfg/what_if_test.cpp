@@ -179,7 +179,11 @@ TEST_F(WHAT_IF_COMMANDS, hide_secrets)
 TEST_F(WHAT_IF_COMMANDS, refuse_what_is_no_assignment)
 {
     EXPECT_EQ(run({"list", "--with", "a"}), (TOOL_RUN{2, "", "velmar-cfg: --with a: wants NAME=VALUE\n"}));
-    for (const char* const command : {"paths", "snapshot", "lint"})
-        EXPECT_EQ(run({command, "--with", "a=1"}).exit_code, 2) << command;
+    for (const char* const command : {"set", "unset", "run-report"})
+        EXPECT_EQ(run({command, "--without", "a"}),
+                  (TOOL_RUN{2, "",
+                            "velmar-cfg: only commands that show variables of a state take '--without'; see "
+                            "velmar-cfg " +
+                                std::string(command) + " --help\n"}));
 }
 }

@@ -148,7 +148,7 @@ void write_differences(const COMPARED_SNAPSHOT& a, const COMPARED_SNAPSHOT& b, c
         write_entry(difference.key, maker_as_text(difference.made_by), side_as_text(difference.a),
                     side_as_text(difference.b), out);
     if (!differences.undecided.empty())
-        write_heading("Masked on both sides, cannot tell", out);
+        write_heading("Masked, cannot be compared", out);
     for (const UNDECIDED_ROW& row : differences.undecided)
         out << "  " << printable(row.name) << "  (" << row.list << ")\n";
 }

@@ -112,20 +112,23 @@ EXIT_CODE get(const KEY_OPTIONS& options, TOOL& tool)
     shown->show_all(); // the value is what was asked for
     const STATE state = state_with_preferences(options.state, tool, shown);
     const PREFERENCE preference = preference_in(state, number);
+    const bool masked = has_hidden_parts(preference.value);
     if (tool.options.json)
         answer_in_json(tool,
                        [&](JSON_WRITER& out)
                        {
                            out.begin_object();
                            write_preference_fields(out, preference);
+                           out.field("masked", masked);
                            write_view_field(out, state);
                            out.end_object();
                        });
-    else if (!preference.value.empty())
+    else if (!preference.value.empty() && !masked)
         tool.out << preference.value << (tool.options.nul_terminated ? zero_byte : "\n");
-    if (!preference.value.empty())
+    if (!preference.value.empty() && !masked)
         return EXIT_CODE::FINE;
-    complain(preference.key + " is not set, and has no default");
+    complain(preference.key +
+             (masked ? " is masked in " + state.name + ": its value is not known" : " is not set, and has no default"));
     return EXIT_CODE::FINDINGS;
 }
 

@@ -18,6 +18,8 @@ struct STATE_OPTIONS
 };
 
 inline constexpr const char* state_option = "--of";
+inline constexpr const char* with_option = "--with";
+inline constexpr const char* without_option = "--without";
 
 // The option --of.
 void add_state_option(COMMAND& command, STATE_OPTIONS& options);

@@ -86,6 +86,7 @@ void write_fields(JSON_WRITER& out, const TYPED_ANSWER& answer)
     write_json(out, answer.value);
     out.field("usable", answer.usable);
     out.field("set", answer.has_value);
+    out.field("masked", answer.masked);
     out.field("text", text_is_known ? std::optional(answer.text) : std::nullopt);
     out.field("external", answer.external);
     write_location_fields(out, answer.location ? &*answer.location : nullptr);

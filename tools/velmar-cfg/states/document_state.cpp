@@ -228,7 +228,7 @@ void add_problems(const SNAPSHOT_BASIS& basis, const std::string& path, const ST
 {
     for (const SNAPSHOT_PROBLEM& problem : basis.problems)
     {
-        if (parts.checks || (problem.of_preferences ? parts.preferences : parts.settings))
+        if (parts.checks || parts.basis || (problem.of_preferences ? parts.preferences : parts.settings))
             files.add_problem(title_of_named_file(path) + ": " + problem.text);
     }
 }
@@ -284,7 +284,7 @@ void note_changes(SNAPSHOT& snapshot, const std::vector<WHAT_IF>& changes)
 SNAPSHOT_LISTS wanted_lists(const STATE_PARTS& parts, const SETTINGS_SCOPE& scope)
 {
     const bool changed = !scope.what_if.empty();
-    return {parts.settings || parts.checks || parts.preferences || changed, parts.snapshot && !changed};
+    return {parts.settings || parts.checks || parts.preferences || parts.basis || changed, parts.snapshot && !changed};
 }
 }
 

@@ -1,5 +1,7 @@
 #include "tools/velmar-cfg/states/state_answer.h"
 
+#include "tools/velmar-cfg/base/hidden_text.h"
+
 namespace
 {
 // No value, and why.
@@ -15,6 +17,11 @@ TYPED_ANSWER answer_of_state(const STATE& state, const SETTINGS& settings, const
                              const std::optional<TYPED_VALUE>& fallback, bool suggest)
 {
     TYPED_ANSWER answer = answer_typed(settings, name, type, fallback, suggest && state.knows_unset);
+    if (has_hidden_parts(answer.text))
+    {
+        answer.masked = true;
+        take_value_away(answer, "is masked in " + state.name + ": its value is not known");
+    }
     if (answer.is_set())
         return answer;
     const ABSENT_VARIABLE known = state.absent_variable(name);

@@ -11,7 +11,7 @@
 #include "tools/velmar-cfg/states/state.h"
 
 // As answer_typed, with what the state knows of a variable that none of its layers sets. The settings are those of the
-// state. A fallback stands in for a value that is not usable, not for one that the document leaves out.
+// state. A fallback stands in for a value that is not usable, not for one that the document leaves out or masks.
 TYPED_ANSWER answer_of_state(const STATE& state, const SETTINGS& settings, const std::string& name, READER_TYPE type,
                              const std::optional<TYPED_VALUE>& fallback, bool suggest);
 

@@ -324,4 +324,13 @@ TEST_F(GET, ends_the_value_with_a_zero_byte_on_request)
     write_file("velmar.ini", "a=1\n");
     EXPECT_EQ(run({"get", "a", "-z"}).out, std::string("1\0", 2));
 }
+
+TEST_F(GET, names_on_input_may_end_with_carriage_returns)
+{
+    write_file("velmar.ini", "a = 1\nb = 2\n");
+    write_file("names", "a\r\nb\r\nA");
+    standard_input = temporary.path("cwd/names");
+    EXPECT_EQ(run({"get", "--stdin"}), (TOOL_RUN{0, "a=1\nb=2\nA=1\n", ""}));
+    EXPECT_EQ(run({"get", "--stdin", "-z"}).exit_code, 1); // where it is part of the one name
+}
 }

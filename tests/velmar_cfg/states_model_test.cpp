@@ -242,6 +242,19 @@ TEST_F(STATES_MODEL, lists_what_is_changed)
     EXPECT_THAT(listed(state, {.only_external = true, .only_changed = true}), IsEmpty());
 }
 
+TEST_F(STATES_MODEL, what_has_no_default_is_changed_once_it_is_set)
+{
+    STATE state;
+    for (const auto& [name, value, changed] :
+         {std::tuple("debug_msg", "on", true), std::tuple("DEBUG_msg", "off", true),
+          std::tuple("cfg_max_to_report", "7", true), std::tuple("debug_msg", "", false),
+          std::tuple("debug_msgs", "on", false)})
+    {
+        state.layers = {layer_of(LAYER_KIND::MAIN_FILE, std::string(name) + "=" + value + "\n")};
+        EXPECT_EQ(listed(state, {.only_changed = true}).size(), changed ? 1U : 0U) << name << "=" << value;
+    }
+}
+
 TEST_F(STATES_MODEL, lists_what_is_known_and_not_set)
 {
     STATE state;

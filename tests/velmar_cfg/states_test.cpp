@@ -615,6 +615,48 @@ TEST_F(STATES, an_origin_that_is_not_known_is_called_so)
                           "  won   unknown  max_fanout = 12  (unknown source)\nread: 3 times\n"));
 }
 
+TEST_F(STATES, an_origin_that_is_not_known_may_be_narrowed_down)
+{
+    nlohmann::json report = nlohmann::json::parse(run_report_2);
+    const auto unknown = [](const char* name, nlohmann::json perhaps)
+    {
+        return nlohmann::json{{"name", name},
+                              {"count", 1},
+                              {"value", "1"},
+                              {"external", false},
+                              {"used", true},
+                              {"origin", "unknown"},
+                              {"perhaps", std::move(perhaps)}};
+    };
+    report["read"] = {unknown("one", {{{"source", 0}, {"line", 7}}, {{"source", 1}, {"item", 2}}}),
+                      unknown("two", nlohmann::json::array())};
+    report["external_never_read"] = nlohmann::json::array();
+    write_file("other.json", report.dump());
+    const ARGUMENTS of_report = {"--of", "other.json"};
+    const std::string perhaps = "perhaps /proj/velmar.ini:7, a text:2";
+    EXPECT_THAT(run(ARGUMENTS{"run-report", "other.json"}).out, HasSubstr("one=1  origin unknown, " + perhaps + "\n"));
+    EXPECT_THAT(run(ARGUMENTS{"explain", "one"} + of_report).out,
+                HasSubstr("  won   unknown, " + perhaps + "  one = 1  (unknown source)\n"));
+    EXPECT_THAT(run(ARGUMENTS{"explain", "two"} + of_report).out,
+                HasSubstr("  won   unknown  two = 1  (unknown source)\n"));
+    EXPECT_THAT(run(ARGUMENTS{"list", "--show-origin"} + of_report).out,
+                HasSubstr("\nunknown, " + perhaps + "\tone=1\nunknown\ttwo=1\n"));
+    EXPECT_THAT(run(ARGUMENTS{"layers"} + of_report).out,
+                HasSubstr("\nunknown source\n        two=1\nunknown source  " + perhaps + "\n        one=1\n"));
+    // JSON tells everywhere that it is unknown, and run-report alone where it may be.
+    for (const nlohmann::json& row :
+         {run(ARGUMENTS{"list", "--json"} + of_report).json().at(0),
+          run(ARGUMENTS{"get", "one", "--json"} + of_report).json(),
+          run(ARGUMENTS{"layers", "--json"} + of_report).json().at(0),
+          run(ARGUMENTS{"explain", "one", "--json"} + of_report).json().at("assignments").at(0)})
+    {
+        EXPECT_EQ(row.at("layer"), "unknown") << row;
+        EXPECT_EQ(row.at("file"), nullptr) << row;
+        EXPECT_EQ(row.at("line"), nullptr) << row;
+        EXPECT_EQ(row.at("item"), nullptr) << row;
+    }
+}
+
 TEST_F(STATES, a_snapshot_of_version_2_knows_where_its_values_stand)
 {
     EXPECT_EQ(run({"list", "--show-origin", "--of", "snapshot2.json"}).out,

@@ -38,6 +38,8 @@ COMPARED_SNAPSHOT side_of(STATE state)
 EXIT_CODE diff(const DIFF_OPTIONS& options, TOOL& tool)
 {
     const SETTINGS_SCOPE& scope = tool.options.scope;
+    if (options.b && !scope.project.empty())
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "--project names what A is compared with, and so does B; leave one out");
     scope.secrets->use_lasting_key();
     std::optional<RUN_REPORT> run;
     if (options.used)

@@ -108,15 +108,12 @@ EXIT_CODE explain(const EXPLAIN_OPTIONS& options, TOOL& tool)
         explanation.is_set = is_set_without_value(state.absent_variable(options.name));
     if (tool.options.json)
     {
-        answer_in_json(tool,
-                       [&](JSON_WRITER& out)
-                       {
-                           out.begin_object();
-                           write_fields(out, explanation);
-                           out.field("reads", state.reads_of(options.name));
-                           write_view_field(out, state);
-                           out.end_object();
-                       });
+        answer_with_view(tool, state,
+                         [&](JSON_WRITER& out)
+                         {
+                             write_fields(out, explanation);
+                             out.field("reads", state.reads_of(options.name));
+                         });
     }
     else
     {

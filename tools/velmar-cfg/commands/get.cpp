@@ -56,7 +56,8 @@ std::string safe_remark_on(const TYPED_ANSWER& answer, SECRETS& secrets)
         [&secrets](std::string_view name) { return secrets.is_secret_name(name); }, secrets);
 }
 
-// The names of the command line, or those on standard input, a line or, with -z, a record each.
+// The names of the command line, or those on standard input, a line, which may end as on other systems, or, with -z, a
+// record each.
 std::vector<std::string> names_of(const GET_OPTIONS& options, const TOOL& tool)
 {
     if (options.names_on_input && !options.names.empty())
@@ -73,6 +74,8 @@ std::vector<std::string> names_of(const GET_OPTIONS& options, const TOOL& tool)
     {
         const std::size_t end = std::min(text.find(tool.options.nul_terminated ? '\0' : '\n', begin), text.size());
         names.push_back(text.substr(begin, end - begin));
+        if (!tool.options.nul_terminated && names.back().ends_with('\r'))
+            names.back().pop_back();
         begin = end + 1;
     }
     return names;

@@ -136,7 +136,8 @@ private:
             if (goes_on)
                 continue;
             out << out.painted(STYLE::STRONG, layer_title(layer.kind));
-            if (is_file(layer.kind) || layer.kind == LAYER_KIND::INLINE_TEXT)
+            if (is_file(layer.kind) || layer.kind == LAYER_KIND::INLINE_TEXT ||
+                (layer.kind == LAYER_KIND::UNKNOWN && !layer.source->path.empty()))
                 out << "  " << printable(layer.source->path);
             if (!layer.source->problem.empty())
                 out << "  " << out.painted(STYLE::BAD, "(" + printable(layer.source->problem) + ")");

@@ -219,7 +219,8 @@ void add_list_command(COMMAND app, TOOL& tool)
         "--all", options->kinds.unset_too,
         "Also known variables that are not set: the catalogue's, with their defaults, and the library's own");
     command.add_flag("--changed", options->kinds.only_changed,
-                     "Only variables of the catalogue that are set to something else than their default");
+                     "Only known variables that are set to something else than their default, or to anything where the "
+                     "catalogue has none");
     command.add_flag("--read", options->kinds.by_reads,
                      "With how often the run read each, the most read first; of a run report");
     add_state_option(command, options->state);

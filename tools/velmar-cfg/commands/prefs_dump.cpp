@@ -23,15 +23,12 @@ EXIT_CODE dump(const PREFS_DUMP_OPTIONS& options, TOOL& tool)
     const PREFERENCE_DUMP dumped = dump_preferences(
         [&state](CFG_USER_INI_ENUMS number) { return state.preferences->look_up(number); }, options.only_changed);
     if (tool.options.json)
-        answer_in_json(tool,
-                       [&](JSON_WRITER& out)
-                       {
-                           out.begin_object();
-                           out.field("text", dumped.text);
-                           out.field("masked", dumped.masked);
-                           write_view_field(out, state);
-                           out.end_object();
-                       });
+        answer_with_view(tool, state,
+                         [&](JSON_WRITER& out)
+                         {
+                             out.field("text", dumped.text);
+                             out.field("masked", dumped.masked);
+                         });
     else
         tool.out << dumped.text; // a file, so nothing is escaped
     return EXIT_CODE::FINE;

@@ -39,4 +39,18 @@ void write_view(const STATE& state, OUTPUT& out);
 // The same as the member "view" of a JSON object.
 void write_view_field(JSON_WRITER& out, const STATE& state);
 
+// Answers with a JSON object about a state: the members that `write_members` writes, and the view.
+template <typename WRITE>
+void answer_with_view(TOOL& tool, const STATE& state, WRITE write_members)
+{
+    answer_in_json(tool,
+                   [&](JSON_WRITER& out)
+                   {
+                       out.begin_object();
+                       write_members(out);
+                       write_view_field(out, state);
+                       out.end_object();
+                   });
+}
+
 #endif

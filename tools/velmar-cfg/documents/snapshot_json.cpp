@@ -69,7 +69,8 @@ LOCATION read_location(const JSON_NODE& row, std::optional<std::string>& file)
     const bool in_file = is_file(kind);
     if (file.has_value() != in_file || line.has_value() != in_file || item.has_value() == in_file)
         row.refuse("row with file and line, or else an item, as its layer has");
-    return {kind, in_file ? std::string_view(*file) : inline_source, line.value_or(item.value_or(0))};
+    const std::string_view elsewhere = kind == LAYER_KIND::UNKNOWN ? "" : inline_source;
+    return {kind, in_file ? std::string_view(*file) : elsewhere, line.value_or(item.value_or(0))};
 }
 
 TYPED_READINGS read_readings(const JSON_NODE& readings)

@@ -70,10 +70,11 @@ public:
         if (origin.place)
             winner = origin.place->source;
         for (const RUN_ASSIGNMENT& lost : origin.overridden)
-            rows[{lost.place.source <= winner, lost.place.source, LOST}].emplace_back(name, lost.value,
-                                                                                      lost.place.position);
-        rows[{true, winner, external ? WON_EXTERNAL : WON}].emplace_back(name, value,
-                                                                         origin.place ? origin.place->position : 0);
+            rows[{lost.place.source <= winner, lost.place.source, LOST, ""}].emplace_back(name, lost.value,
+                                                                                          lost.place.position);
+        const std::string perhaps = origin.perhaps.empty() ? "" : "perhaps " + first_few_places(origin.perhaps, report);
+        rows[{true, winner, external ? WON_EXTERNAL : WON, perhaps}].emplace_back(
+            name, value, origin.place ? origin.place->position : 0);
     }
 
     LAYERS layers()
@@ -81,9 +82,9 @@ public:
         LAYERS all;
         for (auto& [group, literals] : rows)
         {
-            const auto& [in_order, source, part] = group;
+            const auto& [in_order, source, part, perhaps] = group;
             std::ranges::stable_sort(literals, {}, &LITERAL::position);
-            LAYER layer = layer_of(source);
+            LAYER layer = layer_of(source, perhaps);
             layer.literals = std::make_shared<const std::vector<LITERAL>>(std::move(literals));
             layer.external = part == WON_EXTERNAL;
             all.push_back(std::move(layer));
@@ -100,21 +101,22 @@ private:
         WON_EXTERNAL,
     };
 
-    LAYER layer_of(std::size_t source) const
+    LAYER layer_of(std::size_t source, const std::string& perhaps) const
     {
-        LAYER_KIND kind = source == report.sources.size() ? LAYER_KIND::PROGRAM : LAYER_KIND::UNKNOWN;
-        std::string path = "the program";
+        const bool by_program = source == report.sources.size();
+        LAYER_KIND kind = by_program ? LAYER_KIND::PROGRAM : LAYER_KIND::UNKNOWN;
+        std::string path = by_program ? "the program" : perhaps;
         if (source < report.sources.size())
         {
             const RUN_SOURCE& applied = report.sources[source];
             kind = applied.layer.value_or(LAYER_KIND::PROGRAM);
-            path = applied.path.value_or(applied.layer ? inline_source : "a text");
+            path = source_as_text(applied);
         }
         return {kind, std::make_shared<const INPUT_FILE>(INPUT_FILE{std::move(path), {}, {}})};
     }
 
     const RUN_REPORT& report;
-    std::map<std::tuple<bool, std::size_t, PART>, std::vector<LITERAL>> rows;
+    std::map<std::tuple<bool, std::size_t, PART, std::string>, std::vector<LITERAL>> rows; // the text: where perhaps
 };
 
 LAYERS layers_of(const RUN_REPORT& report)

@@ -19,11 +19,14 @@ std::string_view default_of(std::string_view name)
     return known == nullptr ? std::string_view() : std::string_view(known->default_text);
 }
 
-// A text that is no switch is another value than every default.
+// A text that is no switch is another value than every default. What has no default is changed by all but the empty
+// text, which reads as if it was not set.
 bool is_changed(const LISTED_VARIABLE& variable)
 {
-    if (!variable.value || variable.default_text.empty())
+    if (!variable.value)
         return false;
+    if (variable.default_text.empty())
+        return !variable.value->empty() && find_known_variable(variable.name) != nullptr;
     const std::optional<bool> value = read_typed(*variable.value).boolean;
     return has_hidden_parts(*variable.value) || !value || value != read_typed(variable.default_text).boolean;
 }

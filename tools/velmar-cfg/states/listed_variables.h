@@ -14,9 +14,10 @@
 struct LISTED_KINDS
 {
     bool only_external = false;
-    bool only_changed = false; // of the catalogue, and read by a switch's reader as another value than their default
-    bool unset_too = false;    // those that are known and not set
-    bool by_reads = false;     // the most read first, instead of by name
+    bool only_changed =
+        false; // known, and read by a switch's reader as another value than their default; without one, set
+    bool unset_too = false; // those that are known and not set
+    bool by_reads = false;  // the most read first, instead of by name
 };
 
 struct LISTED_VARIABLE

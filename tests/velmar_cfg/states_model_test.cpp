@@ -365,8 +365,8 @@ TEST_F(STATES_MODEL, marks_are_compared_with_what_stands_in_their_place)
     constexpr SAMENESS different = SAMENESS::DIFFERENT;
     constexpr SAMENESS unknown = SAMENESS::UNKNOWN;
     for (const ROW& row :
-         {ROW{a, "a", same, unknown}, ROW{a, "b", different, unknown}, ROW{a, "", different, different},
-          ROW{other, "a", unknown, unknown}, ROW{"x=" + a, "x=a", same, unknown},
+         {ROW{a, "a", same, unknown}, ROW{a, "b", different, unknown}, ROW{a, "1", different, different},
+          ROW{a, "", different, different}, ROW{other, "a", unknown, unknown}, ROW{"x=" + a, "x=a", same, unknown},
           ROW{"x=" + a, "y=a", different, different}, ROW{"x=" + a, "x=", different, different},
           ROW{a + ";y", "a;y", same, unknown}, ROW{a + ";y", "a;z", different, different},
           ROW{a + ";y", "a;y;y", same, unknown}, ROW{a + ";" + own("b"), "a;b", same, unknown},

@@ -270,6 +270,39 @@ TEST_F(DIFF, paints_the_sides)
                       HasSubstr("\n    \x1b[31mA  23.3\x1b[0m\n    \x1b[32mB  23.4\x1b[0m\n")));
 }
 
+TEST_F(DIFF, heads_fit_a_line)
+{
+    const std::string deep =
+        temporary.path("cwd") + "/" + std::string(60, 'd') + "/\xc3\xa9" + std::string(28, 'e') + "/cpu";
+    write_file(deep + "/velmar.ini", "a = 1\n");
+    write_file("gpu/velmar.ini", "a = 2\n");
+    const auto first_line = [](const std::string& text) { return text.substr(0, text.find('\n')); };
+    const std::string of_project = first_line(run({"diff", deep, "gpu"}).out);
+    EXPECT_EQ(of_project, "A  " + deep.substr(0, 12) + "..." + std::string(26, 'e') + "/cpu (velmar 23.4)");
+    // The character that would be cut in two is left out.
+    const std::string two =
+        temporary.path("cwd") + "/" + std::string(60, 'd') + "/\xc3\xa9" + std::string(25, 'e') + "/cpu";
+    write_file(two + "/velmar.ini", "a = 1\n");
+    EXPECT_EQ(first_line(run({"diff", two, "gpu"}).out),
+              "A  " + two.substr(0, 12) + "..." + std::string(25, 'e') + "/cpu (velmar 23.4)");
+    ASSERT_EQ(run({"snapshot", "--project", deep, "-o", "deep.json"}).exit_code, 0);
+    const std::string of_snapshot = first_line(run({"diff", "deep.json", "gpu"}).out);
+    EXPECT_EQ(of_snapshot,
+              "A  deep.json (velmar 23.4, project " + deep.substr(0, 12) + "..." + std::string(26, 'e') + "/cpu)");
+    const TOOL_RUN long_view = run({"diff", "monday.json", "gpu", "--with", "x=" + std::string(500, 'v')});
+    const std::size_t at = long_view.out.find("\nB  ") + 1;
+    EXPECT_EQ(long_view.out.find('\n', at) - at, 120U);
+    EXPECT_THAT(long_view.out, HasSubstr("vvv...\n"));
+    EXPECT_EQ(run({"diff", deep, "gpu", "--json"}).json().at("a").at("title"), deep);
+}
+
+TEST_F(DIFF, refuses_a_project_beside_two_states)
+{
+    write_file("cpu/velmar.ini", "a = 1\n");
+    EXPECT_EQ(run({"--project", "cpu", "diff", "monday.json", "tuesday.json"}),
+              (TOOL_RUN{2, "", "velmar-cfg: --project names what A is compared with, and so does B; leave one out\n"}));
+}
+
 // --- What is now ---
 
 TEST_F(DIFF, compares_a_snapshot_with_now)

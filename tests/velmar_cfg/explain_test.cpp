@@ -75,7 +75,7 @@ TEST_F(EXPLAIN, writes_json)
         "readings": {"bool": null, "int": null, "uint": null, "double": 2.5, "double_whole": false},
         "known": true, "default": "on",
         "hints": [{"reason": "no-boolean", "text":
-            "project/regtest.ini:2: '2.5ms' is no boolean, so readers of 'msg_sqlite' take their default; write 'msg_sqlite = on' or 'msg_sqlite = off'"}]
+            "project/regtest.ini:2: '2.5ms' is no boolean, so readers of 'msg_sqlite' take their default; write 'msg_sqlite = on' or 'msg_sqlite = off'"}], "reads": null
         })"_json);
 }
 

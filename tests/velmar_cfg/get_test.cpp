@@ -86,17 +86,21 @@ TEST_F(GET, writes_json)
     write_file("velmar.ini", "# two lines\nDebug_Level = 2\n");
     const TOOL_RUN got = run({"get", "debug_level", "--json"});
     EXPECT_EQ(got.exit_code, 0);
-    EXPECT_EQ(got.json(), nlohmann::json::parse(
-                              R"({"name": "debug_level", "type": "text", "value": "2", "usable": true, "text": "2",
+    EXPECT_EQ(
+        got.json(),
+        nlohmann::json::parse(
+            R"({"name": "debug_level", "type": "text", "value": "2", "usable": true, "set": true, "masked": false, "text": "2",
                       "external": true, "layer": "main", "file": ")" +
-                              temporary.path("cwd/velmar.ini") + R"(", "line": 2, "item": null})"));
+            temporary.path("cwd/velmar.ini") + R"(", "line": 2, "item": null})"));
 }
 
 TEST_F(GET, writes_json_of_the_same_fields_for_a_variable_without_a_value)
 {
     const TOOL_RUN got = run({"get", "nothing", "--json", "--type", "int"});
     EXPECT_EQ(got.exit_code, 1);
-    EXPECT_EQ(got.json(), R"({"name": "nothing", "type": "int", "value": null, "usable": false, "text": "",
+    EXPECT_EQ(
+        got.json(),
+        R"({"name": "nothing", "type": "int", "value": null, "usable": false, "set": false, "masked": false, "text": "",
                               "external": false, "layer": null, "file": null, "line": null, "item": null})"_json);
     EXPECT_EQ(got.err, "velmar-cfg: 'nothing' is not set\n");
 }
@@ -319,5 +323,14 @@ TEST_F(GET, ends_the_value_with_a_zero_byte_on_request)
 {
     write_file("velmar.ini", "a=1\n");
     EXPECT_EQ(run({"get", "a", "-z"}).out, std::string("1\0", 2));
+}
+
+TEST_F(GET, names_on_input_may_end_with_carriage_returns)
+{
+    write_file("velmar.ini", "a = 1\nb = 2\n");
+    write_file("names", "a\r\nb\r\nA");
+    standard_input = temporary.path("cwd/names");
+    EXPECT_EQ(run({"get", "--stdin"}), (TOOL_RUN{0, "a=1\nb=2\nA=1\n", ""}));
+    EXPECT_EQ(run({"get", "--stdin", "-z"}).exit_code, 1); // where it is part of the one name
 }
 }

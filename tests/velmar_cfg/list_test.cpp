@@ -78,13 +78,13 @@ TEST_F(LIST, writes_json_rows)
     variables["APPENDED_VELMAR_INI"] = "appended.ini";
     variables["VELMAR_INI_VARS"] = "skipped;c=3";
     EXPECT_EQ(run({"list", "--json", "--project", "project", "--regtest"}).json(), R"([
-        {"name": "a", "value": "1", "external": true,
+        {"name": "a", "set": true, "value": "1", "external": true,
          "layer": "main", "file": "project/velmar.ini", "line": 2, "item": null},
-        {"name": "bb", "value": "", "external": false,
+        {"name": "bb", "set": true, "value": "", "external": false,
          "layer": "appended", "file": "appended.ini", "line": 1, "item": null},
-        {"name": "both", "value": "regtest", "external": true,
+        {"name": "both", "set": true, "value": "regtest", "external": true,
          "layer": "regtest", "file": "project/regtest.ini", "line": 1, "item": null},
-        {"name": "c", "value": "3", "external": true,
+        {"name": "c", "set": true, "value": "3", "external": true,
          "layer": "inline", "file": null, "line": null, "item": 2}])"_json);
 }
 
@@ -116,12 +116,12 @@ TEST_F(LIST, shows_known_variables_that_are_not_set)
     EXPECT_EQ(std::count(all.begin(), all.end(), '\n'), 42);
     EXPECT_EQ(run({"list", "--all", "debug_msg", "-z"}).out, "debug_msg\0"s);
     EXPECT_EQ(run({"list", "--all", "*msg_sqlite", "--json"}).json(), nlohmann::json::parse(R"([
-        {"name": "MSG_sqlite", "value": "off", "external": true, "layer": "main", "file": ")" +
+        {"name": "MSG_sqlite", "set": true, "value": "off", "external": true, "layer": "main", "file": ")" +
                                                                                             temporary.path("cwd") +
                                                                                             R"(/velmar.ini",
          "line": 1, "item": null, "default": "on"}])"));
     EXPECT_EQ(run({"list", "--all", "debug_msg", "--json"}).json(), R"([
-        {"name": "debug_msg", "value": null, "external": false, "layer": null, "file": null, "line": null,
+        {"name": "debug_msg", "set": false, "value": null, "external": false, "layer": null, "file": null, "line": null,
          "item": null, "default": null}])"_json);
     unlink("velmar.ini");
     EXPECT_EQ(run({"list", "--all", "msg_sqlite"}).out, "msg_sqlite\tnot set, default on\n");
@@ -150,7 +150,7 @@ TEST_F(LIST, sorts_by_reads)
                                                                      "1\0a=12\0"
                                                                      "0\0c=1\0"s);
     EXPECT_EQ(run({"list", "a", "--read", "--of", "run.json", "--json"}).json(), R"([
-        {"name": "a", "value": "12", "external": true, "layer": "unknown", "file": null, "line": null, "item": null,
+        {"name": "a", "set": true, "value": "12", "external": true, "layer": "unknown", "file": null, "line": null, "item": null,
          "reads": 1}])"_json);
     EXPECT_EQ(run({"list", "--read", "--external", "--of", "run.json"}).out, view + "1\ta=12\n0\tc=1\n");
 }

@@ -365,6 +365,47 @@ TEST_F(MASKING, tells_changed_from_same)
                       HasSubstr("bytes, SHA-256 \\(masked "), Not(HasSubstr("cannot tell"))));
 }
 
+TEST_F(MASKING, compares_masks_with_secrets_that_are_shown)
+{
+    ASSERT_EQ(run({"snapshot", "-o", "a.json"}).exit_code, 0);
+    EXPECT_EQ(run({"diff", "a.json", "--with-secrets"}), (TOOL_RUN{0, "", ""}));
+    std::ofstream("velmar.ini", std::ios::app) << "db_password = S3CRETw\n";
+    const json differences = run({"diff", "a.json", "--with-secrets", "--json"}).json();
+    ASSERT_EQ(differences.at("variables").size(), 1U);
+    EXPECT_EQ(differences.at("variables")[0].at("b").at("value"), "S3CRETw");
+    EXPECT_EQ(differences.at("variables")[0].at("made_by"), "main");
+    ASSERT_EQ(differences.at("files").size(), 1U);
+    EXPECT_EQ(differences.at("files")[0].at("role"), "main");
+    EXPECT_EQ(differences.at("cannot_tell"), json::array());
+    // Under another key nothing is said of them, but for the quotes that are shown beside the mask.
+    variables["XDG_DATA_HOME"] = temporary.path("other");
+    const json under_other_key = run({"diff", "a.json", "--with-secrets", "--json"}).json();
+    ASSERT_EQ(under_other_key.at("variables").size(), 1U);
+    EXPECT_EQ(under_other_key.at("variables")[0].at("name"), "db_password");
+    EXPECT_EQ(under_other_key.at("files"), json::array());
+    EXPECT_THAT(under_other_key.at("cannot_tell").dump(), HasSubstr(R"({"name":"api_token","what":"variables"})"));
+}
+
+TEST_F(MASKING, get_prints_no_mask)
+{
+    ASSERT_EQ(run({"snapshot", "-o", "a.json"}).exit_code, 0);
+    for (const char* const type : {"text", "int", "bool"})
+        EXPECT_EQ(run({"get", "api_token", "--of", "a.json", "--type", type}),
+                  (TOOL_RUN{1, "", "velmar-cfg: 'api_token' is masked in a.json: its value is not known\n"}))
+            << type;
+    EXPECT_EQ(run({"get", "api_token", "--of", "a.json", "--default", "x"}).out, "");
+    EXPECT_EQ(run({"get", "api_token", "max_tokens", "--of", "a.json"}).out.find("api_token\nmax_tokens="), 0U);
+    const json got = run({"get", "api_token", "--of", "a.json", "--json"}).json();
+    EXPECT_EQ(got.at("masked"), true);
+    EXPECT_EQ(got.at("set"), true);
+    EXPECT_EQ(got.at("usable"), false);
+    EXPECT_EQ(got.at("value"), nullptr);
+    EXPECT_EQ(run({"prefs", "get", "CLOUD_TOKEN", "--of", "a.json"}),
+              (TOOL_RUN{1, "", "velmar-cfg: CLOUD_TOKEN is masked in a.json: its value is not known\n"}));
+    EXPECT_EQ(run({"prefs", "get", "CLOUD_TOKEN", "--of", "a.json", "--json"}).json().at("masked"), true);
+    EXPECT_EQ(run({"prefs", "get", "CLOUD_TOKEN", "--json"}).json().at("masked"), false);
+}
+
 TEST_F(MASKING, cannot_tell_under_different_keys_which_is_no_difference)
 {
     ASSERT_EQ(run({"snapshot", "-o", "a.json"}).exit_code, 0);
@@ -372,7 +413,7 @@ TEST_F(MASKING, cannot_tell_under_different_keys_which_is_no_difference)
     const TOOL_RUN diff = run({"diff", "a.json"});
     EXPECT_EQ(diff.exit_code, 0) << diff.out;
     EXPECT_THAT(diff.out, AllOf(StartsWith("A  a.json (velmar 23.4)\nB  now (velmar 23.4)\n\n"
-                                           "Masked on both sides, cannot tell\n  VELMAR_INI_VARS  (environment)\n"
+                                           "Masked, cannot be compared\n  VELMAR_INI_VARS  (environment)\n"
                                            "  main  (files)\n"),
                                 HasSubstr("\n  api_token  (variables)\n"),
                                 HasSubstr("\n  CLOUD_TOKEN  (preferences)\n"), Not(HasSubstr("max_tokens"))));

@@ -14,6 +14,12 @@ using namespace zon_cfg;
 
 namespace
 {
+PREFERENCE_DUMP dump_of(const PREFERENCES& preferences, bool only_changed)
+{
+    return dump_preferences([&preferences](CFG_USER_INI_ENUMS number) { return preferences.look_up(number); },
+                            only_changed);
+}
+
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -37,7 +43,7 @@ class PREFERENCE_DUMP_TEST : public testing::TestWithParam<DUMPED>
 
 TEST_P(PREFERENCE_DUMP_TEST, is_a_file_of_the_running_release)
 {
-    const PREFERENCE_DUMP dump = dump_preferences(PREFERENCES(GetParam().file), true);
+    const PREFERENCE_DUMP dump = dump_of(PREFERENCES(GetParam().file), true);
     EXPECT_EQ(dump.text, GetParam().text);
     EXPECT_THAT(dump.masked, testing::IsEmpty());
 }
@@ -66,7 +72,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(PREFERENCE_DUMPS, hold_the_defaults_too)
 {
-    const std::string text = dump_preferences(PREFERENCES("[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n"), false).text;
+    const std::string text = dump_of(PREFERENCES("[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n"), false).text;
     EXPECT_THAT(text, HasSubstr("\nHDL_PREFERENCE = VHDL\n"));
     EXPECT_THAT(text, HasSubstr("\n[Messages 23.4_pro]\n"));
     EXPECT_THAT(text, HasSubstr("\nSHOW_MESSAGE_ID = on\n"));
@@ -78,7 +84,7 @@ TEST(PREFERENCE_DUMPS, leave_out_what_is_masked)
     SECRETS secrets;
     const std::string text =
         "[Cloud 23.4_pro]\nCLOUD_TOKEN = hush-hush\nCLOUD_SERVER = http://h/?token=hush-hush\nCLOUD_USER_ID = me\n";
-    const PREFERENCE_DUMP dump = dump_preferences(PREFERENCES(hide_in_preference_text(text, secrets).value()), true);
+    const PREFERENCE_DUMP dump = dump_of(PREFERENCES(hide_in_preference_text(text, secrets).value()), true);
     EXPECT_THAT(dump.masked, testing::UnorderedElementsAre("CLOUD_TOKEN", "CLOUD_SERVER"));
     EXPECT_THAT(dump.text, HasSubstr("# CLOUD_TOKEN is masked; --with-secrets writes it\n"));
     EXPECT_THAT(dump.text, testing::EndsWith("\n\n[Cloud 23.4_pro]\nCLOUD_USER_ID = me\n"));
@@ -225,7 +231,7 @@ TEST_F(PREFERENCE_TRANSFER_BESIDE_THE_LIBRARY, keeps_every_answer)
         const std::string bytes = seed % 2 == 0 ? generated_values(generate) : generated_preference_file(generate);
         const std::vector<std::string> expected = answers(bytes);
         const bool only_changed = seed % 4 < 2;
-        const std::string dump = dump_preferences(PREFERENCES(bytes), only_changed).text;
+        const std::string dump = dump_of(PREFERENCES(bytes), only_changed).text;
         ASSERT_EQ(answers(dump), expected) << bytes;
 
         const std::vector<PREFERENCE_CHANGE> changes = changes_of(dump);

@@ -84,12 +84,66 @@ TEST_F(PROCESS_STATE, takes_the_sources_that_its_environment_names)
     const auto program =
         start_program({"APPENDED_VELMAR_INI=../appended.ini", "VELMAR_INI_VARS=inline=its", "HOME=" + its("home")});
     EXPECT_THAT(run({"list", "--show-origin", "--of", program->state()}).out,
-                HasSubstr("\n../appended.ini:1\tappended=its\nVELMAR_INI_VARS:1\tinline=its\n" + its("cwd") +
-                          "/velmar.ini:1\tplace=its/cwd\n"));
+                HasSubstr("\n" + its("cwd/../appended.ini:1\tappended=its") + "\nVELMAR_INI_VARS:1\tinline=its\n" +
+                          its("cwd") + "/velmar.ini:1\tplace=its/cwd\n"));
     EXPECT_EQ(run({"prefs", "get", "HDL_PREFERENCE", "--of", program->state()}).out, "KHDL\n");
     EXPECT_EQ(run({"prefs", "get", "HDL_PREFERENCE"}).out, "VHDL\n");
     const auto disabled = start_program({"VELMAR_INI_DISABLED=1"});
     EXPECT_EQ(run({"get", "place", "--of", disabled->state()}).exit_code, 1);
+}
+
+// Whoever reads of the process stands in another directory.
+TEST_F(PROCESS_STATE, names_its_files_from_the_root_on)
+{
+    EXPECT_EQ(unlink("its/cwd/velmar.ini"), 0);
+    write_file("its/cwd/conf/velmar.ini", "place = conf\nno assignment\n");
+    write_file("its/cwd/conf/appended.ini", "place = appended\nnor here\n");
+    write_file("its/cwd/user/velmar2.ini", "no preference\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n");
+    const auto program = start_program(
+        {"VELMAR_INI=conf", "APPENDED_VELMAR_INI=./conf/appended.ini", "VELMAR2_INI=user", "HOME=" + its("home")});
+    const std::string main = its("cwd/conf/velmar.ini");
+    const std::string appended = its("cwd/conf/appended.ini");
+    const std::string preferences = its("cwd/user/velmar2.ini");
+    struct ROW
+    {
+        std::vector<std::string> words;
+        std::vector<std::string> paths; // that it shows
+    };
+    const ROW rows[] = {
+        {{"list", "--show-origin"}, {"\n" + appended + ":1\t"}},
+        {{"list", "--json"}, {"\"" + appended + "\""}},
+        {{"get", "place", "--json"}, {"\"" + appended + "\""}},
+        {{"explain", "place"}, {"lost  " + main + ":1 ", "won   " + appended + ":1 "}},
+        {{"explain", "place", "--json"}, {"\"" + main + "\"", "\"" + appended + "\""}},
+        {{"layers"}, {"main settings file  " + main + "\n", "APPENDED_VELMAR_INI  " + appended + "\n"}},
+        {{"layers", "--json"}, {"\"" + main + "\"", "\"" + appended + "\""}},
+        {{"lint"}, {"\n" + main + ":2:", "\n" + appended + ":2:", "\n" + preferences + ":1:"}},
+        {{"lint", "--json"}, {"\"" + main + "\"", "\"" + appended + "\"", "\"" + preferences + "\""}},
+        {{"lint", "--format", "sarif"}, {main, appended, preferences}},
+        {{"paths"}, {" " + main + "\n", " " + appended + "\n", " " + preferences + "\n"}},
+        {{"prefs", "explain", "HDL_PREFERENCE"}, {"lines of " + preferences + ", "}},
+        {{"snapshot"}, {"\"" + main + "\"", "\"" + appended + "\"", "\"" + preferences + "\""}},
+    };
+    for (const ROW& row : rows)
+    {
+        std::vector<std::string> words = row.words;
+        words.insert(words.end(), {"--of", program->state()});
+        const TOOL_RUN got = run(words);
+        EXPECT_EQ(got.err, "");
+        for (const std::string& path : row.paths)
+            EXPECT_THAT(got.out, HasSubstr(path)) << testing::PrintToString(row.words);
+        // Beside them, only variables of the environment hold relative ones.
+        EXPECT_THAT(got.out, Not(HasSubstr("\"conf/"))) << testing::PrintToString(row.words);
+        EXPECT_THAT(got.out, Not(HasSubstr("\nconf/"))) << testing::PrintToString(row.words);
+        EXPECT_THAT(got.out, Not(HasSubstr(" conf/"))) << testing::PrintToString(row.words);
+        EXPECT_THAT(got.out, Not(HasSubstr("\"user/"))) << testing::PrintToString(row.words);
+    }
+    const TOOL_RUN compared = run({"diff", program->state(), "its/opt", "--json"});
+    EXPECT_THAT(compared.out, AllOf(HasSubstr("\"" + main + "\""), HasSubstr("\"" + appended + "\""),
+                                    HasSubstr("\"" + preferences + "\""), Not(HasSubstr("\"conf/"))));
+    // What cannot be read is called so too.
+    const auto barred = start_program({"APPENDED_VELMAR_INI=conf"});
+    EXPECT_EQ(run({"list", "--of", barred->state()}).err.find("velmar-cfg: " + its("cwd/conf") + ": "), 0U);
 }
 
 TEST_F(PROCESS_STATE, takes_nothing_else_of_its_environment)
@@ -334,6 +388,15 @@ TEST_F(EXECUTABLE_STATE, reads_as_if_it_was_started_here)
     make_waiting_executable(its("opt/tools/velmar"));
     EXPECT_THAT(run({"paths", "--of", "exe:its/opt/tools/velmar"}).out,
                 HasSubstr("installation          " + its("opt/tools/bin/velmar.ini")));
+}
+
+TEST_F(EXECUTABLE_STATE, names_its_files_from_the_root_on)
+{
+    make_waiting_executable(its("opt/bin/velmar"));
+    variables["APPENDED_VELMAR_INI"] = "its/appended.ini";
+    EXPECT_THAT(run({"list", "--show-origin", "--of", "exe:its/opt/bin/velmar"}).out,
+                HasSubstr("\n" + its("appended.ini") + ":1\tappended=its\n"));
+    EXPECT_THAT(run({"list", "--show-origin"}).out, StartsWith("its/appended.ini:1\tappended=its\n"));
 }
 
 TEST_F(EXECUTABLE_STATE, what_is_no_executable_is_refused)

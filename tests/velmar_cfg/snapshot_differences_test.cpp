@@ -231,6 +231,7 @@ TEST(FILE_DIFFERENCES, are_those_of_the_contents)
     SNAPSHOT_FILE without_layer = missing_file();
     without_layer.path.reset();
     const std::string masked = mark_under('a', '1');
+    const std::string hash(64, 'f');
     const FILE_CASE rows[] = {
         {"the same hash", file_with("11"), file_with("11"), SAMENESS::SAME},
         {"the same hash at another path", file_with("11"), elsewhere, SAMENESS::SAME},
@@ -252,8 +253,7 @@ TEST(FILE_DIFFERENCES, are_those_of_the_contents)
         {"now and another document that shows secrets", file_with(masked, "11"), file_with("12"), SAMENESS::DIFFERENT},
         {"now and a document without the file", file_with(masked, "11"), missing_file(), SAMENESS::DIFFERENT},
         {"now without secrets, and a document", file_with("11", "11"), file_with("11"), SAMENESS::SAME},
-        {"now without secrets, and a document with some", file_with("11", "11"), file_with(masked),
-         SAMENESS::DIFFERENT},
+        {"now without secrets, and a document with some", file_with(hash, hash), file_with(masked), SAMENESS::UNKNOWN},
         {"two documents under other keys", file_with(masked), file_with(mark_under('b', '1')), SAMENESS::UNKNOWN},
     };
     for (const FILE_CASE& row : rows)

@@ -242,6 +242,19 @@ TEST_F(STATES_MODEL, lists_what_is_changed)
     EXPECT_THAT(listed(state, {.only_external = true, .only_changed = true}), IsEmpty());
 }
 
+TEST_F(STATES_MODEL, what_has_no_default_is_changed_once_it_is_set)
+{
+    STATE state;
+    for (const auto& [name, value, changed] :
+         {std::tuple("debug_msg", "on", true), std::tuple("DEBUG_msg", "off", true),
+          std::tuple("cfg_max_to_report", "7", true), std::tuple("debug_msg", "", false),
+          std::tuple("debug_msgs", "on", false)})
+    {
+        state.layers = {layer_of(LAYER_KIND::MAIN_FILE, std::string(name) + "=" + value + "\n")};
+        EXPECT_EQ(listed(state, {.only_changed = true}).size(), changed ? 1U : 0U) << name << "=" << value;
+    }
+}
+
 TEST_F(STATES_MODEL, lists_what_is_known_and_not_set)
 {
     STATE state;
@@ -331,6 +344,41 @@ TEST_F(STATES_MODEL, bytes_that_a_run_report_lost_are_no_difference)
     const SNAPSHOT whole = snapshot_of({{"n\xff", "v\xfe"}, {"m", "x\xff"}});
     EXPECT_THAT(differences_of(run, whole), ElementsAre("m: w\xef\xbf\xbd | x\xff"));
     EXPECT_THAT(differences_of(whole, run), ElementsAre("m: x\xff | w\xef\xbf\xbd"));
+}
+
+TEST_F(STATES_MODEL, marks_are_compared_with_what_stands_in_their_place)
+{
+    const auto mark_under = [](char key, std::string_view text) {
+        return mark_of({std::string(16, key), std::string(16, text.front()), true});
+    };
+    const auto own = [&mark_under](std::string_view text) { return mark_under('1', text); };
+    const std::string a = own("a");
+    const std::string other = mark_under('2', "a");
+    struct ROW
+    {
+        std::string masked;
+        const char* plain;
+        SAMENESS sameness;
+        SAMENESS without_key;
+    };
+    constexpr SAMENESS same = SAMENESS::SAME;
+    constexpr SAMENESS different = SAMENESS::DIFFERENT;
+    constexpr SAMENESS unknown = SAMENESS::UNKNOWN;
+    for (const ROW& row :
+         {ROW{a, "a", same, unknown}, ROW{a, "b", different, unknown}, ROW{a, "1", different, different},
+          ROW{a, "", different, different}, ROW{other, "a", unknown, unknown}, ROW{"x=" + a, "x=a", same, unknown},
+          ROW{"x=" + a, "y=a", different, different}, ROW{"x=" + a, "x=", different, different},
+          ROW{a + ";y", "a;y", same, unknown}, ROW{a + ";y", "a;z", different, different},
+          ROW{a + ";y", "a;y;y", same, unknown}, ROW{a + ";" + own("b"), "a;b", same, unknown},
+          ROW{a + ";" + own("b"), "a;c", unknown, unknown}, ROW{a + ";" + own("b"), "ab", different, different},
+          ROW{a + own("b"), "ab", unknown, unknown}})
+    {
+        EXPECT_EQ(compare_masked(row.masked, row.plain, own), row.sameness) << row.masked << " and " << row.plain;
+        EXPECT_EQ(compare_masked(row.plain, row.masked, own), row.sameness) << row.masked << " and " << row.plain;
+        EXPECT_EQ(compare_masked(row.masked, row.plain, nullptr), row.without_key) << row.masked << " " << row.plain;
+    }
+    EXPECT_EQ(compare_masked(a, a, nullptr), same);
+    EXPECT_EQ(compare_masked("x", "x", nullptr), same);
 }
 
 TEST_F(STATES_MODEL, what_a_run_left_unset_can_differ)

@@ -70,7 +70,13 @@ constexpr CELL no_snapshot = {
     2, "%: a snapshot of version 1 or 2 holds only the values that won and where they stand: neither other lines nor "
        "the search"};
 constexpr CELL no_run = {2, "%: a run report holds only variables that were set or asked for"};
-constexpr CELL document_already = {2, "%: is a document already; a snapshot is taken of what is read now"};
+constexpr CELL no_change_of_paths = {2, "'--with' changes no file, and paths shows only where files are; see "
+                                        "velmar-cfg paths --help"};
+constexpr CELL no_change_of_snapshot = {
+    2, "a snapshot holds what is read; give '--with' to the command that shows the snapshot; see velmar-cfg snapshot "
+       "--help"};
+constexpr CELL no_change_of_preferences = {
+    2, "only commands that show variables of a state take '--with'; see velmar-cfg prefs list --help"};
 constexpr CELL no_counts = {2, "only a run report says how often variables were read; name one with --of"};
 
 struct COMMAND_ROW
@@ -103,10 +109,44 @@ const COMMAND_ROW commands[] = {
     {{"layers"}, true, false, fine, fine, fine, fine, "effort"},
     {{"layers", "--overridden"}, true, false, fine, no_snapshot, no_run, no_run, "main settings file"},
     {{"paths"}, true, true, fine, no_snapshot, no_run, no_run, "velmar.ini"},
-    {{"snapshot"}, false, true, fine, document_already, document_already, document_already, "\"max_fanout\""},
+    {{"paths", "--with", "more=1", "--without", "effort"},
+     true,
+     true,
+     no_change_of_paths,
+     no_change_of_paths,
+     no_change_of_paths,
+     no_change_of_paths,
+     ""},
+    {{"snapshot"}, false, true, fine, fine, no_run, no_run, "\"max_fanout\""},
+    {{"snapshot", "--with", "more=1", "--without", "effort"},
+     false,
+     true,
+     no_change_of_snapshot,
+     no_change_of_snapshot,
+     no_change_of_snapshot,
+     no_change_of_snapshot,
+     ""},
     {{"lint"}, true, false, findings, no_snapshot, no_run, no_run, "[no-equals-sign]"},
+    {{"lint", "--with", "more=1", "--without", "effort"},
+     true,
+     false,
+     findings,
+     no_snapshot,
+     no_run,
+     no_run,
+     "[no-equals-sign]"},
     {{"prefs", "list"}, true, false, fine, fine, no_run, no_run, "HDL_PREFERENCE=VHDL"},
     {{"prefs", "list", "--all"}, true, false, fine, fine, no_run, no_run, "HDL_PREFERENCE=VHDL"},
+    {{"prefs", "list", "--with", "more=1"},
+     true,
+     false,
+     no_change_of_preferences,
+     no_change_of_preferences,
+     no_change_of_preferences,
+     no_change_of_preferences,
+     ""},
+    {{"prefs", "dump"}, false, true, fine, fine, no_run, no_run, "\nHDL_PREFERENCE = VHDL\n"},
+    {{"prefs", "dump", "--changed"}, false, true, fine, fine, no_run, no_run, "HDL_PREFERENCE = VHDL"},
     {{"prefs", "get", "HDL_PREFERENCE"}, false, true, fine, fine, no_run, no_run, "VHDL"},
     {{"prefs", "explain", "HDL_PREFERENCE"}, true, true, fine, no_snapshot, no_run, no_run, "HDL_PREFERENCE = VHDL"},
     {{"prefs", "describe", "HDL_PREFERENCE"}, true, true, fine, fine, no_run, no_run, "value    VHDL"},
@@ -206,9 +246,6 @@ protected:
 
     static const CELL& cell(const COMMAND_ROW& row, STATE_KIND kind)
     {
-        const bool is_snapshot = kind == STATE_KIND::SNAPSHOT || kind == STATE_KIND::STANDARD_INPUT;
-        if (is_snapshot && row.words == ARGUMENTS{"snapshot"})
-            return document_already;
         switch (kind)
         {
         case STATE_KIND::SNAPSHOT_2:
@@ -284,8 +321,10 @@ TEST_F(STATES, each_command_answers_in_json_or_refuses_in_one_sentence)
 {
     for (const COMMAND_ROW& row : commands)
     {
+        const bool is_always_refused = row.of_live.refusal != nullptr && row.of_run.refusal != nullptr;
         const STATE_KIND sample_kind = row.of_live.refusal == nullptr ? STATE_KIND::NOW : STATE_KIND::RUN_REPORT;
-        const nlohmann::json plain = run(row.words + of(sample_kind) + ARGUMENTS{"--json"}).json();
+        const nlohmann::json plain =
+            is_always_refused ? nlohmann::json() : run(row.words + of(sample_kind) + ARGUMENTS{"--json"}).json();
         for (const STATE_KIND kind : all_kinds)
         {
             const ARGUMENTS words = row.words + of(kind) + ARGUMENTS{"--json"};
@@ -309,6 +348,8 @@ TEST_F(STATES, each_command_answers_in_json_or_refuses_in_one_sentence)
             if (document.empty())
                 continue;
             const nlohmann::json& sample = document.is_array() ? document.at(0) : document;
+            if (words.front() == "snapshot" && kind == STATE_KIND::SNAPSHOT_2)
+                continue; // which stays one of version 2
             for (const auto& [name, value] : (plain.is_array() ? plain.at(0) : plain).items())
                 EXPECT_TRUE(sample.contains(name)) << name;
         }
@@ -352,10 +393,6 @@ TEST_F(STATES, a_refusal_says_what_such_a_state_holds)
     EXPECT_EQ(run({"paths", "--of", "run.json"}), (TOOL_RUN{2, "", "velmar-cfg: " + of_run}));
     EXPECT_EQ(run({"lint", "--of", "snapshot2.json"}), (TOOL_RUN{2, "", "velmar-cfg: " + of_snapshot}));
     EXPECT_EQ(
-        run({"snapshot", "--of", "snapshot.json"}),
-        (TOOL_RUN{2, "",
-                  "velmar-cfg: snapshot.json: is a document already; a snapshot is taken of what is read now\n"}));
-    EXPECT_EQ(
         run({"list", "--read"}),
         (TOOL_RUN{2, "", "velmar-cfg: only a run report says how often variables were read; name one with --of\n"}));
 }
@@ -390,6 +427,131 @@ TEST_F(STATES, what_a_run_left_unset_is_known)
                           "    B  1  at project/velmar.ini:4 (main settings file, external)\n"));
     EXPECT_EQ(run({"diff", "run2.json", "project", "--json"}).json().at("variables").size(), 1U);
     EXPECT_EQ(run({"diff", "run.json", "project", "--only", "variables"}).exit_code, 0);
+}
+
+// What is known of a variable, and how the commands say so.
+struct KNOWLEDGE_ROW
+{
+    const char* name;
+    const char* explained; // the lines behind the view, without "external"
+    int exit_code;         // of explain
+    const char* listed;    // by list; null when it is not
+    const char* remark;    // of get
+    nlohmann::json set;
+    nlohmann::json value; // of explain
+    nlohmann::json reads;
+};
+
+TEST_F(STATES, what_a_run_report_leaves_out_is_told_from_what_is_unset)
+{
+    nlohmann::json report = nlohmann::json::parse(run_report_2);
+    report["set_never_read"] = {"Quiet"};
+    report["read"].push_back({{"name", "odd"},
+                              {"count", 2},
+                              {"value", nullptr},
+                              {"external", false},
+                              {"used", false},
+                              {"origin", "unknown"}});
+    write_file("other.json", report.dump());
+    const std::string view =
+        "as run nightly had it (other.json, release 23.4, process 4711 on farm7, in /proj, started "
+        "2026-11-21T22:00:00Z)\n";
+    const char* const unset = "read as:\n  bool    no value\n  int     no value\n  uint    no value\n"
+                              "  double  no value\n";
+    const KNOWLEDGE_ROW rows[] = {
+        {"QUIET", "QUIET is set, its value is not recorded\nread: never\nread as: not known\n", 0,
+         "Quiet\tset, value not recorded, never read\n",
+         "'QUIET' is set and was never read: other.json does not record its value", true, nullptr, 0},
+        {"odd", "odd is set, its value is not recorded\nread: 2 times\nread as: not known\n", 0,
+         "odd\tset, value not recorded\n", "'odd' is set: other.json does not record its value", true, nullptr, 2},
+        {"once", "once is not set\n", 1, nullptr, "'once' is not set", false, "", nullptr},
+        {"asked", "asked is not set\nread: 7 times\n", 1, nullptr, "'asked' is not set", false, "", 7},
+        {"other",
+         "other is not known: a run report holds only variables that were set or asked for\n"
+         "read as: not known\n",
+         1, nullptr, "'other' is not in other.json: a run report holds only variables that were set or asked for",
+         nullptr, nullptr, nullptr},
+    };
+    for (const KNOWLEDGE_ROW& row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        const ARGUMENTS of_report = {"--of", "other.json"};
+        const std::string readings = row.set == false ? unset : "";
+        EXPECT_EQ(run(ARGUMENTS{"explain", row.name} + of_report),
+                  (TOOL_RUN{row.exit_code, view + row.explained + readings + "external: no\n", ""}));
+        const nlohmann::json explained = run(ARGUMENTS{"explain", row.name, "--json"} + of_report).json();
+        EXPECT_EQ(explained.at("set"), row.set);
+        EXPECT_EQ(explained.at("value"), row.value);
+        EXPECT_EQ(explained.at("reads"), row.reads);
+        const TOOL_RUN listed = run(ARGUMENTS{"list", row.name} + of_report);
+        EXPECT_EQ(listed.out, row.listed == nullptr ? view : view + row.listed);
+        if (row.listed != nullptr)
+        {
+            EXPECT_EQ(run(ARGUMENTS{"list", row.name, "--json"} + of_report).json().at(0).at("set"), row.set);
+        }
+        EXPECT_EQ(run(ARGUMENTS{"get", row.name} + of_report),
+                  (TOOL_RUN{1, "", std::string("velmar-cfg: ") + row.remark + "\n"}));
+        const nlohmann::json got = run(ARGUMENTS{"get", row.name, "--json"} + of_report).json();
+        EXPECT_EQ(got.at("set"), row.set);
+        EXPECT_EQ(got.at("text"), row.value);
+        EXPECT_EQ(got.at("usable"), false);
+    }
+    // A default stands in for what has no value, not for a value that is left out.
+    EXPECT_EQ(run({"get", "quiet", "--default", "x", "--of", "other.json"}).exit_code, 1);
+    EXPECT_EQ(run({"get", "once", "--default", "x", "--of", "other.json"}), (TOOL_RUN{0, "x\n", ""}));
+    EXPECT_THAT(run({"layers", "--of", "other.json"}).out,
+                HasSubstr("\nset, value not recorded\n        Quiet\n        odd\n"));
+    EXPECT_EQ(run({"layers", "--of", "other.json", "--json"}).json().back(),
+              R"({"layer": "unknown", "file": null, "line": null, "item": null, "text": null, "name": "odd",
+                  "value": null, "effect": "counts", "winner": null})"_json);
+    EXPECT_THAT(run({"list", "--read", "--of", "other.json"}).out,
+                HasSubstr("\n7\tasked\tnot set\n3\tmax_fanout=12\n2\todd\tset, value not recorded\n"
+                          "1\tmsg_sqlite=off\n0\tQuiet\tset, value not recorded, never read\n0\teffort=5\n"));
+    EXPECT_THAT(run({"explain", "effort", "--of", "other.json"}).out, HasSubstr("\nread: never\n"));
+    EXPECT_THAT(run({"list", "--external", "--of", "other.json"}).out, Not(HasSubstr("Quiet")));
+    // What the user asks to see changed is known again.
+    EXPECT_EQ(run({"get", "quiet", "--with", "quiet=3", "--of", "other.json"}), (TOOL_RUN{0, "3\n", ""}));
+    EXPECT_EQ(run({"get", "quiet", "--without", "quiet", "--of", "other.json"}),
+              (TOOL_RUN{1, "", "velmar-cfg: 'quiet' is not set\n"}));
+    EXPECT_THAT(run({"list", "--read", "--with", "QUIET=3", "--of", "other.json"}).out, HasSubstr("\n0\tQUIET=3\n"));
+}
+
+// Version 1 does not tell what is unset from what was set and never read.
+TEST_F(STATES, what_a_run_report_of_version_1_does_not_tell_is_not_known)
+{
+    for (const char* const name : {"asked", "once"})
+    {
+        EXPECT_EQ(run({"explain", name, "--json", "--of", "run.json"}).json().at("set"), nullptr) << name;
+        EXPECT_EQ(run({"get", name, "--json", "--of", "run.json"}).json().at("set"), nullptr) << name;
+    }
+    EXPECT_EQ(run({"list", "asked", "--read", "--json", "--of", "run.json"}).json().at(0).at("set"), nullptr);
+    EXPECT_EQ(run({"explain", "other", "--json", "--of", "snapshot.json"}).json().at("set"), false);
+    EXPECT_EQ(run({"list", "debug_msg", "--all", "--json"}).json().at(0).at("set"), false);
+}
+
+TEST_F(STATES, a_value_that_one_run_left_out_differs_only_from_none)
+{
+    nlohmann::json a = nlohmann::json::parse(run_report_2);
+    nlohmann::json b = a;
+    a["set_never_read"] = {"quiet", "max_fanout_2", "both"};
+    b["set_never_read"] = {"BOTH"};
+    b["asked_once"] = {"once", "Quiet"};
+    b["external_never_read"].push_back({{"name", "max_fanout_2"}, {"value", "1"}, {"source", 0}, {"line", 4}});
+    write_file("a.json", a.dump());
+    write_file("b.json", b.dump());
+    EXPECT_THAT(run({"diff", "a.json", "b.json"}).out,
+                testing::EndsWith("\n\nVariables\n  quiet, by unknown source\n    A  set, value not recorded\n"
+                                  "    B  not set\n"));
+    const nlohmann::json rows = run({"diff", "b.json", "a.json", "--json"}).json().at("variables");
+    ASSERT_EQ(rows.size(), 1U);
+    EXPECT_EQ(rows.at(0).at("a"), nullptr);
+    EXPECT_EQ(rows.at(0).at("b").at("value"), nullptr);
+    EXPECT_EQ(rows.at(0).at("made_by"), "unknown");
+    EXPECT_EQ(run({"diff", "a.json", "run2.json"}), (TOOL_RUN{0, "", ""})); // which does not know the names
+    EXPECT_EQ(run({"diff", "a.json", "project", "--only", "variables", "--with", "BOTH=1", "--with", "quiet=2",
+                   "--with", "max_fanout_2=3"}),
+              (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(run({"diff", "project", "a.json", "--only", "variables", "--json"}).json().at("variables").size(), 3U);
 }
 
 TEST_F(STATES, a_run_report_of_version_2_tells_origins)
@@ -441,8 +603,9 @@ TEST_F(STATES, an_origin_that_is_not_known_is_called_so)
     EXPECT_EQ(run({"list", "--show-origin", "--of", "run.json"}).out,
               view_of(STATE_KIND::RUN_REPORT) +
                   "\nunknown\teffort=5\nunknown\tmax_fanout=12\nunknown\tmsg_sqlite=off\n");
-    EXPECT_EQ(run({"get", "effort", "--of", "run.json", "--json"}).json(),
-              R"json({"name": "effort", "type": "text", "value": "5", "usable": true, "text": "5",
+    EXPECT_EQ(
+        run({"get", "effort", "--of", "run.json", "--json"}).json(),
+        R"json({"name": "effort", "type": "text", "value": "5", "usable": true, "set": true, "masked": false, "text": "5",
                       "external": true, "layer": "unknown", "file": null, "line": null, "item": null,
                       "view": "as run nightly had it (run.json, release 23.4)"})json"_json);
     EXPECT_EQ(run({"get", "effort", "--type", "bool", "--of", "run.json"}).err,
@@ -450,6 +613,48 @@ TEST_F(STATES, an_origin_that_is_not_known_is_called_so)
     EXPECT_THAT(run({"explain", "max_fanout", "--of", "run.json"}).out,
                 HasSubstr("\nmax_fanout = 12\nassignment that won, others are not known:\n"
                           "  won   unknown  max_fanout = 12  (unknown source)\nread: 3 times\n"));
+}
+
+TEST_F(STATES, an_origin_that_is_not_known_may_be_narrowed_down)
+{
+    nlohmann::json report = nlohmann::json::parse(run_report_2);
+    const auto unknown = [](const char* name, nlohmann::json perhaps)
+    {
+        return nlohmann::json{{"name", name},
+                              {"count", 1},
+                              {"value", "1"},
+                              {"external", false},
+                              {"used", true},
+                              {"origin", "unknown"},
+                              {"perhaps", std::move(perhaps)}};
+    };
+    report["read"] = {unknown("one", {{{"source", 0}, {"line", 7}}, {{"source", 1}, {"item", 2}}}),
+                      unknown("two", nlohmann::json::array())};
+    report["external_never_read"] = nlohmann::json::array();
+    write_file("other.json", report.dump());
+    const ARGUMENTS of_report = {"--of", "other.json"};
+    const std::string perhaps = "perhaps /proj/velmar.ini:7, a text:2";
+    EXPECT_THAT(run(ARGUMENTS{"run-report", "other.json"}).out, HasSubstr("one=1  origin unknown, " + perhaps + "\n"));
+    EXPECT_THAT(run(ARGUMENTS{"explain", "one"} + of_report).out,
+                HasSubstr("  won   unknown, " + perhaps + "  one = 1  (unknown source)\n"));
+    EXPECT_THAT(run(ARGUMENTS{"explain", "two"} + of_report).out,
+                HasSubstr("  won   unknown  two = 1  (unknown source)\n"));
+    EXPECT_THAT(run(ARGUMENTS{"list", "--show-origin"} + of_report).out,
+                HasSubstr("\nunknown, " + perhaps + "\tone=1\nunknown\ttwo=1\n"));
+    EXPECT_THAT(run(ARGUMENTS{"layers"} + of_report).out,
+                HasSubstr("\nunknown source\n        two=1\nunknown source  " + perhaps + "\n        one=1\n"));
+    // JSON tells everywhere that it is unknown, and run-report alone where it may be.
+    for (const nlohmann::json& row :
+         {run(ARGUMENTS{"list", "--json"} + of_report).json().at(0),
+          run(ARGUMENTS{"get", "one", "--json"} + of_report).json(),
+          run(ARGUMENTS{"layers", "--json"} + of_report).json().at(0),
+          run(ARGUMENTS{"explain", "one", "--json"} + of_report).json().at("assignments").at(0)})
+    {
+        EXPECT_EQ(row.at("layer"), "unknown") << row;
+        EXPECT_EQ(row.at("file"), nullptr) << row;
+        EXPECT_EQ(row.at("line"), nullptr) << row;
+        EXPECT_EQ(row.at("item"), nullptr) << row;
+    }
 }
 
 TEST_F(STATES, a_snapshot_of_version_2_knows_where_its_values_stand)
@@ -509,6 +714,68 @@ TEST_F(STATES, secrets_of_documents_are_masked_in_all_but_get)
     write_file("secret.json", run({"snapshot", "--project", "project", "--with-secrets"}).out);
     EXPECT_THAT(run({"list", "--of", "secret.json"}).out, HasSubstr("api_token=\\(masked)\n"));
     EXPECT_EQ(run({"get", "api_token", "--of", "secret.json"}).out, "S3CRET\n");
+}
+
+TEST_F(STATES, a_snapshot_of_a_snapshot_is_the_same)
+{
+    write_file("project/velmar.ini", "api_token = S3CRET\nb\xff = \xfe\n");
+    variables["VELMAR_INI_VARS"] = "c=1;d";
+    const std::string now = run({"snapshot", "--project", "project"}).out;
+    write_file("now.json", now);
+    const TOOL_RUN again = run({"snapshot", "--of", "now.json"});
+    EXPECT_EQ(again.exit_code, 0);
+    EXPECT_EQ(again.out, now);
+    EXPECT_EQ(run({"snapshot", "--of", "snapshot2.json"}).json(), nlohmann::json::parse(read_file("snapshot2.json")));
+    nlohmann::json version_1 = nlohmann::json::parse(read_file("snapshot2.json"));
+    version_1["schema_version"] = 1;
+    write_file("snapshot1.json", version_1.dump());
+    EXPECT_EQ(run({"snapshot", "--of", "snapshot1.json"}).json(), nlohmann::json::parse(read_file("snapshot2.json")));
+    // Secrets are masked on the way, unless they are to be shown.
+    const std::string with_secrets = run({"snapshot", "--project", "project", "--with-secrets"}).out;
+    write_file("secret.json", with_secrets);
+    EXPECT_THAT(run({"snapshot", "--of", "secret.json"}).out, Not(HasSubstr("S3CRET")));
+    EXPECT_EQ(run({"snapshot", "--of", "secret.json", "--with-secrets"}).out, with_secrets);
+    // What could not be read then is said again.
+    nlohmann::json with_problem = nlohmann::json::parse(now);
+    with_problem["problems"] = {{{"of", "settings"}, {"text", "a.ini: is a directory"}}};
+    write_file("problem.json", with_problem.dump());
+    EXPECT_EQ(run({"snapshot", "--of", "problem.json"}).exit_code, 3);
+    EXPECT_EQ(run({"snapshot", "--of", "problem.json"}).json(), with_problem);
+}
+
+TEST_F(STATES, lint_checks_what_would_be_set)
+{
+    write_file("project/velmar.ini", "effort = 5\nno assignment\nmsg_sqlite = off\n");
+    const ARGUMENTS lint = {"lint", "--project", "project"};
+    EXPECT_EQ(run(lint + ARGUMENTS{"--with", "msg_sqlite=maybe", "--with", "a;b:c=1;d=2", "--with", "x=1", "--without",
+                                   "y", "--with", "X=2"}),
+              (TOOL_RUN{1,
+                        R"(what if: with msg_sqlite=maybe, with a;b:c=1;d=2, with x=1, without y, with X=2
+project/velmar.ini:2:1: error: a line without "=" is ignored; put "#" before it to make it a comment [no-equals-sign]
+--with:1:12: error: 'maybe' is no boolean, so readers of 'msg_sqlite' take their default; )"
+                        R"(write 'msg_sqlite = on' or 'msg_sqlite = off' [no-boolean]
+--with:3:1: warning: --with:4 sets 'x' again; remove one of the two [overridden]
+--with:4:1: warning: the same variable as 'x' at --with:3, but objects registered under that spelling are not )"
+                        R"(told of this one; write 'x' [letter-case]
+)",
+                        ""}));
+    const nlohmann::json rows = run(lint + ARGUMENTS{"--with", "msg_sqlite=maybe", "--json"}).json();
+    EXPECT_EQ(rows.back().at("file"), "--with");
+    EXPECT_EQ(rows.back().at("item"), 1);
+    EXPECT_EQ(rows.back().at("replacement"), nullptr);
+    EXPECT_EQ(run({"lint", "--of", "snapshot.json", "--with", "msg_sqlite=maybe", "--json"}).json().back(),
+              rows.back());
+    EXPECT_THAT(run(lint + ARGUMENTS{"--without", "effort", "--with", "EFFORT=6", "--json"}).out,
+                Not(HasSubstr("letter-case")));
+    // That there are no settings is not changed by them.
+    unlink("velmar.ini");
+    for (const ARGUMENTS& changes : {ARGUMENTS{}, ARGUMENTS{"--with", "a=1"}})
+        EXPECT_THAT(run(ARGUMENTS{"lint"} + changes).out, HasSubstr("[no-settings-file]"));
+    EXPECT_EQ(run({"lint", "project/velmar.ini", "--with", "a=1"}),
+              (TOOL_RUN{2, "",
+                        "velmar-cfg: --with and --without are for findings of a state; naming files excludes them\n"}));
+    EXPECT_EQ(run({"lint", "--fix", "--without", "a"}),
+              (TOOL_RUN{2, "", "velmar-cfg: --with and --without are for findings of a state; --fix excludes them\n"}));
 }
 
 // --- Names ---

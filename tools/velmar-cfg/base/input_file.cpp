@@ -241,7 +241,9 @@ std::shared_ptr<const INPUT_FILE> INPUT_FILES::read_with(READER reader, const st
     std::shared_ptr<const INPUT_FILE>& file = files[path];
     if (file == nullptr)
     {
-        file = std::make_shared<const INPUT_FILE>(reader(path));
+        INPUT_FILE read = reader(path);
+        read.path = absolute_path(read.path, directory);
+        file = std::make_shared<const INPUT_FILE>(std::move(read));
         if (!file->problem.empty())
             add_problem(file->path + ": " + file->problem);
     }
@@ -274,8 +276,9 @@ void INPUT_FILES::forget(const std::string& path)
     }
 }
 
-void INPUT_FILES::note_absence(const std::string& path)
+void INPUT_FILES::note_absence(const std::string& relative_or_not)
 {
+    const std::string path = absolute_path(relative_or_not, directory);
     if (const ABSENT_FILE absent = absence_of(path); !absent.problem.empty())
         add_problem(path + ": " + absent.problem);
 }
@@ -284,6 +287,13 @@ void INPUT_FILES::add_problem(const std::string& text)
 {
     if (std::ranges::find(all_problems, text) == all_problems.end())
         all_problems.push_back(text);
+}
+
+std::string absolute_path(const std::string& path, const std::string& directory)
+{
+    if (path.empty() || path.starts_with('/') || directory.empty())
+        return path;
+    return directory + (directory.ends_with('/') ? "" : "/") + path.substr(path.starts_with("./") ? 2 : 0);
 }
 
 std::string input_problem(const std::string& path)

@@ -60,6 +60,12 @@ std::string title_of_named_file(const std::string& path);
 class INPUT_FILES
 {
 public:
+    INPUT_FILES() = default;
+
+    // Files that are asked for by relative paths are called by absolute ones below this directory, which is the current
+    // one while they are read.
+    explicit INPUT_FILES(std::string current) : directory(std::move(current)) {}
+
     // Never null; stays as it is when the files go.
     std::shared_ptr<const INPUT_FILE> read(const std::string& path);
 
@@ -88,9 +94,14 @@ private:
     using READER = INPUT_FILE (*)(const std::string&);
     std::shared_ptr<const INPUT_FILE> read_with(READER reader, const std::string& path);
 
+    std::string directory;                                          // empty for paths as they are
     std::map<std::string, std::shared_ptr<const INPUT_FILE>> files; // by path as given
     std::vector<std::string> all_problems;
 };
+
+// The path from the root on, where `directory` is the current one. "" for the empty path; the path as it is where the
+// directory is not known, which is empty then.
+std::string absolute_path(const std::string& path, const std::string& directory);
 
 // What would keep the file from being read, by its type and permissions; empty when nothing would. Opens nothing.
 std::string input_problem(const std::string& path);

@@ -91,12 +91,24 @@ std::vector<std::string> options_behind(CLI::App* command)
     return names;
 }
 
+// Why a command takes no change to a state.
+std::string why_no_what_if(const std::string& command, const std::string& option)
+{
+    if (command == "velmar-cfg paths")
+        return "'" + option + "' changes no file, and paths shows only where files are";
+    if (command == "velmar-cfg snapshot")
+        return "a snapshot holds what is read; give '" + option + "' to the command that shows the snapshot";
+    return "only commands that show variables of a state take '" + option + "'";
+}
+
 // "there is no option '--jsno', did you mean '--json'?"
 std::string no_such_option(CLI::App* command, const std::string& word)
 {
     const std::string name = word.substr(0, word.find('='));
     if (name == state_option)
         return "only commands that show one state take '" + name + "'";
+    if (name == with_option || name == without_option)
+        return why_no_what_if(spoken_name(command), name);
     const std::string suggestion = did_you_mean(name, options_behind(command));
     const bool may_be_argument = suggestion.empty() && !arguments_of(command).empty();
     return "there is no option '" + name + "'" + suggestion +

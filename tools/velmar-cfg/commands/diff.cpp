@@ -39,6 +39,8 @@ COMPARED_SNAPSHOT side_of(STATE state)
 EXIT_CODE diff(const DIFF_OPTIONS& options, TOOL& tool)
 {
     const SETTINGS_SCOPE& scope = tool.options.scope;
+    if (options.b && !scope.project.empty())
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "--project names what A is compared with, and so does B; leave one out");
     scope.secrets->use_lasting_key();
     std::optional<RUN_REPORT> run;
     if (options.used)
@@ -52,11 +54,12 @@ EXIT_CODE diff(const DIFF_OPTIONS& options, TOOL& tool)
     scope_of_b.what_if = options.what_if;
     STATE state_b =
         read_state(options.b ? state_name(*options.b) : STATE_NAME(), {.snapshot = true}, scope_of_b, tool.files);
-    complain_of_key(*scope.secrets);
     const COMPARED_SNAPSHOT a = side_of(std::move(state_a));
     const COMPARED_SNAPSHOT b = side_of(std::move(state_b));
 
-    SNAPSHOT_DIFFERENCES differences = compare_snapshots(a.snapshot, b.snapshot);
+    SNAPSHOT_DIFFERENCES differences = compare_snapshots(
+        a.snapshot, b.snapshot, [&scope](std::string_view text) { return scope.secrets->mark(text); });
+    complain_of_key(*scope.secrets);
     if (run)
         keep_what_the_run_read(differences, *run);
     ignore_names(differences, options.ignored);

@@ -56,6 +56,8 @@ std::string side_as_text(const std::optional<SNAPSHOT_VARIABLE>& variable)
 {
     if (!variable)
         return "not set";
+    if (!variable->recorded)
+        return "set, value not recorded";
     if (variable->location.layer == LAYER_KIND::UNKNOWN)
         return shown(variable->value);
     return shown(variable->value) +
@@ -104,16 +106,37 @@ std::string role_as_text(const std::string& role)
     return layer ? layer_title(*layer) : "preference file";
 }
 
-std::string side_in_words(const COMPARED_SNAPSHOT& side)
+// A path with its middle left out where it is long: its ends tell most.
+std::string path_in_short(const std::string& path)
+{
+    constexpr std::size_t longest = 45;
+    constexpr std::size_t longest_beginning = 12;
+    if (path.size() <= longest)
+        return path;
+    std::size_t end = path.size() - (longest - longest_beginning - 3);
+    while (end < path.size() && (static_cast<unsigned char>(path[end]) & 0xc0U) == 0x80U)
+        ++end; // no character is cut in two
+    return shortened(path, longest_beginning) + path.substr(end);
+}
+
+std::string side_in_words(const COMPARED_SNAPSHOT& side, std::string (*path)(const std::string&))
 {
     const SNAPSHOT& snapshot = side.snapshot;
     if (snapshot.of_run)
-        return printable(side.title + " (" + side.view + ")");
-    return printable(side.title) + " (" + printable(snapshot.product) + " " + printable(snapshot.release) +
-           (snapshot.project.empty() || snapshot.project == side.title ? ""
-                                                                       : ", project " + printable(snapshot.project)) +
-           (snapshot.regtest ? ", regression test" : "") +
-           (side.view.empty() ? ")" : "; " + printable(side.view) + ")");
+        return path(side.title) + " (" + side.view + ")";
+    return path(side.title) + " (" + snapshot.product + " " + snapshot.release +
+           (snapshot.project.empty() || snapshot.project == side.title ? "" : ", project " + path(snapshot.project)) +
+           (snapshot.regtest ? ", regression test" : "") + (side.view.empty() ? ")" : "; " + side.view + ")");
+}
+
+// As one line that fits a wide terminal. JSON has all of it.
+std::string head_of(const COMPARED_SNAPSHOT& side)
+{
+    constexpr std::size_t longest = 114; // beside the letter of the side and "..."
+    std::string head = side_in_words(side, [](const std::string& path) { return path; });
+    if (length_by_shown_length(head, longest) < head.size())
+        head = side_in_words(side, path_in_short);
+    return printable(shortened(head, length_by_shown_length(head, longest)));
 }
 }
 
@@ -122,8 +145,8 @@ void write_differences(const COMPARED_SNAPSHOT& a, const COMPARED_SNAPSHOT& b, c
 {
     if (differences.none() && differences.undecided.empty())
         return;
-    out << out.painted(STYLE::BAD, "A  " + side_in_words(a)) << "\n";
-    out << out.painted(STYLE::GOOD, "B  " + side_in_words(b)) << "\n";
+    out << out.painted(STYLE::BAD, "A  " + head_of(a)) << "\n";
+    out << out.painted(STYLE::GOOD, "B  " + head_of(b)) << "\n";
     if (!differences.installation.empty())
         write_heading("Installation", out);
     for (const INSTALLATION_DIFFERENCE& difference : differences.installation)
@@ -147,7 +170,7 @@ void write_differences(const COMPARED_SNAPSHOT& a, const COMPARED_SNAPSHOT& b, c
         write_entry(difference.key, maker_as_text(difference.made_by), side_as_text(difference.a),
                     side_as_text(difference.b), out);
     if (!differences.undecided.empty())
-        write_heading("Masked on both sides, cannot tell", out);
+        write_heading("Masked, cannot be compared", out);
     for (const UNDECIDED_ROW& row : differences.undecided)
         out << "  " << printable(row.name) << "  (" << row.list << ")\n";
 }

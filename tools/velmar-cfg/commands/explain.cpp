@@ -1,5 +1,6 @@
 // velmar-cfg explain: why a variable has its value.
 #include <algorithm>
+#include <cstdint>
 
 #include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/output.h"
@@ -42,14 +43,11 @@ void write_assignments(const EXPLANATION& explanation, KNOWN_LINES known, OUTPUT
     }
 }
 
-// Null when the state does not know how often.
-const READ_COUNT* find_read(const STATE& state, const std::string& name)
+std::string reads_in_words(std::uint64_t count)
 {
-    if (!state.reads)
-        return nullptr;
-    const auto found =
-        std::ranges::find_if(*state.reads, [&name](const READ_COUNT& read) { return same_name(read.name, name); });
-    return found == state.reads->end() ? nullptr : &*found;
+    if (count == 0)
+        return "never";
+    return std::to_string(count) + (count == 1 ? " time" : " times");
 }
 
 void write_readings(const TYPED_READINGS& readings, OUTPUT& out)
@@ -69,18 +67,22 @@ void write_readings(const TYPED_READINGS& readings, OUTPUT& out)
 void write_text(const EXPLANATION& explanation, const STATE& state, OUTPUT& out)
 {
     const std::string name = out.painted(STYLE::STRONG, printable(explanation.name));
-    if (explanation.assignments.empty() && state.knows_unset_variable(explanation.name))
-        out << name << " is not set\n";
-    else if (explanation.assignments.empty())
-        out << name << " is not known: " << state.limits << "\n";
-    else
+    if (!explanation.assignments.empty())
     {
         out << name << " = " << printable(explanation.value) << "\n";
         write_assignments(explanation, state.known_lines, out);
     }
-    if (const READ_COUNT* const read = find_read(state, explanation.name); read != nullptr)
-        out << "read: " << std::to_string(read->count) << (read->count == 1 ? " time\n" : " times\n");
-    if (has_hidden_parts(explanation.value))
+    else if (explanation.is_set == true)
+        out << name << " is set, its value is not recorded\n";
+    else if (explanation.is_set == false)
+        out << name << " is not set\n";
+    else
+        out << name << " is not known: " << state.limits << "\n";
+    if (const std::optional<std::uint64_t> count = state.reads_of(explanation.name))
+        out << "read: " << reads_in_words(*count) << "\n";
+    if (explanation.assignments.empty() && explanation.is_set != false)
+        out << "read as: not known\n";
+    else if (has_hidden_parts(explanation.value))
         out << "read as: not shown, since the value is masked\n";
     else
         write_readings(explanation.readings, out);
@@ -101,24 +103,24 @@ EXIT_CODE explain(const EXPLAIN_OPTIONS& options, TOOL& tool)
 {
     const STATE state = state_of(options.state, {.settings = true}, tool);
     const SETTINGS settings(state.layers);
-    const EXPLANATION explanation = explain_variable(options.name, settings);
+    EXPLANATION explanation = explain_variable(options.name, settings);
+    if (explanation.assignments.empty())
+        explanation.is_set = is_set_without_value(state.absent_variable(options.name));
     if (tool.options.json)
     {
-        answer_in_json(tool,
-                       [&](JSON_WRITER& out)
-                       {
-                           out.begin_object();
-                           write_fields(out, explanation);
-                           write_view_field(out, state);
-                           out.end_object();
-                       });
+        answer_with_view(tool, state,
+                         [&](JSON_WRITER& out)
+                         {
+                             write_fields(out, explanation);
+                             out.field("reads", state.reads_of(options.name));
+                         });
     }
     else
     {
         write_view(state, tool.out);
         write_text(explanation, state, tool.out);
     }
-    return explanation.assignments.empty() ? EXIT_CODE::FINDINGS : EXIT_CODE::FINE;
+    return explanation.is_set == true ? EXIT_CODE::FINE : EXIT_CODE::FINDINGS;
 }
 }
 
@@ -129,7 +131,7 @@ void add_explain_command(COMMAND app, TOOL& tool)
         tool, "explain",
         "Show why a variable has its value: every assignment in the order in which the layers apply, "
         "the one that won, what each type of reader makes of it, and what may be a mistake. Exit code 1 when it is not "
-        "set.",
+        "set, or not known to be.",
         "velmar-cfg --project designs/cpu --regtest explain max_fanout\n"
         "      which file of a regression run sets max_fanout, and what the others said",
         [options, &tool] { return explain(*options, tool); });

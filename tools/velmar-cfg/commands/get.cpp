@@ -13,6 +13,7 @@
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/typed_answer.h"
 #include "tools/velmar-cfg/settings/typed_value.h"
+#include "tools/velmar-cfg/states/state_answer.h"
 
 namespace
 {
@@ -35,10 +36,8 @@ std::string advice_on(const std::string& name)
 }
 
 // Why there is nothing to print, or what is odd about it; empty for neither.
-std::string remark_on(const TYPED_ANSWER& answer, const STATE& state, SECRETS& secrets)
+std::string remark_on(const TYPED_ANSWER& answer, SECRETS& secrets)
 {
-    if (!answer.is_set() && !answer.remark.empty() && !state.knows_unset_variable(answer.name))
-        return "'" + answer.name + "' is not in " + state.name + ": " + state.limits;
     std::string remark = answer.remark;
     if (has_hidden_parts(hide_in_value(answer.name, answer.text, secrets)))
     {
@@ -46,18 +45,19 @@ std::string remark_on(const TYPED_ANSWER& answer, const STATE& state, SECRETS& s
         remark = hide_in_text(remark, std::string_view(quoted).substr(1, quoted.size() - 2), secrets);
         remark = hide_in_text(remark, value_as_text(answer.value).value_or(""), secrets);
     }
-    return remark.empty() || answer.is_set() ? remark : remark + advice_on(answer.name);
+    return remark.empty() || answer.has_value != false ? remark : remark + advice_on(answer.name);
 }
 
 // The same for logs: it does not tell a secret, nor the number that it begins with.
-std::string safe_remark_on(const TYPED_ANSWER& answer, const STATE& state, SECRETS& secrets)
+std::string safe_remark_on(const TYPED_ANSWER& answer, SECRETS& secrets)
 {
     return hide_typed_value(
-        remark_on(answer, state, secrets), answer.name,
+        remark_on(answer, secrets), answer.name,
         [&secrets](std::string_view name) { return secrets.is_secret_name(name); }, secrets);
 }
 
-// The names of the command line, or those on standard input, a line or, with -z, a record each.
+// The names of the command line, or those on standard input, a line, which may end as on other systems, or, with -z, a
+// record each.
 std::vector<std::string> names_of(const GET_OPTIONS& options, const TOOL& tool)
 {
     if (options.names_on_input && !options.names.empty())
@@ -74,6 +74,8 @@ std::vector<std::string> names_of(const GET_OPTIONS& options, const TOOL& tool)
     {
         const std::size_t end = std::min(text.find(tool.options.nul_terminated ? '\0' : '\n', begin), text.size());
         names.push_back(text.substr(begin, end - begin));
+        if (!tool.options.nul_terminated && names.back().ends_with('\r'))
+            names.back().pop_back();
         begin = end + 1;
     }
     return names;
@@ -115,9 +117,9 @@ EXIT_CODE get(const GET_OPTIONS& options, TOOL& tool)
         json.begin_list();
     for (const std::string& name : names)
     {
-        const TYPED_ANSWER answer = answer_typed(settings, name, type, fallback, single && state.knows_unset);
+        const TYPED_ANSWER answer = answer_of_state(state, settings, name, type, fallback, single);
         all_have_values = all_have_values && value_as_text(answer.value).has_value();
-        if (const std::string remark = safe_remark_on(answer, state, *tool.options.scope.secrets); !remark.empty())
+        if (const std::string remark = safe_remark_on(answer, *tool.options.scope.secrets); !remark.empty())
             complain(remark);
         if (tool.options.json)
         {

@@ -49,7 +49,21 @@ void write_row(JSON_WRITER& out, const SETTINGS& settings, const LAYER_LINE& lin
     out.end_object();
 }
 
-void write_rows(const LAYERS_OPTIONS& options, const SETTINGS& settings, JSON_WRITER& out)
+// A variable that the document knows to have a value, and no more of.
+void write_row_not_recorded(JSON_WRITER& out, std::string_view name)
+{
+    const LOCATION nowhere{LAYER_KIND::UNKNOWN, {}, 0};
+    out.begin_object();
+    write_location_fields(out, &nowhere);
+    out.field("text", std::nullopt);
+    out.field("name", name);
+    out.field("value", std::nullopt);
+    out.field("effect", effect_word(LINE_EFFECT::COUNTS));
+    out.field("winner", std::nullopt);
+    out.end_object();
+}
+
+void write_rows(const LAYERS_OPTIONS& options, const STATE& state, const SETTINGS& settings, JSON_WRITER& out)
 {
     out.begin_list();
     for_each_layer_line(settings,
@@ -58,6 +72,8 @@ void write_rows(const LAYERS_OPTIONS& options, const SETTINGS& settings, JSON_WR
                             if (is_wanted(options, line))
                                 write_row(out, settings, line);
                         });
+    for (const std::string_view name : state.variables_not_recorded(settings))
+        write_row_not_recorded(out, name);
     out.end_list();
 }
 
@@ -120,7 +136,8 @@ private:
             if (goes_on)
                 continue;
             out << out.painted(STYLE::STRONG, layer_title(layer.kind));
-            if (is_file(layer.kind) || layer.kind == LAYER_KIND::INLINE_TEXT)
+            if (is_file(layer.kind) || layer.kind == LAYER_KIND::INLINE_TEXT ||
+                (layer.kind == LAYER_KIND::UNKNOWN && !layer.source->path.empty()))
                 out << "  " << printable(layer.source->path);
             if (!layer.source->problem.empty())
                 out << "  " << out.painted(STYLE::BAD, "(" + printable(layer.source->problem) + ")");
@@ -133,6 +150,15 @@ private:
     std::size_t heads = 0; // that are written
 };
 
+void write_not_recorded(const STATE& state, const SETTINGS& settings, OUTPUT& out)
+{
+    const std::vector<std::string_view> names = state.variables_not_recorded(settings);
+    if (!names.empty())
+        out << out.painted(STYLE::STRONG, "set, value not recorded") << "\n";
+    for (const std::string_view name : names)
+        out << "        " << printable(name) << "\n";
+}
+
 EXIT_CODE show_layers(const LAYERS_OPTIONS& options, TOOL& tool)
 {
     const STATE state = state_of(options.state, {.settings = true}, tool);
@@ -141,7 +167,7 @@ EXIT_CODE show_layers(const LAYERS_OPTIONS& options, TOOL& tool)
     const SETTINGS settings(state.layers);
     if (tool.options.json)
     {
-        answer_in_json(tool, [&](JSON_WRITER& out) { write_rows(options, settings, out); });
+        answer_in_json(tool, [&](JSON_WRITER& out) { write_rows(options, state, settings, out); });
         return EXIT_CODE::FINE;
     }
     write_view(state, tool.out);
@@ -157,6 +183,7 @@ EXIT_CODE show_layers(const LAYERS_OPTIONS& options, TOOL& tool)
                                 text.write(line);
                         });
     text.finish();
+    write_not_recorded(state, settings, tool.out);
     return EXIT_CODE::FINE;
 }
 }

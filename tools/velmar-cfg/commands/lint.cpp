@@ -146,6 +146,9 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
     if (options.fix && options.state.of)
         throw TOOL_ERROR(EXIT_CODE::USAGE,
                          "--fix changes files of here and now, or of --project DIR; --of excludes that");
+    if (!options.state.what_if.empty() && (options.fix || !options.files.empty()))
+        throw TOOL_ERROR(EXIT_CODE::USAGE, std::string("--with and --without are for findings of a state; ") +
+                                               (options.fix ? "--fix" : "naming files") + " excludes them");
     FILE_FIXES fixes(options, output.ignored, tool);
     const auto to_check = [&](LAYERS layers) { return options.fix ? fixes.fix(std::move(layers)) : layers; };
     CHECKS checks(tool);
@@ -216,6 +219,7 @@ void add_lint_command(COMMAND app, TOOL& tool)
         "velmar-cfg lint --strict designs/cpu/velmar.ini\n      check one file; warnings too make the exit code 1",
         [options, &tool] { return lint(*options, tool); });
     add_state_option(command, options->state);
+    add_what_if_options(command, options->state.what_if);
     add_options(command, *options, "A settings file, or a preference file when it is called velmar2.ini");
     command.add_flag("--fix", options->fix,
                      "Write what is suggested into the settings files, and show the findings that are left");

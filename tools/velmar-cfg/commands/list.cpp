@@ -46,6 +46,7 @@ void write_row(const LIST_OPTIONS& options, JSON_WRITER& out, const LISTED_VARIA
 {
     out.begin_object();
     out.field("name", variable.name);
+    out.field("set", variable.is_set());
     out.field("value", variable.value);
     out.field("external", variable.external);
     write_location_fields(out, variable.location ? &*variable.location : nullptr);
@@ -64,9 +65,16 @@ std::string origin_of(const LISTED_VARIABLE& variable)
 // What stands for the value of a variable that has none.
 std::string absence_of_value(const LISTED_VARIABLE& variable)
 {
-    if (variable.reads > 0)
+    switch (variable.without_value)
+    {
+    case ABSENT_VARIABLE::NOT_RECORDED:
+        return variable.reads > 0 ? "set, value not recorded" : "set, value not recorded, never read";
+    case ABSENT_VARIABLE::NOT_KNOWN:
         return "no usable value";
-    return variable.default_text.empty() ? "not set" : "not set, default " + std::string(variable.default_text);
+    case ABSENT_VARIABLE::UNSET:
+        break;
+    }
+    return "not set";
 }
 
 // For scripts: nothing is escaped, so that a mask would look like a value.
@@ -93,7 +101,13 @@ void write_line(const LIST_OPTIONS& options, const LISTED_VARIABLE& variable, OU
     if (variable.value)
         out << "=" << printable(*variable.value) << "\n";
     else
-        out << "\t" << out.painted(STYLE::FAINT, absence_of_value(variable)) << "\n";
+    {
+        const bool with_default = options.with_defaults() && !variable.default_text.empty();
+        out << "\t"
+            << out.painted(STYLE::FAINT, absence_of_value(variable) +
+                                             (with_default ? ", default " + std::string(variable.default_text) : ""))
+            << "\n";
+    }
 }
 
 // For people at a terminal.
@@ -112,7 +126,7 @@ public:
             row.push_back(
                 {printable(shortened(*variable.value, length_by_shown_length(*variable.value, longest_value)))});
         else
-            row.push_back({variable.reads > 0 ? "no usable value" : "not set", STYLE::FAINT});
+            row.push_back({absence_of_value(variable), STYLE::FAINT});
         if (options.with_defaults())
             row.push_back({std::string(variable.default_text), STYLE::FAINT});
         row.push_back({printable(origin_of(variable)), STYLE::FAINT});
@@ -206,7 +220,8 @@ void add_list_command(COMMAND app, TOOL& tool)
         "--all", options->kinds.unset_too,
         "Also known variables that are not set: the catalogue's, with their defaults, and the library's own");
     command.add_flag("--changed", options->kinds.only_changed,
-                     "Only variables of the catalogue that are set to something else than their default");
+                     "Only known variables that are set to something else than their default, or to anything where the "
+                     "catalogue has none");
     command.add_flag("--read", options->kinds.by_reads,
                      "With how often the run read each, the most read first; of a run report");
     add_state_option(command, options->state);

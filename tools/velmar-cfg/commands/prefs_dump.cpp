@@ -3,25 +3,32 @@
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
+#include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/preferences/preference_transfer.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 
 namespace
 {
-EXIT_CODE dump(bool only_changed, TOOL& tool)
+struct PREFS_DUMP_OPTIONS
 {
-    const PREFERENCE_DUMP dumped =
-        dump_preferences(load_preferences(tool.files, *tool.options.scope.secrets), only_changed);
+    STATE_OPTIONS state;
+    bool only_changed = false;
+};
+
+EXIT_CODE dump(const PREFS_DUMP_OPTIONS& options, TOOL& tool)
+{
+    const STATE state = state_of(options.state, {.preferences = true}, tool);
+    state.require(state.preferences.has_value());
+    const PREFERENCE_DUMP dumped = dump_preferences(
+        [&state](CFG_USER_INI_ENUMS number) { return state.preferences->look_up(number); }, options.only_changed);
     if (tool.options.json)
-        answer_in_json(tool,
-                       [&](JSON_WRITER& out)
-                       {
-                           out.begin_object();
-                           out.field("text", dumped.text);
-                           out.field("masked", dumped.masked);
-                           out.end_object();
-                       });
+        answer_with_view(tool, state,
+                         [&](JSON_WRITER& out)
+                         {
+                             out.field("text", dumped.text);
+                             out.field("masked", dumped.masked);
+                         });
     else
         tool.out << dumped.text; // a file, so nothing is escaped
     return EXIT_CODE::FINE;
@@ -30,12 +37,14 @@ EXIT_CODE dump(bool only_changed, TOOL& tool)
 
 void add_prefs_dump_command(COMMAND prefs, TOOL& tool)
 {
-    auto only_changed = std::make_shared<bool>(false);
+    auto options = std::make_shared<PREFS_DUMP_OPTIONS>();
     COMMAND command = prefs.add_command(
         tool, "dump",
         "Print the preferences as a velmar2.ini of the running release, which answers as the file in use does. Masked "
         "values are left out, with a comment for each, unless --with-secrets is given.",
         "velmar-cfg prefs dump --changed >mine.ini\n      what differs from the defaults, for prefs load elsewhere",
-        [only_changed, &tool] { return dump(*only_changed, tool); });
-    command.add_flag("--changed", *only_changed, "Only those that differ from the default, if only in letter case");
+        [options, &tool] { return dump(*options, tool); });
+    command.add_flag("--changed", options->only_changed,
+                     "Only those that differ from the default, if only in letter case");
+    add_state_option(command, options->state);
 }

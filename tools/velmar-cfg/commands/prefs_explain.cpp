@@ -72,14 +72,7 @@ EXIT_CODE explain(const PREFS_EXPLAIN_OPTIONS& options, TOOL& tool)
         explain_preference(state.preference_file.get(), number, *tool.options.scope.secrets);
     if (tool.options.json)
     {
-        answer_in_json(tool,
-                       [&](JSON_WRITER& out)
-                       {
-                           out.begin_object();
-                           write_fields(out, explanation);
-                           write_view_field(out, state);
-                           out.end_object();
-                       });
+        answer_with_view(tool, state, [&](JSON_WRITER& out) { write_fields(out, explanation); });
     }
     else
     {

@@ -112,20 +112,20 @@ EXIT_CODE get(const KEY_OPTIONS& options, TOOL& tool)
     shown->show_all(); // the value is what was asked for
     const STATE state = state_with_preferences(options.state, tool, shown);
     const PREFERENCE preference = preference_in(state, number);
+    const bool masked = has_hidden_parts(preference.value);
     if (tool.options.json)
-        answer_in_json(tool,
-                       [&](JSON_WRITER& out)
-                       {
-                           out.begin_object();
-                           write_preference_fields(out, preference);
-                           write_view_field(out, state);
-                           out.end_object();
-                       });
-    else if (!preference.value.empty())
+        answer_with_view(tool, state,
+                         [&](JSON_WRITER& out)
+                         {
+                             write_preference_fields(out, preference);
+                             out.field("masked", masked);
+                         });
+    else if (!preference.value.empty() && !masked)
         tool.out << preference.value << (tool.options.nul_terminated ? zero_byte : "\n");
-    if (!preference.value.empty())
+    if (!preference.value.empty() && !masked)
         return EXIT_CODE::FINE;
-    complain(preference.key + " is not set, and has no default");
+    complain(preference.key +
+             (masked ? " is masked in " + state.name + ": its value is not known" : " is not set, and has no default"));
     return EXIT_CODE::FINDINGS;
 }
 
@@ -147,19 +147,16 @@ EXIT_CODE describe(const KEY_OPTIONS& options, TOOL& tool)
     const PREFERENCE preference = preference_in(state, number);
     if (tool.options.json)
     {
-        answer_in_json(tool,
-                       [&](JSON_WRITER& out)
-                       {
-                           out.begin_object();
-                           write_preference_fields(out, preference);
-                           out.field("description", cfg_get_user_ini_ini_desc(number));
-                           out.field("catalogue_section", preference.section);
-                           out.field("old_names", old_names(preference));
-                           out.field_or_null("registry_name", cfg_get_user_ini_registry_string(number));
-                           out.field_or_null("registry_branch", cfg_get_user_ini_registry_branch_string(number));
-                           write_view_field(out, state);
-                           out.end_object();
-                       });
+        answer_with_view(tool, state,
+                         [&](JSON_WRITER& out)
+                         {
+                             write_preference_fields(out, preference);
+                             out.field("description", cfg_get_user_ini_ini_desc(number));
+                             out.field("catalogue_section", preference.section);
+                             out.field("old_names", old_names(preference));
+                             out.field_or_null("registry_name", cfg_get_user_ini_registry_string(number));
+                             out.field_or_null("registry_branch", cfg_get_user_ini_registry_branch_string(number));
+                         });
         return EXIT_CODE::FINE;
     }
     write_view(state, tool.out);

@@ -50,35 +50,15 @@ std::string remark_of(const READ_VARIABLE& variable, const RUN_REPORT& report)
                                : "value not told: not of the type asked for";
 }
 
-std::string source_as_text(const RUN_SOURCE& source)
-{
-    return source.path ? printable(*source.path) : source.layer ? inline_source : "a text";
-}
-
-std::string place_as_text(const RUN_PLACE& place, const RUN_REPORT& report)
-{
-    return source_as_text(report.sources[place.source]) +
-           (place.position != 0 ? ":" + std::to_string(place.position) : "");
-}
-
-std::string first_few_places(const std::vector<RUN_PLACE>& places, const RUN_REPORT& report)
-{
-    constexpr std::size_t most = 3;
-    std::string all;
-    for (std::size_t i = 0; i < std::min(most, places.size()); ++i)
-        all += (i == 0 ? "" : ", ") + place_as_text(places[i], report);
-    return all + (places.size() > most ? " and " + std::to_string(places.size() - most) + " more" : "");
-}
-
 // Where a value came from; empty where that has been said by other words.
 std::string origin_as_text(const RUN_ORIGIN& origin, const RUN_REPORT& report)
 {
     switch (origin.kind)
     {
     case RUN_ORIGIN::KIND::SOURCE:
-        return place_as_text(*origin.place, report);
+        return printable(place_as_text(*origin.place, report));
     case RUN_ORIGIN::KIND::PROGRAM:
-        return "set by the program" + (origin.place ? ", " + place_as_text(*origin.place, report) : "");
+        return "set by the program" + (origin.place ? ", " + printable(place_as_text(*origin.place, report)) : "");
     case RUN_ORIGIN::KIND::UNSET:
         return "";
     case RUN_ORIGIN::KIND::UNKNOWN:
@@ -86,7 +66,8 @@ std::string origin_as_text(const RUN_ORIGIN& origin, const RUN_REPORT& report)
     }
     if (report.version == 1)
         return "";
-    return "origin unknown" + (origin.perhaps.empty() ? "" : ", perhaps " + first_few_places(origin.perhaps, report));
+    return "origin unknown" +
+           (origin.perhaps.empty() ? "" : ", perhaps " + printable(first_few_places(origin.perhaps, report)));
 }
 
 void write_read_variables(const RUN_REPORT& report, OUTPUT& out)
@@ -147,7 +128,7 @@ void write_lost_sources(const RUN_REPORT& report, OUTPUT& out)
     for (const RUN_SOURCE& source : report.sources)
     {
         if (source.state != "same")
-            out << "  " << out.painted(STYLE::WARNING, "not read again: ") << source_as_text(source) << " ("
+            out << "  " << out.painted(STYLE::WARNING, "not read again: ") << printable(source_as_text(source)) << " ("
                 << printable(source.state) << ")\n";
     }
     if (report.version != 1 && !report.sources_complete)

@@ -44,9 +44,7 @@ EXIT_CODE snapshot(const SNAPSHOT_OPTIONS& options, TOOL& tool)
     SECRETS& secrets = *tool.options.scope.secrets;
     secrets.use_lasting_key();
     const STATE state = state_of(options.state, {.snapshot = true, .basis = true}, tool);
-    if (state.is_document)
-        throw TOOL_ERROR(EXIT_CODE::USAGE,
-                         state.name + ": is a document already; a snapshot is taken of what is read now");
+    state.require(!state.snapshot->of_run);
     const SNAPSHOT& taken = *state.snapshot;
     complain_of_key(secrets);
     if (!file || *file == "-")

@@ -38,11 +38,11 @@ void add_state_option(COMMAND& command, STATE_OPTIONS& options)
 void add_what_if_options(COMMAND& command, std::vector<WHAT_IF>& what_if, const std::string& whose)
 {
     command.add_repeated_option(
-        "--with", "NAME=VALUE", [&what_if](const std::string& text) { what_if.push_back(assignment_of(text)); },
+        with_option, "NAME=VALUE", [&what_if](const std::string& text) { what_if.push_back(assignment_of(text)); },
         "See what it would be like if this were set on top of everything" + whose +
             ", name and value taken literally; may be repeated");
     command.add_repeated_option(
-        "--without", "NAME",
+        without_option, "NAME",
         [&what_if](const std::string& name) {
             what_if.push_back({name, std::nullopt});
         },

@@ -18,6 +18,8 @@ struct STATE_OPTIONS
 };
 
 inline constexpr const char* state_option = "--of";
+inline constexpr const char* with_option = "--with";
+inline constexpr const char* without_option = "--without";
 
 // The option --of.
 void add_state_option(COMMAND& command, STATE_OPTIONS& options);
@@ -36,5 +38,19 @@ void write_view(const STATE& state, OUTPUT& out);
 
 // The same as the member "view" of a JSON object.
 void write_view_field(JSON_WRITER& out, const STATE& state);
+
+// Answers with a JSON object about a state: the members that `write_members` writes, and the view.
+template <typename WRITE>
+void answer_with_view(TOOL& tool, const STATE& state, WRITE write_members)
+{
+    answer_in_json(tool,
+                   [&](JSON_WRITER& out)
+                   {
+                       out.begin_object();
+                       write_members(out);
+                       write_view_field(out, state);
+                       out.end_object();
+                   });
+}
 
 #endif

@@ -207,6 +207,26 @@ struct UNREAD_SOMEWHERE
 };
 }
 
+std::string source_as_text(const RUN_SOURCE& source)
+{
+    return source.path.value_or(source.layer ? inline_source : "a text");
+}
+
+std::string place_as_text(const RUN_PLACE& place, const RUN_REPORT& report)
+{
+    return source_as_text(report.sources[place.source]) +
+           (place.position != 0 ? ":" + std::to_string(place.position) : "");
+}
+
+std::string first_few_places(const std::vector<RUN_PLACE>& places, const RUN_REPORT& report)
+{
+    constexpr std::size_t most = 3;
+    std::string all;
+    for (std::size_t i = 0; i < std::min(most, places.size()); ++i)
+        all += (i == 0 ? "" : ", ") + place_as_text(places[i], report);
+    return all + (places.size() > most ? " and " + std::to_string(places.size() - most) + " more" : "");
+}
+
 const char* origin_word(RUN_ORIGIN::KIND kind)
 {
     switch (kind)

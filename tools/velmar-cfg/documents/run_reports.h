@@ -55,6 +55,9 @@ struct RUN_ORIGIN
     std::vector<RUN_ASSIGNMENT> overridden = {}; // in the order of the sources
 };
 
+// What a source is called: its path, "VELMAR_INI_VARS", or "a text" of the program.
+std::string source_as_text(const RUN_SOURCE& source);
+
 // "unknown", "program" or "unset"; null for SOURCE, whose place says more.
 const char* origin_word(RUN_ORIGIN::KIND kind);
 
@@ -102,6 +105,10 @@ struct RUN_REPORT
     bool sources_complete = false;
     std::vector<RUN_SOURCE> sources; // in the order in which they were applied
 };
+
+// "velmar.ini:3", or the source alone where the position is not known; of several, the first few.
+std::string place_as_text(const RUN_PLACE& place, const RUN_REPORT& report);
+std::string first_few_places(const std::vector<RUN_PLACE>& places, const RUN_REPORT& report);
 
 // The report of the file, secret values hidden. Throws TOOL_ERROR(BAD_INPUT) for a file that is no run report, or of a
 // newer version.

@@ -51,6 +51,7 @@ struct SNAPSHOT_VARIABLE
     LOCATION location; // of the assignment that won
     LAYER_SET layers;  // all that assign to it
     TYPED_READINGS readings;
+    bool recorded = true; // else it has a value, which the document leaves out
 };
 
 struct SNAPSHOT_PREFERENCE
@@ -141,8 +142,9 @@ struct SNAPSHOT
     // What a run report says: the release, the environment where it knows that, and the values of variables that were
     // set or asked for; of any other variable it is not known whether it was set.
     bool of_run = false;
-    bool lossy = false;         // it has U+FFFD for what is no UTF-8
-    VARIABLE_NAMES known_unset; // what the run is known to have left unset
+    bool lossy = false;          // it has U+FFFD for what is no UTF-8
+    VARIABLE_NAMES known_unset;  // what the run is known to have left unset
+    VARIABLE_NAMES not_recorded; // what it is known to have set, to a value that the report leaves out
 };
 
 #endif

@@ -66,10 +66,11 @@ bool is_different(const char* list, const std::string& name, SAMENESS sameness, 
     return sameness == SAMENESS::DIFFERENT;
 }
 
-SAMENESS compare_if_present(const std::optional<std::string>& a, const std::optional<std::string>& b)
+SAMENESS compare_if_present(const std::optional<std::string>& a, const std::optional<std::string>& b,
+                            const MARK_MAKER& mark)
 {
     if (a && b)
-        return compare_texts(*a, *b);
+        return compare_masked(*a, *b, mark);
     return a.has_value() == b.has_value() ? SAMENESS::SAME : SAMENESS::DIFFERENT;
 }
 
@@ -89,9 +90,9 @@ bool has_replaced_bytes(std::string_view text)
 }
 
 // Of a value in a lossy document, and another.
-SAMENESS compare_with_lossy(std::string_view lossy, std::string_view other)
+SAMENESS compare_with_lossy(std::string_view lossy, std::string_view other, const MARK_MAKER& mark)
 {
-    const SAMENESS sameness = compare_texts(lossy, other);
+    const SAMENESS sameness = compare_masked(lossy, other, mark);
     return sameness == SAMENESS::DIFFERENT && has_replaced_bytes(lossy) && as_in_version_1(std::string(other)) == lossy
                ? SAMENESS::SAME
                : sameness;
@@ -105,10 +106,13 @@ bool same_in_every_type(const SNAPSHOT_VARIABLE& a, const SNAPSHOT_VARIABLE& b)
            (readings.boolean || readings.signed_integer || readings.unsigned_integer || readings.floating_is_whole);
 }
 
-SAMENESS compare_answers(const SNAPSHOT_VARIABLE& a, const SNAPSHOT_VARIABLE& b)
+SAMENESS compare_answers(const SNAPSHOT_VARIABLE& a, const SNAPSHOT_VARIABLE& b, const MARK_MAKER& mark)
 {
-    return a.external == b.external && same_readings(a.readings, b.readings) ? compare_texts(a.value, b.value)
-                                                                             : SAMENESS::DIFFERENT;
+    // A masked value has no readings.
+    const bool have_readings = has_hidden_parts(a.value) == has_hidden_parts(b.value);
+    if (a.external != b.external || (have_readings && !same_readings(a.readings, b.readings)))
+        return SAMENESS::DIFFERENT;
+    return compare_masked(a.value, b.value, mark);
 }
 
 // The highest of the layers that assign to the variable on one side only and that `counts` accepts.
@@ -125,13 +129,13 @@ std::optional<LAYER_KIND> highest_on_one_side(const SNAPSHOT_VARIABLE& a, const 
 }
 
 // The later layer wins, so that of the two that won the later one has changed, or has come or gone.
-std::optional<LAYER_KIND> maker_of(const VARIABLE_DIFFERENCE& rows)
+std::optional<LAYER_KIND> maker_of(const VARIABLE_DIFFERENCE& rows, const MARK_MAKER& mark)
 {
     if (!rows.a || !rows.b)
         return (rows.a ? rows.a : rows.b)->location.layer;
     if (rows.a->location.layer == LAYER_KIND::UNKNOWN || rows.b->location.layer == LAYER_KIND::UNKNOWN)
         return LAYER_KIND::UNKNOWN;
-    if (compare_texts(rows.a->value, rows.b->value) == SAMENESS::DIFFERENT)
+    if (compare_masked(rows.a->value, rows.b->value, mark) == SAMENESS::DIFFERENT)
         return std::max(rows.a->location.layer, rows.b->location.layer);
     return highest_on_one_side(*rows.a, *rows.b, marks_external);
 }
@@ -197,11 +201,11 @@ private:
 
 // What is compared of a variable that both sides have.
 SAMENESS compare_rows(const SNAPSHOT& a, const SNAPSHOT& b, const SNAPSHOT_VARIABLE& left,
-                      const SNAPSHOT_VARIABLE& right)
+                      const SNAPSHOT_VARIABLE& right, const MARK_MAKER& mark)
 {
     if (a.lossy)
-        return compare_with_lossy(left.value, right.value);
-    return a.of_run || b.of_run ? compare_texts(left.value, right.value) : compare_answers(left, right);
+        return compare_with_lossy(left.value, right.value, mark);
+    return a.of_run || b.of_run ? compare_masked(left.value, right.value, mark) : compare_answers(left, right, mark);
 }
 
 // Whether a variable that it does not have is known to be unset.
@@ -210,16 +214,31 @@ bool knows_unset(const SNAPSHOT& snapshot, std::string_view name)
     return !snapshot.of_run || (!snapshot.known_unset.empty() && snapshot.known_unset.contains(std::string(name)));
 }
 
+// The variables that A is known to have set and B to have left unset, although A does not record to what.
+template <typename ADD>
+void add_not_recorded(const SNAPSHOT& a, VARIABLES_BY_NAME& of_a, const SNAPSHOT& b, VARIABLES_BY_NAME& of_b, ADD add)
+{
+    for (const std::string& name : a.not_recorded)
+    {
+        const bool is_set_in_b = of_b.find(name) || b.not_recorded.contains(name);
+        if (of_a.find(name) || is_set_in_b || !knows_unset(b, name))
+            continue;
+        SNAPSHOT_VARIABLE row{name, {}, false, {LAYER_KIND::UNKNOWN, {}, 0}, {}, {}, false};
+        row.layers.insert(LAYER_KIND::UNKNOWN);
+        add(row);
+    }
+}
+
 // A lossy document is A: what it calls a variable or a value is looked for in the other.
-std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAPSHOT& b,
+std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAPSHOT& b, const MARK_MAKER& mark,
                                                    std::vector<UNDECIDED_ROW>& undecided)
 {
     std::vector<VARIABLE_DIFFERENCE> differences;
-    const auto add = [&differences](std::string_view name, const std::optional<SNAPSHOT_VARIABLE>& left,
-                                    const std::optional<SNAPSHOT_VARIABLE>& right)
+    const auto add = [&differences, &mark](std::string_view name, const std::optional<SNAPSHOT_VARIABLE>& left,
+                                           const std::optional<SNAPSHOT_VARIABLE>& right)
     {
         VARIABLE_DIFFERENCE difference{std::string(name), left, right, {}};
-        difference.made_by = maker_of(difference);
+        difference.made_by = maker_of(difference, mark);
         difference.same_in_every_type =
             difference.a && difference.b && same_in_every_type(*difference.a, *difference.b);
         differences.push_back(std::move(difference));
@@ -238,7 +257,7 @@ std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAP
             continue;
         }
         const SNAPSHOT_VARIABLE right = b.variables[*found];
-        const SAMENESS sameness = compare_rows(a, b, left, right);
+        const SAMENESS sameness = compare_rows(a, b, left, right, mark);
         if (sameness == SAMENESS::DIFFERENT)
             add(left.name, left, right);
         else if (sameness == SAMENESS::UNKNOWN)
@@ -250,6 +269,9 @@ std::vector<VARIABLE_DIFFERENCE> compare_variables(const SNAPSHOT& a, const SNAP
         if (!in_both[i] && knows_unset(a, b.variables.name(i)))
             add(b.variables.name(i), std::nullopt, b.variables[i]);
     }
+    VARIABLES_BY_NAME of_a(a.variables);
+    add_not_recorded(a, of_a, b, of_b, [&add](const SNAPSHOT_VARIABLE& row) { add(row.name, row, std::nullopt); });
+    add_not_recorded(b, of_b, a, of_a, [&add](const SNAPSHOT_VARIABLE& row) { add(row.name, std::nullopt, row); });
     std::ranges::sort(differences, {}, &VARIABLE_DIFFERENCE::name);
     return differences;
 }
@@ -280,7 +302,7 @@ PREFERENCE_SOURCE source_of(const SNAPSHOT_PREFERENCE* preference)
     return preference == nullptr ? PREFERENCE_SOURCE::NOWHERE : preference->origin.source;
 }
 
-std::vector<PREFERENCE_DIFFERENCE> compare_preferences(const SNAPSHOT& a, const SNAPSHOT& b,
+std::vector<PREFERENCE_DIFFERENCE> compare_preferences(const SNAPSHOT& a, const SNAPSHOT& b, const MARK_MAKER& mark,
                                                        std::vector<UNDECIDED_ROW>& undecided)
 {
     std::vector<PREFERENCE_DIFFERENCE> differences;
@@ -288,7 +310,7 @@ std::vector<PREFERENCE_DIFFERENCE> compare_preferences(const SNAPSHOT& a, const 
     {
         const auto [left, right] = rows;
         if (!is_different("preferences", name_of_pair(rows, &SNAPSHOT_PREFERENCE::key),
-                          left != nullptr && right != nullptr ? compare_texts(left->value, right->value)
+                          left != nullptr && right != nullptr ? compare_masked(left->value, right->value, mark)
                                                               : SAMENESS::DIFFERENT,
                           undecided))
             continue;
@@ -312,7 +334,7 @@ std::vector<INSTALLATION_DIFFERENCE> compare_installations(const SNAPSHOT& a, co
     return differences;
 }
 
-std::vector<ENVIRONMENT_DIFFERENCE> compare_environments(const SNAPSHOT& a, const SNAPSHOT& b,
+std::vector<ENVIRONMENT_DIFFERENCE> compare_environments(const SNAPSHOT& a, const SNAPSHOT& b, const MARK_MAKER& mark,
                                                          std::vector<UNDECIDED_ROW>& undecided)
 {
     const auto value_of = [](const ENVIRONMENT_VARIABLE* variable)
@@ -324,7 +346,7 @@ std::vector<ENVIRONMENT_DIFFERENCE> compare_environments(const SNAPSHOT& a, cons
         if (with_run && (rows.first == nullptr || rows.second == nullptr))
             continue;
         if (is_different("environment", name_of_pair(rows, &ENVIRONMENT_VARIABLE::name),
-                         compare_if_present(value_of(rows.first), value_of(rows.second)), undecided))
+                         compare_if_present(value_of(rows.first), value_of(rows.second), mark), undecided))
             differences.push_back({name_of_pair(rows, &ENVIRONMENT_VARIABLE::name), rows.first, rows.second});
     }
     return differences;
@@ -340,38 +362,40 @@ std::optional<std::string> content_of(const SNAPSHOT_FILE* file, const SNAPSHOT_
     return other_is_masked ? file->sha256 : file->hash_behind_mask;
 }
 
-std::vector<FILE_DIFFERENCE> compare_files(const SNAPSHOT& a, const SNAPSHOT& b, std::vector<UNDECIDED_ROW>& undecided)
+std::vector<FILE_DIFFERENCE> compare_files(const SNAPSHOT& a, const SNAPSHOT& b, const MARK_MAKER& mark,
+                                           std::vector<UNDECIDED_ROW>& undecided)
 {
     std::vector<FILE_DIFFERENCE> differences;
     for (const auto& rows : pairs_of(a.files, b.files, &SNAPSHOT_FILE::role))
     {
         const auto [left, right] = rows;
         if (is_different("files", name_of_pair(rows, &SNAPSHOT_FILE::role),
-                         compare_if_present(content_of(left, right), content_of(right, left)), undecided))
+                         compare_if_present(content_of(left, right), content_of(right, left), mark), undecided))
             differences.push_back({name_of_pair(rows, &SNAPSHOT_FILE::role), rows.first, rows.second});
     }
     return differences;
 }
 }
 
-SNAPSHOT_DIFFERENCES compare_snapshots(const SNAPSHOT& a, const SNAPSHOT& b)
+SNAPSHOT_DIFFERENCES compare_snapshots(const SNAPSHOT& a, const SNAPSHOT& b, const MARK_MAKER& mark)
 {
     SNAPSHOT_DIFFERENCES differences;
     std::vector<UNDECIDED_ROW>& undecided = differences.undecided;
     differences.installation = compare_installations(a, b);
-    differences.environment = compare_environments(a, b, undecided);
+    differences.environment = compare_environments(a, b, mark, undecided);
     const bool with_run = a.of_run || b.of_run;
     if (!with_run)
-        differences.files = compare_files(a, b, undecided);
+        differences.files = compare_files(a, b, mark, undecided);
     const bool swapped = b.lossy && !a.lossy;
-    differences.variables = swapped ? compare_variables(b, a, undecided) : compare_variables(a, b, undecided);
+    differences.variables =
+        swapped ? compare_variables(b, a, mark, undecided) : compare_variables(a, b, mark, undecided);
     for (VARIABLE_DIFFERENCE& difference : differences.variables)
     {
         if (swapped)
             std::swap(difference.a, difference.b);
     }
     if (!with_run)
-        differences.preferences = compare_preferences(a, b, undecided);
+        differences.preferences = compare_preferences(a, b, mark, undecided);
     return differences;
 }
 

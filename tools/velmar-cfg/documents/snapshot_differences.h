@@ -8,6 +8,7 @@
 
 #include "tools/velmar-cfg/documents/run_reports.h"
 #include "tools/velmar-cfg/documents/snapshot.h"
+#include "tools/velmar-cfg/documents/text_comparison.h"
 #include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/layers.h"
 
@@ -62,7 +63,8 @@ struct PREFERENCE_DIFFERENCE
     PREFERENCE_SOURCE made_by;
 };
 
-// A row that is the same as far as it is shown; what is masked is so under different keys.
+// A row that is the same as far as it is shown; what is masked is so under different keys, or under another than the
+// user's on one side alone.
 struct UNDECIDED_ROW
 {
     const char* list; // "environment", "files", "variables" or "preferences"
@@ -85,8 +87,8 @@ struct SNAPSHOT_DIFFERENCES
     }
 };
 
-// What one side cannot know is no difference.
-SNAPSHOT_DIFFERENCES compare_snapshots(const SNAPSHOT& a, const SNAPSHOT& b);
+// What one side cannot know is no difference. With `mark`, masks under the user's key are compared with plain texts.
+SNAPSHOT_DIFFERENCES compare_snapshots(const SNAPSHOT& a, const SNAPSHOT& b, const MARK_MAKER& mark = nullptr);
 
 // The lists of differences, as users call them.
 inline constexpr const char* difference_sections[] = {"installation", "environment", "files", "variables",

@@ -85,7 +85,8 @@ LOCATION read_location(const JSON_NODE& row, std::optional<std::string>& file)
     const bool in_file = is_file(kind);
     if (file.has_value() != in_file || line.has_value() != in_file || item.has_value() == in_file)
         row.refuse("row with file and line, or else an item, as its layer has");
-    return {kind, in_file ? std::string_view(*file) : inline_source,
+    const std::string_view elsewhere = kind == LAYER_KIND::UNKNOWN ? "" : inline_source;
+    return {kind, in_file ? std::string_view(*file) : elsewhere,
             static_cast<std::size_t>(line.value_or(item.value_or(0)))};
 }
 
@@ -164,7 +165,7 @@ void write_json(JSON_WRITER& out, const SNAPSHOT_VARIABLE& variable)
 {
     out.begin_object();
     out.field("name", variable.name);
-    out.field("value", variable.value);
+    out.field("value", variable.recorded ? std::optional(variable.value) : std::nullopt);
     out.field("external", variable.external);
     write_location_fields(out, &variable.location);
     out.key("layers");

@@ -124,7 +124,7 @@ FINDING no_preference_file()
 std::vector<FINDING> findings_beside_lines(const LAYERS& layers)
 {
     std::vector<FINDING> found = lint_environment();
-    if (layers.empty())
+    if (std::ranges::none_of(layers, [](const LAYER& layer) { return is_library_source(layer.kind); }))
         found.push_back(no_settings_file());
     return found;
 }

@@ -43,7 +43,9 @@ EXAMINATION::EXAMINATION(const LAYERS& layers, const NAMESAKES& all_namesakes, c
 
 std::vector<NOTICE> EXAMINATION::notices()
 {
-    if (is_file(layer.kind))
+    if (layer.literals != nullptr)
+        examine_assignment(); // no rule for lines or items is applied to it
+    else if (is_file(layer.kind))
         examine_line();
     else
         examine_item();

@@ -1,4 +1,5 @@
-// The rules of lint for one line of a settings file or one item of VELMAR_INI_VARS.
+// The rules of lint for one line of a settings file, one item of VELMAR_INI_VARS or one assignment that is known by
+// name and value alone.
 //
 // What becomes of a statement is taken from the layers, and with them from the library; only the question whether that
 // is what the statement looks like is answered here.

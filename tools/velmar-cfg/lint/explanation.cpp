@@ -117,6 +117,7 @@ EXPLANATION explain_variable(const std::string& name, const SETTINGS& settings)
     explanation.known = find_known_variable(name);
     if (const VARIABLE* const variable = settings.find(name); variable != nullptr)
     {
+        explanation.is_set = true;
         explanation.value = settings.value_of(*variable);
         explanation.external = variable->layers.mark_external();
         explanation.readings = read_typed(explanation.value);
@@ -137,8 +138,9 @@ void write_json(JSON_WRITER& out, const EXPLANATION& explanation)
 void write_fields(JSON_WRITER& out, const EXPLANATION& explanation)
 {
     out.field("name", explanation.name);
-    out.field("set", !explanation.assignments.empty());
-    out.field("value", explanation.value);
+    const bool value_is_known = !explanation.assignments.empty() || explanation.is_set == false;
+    out.field("set", explanation.is_set);
+    out.field("value", value_is_known ? std::optional(explanation.value) : std::nullopt);
     out.field("external", explanation.external);
     out.key("assignments");
     out.list(explanation.assignments, [&explanation](JSON_WRITER& writer, const EXPLAINED_ASSIGNMENT& assignment)

@@ -2,6 +2,7 @@
 #ifndef TOOLS_VELMAR_CFG_LINT_EXPLANATION_H
 #define TOOLS_VELMAR_CFG_LINT_EXPLANATION_H
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,7 +33,8 @@ struct EXPLANATION
 {
     std::string name;
     const KNOWN_VARIABLE* known = nullptr; // null for any other
-    std::string_view value;                // empty when it is not set
+    std::string_view value;                // empty when it has none, or none is known
+    std::optional<bool> is_set = false;    // nothing where it is not known, as of a variable that no layer sets
     bool external = false;
     TYPED_READINGS readings;
     std::vector<EXPLAINED_ASSIGNMENT> assignments; // in layering order; the last one won

@@ -39,6 +39,16 @@ std::string_view text_of(const LAYER& layer)
 {
     return is_file(layer.kind) ? layer.source->whole_lines() : std::string_view(layer.source->bytes);
 }
+
+// Where the statement stands: in the layer's text, or among the assignments that are all that is known of it.
+std::size_t offset_of(const LAYER& layer, const STATEMENT& statement)
+{
+    if (layer.literals == nullptr)
+        return static_cast<std::size_t>(statement.text.data() - text_of(layer).data());
+    const auto is_statement = [&statement](const LITERAL& literal)
+    { return literal.text.data() == statement.text.data(); };
+    return static_cast<std::size_t>(std::ranges::find_if(*layer.literals, is_statement) - layer.literals->begin());
+}
 }
 
 NAMESAKES::NAMESAKES(const LAYERS& all_layers) : layers(all_layers), slots(fewest_slots)
@@ -59,7 +69,7 @@ NAMESAKES::NAMESAKES(const LAYERS& all_layers) : layers(all_layers), slots(fewes
 
 void NAMESAKES::add(const STATEMENT& statement, ASSIGNMENT_NUMBER assignment)
 {
-    const auto offset = static_cast<std::size_t>(statement.text.data() - text_of(layers[statement.layer]).data());
+    const std::size_t offset = offset_of(layers[statement.layer], statement);
     const auto position = static_cast<std::uint32_t>(statement.position);
     const auto layer = static_cast<std::uint8_t>(statement.layer);
     const std::uint32_t hash = spread_hash(layer, statement.name);
@@ -118,6 +128,8 @@ const NAMESAKES::VARIABLE_PLACE* NAMESAKES::find(std::size_t layer, std::string_
 std::string NAMESAKES::name_at(std::size_t layer, std::size_t offset) const
 {
     constexpr std::size_t shortest = 3; // of a line, so that the part is one too
+    if (layers[layer].literals != nullptr)
+        return std::string((*layers[layer].literals)[offset].name());
     const std::string_view text = text_of(layers[layer]).substr(offset);
     const std::string_view part = text.substr(0, std::max(text.find('=') + 1, shortest));
     if (!is_file(layers[layer].kind))
@@ -129,6 +141,8 @@ std::string NAMESAKES::name_at(std::size_t layer, std::size_t offset) const
 
 std::string NAMESAKES::value_at(std::size_t layer, std::size_t offset) const
 {
+    if (layers[layer].literals != nullptr)
+        return std::string((*layers[layer].literals)[offset].value());
     const std::string_view text = text_of(layers[layer]).substr(offset);
     if (!is_file(layers[layer].kind))
     {

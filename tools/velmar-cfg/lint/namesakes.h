@@ -56,7 +56,7 @@ public:
 private:
     struct VARIABLE_PLACE
     {
-        std::uint64_t offset : 40; // of the first assignment's text in the layer
+        std::uint64_t offset : 40; // where its first assignment stands in the layer
         std::uint64_t layer : 8;
         std::uint32_t position;
         std::uint32_t hash; // of the name and the layer
@@ -66,7 +66,7 @@ private:
 
     struct FOLLOWED
     {
-        std::uint64_t offset : 40; // of the following assignment's text in the layer
+        std::uint64_t offset : 40; // where the following assignment stands in the layer
         std::uint64_t layer : 8;
         std::uint32_t position;
         ASSIGNMENT_NUMBER assignment; // that is followed

@@ -60,13 +60,19 @@ std::string advice_for(std::string_view text)
     return advice + (lines.size() > 1 ? " on lines of their own" : "");
 }
 
+// Whether its statements are items of a text.
+bool is_inline_text(const LAYER& layer)
+{
+    return !is_file(layer.kind) && layer.literals == nullptr;
+}
+
 // The layers with another inline text.
 LAYERS with_inline_text(const LAYERS& layers, const std::string& text)
 {
     LAYERS changed = layers;
     for (LAYER& layer : changed)
     {
-        if (!is_file(layer.kind))
+        if (is_inline_text(layer))
             layer.source = std::make_shared<const INPUT_FILE>(INPUT_FILE{inline_source, text, {}});
     }
     return changed;
@@ -82,7 +88,7 @@ REASONS SETTINGS_RULES::reasons_of_items() const
     for (ASSIGNMENT_NUMBER number = 0; statements.next(statement);)
     {
         const bool is_assignment = statement.outcome == OUTCOME::STORED;
-        if (!is_file(layers[statement.layer].kind))
+        if (is_inline_text(layers[statement.layer]))
             add_reasons(reasons, EXAMINATION(layers, namesakes, statement, {number, is_assignment, false, false}));
         number += is_assignment ? 1 : 0;
     }
@@ -94,7 +100,7 @@ std::optional<std::string> SETTINGS_RULES::text_meant_by(const STATEMENT& statem
     const LAYER& layer = layers[statement.layer];
     if (is_file(layer.kind))
         return intentions.of_line(statement.text, statement.position == 1);
-    return statement.outcome == OUTCOME::STORED
+    return statement.outcome == OUTCOME::STORED && is_inline_text(layer)
                ? intentions.of_item(statement.text, separator_of_items(layer.source->bytes))
                : std::nullopt;
 }
@@ -209,7 +215,7 @@ std::vector<FINDING> SETTINGS_RULES::findings(const STATEMENT& statement, ASSIGN
     const STANDING standing{number, statement.outcome == OUTCOME::STORED, is_first, false};
     std::vector<NOTICE> notices = EXAMINATION(layers, namesakes, statement, standing).notices();
     const LAYER& layer = layers[statement.layer];
-    if (!is_file(layer.kind) && other_separator_helps(layer.source->bytes))
+    if (is_inline_text(layer) && other_separator_helps(layer.source->bytes))
         suggest_other_separator(notices, statement);
     else if (!notices.empty())
         suggest(notices, statement, standing);

@@ -63,7 +63,7 @@ bool is_unknown(const std::string& name)
 }
 }
 
-PREFERENCE_DUMP dump_preferences(const PREFERENCES& preferences, bool only_changed)
+PREFERENCE_DUMP dump_preferences(const PREFERENCE_LOOKUP& look_up, bool only_changed)
 {
     PREFERENCE_DUMP dump;
     std::ostringstream text;
@@ -71,19 +71,20 @@ PREFERENCE_DUMP dump_preferences(const PREFERENCES& preferences, bool only_chang
     CFG_USER_VALUE_MAP ordered;
     for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
     {
-        const PREFERENCE preference = preferences.look_up(number);
-        if (preference.value.empty() || (only_changed && preference.value == preference.default_value))
+        const std::optional<PREFERENCE> preference = look_up(number);
+        if (!preference || preference->value.empty() ||
+            (only_changed && preference->value == preference->default_value))
             continue;
-        if (has_hidden_parts(preference.value))
+        if (has_hidden_parts(preference->value))
         {
-            dump.masked.push_back(preference.key);
+            dump.masked.push_back(preference->key);
             // Without "=" and "[", so that it is no preference.
-            text << "# " << preference.key << " is masked; --with-secrets writes it\n";
+            text << "# " << preference->key << " is masked; --with-secrets writes it\n";
             continue;
         }
-        const std::string section = released_section(preference.section, ver_get_version());
-        records.push_back({section, preference.key, as_written(preference.key, preference.value)});
-        ordered[section + preference.key] = &records.back();
+        const std::string section = released_section(preference->section, ver_get_version());
+        records.push_back({section, preference->key, as_written(preference->key, preference->value)});
+        ordered[section + preference->key] = &records.back();
     }
     for (const SECTION_GROUP& group : groups_to_write(ordered))
         write_group(text, group);

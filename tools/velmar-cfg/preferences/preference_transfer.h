@@ -3,6 +3,8 @@
 #define TOOLS_VELMAR_CFG_PREFERENCES_PREFERENCE_TRANSFER_H
 
 #include <cstddef>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,8 +19,10 @@ struct PREFERENCE_DUMP
 };
 
 // A file that answers as these preferences do, whatever release they come from; with `only_changed`, without those
-// whose value is the default's to the letter. A value that a line would lose quotes of is written in quotes.
-PREFERENCE_DUMP dump_preferences(const PREFERENCES& preferences, bool only_changed);
+// whose value is the default's to the letter. A value that a line would lose quotes of is written in quotes. What
+// `look_up` has nothing of is left out.
+using PREFERENCE_LOOKUP = std::function<std::optional<PREFERENCE>(CFG_USER_INI_ENUMS)>;
+PREFERENCE_DUMP dump_preferences(const PREFERENCE_LOOKUP& look_up, bool only_changed);
 
 struct GIVEN_PREFERENCE
 {

@@ -269,7 +269,7 @@ LOCATION location_of(const LAYERS& layers, const STATEMENT& statement)
 std::string location_as_text(const LOCATION& location)
 {
     if (location.layer == LAYER_KIND::UNKNOWN)
-        return "unknown";
+        return "unknown" + (location.source.empty() ? "" : ", " + std::string(location.source));
     return std::string(location.source) + (location.position == 0 ? "" : ":" + std::to_string(location.position));
 }
 

@@ -225,14 +225,14 @@ private:
 struct LOCATION
 {
     LAYER_KIND layer;
-    std::string_view source;
-    std::size_t position; // the line or the item, counted from 1; 0 where it is not known
+    std::string_view source; // of what is unknown: "perhaps ...", or empty
+    std::size_t position;    // the line or the item, counted from 1; 0 where it is not known
 };
 
 LOCATION location_of(const LAYERS& layers, const STATEMENT& statement);
 
-// "velmar.ini:12", "VELMAR_INI_VARS:2" for the second item, the source alone where the position is not known, or
-// "unknown".
+// "velmar.ini:12", "VELMAR_INI_VARS:2" for the second item, the source alone where the position is not known, "unknown"
+// or "unknown, perhaps velmar.ini:12".
 std::string location_as_text(const LOCATION& location);
 
 // Whether there is more to say of it than its layer.

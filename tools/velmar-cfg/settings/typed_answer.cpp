@@ -41,6 +41,7 @@ TYPED_ANSWER answer_typed(const SETTINGS& settings, const std::string& name, REA
     answer.type = type;
     if (const VARIABLE* const variable = settings.find(name); variable != nullptr)
     {
+        answer.has_value = true;
         answer.text = settings.value_of(*variable);
         answer.external = variable->layers.mark_external();
         answer.location = settings.location_of(*variable);
@@ -82,12 +83,15 @@ void write_json(JSON_WRITER& out, const TYPED_ANSWER& answer)
 
 void write_fields(JSON_WRITER& out, const TYPED_ANSWER& answer)
 {
+    const bool text_is_known = answer.is_set() || answer.has_value == false;
     out.field("name", answer.name);
     out.field("type", type_word(answer.type));
     out.key("value");
     write_json(out, answer.value);
     out.field("usable", answer.usable);
-    out.field("text", answer.text);
+    out.field("set", answer.has_value);
+    out.field("masked", answer.masked);
+    out.field("text", text_is_known ? std::optional(answer.text) : std::nullopt);
     out.field("external", answer.external);
     write_location_fields(out, answer.location ? &*answer.location : nullptr);
 }

@@ -19,7 +19,12 @@ struct TYPED_ANSWER
     TYPED_VALUE value;   // what the reader gets: the variable's value, else the default, else none
     bool usable = false; // it is the variable's own value
     bool external = false;
-    std::optional<LOCATION> location; // of the assignment that won; nothing when the variable is not set
+    std::optional<LOCATION> location; // of the assignment that won; nothing when no layer sets the variable
+
+    // Whether the variable has a value, which a document may know and leave out; nothing where it is not known.
+    std::optional<bool> has_value = false;
+
+    bool masked = false; // a part of the text is hidden, so that no reader's value is known
 
     // One sentence: why the variable has no usable value, or what is odd about the one that it has. Empty for neither,
     // and where a default stands in.
@@ -40,7 +45,7 @@ TYPED_ANSWER answer_typed(const SETTINGS& settings, const std::string& name, REA
 // reader of the type could have as its default.
 TYPED_VALUE default_of_type(READER_TYPE type, std::string_view text);
 
-// {"name", "type", "value", "usable", "text", "external", "layer", "file", "line", "item"}.
+// {"name", "type", "value", "usable", "set", "masked", "text", "external", "layer", "file", "line", "item"}.
 void write_json(JSON_WRITER& out, const TYPED_ANSWER& answer);
 
 // Its fields, for an object that has others too.

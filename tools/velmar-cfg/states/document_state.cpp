@@ -79,10 +79,11 @@ public:
         if (origin.place)
             winner = origin.place->source;
         for (const RUN_ASSIGNMENT& lost : origin.overridden)
-            rows[{lost.place.source <= winner, lost.place.source, LOST}].emplace_back(name, lost.value,
-                                                                                      lost.place.position);
-        rows[{true, winner, external ? WON_EXTERNAL : WON}].emplace_back(name, value,
-                                                                         origin.place ? origin.place->position : 0);
+            rows[{lost.place.source <= winner, lost.place.source, LOST, ""}].emplace_back(name, lost.value,
+                                                                                          lost.place.position);
+        const std::string perhaps = origin.perhaps.empty() ? "" : "perhaps " + first_few_places(origin.perhaps, report);
+        rows[{true, winner, external ? WON_EXTERNAL : WON, perhaps}].emplace_back(
+            name, value, origin.place ? origin.place->position : 0);
     }
 
     LAYERS layers()
@@ -90,9 +91,9 @@ public:
         LAYERS all;
         for (auto& [group, literals] : rows)
         {
-            const auto& [in_order, source, part] = group;
+            const auto& [in_order, source, part, perhaps] = group;
             std::ranges::stable_sort(literals, {}, &LITERAL::position);
-            LAYER layer = layer_of(source);
+            LAYER layer = layer_of(source, perhaps);
             layer.literals = std::make_shared<const std::vector<LITERAL>>(std::move(literals));
             layer.external = part == WON_EXTERNAL;
             all.push_back(std::move(layer));
@@ -109,21 +110,22 @@ private:
         WON_EXTERNAL,
     };
 
-    LAYER layer_of(std::size_t source) const
+    LAYER layer_of(std::size_t source, const std::string& perhaps) const
     {
-        LAYER_KIND kind = source == report.sources.size() ? LAYER_KIND::PROGRAM : LAYER_KIND::UNKNOWN;
-        std::string path = "the program";
+        const bool by_program = source == report.sources.size();
+        LAYER_KIND kind = by_program ? LAYER_KIND::PROGRAM : LAYER_KIND::UNKNOWN;
+        std::string path = by_program ? "the program" : perhaps;
         if (source < report.sources.size())
         {
             const RUN_SOURCE& applied = report.sources[source];
             kind = applied.layer.value_or(LAYER_KIND::PROGRAM);
-            path = applied.path.value_or(applied.layer ? inline_source : "a text");
+            path = source_as_text(applied);
         }
         return {kind, std::make_shared<const INPUT_FILE>(INPUT_FILE{std::move(path), {}, {}})};
     }
 
     const RUN_REPORT& report;
-    std::map<std::tuple<bool, std::size_t, PART>, std::vector<LITERAL>> rows;
+    std::map<std::tuple<bool, std::size_t, PART, std::string>, std::vector<LITERAL>> rows; // the text: where perhaps
 };
 
 LAYERS layers_of(const RUN_REPORT& report)
@@ -150,6 +152,19 @@ VARIABLE_NAMES unset_in(const RUN_REPORT& report)
     return names;
 }
 
+// What the run set to a value that is not in the report: nobody read it, or nobody could use it.
+VARIABLE_NAMES not_recorded_in(const RUN_REPORT& report)
+{
+    VARIABLE_NAMES names(report.set_never_read.begin(), report.set_never_read.end());
+    for (const READ_VARIABLE& variable : report.read)
+    {
+        // Version 1 does not tell such a variable from one that is unset.
+        if (!variable.value && report.version != 1 && variable.origin.kind != RUN_ORIGIN::KIND::UNSET)
+            names.insert(variable.name);
+    }
+    return names;
+}
+
 // What a run report says beside its variables, as far as it can be compared.
 SNAPSHOT snapshot_of(const RUN_REPORT& report)
 {
@@ -160,6 +175,7 @@ SNAPSHOT snapshot_of(const RUN_REPORT& report)
     snapshot.regtest = report.regtest_file.has_value();
     snapshot.environment = report.environment;
     snapshot.known_unset = unset_in(report);
+    snapshot.not_recorded = not_recorded_in(report);
     return snapshot;
 }
 
@@ -182,6 +198,10 @@ std::vector<READ_COUNT> reads_of(const RUN_REPORT& report)
     std::vector<READ_COUNT> reads;
     for (const READ_VARIABLE& variable : report.read)
         reads.push_back({variable.name, variable.count});
+    for (const UNREAD_VARIABLE& variable : report.external_never_read)
+        reads.push_back({variable.name, 0});
+    for (const std::string& name : report.set_never_read)
+        reads.push_back({name, 0});
     return reads;
 }
 
@@ -219,7 +239,7 @@ void add_problems(const SNAPSHOT_BASIS& basis, const std::string& path, const ST
 {
     for (const SNAPSHOT_PROBLEM& problem : basis.problems)
     {
-        if (parts.checks || (problem.of_preferences ? parts.preferences : parts.settings))
+        if (parts.checks || parts.basis || (problem.of_preferences ? parts.preferences : parts.settings))
             files.add_problem(title_of_named_file(path) + ": " + problem.text);
     }
 }
@@ -260,11 +280,22 @@ STATE state_of(const RUN_REPORT& report, const std::string& path)
     return state;
 }
 
+// What of the run's variables is known otherwise once they are changed.
+void note_changes(SNAPSHOT& snapshot, const std::vector<WHAT_IF>& changes)
+{
+    for (const WHAT_IF& change : changes)
+    {
+        snapshot.not_recorded.erase(change.name);
+        if (!change.value)
+            snapshot.known_unset.insert(change.name);
+    }
+}
+
 // What a change changes is made of the lines anew.
 SNAPSHOT_LISTS wanted_lists(const STATE_PARTS& parts, const SETTINGS_SCOPE& scope)
 {
     const bool changed = !scope.what_if.empty();
-    return {parts.settings || parts.checks || parts.preferences || changed, parts.snapshot && !changed};
+    return {parts.settings || parts.checks || parts.preferences || parts.basis || changed, parts.snapshot && !changed};
 }
 }
 
@@ -282,11 +313,8 @@ STATE document_state(const std::string& path, const STATE_PARTS& parts, const SE
     if (report != nullptr || parts.settings || parts.checks || !scope.what_if.empty())
         state.layers = changed_layers(report != nullptr ? layers_of(*report) : layers_of(*state.snapshot),
                                       scope.what_if, *scope.secrets);
-    for (const WHAT_IF& change : scope.what_if)
-    {
-        if (report != nullptr && !change.value)
-            state.snapshot->known_unset.insert(change.name);
-    }
+    if (report != nullptr)
+        note_changes(*state.snapshot, scope.what_if);
     if (parts.snapshot && (report != nullptr || !scope.what_if.empty()))
         state.snapshot->variables = SNAPSHOT_VARIABLES(SETTINGS(state.layers));
     if (!parts.snapshot && report == nullptr)

@@ -25,11 +25,14 @@ std::string_view default_of(std::string_view name)
     return known == nullptr ? std::string_view() : std::string_view(known->default_text);
 }
 
-// A text that is no switch is another value than every default.
+// A text that is no switch is another value than every default. What has no default is changed by all but the empty
+// text, which reads as if it was not set.
 bool is_changed(const LISTED_VARIABLE& variable)
 {
-    if (!variable.value || variable.default_text.empty())
+    if (!variable.value)
         return false;
+    if (variable.default_text.empty())
+        return !variable.value->empty() && find_known_variable(variable.name) != nullptr;
     const std::optional<bool> value = read_typed(*variable.value).boolean;
     return has_hidden_parts(*variable.value) || !value || value != read_typed(variable.default_text).boolean;
 }
@@ -60,8 +63,7 @@ void add_unset(const SETTINGS& settings, std::vector<LISTED_VARIABLE>& variables
     }
 }
 
-// Those that were read and have no value are added.
-void add_reads(const STATE& state, const SETTINGS& settings, std::vector<LISTED_VARIABLE>& variables)
+void count_reads(const STATE& state, std::vector<LISTED_VARIABLE>& variables)
 {
     BY_VARIABLE_NAME<std::uint64_t> counts;
     for (const READ_COUNT& read : *state.reads)
@@ -71,10 +73,17 @@ void add_reads(const STATE& state, const SETTINGS& settings, std::vector<LISTED_
         if (const auto found = counts.find(std::string(variable.name)); found != counts.end())
             variable.reads = found->second;
     }
+}
+
+// Those that were read and have no value.
+void add_read(const STATE& state, const SETTINGS& settings, std::vector<LISTED_VARIABLE>& variables)
+{
     for (const READ_COUNT& read : *state.reads)
     {
-        if (settings.find(read.name) == nullptr)
-            variables.push_back({read.name, std::nullopt, false, std::nullopt, default_of(read.name), read.count});
+        const ABSENT_VARIABLE known = state.absent_variable(read.name);
+        if (read.count > 0 && settings.find(read.name) == nullptr && known != ABSENT_VARIABLE::NOT_RECORDED)
+            variables.push_back(
+                {read.name, std::nullopt, false, std::nullopt, default_of(read.name), read.count, known});
     }
 }
 }
@@ -97,18 +106,23 @@ void for_each_listed(const STATE& state, const SETTINGS& settings, const LISTED_
         if (is_wanted(variable, kinds))
             take(variable);
     };
+    const std::vector<std::string_view> not_recorded = state.variables_not_recorded(settings);
     // What only walks over the settings keeps nothing of them.
-    if (!kinds.unset_too && !kinds.by_reads)
+    if (!kinds.unset_too && !kinds.by_reads && not_recorded.empty())
     {
         for_each_set(settings, take_wanted);
         return;
     }
     std::vector<LISTED_VARIABLE> variables;
     for_each_set(settings, [&variables](const LISTED_VARIABLE& variable) { variables.push_back(variable); });
+    for (const std::string_view name : not_recorded)
+        variables.push_back({name, std::nullopt, false, std::nullopt, {}, 0, ABSENT_VARIABLE::NOT_RECORDED});
     if (kinds.unset_too)
         add_unset(settings, variables);
+    if (state.reads)
+        count_reads(state, variables);
     if (kinds.by_reads)
-        add_reads(state, settings, variables);
+        add_read(state, settings, variables);
     std::ranges::stable_sort(variables, {}, &LISTED_VARIABLE::name);
     if (kinds.by_reads)
         std::ranges::stable_sort(variables, std::greater<>(), &LISTED_VARIABLE::reads);

@@ -14,19 +14,27 @@
 struct LISTED_KINDS
 {
     bool only_external = false;
-    bool only_changed = false; // of the catalogue, and read by a switch's reader as another value than their default
-    bool unset_too = false;    // those that are known and not set
-    bool by_reads = false;     // the most read first, instead of by name
+    bool only_changed =
+        false; // known, and read by a switch's reader as another value than their default; without one, set
+    bool unset_too = false; // those that are known and not set
+    bool by_reads = false;  // the most read first, instead of by name
 };
 
 struct LISTED_VARIABLE
 {
     std::string_view name;
-    std::optional<std::string_view> value; // nothing when it is not set, or not known to be
+    std::optional<std::string_view> value; // nothing where none is known
     bool external = false;
     std::optional<LOCATION> location = {}; // of a variable that is set
     std::string_view default_text = {};    // the catalogue's; empty for none
     std::uint64_t reads = 0;
+    ABSENT_VARIABLE without_value = ABSENT_VARIABLE::UNSET; // what is known of one without a value
+
+    // Nothing where it is not known.
+    std::optional<bool> is_set() const
+    {
+        return value ? std::optional(true) : is_set_without_value(without_value);
+    }
 };
 
 // Throws TOOL_ERROR(USAGE) when the state cannot tell which variables these are.

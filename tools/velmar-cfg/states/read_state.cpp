@@ -5,6 +5,7 @@
 
 #include <utility>
 
+#include "platform/fio/fio.h"
 #include "platform/ver/ver.h"
 #include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/documents/take_snapshot.h"
@@ -58,15 +59,40 @@ std::string view_of_process(pid_t number, const OTHER_PROGRAM& program)
     return view;
 }
 
-// Paths mean something else to the other program: its files are read apart from all others.
+// What is called by the names of the environment, and not by those of files that were read.
+void make_paths_absolute(STATE& state, const std::string& directory)
+{
+    const auto make_absolute = [&directory](std::vector<FILE_CANDIDATE>& candidates)
+    {
+        for (FILE_CANDIDATE& candidate : candidates)
+            candidate.path = absolute_path(candidate.path, directory);
+    };
+    if (state.candidates)
+        make_absolute(*state.candidates);
+    if (!state.snapshot)
+        return;
+    for (SNAPSHOT_FILE& file : state.snapshot->files)
+    {
+        if (file.path)
+            file.path = absolute_path(*file.path, directory);
+    }
+    if (state.snapshot->basis)
+        make_absolute(state.snapshot->basis->search);
+}
+
+// Paths mean something else to the other program: its files are read apart from all others. They are shown from the
+// root on, since whoever reads of them is elsewhere.
 void read_as(const OTHER_PROGRAM& program, STATE& state, const STATE_PARTS& parts, const SETTINGS_SCOPE& scope,
              INPUT_FILES& files)
 {
-    INPUT_FILES its_files;
+    const std::string directory =
+        program.directory.empty() ? FIO_FILE_SYSTEM::get_current_directory() : program.directory;
+    INPUT_FILES its_files(directory);
     {
         const PERSPECTIVE_IN_EFFECT in_effect(program.perspective);
         read_parts(state, parts, scope, its_files);
     }
+    make_paths_absolute(state, directory);
     for (const std::string& problem : its_files.problems())
         files.add_problem(problem);
 }

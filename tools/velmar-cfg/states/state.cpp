@@ -27,9 +27,40 @@ std::string STATE::heading() const
     return view.empty() ? "what if: " + changes : view + "; what if: " + changes;
 }
 
-bool STATE::knows_unset_variable(const std::string& variable) const
+std::optional<bool> is_set_without_value(ABSENT_VARIABLE known)
 {
-    return knows_unset || (snapshot && snapshot->known_unset.contains(variable));
+    return known == ABSENT_VARIABLE::NOT_KNOWN ? std::nullopt : std::optional(known == ABSENT_VARIABLE::NOT_RECORDED);
+}
+
+ABSENT_VARIABLE STATE::absent_variable(const std::string& variable) const
+{
+    if (snapshot && snapshot->not_recorded.contains(variable))
+        return ABSENT_VARIABLE::NOT_RECORDED;
+    const bool is_unset = knows_unset || (snapshot && snapshot->known_unset.contains(variable));
+    return is_unset ? ABSENT_VARIABLE::UNSET : ABSENT_VARIABLE::NOT_KNOWN;
+}
+
+std::vector<std::string_view> STATE::variables_not_recorded(const SETTINGS& settings) const
+{
+    std::vector<std::string_view> names;
+    if (!snapshot)
+        return names;
+    for (const std::string& variable : snapshot->not_recorded)
+    {
+        if (settings.find(variable) == nullptr)
+            names.emplace_back(variable);
+    }
+    std::ranges::sort(names);
+    return names;
+}
+
+std::optional<std::uint64_t> STATE::reads_of(const std::string& variable) const
+{
+    if (!reads)
+        return std::nullopt;
+    const auto found =
+        std::ranges::find_if(*reads, [&variable](const READ_COUNT& read) { return same_name(read.name, variable); });
+    return found == reads->end() ? std::nullopt : std::optional(found->count);
 }
 
 void STATE::require(bool known) const

@@ -21,13 +21,14 @@
 #include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/file_candidates.h"
 #include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/variable_name.h"
 
 // How often a run looked a variable up.
 struct READ_COUNT
 {
     std::string name;        // as the run spelt it
-    std::uint64_t count = 0; // at least 1
+    std::uint64_t count = 0; // 0 for one that was set and never read
 };
 
 // The preferences of a state, from the lines of a file or as a document answers them.
@@ -57,6 +58,17 @@ struct STATE_PARTS
     bool basis = false;       // the basis of the snapshot
 };
 
+// What a state knows of a variable to which none of its layers assigns.
+enum class ABSENT_VARIABLE
+{
+    UNSET,        // that it has no value
+    NOT_RECORDED, // that it has one, which the document leaves out
+    NOT_KNOWN,    // neither
+};
+
+// Nothing where it is not known.
+std::optional<bool> is_set_without_value(ABSENT_VARIABLE known);
+
 // What the layers of a state hold.
 enum class KNOWN_LINES
 {
@@ -84,8 +96,15 @@ struct STATE
     // Whether every variable that no layer sets is known to be unset.
     bool knows_unset = true;
 
-    // Whether this one is, if no layer sets it.
-    bool knows_unset_variable(const std::string& variable) const;
+    // What is known of this one if no layer sets it.
+    ABSENT_VARIABLE absent_variable(const std::string& variable) const;
+
+    // The variables of which it is known that they have a value and no layer sets them, in the byte order of their
+    // names. The settings are those of the state.
+    std::vector<std::string_view> variables_not_recorded(const SETTINGS& settings) const;
+
+    // How often the run read the variable, as far as that is known.
+    std::optional<std::uint64_t> reads_of(const std::string& variable) const;
 
     KNOWN_LINES known_lines = KNOWN_LINES::ALL;
 

@@ -97,7 +97,7 @@ SETTINGS_EDIT edited_or_told(const SETTINGS_CHANGE& change, const SET_OPTIONS& o
         SECRETS& secrets = *tool.options.scope.secrets;
         if (!change.value || !secrets.is_secret_name(change.name) || is_plain_value(*change.value))
             throw;
-        throw TOOL_ERROR(error.exit_code, hide_words(error.what(), *change.value, change.name, secrets));
+        throw TOOL_ERROR(error.exit_code, hide_in_text(error.what(), *change.value, secrets));
     }
 }
 

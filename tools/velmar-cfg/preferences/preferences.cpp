@@ -95,6 +95,13 @@ std::vector<FILE_CANDIDATE> all_file_candidates(const SETTINGS_SCOPE& scope)
     for (FILE_CANDIDATE& candidate : settings_candidates(scope, true))
         all.push_back(std::move(candidate));
     all.push_back(preference_file_candidate());
+    for (FILE_CANDIDATE& candidate : all)
+    {
+        // A variable that names no file may hold what was meant for another one.
+        if (candidate.state == FILE_STATE::MISSING)
+            candidate.path = hide_in_value("", candidate.path, *scope.secrets);
+        candidate.remark = hide_in_value("", candidate.remark, *scope.secrets);
+    }
     return all;
 }
 

@@ -524,7 +524,10 @@ TEST_F(PREFS_EDIT, a_directory_that_is_not_writable_is_named)
                                     ".lock: Permission denied; the directory must be writable to change the file "
                                     "safely\n"}));
     EXPECT_EQ(preferences(), normal_form);
-    EXPECT_EQ(run_without_rights({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--dry-run"}).exit_code, 0);
+    const TOOL_RUN tried = run_without_rights({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--dry-run"});
+    EXPECT_EQ(tried.exit_code, 4);
+    EXPECT_THAT(tried.err, EndsWith(full_path() + ": Permission denied; the directory must be writable to change the "
+                                                  "file safely\n"));
 }
 
 TEST_F(PREFS_EDIT, a_directory_that_does_not_exist_is_named)

@@ -72,13 +72,17 @@ TEST_F(PREFS_LOAD, dump_holds_secrets_only_when_told)
     EXPECT_EQ(run({"prefs", "dump", "--changed", "--json"}).json(),
               (nlohmann::json{{"text", masked}, {"masked", {"CLOUD_TOKEN"}}}));
 
-    // A load of it keeps the secret of the file, and says that the comment is none.
+    // A load of it keeps the secret of the file. Only other comments are named.
     write_file("given", masked);
-    EXPECT_EQ(run({"prefs", "load", "given"}),
-              (TOOL_RUN{0, "",
-                        "velmar-cfg: given:1:1: note: this line says nothing, and a save drops it; keep comments "
-                        "elsewhere; for a preference write 'KEY = VALUE' [not-kept]\n"}));
+    EXPECT_EQ(run({"prefs", "load", "given"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(run({"prefs", "load", "given", "--json"}).json().at("passed_over"), nlohmann::json::array());
     EXPECT_EQ(run({"prefs", "get", "CLOUD_TOKEN"}).out, "hush-hush\n");
+    write_file("given", "# MY_TOKEN is masked; --with-secrets writes it\n" + masked +
+                            " # CLOUD_TOKEN is masked; --with-secrets writes it\n");
+    const std::string message = "note: this line says nothing, and a save drops it; keep comments elsewhere; for a "
+                                "preference write 'KEY = VALUE' [not-kept]\n";
+    EXPECT_EQ(run({"prefs", "load", "given"}),
+              (TOOL_RUN{0, "", "velmar-cfg: given:1:1: " + message + "velmar-cfg: given:6:2: " + message}));
 }
 
 TEST_F(PREFS_LOAD, of_the_own_dump_changes_nothing)

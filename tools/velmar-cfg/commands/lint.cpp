@@ -133,11 +133,6 @@ EXIT_CODE list_reasons(const std::vector<REASON_GROUP>& groups, TOOL& tool)
     return EXIT_CODE::FINE;
 }
 
-bool is_preference_file(const std::string& path)
-{
-    return path.substr(path.rfind('/') + 1) == "velmar2.ini";
-}
-
 // The files without those that are named a second time, by whatever path.
 std::vector<std::string> each_once(const std::vector<std::string>& files)
 {

@@ -82,18 +82,6 @@ bool may_hold_secret(std::string_view line, const SECRETS& secrets)
     return secrets.may_hold_secret_name(line) || (!secrets.shown() && marked_keys.stand_in(line));
 }
 
-// Whether lookups of any release get to the section.
-bool is_looked_into(std::string_view section)
-{
-    return std::ranges::any_of(all_preference_numbers(),
-                               [section](CFG_USER_INI_ENUMS number)
-                               {
-                                   const std::string_view bare = preference_triples(number).front().section;
-                                   return section == bare ||
-                                          (section.starts_with(std::string(bare) + " ") && section.ends_with("_pro"));
-                               });
-}
-
 // "CLOUD_TOKEN [VALUE]" is a header to the library, whose section nobody looks into.
 std::string hide_in_header(std::string_view line, std::size_t bracket, SECRETS& secrets)
 {

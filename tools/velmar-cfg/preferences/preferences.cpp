@@ -64,6 +64,28 @@ bool PREFERENCE::differs_from_default() const
     return gen_stricmp(value.c_str(), default_value.c_str()) != 0;
 }
 
+bool is_looked_into(std::string_view section)
+{
+    return std::ranges::any_of(all_preference_numbers(),
+                               [section](CFG_USER_INI_ENUMS number)
+                               {
+                                   const std::string_view bare = preference_triples(number).front().section;
+                                   return section == bare ||
+                                          (section.starts_with(std::string(bare) + " ") && section.ends_with("_pro"));
+                               });
+}
+
+bool is_preference_file(const std::string& path, std::string_view bytes)
+{
+    if (path.substr(path.rfind('/') + 1) == "velmar2.ini")
+        return true;
+    bool found = false;
+    for_each_preference_line(
+        bytes, [&found](std::size_t, std::string_view text, const PREFERENCE_LINE& line, const std::string&)
+        { found |= text.starts_with('[') && line.section.ends_with("_pro") && is_looked_into(line.section); });
+    return found;
+}
+
 PREFERENCE_FILE_LOCATION preference_file_location()
 {
     PREFERENCE_FILE_LOCATION location{cfg_generate_user_ini_file_path(), false, {}};

@@ -2,33 +2,16 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tests/velmar_cfg/tool_test.h"
+#include "tests/velmar_cfg/preference_tool_test.h"
 
 namespace
 {
 using testing::EndsWith;
 using testing::HasSubstr;
 
-// velmar2.ini is in the directory "user".
-class PREFS_LOAD : public TOOL_TEST
+class PREFS_LOAD : public PREFERENCE_TOOL_TEST
 {
 protected:
-    PREFS_LOAD()
-    {
-        variables["VELMAR2_INI"] = "user";
-        std::filesystem::create_directory("user");
-    }
-
-    static void write_preferences(const std::string& bytes)
-    {
-        write_file(file, bytes);
-    }
-
-    static std::string preferences()
-    {
-        return read_file(file);
-    }
-
     // Loading the bytes over these preferences ends so and changes nothing.
     void expect_unchanged(const std::string& bytes, const TOOL_RUN& expected) const
     {
@@ -38,12 +21,6 @@ protected:
         EXPECT_EQ(preferences(), mine);
     }
 
-    std::string full_path() const
-    {
-        return std::filesystem::canonical(temporary.path("cwd/user")).string() + "/velmar2.ini";
-    }
-
-    static constexpr const char* file = "user/velmar2.ini";
     static constexpr const char* mine = "\n[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n";
 };
 

@@ -244,7 +244,7 @@ TEST_F(ENVIRONMENT_THAT_MATTERS, has_each_variable_in_its_order)
     for (const ENVIRONMENT_VARIABLE& variable : environment_that_matters(secrets))
         texts.push_back(variable.name + (variable.value ? "=" + *variable.value : ""));
     EXPECT_THAT(texts, ElementsAre("VELMAR_INI", "HOME=/home/ana", "VELMAR_INI_DISABLED", "APPENDED_VELMAR_INI",
-                                   "VELMAR_INI_VARS=", "VELMAR2_INI=/x?token=abc"));
+                                   "VELMAR_INI_VARS=", "VELMAR2_INI=/x?token=" + secrets.mark("abc")));
 }
 
 TEST_F(ENVIRONMENT_THAT_MATTERS, hides_the_secrets_of_the_inline_text_once)
@@ -258,11 +258,17 @@ TEST_F(ENVIRONMENT_THAT_MATTERS, hides_the_secrets_of_the_inline_text_once)
     EXPECT_EQ(variable, once);
     for (const ENVIRONMENT_VARIABLE& other :
          {ENVIRONMENT_VARIABLE{"VELMAR_INI_VARS", "a=1;b=2"}, ENVIRONMENT_VARIABLE{"VELMAR_INI_VARS", std::nullopt},
-          ENVIRONMENT_VARIABLE{"HOME", "token=abc"}})
+          ENVIRONMENT_VARIABLE{"HOME", "/home/token"}})
     {
         ENVIRONMENT_VARIABLE changed = other;
         hide_in_environment(changed, secrets);
         EXPECT_EQ(changed, other) << other.name;
+    }
+    for (const char* const name : {"VELMAR_INI", "HOME", "VELMAR_INI_DISABLED", "APPENDED_VELMAR_INI", "VELMAR2_INI"})
+    {
+        ENVIRONMENT_VARIABLE meant_for_another{name, "token=abc"};
+        hide_in_environment(meant_for_another, secrets);
+        EXPECT_EQ(with_hidden_parts_named(*meant_for_another.value), "token=\\(masked)") << name;
     }
 }
 

@@ -103,6 +103,47 @@ TEST_F(LINT_FIX, goes_on_behind_a_file_that_must_not_be_changed)
     EXPECT_EQ(read_file("other"), "a = yes\n");
 }
 
+// The null device reads as an empty file, and is none that could be changed.
+TEST_F(LINT_FIX, names_the_changed_files_also_where_another_cannot_be_read_any_more)
+{
+    write_file("a.ini", "a = yes\n");
+    write_file("c.ini", "c = yes\n");
+    const TOOL_RUN fixed = run({"lint", "--fix", "a.ini", "/dev/null", "c.ini"});
+    EXPECT_EQ(fixed.exit_code, 3);
+    EXPECT_THAT(fixed.err, StartsWith("velmar-cfg: " + full_path("a.ini") + ": 1 line was replaced\n"));
+    EXPECT_THAT(fixed.err, HasSubstr("\nvelmar-cfg: /dev/null: "));
+    EXPECT_THAT(fixed.err, EndsWith("velmar-cfg: " + full_path("c.ini") + ": 1 line was replaced\n"));
+    EXPECT_EQ(read_file("c.ini"), "c = on\n");
+}
+
+TEST_F(LINT_FIX, takes_a_file_that_is_two_layers_once)
+{
+    write_file("velmar.ini", "a = yes\n");
+    std::filesystem::create_symlink("velmar.ini", "link.ini");
+    for (const char* const appended : {"velmar.ini", "./velmar.ini", "link.ini"})
+    {
+        variables["APPENDED_VELMAR_INI"] = appended;
+        const TOOL_RUN tried = run({"lint", "--fix", "--dry-run"});
+        EXPECT_EQ(tried.out, "--- " + full_path("velmar.ini") + "\n+++ " + full_path("velmar.ini") +
+                                 " (new)\n@@ -1 +1 @@\n-a = yes\n+a = on\n")
+            << appended;
+    }
+    const TOOL_RUN fixed = run({"lint", "--fix"});
+    EXPECT_EQ(fixed.err, "velmar-cfg: " + full_path("velmar.ini") + ": 1 line was replaced\n");
+    EXPECT_THAT(fixed.out, Not(HasSubstr("yes"))); // of neither layer
+}
+
+TEST_F(LINT_FIX, takes_a_file_that_is_named_twice_once)
+{
+    write_file("velmar.ini", "msg_sqlite = 7\n");
+    std::filesystem::create_symlink("velmar.ini", "link.ini");
+    const TOOL_RUN once = run({"lint", "velmar.ini"});
+    EXPECT_EQ(run({"lint", "velmar.ini", "./velmar.ini", temporary.path("cwd/velmar.ini"), "link.ini"}), once);
+    write_file("velmar2.ini", "# note\n");
+    EXPECT_EQ(run({"prefs", "lint", "velmar2.ini", "velmar2.ini"}), run({"prefs", "lint", "velmar2.ini"}));
+    EXPECT_EQ(run({"lint", "-", "-"}), run({"lint", "-"}));
+}
+
 // What is fixed is what lint shows of a line, so that the quotes and the carriage return of a secret are nobody's
 // business.
 TEST_F(LINT_FIX, writes_secrets_as_they_are_and_shows_none)
@@ -149,6 +190,16 @@ TEST_F(LINT_FIX, refuses_what_makes_no_sense)
     EXPECT_EQ(run({"lint", "--format", "sarif", "--json"}).exit_code, 2);
     EXPECT_EQ(run({"lint", "--format", "sarif", "--fix", "--dry-run"}).exit_code, 2);
     EXPECT_EQ(run({"lint", "--format", "xml"}).exit_code, 2);
+    for (const std::vector<std::string>& rest : std::vector<std::vector<std::string>>{
+             {"velmar.ini"}, {"--fix"}, {"--strict"}, {"--ignore", "separator"}, {"--of", "."}})
+    {
+        std::vector<std::string> arguments = {"lint", "--list-reasons"};
+        arguments.insert(arguments.end(), rest.begin(), rest.end());
+        EXPECT_EQ(run(arguments), (TOOL_RUN{2, "",
+                                            "velmar-cfg: --list-reasons checks nothing: files, --fix, --of, --strict "
+                                            "and --ignore exclude it\n"}))
+            << rest.front();
+    }
     EXPECT_EQ(read_file("velmar.ini"), "a = yes\n");
 }
 

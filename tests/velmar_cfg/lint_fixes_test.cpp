@@ -46,7 +46,7 @@ INSTANTIATE_TEST_SUITE_P(
                     FIXED{"\xef\xbb\xbf"
                           "a = yes\n",
                           "a = on\n", 1},
-                    // In two rounds: the lines set the same variable.
+                    // The lines set the same variable.
                     FIXED{"max fanout = 1\nmax fanout = 2\n", "max_fanout = 1\nmax_fanout = 2\n", 2},
                     FIXED{"max fanout = 1\nc = yes\n\"max_fanout\" = 2\n", "max_fanout = 1\nc = on\nmax_fanout = 2\n",
                           3},
@@ -255,13 +255,60 @@ TEST(RANDOM_FIXES, leave_no_suggestion_and_every_other_variable)
     EXPECT_LT(changed, count);
 }
 
-TEST(MANY_LINES_OF_ONE_VARIABLE, are_fixed_in_rounds_that_end)
+std::string many_lines(int count, const std::vector<std::string>& beginnings)
 {
     std::string text;
-    for (int i = 0; i < 150; ++i)
-        text += "max fanout = " + std::to_string(i) + "\n";
-    const FIXED_TEXT result = fix_findings({layer_of(LAYER_KIND::MAIN_FILE, text)}, 0, {});
-    EXPECT_EQ(result.fixes, 100U);
-    EXPECT_TRUE(has_suggestion(result.text)); // for the next run
+    for (int i = 0; i < count; ++i)
+        text += beginnings[static_cast<std::size_t>(i) % beginnings.size()] + std::to_string(i) + "\n";
+    return text;
+}
+
+TEST(MANY_LINES_OF_ONE_VARIABLE, are_all_fixed)
+{
+    struct ROW
+    {
+        std::vector<std::string> beginnings;
+        std::vector<std::string> fixed;
+    };
+    for (const auto& [beginnings, fixed_beginnings] :
+         {ROW{{"max fanout = "}, {"max_fanout = "}},
+          ROW{{"my name ?= ", "MY NAME ?= ", "My Name == "}, {"my_name = ", "my_name = ", "my_name = "}},
+          ROW{{"\"a\" = ", "'A' = "}, {"a = ", "a = "}},
+          ROW{{"a b = ", "c d = ", "A_B : "}, {"a_b = ", "c_d = ", "a_b = "}}})
+    {
+        const std::string text = many_lines(1500, beginnings);
+        const FIXED_TEXT result = fix_findings({layer_of(LAYER_KIND::MAIN_FILE, text)}, 0, {});
+        EXPECT_TRUE(result.text == many_lines(1500, fixed_beginnings)) << result.text.substr(0, 100);
+        EXPECT_EQ(result.refusal, "");
+        EXPECT_FALSE(has_suggestion(result.text)) << beginnings.front();
+    }
+}
+
+// The second run of the rules finds nothing: ten times the lines cost ten times the work, and not a hundred times.
+TEST(MANY_LINES_OF_ONE_VARIABLE, are_fixed_at_once)
+{
+    EXPECT_EQ(fix_findings({layer_of(LAYER_KIND::MAIN_FILE, many_lines(10'000, {"max fanout = "}))}, 0, {}).fixes,
+              10'000U);
+}
+
+TEST(OTHER_CHANGE, is_of_a_variable_that_is_not_named)
+{
+    struct ROW
+    {
+        const char* before;
+        const char* after;
+        VARIABLE_NAMES named;
+        std::optional<std::string> changed;
+    };
+    for (const auto& [before, after, named, changed] :
+         {ROW{"a=1\nb=2\n", "a=1\nb=2\n", {}, std::nullopt}, ROW{"a=1\nb=2\n", "b=2\nA=1\n", {}, std::nullopt},
+          ROW{"a=1\n", "a=2\n", {}, "a"}, ROW{"a=1\n", "a=2\n", {"A"}, std::nullopt},
+          ROW{"a=1\nb=1\n", "a=2\nb=2\n", {"a"}, "b"}, ROW{"a=1\nb=1\n", "a=1\n", {"a"}, "b"},
+          ROW{"a=1\n", "a=1\nb=1\n", {"a"}, "b"}, ROW{"a=1\n", "a=1\nb=1\n", {"b"}, std::nullopt}})
+    {
+        const SETTINGS old_settings({layer_of(LAYER_KIND::MAIN_FILE, before)});
+        EXPECT_EQ(other_change(old_settings, SETTINGS({layer_of(LAYER_KIND::MAIN_FILE, after)}), named), changed)
+            << before << " became " << after;
+    }
 }
 }

@@ -465,6 +465,13 @@ TEST_F(MASKING, hides_what_was_typed)
         {"prefs", "reset", "PROXY_USER2=" + long_secret},
         {"get", "api_token=S3CRETa"},
         {"api_token=S3CRETa"},
+        {"get", "api_token:S3CRETa"},
+        {"prefs", "get", "CLOUD_TOKEN:S3CRETa"},
+        {"get", "api_token", "--type", "int", "--default", "S3CRETa"},
+        {"set", "api_token", "--S3CRETa"},
+        {"set", "api_token", "--S3CRETa=b"},
+        {"set", "api_token", long_secret + ";x"},
+        {"prefs", "set", "CLOUD_TOKEN", "--S3CRETa"},
     };
     for (const ARGUMENTS& arguments : wrong)
     {
@@ -475,6 +482,53 @@ TEST_F(MASKING, hides_what_was_typed)
     }
     EXPECT_THAT(run({"prefs", "set", "CLOUD_TOKEN", "S3CRETa", "--dryrun"}).err, HasSubstr("'--dryrun'"));
     EXPECT_THAT(run({"prefs", "get", "HDL_PREFERENCE=S3CRETa"}).err, HasSubstr("'HDL_PREFERENCE=S3CRETa'"));
+}
+
+// A short secret is part of any sentence and of many paths.
+TEST_F(MASKING, leaves_the_sentences_of_messages_whole)
+{
+    EXPECT_EQ(run({"set", "api_token", "a;b"}).err,
+              "velmar-cfg: a line of a settings file cannot hold this value: it would be read back as '\\(masked)'; "
+              "outside double quotes, ';' or '#' begins a comment\n");
+    const std::string file = std::filesystem::canonical(temporary.path("cwd")).string() + "/a/velmar.ini";
+    write_file("a/velmar.ini", "api_token = a\n");
+    EXPECT_THAT(run({"set", "api_token", "ab", "--file", "a/velmar.ini", "--dry-run"}).out,
+                StartsWith("--- " + file + "\n+++ " + file + " (new)\n"));
+}
+
+TEST_F(MASKING, hides_comments_that_hold_what_was_a_secret)
+{
+    variables["VELMAR_INI_VARS"] = "";
+    write_file("velmar.ini", "api_token S3CRETa S3CRETb\nuse_token = on ; was S3CRETc\na = 1 # my_password S3CRETd\n");
+    for (const ARGUMENTS& arguments : {ARGUMENTS{"lint", "--fix", "--dry-run", "velmar.ini"},
+                                       {"set", "a", "2", "--dry-run"},
+                                       {"unset", "use_token", "--dry-run"},
+                                       {"layers"}})
+        EXPECT_FALSE(tells(run(arguments).out)) << testing::PrintToString(arguments);
+    ASSERT_EQ(run({"lint", "--fix", "velmar.ini"}).exit_code, 0);
+    EXPECT_THAT(read_file("velmar.ini"), StartsWith("# api_token S3CRETa S3CRETb\n"));
+    EXPECT_FALSE(tells(run({"unset", "use_token", "--dry-run"}).out));
+}
+
+TEST_F(MASKING, hides_assignments_in_variables_that_name_files)
+{
+    for (const char* const variable : {"VELMAR_INI", "VELMAR_INI_DISABLED", "APPENDED_VELMAR_INI", "VELMAR2_INI"})
+    {
+        variables[variable] = "api_token=S3CRETa";
+        for (const ARGUMENTS& arguments : {ARGUMENTS{"paths"},
+                                           {"lint"},
+                                           {"lint", "--json"},
+                                           {"prefs", "path"},
+                                           {"prefs", "set", "HDL_PREFERENCE", "VHDL", "--dry-run"},
+                                           {"snapshot"}})
+        {
+            const TOOL_RUN result = run(arguments);
+            EXPECT_FALSE(tells(result.out + result.err)) << variable << testing::PrintToString(arguments);
+        }
+        variables.erase(variable);
+    }
+    EXPECT_THAT(run({"list", "--without", "api_token=S3CRETa"}).out,
+                StartsWith("what if: without api_token=\\(masked)\n"));
 }
 
 // A section's name that is cut for a message leaves no part of a secret.

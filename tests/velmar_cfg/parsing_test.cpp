@@ -206,7 +206,8 @@ TEST_F(PARSING, commands_and_options_are_listed_and_named)
 std::string told(const std::string& message, const std::vector<const char*>& words)
 {
     SECRETS secrets;
-    const std::string hidden = without_typed_secrets(message, static_cast<int>(words.size()), words.data(), secrets);
+    const std::string hidden =
+        without_typed_secrets(message, static_cast<int>(words.size()), words.data(), {"--dry-run", "--wait"}, secrets);
     std::string text;
     TEXT_PARTS parts(hidden);
     for (TEXT_PART part{}; parts.next(part);)
@@ -238,8 +239,41 @@ TEST(TYPED_SECRETS, are_hidden_behind_a_preference_that_is_to_be_set)
                                         ROW{{"tool", "prefs", "set", "hush-hush", "CLOUD_TOKEN"}, false}})
         EXPECT_EQ(told("it is 'hush-hush'", words), hidden ? "it is '*'" : "it is 'hush-hush'")
             << testing::PrintToString(words);
-    // Neither options nor what is too plain to be a secret.
-    EXPECT_EQ(told("no '--hush'", {"tool", "set", "CLOUD_TOKEN", "--hush"}), "no '--hush'");
-    EXPECT_EQ(told("on", {"tool", "set", "CLOUD_TOKEN", "on"}), "on");
+    EXPECT_EQ(told("on", {"tool", "set", "CLOUD_TOKEN", "on"}), "on"); // too plain to be a secret
+}
+
+TEST(TYPED_SECRETS, are_hidden_that_look_like_options)
+{
+    struct ROW
+    {
+        const char* word;
+        const char* message;
+        const char* hidden;
+    };
+    for (const auto& [word, message, hidden] : {ROW{"--hush", "no '--hush'", "no '*'"},
+                                                {"--hush=hush", "no '--hush'", "no '*'"},
+                                                {"--h", "no '--h'", "no '*'"},
+                                                {"-hush", "no '-hush'", "no '*'"},
+                                                {"--dry-run", "no '--dry-run'", "no '--dry-run'"},
+                                                {"--dryrun", "no '--dryrun'", "no '--dryrun'"},
+                                                {"--dryrum", "no '--dryrum'", "no '*'"},
+                                                {"--wait=hush", "no '--wait'", "no '--wait'"}})
+        EXPECT_EQ(told(message, {"tool", "set", "CLOUD_TOKEN", word}), hidden) << word;
+}
+
+TEST(TYPED_SECRETS, are_hidden_as_the_default_of_a_secret_name)
+{
+    struct ROW
+    {
+        std::vector<const char*> words;
+        bool hidden;
+    };
+    for (const auto& [words, hidden] : {ROW{{"tool", "get", "api_token", "--default", "hush-hush"}, true},
+                                        ROW{{"tool", "get", "--default", "hush-hush", "api_token"}, true},
+                                        ROW{{"tool", "get", "--default=hush-hush", "api_token"}, true},
+                                        ROW{{"tool", "get", "fanout", "--default", "hush-hush"}, false},
+                                        ROW{{"tool", "get", "api_token", "--type", "hush-hush"}, false}})
+        EXPECT_EQ(told("it is 'hush-hush'", words), hidden ? "it is '*'" : "it is 'hush-hush'")
+            << testing::PrintToString(words);
 }
 }

@@ -6,7 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "tests/velmar_cfg/tool_test.h"
+#include "tests/velmar_cfg/preference_tool_test.h"
 
 namespace
 {
@@ -14,26 +14,9 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-// velmar2.ini is in the directory "user".
-class PREFS_EDIT : public TOOL_TEST
+class PREFS_EDIT : public PREFERENCE_TOOL_TEST
 {
 protected:
-    PREFS_EDIT()
-    {
-        variables["VELMAR2_INI"] = "user";
-        std::filesystem::create_directory("user");
-    }
-
-    static void write_preferences(const std::string& bytes)
-    {
-        write_file(file, bytes);
-    }
-
-    static std::string preferences()
-    {
-        return read_file(file);
-    }
-
     // Such an edit of a file of these bytes ends so, and the file stays as it is.
     void expect_unchanged(const std::string& bytes, const std::vector<std::string>& arguments,
                           const TOOL_RUN& expected) const
@@ -55,13 +38,6 @@ protected:
         }
         return names;
     }
-
-    std::string full_path() const
-    {
-        return std::filesystem::canonical(temporary.path("cwd/user")).string() + "/velmar2.ini";
-    }
-
-    static constexpr const char* file = "user/velmar2.ini";
 };
 
 constexpr const char* normal_form = "\n[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n";
@@ -524,7 +500,10 @@ TEST_F(PREFS_EDIT, a_directory_that_is_not_writable_is_named)
                                     ".lock: Permission denied; the directory must be writable to change the file "
                                     "safely\n"}));
     EXPECT_EQ(preferences(), normal_form);
-    EXPECT_EQ(run_without_rights({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--dry-run"}).exit_code, 0);
+    const TOOL_RUN tried = run_without_rights({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--dry-run"});
+    EXPECT_EQ(tried.exit_code, 4);
+    EXPECT_THAT(tried.err, EndsWith(full_path() + ": Permission denied; the directory must be writable to change the "
+                                                  "file safely\n"));
 }
 
 TEST_F(PREFS_EDIT, a_directory_that_does_not_exist_is_named)

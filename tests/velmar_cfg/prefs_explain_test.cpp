@@ -1,3 +1,5 @@
+#include <filesystem>
+
 #include "tests/velmar_cfg/tool_test.h"
 
 namespace
@@ -124,5 +126,19 @@ TEST_F(PREFS_EXPLAIN, suggests_a_key)
                         "velmar-cfg: there is no preference 'HDL_PREFERENC', did you mean 'HDL_PREFERENCE'? See "
                         "velmar-cfg prefs list --all\n"}));
     EXPECT_EQ(run({"prefs", "explain", "Beep when process done"}).exit_code, 5);
+}
+
+TEST_F(PREFS_EXPLAIN, of_a_file_that_cannot_be_read_says_only_that)
+{
+    std::filesystem::create_directories("directory/velmar2.ini");
+    variables["VELMAR2_INI"] = "directory";
+    for (const char* const format : {"--color=never", "--json"})
+    {
+        const TOOL_RUN explained = run({"prefs", "explain", "HDL_PREFERENCE", format});
+        EXPECT_EQ(explained.exit_code, 3);
+        EXPECT_EQ(explained.out, "");
+        EXPECT_THAT(explained.err, testing::MatchesRegex("velmar-cfg: [^\n]*velmar2.ini: is a directory, not a file; "
+                                                         "remove it or name another path\n"));
+    }
 }
 }

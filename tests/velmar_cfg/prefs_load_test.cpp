@@ -2,33 +2,16 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tests/velmar_cfg/tool_test.h"
+#include "tests/velmar_cfg/preference_tool_test.h"
 
 namespace
 {
 using testing::EndsWith;
 using testing::HasSubstr;
 
-// velmar2.ini is in the directory "user".
-class PREFS_LOAD : public TOOL_TEST
+class PREFS_LOAD : public PREFERENCE_TOOL_TEST
 {
 protected:
-    PREFS_LOAD()
-    {
-        variables["VELMAR2_INI"] = "user";
-        std::filesystem::create_directory("user");
-    }
-
-    static void write_preferences(const std::string& bytes)
-    {
-        write_file(file, bytes);
-    }
-
-    static std::string preferences()
-    {
-        return read_file(file);
-    }
-
     // Loading the bytes over these preferences ends so and changes nothing.
     void expect_unchanged(const std::string& bytes, const TOOL_RUN& expected) const
     {
@@ -38,12 +21,6 @@ protected:
         EXPECT_EQ(preferences(), mine);
     }
 
-    std::string full_path() const
-    {
-        return std::filesystem::canonical(temporary.path("cwd/user")).string() + "/velmar2.ini";
-    }
-
-    static constexpr const char* file = "user/velmar2.ini";
     static constexpr const char* mine = "\n[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n";
 };
 
@@ -72,13 +49,17 @@ TEST_F(PREFS_LOAD, dump_holds_secrets_only_when_told)
     EXPECT_EQ(run({"prefs", "dump", "--changed", "--json"}).json(),
               (nlohmann::json{{"text", masked}, {"masked", {"CLOUD_TOKEN"}}}));
 
-    // A load of it keeps the secret of the file, and says that the comment is none.
+    // A load of it keeps the secret of the file. Only other comments are named.
     write_file("given", masked);
-    EXPECT_EQ(run({"prefs", "load", "given"}),
-              (TOOL_RUN{0, "",
-                        "velmar-cfg: given:1:1: note: this line says nothing, and a save drops it; keep comments "
-                        "elsewhere; for a preference write 'KEY = VALUE' [not-kept]\n"}));
+    EXPECT_EQ(run({"prefs", "load", "given"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(run({"prefs", "load", "given", "--json"}).json().at("passed_over"), nlohmann::json::array());
     EXPECT_EQ(run({"prefs", "get", "CLOUD_TOKEN"}).out, "hush-hush\n");
+    write_file("given", "# MY_TOKEN is masked; --with-secrets writes it\n" + masked +
+                            " # CLOUD_TOKEN is masked; --with-secrets writes it\n");
+    const std::string message = "note: this line says nothing, and a save drops it; keep comments elsewhere; for a "
+                                "preference write 'KEY = VALUE' [not-kept]\n";
+    EXPECT_EQ(run({"prefs", "load", "given"}),
+              (TOOL_RUN{0, "", "velmar-cfg: given:1:1: " + message + "velmar-cfg: given:6:2: " + message}));
 }
 
 TEST_F(PREFS_LOAD, of_the_own_dump_changes_nothing)

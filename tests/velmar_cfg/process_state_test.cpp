@@ -297,7 +297,39 @@ TEST_F(PROCESS_STATE, an_overwritten_environment_is_refused)
     close(ready[0]);
     close(ready[1]);
     EXPECT_EQ(got.exit_code, 3);
-    EXPECT_THAT(got.err, HasSubstr(" has overwritten its environment: what it was started with is lost\n"));
+    EXPECT_THAT(got.err, HasSubstr(" has overwritten its environment, or may be starting another program: what it was "
+                                   "started with cannot be told; try again\n"));
+}
+
+// Each start of a program takes the environment away for a moment.
+TEST_F(PROCESS_STATE, a_process_that_starts_programs_is_no_process_without_an_environment)
+{
+    const std::string script = temporary.path("cwd/again");
+    write_file(script, "#!/bin/sh\nexec \"$0\"\n");
+    ASSERT_EQ(chmod(script.c_str(), 0755), 0);
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        std::string variable = "VELMAR_INI_VARS=its_own=1";
+        char* const variables_of_child[] = {variable.data(), nullptr};
+        char* const arguments[] = {const_cast<char*>(script.c_str()), nullptr};
+        execve(script.c_str(), arguments, variables_of_child);
+        _exit(127);
+    }
+    for (int i = 0; i < 30; ++i)
+    {
+        const TOOL_RUN got = run({"get", "its_own", "--of", "pid:" + std::to_string(child)});
+        if (got.exit_code == 0)
+        {
+            EXPECT_EQ(got.out, "1\n");
+        }
+        else
+        {
+            EXPECT_THAT(got.err, HasSubstr("another program")) << got.exit_code;
+        }
+    }
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
 }
 
 TEST_F(PROCESS_STATE, a_process_of_another_user_is_refused)

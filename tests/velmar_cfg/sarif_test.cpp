@@ -90,6 +90,25 @@ TEST_F(SARIF, has_each_finding_as_a_result_of_its_rule)
     EXPECT_FALSE(results[2].contains("fixes")); // a person must decide
 }
 
+// Standard input has no URI: results refer to it by what it is.
+TEST_F(SARIF, names_standard_input_as_an_artifact)
+{
+    write_file("given", "a = yes\n[x]\n");
+    standard_input = temporary.path("cwd/given");
+    const nlohmann::json run = linted({"lint", "-"});
+    const nlohmann::json artifacts = nlohmann::json::parse(R"([{"description": {"text": "standard input"}}])");
+    EXPECT_EQ(run.at("artifacts"), artifacts);
+    ASSERT_EQ(run.at("results").size(), 2U);
+    EXPECT_EQ(region_of(run.at("results")[0]), nlohmann::json({{"startLine", 1}, {"startColumn", 5}}));
+    for (const nlohmann::json& result : run.at("results"))
+    {
+        EXPECT_EQ(result.at("locations").at(0).at("physicalLocation").at("artifactLocation"),
+                  nlohmann::json({{"index", 0}}));
+        EXPECT_FALSE(result.contains("fixes"));
+    }
+    EXPECT_FALSE(linted({"lint", "given"}).contains("artifacts"));
+}
+
 TEST_F(SARIF, counts_columns_in_characters)
 {
     // Two characters of five bytes, then a byte that is no UTF-8.
@@ -145,10 +164,6 @@ TEST_F(SARIF, names_files_by_references_and_variables_by_their_names)
     EXPECT_FALSE(of_items[0].contains("fixes"));
     variables.erase("VELMAR_INI_VARS");
     EXPECT_EQ(uri_of(linted({"lint"}).at("results")), "velmar.ini"); // that there is nothing to check
-    standard_input = odd;
-    const nlohmann::json of_input = linted({"lint", "-"}).at("results");
-    EXPECT_EQ(uri_of(of_input), "standard%20input");
-    EXPECT_EQ(region_of(of_input[0]).at("startColumn"), 5);
     write_file("velmar2.ini", "# note\n");
     EXPECT_EQ(linted({"prefs", "lint", "velmar2.ini"}).at("results").at(0).at("ruleId"), "not-kept");
 }

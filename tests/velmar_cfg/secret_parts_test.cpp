@@ -142,9 +142,18 @@ TEST(SECRETS_IN_MESSAGES, are_hidden_piece_by_piece)
         {"abcdabcd", "abcd", "<4><4>"},
         {"xabcdx", "abcd", "x<4>x"},
         {"xabcx", "abc", "xabcx"},
-        {"x abc x", "abc", "x <3> x"},
-        {"xabc abc abcx", "abc", "xabc <3> abcx"},
         {"'abc'", "abc", "'<3>'"},
+        {"\"abc\"", "abc", "\"<3>\""},
+        {"'abc\"", "abc", "'abc\""},
+        {"no such word: abc", "abc", "no such word: <3>"},
+        {"no such word: abc; see help", "abc", "no such word: <3>; see help"},
+        {"no such word: abc de", "abc", "no such word: abc de"},
+        {"no such word abc", "abc", "no such word abc"},
+        {"/a/b: a line holds 'a'", "a", "/a/b: a line holds '<1>'"}, // paths and the message's own words stay
+        {"/abc", "abc", "/abc"},
+        {"is 'abc;de'", "abc;de", "is '<6>'"},
+        {"is 'abc'", "abc;de", "is '<3>'"},
+        {"is 'abcd'", "abcd#e", "is '<4>'"},
         {"abc", "abc", "<3>"},
         {"aaaa", "aa", "aaaa"},
         {"aaaaa", "aaaa", "<4>a"},
@@ -158,6 +167,53 @@ TEST(SECRETS_IN_MESSAGES, are_hidden_piece_by_piece)
     for (const ROW& row : rows)
         EXPECT_EQ(sized(hide_in_text(row.text, row.secret, secrets)), row.hidden)
             << row.text << " without " << row.secret;
+}
+
+TEST(SECRETS_IN_MESSAGES, are_hidden_where_a_quotation_cuts_them_short)
+{
+    const std::string secret(200, 'x');
+    SECRETS secrets;
+    EXPECT_EQ(sized(hide_in_text("is '" + secret.substr(0, 100) + "...'", secret, secrets)), "is '<200>'");
+    EXPECT_EQ(sized(hide_in_text("is '" + secret.substr(0, 100) + "...'", secret + ";y", secrets)), "is '<202>'");
+    EXPECT_EQ(sized(hide_in_text("is '" + secret.substr(0, 99) + "'", secret, secrets)),
+              "is '" + secret.substr(0, 99) + "'");
+}
+
+TEST(SHORT_SECRETS_OF_OTHERS_TEXTS, are_hidden_where_they_stand_apart)
+{
+    SECRETS secrets;
+    for (const auto& [text, hidden] : {std::pair("x abc x", "x <3> x"),
+                                       {"xabc abc abcx", "xabc <3> abcx"},
+                                       {"abc", "<3>"},
+                                       {"-abc", "-<3>"},
+                                       {"abc1", "abc1"}})
+        EXPECT_EQ(sized(hide_in_text(text, "abc", secrets, SHORT_SECRETS::APART)), hidden) << text;
+}
+
+TEST(TYPED_VALUES, are_hidden_with_their_secret_names)
+{
+    struct ROW
+    {
+        const char* message;
+        const char* word;
+        const char* hidden;
+    };
+    const ROW rows[] = {
+        {"no 'token=abcd'", "token=abcd", "no 'token=<4>'"},
+        {"no 'token:abcd'", "token:abcd", "no 'token:<4>'"},
+        {"a word 'token=a' in /a", "token=a", "a word 'token=<1>' in /a"},
+        {"a word 'token:a'", "token:a", "a word 'token:<1>'"},
+        {"it is 'abcd'", "token:abcd", "it is '<4>'"},
+        {"no 'name=abcd'", "name=abcd", "no 'name=abcd'"},
+        {"no 'token=on'", "token=on", "no 'token=on'"},
+        {"no 'token:12'", "token:12", "no 'token:12'"},
+        {"no 'h:/?token=abcd'", "h:/?token=abcd", "no 'h:/?token=<4>'"},
+        {"no 'token'", "token", "no 'token'"},
+    };
+    SECRETS secrets;
+    const auto is_secret = [&secrets](std::string_view name) { return secrets.is_secret_name(name); };
+    for (const ROW& row : rows)
+        EXPECT_EQ(sized(hide_typed_value(row.message, row.word, is_secret, secrets)), row.hidden) << row.word;
 }
 
 // The mark of one piece may hold the letters of another: marks are not looked into.

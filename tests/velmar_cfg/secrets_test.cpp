@@ -89,7 +89,11 @@ TEST(SECRETS, are_hidden_in_lines_with_what_may_be_their_rest)
              {"token = \"abc", "token = \"*"},
              {"token = on#def", "token = on#*"},
              {"token = 12;def", "token = 12;*"},
-             {"token = on # token", "token = on # token"},
+             // What stood there before, too.
+             {"token = on ; was abc", "token = on ; *"},
+             {"token = on # token", "token = on # *"},
+             {"token = 12 # \"abc\"=d", "token = 12 # *"},
+             {"token = on #", "token = on #"},
              {"token = # def", "token = # *"},
              {"token =\t; was def", "token =\t; *"},
              {"token == abc", "token =*"},
@@ -109,9 +113,17 @@ TEST(SECRETS, are_hidden_in_lines_with_what_may_be_their_rest)
              {"password abc def", "password *"},
              {"my token: \"abc def\" g", "my token: \"*\" *"},
              {"password on", "password on"},
+             // To make a comment of it shows nothing.
              {"# token = abc", "# token = *"},
-             {"# token abc", "# token abc"},
+             {"# token abc", "# token *"},
+             {"; my token \"abc def\" g", "; my token \"*\" *"},
+             {"# token", "# token"},
+             {"# token on", "# token on"},
              {"// password: abc", "// password: *"},
+             {"a = 1 # token abc", "a = 1 # token *"},
+             {"a = 1 ; token abc # d", "a = 1 ; token * # *"},
+             {"# token abc = d", "# token * = *"},
+             {"# see abc", "# see abc"},
          })
     {
         const std::optional<std::string> result = hide_in_settings_text(text, secrets);
@@ -339,6 +351,13 @@ TEST(SECRET_PREFERENCES, are_hidden_in_lines)
              {"MY_PASSWORD = abc", "MY_PASSWORD = *"},
              {"WEB_BROWSER = b --token=abc", "WEB_BROWSER = b --token=*"},
              {"[My token]\nA = b", "[My token]\nA = b"},
+             {"CLOUD_TOKEN [abc]", "CLOUD_TOKEN [*]"},
+             {"MY_PASSWORD [ab] cd", "MY_PASSWORD [*] *"},
+             {"CLOUD_SERVER [abc]", "CLOUD_SERVER [abc]"},
+             {"CLOUD_TOKEN [Cloud 23.4_pro]", "CLOUD_TOKEN [Cloud 23.4_pro]"}, // a section that lookups use
+             {"CLOUD_TOKEN [Cloud]", "CLOUD_TOKEN [Cloud]"},
+             {"CLOUD_TOKEN [Clouds 23.4_pro]", "CLOUD_TOKEN [*]"},
+             {"CLOUD_TOKEN [Cloud abc]", "CLOUD_TOKEN [*]"},
              {"CLOUD_USERNAME = joe\n\n", "CLOUD_USERNAME = joe\n\n"},
              {"A = b\nPROXY_USER1 = joe\n\nC = d\nMY_PASSWORD = abc\nE = f",
               "A = b\nPROXY_USER1 = *\n\nC = d\nMY_PASSWORD = *\nE = f"},
@@ -420,6 +439,7 @@ TEST(SECRET_PREFERENCES, are_hidden_in_messages_about_edits)
              {"from 'old1' to 'new2'", "A=b\nCLOUD_TOKEN = \"old1\"\n", "new2", "from '*' to '*'"},
              {"A = b", "A=b\n", "zzzz", "A = b"},
              {"'ab' is about 'cab'", "", "ab", "'*' is about 'cab'"},
+             {"ab/a is ab", "", "ab", "ab/a is ab"}, // a path, and a word of the message's own
              {"ab", "", "ab", "*"},
              {"on or off", "CLOUD_TOKEN=on", "off", "on or off"},
              // Texts like parts of marks.

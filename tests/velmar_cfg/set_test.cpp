@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "tests/support/run_program.h"
 #include "tests/velmar_cfg/tool_test.h"
 
 namespace
@@ -445,5 +446,145 @@ TEST_F(SET, a_failure_to_tell_does_not_hide_the_change)
     EXPECT_THAT(read_file(temporary.path("standard_error")),
                 StartsWith("velmar-cfg: " + full_path() + " was changed; standard output: "));
     EXPECT_EQ(settings(), "a = 2\n");
+}
+
+// --- What is no settings file ---
+
+TEST_F(SET, refuses_what_is_no_file_before_anything_is_made_beside_it)
+{
+    ASSERT_EQ(mkfifo("project/pipe", 0600), 0);
+    std::filesystem::create_directory("project/directory");
+    for (const char* const path : {"/dev/null", "project/pipe", "project/directory"})
+    {
+        const TOOL_RUN dry = run({"set", "--file", path, "a", "1", "--dry-run"});
+        // Where nothing can be made, an attempt would be told instead.
+        ASSERT_EQ(chmod("project", 0555), 0);
+        EXPECT_EQ(run_without_rights({"set", "--file", path, "a", "1"}), dry) << path;
+        ASSERT_EQ(chmod("project", 0755), 0);
+        EXPECT_EQ(dry.exit_code, 3) << path;
+        EXPECT_THAT(dry.err, testing::AnyOf(HasSubstr(": is no regular file"), HasSubstr(": is a directory"))) << path;
+    }
+}
+
+TEST_F(SET, refuses_a_text_of_which_no_line_is_read)
+{
+    for (const std::string& bytes : {std::string("\xff\xfe"
+                                                 "a\0=\0",
+                                                 6),
+                                     std::string("\xfe\xff\0a\0=", 6)})
+    {
+        write_settings(bytes);
+        for (const ARGUMENTS& arguments : {ARGUMENTS{"set", "a", "1"}, {"unset", "a"}, {"set", "a", "1", "--dry-run"}})
+            EXPECT_EQ(run_in_project(arguments), (TOOL_RUN{3, "",
+                                                           "velmar-cfg: " + full_path() +
+                                                               ": is UTF-16, of which the library reads no line; save "
+                                                               "it as UTF-8 without a byte order mark\n"}))
+                << arguments.front();
+        EXPECT_EQ(run_in_project({"lint", "--fix"}).exit_code, 3);
+        EXPECT_EQ(settings(), bytes);
+    }
+}
+
+TEST_F(SET, refuses_preference_files)
+{
+    const std::string text = "[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n";
+    write_file("velmar2.ini", "");
+    write_file("mine.ini", "\n" + text);
+    std::filesystem::create_symlink("mine.ini", "link.ini");
+    for (const char* const path : {"velmar2.ini", "mine.ini", "link.ini", "project/velmar2.ini"})
+    {
+        const TOOL_RUN refused = run({"set", "a", "1", "--file", path});
+        EXPECT_EQ(refused.exit_code, 2) << path;
+        EXPECT_THAT(refused.err,
+                    EndsWith(": is a preference file; change it with velmar-cfg prefs set or prefs reset\n"));
+    }
+    EXPECT_EQ(read_file("mine.ini"), "\n" + text);
+    // A section that means nothing to preferences makes no preference file.
+    write_file("settings.ini", "[General]\n[x 23.4_pro]\nb = [General 23.4_pro]\n");
+    EXPECT_EQ(run({"set", "a", "1", "--file", "settings.ini"}).exit_code, 0);
+}
+
+// --- Rights ---
+
+TEST_F(SET, tells_in_a_dry_run_that_the_directory_cannot_be_written)
+{
+    write_settings("a = 1\n");
+    ASSERT_EQ(chmod("project", 0555), 0);
+    const std::string why = ": Permission denied; the directory must be writable to change the file safely\n";
+    EXPECT_EQ(run_without_rights({"--project", "project", "set", "a", "2", "--dry-run"}),
+              (TOOL_RUN{4, "--- " + full_path() + "\n+++ " + full_path() + " (new)\n@@ -1 +1 @@\n-a = 1\n+a = 2\n",
+                        "velmar-cfg: " + full_path() + why}));
+    EXPECT_EQ(run_without_rights({"--project", "project", "set", "a", "2"}).err,
+              "velmar-cfg: " + full_path() + ".lock" + why);
+    EXPECT_EQ(run_without_rights({"--project", "project", "set", "a", "1", "--dry-run"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_THAT(run_without_rights({"lint", "--fix", "--dry-run", "--json"}).out, Not(HasSubstr("null")));
+}
+
+// --replace-read-only is only said to help where it does.
+TEST_F(SET, tells_whose_a_file_is_that_another_user_must_not_change)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can give files away";
+    write_settings("a = 1\n");
+    ASSERT_EQ(chmod(file, 0644), 0);
+    ASSERT_EQ(chown(file, 65534, 65534), 0);
+    for (const char* const option : {"--wait=10", "--dry-run"})
+    {
+        const TOOL_RUN refused = run_without_rights({"--project", "project", "set", "a", "2", option});
+        EXPECT_EQ(refused.exit_code, 4);
+        EXPECT_THAT(refused.err, testing::MatchesRegex("velmar-cfg: [^\n]*velmar.ini: the file belongs to the user "
+                                                       "[^\n]*, and this user must not write to it\n"));
+    }
+    ASSERT_EQ(chown(file, 0, 0), 0);
+    ASSERT_EQ(chmod(file, 0444), 0);
+    EXPECT_THAT(run_without_rights({"--project", "project", "set", "a", "2", "--dry-run"}).err,
+                EndsWith("--replace-read-only does it anyway\n"));
+    ASSERT_EQ(chmod("project", 0555), 0);
+    EXPECT_THAT(run_without_rights({"--project", "project", "set", "a", "2", "--dry-run"}).err,
+                EndsWith("the file is read-only, and so is its directory\n"));
+}
+
+// --- patch(1) ---
+
+class DRY_RUN_DIFFERENCES : public SET
+{
+};
+
+TEST_F(DRY_RUN_DIFFERENCES, can_be_applied_by_patch)
+{
+    if (std::string(PATCH).empty())
+        GTEST_SKIP() << "patch is not installed";
+    struct ROW
+    {
+        std::string before;
+        ARGUMENTS arguments;
+    };
+    for (const auto& [before, arguments] :
+         {ROW{"# mine\na = 1 ; c\r\nb = 2\n", {"set", "a", "2"}}, ROW{"a = 1", {"set", "a", "2"}},
+          ROW{"a = 1", {"set", "b", "2"}}, ROW{"b = 1\na = 1", {"unset", "a"}},
+          ROW{"x = 1\n[y]\nz = yes", {"lint", "--fix", "project/velmar.ini"}}, ROW{"a\t= \\x\n", {"set", "a", "\\y"}}})
+    {
+        write_settings(before);
+        ARGUMENTS dry_run = arguments;
+        dry_run.emplace_back("--dry-run");
+        const bool lints = arguments.front() == "lint";
+        const std::string shown = (lints ? run(dry_run) : run_in_project(dry_run)).out;
+        dry_run.emplace_back("--json");
+        const nlohmann::json answer = (lints ? run(dry_run) : run_in_project(dry_run)).json();
+        const std::string exact = (lints ? answer[0] : answer).at("difference");
+        ASSERT_NE((lints ? run(arguments) : run_in_project(arguments)).exit_code, 2);
+        const std::string after = settings();
+        ASSERT_NE(after, before);
+        const bool is_shown_as_it_is = before.find_first_of("\t\r\\") == std::string::npos;
+        for (const std::string& difference : {exact, is_shown_as_it_is ? shown : exact})
+        {
+            write_settings(before);
+            write_file("difference", difference);
+            const PROGRAM_RESULT patched = run_program(
+                {PATCH, "--binary", "--directory=/", "--strip=1", "--input=" + temporary.path("cwd/difference")});
+            EXPECT_EQ(patched.status, 0) << patched.out << patched.err << difference;
+            EXPECT_EQ(settings(), after) << difference;
+        }
+    }
 }
 }

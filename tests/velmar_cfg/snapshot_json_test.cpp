@@ -412,12 +412,12 @@ TEST_F(SNAPSHOT_DOCUMENTS, have_the_secrets_of_other_lists_hidden_too)
 {
     ordered_json json = document();
     json["environment"][1]["value"] = "a=1;my_password=abc";
-    json["environment"][0]["value"] = "/home/token=abc"; // only one variable holds assignments
+    json["environment"][0]["value"] = "/home/token=abc";
     json["preferences"][0]["key"] = "CLOUD_TOKEN";
     json["preferences"][0]["value"] = "abc";
     const SNAPSHOT snapshot = read(json);
     EXPECT_EQ(shown(*snapshot.environment[1].value), "a=1;my_password=\\(masked)");
-    EXPECT_EQ(snapshot.environment[0].value, "/home/token=abc");
+    EXPECT_EQ(shown(*snapshot.environment[0].value), "/home/token=\\(masked)");
     EXPECT_EQ(shown(snapshot.preferences[0].value), "\\(masked)");
     SECRETS with_pattern;
     with_pattern.add_pattern("a");

@@ -25,6 +25,11 @@
 
 namespace
 {
+bool may_write_in(int directory)
+{
+    return faccessat(directory, ".", W_OK | X_OK, AT_EACCESS) == 0;
+}
+
 // Why the file's mode, its attributes or its file system are against a change; empty when nothing is. Only the mode can
 // be passed over.
 std::string write_protection(const FILE_PLACE& place, const SEEN_FILE& file, bool replace_read_only)
@@ -35,6 +40,12 @@ std::string write_protection(const FILE_PLACE& place, const SEEN_FILE& file, boo
         return std::string(std::strerror(errno)) + "; the file cannot be changed where it is";
     if (replace_read_only || (writable && !protects_from_owner))
         return {};
+    // Only its owner can put a file in its place that is the owner's again; and root, who may write to every file.
+    const uid_t owner = file.status().st_uid;
+    if (!writable && owner != geteuid())
+        return "the file belongs to the user " + user_in_words(owner) + ", and this user must not write to it";
+    if (!may_write_in(place.directory()))
+        return "the file is read-only, and so is its directory";
     return "the file is read-only; --replace-read-only does it anyway";
 }
 
@@ -73,7 +84,11 @@ FILE_EDIT try_file_edit(const std::string& path, const EDIT_PLAN& plan, const FI
                         std::chrono::milliseconds patience)
 {
     const FILE_PLACE place(path);
-    return planned(place, read_settled_file(place, deadline_after(patience)), plan, permissions);
+    FILE_EDIT edit = planned(place, read_settled_file(place, deadline_after(patience)), plan, permissions);
+    if (edit.changed() && !may_write_in(place.directory()))
+        edit.refusal =
+            place.path() + ": " + std::strerror(errno) + "; the directory must be writable to change the file safely";
+    return edit;
 }
 
 FILE_EDIT edit_file(const std::string& path, const EDIT_PLAN& plan, const FILE_EDIT_PERMISSIONS& permissions,
@@ -81,6 +96,7 @@ FILE_EDIT edit_file(const std::string& path, const EDIT_PLAN& plan, const FILE_E
 {
     const MOMENT deadline = deadline_after(patience);
     const FILE_PLACE place(path);
+    require_file_or_none(place); // before anything is made beside it
     const FILE_LOCK lock(place, deadline);
     remove_abandoned_files(place);
     for (;;)

@@ -32,6 +32,13 @@ std::deque<std::string> components_of(const std::string& path)
 }
 }
 
+std::string real_path(const std::string& path)
+{
+    std::error_code error;
+    const std::filesystem::path real = std::filesystem::weakly_canonical(path, error);
+    return error ? path : std::filesystem::absolute(real, error).string();
+}
+
 void fail_to_write(const std::string& path, const std::string& what)
 {
     throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN, path + ": " + what);

@@ -48,6 +48,9 @@ private:
     std::string file_name;
 };
 
+// The path without links, as far as it exists: two such paths are of one file if they are equal. Throws nothing.
+std::string real_path(const std::string& path);
+
 // Throws TOOL_ERROR(NOT_WRITTEN): "PATH: WHAT".
 [[noreturn]] void fail_to_write(const std::string& path, const std::string& what);
 

@@ -133,8 +133,11 @@ std::optional<SEEN_FILE> SEEN_FILE::look_at(const FILE_PLACE& place)
     if (opened < 0)
     {
         const std::string problem = input_problem(place.path());
-        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT,
-                         place.path() + ": " + (problem.empty() ? std::strerror(error) : problem));
+        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, place.path() + ": " +
+                                                   (!problem.empty() ? problem
+                                                    : is_file        ? std::strerror(error)
+                                                                     : "is no regular file, and nothing can be changed "
+                                                                       "in it; name another one"));
     }
     seen.file = OPEN_FILE(opened);
     INPUT_FILE read = read_open_file(opened, place.path());
@@ -143,6 +146,12 @@ std::optional<SEEN_FILE> SEEN_FILE::look_at(const FILE_PLACE& place)
     if (fstat(opened, &seen.state) != 0 || !same_state(seen.state, *found))
         return std::nullopt;
     return seen;
+}
+
+void require_file_or_none(const FILE_PLACE& place)
+{
+    if (const std::optional<struct stat> found = state_at(place); found && !S_ISREG(found->st_mode))
+        SEEN_FILE::look_at(place);
 }
 
 bool SEEN_FILE::is_still_at(const FILE_PLACE& place) const

@@ -54,6 +54,9 @@ private:
     struct stat state = {};
 };
 
+// Throws TOOL_ERROR(BAD_INPUT) when something is at the place that is no regular file. Opens nothing.
+void require_file_or_none(const FILE_PLACE& place);
+
 // Waits until the file has not been written for 50 ms, by its times or, where those lie in the future, as watched, and
 // is not empty or missing where it was not so before: programs that save empty the file first. Then reads it. Gives up
 // at the deadline, or 50 ms after the call where that is later, with TOOL_ERROR(NOT_WRITTEN): a file that nobody writes

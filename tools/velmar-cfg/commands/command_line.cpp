@@ -260,18 +260,52 @@ std::string usage_complaint(CLI::App* app, const CLI::ParseError& error)
     return what + "; see " + spoken_name(command) + " --help";
 }
 
-std::string without_typed_secrets(std::string_view message, int argc, const char* const* argv, SECRETS& secrets)
+std::vector<std::string> all_options(CLI::App& app)
 {
+    std::vector<std::string> names;
+    for (CLI::App* const command : all_commands(app))
+    {
+        for (const CLI::Option* const option : options_of(command))
+        {
+            for (std::string& name : names_of(option))
+                names.push_back(std::move(name));
+        }
+    }
+    return names;
+}
+
+std::string without_typed_secrets(std::string_view message, int argc, const char* const* argv,
+                                  const std::vector<std::string>& options, SECRETS& secrets)
+{
+    constexpr std::string_view default_option = "--default";
     const auto is_secret = [&secrets](std::string_view name) { return is_secret_preference_name(name, secrets); };
+    const std::vector<std::string_view> words(argv + 1, argv + std::max(1, argc));
+    const bool has_secret_name = std::ranges::any_of(words, is_secret);
     std::string hidden(message);
+    const auto hide = [&](std::string_view word)
+    {
+        if (!is_plain_value(word))
+            hidden = hide_in_text(hidden, word, secrets);
+    };
     bool behind_set = false;
     bool behind_secret_key = false;
-    for (int i = 1; i < argc; ++i)
+    for (std::size_t i = 0; i < words.size(); ++i)
     {
-        const std::string_view word = argv[i];
+        const std::string_view word = words[i];
+        const std::string_view option = word.substr(0, word.starts_with("--") ? word.find('=') : 0);
         hidden = hide_typed_value(hidden, word, is_secret, secrets);
-        if (behind_secret_key && !word.starts_with("--") && !is_plain_value(word))
-            hidden = hide_in_text(hidden, word, secrets);
+        if (has_secret_name && i > 0 && words[i - 1] == default_option)
+            hide(word);
+        if (has_secret_name && option == default_option && option.size() < word.size())
+            hide(word.substr(option.size() + 1));
+        // One letter off: of a secret, more may look like an option by chance.
+        const bool is_option = std::ranges::any_of(options, [option](const std::string& name)
+                                                   { return edit_distance(option, name) <= 1; });
+        if (behind_secret_key && (option.empty() || !is_option))
+        {
+            hide(word);
+            hide(option); // what a message says of a value that was taken for an option
+        }
         behind_secret_key |= behind_set && is_secret(word);
         behind_set |= word == "set";
     }

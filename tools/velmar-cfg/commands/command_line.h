@@ -39,8 +39,13 @@ void parse_command_line(CLI::App& app, int argc, const char* const* argv);
 // One line that says what is wrong with the command line, and where the help stands.
 std::string usage_complaint(CLI::App* app, const CLI::ParseError& error);
 
+// The options of the tool and of all its commands, in each of their spellings.
+std::vector<std::string> all_options(CLI::App& app);
+
 // A message that may repeat words of the command line, with the secrets among them hidden: values that were typed
-// together with a secret name, as in "api_token=VALUE", and what stands behind a secret preference that is to be set.
-std::string without_typed_secrets(std::string_view message, int argc, const char* const* argv, SECRETS& secrets);
+// together with a secret name, as in "api_token=VALUE", what stands behind a secret name that is to be set, but for
+// `options` and words that are one letter off, and a --default beside a secret name.
+std::string without_typed_secrets(std::string_view message, int argc, const char* const* argv,
+                                  const std::vector<std::string>& options, SECRETS& secrets);
 
 #endif

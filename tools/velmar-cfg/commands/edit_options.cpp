@@ -33,7 +33,8 @@ void write_difference(std::string_view difference, OUTPUT& out)
     while (!difference.empty())
     {
         const std::string_view line = difference.substr(0, difference.find('\n'));
-        out << out.painted(style_of(line), printable(line)) << "\n";
+        // What begins with a backslash is a remark to patch(1), and no line of the file.
+        out << out.painted(style_of(line), line.starts_with('\\') ? std::string(line) : printable(line)) << "\n";
         difference.remove_prefix(line.size() + 1);
     }
 }

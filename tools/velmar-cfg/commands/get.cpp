@@ -41,9 +41,8 @@ std::string remark_on(const TYPED_ANSWER& answer, SECRETS& secrets)
     std::string remark = answer.remark;
     if (has_hidden_parts(hide_in_value(answer.name, answer.text, secrets)))
     {
-        const std::string quoted = in_single_quotes(answer.text); // as it stands there, perhaps cut short
-        remark = hide_in_text(remark, std::string_view(quoted).substr(1, quoted.size() - 2), secrets);
-        remark = hide_in_text(remark, value_as_text(answer.value).value_or(""), secrets);
+        remark = hide_in_text(remark, answer.text, secrets);
+        remark = hide_in_text(remark, value_as_text(answer.value).value_or(""), secrets, SHORT_SECRETS::APART);
     }
     return remark.empty() || answer.has_value != false ? remark : remark + advice_on(answer.name);
 }

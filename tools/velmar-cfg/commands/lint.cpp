@@ -2,12 +2,15 @@
 // the first finding is written. Findings are written as they are found, and none is kept.
 #include <algorithm>
 #include <functional>
+#include <iterator>
 #include <memory>
+#include <set>
 #include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "tools/velmar-cfg/base/file_place.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/edit_options.h"
@@ -131,13 +134,30 @@ EXIT_CODE list_reasons(const std::vector<REASON_GROUP>& groups, TOOL& tool)
     return EXIT_CODE::FINE;
 }
 
-bool is_preference_file(const std::string& path)
+// The files without those that are named a second time, by whatever path.
+std::vector<std::string> each_once(const std::vector<std::string>& files)
 {
-    return path.substr(path.rfind('/') + 1) == "velmar2.ini";
+    std::set<std::string> seen;
+    std::vector<std::string> once;
+    std::ranges::copy_if(files, std::back_inserter(once),
+                         [&seen](const std::string& file)
+                         { return seen.insert(file == "-" ? file : real_path(file)).second; });
+    return once;
+}
+
+// Listing the reasons goes with nothing that says what to check or how.
+void require_only_list(const LINT_OPTIONS& options)
+{
+    if (!options.list_reasons ||
+        (options.files.empty() && !options.fix && !options.state.of && !options.strict && options.ignored.empty()))
+        return;
+    throw TOOL_ERROR(EXIT_CODE::USAGE, "--list-reasons checks nothing: files, --fix, --of, --strict and --ignore "
+                                       "exclude it");
 }
 
 EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
 {
+    require_only_list(options);
     const FINDINGS_OPTIONS output = output_options(options, tool);
     if (options.list_reasons)
         return list_reasons({{"settings", reasons_of_settings()}, {"preferences", reasons_of_preferences()}}, tool);
@@ -165,7 +185,7 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
         if (state.preference_file != nullptr)
             checks.add_preferences(std::move(state.preference_file));
     }
-    for (const std::string& file : options.files)
+    for (const std::string& file : each_once(options.files))
     {
         if (is_preference_file(file))
             checks.add_preferences(tool.files.read_named(file));
@@ -178,6 +198,7 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
 
 EXIT_CODE lint_only_preferences(const LINT_OPTIONS& options, TOOL& tool)
 {
+    require_only_list(options);
     const FINDINGS_OPTIONS output = output_options(options, tool);
     if (options.list_reasons)
         return list_reasons({{"preferences", reasons_of_preferences()}}, tool);
@@ -190,7 +211,7 @@ EXIT_CODE lint_only_preferences(const LINT_OPTIONS& options, TOOL& tool)
         else
             checks.add_preferences(std::move(file));
     }
-    for (const std::string& file : options.files)
+    for (const std::string& file : each_once(options.files))
         checks.add_preferences(tool.files.read_named(file));
     return checks.run(output);
 }

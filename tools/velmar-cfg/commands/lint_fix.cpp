@@ -9,23 +9,28 @@
 // bytes of all files are kept until the end.
 #include "tools/velmar-cfg/commands/lint_fix.h"
 
+#include <algorithm>
 #include <memory>
+#include <set>
 #include <utility>
 
-#include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/base/file_place.h"
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/commands/diagnostics.h"
 #include "tools/velmar-cfg/lint/fixes.h"
 #include "tools/velmar-cfg/settings/secrets.h"
 #include "tools/velmar-cfg/settings/settings_difference.h"
+#include "tools/velmar-cfg/settings/settings_edit.h"
 
 LAYERS FILE_FIXES::fix(LAYERS layers)
 {
+    std::set<std::string> done; // a file may be several layers
     for (std::size_t index = 0; index < layers.size(); ++index)
     {
         // What could be read of a broken file must not become all of it.
-        if (is_file(layers[index].kind) && layers[index].source->problem.empty())
+        if (is_file(layers[index].kind) && layers[index].source->problem.empty() &&
+            done.insert(real_path(layers[index].source->path)).second)
             fix_file(layers, index);
     }
     return layers;
@@ -34,18 +39,25 @@ LAYERS FILE_FIXES::fix(LAYERS layers)
 void FILE_FIXES::fix_file(LAYERS& layers, std::size_t index)
 {
     const std::string path = layers[index].source->path;
-    const auto hold = [&](const std::string& bytes) {
-        layers[index].source = std::make_shared<const INPUT_FILE>(INPUT_FILE{path, bytes, {}});
+    const auto hold = [&](const std::string& bytes)
+    {
+        for (LAYER& layer : layers)
+        {
+            if (is_file(layer.kind) && real_path(layer.source->path) == real_path(path))
+                layer.source = std::make_shared<const INPUT_FILE>(INPUT_FILE{layer.source->path, bytes, {}});
+        }
     };
     FIXED_TEXT fixed{};
     const auto plan = [&](const FILE_EDIT& file)
     {
+        require_settings_text(file.path, file.before);
         // By now it may be another text than was read. What the user is shown is what is fixed: with secrets hidden.
         const std::string hidden =
             hide_in_settings_text(file.before, *tool.options.scope.secrets).value_or(file.before);
         hold(hidden);
         fixed = fix_findings(layers, index, ignored);
-        return PLANNED_BYTES{with_secrets_shown(fixed.text, hidden, file.before), {}};
+        return PLANNED_BYTES{with_secrets_shown(fixed.text, hidden, file.before),
+                             fixed.refusal.empty() ? "" : file.path + ": " + fixed.refusal};
     };
     try
     {
@@ -57,9 +69,8 @@ void FILE_FIXES::fix_file(LAYERS& layers, std::size_t index)
     }
     catch (const TOOL_ERROR& error)
     {
-        if (error.exit_code != EXIT_CODE::NOT_WRITTEN)
-            throw;
-        files.push_back({{path, false, {}, {}, error.what()}, 0}); // the other files can be fixed all the same
+        // The other files can be fixed all the same, and some are perhaps: they are to be named.
+        files.push_back({{path, false, {}, {}, error.what()}, 0, error.exit_code});
     }
     if (files.back().edit.changed() && !options.dry_run)
     {
@@ -104,7 +115,7 @@ EXIT_CODE FILE_FIXES::finish() const
         if (!file.edit.refusal.empty())
         {
             complain(file.edit.refusal);
-            end = EXIT_CODE::NOT_WRITTEN;
+            end = std::max(end, file.exit_code_of_refusal);
         }
         else if (file.edit.changed() && !options.dry_run)
             complain(file.edit.path + ": " + std::to_string(file.fixes) +

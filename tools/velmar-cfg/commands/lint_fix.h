@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/file_edit.h"
 #include "tools/velmar-cfg/commands/edit_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
@@ -22,6 +23,7 @@ struct FIXED_FILE
 {
     FILE_EDIT edit;
     std::size_t fixes; // that were made, or would be
+    EXIT_CODE exit_code_of_refusal = EXIT_CODE::NOT_WRITTEN;
 };
 
 // Applies the suggestions to the files, and is what the tool says of them.
@@ -36,8 +38,8 @@ public:
     // Fixes the files among the layers. Returns the layers as they are afterwards, in a dry run as they would be.
     LAYERS fix(LAYERS layers);
 
-    // Says which files were changed and which must not be; in a dry run shows the differences instead of that. Returns
-    // NOT_WRITTEN if there is one that must not be changed, else FINE.
+    // Says which files were changed and which could not be; in a dry run shows the differences instead of that. Returns
+    // NOT_WRITTEN or BAD_INPUT if there is one that could not be changed, else FINE.
     EXIT_CODE finish() const;
 
 private:

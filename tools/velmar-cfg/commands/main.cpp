@@ -33,27 +33,26 @@ void apply_global_options(const CLI::App& app, TOOL& tool)
     tool.out.choose_color(tool.options.color);
 }
 
-EXIT_CODE run(int argc, const char* const* argv, TOOL& tool)
+EXIT_CODE run(CLI::App& app, int argc, const char* const* argv, TOOL& tool)
 {
-    const std::unique_ptr<CLI::App> app = make_command_line(tool);
     EXIT_CODE end = EXIT_CODE::FINE;
     try
     {
-        parse_command_line(*app, argc, argv);
-        apply_global_options(*app, tool);
+        parse_command_line(app, argc, argv);
+        apply_global_options(app, tool);
         end = tool.command();
     }
     catch (const CLI::CallForVersion&)
     {
-        tool.out << app->version() << "\n";
+        tool.out << app.version() << "\n";
     }
     catch (const CLI::CallForHelp&)
     {
-        tool.out << help_of(named_command(app.get()), tool.out.width());
+        tool.out << help_of(named_command(&app), tool.out.width());
     }
     catch (const CLI::ParseError& error)
     {
-        throw TOOL_ERROR(EXIT_CODE::USAGE, usage_complaint(app.get(), error));
+        throw TOOL_ERROR(EXIT_CODE::USAGE, usage_complaint(&app, error));
     }
     tool.out.finish();
     // What could be read has been answered, as the library goes on.
@@ -69,13 +68,14 @@ int main(int argc, char** argv)
     try
     {
         TOOL tool;
+        const std::unique_ptr<CLI::App> app = make_command_line(tool);
         try
         {
-            return static_cast<int>(run(argc, argv, tool));
+            return static_cast<int>(run(*app, argc, argv, tool));
         }
         catch (const TOOL_ERROR& error)
         {
-            complain(without_typed_secrets(error.what(), argc, argv, *tool.options.scope.secrets));
+            complain(without_typed_secrets(error.what(), argc, argv, all_options(*app), *tool.options.scope.secrets));
             return static_cast<int>(error.exit_code);
         }
     }

@@ -67,7 +67,7 @@ private:
     {
         const auto [found, is_new] = hidden_sections.try_emplace(section);
         if (is_new)
-            found->second = hide_in_message(section, text, "", "", secrets);
+            found->second = hide_in_message(section, text, "", "", secrets, SHORT_SECRETS::APART);
         return found->second;
     }
 
@@ -101,7 +101,10 @@ void complain_of_lost_lines(const EDITED_FILE& file, const PREFERENCE_OPTIONS& o
 std::string shown_difference(const EDITED_FILE& file, SECRETS& secrets)
 {
     const auto hidden = [&](const std::string& text)
-    { return hide_in_message(hide_in_preference_text(text, secrets).value_or(text), file.before, "", "", secrets); };
+    {
+        return hide_in_message(hide_in_preference_text(text, secrets).value_or(text), file.before, "", "", secrets,
+                               SHORT_SECRETS::APART);
+    };
     return unified_diff(hidden(file.before), hidden(file.plan.after), file.path, file.path + " (new)");
 }
 
@@ -112,7 +115,7 @@ EDITED_FILE edited(const std::vector<PREFERENCE_CHANGE>& changes, const PREFEREN
     { message = hide_in_message(hide_in_message(message, changes, secrets), text, "", "", secrets); };
     // Another file is changed than the user named.
     if (const std::string remark = preference_file_location().remark; !remark.empty())
-        complain(remark);
+        complain(hide_in_value("", remark, secrets));
     try
     {
         EDITED_FILE file = options.dry_run ? try_preference_changes(changes, options.permissions, options.patience())

@@ -68,6 +68,8 @@ EXIT_CODE explain(const PREFS_EXPLAIN_OPTIONS& options, TOOL& tool)
         throw TOOL_ERROR(EXIT_CODE::USAGE, state.name + ": is of release " + state.release +
                                                ", and this velmar-cfg explains preferences of release " +
                                                ver_get_version() + "; see prefs list and prefs get");
+    if (state.preference_file != nullptr && state.preference_file->bytes.empty())
+        state.preference_file->require_whole(); // nothing is known of its lines
     const PREFERENCE_EXPLANATION explanation =
         explain_preference(state.preference_file.get(), number, *tool.options.scope.secrets);
     if (tool.options.json)

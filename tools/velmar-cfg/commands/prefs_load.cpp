@@ -94,9 +94,10 @@ bool is_about_a_value(std::string_view reason)
     return reason == "old-name" || reason == "not-allowed" || reason == "merged-section" || reason == "changed-value";
 }
 
-// Lines that say nothing for any preference, as prefs lint names them, but for those that are refused.
-std::vector<FINDING> lines_passed_over(const INPUT_FILE& file, const std::vector<REFUSED_LINE>& refused,
-                                       SECRETS& secrets)
+// Lines that say nothing for any preference, as prefs lint names them, but for those that are refused, and for what
+// prefs dump has left out.
+std::vector<FINDING> lines_passed_over(const INPUT_FILE& file, const GIVEN_PREFERENCES& given,
+                                       const std::vector<REFUSED_LINE>& refused, SECRETS& secrets)
 {
     std::vector<FINDING> findings;
     lint_preferences(file, secrets,
@@ -104,7 +105,9 @@ std::vector<FINDING> lines_passed_over(const INPUT_FILE& file, const std::vector
                      {
                          const bool is_refused =
                              std::ranges::binary_search(refused, finding.line.value_or(0), {}, &REFUSED_LINE::number);
-                         if (!is_about_a_value(finding.reason) && !is_refused)
+                         const bool is_note_of_dump =
+                             std::ranges::binary_search(given.notes_of_dump, finding.line.value_or(0));
+                         if (!is_about_a_value(finding.reason) && !is_refused && !is_note_of_dump)
                              findings.push_back(finding);
                      });
     return findings;
@@ -155,7 +158,7 @@ EXIT_CODE load(const LOAD_OPTIONS& options, TOOL& tool)
     const std::vector<UNKNOWN_PREFERENCE> unknown =
         preferences_given_by(hide_in_preference_text(file.bytes, secrets).value_or(file.bytes)).unknown;
     const std::vector<REFUSED_LINE> refused = refused_lines(given, unknown, secrets);
-    const std::vector<FINDING> passed_over = lines_passed_over(file, refused, secrets);
+    const std::vector<FINDING> passed_over = lines_passed_over(file, given, refused, secrets);
     complain_of_rows(passed_over, as_text,
                      tool.options.json ? "\"passed_over\" has them all" : "velmar-cfg prefs lint lists them all");
     refuse(file.path, refused);

@@ -179,7 +179,7 @@ EXIT_CODE path(TOOL& tool)
 {
     const PREFERENCE_FILE_LOCATION location = preference_file_location();
     if (!location.remark.empty())
-        complain(location.remark);
+        complain(hide_in_value("", location.remark, *tool.options.scope.secrets));
     tool.files.note_absence(location.path);
     if (tool.options.json)
         answer_in_json(tool,

@@ -12,6 +12,7 @@
 #include <algorithm>
 
 #include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/lint/reasons.h"
 
@@ -117,6 +118,8 @@ void SARIF_OUTPUT::write(const FINDING& finding)
 void SARIF_OUTPUT::finish()
 {
     out.end_list();
+    if (names_standard_input)
+        write_standard_input();
     out.end_object();
     out.end_list();
     out.end_object();
@@ -127,8 +130,25 @@ void SARIF_OUTPUT::write_artifact_location(const std::string& path)
 {
     out.key("artifactLocation");
     out.begin_object();
-    out.field("uri", path_as_uri(path));
+    if (path == title_of_named_file("-"))
+    {
+        names_standard_input = true;
+        out.field("index", 0); // it has no URI
+    }
+    else
+        out.field("uri", path_as_uri(path));
     out.end_object();
+}
+
+// What results refer to that are in no file.
+void SARIF_OUTPUT::write_standard_input()
+{
+    out.key("artifacts");
+    out.begin_list();
+    out.begin_object();
+    write_message(out, "description", title_of_named_file("-"));
+    out.end_object();
+    out.end_list();
 }
 
 // An item is in no file, but in a variable of the environment.
@@ -168,6 +188,8 @@ void SARIF_OUTPUT::write_location(const FINDING& finding)
 
 void SARIF_OUTPUT::write_fix(const FINDING& finding)
 {
+    if (finding.file == title_of_named_file("-"))
+        return; // there is nothing to change
     if (!finding.replacement || !finding.line || has_hidden_parts(*finding.replacement) ||
         !is_utf_8(*finding.replacement))
         return;

@@ -31,11 +31,13 @@ private:
     void write_location(const FINDING& finding);
     void write_fix(const FINDING& finding);
     void write_artifact_location(const std::string& path);
+    void write_standard_input();
     std::optional<std::string_view> line_of(const FINDING& finding);
     bool ends_with_carriage_return_and_newline(std::string_view line) const;
 
     TOOL& tool;
     JSON_WRITER out;
+    bool names_standard_input = false; // in a location
 
     // The line that was looked for last: the next one is searched from there.
     std::shared_ptr<const INPUT_FILE> file;

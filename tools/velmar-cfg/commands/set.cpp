@@ -15,6 +15,7 @@
 #include "tools/velmar-cfg/commands/diagnostics.h"
 #include "tools/velmar-cfg/commands/edit_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
+#include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/change_effect.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
 #include "tools/velmar-cfg/settings/secrets.h"
@@ -68,6 +69,10 @@ SETTINGS_EDIT edited(const SETTINGS_CHANGE& change, const SET_OPTIONS& options, 
     SETTINGS_EDIT edit{change, {}, {}, {}, {}};
     const auto plan = [&](const FILE_EDIT& file)
     {
+        if (is_preference_file(path) || is_preference_file(file.path, file.before))
+            throw TOOL_ERROR(EXIT_CODE::USAGE,
+                             file.path + ": is a preference file; change it with velmar-cfg prefs set or prefs reset");
+        require_settings_text(file.path, file.before);
         SETTINGS_PLAN planned = plan_settings_change(file.path, file.before, change);
         edit.lines = std::move(planned.lines);
         edit.in_its_place = file.is_new ? file_in_whose_place(scope, file.path) : "";
@@ -98,7 +103,7 @@ SETTINGS_EDIT edited_or_told(const SETTINGS_CHANGE& change, const SET_OPTIONS& o
         SECRETS& secrets = *tool.options.scope.secrets;
         if (!change.value || !secrets.is_secret_name(change.name) || is_plain_value(*change.value))
             throw;
-        throw TOOL_ERROR(error.exit_code, hide_words(error.what(), *change.value, change.name, secrets));
+        throw TOOL_ERROR(error.exit_code, hide_in_text(error.what(), *change.value, secrets));
     }
 }
 

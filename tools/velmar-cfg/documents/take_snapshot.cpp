@@ -96,7 +96,7 @@ SNAPSHOT_BASIS basis_of(const SETTINGS_SCOPE& scope, const LAYERS& layers,
     basis.taken = std::move(own.ended);
     basis.tool = "velmar-cfg " VELMAR_CFG_VERSION;
     basis.search = all_file_candidates(scope);
-    basis.findings = findings_beside_lines(layers);
+    basis.findings = findings_beside_lines(layers, *scope.secrets);
     basis.sources = sources_of(layers, std::move(preference_file));
     return basis;
 }

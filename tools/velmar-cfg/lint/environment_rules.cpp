@@ -85,12 +85,19 @@ void check_appended(std::vector<FINDING>& found)
 }
 }
 
-std::vector<FINDING> lint_environment()
+std::vector<FINDING> lint_environment(SECRETS& secrets)
 {
     std::vector<FINDING> found;
     check_directory(found);
     check_disabled(found);
     check_appended(found);
+    for (FINDING& finding : found)
+    {
+        for (std::string* const text : {&finding.message, &finding.instead})
+            *text = hide_in_value("", *text, secrets);
+        if (finding.replacement)
+            finding.replacement = hide_in_value("", *finding.replacement, secrets);
+    }
     return found;
 }
 
@@ -121,9 +128,9 @@ FINDING no_preference_file()
             {}};
 }
 
-std::vector<FINDING> findings_beside_lines(const LAYERS& layers)
+std::vector<FINDING> findings_beside_lines(const LAYERS& layers, SECRETS& secrets)
 {
-    std::vector<FINDING> found = lint_environment();
+    std::vector<FINDING> found = lint_environment(secrets);
     if (std::ranges::none_of(layers, [](const LAYER& layer) { return is_library_source(layer.kind); }))
         found.push_back(no_settings_file());
     return found;

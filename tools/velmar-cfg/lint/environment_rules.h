@@ -8,8 +8,9 @@
 #include "tools/velmar-cfg/settings/layers.h"
 
 // The findings of the variables that choose settings files, as they are set now. The value of each counts as its first
-// and only item. VELMAR_INI_VARS is a layer of the settings and has rules of its own.
-std::vector<FINDING> lint_environment();
+// and only item, and is shown with what is assigned to secret names hidden. VELMAR_INI_VARS is a layer of the settings
+// and has rules of its own.
+std::vector<FINDING> lint_environment(SECRETS& secrets);
 
 // That no settings file was found and VELMAR_INI_VARS is not set: there is nothing to check.
 FINDING no_settings_file();
@@ -18,6 +19,6 @@ FINDING no_settings_file();
 FINDING no_preference_file();
 
 // The findings beside those of lines and items: of the environment, and that there are no layers.
-std::vector<FINDING> findings_beside_lines(const LAYERS& layers);
+std::vector<FINDING> findings_beside_lines(const LAYERS& layers, SECRETS& secrets);
 
 #endif

@@ -1,29 +1,31 @@
-// Suggestions are applied in rounds. In a round, no two replaced lines have a variable in common, neither by what they
-// set before nor by what they set afterwards: what the rules say of a line depends on the lines of the same variables,
-// so that each suggestion of the round stays as right as if it were the only one. What is left over waits for the next
-// round, which examines the new text.
+// Suggestions are applied in rounds, each of which examines the text that the last one made. A replacement changes only
+// the variables of its own line, whatever becomes of others in the same round. But lines that come to set the same
+// variable must agree on its spelling, or one would bring a finding to the other: where they do not, the first goes,
+// and the others wait for the next round, which suggests the spelling of the first to all of them. Lines wait behind
+// lines that wait, so that none overrides one that is still to be replaced.
 //
-// Cost: a round is one run of the rules; nearly every file needs one or two, the last of which finds nothing to do.
+// Before the text is handed over, every variable that no replaced line names is compared with what it was.
+//
+// Cost: a round is one run of the rules, whose time grows with the text alone. The number of rounds does not depend on
+// the number of lines: nearly every file needs two, the last of which finds nothing to do.
 #include "tools/velmar-cfg/lint/fixes.h"
 
 #include <algorithm>
 #include <map>
 #include <memory>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/base/text_edits.h"
 #include "tools/velmar-cfg/lint/settings_rules.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
-#include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/settings_edit.h"
-#include "tools/velmar-cfg/settings/variable_name.h"
 
 namespace
 {
-constexpr int most_rounds = 100; // for a file in which hundreds of lines set one variable wrongly
+constexpr int most_rounds = 100; // more than a file was seen to need by far: that the rounds end hangs on no rule
 
 // What the findings of a line suggest for it, which is the same text for all; null for nothing, or when one that would
 // go is ignored.
@@ -64,23 +66,30 @@ bool sets_what_others_set(const STATEMENT& statement, const std::string& replace
                                });
 }
 
-// Takes the variables of a line and of its replacement, unless one of them is taken.
-bool take_variables(const STATEMENT& statement, const std::string& replacement, VARIABLE_NAMES& taken)
+// The variables that the replaced lines of a round come to set, each as they spell it; nothing for one for which a line
+// waits.
+using NEW_SPELLINGS = BY_VARIABLE_NAME<std::optional<std::string>>;
+
+// Whether the line whose replacement sets these variables is replaced in this round.
+bool can_go_now(const std::vector<std::string>& names, NEW_SPELLINGS& spellings)
 {
-    std::vector<std::string> names = names_set_in(replacement);
-    if (statement.outcome == OUTCOME::STORED)
-        names.emplace_back(statement.name);
-    if (std::ranges::any_of(names, [&taken](const std::string& name) { return taken.contains(name); }))
-        return false;
-    taken.insert(names.begin(), names.end());
-    return true;
+    const bool can_go = std::ranges::all_of(names,
+                                            [&spellings](const std::string& name)
+                                            {
+                                                const auto found = spellings.find(name);
+                                                return found == spellings.end() || found->second == name;
+                                            });
+    for (const std::string& name : names)
+        spellings[name] = can_go ? std::optional(name) : std::nullopt;
+    return can_go;
 }
 
+// Adds the names of the lines that are replaced to `named`, before and afterwards.
 std::vector<TEXT_EDIT> edits_of_round(const LAYERS& layers, std::size_t index, const REASONS& ignored,
-                                      const SETTINGS& before)
+                                      const SETTINGS& before, VARIABLE_NAMES& named)
 {
     const std::string& text = layers[index].source->bytes;
-    VARIABLE_NAMES taken;
+    NEW_SPELLINGS spellings;
     std::vector<TEXT_EDIT> edits;
     SETTINGS_RULES(layers).run(
         [&](const STATEMENT& statement, const std::vector<FINDING>& findings)
@@ -88,11 +97,17 @@ std::vector<TEXT_EDIT> edits_of_round(const LAYERS& layers, std::size_t index, c
             if (statement.layer != index)
                 return;
             const std::string* const replacement = suggestion_of(findings, ignored);
-            if (replacement != nullptr &&
-                !(is_guess(statement, findings) && sets_what_others_set(statement, *replacement, before)) &&
-                take_variables(statement, *replacement, taken))
-                edits.push_back({static_cast<std::size_t>(statement.text.data() - text.data()), statement.text.size(),
-                                 *replacement});
+            if (replacement == nullptr ||
+                (is_guess(statement, findings) && sets_what_others_set(statement, *replacement, before)))
+                return;
+            const std::vector<std::string> names = names_set_in(*replacement);
+            if (!can_go_now(names, spellings))
+                return;
+            edits.push_back(
+                {static_cast<std::size_t>(statement.text.data() - text.data()), statement.text.size(), *replacement});
+            named.insert(names.begin(), names.end());
+            if (statement.outcome == OUTCOME::STORED)
+                named.emplace(statement.name);
         });
     return edits;
 }
@@ -100,12 +115,12 @@ std::vector<TEXT_EDIT> edits_of_round(const LAYERS& layers, std::size_t index, c
 
 FIXED_TEXT fix_findings(LAYERS layers, std::size_t index, const REASONS& ignored)
 {
-    const LAYERS unchanged = layers;
-    const SETTINGS before(unchanged);
+    const SETTINGS before(layers);
+    VARIABLE_NAMES named;
     std::size_t fixes = 0;
     for (int round = 0; round < most_rounds; ++round)
     {
-        const std::vector<TEXT_EDIT> edits = edits_of_round(layers, index, ignored, before);
+        const std::vector<TEXT_EDIT> edits = edits_of_round(layers, index, ignored, before, named);
         if (edits.empty())
             break;
         fixes += edits.size();
@@ -113,7 +128,27 @@ FIXED_TEXT fix_findings(LAYERS layers, std::size_t index, const REASONS& ignored
         fixed.bytes = with_edits(fixed.bytes, edits);
         layers[index].source = std::make_shared<const INPUT_FILE>(std::move(fixed));
     }
-    return {layers[index].source->bytes, fixes};
+    FIXED_TEXT result{layers[index].source->bytes, fixes, {}};
+    if (const std::optional<std::string> changed = other_change(before, SETTINGS(std::move(layers)), named))
+        result.refusal = in_single_quotes(*changed) +
+                         " would change too, which no replaced line names; report this as a fault of velmar-cfg";
+    return result;
+}
+
+std::optional<std::string> other_change(const SETTINGS& before, const SETTINGS& after, const VARIABLE_NAMES& named)
+{
+    for (const SETTINGS* const settings : {&before, &after})
+    {
+        const SETTINGS& others = settings == &before ? after : before;
+        for (const VARIABLE& variable : settings->variables())
+        {
+            std::string name(settings->name_of(variable));
+            const VARIABLE* const other = others.find(name);
+            if ((other == nullptr || others.value_of(*other) != settings->value_of(variable)) && !named.contains(name))
+                return name;
+        }
+    }
+    return std::nullopt;
 }
 
 std::string with_secrets_shown(std::string_view text, std::string_view hidden, std::string_view original)

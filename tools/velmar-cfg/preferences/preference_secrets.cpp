@@ -11,6 +11,7 @@
 
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/preferences/library_preferences.h"
+#include "tools/velmar-cfg/preferences/preferences.h"
 
 using namespace zon_cfg;
 
@@ -81,12 +82,22 @@ bool may_hold_secret(std::string_view line, const SECRETS& secrets)
     return secrets.may_hold_secret_name(line) || (!secrets.shown() && marked_keys.stand_in(line));
 }
 
+// "CLOUD_TOKEN [VALUE]" is a header to the library, whose section nobody looks into.
+std::string hide_in_header(std::string_view line, std::size_t bracket, SECRETS& secrets)
+{
+    const std::size_t end = end_of_secret_name(line.substr(0, bracket), names_of(secrets));
+    if (end == std::string_view::npos || is_looked_into(classify_preference_line(line).section))
+        return hide_behind_names(line, true, names_of(secrets), secrets);
+    return std::string(line.substr(0, end)) + hide_runs(line.substr(end), "\"[]", secrets);
+}
+
 std::string hide_in_line(std::string_view line, SECRETS& secrets)
 {
     const std::size_t equals = line.find('=');
     const std::size_t bracket = line.find('[');
     if (equals == std::string_view::npos || equals > bracket)
-        return hide_behind_names(line, bracket != std::string_view::npos, names_of(secrets), secrets);
+        return bracket == std::string_view::npos ? hide_behind_names(line, false, names_of(secrets), secrets)
+                                                 : hide_in_header(line, bracket, secrets);
     const std::string_view name = line.substr(0, equals);
     const std::string_view value = line.substr(equals + 1);
     if (!is_secret_preference_name(trimmed(name), secrets))
@@ -135,11 +146,11 @@ std::optional<std::string> hide_in_preference_text(std::string_view text, SECRET
 }
 
 std::string hide_in_message(std::string_view message, std::string_view text, std::string_view name,
-                            std::string_view value, SECRETS& secrets)
+                            std::string_view value, SECRETS& secrets, SHORT_SECRETS of_short)
 {
     std::string hidden(message);
     if (is_secret_preference_name(name, secrets) && !is_plain_value(value))
-        hidden = hide_in_text(hidden, value, secrets);
+        hidden = hide_in_text(hidden, value, secrets, of_short);
     while (!text.empty())
     {
         const std::string_view line = text.substr(0, text.find('\n'));
@@ -147,7 +158,7 @@ std::string hide_in_message(std::string_view message, std::string_view text, std
         const std::size_t equals = line.find('=');
         if (equals != std::string_view::npos && is_secret_preference_name(trimmed(line.substr(0, equals)), secrets) &&
             !is_plain_value(line.substr(equals + 1)))
-            hidden = hide_in_text(hidden, line.substr(equals + 1), secrets);
+            hidden = hide_in_text(hidden, line.substr(equals + 1), secrets, of_short);
     }
     return hidden;
 }

@@ -18,7 +18,7 @@ std::optional<std::string> hide_in_preference_text(std::string_view text, SECRET
 
 // A message about an edit of the file, with the secret values of its text and of the change hidden wherever they stand.
 std::string hide_in_message(std::string_view message, std::string_view text, std::string_view name,
-                            std::string_view value, SECRETS& secrets);
+                            std::string_view value, SECRETS& secrets, SHORT_SECRETS of_short = SHORT_SECRETS::QUOTED);
 
 // The value as it is to be shown.
 std::string hide_in_preference(std::string_view name, std::string_view value, SECRETS& secrets);

@@ -8,6 +8,7 @@
 // Cost: three passes over the file, O(n log n) time and O(n) memory for n lines.
 #include "tools/velmar-cfg/preferences/preference_transfer.h"
 
+#include <algorithm>
 #include <deque>
 #include <set>
 #include <sstream>
@@ -57,6 +58,11 @@ std::set<std::string> headers_of(std::string_view bytes)
     return headers;
 }
 
+std::string note_of_mask(const std::string& key)
+{
+    return "# " + key + " is masked; --with-secrets writes it";
+}
+
 bool is_unknown(const std::string& name)
 {
     return !name.starts_with('#') && !name.starts_with(';') && find_preference(name.c_str()) == CFG_USER_INI_ENUMS_END;
@@ -79,7 +85,8 @@ PREFERENCE_DUMP dump_preferences(const PREFERENCE_LOOKUP& look_up, bool only_cha
         {
             dump.masked.push_back(preference->key);
             // Without "=" and "[", so that it is no preference.
-            text << "# " << preference->key << " is masked; --with-secrets writes it\n";
+            text << note_of_mask(preference->key) << "
+";
             continue;
         }
         const std::string section = released_section(preference->section, ver_get_version());
@@ -95,6 +102,11 @@ PREFERENCE_DUMP dump_preferences(const PREFERENCE_LOOKUP& look_up, bool only_cha
 GIVEN_PREFERENCES preferences_given_by(std::string_view bytes)
 {
     GIVEN_PREFERENCES given;
+    const auto is_note_of_dump = [](std::string_view text)
+    {
+        return std::ranges::any_of(all_preference_keys(),
+                                   [text](const std::string& key) { return text == note_of_mask(key); });
+    };
     const PREFERENCES preferences(bytes);
     for (const CFG_USER_INI_ENUMS number : all_preference_numbers())
     {
@@ -105,8 +117,10 @@ GIVEN_PREFERENCES preferences_given_by(std::string_view bytes)
     const std::set<std::string> sections = sections_looked_into(headers_of(bytes));
     for_each_preference_line(
         bytes,
-        [&](std::size_t number, std::string_view, const PREFERENCE_LINE& line, const std::string& section)
+        [&](std::size_t number, std::string_view text, const PREFERENCE_LINE& line, const std::string& section)
         {
+            if (text.starts_with("# ") && is_note_of_dump(text))
+                given.notes_of_dump.push_back(number);
             if (line.kind == PREFERENCE_LINE_KIND::KEY && !line.value.empty() && sections.contains(section) &&
                 is_unknown(line.name))
                 given.unknown.push_back({line.name, number});

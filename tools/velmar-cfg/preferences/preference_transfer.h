@@ -41,6 +41,7 @@ struct GIVEN_PREFERENCES
 {
     std::vector<GIVEN_PREFERENCE> known; // in the catalogue's order
     std::vector<UNKNOWN_PREFERENCE> unknown;
+    std::vector<std::size_t> notes_of_dump; // the lines, counted from 1, with which a dump names what it has masked
 };
 
 // The preferences that a library which had loaded the file would answer from a line of it. Unknown are those that

@@ -77,6 +77,28 @@ bool PREFERENCE::differs_from_default() const
     return gen_stricmp(value.c_str(), default_value.c_str()) != 0;
 }
 
+bool is_looked_into(std::string_view section)
+{
+    return std::ranges::any_of(all_preference_numbers(),
+                               [section](CFG_USER_INI_ENUMS number)
+                               {
+                                   const std::string_view bare = preference_triples(number).front().section;
+                                   return section == bare ||
+                                          (section.starts_with(std::string(bare) + " ") && section.ends_with("_pro"));
+                               });
+}
+
+bool is_preference_file(const std::string& path, std::string_view bytes)
+{
+    if (path.substr(path.rfind('/') + 1) == "velmar2.ini")
+        return true;
+    bool found = false;
+    for_each_preference_line(
+        bytes, [&found](std::size_t, std::string_view text, const PREFERENCE_LINE& line, const std::string&)
+        { found |= text.starts_with('[') && line.section.ends_with("_pro") && is_looked_into(line.section); });
+    return found;
+}
+
 PREFERENCE_FILE_LOCATION preference_file_location()
 {
     PREFERENCE_FILE_LOCATION location{cfg_generate_user_ini_file_path(), false, {}};
@@ -108,6 +130,13 @@ std::vector<FILE_CANDIDATE> all_file_candidates(const SETTINGS_SCOPE& scope)
     for (FILE_CANDIDATE& candidate : settings_candidates(scope, true))
         all.push_back(std::move(candidate));
     all.push_back(preference_file_candidate());
+    for (FILE_CANDIDATE& candidate : all)
+    {
+        // A variable that names no file may hold what was meant for another one.
+        if (candidate.state == FILE_STATE::MISSING)
+            candidate.path = hide_in_value("", candidate.path, *scope.secrets);
+        candidate.remark = hide_in_value("", candidate.remark, *scope.secrets);
+    }
     return all;
 }
 

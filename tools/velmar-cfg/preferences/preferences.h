@@ -100,6 +100,12 @@ PREFERENCES preferences_in(const INPUT_FILE* file, SECRETS& secrets);
 
 // The numbers of all preferences of the catalogue, in its order, and their keys.
 std::vector<CFG_USER_INI_ENUMS> all_preference_numbers();
+
+// Whether lookups of any release get to the section.
+bool is_looked_into(std::string_view section);
+
+// Whether it is a preference file and no settings file: by its name, or by the section of a release in its text.
+bool is_preference_file(const std::string& path, std::string_view bytes = {});
 std::vector<std::string> all_preference_keys();
 
 // The values that the catalogue allows; none for free text.

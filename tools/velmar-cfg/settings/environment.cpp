@@ -18,9 +18,11 @@ std::vector<ENVIRONMENT_VARIABLE> environment_that_matters(SECRETS& secrets)
 
 void hide_in_environment(ENVIRONMENT_VARIABLE& variable, SECRETS& secrets)
 {
-    if (variable.name != "VELMAR_INI_VARS" || !variable.value || has_hidden_parts(*variable.value))
+    if (!variable.value || has_hidden_parts(*variable.value))
         return;
-    if (std::optional<std::string> hidden = hide_in_inline_text(*variable.value, secrets))
+    if (variable.name != "VELMAR_INI_VARS")
+        variable.value = hide_in_value("", *variable.value, secrets); // of an assignment that was meant for that one
+    else if (std::optional<std::string> hidden = hide_in_inline_text(*variable.value, secrets))
         variable.value = std::move(hidden);
 }
 

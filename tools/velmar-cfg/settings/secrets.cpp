@@ -20,6 +20,7 @@
 #include <limits>
 
 #include "tools/velmar-cfg/base/keyed_hash.h"
+#include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
 
 namespace
@@ -114,6 +115,13 @@ IS_SECRET_NAME names_of(const SECRETS& secrets)
 
 // --- Lines of a settings file ---
 
+// A line does not show what it has hidden once it is made a comment. The signs that could make an assignment or several
+// lines of a comment stay: to lint, it is what it was.
+std::string hide_in_comment(std::string_view comment, SECRETS& secrets)
+{
+    return hide_behind_names(comment, false, names_of(secrets), secrets, "\"=;#\r");
+}
+
 std::string hide_in_line(std::string_view line, SECRETS& secrets)
 {
     LINE_PARTS parts;
@@ -121,39 +129,70 @@ std::string hide_in_line(std::string_view line, SECRETS& secrets)
     const std::string_view comment = line.substr(end);
     if (outcome_of_line(line, parts) != OUTCOME::STORED)
         return hide_behind_names(line.substr(0, end), false, names_of(secrets), secrets) +
-               hide_behind_names(comment, true, names_of(secrets), secrets);
+               hide_in_comment(comment, secrets);
     const std::size_t value = line.find('=') + 1;
     std::string hidden(line.substr(0, value));
     const std::string_view rest = line.substr(value, end - value);
-    const bool secret_name = secrets.is_secret_name(parts.name);
-    const bool secret = secret_name && !is_plain_value(parts.value);
-    hidden +=
-        secret ? hide_runs(rest, kept_in_lines, secrets) : hide_behind_names(rest, true, names_of(secrets), secrets);
-    if (comment.empty())
-        return hidden;
-    // A comment sign that is not set off by white space may have cut the value, and one in its place the whole of it.
-    if (secret || (secret_name && (parts.value.empty() || !is_white(line[end - 1]))))
-        return hidden + comment.front() + hide_runs(comment.substr(1), "", secrets);
-    return hidden + hide_behind_names(comment, true, names_of(secrets), secrets);
+    const bool secret = secrets.is_secret_name(parts.name);
+    hidden += secret && !is_plain_value(parts.value) ? hide_runs(rest, kept_in_lines, secrets)
+                                                     : hide_behind_names(rest, true, names_of(secrets), secrets);
+    if (comment.empty() || !secret)
+        return hidden + hide_in_comment(comment, secrets);
+    // The rest of the secret that the sign has cut, or the one that stood there before.
+    return hidden + comment.front() + hide_runs(comment.substr(1), "", secrets);
+}
+
+bool is_apart(std::string_view text, std::size_t begin, std::size_t end)
+{
+    const auto is_end = [text](std::size_t at)
+    { return at >= text.size() || std::isalnum(static_cast<unsigned char>(text[at])) == 0; };
+    return is_end(begin - 1) && is_end(end);
+}
+
+// Whether that part of a message is a text of somebody else's: in quotes, behind a colon up to the end of a clause, or
+// all there is.
+bool is_quoted(std::string_view message, std::size_t begin, std::size_t end)
+{
+    const std::string_view before = message.substr(0, begin);
+    const std::string_view behind = message.substr(end);
+    if ((before.ends_with('\'') && behind.starts_with('\'')) || (before.ends_with('"') && behind.starts_with('"')))
+        return true;
+    return (before.empty() || before.ends_with(": ")) && (behind.empty() || behind.starts_with(';'));
 }
 
 // `text` with each `word` replaced by the mark. One that is short only where it stands alone: it may be part of any
 // other.
-std::string with_mark(std::string_view text, std::string_view word, const std::string& mark)
+std::string with_mark(std::string_view text, std::string_view word, const std::string& mark, SHORT_SECRETS of_short)
 {
     constexpr std::size_t short_word = 4;
-    const auto is_apart = [text](std::size_t at)
-    { return at >= text.size() || std::isalnum(static_cast<unsigned char>(text[at])) == 0; };
+    const auto stands_alone = of_short == SHORT_SECRETS::APART ? is_apart : is_quoted;
     std::string result;
     std::size_t end = 0; // of what is in the result
     for (std::size_t at = text.find(word); at != std::string_view::npos; at = text.find(word, std::max(at + 1, end)))
     {
-        if (word.size() < short_word && (!is_apart(at - 1) || !is_apart(at + word.size())))
+        if (word.size() < short_word && !stands_alone(text, at, at + word.size()))
             continue;
         result.append(text, end, at - end).append(mark);
         end = at + word.size();
     }
     return result.append(text.substr(end));
+}
+
+// The message with the mark for each `word`, also where a quotation has cut that short. What is hidden already is not
+// looked into.
+std::string with_words_replaced(std::string message, std::string_view word, const std::string& mark,
+                                SHORT_SECRETS of_short)
+{
+    const std::string quotation = in_single_quotes(word);
+    for (const std::string_view one : {word, std::string_view(quotation).substr(1, quotation.size() - 2)})
+    {
+        std::string replaced;
+        TEXT_PARTS parts(message);
+        for (TEXT_PART part{}; parts.next(part);)
+            replaced += part.hidden ? std::string(part.text) : with_mark(part.text, one, mark, of_short);
+        message = std::move(replaced);
+    }
+    return message;
 }
 
 // --- Items of an inline text ---
@@ -304,21 +343,30 @@ std::string hide_runs(std::string_view text, std::string_view kept, SECRETS& sec
     return hidden;
 }
 
+std::size_t end_of_secret_name(std::string_view text, const IS_SECRET_NAME& is_secret)
+{
+    for (std::size_t end = 0; end < text.size();)
+    {
+        const std::string_view rest = text.substr(end);
+        const auto begin = static_cast<std::size_t>(std::ranges::find_if(rest, is_part_of_name) - rest.begin());
+        const auto size = static_cast<std::size_t>(std::ranges::find_if_not(rest.substr(begin), is_part_of_name) -
+                                                   rest.substr(begin).begin());
+        end += begin + size;
+        if (size != 0 && is_secret(rest.substr(begin, size)))
+            return end;
+    }
+    return std::string_view::npos;
+}
+
 std::string hide_behind_names(std::string_view text, bool only_assigned, const IS_SECRET_NAME& is_secret,
-                              SECRETS& secrets)
+                              SECRETS& secrets, std::string_view kept)
 {
     std::string hidden;
-    while (!text.empty())
+    for (std::size_t end = end_of_secret_name(text, is_secret); end != std::string_view::npos;
+         end = end_of_secret_name(text, is_secret))
     {
-        const auto begin = static_cast<std::size_t>(std::ranges::find_if(text, is_part_of_name) - text.begin());
-        const auto size = static_cast<std::size_t>(std::ranges::find_if_not(text.substr(begin), is_part_of_name) -
-                                                   text.substr(begin).begin());
-        const std::string_view name = text.substr(begin, size);
-        std::size_t behind = begin + size;
-        hidden += text.substr(0, behind);
-        text.remove_prefix(behind);
-        if (name.empty() || !is_secret(name))
-            continue;
+        hidden += text.substr(0, end);
+        text.remove_prefix(end);
         // A name in quotes is one as well.
         const std::string_view signs = text.substr(0, std::min(text.find_first_not_of("=:'\" \t"), text.size()));
         if (only_assigned && signs.find_first_of("=:") == std::string_view::npos)
@@ -327,10 +375,10 @@ std::string hide_behind_names(std::string_view text, bool only_assigned, const I
         text.remove_prefix(signs.size());
         // An assignment within a value ends at a quote.
         const std::string_view value = text.substr(0, only_assigned ? text.find('"') : text.size());
-        hidden += is_plain_value(value) ? std::string(value) : hide_runs(value, "\"", secrets);
+        hidden += is_plain_value(value) ? std::string(value) : hide_runs(value, kept, secrets);
         text.remove_prefix(value.size());
     }
-    return hidden;
+    return hidden += text;
 }
 
 std::optional<std::string> hide_in_settings_text(std::string_view text, SECRETS& secrets)
@@ -376,30 +424,38 @@ std::string hide_in_value(std::string_view name, std::string_view value, SECRETS
 std::string hide_typed_value(std::string_view message, std::string_view word, const IS_SECRET_NAME& is_secret,
                              SECRETS& secrets)
 {
-    const std::size_t equals = word.find('=');
-    if (equals == std::string_view::npos || !is_secret(word.substr(0, equals)) ||
-        is_plain_value(word.substr(equals + 1)))
-        return std::string(message);
-    return hide_in_text(message, word.substr(equals + 1), secrets);
+    std::string hidden(message);
+    for (const char sign : {'=', ':'})
+    {
+        const std::string_view name = word.substr(0, word.find(sign));
+        if (name.size() < word.size() && is_secret(name) && !is_plain_value(word.substr(name.size() + 1)))
+        {
+            const std::string_view value = word.substr(name.size() + 1);
+            hidden = with_words_replaced(hidden, word, std::string(name) + sign + secrets.mark(value),
+                                         SHORT_SECRETS::QUOTED);
+            hidden = hide_in_text(hidden, value, secrets);
+        }
+    }
+    return hidden;
 }
 
-std::string hide_in_text(std::string_view text, std::string_view secret, SECRETS& secrets)
+std::string hide_in_text(std::string_view text, std::string_view secret, SECRETS& secrets, SHORT_SECRETS of_short)
 {
-    constexpr std::string_view ends_of_pieces = "\"[]\n";
+    constexpr std::string_view ends_of_pieces = "\"[]\n;#";
     std::string message(text);
+    const auto hide = [&](std::string_view piece)
+    {
+        piece = without_outer_white_space(piece);
+        if (piece.empty())
+            return;
+        message = with_words_replaced(message, piece, secrets.mark(piece), of_short);
+    };
+    hide(secret);
     while (!secret.empty())
     {
-        const std::string_view piece =
-            without_outer_white_space(secret.substr(0, secret.find_first_of(ends_of_pieces)));
-        secret.remove_prefix(std::min(secret.find_first_of(ends_of_pieces), secret.size() - 1) + 1);
-        if (piece.empty())
-            continue;
-        const std::string mark = secrets.mark(piece);
-        std::string hidden;
-        TEXT_PARTS parts(message);
-        for (TEXT_PART part{}; parts.next(part);)
-            hidden += part.hidden ? std::string(part.text) : with_mark(part.text, piece, mark);
-        message = std::move(hidden);
+        const std::string_view piece = secret.substr(0, secret.find_first_of(ends_of_pieces));
+        hide(piece);
+        secret.remove_prefix(std::min(piece.size() + 1, secret.size()));
     }
     return message;
 }

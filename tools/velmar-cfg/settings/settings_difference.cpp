@@ -37,8 +37,8 @@ std::string shown_part(const std::string& text, SECRETS& secrets)
     }
     return shown;
 }
-}
 
+// `text` with every word of `secret` hidden that does not stand in `shown`.
 std::string hide_words(std::string text, std::string_view secret, std::string_view shown, SECRETS& secrets)
 {
     constexpr std::string_view between_words = " \t\n\v\f\r=,;:\"'#";
@@ -47,10 +47,11 @@ std::string hide_words(std::string text, std::string_view secret, std::string_vi
         const std::size_t end = std::min(secret.find_first_of(between_words, at), secret.size());
         const std::string_view word = secret.substr(at, end - at);
         if (shown.find(word) == std::string_view::npos && !is_plain_value(word))
-            text = hide_in_text(text, word, secrets);
+            text = hide_in_text(text, word, secrets, SHORT_SECRETS::APART);
         at = secret.find_first_not_of(between_words, end);
     }
     return text;
+}
 }
 
 std::string shown_settings_difference(const FILE_EDIT& edit, SECRETS& secrets)
@@ -61,9 +62,12 @@ std::string shown_settings_difference(const FILE_EDIT& edit, SECRETS& secrets)
     std::string difference = difference_of(hidden_before, hidden_text(edit.after, secrets));
     if (!has_hidden_parts(hidden_before))
         return difference;
+    // The names of both files are no part of it, and the first begins as a removed line does.
+    const std::string heads = difference.substr(0, difference.find("@@ -"));
+    difference.erase(0, heads.size());
     std::istringstream open_difference(difference_of(edit.before, edit.after));
     std::string line;
-    std::getline(open_difference, line); // the name of the old text, which begins as a removed line does
+    std::getline(open_difference, line);
     while (std::getline(open_difference, line))
     {
         if (!line.starts_with('-'))
@@ -73,5 +77,5 @@ std::string shown_settings_difference(const FILE_EDIT& edit, SECRETS& secrets)
         if (shown.size() != removed.size())
             difference = hide_words(std::move(difference), removed, shown, secrets);
     }
-    return difference;
+    return heads + difference;
 }

@@ -7,12 +7,14 @@
 // have the same root directory and the same mounts.
 //
 // The process may start another program while it is looked at. Its environment is therefore read before and after the
-// rest.
+// rest. While it does, it has no executable and no environment, or parts of one, for a moment: it is looked at again
+// before that is believed.
 #include "tools/velmar-cfg/states/other_program.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
@@ -20,6 +22,7 @@
 #include <sstream>
 #include <string_view>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -45,6 +48,13 @@ std::string value_in_status(const std::string& status, const std::string& name)
     return {};
 }
 
+// What may be so only while the process starts another program.
+class UNSETTLED : public TOOL_ERROR
+{
+public:
+    using TOOL_ERROR::TOOL_ERROR;
+};
+
 std::string directory_of(const std::string& path)
 {
     return path.substr(0, path.rfind('/') + 1);
@@ -65,6 +75,11 @@ RUNNING_PROCESS::RUNNING_PROCESS(pid_t its_number)
 void RUNNING_PROCESS::refuse(const std::string& why) const
 {
     throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, "process " + std::to_string(number) + " " + why);
+}
+
+void RUNNING_PROCESS::refuse_for_now(const std::string& why) const
+{
+    throw UNSETTLED(EXIT_CODE::BAD_INPUT, "process " + std::to_string(number) + " " + why);
 }
 
 void RUNNING_PROCESS::refuse_error(const char* what, int error) const
@@ -168,7 +183,8 @@ std::vector<ENVIRONMENT_VARIABLE> RUNNING_PROCESS::environment_in(const std::str
         const std::string_view assignment = std::string_view(bytes).substr(begin, end - begin);
         const std::size_t equals = assignment.find('=');
         if (end == std::string::npos || equals == std::string_view::npos)
-            refuse("has overwritten its environment: what it was started with is lost");
+            refuse_for_now("has overwritten its environment, or may be starting another program: what it was started "
+                           "with cannot be told; try again");
         const auto named = std::ranges::find(variables, assignment.substr(0, equals), &ENVIRONMENT_VARIABLE::name);
         if (named != variables.end() && !named->value) // the first counts
             named->value = assignment.substr(equals + 1);
@@ -179,6 +195,26 @@ std::vector<ENVIRONMENT_VARIABLE> RUNNING_PROCESS::environment_in(const std::str
 
 OTHER_PROGRAM RUNNING_PROCESS::look() const
 {
+    constexpr int most_looks = 10;
+    constexpr std::chrono::milliseconds between_looks(5);
+    for (int looks = 1;; ++looks)
+    {
+        try
+        {
+            return look_once(looks == most_looks);
+        }
+        catch (const UNSETTLED&)
+        {
+            if (looks == most_looks)
+                throw;
+        }
+        std::this_thread::sleep_for(between_looks);
+    }
+}
+
+// The last look takes an environment that is still empty for the one that the process was started with.
+OTHER_PROGRAM RUNNING_PROCESS::look_once(bool is_last) const
+{
     require_own_process();
     require_same_files();
     const OPEN_FILE executable(openat(directory.get(), "exe", O_PATH | O_CLOEXEC));
@@ -187,10 +223,12 @@ OTHER_PROGRAM RUNNING_PROCESS::look() const
         const int error = errno;
         require_own_process(); // unless it has just ended
         if (error == ENOENT)
-            refuse("has no executable: it is the kernel's");
+            refuse_for_now("has no executable: it is the kernel's");
         refuse_error("executable", error);
     }
     const std::string environment = text_of("environ");
+    if (environment.empty() && !is_last)
+        refuse_for_now("has no environment");
     OTHER_PROGRAM program;
     program.executable = path_of("exe", executable);
     program.perspective.directory = open_member("cwd", O_PATH | O_DIRECTORY);
@@ -199,7 +237,7 @@ OTHER_PROGRAM RUNNING_PROCESS::look() const
     program.perspective.environment = environment_in(environment);
     require_own_process();
     if (path_of("exe", open_member("exe", O_PATH)) != program.executable || text_of("environ") != environment)
-        refuse("has just started another program; try again");
+        refuse_for_now("has just started another program; try again");
     return program;
 }
 

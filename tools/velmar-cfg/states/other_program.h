@@ -33,7 +33,9 @@ public:
     OTHER_PROGRAM look() const;
 
 private:
+    OTHER_PROGRAM look_once(bool is_last) const;
     [[noreturn]] void refuse(const std::string& why) const;
+    [[noreturn]] void refuse_for_now(const std::string& why) const;
     [[noreturn]] void refuse_error(const char* what, int error) const;
     void require_own_process() const;
     void require_same_files() const;

@@ -28,7 +28,7 @@ void read_parts(STATE& state, const STATE_PARTS& parts, const SETTINGS_SCOPE& sc
     }
     if (parts.checks)
     {
-        state.findings = findings_beside_lines(state.layers);
+        state.findings = findings_beside_lines(state.layers, *scope.secrets);
         state.preference_file = preference_file_in_use(files);
     }
     if (parts.preferences)

@@ -29,6 +29,7 @@ NOT_RUN = {
     "loading_tests": "the library as it is loaded; the tests above kill its mutants sooner",
     "old_thread_service_tests": "a host's own thread service",
     "static_host_tests": "the names that a host may define",
+    "symbol_version_tests": "how symbols are bound, not what functions do",
     "variable_store_hash_count_tests": "counts calls within one program; here the library is a shared one",
     "variable_store_load_tests": "takes long by intention",
     "velmar_cfg_tutorial_tests": "the tutorial's",

@@ -84,7 +84,8 @@ std::string time_as_text(std::int64_t seconds, std::optional<std::int32_t> nanos
     const auto time = static_cast<std::time_t>(seconds);
     struct tm parts = {};
     char text[64] = {}; // a year may have ten digits
-    if (time != seconds || gmtime_r(&time, &parts) == nullptr || std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &parts) == 0)
+    if (time != seconds || gmtime_r(&time, &parts) == nullptr ||
+        std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &parts) == 0)
         return std::to_string(seconds);
     if (nanoseconds)
     {

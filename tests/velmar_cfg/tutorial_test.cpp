@@ -1,4 +1,5 @@
-// The commands of the tutorial, the guide and README.md, typed along: every output in them is the one that the command gives.
+// The commands of the tutorial, the guide and README.md, typed along: every output there is the one that the command
+// gives.
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <sstream>

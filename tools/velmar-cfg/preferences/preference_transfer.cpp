@@ -85,8 +85,7 @@ PREFERENCE_DUMP dump_preferences(const PREFERENCE_LOOKUP& look_up, bool only_cha
         {
             dump.masked.push_back(preference->key);
             // Without "=" and "[", so that it is no preference.
-            text << note_of_mask(preference->key) << "
-";
+            text << note_of_mask(preference->key) << "\n";
             continue;
         }
         const std::string section = released_section(preference->section, ver_get_version());

@@ -173,7 +173,9 @@ WHOLE_FILE_WRITER::WHOLE_FILE_WRITER(const std::string& path, FILE_READERS reade
     if (exists && faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)
         fail();
     const mode_t rights = readers == FILE_READERS::OWNER ? owners_rights : mode_t{07777};
-    file = std::make_unique<OPEN_FILE>(OPEN_FILE::BESIDE{target, mode_of_new_files & rights});
+    // Nobody opens the new file who may not open the old one.
+    const mode_t as_now = exists ? found.st_mode : mode_of_new_files;
+    file = std::make_unique<OPEN_FILE>(OPEN_FILE::BESIDE{target, mode_of_new_files & rights & as_now});
     if (exists)
         take_over(file->number(), found, rights);
 }

@@ -89,7 +89,7 @@ TEST(EXPLANATION_MODEL, says_what_lint_says_of_the_assignments)
     const SETTINGS settings = settings_of("url = host#part\nother = x;y\nURL = \"b\"\n");
     const std::string spelt =
         "the same variable as 'url' at velmar.ini:1, but objects registered under that spelling are "
-        "not told of this one";
+        "not notified of this one";
     EXPECT_THAT(
         hints_on("url", settings),
         ElementsAre("spelling: set as 'URL': the same variable, since the case of A to Z does not count",

@@ -178,8 +178,8 @@ TEST_F(FILE_LOCK_OF_OTHERS, is_named_as_theirs)
     ASSERT_EQ(chmod("user/file.lock", 0600), 0);
     EXPECT_EQ(attempt_of_other(30),
               "4 " + full_path() +
-                  ".lock: belongs to the user 'root' and cannot be opened, so that it cannot be told whether a "
-                  "velmar-cfg of his holds this lock; nothing was changed, run the command again when the file has "
+                  ".lock: belongs to the user 'root' and cannot be opened, so it is unknown whether a "
+                  "velmar-cfg of that user holds it; nothing was changed, run the command again when the file has "
                   "gone");
 }
 

@@ -51,7 +51,7 @@ std::map<std::string, NAMES> members_on_page()
         else if (!line.starts_with(".It"))
             texts[title] += line + " ";
     }
-    for (const char* const group : {"members of places", "members of readings", "members of preferences"})
+    for (const char* const group : {"members of locations", "members of readings", "members of preferences"})
     {
         EXPECT_FALSE(members[group].empty()) << group;
         for (const auto& [document, text] : texts)

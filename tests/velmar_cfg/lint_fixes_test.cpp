@@ -115,8 +115,8 @@ TEST(REASONS_, have_a_meaning_for_each_kind_of_file)
     EXPECT_EQ(meaning_of_reason("not-kept"), "The next save drops the line.");
     EXPECT_EQ(meaning_of_reason("letter-case"),
               "The same variable is spelt in another letter case elsewhere. Of "
-              "preferences: The key is spelt in another letter case, and is not found "
-              "so.");
+              "preferences: The key is spelt in another letter case, so lookups do not "
+              "find it.");
     EXPECT_EQ(meaning_of_reason("too-short"), "A line of fewer than three characters is ignored.");
     EXPECT_TRUE(std::ranges::is_sorted(reason_names()));
 }

@@ -130,7 +130,7 @@ INSTANTIATE_TEST_SUITE_P(
         PREFERENCE_FINDINGS{
             "quotes within quotes",
             "[General 23.4_pro]\nUSER_LIBRARIES = \"\"/x\"\"\n",
-            {"2:1 warning changed-value: a save keeps these quotes, and the load behind it removes them; "
+            {"2:1 warning changed-value: a save keeps these quotes, and the load after it removes them; "
              "remove the inner quotes"}},
         PREFERENCE_FINDINGS{
             "a comment",
@@ -144,19 +144,19 @@ INSTANTIATE_TEST_SUITE_P(
         PREFERENCE_FINDINGS{
             "a section in another letter case",
             " [messages 23.4_pro]\n" + set,
-            {"1:2 warning unknown-section: no lookup gets to the section 'messages 23.4_pro'; letter case "
+            {"1:2 warning unknown-section: no lookup searches the section 'messages 23.4_pro'; letter case "
              "counts; write '[Messages 23.4_pro]'",
              "2:1 error wrong-section: SHOW_MESSAGE_ID is looked for in sections 'Messages' only; move it "
              "below '[Messages 23.4_pro]'"}},
         PREFERENCE_FINDINGS{
             "a section that is nearly known",
             "[Messages 23.4_por]\n" + set,
-            {"1:1 warning unknown-section: no lookup gets to the section 'Messages 23.4_por'; letter case "
+            {"1:1 warning unknown-section: no lookup searches the section 'Messages 23.4_por'; letter case "
              "counts; write '[Messages 23.4_pro]'"}},
         PREFERENCE_FINDINGS{
             "a section like no other",
             "[Something wholly other]\nx = 1\n",
-            {"1:1 warning unknown-section: no lookup gets to the section 'Something wholly other'; letter "
+            {"1:1 warning unknown-section: no lookup searches the section 'Something wholly other'; letter "
              "case counts; write the section, a blank, a release and \"_pro\"",
              "2:1 warning unknown-key: there is no preference 'x'; the line is kept, unused; remove the "
              "line"}},
@@ -189,14 +189,14 @@ INSTANTIATE_TEST_SUITE_P(
         PREFERENCE_FINDINGS{
             "a section that only begins alike",
             "[Messages23.4_pro]\n" + set,
-            {"1:1 warning unknown-section: no lookup gets to the section 'Messages23.4_pro'; letter case "
+            {"1:1 warning unknown-section: no lookup searches the section 'Messages23.4_pro'; letter case "
              "counts; write '[Messages 23.4_pro]'",
              "2:1 error wrong-section: SHOW_MESSAGE_ID is looked for in sections 'Messages' only; move it "
              "below '[Messages 23.4_pro]'"}},
         PREFERENCE_FINDINGS{
             "a release that nobody knows",
             "[Messages 1234.5678_pro]\n" + set,
-            {"1:1 warning unknown-section: no lookup gets to the section 'Messages 1234.5678_pro'; letter "
+            {"1:1 warning unknown-section: no lookup searches the section 'Messages 1234.5678_pro'; letter "
              "case counts; write the section, a blank, a release and \"_pro\""}},
         PREFERENCE_FINDINGS{"a value that is not allowed",
                             section + "SHOW_MESSAGE_ID = \t1\n",
@@ -204,7 +204,7 @@ INSTANTIATE_TEST_SUITE_P(
         PREFERENCE_FINDINGS{
             "all at once",
             "[general 23.4_pro]\nhdl_preference = C\n",
-            {"1:1 warning unknown-section: no lookup gets to the section 'general 23.4_pro'; letter case "
+            {"1:1 warning unknown-section: no lookup searches the section 'general 23.4_pro'; letter case "
              "counts; write '[General 23.4_pro]'",
              "2:1 error letter-case: a value is found only under the key's own spelling; write "
              "'HDL_PREFERENCE = C'",
@@ -224,14 +224,14 @@ INSTANTIATE_TEST_SUITE_P(
             "[messages 23.4_pro]\n",
             {"1:1 note empty-section: a section without a value, which a save drops; write a key with a "
              "value below it, or remove the line",
-             "1:1 warning unknown-section: no lookup gets to the section 'messages 23.4_pro'; letter case "
+             "1:1 warning unknown-section: no lookup searches the section 'messages 23.4_pro'; letter case "
              "counts; write '[Messages 23.4_pro]'"}},
         PREFERENCE_FINDINGS{
             "a comment beside an unknown section",
             "x [Mesages 23.4_pro]\n" + set,
             {"1:1 note beside-header: a save keeps the header, and drops the text beside it; keep comments "
              "elsewhere",
-             "1:3 warning unknown-section: no lookup gets to the section 'Mesages 23.4_pro'; letter case "
+             "1:3 warning unknown-section: no lookup searches the section 'Mesages 23.4_pro'; letter case "
              "counts; write '[Messages 23.4_pro]'",
              "2:1 error wrong-section: SHOW_MESSAGE_ID is looked for in sections 'Messages' only; move it "
              "below '[Messages 23.4_pro]'"}},
@@ -251,7 +251,7 @@ INSTANTIATE_TEST_SUITE_P(
             "a section in two letter cases",
             "[general 23.4_pro]\nHDL_PREFERENCE = VHDL\n[General 23.4_pro]\nUSER_LIBRARIES = /x\n",
             {"1:1 error merged-section: " + merged,
-             "1:1 warning unknown-section: no lookup gets to the section 'general 23.4_pro'; letter case "
+             "1:1 warning unknown-section: no lookup searches the section 'general 23.4_pro'; letter case "
              "counts; write '[General 23.4_pro]'",
              "2:1 error merged-section: " + merged,
              "2:1 error wrong-section: HDL_PREFERENCE is looked for in sections 'General' only; move it "
@@ -266,7 +266,7 @@ INSTANTIATE_TEST_SUITE_P(
         PREFERENCE_FINDINGS{
             "quotes within quotes in the wrong section",
             section + "USER_LIBRARIES = \"\"/x\"\"\n",
-            {"2:1 warning changed-value: a save keeps these quotes, and the load behind it removes them; "
+            {"2:1 warning changed-value: a save keeps these quotes, and the load after it removes them; "
              "remove the inner quotes",
              "2:1 error wrong-section: USER_LIBRARIES is looked for in sections 'General' only; move it "
              "below '[General 23.4_pro]'"}}));

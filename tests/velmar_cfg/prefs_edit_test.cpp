@@ -119,7 +119,7 @@ TEST_F(PREFS_EDIT, a_line_that_a_save_would_spoil_stops_the_change)
          "velmar-cfg: " + full_path() +
              ": lines that would not be kept as they were: 1\n"
              "velmar-cfg: line 2: 'USER_LIBRARIES = \"\"/lib\"\"': a save keeps these quotes, and the "
-             "load behind it removes them\n"
+             "load after it removes them\n"
              "velmar-cfg: " +
              full_path() +
              ": a save would also change USER_LIBRARIES from '\"/lib\"' to '/lib', as [General "

@@ -67,6 +67,19 @@ Asked for once while unset, or set inside the run and never read
                                                          ""}));
 }
 
+TEST_F(RUN_REPORT, of_another_program_may_count_nothing)
+{
+    write_file("nothing.json", R"({
+      "schema": "velmar-run-report", "schema_version": 1, "run": "", "release": "23.4",
+      "files": {"main": null, "appended": null, "regtest": null},
+      "read": [{"name": "seed", "count": 0, "value": "1", "external": false, "used": true}],
+      "external_never_read": [], "uncounted": []
+    })");
+    const TOOL_RUN shown = run({"run-report", "nothing.json"});
+    EXPECT_EQ(shown.exit_code, 0) << shown.err;
+    EXPECT_THAT(shown.out, testing::HasSubstr("    0  #                         seed=1"));
+}
+
 TEST_F(RUN_REPORT, of_a_run_that_read_nothing_says_so)
 {
     EXPECT_EQ(run({"run-report", "unnamed.json"}), (TOOL_RUN{0, R"(Run unnamed.json, release 23.4
@@ -130,7 +143,7 @@ READS                            VARIABLE
     6  ################          d=4  VELMAR_INI_VARS:1  (not of the type asked for)
     5  #############             e=5  set by the program, a text:1
     4  ###########               f  (unset)
-    3  ########                  g  (value not told: not of the type asked for)
+    3  ########                  g  (value not recorded: not of the type asked for)
     2  #####                     h\xff=\xff  origin unknown
 
 Set from outside and never read
@@ -350,7 +363,7 @@ TEST_F(RUN_REPORT, merge_suggests_a_name_for_a_switch_that_no_run_knows)
 {
     EXPECT_EQ(run({"run-report", "--merge", "--switch", "max_fanuot", "cpu.json", "gpu.json"}),
               (TOOL_RUN{1, "max_fanuot was read by 0 of 2 runs\n",
-                        "velmar-cfg: no run came across 'max_fanuot', did you mean 'max_fanout'?\n"}));
+                        "velmar-cfg: no report contains 'max_fanuot', did you mean 'max_fanout'?\n"}));
 }
 
 TEST_F(RUN_REPORT, merge_tells_runs_of_one_name_apart)

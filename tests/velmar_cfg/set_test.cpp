@@ -152,7 +152,7 @@ TEST_F(SET, says_which_line_decides_if_not_the_one_that_was_set)
     EXPECT_EQ(run_in_project({"set", "max_fanout", "14", "--dry-run"}),
               (TOOL_RUN{1, "", "velmar-cfg: appended.ini:2 still says 16\n"}));
     EXPECT_EQ(run_in_project({"set", "max_fanout", "16"}),
-              (TOOL_RUN{0, "", "velmar-cfg: appended.ini:2 says so too, and decides\n"}));
+              (TOOL_RUN{0, "", "velmar-cfg: appended.ini:2 sets the same value, and decides\n"}));
     EXPECT_EQ(run_in_project({"unset", "max_fanout"}), (TOOL_RUN{1, "", "velmar-cfg: appended.ini:2 still says 16\n"}));
     EXPECT_EQ(settings(), "");
     variables["VELMAR_INI_VARS"] = "x=1;max_fanout=9";
@@ -199,12 +199,12 @@ TEST_F(SET, makes_the_file_and_says_so)
 {
     const mode_t mask = umask(027);
     const TOOL_RUN tried = run_in_project({"set", "a", "1", "--dry-run"});
-    EXPECT_EQ(tried.err, "velmar-cfg: " + full_path() + ": would be made, since there was no such file\n");
+    EXPECT_EQ(tried.err, "velmar-cfg: " + full_path() + ": would be created, since there was no such file\n");
     EXPECT_EQ(tried.exit_code, 0);
     EXPECT_THAT(tried.out, EndsWith("@@ -0,0 +1 @@\n+a = 1\n"));
     EXPECT_FALSE(std::filesystem::exists(file));
     EXPECT_EQ(run_in_project({"set", "a", "1"}),
-              (TOOL_RUN{0, "", "velmar-cfg: " + full_path() + ": made, since there was no such file\n"}));
+              (TOOL_RUN{0, "", "velmar-cfg: " + full_path() + ": created, since there was no such file\n"}));
     umask(mask);
     EXPECT_EQ(settings(), "a = 1\n");
     struct stat made;
@@ -218,11 +218,11 @@ TEST_F(SET, makes_the_file_that_a_link_names)
     std::filesystem::create_symlink("../elsewhere/settings", file);
     const std::string target = full_path("elsewhere/settings");
     const TOOL_RUN tried = run_in_project({"set", "a", "1", "--dry-run"});
-    EXPECT_EQ(tried.err, "velmar-cfg: " + target + ": would be made, since there was no such file\n");
+    EXPECT_EQ(tried.err, "velmar-cfg: " + target + ": would be created, since there was no such file\n");
     EXPECT_EQ(tried.exit_code, 0);
     EXPECT_EQ(run_in_project({"unset", "a", "--dry-run"}).exit_code, 3); // the link goes on to name nothing
     EXPECT_EQ(run_in_project({"set", "a", "1"}),
-              (TOOL_RUN{0, "", "velmar-cfg: " + target + ": made, since there was no such file\n"}));
+              (TOOL_RUN{0, "", "velmar-cfg: " + target + ": created, since there was no such file\n"}));
     EXPECT_TRUE(std::filesystem::is_symlink(file));
     EXPECT_EQ(settings(), "a = 1\n");
 }
@@ -247,17 +247,17 @@ TEST_F(SET, makes_no_file_that_takes_the_place_of_another_unless_it_is_named)
         const TOOL_RUN refused = run_in_project({"set", "a", "5", mode});
         EXPECT_EQ(refused.exit_code, 4);
         EXPECT_EQ(refused.err, "velmar-cfg: " + full_path() +
-                                   ": there is no such file, and a new one would be read in the place of " + other +
-                                   ", with all that this one sets; name the file to change with --file\n");
+                                   ": there is no such file, and a new one would be read instead of " + other +
+                                   ", whose settings would then not apply; name the file to change with --file\n");
         EXPECT_EQ(run({"set", "a", "5", mode}).exit_code, 4); // in the current directory
     }
     EXPECT_TRUE(names_in("project").empty());
     EXPECT_EQ(run_in_project({"set", "a", "5", "--file", file, "--dry-run"}).err,
               "velmar-cfg: " + full_path() +
-                  ": would be made, since there was no such file; it is read in the place of " + other + " then\n");
+                  ": would be created, since there was no such file; it is read instead of " + other + " then\n");
     EXPECT_EQ(run_in_project({"set", "a", "5", "--file", file}).err,
-              "velmar-cfg: " + full_path() + ": made, since there was no such file; it is read in the place of " +
-                  other + " from now on\n");
+              "velmar-cfg: " + full_path() + ": created, since there was no such file; it is read instead of " + other +
+                  " from now on\n");
     EXPECT_EQ(settings(), "a = 5\n");
     EXPECT_EQ(run_in_project({"set", "a", "6", "--file", other}).exit_code, 0); // no part of these settings
     EXPECT_EQ(read_file(other), "a = 6\nb = 2\n");
@@ -267,7 +267,7 @@ TEST_F(SET, a_dry_run_knows_what_a_new_file_would_do)
 {
     write_settings("a = 1\n");
     variables["APPENDED_VELMAR_INI"] = "appended.ini";
-    const std::string made = ": would be made, since there was no such file\n";
+    const std::string made = ": would be created, since there was no such file\n";
     EXPECT_EQ(run_in_project({"set", "a", "2", "--file", "appended.ini", "--dry-run"}).err,
               "velmar-cfg: " + full_path("appended.ini") + made);
     EXPECT_EQ(run_in_project({"set", "a", "2", "--file", "other.ini", "--dry-run"}).err,

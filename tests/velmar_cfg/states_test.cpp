@@ -565,7 +565,7 @@ TEST_F(STATES, a_run_report_of_version_2_tells_origins)
                           "  won   /proj/velmar.ini:2  max_fanout = 12  (main settings file)\nread: 3 times\n"));
     EXPECT_EQ(run({"layers", "--of", "run2.json"}).out,
               view_of(STATE_KIND::RUN_REPORT_2) +
-                  "\nonly assignments to variables that the run met are known\n"
+                  "\nonly assignments to variables that were set or asked for are known\n"
                   "main settings file  /proj/velmar.ini\n     1  max_fanout=9  lost to /proj/velmar.ini:2\n"
                   "     2  max_fanout=12\n     3  effort=5\n     5  msg_sqlite=off\n");
     nlohmann::json report = nlohmann::json::parse(run_report_2);
@@ -756,7 +756,7 @@ project/velmar.ini:2:1: error: a line without "=" is ignored; put "#" before it 
                         R"(write 'msg_sqlite = on' or 'msg_sqlite = off' [no-boolean]
 --with:3:1: warning: --with:4 sets 'x' again; remove one of the two [overridden]
 --with:4:1: warning: the same variable as 'x' at --with:3, but objects registered under that spelling are not )"
-                        R"(told of this one; write 'x' [letter-case]
+                        R"(notified of this one; write 'x' [letter-case]
 )",
                         ""}));
     const nlohmann::json rows = run(lint + ARGUMENTS{"--with", "msg_sqlite=maybe", "--json"}).json();

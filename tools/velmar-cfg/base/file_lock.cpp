@@ -119,8 +119,8 @@ std::string FILE_LOCK::obstacle() const
     const bool is_there = fstatat(place.directory(), name.c_str(), &found, AT_SYMLINK_NOFOLLOW) == 0;
     if (is_there && is_barred)
         return "belongs to the user " + user_in_words(found.st_uid) +
-               " and cannot be opened, so that it cannot be told whether a velmar-cfg of his holds this lock; nothing "
-               "was changed, run the command again when the file has gone";
+               " and cannot be opened, so it is unknown whether a velmar-cfg of that user holds it; nothing was "
+               "changed, run the command again when the file has gone";
     const std::string holder = !is_there || found.st_uid == geteuid()
                                    ? "another velmar-cfg"
                                    : "a velmar-cfg of the user " + user_in_words(found.st_uid);

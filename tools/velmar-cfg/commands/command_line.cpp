@@ -29,7 +29,7 @@ void add_global_options(CLI::App& app, TOOL& tool)
     GLOBAL_OPTIONS& options = tool.options;
     app.add_option("--project", options.scope.project, "Read the settings as a host does for the project in DIR")
         ->type_name("DIR");
-    app.add_flag("--regtest", options.scope.regtest, "Lay regtest.ini over the settings, as regression runs do");
+    app.add_flag("--regtest", options.scope.regtest, "Apply regtest.ini on top of the settings, as regression runs do");
     app.add_option("--root", options.root, "Look at the installation in DIR, whose programs are in DIR/bin")
         ->type_name("DIR");
     app.add_flag("--json", options.json, "Write JSON");
@@ -66,7 +66,7 @@ void add_help_command(CLI::App& app, TOOL& tool)
 {
     auto words = std::make_shared<std::vector<std::string>>();
     COMMAND command =
-        COMMAND(app).add_command(tool, "help", "Print the help text of a command, as --help behind it does",
+        COMMAND(app).add_command(tool, "help", "Print the help text of a command, as --help after it does",
                                  "velmar-cfg help prefs set\n      how to change a preference",
                                  [words, &app, &tool]
                                  {

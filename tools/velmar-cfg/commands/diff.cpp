@@ -79,7 +79,7 @@ void add_diff_command(COMMAND app, TOOL& tool)
     COMMAND command = app.add_command(
         tool, "diff",
         "Show what differs between two states and which layer made it differ: release, environment, content of the "
-        "files, variables and preferences. What only one of them can know is no difference. Exit code 1 when something "
+        "files, variables and preferences. What only one of them can know does not count. Exit code 1 when something "
         "differs.",
         "velmar-cfg diff before.json\n"
         "      what has changed for runs in the project of the snapshot since it was taken\n"
@@ -91,8 +91,8 @@ void add_diff_command(COMMAND app, TOOL& tool)
     command.add_argument("A", options->a,
                          "A project's directory, a snapshot or run report, - for one on standard input, pid:NUMBER or "
                          "exe:PATH");
-    command.add_optional_argument("B", options->b,
-                                  "The same; without it: what holds now, for the project of a snapshot A or --project");
+    command.add_optional_argument(
+        "B", options->b, "The same; by default the present state of --project or of the project of a snapshot A");
     command.add_option("--used", "REPORT", options->used,
                        "Only the variables that the run of this report read, and nothing else");
     command.add_option(

@@ -20,12 +20,12 @@ void add_edit_options(COMMAND& command, EDIT_OPTIONS& options, FILE_EDIT_PERMISS
     command.add_flag("--dry-run", options.dry_run, dry_run);
     command.add_option(
         "--wait", "SECONDS", options.seconds_to_wait,
-        "How long to wait for another velmar-cfg, or a program that writes the file (10 by default); with 0 only "
-        "the 50 ms after which a file just written counts as left alone");
+        "How long to wait for another velmar-cfg, or a program that writes the file (10 by default); with 0, "
+        "wait only until the last write to the file is 50 ms ago");
     command.add_flag("--break-hard-links", permissions.break_hard_links,
-                     "Change the file also where it has other names, which keep the old one");
+                     "Change the file even if it has other names (hard links), which keep the old content");
     command.add_flag("--replace-read-only", permissions.replace_read_only,
-                     "Change the file also where its mode forbids that");
+                     "Change the file even if its mode forbids that");
 }
 
 void write_difference(std::string_view difference, OUTPUT& out)

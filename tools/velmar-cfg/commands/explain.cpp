@@ -133,7 +133,7 @@ void add_explain_command(COMMAND app, TOOL& tool)
         "the one that won, what each type of reader makes of it, and what may be a mistake. Exit code 1 when it is not "
         "set, or not known to be.",
         "velmar-cfg --project designs/cpu --regtest explain max_fanout\n"
-        "      which file of a regression run sets max_fanout, and what the others said",
+        "      which file of a regression run sets max_fanout, and what the others set",
         [options, &tool] { return explain(*options, tool); });
     command.add_argument("NAME", options->name, "The variable, in any letter case");
     add_state_option(command, options->state);

@@ -147,11 +147,11 @@ void add_get_command(COMMAND app, TOOL& tool)
 {
     auto options = std::make_shared<GET_OPTIONS>();
     COMMAND command = app.add_command(tool, "get",
-                                      "Print the value of an internal variable as a reader of that type gets it; of "
-                                      "several, pairs of name and value. "
+                                      "Print the value of an internal variable as a reader of the requested type "
+                                      "gets it; for several, print pairs of name and value. "
                                       "Exit code 1 when one has no usable value.",
                                       "velmar-cfg get msg_sqlite --type bool --default off\n"
-                                      "      on or off, as a program that asks for the switch with the default off\n"
+                                      "      on or off, as a program gets it that asks with the default off\n"
                                       "  velmar-cfg get --stdin --type int <names\n"
                                       "      the numbers of all variables named in a file, read once",
                                       [options, &tool] { return get(*options, tool); });
@@ -161,7 +161,7 @@ void add_get_command(COMMAND app, TOOL& tool)
     command.add_choice("--type", "TYPE", options->type, {"bool", "int", "uint", "double", "text"},
                        "How to read it: text (the default), bool, int, uint or double");
     command.add_option("--default", "VALUE", options->fallback,
-                       "Print this, which is of the TYPE or empty, when there is no usable value");
+                       "Print this when there is no usable value; it must be of the TYPE or empty");
     add_state_option(command, options->state);
     add_what_if_options(command, options->state.what_if);
     command.add_nul_flag(tool);

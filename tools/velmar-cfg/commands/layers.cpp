@@ -172,7 +172,7 @@ EXIT_CODE show_layers(const LAYERS_OPTIONS& options, TOOL& tool)
     }
     write_view(state, tool.out);
     if (state.known_lines == KNOWN_LINES::ASSIGNMENTS)
-        tool.out << "only assignments to variables that the run met are known\n";
+        tool.out << "only assignments to variables that were set or asked for are known\n";
     else if (state.known_lines == KNOWN_LINES::WINNERS)
         tool.out << "only the values that won are known\n";
     LAYERS_TEXT text(settings.layers(), tool.out);
@@ -193,9 +193,9 @@ void add_layers_command(COMMAND app, TOOL& tool)
     auto options = std::make_shared<LAYERS_OPTIONS>();
     COMMAND command = app.add_command(
         tool, "layers",
-        "Show the sources of the settings in the order in which they apply, each with its lines but comments, those "
-        "that lost or did nothing marked: the whole configuration at once.",
-        "velmar-cfg --project designs/cpu layers\n      every line that a run in designs/cpu goes by\n"
+        "Show the whole configuration: the sources of the settings in the order in which they apply, each with its "
+        "lines except comments. Lines that lost or did nothing are marked.",
+        "velmar-cfg --project designs/cpu layers\n      every line that applies to a run in designs/cpu\n"
         "  velmar-cfg --project designs/cpu layers --overridden\n      the lines that have no effect",
         [options, &tool] { return show_layers(*options, tool); });
     command.add_flag("--overridden", options->only_overridden, "Only lines that lost or did nothing");

@@ -221,7 +221,7 @@ void add_options(COMMAND& command, LINT_OPTIONS& options, const std::string& fil
     command.add_optional_argument("FILE", options.files, file_description);
     command.add_flag("--strict", options.strict, "Exit code 1 for warnings too");
     command.add_option("--ignore", "REASON", options.ignored,
-                       "Leave out the findings of this reason, in brackets behind each; may be given several times");
+                       "Leave out findings with this reason, which each shows in brackets; may be repeated");
     command.add_flag("--list-reasons", options.list_reasons, "List the reasons of findings, and check nothing");
     command.add_choice("--format", "FORMAT", options.format, {"text", "sarif"},
                        "text, or sarif for SARIF 2.1.0, which code review tools show");
@@ -233,17 +233,16 @@ void add_lint_command(COMMAND app, TOOL& tool)
     auto options = std::make_shared<LINT_OPTIONS>();
     COMMAND command = app.add_command(
         tool, "lint",
-        "Show the lines that are ignored or read otherwise than they look, with what to write instead. Without FILE: "
-        "of "
-        "every file that the library would read now, preferences included, and of VELMAR_INI_VARS. Exit code 1 when "
-        "there is an error.",
+        "Show the lines that are ignored or do something else than they seem to, with what to write instead. Without "
+        "FILE, check every file that the library would read now, preferences included, and VELMAR_INI_VARS. Exit code "
+        "1 when there is an error.",
         "velmar-cfg lint --strict designs/cpu/velmar.ini\n      check one file; warnings too make the exit code 1",
         [options, &tool] { return lint(*options, tool); });
     add_state_option(command, options->state);
     add_what_if_options(command, options->state.what_if);
     add_options(command, *options, "A settings file, or a preference file when it is called velmar2.ini");
     command.add_flag("--fix", options->fix,
-                     "Write what is suggested into the settings files, and show the findings that are left");
+                     "Write the suggestions into the settings files, and show the remaining findings");
     add_edit_options(command, *options, options->permissions,
                      "With --fix: change nothing, show the difference instead of findings");
     for (const char* const option : {"--dry-run", "--wait", "--break-hard-links", "--replace-read-only"})
@@ -255,9 +254,10 @@ void add_prefs_lint_command(COMMAND prefs, TOOL& tool)
     auto options = std::make_shared<LINT_OPTIONS>();
     COMMAND command = prefs.add_command(
         tool, "lint",
-        "Show the lines of a preference file that are ignored, or read otherwise than they look, or that the next save "
-        "drops, with what to write instead. Without FILE: of the file in use. Exit code 1 when there is an error.",
-        "velmar-cfg prefs lint --strict\n      check the own preferences; warnings too make the exit code 1",
+        "Show the lines of a preference file that are ignored, that do something else than they seem to, or that the "
+        "next save drops, with what to write instead. Without FILE, check the file in use. Exit code 1 when there is "
+        "an error.",
+        "velmar-cfg prefs lint --strict\n      check your own preferences; warnings too make the exit code 1",
         [options, &tool] { return lint_only_preferences(*options, tool); });
     add_options(command, *options, "A preference file");
 }

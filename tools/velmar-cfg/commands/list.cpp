@@ -223,7 +223,7 @@ void add_list_command(COMMAND app, TOOL& tool)
                      "Only known variables that are set to something else than their default, or to anything where the "
                      "catalogue has none");
     command.add_flag("--read", options->kinds.by_reads,
-                     "With how often the run read each, the most read first; of a run report");
+                     "With a run report: show how often the run read each variable, the most read first");
     add_state_option(command, options->state);
     add_what_if_options(command, options->state.what_if);
     command.add_nul_flag(tool);

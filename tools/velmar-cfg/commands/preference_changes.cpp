@@ -143,7 +143,7 @@ void add_preference_options(COMMAND& command, PREFERENCE_OPTIONS& options)
     add_edit_options(command, options, options.permissions,
                      "Change nothing: show the difference, with the comments and other lines that would be lost");
     command.add_flag("--allow-loss", options.permissions.lose_values,
-                     "Change the file also where values in other lines go or change with that");
+                     "Change the file even if that loses or changes values in other lines");
 }
 
 void make_preference_changes(const std::vector<PREFERENCE_CHANGE>& changes, const PREFERENCE_OPTIONS& options,

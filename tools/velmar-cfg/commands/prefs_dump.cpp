@@ -45,6 +45,6 @@ void add_prefs_dump_command(COMMAND prefs, TOOL& tool)
         "velmar-cfg prefs dump --changed >mine.ini\n      what differs from the defaults, for prefs load elsewhere",
         [options, &tool] { return dump(*options, tool); });
     command.add_flag("--changed", options->only_changed,
-                     "Only those that differ from the default, if only in letter case");
+                     "Only those that differ from the default, even just in letter case");
     add_state_option(command, options->state);
 }

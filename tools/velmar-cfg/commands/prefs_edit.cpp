@@ -50,9 +50,9 @@ void add_prefs_edit_commands(COMMAND prefs, TOOL& tool)
     add_edit(
         prefs, tool, "set",
         "Give a preference a value, for the running release. The file is replaced as a whole; other preferences keep "
-        "their values. Lines that a save does not keep, such as comments, are shown, and where values would go the "
-        "file is not changed.",
+        "their values. Lines that a save does not keep, such as comments, are shown. If values in them would be "
+        "lost, the file is not changed.",
         "velmar-cfg prefs set HDL_PREFERENCE VHDL\n      new designs are in VHDL from now on");
-    add_edit(prefs, tool, "reset", "Bring a preference back to its default",
+    add_edit(prefs, tool, "reset", "Reset a preference to its default",
              "velmar-cfg prefs reset HDL_PREFERENCE --dry-run\n      what the file would lose");
 }

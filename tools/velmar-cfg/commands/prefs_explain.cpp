@@ -90,8 +90,8 @@ void add_prefs_explain_command(COMMAND prefs, TOOL& tool)
     auto options = std::make_shared<PREFS_EXPLAIN_OPTIONS>();
     COMMAND command =
         prefs.add_command(tool, "explain",
-                          "Show why a preference has its value: every line of the preference file that says something "
-                          "of it, for any release, under its own or an old name, which one counts, and why the others "
+                          "Show why a preference has its value: every line of the preference file that concerns it, "
+                          "for any release, under its own or an old name, which one counts, and why the others "
                           "do not. Exit code 1 when it has no value, not even a default.",
                           "velmar-cfg prefs explain HDL_PREFERENCE\n      which release's line decides, and why",
                           [options, &tool] { return explain(*options, tool); });

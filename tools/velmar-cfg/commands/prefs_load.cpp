@@ -182,9 +182,9 @@ void add_prefs_load_command(COMMAND prefs, TOOL& tool)
     COMMAND command = prefs.add_command(
         tool, "load",
         "Set every preference that a preference file gives, of any machine or release, all of them or none. The file "
-        "is read as the library reads its own. An unknown key, or a value that the catalogue does not allow, keeps all "
-        "from being set. Lines that say nothing are shown; exit code 1 when they are more than comments.",
-        "velmar-cfg prefs load mine.ini --dry-run\n      what that would change in the own file",
+        "is read as the library reads its own. If it has an unknown key, or a value that the catalogue does not allow, "
+        "nothing is set. Lines without effect are shown; exit code 1 when they are more than comments.",
+        "velmar-cfg prefs load mine.ini --dry-run\n      what that would change in your own file",
         [options, &tool] { return load(*options, tool); });
     command.add_argument("FILE", options->file,
                          "A text as in velmar2.ini, such as prefs dump prints; - is standard "

@@ -35,7 +35,8 @@ constexpr std::size_t longest_bar = 24;
 
 std::string bar_of(std::uint64_t count, std::uint64_t highest)
 {
-    const double share = static_cast<double>(count) / static_cast<double>(highest);
+    // A document of another program may count nothing.
+    const double share = highest == 0 ? 0 : static_cast<double>(count) / static_cast<double>(highest);
     const auto length = static_cast<std::size_t>(std::lround(share * static_cast<double>(longest_bar)));
     return std::string(std::max<std::size_t>(length, 1), '#');
 }
@@ -47,7 +48,7 @@ std::string remark_of(const READ_VARIABLE& variable, const RUN_REPORT& report)
     if (variable.origin.kind == RUN_ORIGIN::KIND::UNSET)
         return "unset";
     return report.version == 1 ? "no usable value: unset, or not of the type asked for"
-                               : "value not told: not of the type asked for";
+                               : "value not recorded: not of the type asked for";
 }
 
 // Where a value came from; empty where that has been said by other words.
@@ -229,7 +230,7 @@ EXIT_CODE show_runs_of_switch(const std::string& name, const std::vector<RUN_REP
             write_dependence(reports[i], use.dependences[i], tool.out);
     }
     if (!use.known)
-        complain("no run came across '" + name + "'" + did_you_mean(name, names_in_reports(reports)));
+        complain("no report contains '" + name + "'" + did_you_mean(name, names_in_reports(reports)));
     return use.depending_runs > 0 ? EXIT_CODE::FINE : EXIT_CODE::FINDINGS;
 }
 
@@ -281,8 +282,8 @@ void add_run_report_command(COMMAND app, TOOL& tool)
         [options, &tool] { return run_report(*options, tool); });
     command.add_argument("FILE", options->files, "A run report; - is standard input");
     command.add_flag("--merge", options->merge,
-                     "Put several reports together: list what is set from outside and read by no run");
+                     "Combine several reports: list what is set from outside and read by no run");
     command.add_option("--switch", "NAME", options->switch_name,
-                       "With --merge: list how each run stands to this variable; exit code 1 when none read it");
+                       "With --merge: list which runs depended on this variable; exit code 1 when none read it");
     command.require_with("--switch", "--merge");
 }

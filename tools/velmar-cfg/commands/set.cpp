@@ -78,8 +78,9 @@ SETTINGS_EDIT edited(const SETTINGS_CHANGE& change, const SET_OPTIONS& options, 
         edit.in_its_place = file.is_new ? file_in_whose_place(scope, file.path) : "";
         PLANNED_BYTES bytes{std::move(planned.after), {}};
         if (!edit.in_its_place.empty() && !options.file)
-            bytes.refusal = file.path + ": there is no such file, and a new one would be read in the place of " +
-                            edit.in_its_place + ", with all that this one sets; name the file to change with --file";
+            bytes.refusal = file.path + ": there is no such file, and a new one would be read instead of " +
+                            edit.in_its_place +
+                            ", whose settings would then not apply; name the file to change with --file";
         return bytes;
     };
     edit.file = (options.dry_run ? try_file_edit : edit_file)(path, plan, options.permissions, options.patience());
@@ -115,10 +116,10 @@ void complain_of_file(const SETTINGS_EDIT& edit, bool dry_run)
                  did_you_mean(edit.change.name, names_set_in(file.before)));
     if (!file.is_new || !file.changed())
         return;
-    complain(file.path + ": " + (dry_run ? "would be made" : "made") + ", since there was no such file" +
+    complain(file.path + ": " + (dry_run ? "would be created" : "created") + ", since there was no such file" +
              (edit.in_its_place.empty()
                   ? ""
-                  : "; it is read in the place of " + edit.in_its_place + (dry_run ? " then" : " from now on")));
+                  : "; it is read instead of " + edit.in_its_place + (dry_run ? " then" : " from now on")));
 }
 
 // Says who decides on the variable unless that is the file that was changed.
@@ -137,7 +138,7 @@ void complain_of_effect(const SETTINGS_EDIT& edit, SECRETS& secrets)
     const std::string value = hide_in_value(edit.change.name, deciding->value, secrets,
                                             is_file(deciding->layer) ? kept_in_lines : kept_in_items);
     if (edit.takes_effect())
-        complain(location + " says so too, and decides");
+        complain(location + " sets the same value, and decides");
     else
         complain(location + " still says " +
                  (value.empty() ? "''" : shortened(value, length_by_shown_length(value, most_of_value))));
@@ -218,7 +219,7 @@ void add_change(COMMAND app, TOOL& tool, const std::string& name, const std::str
     command.add_argument("NAME", options->name, "The internal variable, in any letter case");
     if (!unset)
         command.add_argument("VALUE", options->value,
-                             "What is to stand behind the \"=\"; put -- before one that begins with \"-\"");
+                             "The text after the \"=\"; put -- before one that begins with \"-\"");
     command.add_option("--file", "FILE", options->file,
                        "Change this file, and not velmar.ini in the project's or the current directory");
     add_edit_options(command, *options, options->permissions, "Change nothing: show the difference");
@@ -228,12 +229,12 @@ void add_change(COMMAND app, TOOL& tool, const std::string& name, const std::str
 void add_set_commands(COMMAND app, TOOL& tool)
 {
     add_change(app, tool, "set",
-               "Set an internal variable in the project's velmar.ini. The line that decides there is changed in its "
-               "value alone; without one, a line is added. Exit code 1 when a run still gets another value, with the "
-               "line that decides.",
+               "Set an internal variable in the project's velmar.ini. This changes only the value on the line that "
+               "decides there, or adds a line if there is none. If a run still gets another value, the line that "
+               "decides is shown, and the exit code is 1.",
                "velmar-cfg --project designs/cpu set max_fanout 16\n      all else in the file stays as it is");
     add_change(app, tool, "unset",
-               "Remove every line of the project's velmar.ini that sets an internal variable. Exit code 1 when a run "
-               "still gets a value, with the line that decides.",
+               "Remove every line of the project's velmar.ini that sets an internal variable. If a run still gets a "
+               "value, the line that decides is shown, and the exit code is 1.",
                "velmar-cfg --project designs/cpu unset max_fanout --dry-run\n      the lines that would go");
 }

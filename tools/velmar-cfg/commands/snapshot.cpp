@@ -74,12 +74,12 @@ void add_snapshot_command(COMMAND app, TOOL& tool)
     auto options = std::make_shared<SNAPSHOT_OPTIONS>();
     COMMAND command = app.add_command(
         tool, "snapshot",
-        "Write all of it as one JSON document: who took it, where and when, the release, settings files and preference "
-        "file with every line and their hashes, the search, the environment variables that matter, every variable and "
-        "every preference with its value and origin. To be kept with a run, given to diff, and asked with --of as the "
-        "machine itself.",
+        "Write all settings and preferences as one JSON document: who took it, where and when, the release, settings "
+        "files and preference file with every line and their hashes, the search, the environment variables that "
+        "matter, every variable and every preference with its value and origin. Keep it with a run, compare it with "
+        "diff, and query it with --of as if on the machine itself.",
         "velmar-cfg --project designs/cpu --regtest snapshot -o before.json\n"
-        "      what a regression run in designs/cpu goes by, for a later velmar-cfg diff before.json",
+        "      what applies to a regression run in designs/cpu, for a later velmar-cfg diff before.json",
         [options, &tool] { return snapshot(*options, tool); });
     command.add_option("-o,--output", "FILE", options->file,
                        "Write to this file, as a whole or not at all; - is standard output");

@@ -31,22 +31,22 @@ void add_state_option(COMMAND& command, STATE_OPTIONS& options)
 {
     command.add_option(
         state_option, "STATE", options.of,
-        "Of this state instead of here and now: a project's directory, a snapshot or run report, - for one "
-        "on standard input, pid:NUMBER for a process, or exe:PATH for an executable");
+        "Answer for this state instead of the present one: a project's directory, a snapshot or run report, - for "
+        "one on standard input, pid:NUMBER for a process, or exe:PATH for an executable");
 }
 
 void add_what_if_options(COMMAND& command, std::vector<WHAT_IF>& what_if, const std::string& whose)
 {
     command.add_repeated_option(
         with_option, "NAME=VALUE", [&what_if](const std::string& text) { what_if.push_back(assignment_of(text)); },
-        "See what it would be like if this were set on top of everything" + whose +
+        "Answer as if this were set on top of everything" + whose +
             ", name and value taken literally; may be repeated");
     command.add_repeated_option(
         without_option, "NAME",
         [&what_if](const std::string& name) {
             what_if.push_back({name, std::nullopt});
         },
-        "The same if nothing set this variable; it and --with count in their order");
+        "Answer as if nothing set this variable; --with and --without apply in their order");
 }
 
 STATE state_of(const STATE_OPTIONS& options, const STATE_PARTS& parts, TOOL& tool, std::shared_ptr<SECRETS> secrets)

@@ -3,6 +3,7 @@
 #include "tools/velmar-cfg/lint/environment_rules.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <string>
 #include <string_view>

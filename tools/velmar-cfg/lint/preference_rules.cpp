@@ -240,7 +240,7 @@ void EXAMINATION::examine_header()
         return;
     const std::string* const nearest = known_sections.nearest(section);
     add(SEVERITY::WARNING, "unknown-section",
-        "no lookup gets to the section " + in_single_quotes(section) + "; letter case counts",
+        "no lookup searches the section " + in_single_quotes(section) + "; letter case counts",
         nearest != nullptr ? "write '[" + *nearest + "]'" : "write the section, a blank, a release and \"_pro\"",
         line.text.find('['));
 }

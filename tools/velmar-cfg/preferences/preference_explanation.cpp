@@ -271,9 +271,9 @@ std::string fate_as_text(const EXPLAINED_PREFERENCE_LINE& line, const PREFERENCE
     case LINE_FATE::OTHER_SECTION:
         return preference.key + " is looked for in sections " + in_single_quotes(preference.section) + " only";
     case LINE_FATE::UNKNOWN_RELEASE:
-        return "no lookup gets to this section: it names no release that is known here";
+        return "no lookup searches this section: it names no release that is known here";
     case LINE_FATE::SECTION_LETTER_CASE:
-        return "no lookup gets to this section: letter case counts";
+        return "no lookup searches this section: letter case counts";
     case LINE_FATE::LETTER_CASE:
         return "a value is found only under the key's own spelling";
     case LINE_FATE::SECOND_LINE:

@@ -456,7 +456,7 @@ std::string loss_as_text(const LOST_LINE& line)
     case LOSS::ZERO_BYTE:
         return "the text behind a zero byte is ignored, and a save drops it";
     case LOSS::CHANGED_VALUE:
-        return "a save keeps these quotes, and the load behind it removes them";
+        return "a save keeps these quotes, and the load after it removes them";
     }
     return "this line says nothing, and a save drops it";
 }

@@ -3,6 +3,7 @@
 #include "tools/velmar-cfg/base/json_reader.h"
 
 #include <cmath>
+#include <ctime>
 #include <gmock/gmock.h>
 #include <limits>
 
@@ -387,5 +388,16 @@ TEST_F(ROWS_OF_DOCUMENTS, are_not_taken_of_another_kind_or_version)
         EXPECT_THAT(taken(R"("one": [{"n": "a"}], "two": [], )" + std::string(other)), IsEmpty()) << other;
         EXPECT_NE(complaint, "") << other;
     }
+}
+
+// A search of all members at each of them would take minutes.
+TEST_F(JSON_DOCUMENTS, may_have_very_many_members_that_nobody_knows)
+{
+    std::string json = R"({"schema": "some-kind", "schema_version": 1)";
+    for (int i = 0; i < 200000; ++i)
+        json += ", \"m" + std::to_string(i) + "\": 0";
+    const std::clock_t before = std::clock();
+    EXPECT_EQ(complaint_of(json + "}", [](const JSON_NODE&) {}), "");
+    EXPECT_LT(std::clock() - before, 10 * CLOCKS_PER_SEC);
 }
 }

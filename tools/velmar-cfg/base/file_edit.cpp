@@ -15,6 +15,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -25,6 +26,9 @@
 
 namespace
 {
+// A program that keeps the file open for writing may do so for long, and each attempt synchronises with the disk.
+constexpr std::chrono::milliseconds between_attempts(20);
+
 bool may_write_in(int directory)
 {
     return faccessat(directory, ".", W_OK | X_OK, AT_EACCESS) == 0;
@@ -113,5 +117,6 @@ FILE_EDIT edit_file(const std::string& path, const EDIT_PLAN& plan, const FILE_E
                                            "command again when that program has closed it"
                                          : "another program changed it meanwhile; nothing was changed, run the "
                                            "command again");
+        std::this_thread::sleep_for(between_attempts);
     }
 }

@@ -293,6 +293,8 @@ void JSON_DOCUMENT::read_member(JSON_TOKENS& tokens)
         !document.member(0, "schema_version"))
     {
         document.add_member(tokens, key, first);
+        if (key == "schema")
+            choose_format();
         return;
     }
     require_kind();
@@ -334,13 +336,19 @@ bool JSON_DOCUMENT::is_taken(const JSON_ROWS& rows) const
 // The one that the document says it has; the first while it says none of them.
 const DOCUMENT_FORMAT& JSON_DOCUMENT::format() const
 {
+    return formats[chosen_format];
+}
+
+// Only when a schema was read, not at each member: a hostile document may have a million of them.
+void JSON_DOCUMENT::choose_format()
+{
     const std::optional<JSON_TREE::INDEX> schema = document.member(0, "schema");
     const auto said = std::ranges::find_if(formats,
                                            [&](const DOCUMENT_FORMAT& candidate) {
                                                return schema && document.kind(*schema) == JSON_TOKEN::TEXT &&
                                                       document.text(*schema) == candidate.kind.schema;
                                            });
-    return said == formats.end() ? formats.front() : *said;
+    chosen_format = said == formats.end() ? 0 : static_cast<std::size_t>(said - formats.begin());
 }
 
 void JSON_DOCUMENT::require_kind() const

@@ -139,8 +139,10 @@ private:
     bool is_taken(const JSON_ROWS& rows) const;
     void require_kind() const;
     const DOCUMENT_FORMAT& format() const;
+    void choose_format();
 
     std::vector<DOCUMENT_FORMAT> formats;
+    std::size_t chosen_format = 0; // the first of them until the document has named its own
     JSON_PLACE place;
     JSON_TREE document;
     std::vector<std::string> lists_read;

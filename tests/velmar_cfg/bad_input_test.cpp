@@ -46,7 +46,7 @@ protected:
 TEST_P(BAD_SETTINGS, a_directory_in_the_place_of_a_file)
 {
     write_file("project/velmar.ini/file", "");
-    expect_told("project/velmar.ini: is a directory, not a file; remove it or name another path");
+    expect_told("project/velmar.ini: is a directory, not a file; check the path");
 }
 
 TEST_P(BAD_SETTINGS, a_pipe_that_nobody_writes_to)
@@ -156,12 +156,12 @@ TEST_F(BAD_INPUT, each_problem_is_told_once)
     write_file("regtest.ini/file", "");
     variables["APPENDED_VELMAR_INI"] = temporary.path("cwd/velmar.ini");
     const TOOL_RUN listed = run({"list", "--regtest"});
-    EXPECT_EQ(listed, (TOOL_RUN{3, "",
-                                "velmar-cfg: " + temporary.path("cwd/velmar.ini") +
-                                    ": is a directory, not a file; remove it or name another path\n"
-                                    "velmar-cfg: " +
-                                    temporary.path("cwd/regtest.ini") +
-                                    ": is a directory, not a file; remove it or name another path\n"}));
+    EXPECT_EQ(listed,
+              (TOOL_RUN{3, "",
+                        "velmar-cfg: " + temporary.path("cwd/velmar.ini") +
+                            ": is a directory, not a file; check the path\n"
+                            "velmar-cfg: " +
+                            temporary.path("cwd/regtest.ini") + ": is a directory, not a file; check the path\n"}));
 }
 
 TEST_F(BAD_INPUT, the_null_device_is_an_empty_file)
@@ -194,7 +194,7 @@ TEST_P(BAD_PREFERENCES, are_told_and_the_defaults_answer)
     variables["VELMAR2_INI"] = "user";
     const TOOL_RUN got = run(GetParam());
     EXPECT_EQ(got.exit_code, 3);
-    EXPECT_EQ(got.err, "velmar-cfg: user/velmar2.ini: is a directory, not a file; remove it or name another path\n");
+    EXPECT_EQ(got.err, "velmar-cfg: user/velmar2.ini: is a directory, not a file; check the path\n");
     EXPECT_THAT(got.out, HasSubstr("Verilog"));
 }
 

@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include "tests/velmar_cfg/tool_test.h"
 
 namespace
@@ -270,7 +272,7 @@ TEST_F(DIFF, paints_the_sides)
                       HasSubstr("\n    \x1b[31mA  23.3\x1b[0m\n    \x1b[32mB  23.4\x1b[0m\n")));
 }
 
-TEST_F(DIFF, heads_fit_a_line)
+TEST_F(DIFF, heads_have_short_paths_if_they_would_not_fit_a_line)
 {
     const std::string deep =
         temporary.path("cwd") + "/" + std::string(60, 'd') + "/\xc3\xa9" + std::string(28, 'e') + "/cpu";
@@ -291,9 +293,12 @@ TEST_F(DIFF, heads_fit_a_line)
               "A  deep.json (velmar 23.4, project " + deep.substr(0, 12) + "..." + std::string(26, 'e') + "/cpu)");
     const TOOL_RUN long_view = run({"diff", "monday.json", "gpu", "--with", "x=" + std::string(500, 'v')});
     const std::size_t at = long_view.out.find("\nB  ") + 1;
-    EXPECT_EQ(long_view.out.find('\n', at) - at, 120U);
+    EXPECT_EQ(long_view.out.find('\n', at) - at, 3 + 400U + 3);
     EXPECT_THAT(long_view.out, HasSubstr("vvv...\n"));
     EXPECT_EQ(run({"diff", deep, "gpu", "--json"}).json().at("a").at("title"), deep);
+    // Whose view it is is said to the end.
+    const std::string of_process = first_line(run({"diff", "pid:" + std::to_string(getpid()), "gpu"}).out);
+    EXPECT_THAT(of_process, HasSubstr("this tool's own product and release, velmar 23.4")) << of_process;
 }
 
 TEST_F(DIFF, refuses_a_project_beside_two_states)

@@ -167,7 +167,7 @@ TEST_F(FILE_CANDIDATES, tell_links_that_lead_nowhere_and_files_that_cannot_be_re
     EXPECT_EQ(found[0],
               "current directory dangling T/cwd/velmar.ini (is a link to what does not exist; remove the link or "
               "make what it names)");
-    EXPECT_EQ(found[2], "HOME read T/home/velmar.ini (is a directory, not a file; remove it or name another path)");
+    EXPECT_EQ(found[2], "HOME read T/home/velmar.ini (is a directory, not a file; check the path)");
 }
 
 TEST_F(FILE_CANDIDATES, may_be_files_that_are_not_searched_for)

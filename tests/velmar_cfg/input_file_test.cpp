@@ -70,7 +70,7 @@ TEST_F(INPUT_FILE_TEST, tells_what_is_wrong)
         {"missing", "missing: No such file or directory; check the path"},
         {"link", "link: is a link to what does not exist; remove the link or make what it names"},
         {"circle", "circle: is a link in a circle; remove the link or make what it names"},
-        {"directory", "directory: is a directory, not a file; remove it or name another path"},
+        {"directory", "directory: is a directory, not a file; check the path"},
         {"pipe", "pipe: is no regular file, so it cannot be read twice; copy what it holds into a file"},
         {"/dev/null", ""},
         {"/dev/zero", "/dev/zero: is no regular file, so it cannot be read twice; copy what it holds into a file"},
@@ -79,7 +79,7 @@ TEST_F(INPUT_FILE_TEST, tells_what_is_wrong)
     };
     for (const ROW& row : rows)
         EXPECT_EQ(complaint_about(read_whole_file(row.path)), row.complaint);
-    EXPECT_EQ(input_problem("directory"), "is a directory, not a file; remove it or name another path");
+    EXPECT_EQ(input_problem("directory"), "is a directory, not a file; check the path");
     EXPECT_EQ(input_problem("missing"), "No such file or directory; check the path");
     EXPECT_TRUE(read_whole_file("missing").gone);
     EXPECT_FALSE(read_whole_file("directory").gone);
@@ -194,7 +194,7 @@ TEST_F(INPUT_FILE_TEST, named_may_be_a_pipe)
 TEST_F(INPUT_FILE_TEST, named_is_no_directory_and_not_missing)
 {
     write_file("directory/file", "bytes");
-    EXPECT_EQ(read_named_file("directory").problem, "is a directory, not a file; remove it or name another path");
+    EXPECT_EQ(read_named_file("directory").problem, "is a directory, not a file; check the path");
     EXPECT_EQ(read_named_file("missing").problem, "No such file or directory; check the path");
     EXPECT_EQ(read_named_file("/dev/null").bytes, "");
     EXPECT_EQ(read_named_file("directory/file").bytes, "bytes");
@@ -250,7 +250,8 @@ TEST_F(INPUT_FILE_TEST, standard_input_may_not_block)
         close(ends[1]);
         dup2(ends[0], STDIN_FILENO);
         const INPUT_FILE file = read_named_file("-");
-        const bool once = read_named_file("-").problem == "has been read already; give - once";
+        const bool once =
+            read_named_file("-").problem == "has been read already; only one argument or option can take it";
         _exit(file.bytes == std::string(200'000, 'x') && file.problem.empty() && once ? 0 : 1);
     }
     close(ends[0]);

@@ -122,7 +122,7 @@ TEST_F(PATHS, what_cannot_be_read_is_said_and_no_failure)
 {
     write_file("project/velmar.ini/file", "");
     EXPECT_EQ(rows("velmar.ini", {"--project", "project"}).at("project"),
-              "read project/velmar.ini (is a directory, not a file; remove it or name another path)");
+              "read project/velmar.ini (is a directory, not a file; check the path)");
 }
 
 TEST_F(PATHS, what_cannot_be_seen_is_told_from_what_is_missing)

@@ -138,7 +138,7 @@ TEST_F(PREFS_EXPLAIN, of_a_file_that_cannot_be_read_says_only_that)
         EXPECT_EQ(explained.exit_code, 3);
         EXPECT_EQ(explained.out, "");
         EXPECT_THAT(explained.err, testing::MatchesRegex("velmar-cfg: [^\n]*velmar2.ini: is a directory, not a file; "
-                                                         "remove it or name another path\n"));
+                                                         "check the path\n"));
     }
 }
 }

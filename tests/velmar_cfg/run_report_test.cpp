@@ -482,7 +482,7 @@ TEST_F(RUN_REPORT, that_cannot_be_read_says_why)
               (TOOL_RUN{3, "", "velmar-cfg: missing.json: No such file or directory; check the path\n"}));
     EXPECT_EQ(run({"run-report", "--merge", ".", "missing.json"}),
               (TOOL_RUN{3, "",
-                        "velmar-cfg: .: is a directory, not a file; remove it or name another path\n"
+                        "velmar-cfg: .: is a directory, not a file; check the path\n"
                         "velmar-cfg: missing.json: No such file or directory; check the path\n"}));
 }
 
@@ -492,7 +492,7 @@ TEST_F(RUN_REPORT, merge_names_the_bad_ones_and_answers_from_the_others)
     const std::string told =
         "velmar-cfg: cut.json: no well-formed JSON, from line 1, column 2 on; give a run report as "
         "a host's cfg_write_run_report writes it\n"
-        "velmar-cfg: .: is a directory, not a file; remove it or name another path\n";
+        "velmar-cfg: .: is a directory, not a file; check the path\n";
     const TOOL_RUN good = run({"run-report", "--merge", "cpu.json", "gpu.json"});
     EXPECT_EQ(run({"run-report", "--merge", "cut.json", "cpu.json", ".", "gpu.json"}), (TOOL_RUN{3, good.out, told}));
     EXPECT_EQ(run({"run-report", "--merge", "cut.json", ".", "gpu.json", "--json"}).json()["runs"], 1);
@@ -506,7 +506,8 @@ TEST_F(RUN_REPORT, merge_takes_standard_input_once)
     EXPECT_EQ(run({"run-report", "--merge", "cpu.json", "-"}), run({"run-report", "--merge", "cpu.json", "gpu.json"}));
     const TOOL_RUN twice = run({"run-report", "--merge", "-", "-", "cpu.json"});
     EXPECT_EQ(twice.exit_code, 3);
-    EXPECT_EQ(twice.err, "velmar-cfg: standard input: has been read already; give - once\n");
+    EXPECT_EQ(twice.err,
+              "velmar-cfg: standard input: has been read already; only one argument or option can take it\n");
     standard_input = "unnamed.json";
     EXPECT_THAT(run({"run-report", "-"}).out, testing::StartsWith("Run standard input, release 23.4\n"));
 }

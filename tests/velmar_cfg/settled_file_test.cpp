@@ -190,7 +190,7 @@ TEST_F(SETTLED_FILE, what_is_no_file_is_told)
 {
     std::filesystem::remove(file);
     std::filesystem::create_directory(file);
-    EXPECT_EQ(settled(10'000), "3 " + full_path() + ": is a directory, not a file; remove it or name another path");
+    EXPECT_EQ(settled(10'000), "3 " + full_path() + ": is a directory, not a file; check the path");
     std::filesystem::remove(file);
     ASSERT_EQ(mkfifo(file, 0600), 0);
     EXPECT_THAT(settled(10'000), HasSubstr("is no regular file"));

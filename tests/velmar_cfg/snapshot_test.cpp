@@ -166,7 +166,7 @@ TEST_F(SNAPSHOT, says_what_could_not_be_read)
     variables["VELMAR_INI_DISABLED"] = "yes";
     const TOOL_RUN taken = run({"snapshot"});
     EXPECT_EQ(taken.exit_code, 3);
-    const std::string problem = "is a directory, not a file; remove it or name another path";
+    const std::string problem = "is a directory, not a file; check the path";
     const std::string main = temporary.path("cwd/velmar.ini");
     EXPECT_EQ(taken.json().at("problems"),
               (nlohmann::json{{{"of", "settings"}, {"text", main + ": " + problem}},

@@ -30,7 +30,7 @@
 
 namespace
 {
-constexpr const char* is_directory = "is a directory, not a file; remove it or name another path";
+constexpr const char* is_directory = "is a directory, not a file; check the path";
 
 std::string problem_of_type(const struct stat& found)
 {
@@ -119,7 +119,7 @@ OPENED_FILE open_named_file(const std::string& path)
     {
         static bool already_read = false;
         if (std::exchange(already_read, true))
-            file.problem = "has been read already; give - once";
+            file.problem = "has been read already; only one argument or option can take it";
         else
             file.descriptor = STDIN_FILENO;
         return file;

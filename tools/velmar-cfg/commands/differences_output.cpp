@@ -129,14 +129,16 @@ std::string side_in_words(const COMPARED_SNAPSHOT& side, std::string (*path)(con
            (snapshot.regtest ? ", regression test" : "") + (side.view.empty() ? ")" : "; " + side.view + ")");
 }
 
-// As one line that fits a wide terminal. JSON has all of it.
+// As one line, with short paths if it does not fit a wide terminal. Whose view it is stays whole, unless a name in it
+// is beyond measure. JSON has all of it.
 std::string head_of(const COMPARED_SNAPSHOT& side)
 {
-    constexpr std::size_t longest = 114; // beside the letter of the side and "..."
+    constexpr std::size_t longest = 117; // beside the letter of the side
+    constexpr std::size_t beyond_measure = 400;
     std::string head = side_in_words(side, [](const std::string& path) { return path; });
     if (length_by_shown_length(head, longest) < head.size())
         head = side_in_words(side, path_in_short);
-    return printable(shortened(head, length_by_shown_length(head, longest)));
+    return printable(shortened(head, length_by_shown_length(head, beyond_measure)));
 }
 }
 

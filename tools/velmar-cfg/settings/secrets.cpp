@@ -117,9 +117,27 @@ IS_SECRET_NAME names_of(const SECRETS& secrets)
 
 // A line does not show what it has hidden once it is made a comment. The signs that could make an assignment or several
 // lines of a comment stay: to lint, it is what it was.
+constexpr std::string_view signs_in_comments = "\"=;#\r";
+
 std::string hide_in_comment(std::string_view comment, SECRETS& secrets)
 {
-    return hide_behind_names(comment, false, names_of(secrets), secrets, "\"=;#\r");
+    return hide_behind_names(comment, false, names_of(secrets), secrets, signs_in_comments);
+}
+
+bool ends_hidden(std::string_view text)
+{
+    bool hidden = false;
+    TEXT_PARTS parts(text);
+    for (TEXT_PART part{}; parts.next(part);)
+        hidden = part.hidden || (hidden && without_outer_white_space(part.text).empty());
+    return hidden;
+}
+
+// Of a line with a secret: the rest of the secret that the sign has cut, or the one that stood there before.
+std::string hide_whole_comment(std::string_view comment, std::string_view kept, SECRETS& secrets)
+{
+    const std::size_t sign = std::min<std::size_t>(comment.starts_with("//") ? 2 : 1, comment.size());
+    return std::string(comment.substr(0, sign)) + hide_runs(comment.substr(sign), kept, secrets);
 }
 
 std::string hide_in_line(std::string_view line, SECRETS& secrets)
@@ -128,18 +146,20 @@ std::string hide_in_line(std::string_view line, SECRETS& secrets)
     const std::size_t end = length_without_comment(line);
     const std::string_view comment = line.substr(end);
     if (outcome_of_line(line, parts) != OUTCOME::STORED)
-        return hide_behind_names(line.substr(0, end), false, names_of(secrets), secrets) +
-               hide_in_comment(comment, secrets);
+    {
+        const std::string_view before = line.substr(0, end);
+        const bool named = end_of_secret_name(before, names_of(secrets)) != std::string_view::npos;
+        return hide_behind_names(before, false, names_of(secrets), secrets) +
+               (named ? hide_whole_comment(comment, signs_in_comments, secrets) : hide_in_comment(comment, secrets));
+    }
     const std::size_t value = line.find('=') + 1;
     std::string hidden(line.substr(0, value));
     const std::string_view rest = line.substr(value, end - value);
     const bool secret = secrets.is_secret_name(parts.name);
     hidden += secret && !is_plain_value(parts.value) ? hide_runs(rest, kept_in_lines, secrets)
                                                      : hide_behind_names(rest, true, names_of(secrets), secrets);
-    if (comment.empty() || !secret)
-        return hidden + hide_in_comment(comment, secrets);
-    // The rest of the secret that the sign has cut, or the one that stood there before.
-    return hidden + comment.front() + hide_runs(comment.substr(1), "", secrets);
+    return hidden + (secret || ends_hidden(hidden) ? hide_whole_comment(comment, "", secrets)
+                                                   : hide_in_comment(comment, secrets));
 }
 
 bool is_apart(std::string_view text, std::size_t begin, std::size_t end)

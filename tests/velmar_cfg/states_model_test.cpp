@@ -287,6 +287,7 @@ SNAPSHOT snapshot_of(const std::vector<std::pair<std::string, std::string>>& row
     snapshot.product = of_run ? "" : "velmar";
     snapshot.of_run = of_run;
     snapshot.lossy = of_run;
+    snapshot.knows_unset = !of_run; // as of version 1
     const LAYER_KIND kind = of_run ? LAYER_KIND::UNKNOWN : LAYER_KIND::MAIN_FILE;
     for (const auto& [name, value] : rows)
     {
@@ -391,6 +392,11 @@ TEST_F(STATES_MODEL, what_a_run_left_unset_can_differ)
     EXPECT_THAT(differences_of(whole, run), ElementsAre("b: 2 | -"));
     const SNAPSHOT other_run = snapshot_of({{"b", "5"}, {"c", "6"}}, true);
     EXPECT_THAT(differences_of(run, other_run), ElementsAre("b: - | 5"));
+    EXPECT_THAT(differences_of(other_run, run), ElementsAre("b: 5 | -"));
+    run.known_unset.clear();
+    run.knows_unset = true;
+    run.not_recorded = {"C"};
+    EXPECT_THAT(differences_of(run, whole), ElementsAre("b: - | 2")); // what c was is not known
     EXPECT_THAT(differences_of(other_run, run), ElementsAre("b: 5 | -"));
 }
 

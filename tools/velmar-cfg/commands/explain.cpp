@@ -88,7 +88,8 @@ void write_text(const EXPLANATION& explanation, const STATE& state, OUTPUT& out)
         write_readings(explanation.readings, out);
     if (explanation.known != nullptr && !explanation.known->default_text.empty())
         out << "default: " << explanation.known->default_text << ", of the catalogue, for readers that name none\n";
-    out << "external: " << (explanation.external ? "yes" : "no") << "\n";
+    if (explanation.is_set)
+        out << "external: " << (explanation.external ? "yes" : "no") << "\n";
     for (const HINT& hint : explanation.hints)
         out << out.painted(STYLE::WARNING, "hint:") << " " << printable(hint.text) << "\n";
 }

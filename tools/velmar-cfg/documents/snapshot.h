@@ -140,11 +140,14 @@ struct SNAPSHOT
     std::optional<SNAPSHOT_BASIS> basis;
 
     // What a run report says: the release, the environment where it knows that, and the values of variables that were
-    // set or asked for; of any other variable it is not known whether it was set.
+    // set or asked for.
     bool of_run = false;
     bool lossy = false;          // it has U+FFFD for what is no UTF-8
-    VARIABLE_NAMES known_unset;  // what the run is known to have left unset
     VARIABLE_NAMES not_recorded; // what it is known to have set, to a value that the report leaves out
+
+    // Whether any variable that is neither listed nor `not_recorded` is known to be unset; if not, only these are.
+    bool knows_unset = true;
+    VARIABLE_NAMES known_unset;
 };
 
 #endif

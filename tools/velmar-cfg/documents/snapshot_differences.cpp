@@ -6,9 +6,10 @@
 // differences.
 //
 // A run report knows less than a snapshot, and only what both sides know is compared: of its variables the values, and
-// neither files nor preferences. A variable that it lacks counts as unset only if it says so. Version 1 of run reports
-// has U+FFFD for bytes that are no UTF-8. If only one side is such a report, it is compare_variables()'s A: what finds
-// no match in B is compared again with B's texts in that form.
+// neither files nor preferences. Version 1 of run reports does not tell what is unset from what
+// was set and never read, so that nothing is known of what has no value there. It has U+FFFD for bytes that are no
+// UTF-8. If only one side is such a report, it is compare_variables()'s A: what finds no match in B is compared again
+// with B's texts in that form.
 //
 // A difference is put down to the later one of the two layers that won: that one has changed, or has come or gone.
 //
@@ -208,10 +209,15 @@ SAMENESS compare_rows(const SNAPSHOT& a, const SNAPSHOT& b, const SNAPSHOT_VARIA
     return a.of_run || b.of_run ? compare_masked(left.value, right.value, mark) : compare_answers(left, right, mark);
 }
 
-// Whether a variable that it does not have is known to be unset.
+bool contains(const VARIABLE_NAMES& names, std::string_view name)
+{
+    return !names.empty() && names.contains(std::string(name));
+}
+
+// Whether a variable that is not in its list is known to be unset.
 bool knows_unset(const SNAPSHOT& snapshot, std::string_view name)
 {
-    return !snapshot.of_run || (!snapshot.known_unset.empty() && snapshot.known_unset.contains(std::string(name)));
+    return snapshot.knows_unset ? !contains(snapshot.not_recorded, name) : contains(snapshot.known_unset, name);
 }
 
 // The variables that A is known to have set and B to have left unset, although A does not record to what.
@@ -220,8 +226,7 @@ void add_not_recorded(const SNAPSHOT& a, VARIABLES_BY_NAME& of_a, const SNAPSHOT
 {
     for (const std::string& name : a.not_recorded)
     {
-        const bool is_set_in_b = of_b.find(name) || b.not_recorded.contains(name);
-        if (of_a.find(name) || is_set_in_b || !knows_unset(b, name))
+        if (of_a.find(name) || of_b.find(name) || !knows_unset(b, name))
             continue;
         SNAPSHOT_VARIABLE row{name, {}, false, {LAYER_KIND::UNKNOWN, {}, 0}, {}, {}, false};
         row.layers.insert(LAYER_KIND::UNKNOWN);

@@ -141,7 +141,7 @@ void write_fields(JSON_WRITER& out, const EXPLANATION& explanation)
     const bool value_is_known = !explanation.assignments.empty() || explanation.is_set == false;
     out.field("set", explanation.is_set);
     out.field("value", value_is_known ? std::optional(explanation.value) : std::nullopt);
-    out.field("external", explanation.external);
+    out.field("external", explanation.is_set ? std::optional(explanation.external) : std::nullopt);
     out.key("assignments");
     out.list(explanation.assignments, [&explanation](JSON_WRITER& writer, const EXPLAINED_ASSIGNMENT& assignment)
              { write_assignment(writer, assignment, &assignment == &explanation.assignments.back()); });

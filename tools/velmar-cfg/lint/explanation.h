@@ -35,7 +35,7 @@ struct EXPLANATION
     const KNOWN_VARIABLE* known = nullptr; // null for any other
     std::string_view value;                // empty when it has none, or none is known
     std::optional<bool> is_set = false;    // nothing where it is not known, as of a variable that no layer sets
-    bool external = false;
+    bool external = false;                 // without meaning where is_set is nothing
     TYPED_READINGS readings;
     std::vector<EXPLAINED_ASSIGNMENT> assignments; // in layering order; the last one won
     std::vector<HINT> hints;

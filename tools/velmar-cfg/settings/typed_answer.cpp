@@ -92,6 +92,6 @@ void write_fields(JSON_WRITER& out, const TYPED_ANSWER& answer)
     out.field("set", answer.has_value);
     out.field("masked", answer.masked);
     out.field("text", text_is_known ? std::optional(answer.text) : std::nullopt);
-    out.field("external", answer.external);
+    out.field("external", answer.has_value ? std::optional(answer.external) : std::nullopt);
     write_location_fields(out, answer.location ? &*answer.location : nullptr);
 }

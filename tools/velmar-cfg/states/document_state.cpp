@@ -141,17 +141,6 @@ LAYERS layers_of(const RUN_REPORT& report)
     return rows.layers();
 }
 
-VARIABLE_NAMES unset_in(const RUN_REPORT& report)
-{
-    VARIABLE_NAMES names(report.asked_once.begin(), report.asked_once.end());
-    for (const READ_VARIABLE& variable : report.read)
-    {
-        if (!variable.value && variable.origin.kind == RUN_ORIGIN::KIND::UNSET)
-            names.insert(variable.name);
-    }
-    return names;
-}
-
 // What the run set to a value that is not in the report: nobody read it, or nobody could use it.
 VARIABLE_NAMES not_recorded_in(const RUN_REPORT& report)
 {
@@ -174,7 +163,8 @@ SNAPSHOT snapshot_of(const RUN_REPORT& report)
     snapshot.release = report.release;
     snapshot.regtest = report.regtest_file.has_value();
     snapshot.environment = report.environment;
-    snapshot.known_unset = unset_in(report);
+    // Version 1 does not tell what is unset from what was set and never read.
+    snapshot.knows_unset = report.version != 1;
     snapshot.not_recorded = not_recorded_in(report);
     return snapshot;
 }
@@ -270,7 +260,7 @@ STATE state_of(const RUN_REPORT& report, const std::string& path)
 {
     STATE state;
     state.limits = "a run report holds only variables that were set or asked for";
-    state.knows_unset = false;
+    state.knows_unset = report.version != 1;
     state.known_lines = knows_all_sources(report) ? KNOWN_LINES::ASSIGNMENTS : KNOWN_LINES::WINNERS;
     state.view = "as run " + report.run + " had it (" +
                  (report.run == report.file ? "" : title_of_named_file(path) + ", ") + "release " + report.release +

@@ -71,6 +71,8 @@ TEST_F(COMMAND_LINE, an_unknown_option_is_told_with_what_may_be_meant)
          "there is no option '-x'; put -- before an argument that begins with \"-\"; see velmar-cfg prefs set"},
         {{"explain", "a", "b"}, "The following argument was not expected: b; see velmar-cfg explain"},
         {{"explain", "a", "-"}, "The following argument was not expected: -; see velmar-cfg explain"},
+        {{"list", "--of", ".", "--of", "."}, "'--of' may be given only once; see velmar-cfg list"},
+        {{"list", "--of"}, "'--of' needs a value: STATE; see velmar-cfg list"},
         {{"prefs", "lst"}, "there is no command 'lst', did you mean 'list'?; see velmar-cfg prefs"},
         {{"help", "prefs", "lst"}, "there is no command 'lst', did you mean 'list'?; see velmar-cfg prefs"},
     };

@@ -248,7 +248,7 @@ TEST_F(DIFF, is_narrowed_by_names_and_sections)
 TEST_F(DIFF, compares_with_what_a_run_had)
 {
     EXPECT_EQ(run({"diff", "run.json", "tuesday.json"}),
-              (TOOL_RUN{1, R"(A  run.json (as run nightly had it (run.json, release 23.4))
+              (TOOL_RUN{1, R"(A  as run nightly had it (run.json, release 23.4)
 B  tuesday.json (velmar 23.4, project cpu, regression test)
 
 Variables

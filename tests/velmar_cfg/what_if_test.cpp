@@ -121,6 +121,7 @@ TEST(WHAT_IF_MODEL, is_told_in_words)
     EXPECT_EQ(changes_as_text({}, secrets), "");
     EXPECT_EQ(changes_as_text({with("a", "1 2"), without("b"), with("c", "")}, secrets),
               "with a=1 2, without b, with c=");
+    EXPECT_EQ(changes_as_text({with("", "1"), without("")}, secrets), "with ''=1, without ''");
 }
 
 // --- Commands ---

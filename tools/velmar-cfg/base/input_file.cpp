@@ -119,9 +119,9 @@ OPENED_FILE open_named_file(const std::string& path)
     {
         static bool already_read = false;
         if (std::exchange(already_read, true))
-            file.problem = "has been read already; only one argument or option can take it";
-        else
-            file.descriptor = STDIN_FILENO;
+            throw TOOL_ERROR(EXIT_CODE::USAGE,
+                             "standard input has been read already; only one argument or option can take it");
+        file.descriptor = STDIN_FILENO;
         return file;
     }
     file.descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);

@@ -34,7 +34,7 @@ INPUT_FILE read_whole_file(const std::string& path);
 INPUT_FILE read_open_file(int file, const std::string& path);
 
 // The same for a file that the user named to be read once, to its end: "-" is standard input, and a pipe or a device is
-// waited for. Standard input can be read once.
+// waited for. Throws TOOL_ERROR(USAGE) when standard input is to be read again.
 INPUT_FILE read_named_file(const std::string& path);
 
 // The same a part at a time. What keeps it from being read throws TOOL_ERROR(BAD_INPUT) with the path.

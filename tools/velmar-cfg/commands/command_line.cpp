@@ -16,6 +16,7 @@
 
 #include "platform/ver/ver.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
+#include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/help.h"
@@ -246,10 +247,28 @@ void parse_command_line(CLI::App& app, int argc, const char* const* argv)
     app.parse(std::move(words));
 }
 
+// What is wrong with the values of an option, which the parser says in riddles: "--of: At Most 1 required but received
+// 2", "--of: 1 required STATE missing". Anything else as it is.
+std::string in_plain_words(const std::string& what)
+{
+    const std::size_t colon = what.find(": ");
+    const std::string option = in_single_quotes(what.substr(0, colon));
+    const std::string_view rest = std::string_view(what).substr(std::min(colon, what.size()));
+    constexpr std::string_view too_many = ": At Most 1 required";
+    constexpr std::string_view too_few = ": 1 required ";
+    constexpr std::string_view missing = " missing";
+    if (rest.starts_with(too_many))
+        return option + " may be given only once";
+    if (rest.starts_with(too_few) && rest.ends_with(missing))
+        return option + " needs a value: " +
+               std::string(rest.substr(too_few.size(), rest.size() - too_few.size() - missing.size()));
+    return what;
+}
+
 std::string usage_complaint(CLI::App* app, const CLI::ParseError& error)
 {
     CLI::App* const command = named_command(app);
-    std::string what = error.what();
+    std::string what = in_plain_words(error.what());
     if (const std::vector<std::string> unknown = app->remaining(true); !unknown.empty())
     {
         if (unknown.front().starts_with('-') && unknown.front().size() > 1)

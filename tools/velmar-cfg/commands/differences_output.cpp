@@ -123,7 +123,7 @@ std::string side_in_words(const COMPARED_SNAPSHOT& side, std::string (*path)(con
 {
     const SNAPSHOT& snapshot = side.snapshot;
     if (snapshot.of_run)
-        return path(side.title) + " (" + side.view + ")";
+        return side.view; // which names the file
     return path(side.title) + " (" + snapshot.product + " " + snapshot.release +
            (snapshot.project.empty() || snapshot.project == side.title ? "" : ", project " + path(snapshot.project)) +
            (snapshot.regtest ? ", regression test" : "") + (side.view.empty() ? ")" : "; " + side.view + ")");

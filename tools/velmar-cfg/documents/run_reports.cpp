@@ -296,6 +296,8 @@ RUN_REPORTS read_run_reports(const std::vector<std::string>& paths, SECRETS& sec
         }
         catch (const TOOL_ERROR& error)
         {
+            if (error.exit_code == EXIT_CODE::USAGE)
+                throw; // standard input named twice
             read.problems.emplace_back(error.what());
         }
     }

@@ -124,7 +124,8 @@ struct RUN_REPORTS
     std::vector<std::string> problems; // of each other file what is wrong with it, with its path
 };
 
-// The reports of these files. Runs of the same name get their file's name as well, so that they can be told apart.
+// The reports of these files. Throws TOOL_ERROR(USAGE) when standard input is named twice. Runs of the same name get
+// their file's name as well, so that they can be told apart.
 RUN_REPORTS read_run_reports(const std::vector<std::string>& paths, SECRETS& secrets);
 
 // How a run stands to one variable.

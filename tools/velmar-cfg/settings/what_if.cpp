@@ -84,8 +84,8 @@ std::string changes_as_text(const std::vector<WHAT_IF>& changes, SECRETS& secret
     std::string text;
     for (const auto& [name, value] : changes)
     {
-        text +=
-            (text.empty() ? "" : ", ") + std::string(value ? "with " : "without ") + hide_in_value("", name, secrets);
+        text += (text.empty() ? "" : ", ") + std::string(value ? "with " : "without ");
+        text += name.empty() ? "''" : hide_in_value("", name, secrets);
         if (value)
             text += "=" + hide_in_value(name, *value, secrets, "");
     }

@@ -86,7 +86,7 @@ TEST(PREFERENCE_DUMPS, leave_out_what_is_masked)
         "[Cloud 23.4_pro]\nCLOUD_TOKEN = hush-hush\nCLOUD_SERVER = http://h/?token=hush-hush\nCLOUD_USER_ID = me\n";
     const PREFERENCE_DUMP dump = dump_of(PREFERENCES(hide_in_preference_text(text, secrets).value()), true);
     EXPECT_THAT(dump.masked, testing::UnorderedElementsAre("CLOUD_TOKEN", "CLOUD_SERVER"));
-    EXPECT_THAT(dump.text, HasSubstr("# CLOUD_TOKEN is masked; --with-secrets writes it\n"));
+    EXPECT_THAT(dump.text, HasSubstr("# CLOUD_TOKEN is left out, since its value is masked\n"));
     EXPECT_THAT(dump.text, testing::EndsWith("\n\n[Cloud 23.4_pro]\nCLOUD_USER_ID = me\n"));
     EXPECT_EQ(dump.text.find("hush"), std::string::npos);
     const GIVEN_PREFERENCES given = preferences_given_by(dump.text);

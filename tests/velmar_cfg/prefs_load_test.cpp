@@ -41,7 +41,7 @@ TEST_F(PREFS_LOAD, dump_writes_a_file_of_the_running_release)
 TEST_F(PREFS_LOAD, dump_holds_secrets_only_when_told)
 {
     write_preferences("[Cloud 23.4_pro]\nCLOUD_TOKEN = hush-hush\nCLOUD_SERVER = host\n");
-    const std::string masked = "# CLOUD_TOKEN is masked; --with-secrets writes it\n\n[Cloud 23.4_pro]\n"
+    const std::string masked = "# CLOUD_TOKEN is left out, since its value is masked\n\n[Cloud 23.4_pro]\n"
                                "CLOUD_SERVER = host\n";
     EXPECT_EQ(run({"prefs", "dump", "--changed"}), (TOOL_RUN{0, masked, ""}));
     EXPECT_EQ(run({"prefs", "dump", "--changed", "--with-secrets"}),
@@ -54,8 +54,8 @@ TEST_F(PREFS_LOAD, dump_holds_secrets_only_when_told)
     EXPECT_EQ(run({"prefs", "load", "given"}), (TOOL_RUN{0, "", ""}));
     EXPECT_EQ(run({"prefs", "load", "given", "--json"}).json().at("passed_over"), nlohmann::json::array());
     EXPECT_EQ(run({"prefs", "get", "CLOUD_TOKEN"}).out, "hush-hush\n");
-    write_file("given", "# MY_TOKEN is masked; --with-secrets writes it\n" + masked +
-                            " # CLOUD_TOKEN is masked; --with-secrets writes it\n");
+    write_file("given", "# MY_TOKEN is left out, since its value is masked\n" + masked +
+                            " # CLOUD_TOKEN is left out, since its value is masked\n");
     const std::string message = "note: this line says nothing, and a save drops it; keep comments elsewhere; for a "
                                 "preference write 'KEY = VALUE' [not-kept]\n";
     EXPECT_EQ(run({"prefs", "load", "given"}),

@@ -60,7 +60,7 @@ std::set<std::string> headers_of(std::string_view bytes)
 
 std::string note_of_mask(const std::string& key)
 {
-    return "# " + key + " is masked; --with-secrets writes it";
+    return "# " + key + " is left out, since its value is masked";
 }
 
 bool is_unknown(const std::string& name)

@@ -3,15 +3,24 @@
 #include "cfg_run_report/cfg_run_report.h"
 
 #include <exception>
+#include <new>
 
 #include "cfg_run_report/run_report_text.h"
 #include "cfg_run_report/whole_file.h"
 
 namespace
 {
-std::string failure(const std::string& path, const char* why)
+// Where there is no memory for the whole message, it is cut short to one that needs none.
+CFG_RUN_REPORT_RESULT failure(const std::string& path, const char* why) noexcept
 {
-    return "cannot write the run report " + path + ": " + why;
+    try
+    {
+        return {false, "cannot write the run report " + path + ": " + why};
+    }
+    catch (const std::bad_alloc&)
+    {
+        return {false, "out of memory"};
+    }
 }
 }
 
@@ -25,7 +34,7 @@ CFG_RUN_REPORT_RESULT cfg_write_run_report(const std::string& path, const std::s
     }
     catch (const std::exception& error)
     {
-        return {false, failure(path, error.what())};
+        return failure(path, error.what());
     }
 }
 
@@ -36,10 +45,10 @@ CFG_RUN_REPORT_RESULT cfg_write_run_report(const std::string& path, const CFG_RU
         const std::string text = run_report_text(options);
         const FILE_READERS readers = options.only_owner_may_read ? FILE_READERS::OWNER : FILE_READERS::AS_USUAL;
         const std::string error = write_whole_file(path, text, readers);
-        return {error.empty(), error.empty() ? "" : failure(path, error.c_str())};
+        return error.empty() ? CFG_RUN_REPORT_RESULT{true, {}} : failure(path, error.c_str());
     }
     catch (const std::exception& error)
     {
-        return {false, failure(path, error.what())};
+        return failure(path, error.what());
     }
 }

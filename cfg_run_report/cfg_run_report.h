@@ -79,7 +79,8 @@ struct CFG_RUN_REPORT_RESULT
     // True if the whole document is in the file.
     bool written;
 
-    // One line that names the file and the problem; empty if the document was written.
+    // One line that names the file and the problem, without memory for that only the problem; empty if the document was
+    // written.
     std::string error;
 };
 

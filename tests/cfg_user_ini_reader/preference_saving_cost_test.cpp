@@ -1,11 +1,11 @@
 // A save writes what the passes over the records would, for any records, and takes about as long for each.
 #include <algorithm>
 #include <random>
-#include <sys/resource.h>
 
 #include "cfg_ini/cfg_ini.h"
 #include "tests/cfg_user_ini_reader/plain_preferences.h"
 #include "tests/cfg_user_ini_reader/preference_test.h"
+#include "tests/support/processor_time.h"
 
 namespace
 {
@@ -98,15 +98,6 @@ TEST_F(PREFERENCE_SAVING_COST_TEST, sections_are_compared_up_to_a_zero_byte)
 
 // --- The cost ---
 
-double processor_seconds()
-{
-    struct rusage usage = {};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const struct timeval& time)
-    { return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6; };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
 // Of the fastest of three saves of as many sections, each with one record and each in two spellings.
 double seconds_to_save(std::size_t sections)
 {
@@ -120,28 +111,19 @@ double seconds_to_save(std::size_t sections)
             cfg_user_ini_records->emplace(section + "k", new CFG_USER_VALUE_STRUCT{section, "k", "v"});
         }
     }
-    double least = 1e9;
-    for (int time = 0; time < 3; ++time)
-    {
-        const double start = processor_seconds();
-        EXPECT_TRUE(cfg_write_user_ini_file());
-        least = std::min(least, processor_seconds() - start);
-    }
+    const double least = least_processor_seconds([] { EXPECT_TRUE(cfg_write_user_ini_file()); });
     cfg_close_user_ini_file();
     return least;
 }
 
 TEST_F(PREFERENCE_SAVING_COST_TEST, ten_times_the_sections_take_about_ten_times_as_long)
 {
-    // Again where other processes disturbed it: no disturbance makes a square look linear three times over.
-    double ratio = 0;
-    for (int attempt = 0; attempt == 0 || (ratio >= 40 && attempt < 3); ++attempt)
+    const auto seconds_for = [&](std::size_t sections)
     {
         write_preferences("");
-        const double of_4000 = seconds_to_save(4'000);
-        write_preferences("");
-        ratio = seconds_to_save(40'000) / of_4000;
-    }
+        return seconds_to_save(sections);
+    };
+    const double ratio = ratio_of_seconds(seconds_for, 4'000, 40'000, 40);
     EXPECT_LT(ratio, 40) << "the square would be a hundred times as long";
 }
 }

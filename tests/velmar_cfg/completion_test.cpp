@@ -151,6 +151,25 @@ TEST_F(COMPLETION, offers_files_and_directories)
     EXPECT_THAT(in_bash({"velmar-cfg", "diff", "a", "b", ""}), IsEmpty());
 }
 
+TEST_F(COMPLETION, is_not_made_of_what_cannot_be_read)
+{
+    write_file("template", "@WALK@\n@TABLES@\n");
+    write_file("walk", "walk\n");
+    write_file("empty", "");
+    EXPECT_EQ(run_program({COMPLETION_GENERATOR, "template", "walk", "script"}).status, 0);
+    EXPECT_EQ(read_file("script").substr(0, 5), "walk\n");
+    std::filesystem::remove("script");
+    for (const LINES& inputs :
+         {LINES{"nowhere", "walk"}, {"template", "nowhere"}, {"template", "empty"}, {"walk", "walk"}})
+    {
+        LINES command = {COMPLETION_GENERATOR, inputs[0], inputs[1], "script"};
+        const PROGRAM_RESULT result = run_program(command);
+        EXPECT_EQ(result.status, 1) << inputs[0] << " " << inputs[1];
+        EXPECT_NE(result.err, "");
+        EXPECT_FALSE(std::filesystem::exists("script"));
+    }
+}
+
 TEST_F(COMPLETION, is_the_same_in_zsh)
 {
     if (std::string(ZSH).empty())

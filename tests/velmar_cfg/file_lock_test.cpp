@@ -51,6 +51,16 @@ TEST_F(FILE_LOCK_TEST, is_waited_for)
     EXPECT_GE(watch.calls_seen(), 2);
 }
 
+// Another user's, which cannot be opened, and goes before it is looked at.
+TEST_F(FILE_LOCK_TEST, one_that_is_barred_and_goes_counts_for_nothing)
+{
+    const FILE_PLACE place(file);
+    const CALL_WATCH watch(SYSTEM_CALL::OPENAT, {{1, [] { return EACCES; }}, {2, [] { return EACCES; }}});
+    const FILE_LOCK lock(place, in_milliseconds(10'000));
+    EXPECT_GE(watch.calls_seen(), 3);
+    EXPECT_EQ(read_file("user/file.lock"), mark);
+}
+
 TEST_F(FILE_LOCK_TEST, one_that_is_removed_in_between_counts_for_nothing)
 {
     write_file("user/file.lock", mark);

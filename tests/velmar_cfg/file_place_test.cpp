@@ -55,6 +55,18 @@ TEST_F(FILE_PLACE_TEST, tells_what_does_not_lead_anywhere)
                   "4 " + path + ": is a directory, not a file");
 }
 
+TEST_F(FILE_PLACE_TEST, tells_that_the_current_directory_has_gone)
+{
+    const std::string cwd = std::filesystem::canonical(".").string();
+    std::filesystem::create_directory("gone");
+    std::filesystem::current_path("gone");
+    std::filesystem::remove(cwd + "/gone");
+    EXPECT_EQ(complaint_of([] { FILE_PLACE("file"); }),
+              "4 file: the current directory cannot be told: No such file or directory; give an absolute path");
+    EXPECT_EQ(FILE_PLACE(cwd + "/user/file").path(), cwd + "/user/file");
+    std::filesystem::current_path(cwd);
+}
+
 TEST_F(FILE_PLACE_TEST, forty_links_are_followed_and_no_more)
 {
     std::filesystem::create_symlink("user/file", "link1");

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/processor_time.h"
 #include "tests/velmar_cfg/suggestions.h"
 
 namespace
@@ -225,5 +226,25 @@ TEST_F(MEANT, items)
     };
     for (const ROW& row : rows)
         EXPECT_EQ(intentions.of_item(row.item, row.separator), row.meant) << row.item;
+}
+
+// Each sign of the other separator may begin an item, and none of these does.
+TEST(ITEMS, take_four_times_as_long_for_four_times_the_length)
+{
+    const LAYERS layers = {layer_of(LAYER_KIND::INLINE_TEXT, "a=1")};
+    const NAMESAKES namesakes(layers);
+    const INTENTIONS intentions(namesakes);
+    for (const std::string piece : {":b=1", ":b", ":b c =1", ": "})
+    {
+        const auto seconds_for = [&](std::size_t count)
+        {
+            std::string item = "a=1";
+            for (std::size_t i = 0; i < count; ++i)
+                item += piece;
+            return least_processor_seconds([&] { EXPECT_TRUE(intentions.of_item(item, ';')); });
+        };
+        EXPECT_LT(ratio_of_seconds(seconds_for, 2'000, 8'000, 9), 9)
+            << piece << ": the square would take sixteen times as long";
+    }
 }
 }

@@ -190,16 +190,25 @@ TEST_F(LINT_FIX, refuses_what_makes_no_sense)
     EXPECT_EQ(run({"lint", "--format", "sarif", "--json"}).exit_code, 2);
     EXPECT_EQ(run({"lint", "--format", "sarif", "--fix", "--dry-run"}).exit_code, 2);
     EXPECT_EQ(run({"lint", "--format", "xml"}).exit_code, 2);
-    for (const std::vector<std::string>& rest : std::vector<std::vector<std::string>>{
-             {"velmar.ini"}, {"--fix"}, {"--strict"}, {"--ignore", "separator"}, {"--of", "."}})
+    for (const std::vector<std::string>& rest : std::vector<std::vector<std::string>>{{"velmar.ini"},
+                                                                                      {"--fix"},
+                                                                                      {"--strict"},
+                                                                                      {"--ignore", "separator"},
+                                                                                      {"--of", "."},
+                                                                                      {"--with", "a=1"},
+                                                                                      {"--without", "a"},
+                                                                                      {"--format", "sarif"},
+                                                                                      {"--format", "sarif", "--json"}})
     {
         std::vector<std::string> arguments = {"lint", "--list-reasons"};
         arguments.insert(arguments.end(), rest.begin(), rest.end());
         EXPECT_EQ(run(arguments), (TOOL_RUN{2, "",
-                                            "velmar-cfg: --list-reasons checks nothing: files, --fix, --of, --strict "
-                                            "and --ignore exclude it\n"}))
+                                            "velmar-cfg: --list-reasons checks nothing: files, --fix, --of, --with, "
+                                            "--without, --strict, --ignore and --format sarif exclude it\n"}))
             << rest.front();
     }
+    EXPECT_EQ(run({"prefs", "lint", "--list-reasons", "--format", "sarif"}).exit_code, 2);
+    EXPECT_EQ(run({"prefs", "lint", "--list-reasons", "--format", "text"}).exit_code, 0);
     EXPECT_EQ(read_file("velmar.ini"), "a = yes\n");
 }
 

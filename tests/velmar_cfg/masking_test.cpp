@@ -510,6 +510,36 @@ TEST_F(MASKING, hides_comments_that_hold_what_was_a_secret)
     EXPECT_FALSE(tells(run({"unset", "use_token", "--dry-run"}).out));
 }
 
+// The hash of a file tells a secret in it to whoever guesses: also one on a line that no answer is made of.
+TEST_F(MASKING, hides_hashes_of_documents_that_show_secrets_on_any_line)
+{
+    for (const auto& [role, file, text] :
+         {std::array{"main", "velmar.ini", "a = 1\n# my_password S3CRETd\n"},
+          {"main", "velmar.ini", "api_token = S3CRETa\napi_token = on\n"},
+          {"preferences", "user/velmar2.ini", "[General 23.4_pro]\n# CLOUD_TOKEN = S3CRETe\n"}})
+    {
+        write_file("velmar.ini", "");
+        write_file("user/velmar2.ini", "");
+        write_file(file, text);
+        const std::string document = run({"--with-secrets", "snapshot"}).out;
+        std::string hash;
+        const nlohmann::json files = nlohmann::json::parse(document).at("files");
+        for (const nlohmann::json& row : files)
+        {
+            if (row.at("role") == role)
+                hash = row.at("sha256").get<std::string>();
+        }
+        ASSERT_EQ(hash.size(), 64U);
+        write_file("shown.json", document);
+        write_file(file, std::string(text) + "x = 2\n");
+        const std::string differences = run({"diff", "shown.json", "--json"}).out;
+        EXPECT_THAT(differences, HasSubstr("\"sha256\""));
+        EXPECT_THAT(differences, Not(HasSubstr(hash))) << text;
+        EXPECT_THAT(run({"diff", "shown.json"}).out, Not(HasSubstr(hash.substr(0, 12)))) << text;
+        EXPECT_THAT(run({"--with-secrets", "diff", "shown.json", "--json"}).out, HasSubstr(hash)) << text;
+    }
+}
+
 TEST_F(MASKING, hides_assignments_in_variables_that_name_files)
 {
     for (const char* const variable : {"VELMAR_INI", "VELMAR_INI_DISABLED", "APPENDED_VELMAR_INI", "VELMAR2_INI"})

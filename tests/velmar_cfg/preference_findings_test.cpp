@@ -3,7 +3,24 @@
 
 #include <gmock/gmock.h>
 
+#include "platform/ver/ver.h"
+#include "tests/support/original_function.h"
+
 using namespace std::string_literals;
+
+namespace
+{
+bool forgets_running_release = false;
+}
+
+// The version service of a host that may forget the running release.
+std::vector<std::string> ver_get_all_versions()
+{
+    std::vector<std::string> versions = original<std::vector<std::string>()>("_Z20ver_get_all_versionsB5cxx11v")();
+    if (forgets_running_release)
+        std::erase(versions, ver_get_version());
+    return versions;
+}
 
 namespace
 {
@@ -39,6 +56,16 @@ std::vector<std::string> findings_in(const std::string& text)
                         finding.instead);
     }
     return texts;
+}
+
+TEST(RUNNING_RELEASE, has_known_sections_also_where_the_host_forgets_it)
+{
+    const std::string text = "[General " + ver_get_version() + "_pro]\nHDL_PREFERENCE = VHDL\n";
+    const std::vector<std::string> findings = findings_in(text);
+    forgets_running_release = true;
+    EXPECT_EQ(findings_in(text), findings);
+    forgets_running_release = false;
+    EXPECT_THAT(findings, testing::IsEmpty());
 }
 
 class PREFERENCE_RULES : public testing::TestWithParam<PREFERENCE_FINDINGS>

@@ -2,7 +2,9 @@
 #include <gmock/gmock.h>
 
 #include "tests/support/isolated_test.h"
+#include "tests/support/processor_time.h"
 #include "tools/velmar-cfg/documents/run_reports.h"
+#include "tools/velmar-cfg/documents/snapshot_differences.h"
 
 namespace
 {
@@ -50,10 +52,56 @@ TEST(RUN_REPORTS_MODEL, tell_how_runs_stand_to_a_switch)
         for (const DEPENDENCE& dependence : use.dependences)
             kinds.push_back(dependence.kind);
         EXPECT_EQ(kinds, row.kinds) << row.name;
+        for (std::size_t i = 0; i < runs.size(); ++i)
+            EXPECT_EQ(DEPENDENCES(runs[i]).on(row.name), row.kinds[i]) << row.name;
         EXPECT_EQ(use.depending_runs, row.depending) << row.name;
         EXPECT_EQ(use.known, row.known) << row.name;
     }
     EXPECT_FALSE(use_of_switch("a", {}).known);
+}
+
+TEST(RUN_REPORTS_MODEL, let_the_first_list_with_the_variable_decide)
+{
+    using KIND = DEPENDENCE::KIND;
+    RUN_REPORT run;
+    run.read.push_back({"a", 1, "x", true, true});
+    run.external_never_read.push_back({"A", "x"});
+    run.external_never_read.push_back({"b", "x"});
+    run.asked_once = {"b", "c"};
+    run.set_never_read = {"C", "d"};
+    run.uncounted = {"d", "e"};
+    const DEPENDENCES dependences(run);
+    for (const auto& [name, kind] : {std::pair("a", KIND::READ),
+                                     {"B", KIND::NEVER_READ},
+                                     {"c", KIND::ASKED_ONCE},
+                                     {"d", KIND::NEVER_READ},
+                                     {"e", KIND::PERHAPS},
+                                     {"f", KIND::UNKNOWN}})
+    {
+        EXPECT_EQ(dependences.on(name), kind) << name;
+        EXPECT_EQ(dependence_on(name, run).kind, kind) << name;
+    }
+}
+
+TEST(RUN_REPORTS_MODEL, answer_for_four_times_the_names_in_four_times_the_time)
+{
+    const auto seconds_for = [](std::size_t count)
+    {
+        RUN_REPORT run;
+        for (std::size_t i = 0; i < count; ++i)
+            run.uncounted.push_back("name_" + std::to_string(i));
+        SNAPSHOT_DIFFERENCES differences;
+        for (std::size_t i = 0; i < count; ++i)
+            differences.undecided.push_back({"variables", run.uncounted[count - 1 - i]});
+        return least_processor_seconds(
+            [&]
+            {
+                SNAPSHOT_DIFFERENCES kept = differences;
+                keep_what_the_run_read(kept, run);
+                EXPECT_EQ(kept.undecided.size(), count);
+            });
+    };
+    EXPECT_LT(ratio_of_seconds(seconds_for, 1'000, 4'000, 9), 9) << "the square would take sixteen times as long";
 }
 
 TEST(RUN_REPORTS_MODEL, have_a_word_for_each_dependence)

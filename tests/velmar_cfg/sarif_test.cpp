@@ -189,6 +189,41 @@ TEST_F(SARIF, holds_no_secret_and_no_brace_that_means_something)
     EXPECT_THAT(results.dump(), HasSubstr("{{1}}"));
 }
 
+// Of a snapshot, as of the files that it was made of.
+TEST_F(SARIF, is_the_same_of_a_snapshot)
+{
+    std::filesystem::create_directory("home");
+    variables["HOME"] = temporary.path("cwd/home");
+    write_file("velmar.ini", "x\xc3\xa9 = yes\r\n[x]\napi_token = \"hush-hush\"\na = 'b'\nb = no # token = hush-hush\n"
+                             "token = ab;c=1 d=2\n");
+    const nlohmann::json live = linted({"lint"}).at("results");
+    ASSERT_GT(live.size(), 6U);
+    write_file("here.json", run({"snapshot"}).out);
+    std::filesystem::remove("velmar.ini");
+    const nlohmann::json of_document = linted({"lint", "--of", "here.json"}).at("results");
+    const nlohmann::json json = run({"lint", "--of", "here.json", "--json"}).json();
+    ASSERT_EQ(of_document.size(), live.size());
+    std::size_t columns = 0;
+    std::size_t fixes = 0;
+    for (std::size_t i = 0; i < live.size(); ++i)
+    {
+        nlohmann::json region = region_of(live[i]);
+        if (json[i].at("column").is_null())
+            region.erase("startColumn"); // behind a secret, whose size the snapshot does not tell
+        EXPECT_EQ(region_of(of_document[i]), region) << i;
+        columns += region_of(of_document[i]).contains("startColumn") ? 1U : 0U;
+        fixes += of_document[i].contains("fixes") ? 1U : 0U;
+        EXPECT_EQ(of_document[i].contains("fixes"), live[i].contains("fixes")) << i;
+        if (live[i].contains("fixes"))
+        {
+            EXPECT_EQ(of_document[i]["fixes"][0]["artifactChanges"][0]["replacements"],
+                      live[i]["fixes"][0]["artifactChanges"][0]["replacements"]);
+        }
+    }
+    EXPECT_GT(columns, 5U);
+    EXPECT_GT(fixes, 2U);
+}
+
 TEST_F(SARIF, is_of_the_fixed_file_behind_a_fix)
 {
     write_file("velmar.ini", "g=1 h=2\nmsg_sqlite = 7\n");

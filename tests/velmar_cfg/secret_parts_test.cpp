@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/support/isolated_test.h"
+#include "tools/velmar-cfg/settings/secrets_in_messages.h"
 
 namespace
 {
@@ -156,7 +157,8 @@ TEST(SECRETS_IN_MESSAGES, are_hidden_piece_by_piece)
         {"is 'abcd'", "abcd#e", "is '<4>'"},
         {"abc", "abc", "<3>"},
         {"aaaa", "aa", "aaaa"},
-        {"aaaaa", "aaaa", "<4>a"},
+        {"aaaaa", "aaaa", "<5>"}, // of both places
+        {"aaaaaxaaaa", "aaaa", "<5>x<4>"},
         {"abcd and efgh", "\"abcd[efgh]\"", "<4> and <4>"},
         {"abcd[efgh", " abcd [ efgh ", "<4>[<4>"},
         {"abcd", "[]\"\"", "abcd"},
@@ -190,6 +192,49 @@ TEST(SHORT_SECRETS_OF_OTHERS_TEXTS, are_hidden_where_they_stand_apart)
         EXPECT_EQ(sized(hide_in_text(text, "abc", secrets, SHORT_SECRETS::APART)), hidden) << text;
 }
 
+// Several at once are hidden as each would be alone, in whatever order they are known.
+TEST(SECRETS_IN_MESSAGES, are_hidden_together)
+{
+    struct ROW
+    {
+        std::vector<SECRET_TEXT> secrets;
+        const char* text;
+        const char* hidden;
+    };
+    const ROW rows[] = {
+        {{}, "abcd", "abcd"},
+        {{{""}, {" "}, {"[]"}}, "abcd [] ", "abcd [] "},
+        {{{"abcd"}, {"efgh"}}, "abcdefgh abcd efgh", "<4><4> <4> <4>"},
+        {{{"abcd"}, {"bcdef"}, {"efgh"}}, "abcdefgh.", "<8>."}, // a chain of three
+        {{{"abcd"}, {"bcdef"}, {"efgh"}}, "xabcdx.bcdefx.efgh", "x<4>x.<5>x.<4>"},
+        {{{"xabcdefx"}, {"bcde"}, {"abcd"}}, "xabcdefx xabcdef", "<8> x<5>f"}, // one in another
+        {{{"cdef"}, {"abcdefg"}}, "abcdefg", "<7>"},
+        {{{"abcde"}, {"abcd"}, {"abcdef"}}, "abcd abcde abcdef", "<4> <5> <6>"},
+        {{{"ab"}, {"a b"}, {"a"}}, "it is 'ab', 'a b', 'a': b", "it is '<2>', '<3>', '<1>': b"},
+        {{{"ab"}, {"xx ab yy"}}, "xx ab yy; 'ab' ab", "<8>; '<2>' ab"}, // a short one within a long one
+        {{{"abcd"}, {"ab"}}, "abcd'ab'abcd", "<4>'<2>'<4>"},
+        {{{"abcd", "x="}, {"efgh"}}, "x=abcd abcd efgh", "x=<4> abcd <4>"},
+    };
+    SECRETS secrets;
+    for (ROW row : rows)
+    {
+        EXPECT_EQ(sized(SECRET_TEXTS(row.secrets, secrets).hide_in(row.text)), row.hidden) << row.text;
+        std::ranges::reverse(row.secrets);
+        EXPECT_EQ(sized(SECRET_TEXTS(row.secrets, secrets).hide_in(row.text)), row.hidden) << row.text;
+    }
+}
+
+// A mark tells whether two texts are the same: one that hides a whole secret is that secret's.
+TEST(SECRETS_IN_MESSAGES, have_the_marks_of_the_whole_secret)
+{
+    SECRETS secrets;
+    const std::string long_one(200, 'x');
+    const SECRET_TEXTS texts({{"abcd"}, {"cdef"}, {long_one}}, secrets);
+    EXPECT_EQ(texts.hide_in("abcd"), secrets.mark("abcd"));
+    EXPECT_EQ(texts.hide_in("abcdef"), secrets.mark("abcdef"));
+    EXPECT_EQ(texts.hide_in("'" + long_one.substr(0, 100) + "...'"), "'" + secrets.mark(long_one) + "'");
+}
+
 TEST(TYPED_VALUES, are_hidden_with_their_secret_names)
 {
     struct ROW
@@ -209,6 +254,8 @@ TEST(TYPED_VALUES, are_hidden_with_their_secret_names)
         {"no 'token:12'", "token:12", "no 'token:12'"},
         {"no 'h:/?token=abcd'", "h:/?token=abcd", "no 'h:/?token=<4>'"},
         {"no 'token'", "token", "no 'token'"},
+        {"no 'token= ab'", "token= ab", "no 'token=<3>'"},
+        {"no 'token= abcd '", "token= abcd ", "no 'token=<6>'"},
     };
     SECRETS secrets;
     const auto is_secret = [&secrets](std::string_view name) { return secrets.is_secret_name(name); };

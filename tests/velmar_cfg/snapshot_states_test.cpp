@@ -300,10 +300,11 @@ TEST_F(SNAPSHOT_STATES, are_asked_for_their_lines_and_compared_by_their_rows)
     write_file("taken.json", document.dump());
     EXPECT_EQ(run({"get", "a", "--of", "taken.json"}).out, "2\n");
     EXPECT_EQ(run({"diff", "taken.json", "project", "--regtest"}).exit_code, 0);
-    // Each reads what it needs, and no more.
+    // Each reads what it needs, and no more: a comparison the lines only to tell which files hold secrets.
     document["lines"] = "none";
     write_file("taken.json", document.dump());
-    EXPECT_EQ(run({"diff", "taken.json", "project", "--regtest"}).exit_code, 0);
+    EXPECT_EQ(run({"diff", "taken.json", "project", "--regtest"}).exit_code, 3);
+    EXPECT_EQ(run({"--with-secrets", "diff", "taken.json", "project", "--regtest"}).exit_code, 0);
     EXPECT_EQ(run({"get", "a", "--of", "taken.json"}),
               (TOOL_RUN{3, "", "velmar-cfg: taken.json: .lines is no list; have the file written again\n"}));
 }

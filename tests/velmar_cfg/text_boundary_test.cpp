@@ -19,6 +19,7 @@
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/secrets.h"
+#include "tools/velmar-cfg/settings/secrets_in_messages.h"
 
 namespace
 {

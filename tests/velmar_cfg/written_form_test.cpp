@@ -199,8 +199,11 @@ TEST(FORMS, of_names_assignments_and_separators)
     EXPECT_TRUE(looks_like_a_name("a_1"));
     for (const char* const text : {"", "a b", "a.b", "\xc3\xa9"})
         EXPECT_FALSE(looks_like_a_name(text)) << text;
-    EXPECT_TRUE(looks_like_an_assignment(" a = 1 # x"));
-    for (const char* const text : {"", "a", "a=", "was a = 1", "# a=1", "=12"})
+    for (const char* const text :
+         {" a = 1 # x", "a= ", "a =", " a=", "a=#", "a=;b=1", "\ta\v=1", "a==", "9=1", "ab=", "a=\r"})
+        EXPECT_TRUE(looks_like_an_assignment(text)) << text;
+    for (const char* const text :
+         {"", "a", "a=", "was a = 1", "# a=1", "=12", "=", " = 1", "a;b=1", "a:=1", "abc", "a#=1"})
         EXPECT_FALSE(looks_like_an_assignment(text)) << text;
     EXPECT_TRUE(mixes_separators("a:b;c"));
     EXPECT_TRUE(mixes_separators(";:"));

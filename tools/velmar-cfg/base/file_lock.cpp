@@ -61,15 +61,17 @@ bool FILE_LOCK::try_to_lock()
         return make_locked();
     if (opened < 0 && errno == ELOOP)
         fail_to_write(path, "is a link, where velmar-cfg keeps its lock; remove it");
+    const int problem = errno;
     struct stat found;
-    if (opened < 0 && errno == EACCES && fstatat(place.directory(), name.c_str(), &found, AT_SYMLINK_NOFOLLOW) == 0)
+    if (opened < 0 && problem == EACCES)
     {
-        is_barred = true;
-        return false;
+        is_barred = fstatat(place.directory(), name.c_str(), &found, AT_SYMLINK_NOFOLLOW) == 0;
+        if (is_barred || errno == ENOENT) // gone meanwhile
+            return false;
     }
-    const bool is_other_than_file = errno == EISDIR || errno == ENXIO; // a directory, a socket
+    const bool is_other_than_file = problem == EISDIR || problem == ENXIO; // a directory, a socket
     if (opened < 0 && !is_other_than_file)
-        fail_to_write(path, std::strerror(errno));
+        fail_to_write(path, std::strerror(problem));
     OPEN_FILE existing(opened);
     if (opened < 0 || fstat(opened, &found) != 0 || !S_ISREG(found.st_mode))
         fail_to_write(path, "is no file, where velmar-cfg keeps its lock; remove it");

@@ -98,7 +98,10 @@ bool FILE_PLACE::is_no_link(const std::string& name) const
 void FILE_PLACE::walk(const std::string& path)
 {
     const bool absolute = path.starts_with('/');
-    directory_path = absolute ? "/" : std::filesystem::current_path().string();
+    std::error_code error;
+    directory_path = absolute ? "/" : std::filesystem::current_path(error).string();
+    if (error)
+        fail_to_write(path, "the current directory cannot be told: " + error.message() + "; give an absolute path");
     OPEN_FILE start(open(absolute ? "/" : ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
     opened.swap(start);
     std::deque<std::string> rest = components_of(path);

@@ -34,7 +34,7 @@ struct JSON_PLACE
 class JSON_NODE
 {
 public:
-    // `path_of_tree` says where in the document of that file the tree's value stands: ".variables[3]".
+    // `of_tree` says where in which document the tree's value stands.
     JSON_NODE(const JSON_TREE& of_values, JSON_TREE::INDEX its_index, const JSON_PLACE& of_tree)
         : tree(&of_values), index(its_index), place(&of_tree)
     {

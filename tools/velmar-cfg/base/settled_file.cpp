@@ -56,12 +56,14 @@ std::optional<struct stat> state_at(const FILE_PLACE& place)
     throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, place.path() + ": " + std::strerror(errno) + "; check the path");
 }
 
+// Nanoseconds count up to 292 years, and a file may be dated further from now: an hour is enough either way.
 std::chrono::nanoseconds since_last_write(const struct stat& state)
 {
+    constexpr time_t hour = 3600;
     struct timespec now;
     clock_gettime(CLOCK_REALTIME, &now);
-    return std::chrono::seconds(now.tv_sec - state.st_mtim.tv_sec) +
-           std::chrono::nanoseconds(now.tv_nsec - state.st_mtim.tv_nsec);
+    const time_t written = std::clamp(state.st_mtim.tv_sec, now.tv_sec - hour, now.tv_sec + hour);
+    return std::chrono::seconds(now.tv_sec - written) + std::chrono::nanoseconds(now.tv_nsec - state.st_mtim.tv_nsec);
 }
 
 // `path` is for the error of a disk that fails.

@@ -22,6 +22,7 @@
 #include "tools/velmar-cfg/commands/help.h"
 #include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
+#include "tools/velmar-cfg/settings/secrets_in_messages.h"
 
 namespace
 {

@@ -29,7 +29,7 @@ void write_line(const FINDING& finding, OUTPUT& out)
 }
 }
 
-FINDINGS_OUTPUT::FINDINGS_OUTPUT(FINDINGS_OPTIONS the_options, TOOL& the_tool)
+FINDINGS_OUTPUT::FINDINGS_OUTPUT(FINDINGS_OPTIONS the_options, CHECKED_TEXTS texts, TOOL& the_tool)
     : options(std::move(the_options)), tool(the_tool)
 {
     if (options.format == FINDINGS_FORMAT::JSON)
@@ -38,7 +38,7 @@ FINDINGS_OUTPUT::FINDINGS_OUTPUT(FINDINGS_OPTIONS the_options, TOOL& the_tool)
         json->begin_list();
     }
     else if (options.format == FINDINGS_FORMAT::SARIF)
-        sarif.emplace(tool);
+        sarif.emplace(std::move(texts), tool);
 }
 
 void FINDINGS_OUTPUT::write(const FINDING& finding)

@@ -30,7 +30,8 @@ struct FINDINGS_OPTIONS
 class FINDINGS_OUTPUT
 {
 public:
-    FINDINGS_OUTPUT(FINDINGS_OPTIONS the_options, TOOL& the_tool);
+    // All that findings may be of.
+    FINDINGS_OUTPUT(FINDINGS_OPTIONS the_options, CHECKED_TEXTS texts, TOOL& the_tool);
 
     void write(const FINDING& finding);
 

@@ -10,6 +10,7 @@
 #include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/preferences/library_preferences.h"
+#include "tools/velmar-cfg/settings/secrets_in_messages.h"
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/typed_answer.h"
 #include "tools/velmar-cfg/settings/typed_value.h"

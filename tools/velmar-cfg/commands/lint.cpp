@@ -64,11 +64,17 @@ public:
 
     void add_settings(LAYERS layers)
     {
+        for (const LAYER& layer : layers)
+        {
+            if (is_file(layer.kind))
+                texts.push_back(layer.source);
+        }
         checks.emplace_back([layers = std::move(layers)](const TAKE& take) { lint_settings(layers, take); });
     }
 
     void add_preferences(std::shared_ptr<const INPUT_FILE> file)
     {
+        texts.push_back(file);
         checks.emplace_back([file = std::move(file), &secrets = *tool.options.scope.secrets](const TAKE& take)
                             { lint_preferences(*file, secrets, take); });
     }
@@ -81,7 +87,7 @@ public:
 
     EXIT_CODE run(const FINDINGS_OPTIONS& options) const
     {
-        FINDINGS_OUTPUT output(options, tool);
+        FINDINGS_OUTPUT output(options, texts, tool);
         for (const std::function<void(const TAKE&)>& check : checks)
             check([&output](const FINDING& finding) { output.write(finding); });
         return output.finish();
@@ -90,6 +96,7 @@ public:
 private:
     TOOL& tool;
     std::vector<std::function<void(const TAKE&)>> checks;
+    CHECKED_TEXTS texts;
 };
 
 struct REASON_GROUP
@@ -148,11 +155,11 @@ std::vector<std::string> each_once(const std::vector<std::string>& files)
 // Listing the reasons goes with nothing that says what to check or how.
 void require_only_list(const LINT_OPTIONS& options)
 {
-    if (!options.list_reasons ||
-        (options.files.empty() && !options.fix && !options.state.of && !options.strict && options.ignored.empty()))
-        return;
-    throw TOOL_ERROR(EXIT_CODE::USAGE, "--list-reasons checks nothing: files, --fix, --of, --strict and --ignore "
-                                       "exclude it");
+    const bool checks = !options.files.empty() || options.fix || options.state.of || !options.state.what_if.empty();
+    const bool shows = options.strict || !options.ignored.empty() || options.format != "text";
+    if (options.list_reasons && (checks || shows))
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "--list-reasons checks nothing: files, --fix, --of, --with, --without, "
+                                           "--strict, --ignore and --format sarif exclude it");
 }
 
 EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)

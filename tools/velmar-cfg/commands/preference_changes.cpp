@@ -4,11 +4,10 @@
 // secret names anywhere in the file. In a difference they are hidden wherever they stand in either text, since a line
 // that shows what another hides would tell the secret.
 //
-// Cost: the plan, and for each text that is shown a search for every secret of the file.
+// Cost: the plan, and for each text that is shown one search for all secrets of the file.
 #include "tools/velmar-cfg/commands/preference_changes.h"
 
 #include <algorithm>
-#include <map>
 #include <span>
 #include <string_view>
 
@@ -18,6 +17,7 @@
 #include "tools/velmar-cfg/commands/diagnostics.h"
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
+#include "tools/velmar-cfg/settings/secrets_in_messages.h"
 
 namespace
 {
@@ -48,32 +48,24 @@ void write_fields(JSON_WRITER& out, const PREFERENCE_OPTIONS& options, const EDI
 class SHOWN_REASONS
 {
 public:
-    SHOWN_REASONS(std::string_view text_of_file, SECRETS& the_secrets) : text(text_of_file), secrets(the_secrets) {}
+    SHOWN_REASONS(std::string_view text_of_file, SECRETS& secrets)
+        : known_secrets(secrets_of_preference_text(text_of_file, secrets), secrets, SHORT_SECRETS::APART)
+    {
+    }
 
-    std::string of(const LOST_LINE& line)
+    std::string of(const LOST_LINE& line) const
     {
         // A bracket may have made a section of a piece of a secret, of which no part is to be left by a cut.
         if (line.reason != LOSS::BRACKET_IN_VALUE && line.section_in_its_place.empty())
             return loss_as_text(line);
         LOST_LINE shown = line;
         for (std::string* const section : {&shown.section, &shown.section_in_its_place})
-            *section = hidden(*section);
+            *section = known_secrets.hide_in(*section);
         return loss_as_text(shown);
     }
 
 private:
-    // The whole file is searched for secrets, so once for all lines of a section.
-    const std::string& hidden(const std::string& section)
-    {
-        const auto [found, is_new] = hidden_sections.try_emplace(section);
-        if (is_new)
-            found->second = hide_in_message(section, text, "", "", secrets, SHORT_SECRETS::APART);
-        return found->second;
-    }
-
-    const std::string_view text;
-    SECRETS& secrets;
-    std::map<std::string, std::string> hidden_sections; // by the section as it is
+    const SECRET_TEXTS known_secrets;
 };
 
 // Of very many lines only the first, where all can be seen elsewhere: in the JSON of this run, or of a dry run as long
@@ -88,7 +80,7 @@ void complain_of_lost_lines(const EDITED_FILE& file, const PREFERENCE_OPTIONS& o
     complain(file.path + ": lines that " + (are_gone ? "were not" : "would not be") +
              " kept as they were: " + std::to_string(lost.size()));
     const std::size_t shown = are_gone && !json ? lost.size() : std::min(lost.size(), enough);
-    SHOWN_REASONS reasons(file.before, secrets);
+    const SHOWN_REASONS reasons(file.before, secrets);
     for (const LOST_LINE& line : std::span(lost).first(shown))
         complain("line " + std::to_string(line.number) + ": " + in_single_quotes(line.text) + ": " + reasons.of(line));
     if (shown < lost.size())
@@ -100,19 +92,31 @@ void complain_of_lost_lines(const EDITED_FILE& file, const PREFERENCE_OPTIONS& o
 // Both are treated alike, since a line that is shown as it was and hidden as it is would tell the secret.
 std::string shown_difference(const EDITED_FILE& file, SECRETS& secrets)
 {
+    const SECRET_TEXTS known_secrets(secrets_of_preference_text(file.before, secrets), secrets, SHORT_SECRETS::APART);
     const auto hidden = [&](const std::string& text)
-    {
-        return hide_in_message(hide_in_preference_text(text, secrets).value_or(text), file.before, "", "", secrets,
-                               SHORT_SECRETS::APART);
-    };
+    { return known_secrets.hide_in(hide_in_preference_text(text, secrets).value_or(text)); };
     return unified_diff(hidden(file.before), hidden(file.plan.after), file.path, file.path + " (new)");
+}
+
+void add_secrets_of_changes(const std::vector<PREFERENCE_CHANGE>& changes, const SECRETS& secrets,
+                            std::vector<SECRET_TEXT>& to)
+{
+    for (const PREFERENCE_CHANGE& change : changes)
+    {
+        if (change.value)
+            add_secret_of_preference(cfg_get_user_ini_ini_string(change.number), *change.value, secrets, to);
+    }
 }
 
 // Makes the changes. What is told of values goes to terminals and logs: no secret is in it.
 EDITED_FILE edited(const std::vector<PREFERENCE_CHANGE>& changes, const PREFERENCE_OPTIONS& options, SECRETS& secrets)
 {
-    const auto hide = [&](std::string& message, std::string_view text)
-    { message = hide_in_message(hide_in_message(message, changes, secrets), text, "", "", secrets); };
+    const auto known_secrets = [&](std::string_view text)
+    {
+        std::vector<SECRET_TEXT> known = secrets_of_preference_text(text, secrets);
+        add_secrets_of_changes(changes, secrets, known);
+        return SECRET_TEXTS(known, secrets);
+    };
     // Another file is changed than the user named.
     if (const std::string remark = preference_file_location().remark; !remark.empty())
         complain(hide_in_value("", remark, secrets));
@@ -120,20 +124,20 @@ EDITED_FILE edited(const std::vector<PREFERENCE_CHANGE>& changes, const PREFEREN
     {
         EDITED_FILE file = options.dry_run ? try_preference_changes(changes, options.permissions, options.patience())
                                            : change_preferences(changes, options.permissions, options.patience());
+        const SECRET_TEXTS known = known_secrets(file.before);
         for (std::string& warning : file.plan.warnings)
-            hide(warning, file.before);
+            warning = known.hide_in(warning);
         for (std::string& other_value : file.plan.other_values)
-            hide(other_value, file.before);
-        hide(file.refusal, file.before);
+            other_value = known.hide_in(other_value);
+        file.refusal = known.hide_in(file.refusal);
         for (LOST_LINE& line : file.plan.lost)
             line.text = hide_in_preference_text(line.text, secrets).value_or(line.text);
         return file;
     }
     catch (const TOOL_ERROR& error)
     {
-        std::string message = error.what();
-        hide(message, read_whole_file(preference_file_location().path).bytes);
-        throw TOOL_ERROR(error.exit_code, message);
+        const std::string bytes = read_whole_file(preference_file_location().path).bytes;
+        throw TOOL_ERROR(error.exit_code, known_secrets(bytes).hide_in(error.what()));
     }
 }
 }
@@ -191,10 +195,9 @@ std::optional<std::string> shown_value(const PREFERENCE_CHANGE& change, SECRETS&
     return hide_in_preference(cfg_get_user_ini_ini_string(change.number), *change.value, secrets);
 }
 
-std::string hide_in_message(std::string message, const std::vector<PREFERENCE_CHANGE>& changes, SECRETS& secrets)
+std::string hide_in_message(const std::string& message, const std::vector<PREFERENCE_CHANGE>& changes, SECRETS& secrets)
 {
-    for (const PREFERENCE_CHANGE& change : changes)
-        message = hide_in_message(message, "", cfg_get_user_ini_ini_string(change.number), change.value.value_or(""),
-                                  secrets);
-    return message;
+    std::vector<SECRET_TEXT> known;
+    add_secrets_of_changes(changes, secrets, known);
+    return SECRET_TEXTS(known, secrets).hide_in(message);
 }

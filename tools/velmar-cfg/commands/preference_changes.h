@@ -30,6 +30,7 @@ void make_preference_changes(const std::vector<PREFERENCE_CHANGE>& changes, cons
 std::optional<std::string> shown_value(const PREFERENCE_CHANGE& change, SECRETS& secrets);
 
 // A message about the changes with the secret values in them hidden.
-std::string hide_in_message(std::string message, const std::vector<PREFERENCE_CHANGE>& changes, SECRETS& secrets);
+std::string hide_in_message(const std::string& message, const std::vector<PREFERENCE_CHANGE>& changes,
+                            SECRETS& secrets);
 
 #endif

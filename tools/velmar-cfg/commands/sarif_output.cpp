@@ -1,15 +1,16 @@
 // Writes SARIF as a stream. The rules stand at the beginning, since findings refer to them by number: all reasons are
 // listed, whether they occur or not, and a finding's number is found by a binary search.
 //
-// SARIF counts columns in characters, findings count bytes. The line of a finding is therefore searched for in the file
-// as it was read, from the line that was looked for last. Findings come in the order of their lines, so that a file is
-// walked through once; one that goes back begins at the start.
+// SARIF counts columns in characters, findings count bytes. The line of a finding is therefore searched for, from the
+// line that was looked for last: in the file as it was read, or in the text that a document has of it. Findings come in
+// the order of their lines, so that a file is walked through once; one that goes back begins at the start.
 //
 // Cost: O(n) time for a file of n bytes, and the lines with findings once more. Only the place of the last line is
 // kept.
 #include "tools/velmar-cfg/commands/sarif_output.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/input_file.h"
@@ -44,6 +45,21 @@ std::size_t characters_in(std::string_view bytes)
         bytes.remove_prefix(std::max<std::size_t>(1, first_character(bytes).length));
     return count;
 }
+
+// The characters before the offset of a line, in which parts may be hidden. The offset is that before they were; of a
+// hidden part each byte is one.
+std::size_t characters_before(std::size_t offset, std::string_view line)
+{
+    std::size_t count = 0;
+    TEXT_PARTS parts(line);
+    for (TEXT_PART part{}; offset > 0 && parts.next(part);)
+    {
+        const std::size_t size = std::min(part.hidden ? hidden_part(part.text).size : part.text.size(), offset);
+        count += part.hidden ? size : characters_in(part.text.substr(0, size));
+        offset -= size;
+    }
+    return count;
+}
 }
 
 std::string path_as_uri(const std::string& path)
@@ -64,7 +80,8 @@ std::string path_as_uri(const std::string& path)
     return uri;
 }
 
-SARIF_OUTPUT::SARIF_OUTPUT(TOOL& the_tool) : tool(the_tool), out(the_tool.out)
+SARIF_OUTPUT::SARIF_OUTPUT(CHECKED_TEXTS checked_texts, TOOL& the_tool)
+    : texts(std::move(checked_texts)), tool(the_tool), out(the_tool.out)
 {
     out.begin_object();
     out.field("$schema", schema);
@@ -178,7 +195,7 @@ void SARIF_OUTPUT::write_location(const FINDING& finding)
             out.field("startLine", *finding.line);
             const std::optional<std::string_view> line = line_of(finding);
             if (line && finding.column)
-                out.field("startColumn", characters_in(line->substr(0, *finding.column - 1)) + 1);
+                out.field("startColumn", characters_before(*finding.column - 1, *line) + 1);
             out.end_object();
         }
         out.end_object();
@@ -194,7 +211,7 @@ void SARIF_OUTPUT::write_fix(const FINDING& finding)
         !is_utf_8(*finding.replacement))
         return;
     std::optional<std::string_view> line = line_of(finding);
-    if (!line)
+    if (!line || has_hidden_parts(*line))
         return;
     std::string_view text = *finding.replacement;
     if (ends_with_carriage_return_and_newline(*line) && text.ends_with('\r'))
@@ -237,12 +254,20 @@ bool SARIF_OUTPUT::ends_with_carriage_return_and_newline(std::string_view line) 
     return line.ends_with('\r') && offset + line.size() < file->bytes.size();
 }
 
-// The line as it stands in the file, without the newline; nothing when the file does not have it.
+std::shared_ptr<const INPUT_FILE> SARIF_OUTPUT::file_of(const FINDING& finding) const
+{
+    if (std::shared_ptr<const INPUT_FILE> read = tool.files.find(finding.file); read != nullptr)
+        return read;
+    const auto checked = std::ranges::find(texts, finding.file, [](const auto& text) { return text->path; });
+    return checked == texts.end() ? nullptr : *checked;
+}
+
+// The line as it stands in the text, without the newline; nothing when the file does not have it.
 std::optional<std::string_view> SARIF_OUTPUT::line_of(const FINDING& finding)
 {
     if (file == nullptr || file->path != finding.file || *finding.line < number)
     {
-        file = tool.files.find(finding.file);
+        file = file_of(finding);
         number = 1;
         offset = 0;
     }

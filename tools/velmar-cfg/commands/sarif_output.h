@@ -7,19 +7,23 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/lint/finding.h"
 
+// The texts that findings are of, with secrets hidden.
+using CHECKED_TEXTS = std::vector<std::shared_ptr<const INPUT_FILE>>;
+
 // Writes one document with one run, of which every reason is a rule. Findings are written as they come; nothing is kept
-// of them. Columns are counted in characters of UTF-8 and, where bytes are none, in bytes. A fix stands behind a
-// finding whose replacement is text without secrets.
+// of them. Columns are counted in characters of UTF-8 and, where bytes are none or are hidden in a document, in bytes.
+// A fix stands behind a finding whose replacement is text without secrets.
 class SARIF_OUTPUT
 {
 public:
-    explicit SARIF_OUTPUT(TOOL& the_tool);
+    SARIF_OUTPUT(CHECKED_TEXTS checked_texts, TOOL& the_tool);
 
     void write(const FINDING& finding);
 
@@ -32,9 +36,11 @@ private:
     void write_fix(const FINDING& finding);
     void write_artifact_location(const std::string& path);
     void write_standard_input();
+    std::shared_ptr<const INPUT_FILE> file_of(const FINDING& finding) const;
     std::optional<std::string_view> line_of(const FINDING& finding);
     bool ends_with_carriage_return_and_newline(std::string_view line) const;
 
+    const CHECKED_TEXTS texts;
     TOOL& tool;
     JSON_WRITER out;
     bool names_standard_input = false; // in a location

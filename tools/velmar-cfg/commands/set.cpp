@@ -19,6 +19,7 @@
 #include "tools/velmar-cfg/settings/change_effect.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
 #include "tools/velmar-cfg/settings/secrets.h"
+#include "tools/velmar-cfg/settings/secrets_in_messages.h"
 #include "tools/velmar-cfg/settings/settings_difference.h"
 #include "tools/velmar-cfg/settings/settings_edit.h"
 

@@ -9,10 +9,13 @@
 
 namespace
 {
+// Neither file is ever empty.
 std::string content_of(const char* path)
 {
     std::ostringstream bytes;
-    bytes << std::ifstream(path).rdbuf();
+    bytes << std::ifstream(path, std::ios::binary).rdbuf();
+    if (!bytes)
+        throw std::runtime_error(std::string(path) + ": cannot be read, or is empty");
     return std::move(bytes).str();
 }
 

@@ -10,7 +10,7 @@
 //
 // A report that cannot be read becomes a problem, and the others are read all the same. Cost for n rows in all reports,
 // which are all kept: O(n) expected time and O(n) memory, and O(n log n) where rows or names are sorted.
-// dependence_on() takes time O(n) for a report of n rows.
+// dependence_on() takes time O(n) for a report of n rows; DEPENDENCES, which answers for many names, takes it once.
 #include "tools/velmar-cfg/documents/run_reports.h"
 
 #include <algorithm>
@@ -22,7 +22,6 @@
 #include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/json_reader.h"
-#include "tools/velmar-cfg/settings/variable_name.h"
 
 namespace
 {
@@ -322,6 +321,27 @@ DEPENDENCE dependence_on(const std::string& name, const RUN_REPORT& report)
     if (has_name(report.uncounted, name))
         return {DEPENDENCE::KIND::PERHAPS, 0, std::nullopt};
     return {};
+}
+
+DEPENDENCES::DEPENDENCES(const RUN_REPORT& report)
+{
+    // The first of the lists that has the variable decides.
+    for (const auto& variable : report.read)
+        kinds.try_emplace(variable.name, DEPENDENCE::KIND::READ);
+    for (const auto& variable : report.external_never_read)
+        kinds.try_emplace(variable.name, DEPENDENCE::KIND::NEVER_READ);
+    for (const std::string& name : report.asked_once)
+        kinds.try_emplace(name, DEPENDENCE::KIND::ASKED_ONCE);
+    for (const std::string& name : report.set_never_read)
+        kinds.try_emplace(name, DEPENDENCE::KIND::NEVER_READ);
+    for (const std::string& name : report.uncounted)
+        kinds.try_emplace(name, DEPENDENCE::KIND::PERHAPS);
+}
+
+DEPENDENCE::KIND DEPENDENCES::on(const std::string& name) const
+{
+    const auto found = kinds.find(name);
+    return found == kinds.end() ? DEPENDENCE::KIND::UNKNOWN : found->second;
 }
 
 bool may_depend(DEPENDENCE::KIND kind)

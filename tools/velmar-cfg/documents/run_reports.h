@@ -12,6 +12,7 @@
 #include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/secrets.h"
+#include "tools/velmar-cfg/settings/variable_name.h"
 
 // A file or a text that was applied in the run, as it was then.
 struct RUN_SOURCE
@@ -153,6 +154,18 @@ const char* dependence_word(DEPENDENCE::KIND kind);
 
 // Names are equal as in the store.
 DEPENDENCE dependence_on(const std::string& name, const RUN_REPORT& report);
+
+// The same for many names.
+class DEPENDENCES
+{
+public:
+    explicit DEPENDENCES(const RUN_REPORT& report);
+
+    DEPENDENCE::KIND on(const std::string& name) const;
+
+private:
+    BY_VARIABLE_NAME<DEPENDENCE::KIND> kinds; // of what the run came across
+};
 
 // How several runs stand to one variable.
 struct SWITCH_USE

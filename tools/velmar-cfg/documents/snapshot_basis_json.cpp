@@ -171,6 +171,13 @@ void SNAPSHOT_BASIS_READER::take_line(const JSON_NODE& row)
     texts.back().bytes.append(hidden).append(1, '\n');
 }
 
+std::optional<std::string> SNAPSHOT_BASIS_READER::role_of_secret_line(const JSON_NODE& row)
+{
+    std::string role = row.member("of").text();
+    return has_hidden_parts(hidden_line(role, row.member("text").text(), secrets)) ? std::optional(std::move(role))
+                                                                                   : std::nullopt;
+}
+
 std::shared_ptr<const INPUT_FILE> SNAPSHOT_BASIS_READER::file_of(const JSON_NODE& row, std::size_t role)
 {
     auto file = std::make_shared<INPUT_FILE>();

@@ -26,6 +26,10 @@ public:
     // The next row of "lines".
     void take_line(const JSON_NODE& row);
 
+    // For lines that are not taken: the role of the source of a row of "lines" that shows a secret; nothing for
+    // another.
+    std::optional<std::string> role_of_secret_line(const JSON_NODE& row);
+
     // To be called once, when all lines have been taken. The files are those of the document.
     SNAPSHOT_BASIS finish(const JSON_NODE& root, const std::vector<SNAPSHOT_FILE>& files);
 

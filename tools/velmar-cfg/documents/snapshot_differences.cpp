@@ -437,8 +437,9 @@ void keep_sections(SNAPSHOT_DIFFERENCES& differences, const std::vector<std::str
 
 void keep_what_the_run_read(SNAPSHOT_DIFFERENCES& differences, const RUN_REPORT& run)
 {
-    const auto dependence_of_run_on = [&run](const std::string& name)
-    { return dependence_on(run.version == 1 ? as_in_version_1(name) : name, run).kind; };
+    const DEPENDENCES dependences(run);
+    const auto dependence_of_run_on = [&](const std::string& name)
+    { return dependences.on(run.version == 1 ? as_in_version_1(name) : name); };
     std::vector<UNDECIDED_ROW> undecided = std::move(differences.undecided);
     std::erase_if(undecided, [&](const UNDECIDED_ROW& row)
                   { return std::string_view(row.list) != "variables" || !may_depend(dependence_of_run_on(row.name)); });

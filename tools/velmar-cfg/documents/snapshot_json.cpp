@@ -6,7 +6,8 @@
 // missing.
 //
 // Secrets are hidden as values are read. The hash of a file that holds one is hidden too, and kept beside the mark for
-// comparisons only. Which files hold secrets is known from the variables, the preferences and the lines that were read.
+// comparisons only. Which files hold secrets is known from the variables, the preferences and the lines, which are
+// looked at for that also where they are not wanted.
 //
 // Invariants:
 // - No variable, preference or environment variable is there twice, and there is one file of each role.
@@ -132,13 +133,11 @@ SNAPSHOT_PREFERENCE read_preference(const JSON_NODE& row, SECRETS& secrets)
 
 // Hides the hashes of files that hold secrets, where the document was written with everything shown: the secrets could
 // be guessed until the hash fits. Such a document then compares like one that was written with secrets masked.
-void hide_hashes(SNAPSHOT& snapshot, const LAYER_SET& secret_layers, SECRETS& secrets)
+void hide_hashes(SNAPSHOT& snapshot, const LAYER_SET& secret_layers, bool secret_preferences, SECRETS& secrets)
 {
-    const auto is_secret_source = [](const SNAPSHOT_SOURCE& source)
-    { return source.role == preference_file_role && has_hidden_parts(source.file->bytes); };
-    const bool secret_preferences = std::ranges::any_of(snapshot.preferences, [](const SNAPSHOT_PREFERENCE& row)
-                                                        { return has_hidden_parts(row.value); }) ||
-                                    (snapshot.basis && std::ranges::any_of(snapshot.basis->sources, is_secret_source));
+    secret_preferences =
+        secret_preferences || std::ranges::any_of(snapshot.preferences, [](const SNAPSHOT_PREFERENCE& row)
+                                                  { return has_hidden_parts(row.value); });
     for (SNAPSHOT_FILE& file : snapshot.files)
     {
         const std::optional<LAYER_KIND> layer = layer_of_code(file.role);
@@ -225,20 +224,26 @@ DOCUMENT_FORMAT SNAPSHOT_READER::format()
     const JSON_ROWS variables = {
         "variables", [this](const JSON_NODE& row) { read_variable(row, snapshot.variables, secret_layers, secrets); },
         1, wanted.variables ? last : version_with_basis - 1};
-    const JSON_ROWS lines = {"lines", [this](const JSON_NODE& row) { basis.take_line(row); }, version_with_basis,
-                             wanted.lines ? last : version_with_basis - 1};
+    const bool lines_tell = wanted.lines || !secrets.shown();
+    const JSON_ROWS lines = {"lines", [this](const JSON_NODE& row) { take_line(row); }, version_with_basis,
+                             lines_tell ? last : version_with_basis - 1};
     return {snapshot_kind, {variables, lines}};
 }
 
-// A secret may stand on a line that lost, or in a comment.
-void SNAPSHOT_READER::note_secret_sources()
+void SNAPSHOT_READER::take_line(const JSON_NODE& row)
 {
-    for (const SNAPSHOT_SOURCE& source : snapshot.basis->sources)
-    {
-        const std::optional<LAYER_KIND> layer = layer_of_code(source.role);
-        if (layer && has_hidden_parts(source.file->bytes))
-            secret_layers.insert(*layer);
-    }
+    if (wanted.lines)
+        basis.take_line(row);
+    else if (const std::optional<std::string> role = basis.role_of_secret_line(row); role)
+        note_secret_source(*role);
+}
+
+// A secret may stand on a line that lost, or in a comment.
+void SNAPSHOT_READER::note_secret_source(const std::string& role)
+{
+    if (const std::optional<LAYER_KIND> layer = layer_of_code(role); layer)
+        secret_layers.insert(*layer);
+    secret_preferences = secret_preferences || role == preference_file_role;
 }
 
 SNAPSHOT SNAPSHOT_READER::finish(const JSON_DOCUMENT& document)
@@ -261,9 +266,13 @@ SNAPSHOT SNAPSHOT_READER::finish(const JSON_DOCUMENT& document)
     {
         snapshot.basis =
             wanted.lines ? basis.finish(root, snapshot.files) : SNAPSHOT_BASIS_READER::finish_without_lines(root);
-        note_secret_sources();
+        for (const SNAPSHOT_SOURCE& source : snapshot.basis->sources)
+        {
+            if (has_hidden_parts(source.file->bytes))
+                note_secret_source(source.role);
+        }
     }
-    hide_hashes(snapshot, secret_layers, secrets);
+    hide_hashes(snapshot, secret_layers, secret_preferences, secrets);
     return std::move(snapshot);
 }
 

@@ -68,13 +68,15 @@ public:
     SNAPSHOT finish(const JSON_DOCUMENT& document);
 
 private:
-    void note_secret_sources();
+    void take_line(const JSON_NODE& row);
+    void note_secret_source(const std::string& role);
 
     SECRETS& secrets;
     const SNAPSHOT_LISTS wanted;
     SNAPSHOT snapshot;
     SNAPSHOT_BASIS_READER basis;
-    LAYER_SET secret_layers; // those that assign to a hidden variable
+    LAYER_SET secret_layers;         // those that assign to a hidden variable, or have a secret on another line
+    bool secret_preferences = false; // the same of the preference file
 };
 
 // The snapshot of the file, with secrets hidden that it shows. Throws TOOL_ERROR(BAD_INPUT) for a file that is no

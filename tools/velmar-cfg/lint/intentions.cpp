@@ -12,8 +12,7 @@
 // - The functions call one another for parts of a line only. A line with more than 100 ";" is left alone, so that the
 //   calls do not nest deeper than that.
 //
-// Cost: O(n) time for a line of n bytes at each depth. An item is looked at again from each sign of the other separator
-// to its end.
+// Cost: O(n) time for a line of n bytes at each depth, and for an item.
 #include "tools/velmar-cfg/lint/intentions.h"
 
 #include <algorithm>

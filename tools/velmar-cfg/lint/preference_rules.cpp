@@ -55,7 +55,10 @@ private:
     static std::vector<std::string> all_names()
     {
         std::vector<std::string> sections;
-        const std::vector<std::string> versions = ver_get_all_versions();
+        // A host may forget the running release among those that it knows; the library reads its sections all the same.
+        std::vector<std::string> versions = ver_get_all_versions();
+        if (std::string running = ver_get_version(); std::ranges::find(versions, running) == versions.end())
+            versions.push_back(std::move(running));
         for (const CFG_USER_INI_ENUMS preference : all_preference_numbers())
         {
             const std::string bare = preference_triples(preference).front().section;

@@ -58,6 +58,11 @@ bool needs_no_quotes(std::string_view inner)
            without_outer_white(inner).size() == inner.size();
 }
 
+bool is_part_of_a_name(char c)
+{
+    return c == '_' || std::isalnum(static_cast<unsigned char>(c)) != 0;
+}
+
 // What stands before the first white space.
 std::string_view first_word(std::string_view text)
 {
@@ -110,9 +115,7 @@ std::vector<std::string_view> words_of(std::string_view text)
 
 bool looks_like_a_name(std::string_view text)
 {
-    return !text.empty() &&
-           std::ranges::all_of(text,
-                               [](char c) { return c == '_' || std::isalnum(static_cast<unsigned char>(c)) != 0; });
+    return !text.empty() && std::ranges::all_of(text, is_part_of_a_name);
 }
 
 bool mixes_separators(std::string_view text)
@@ -120,11 +123,17 @@ bool mixes_separators(std::string_view text)
     return text.find(';') != std::string_view::npos && text.find(':') != std::string_view::npos;
 }
 
+// Only the text up to its "=" is looked at: what follows may be long, and the question be asked of each of its parts.
 bool looks_like_an_assignment(std::string_view text)
 {
+    constexpr std::size_t shortest = 3; // of a line, so that the part is one too
+    const auto equals = std::ranges::find_if_not(text, [](char c) { return is_white(c) || is_part_of_a_name(c); });
+    if (equals == text.end() || *equals != '=')
+        return false;
+    const auto before = static_cast<std::size_t>(equals - text.begin());
     LINE_PARTS parts;
-    return outcome_of_line(text, parts) == OUTCOME::STORED &&
-           looks_like_a_name(without_outer_white(text.substr(0, text.find('='))));
+    return outcome_of_line(text.substr(0, std::max(before + 1, shortest)), parts) == OUTCOME::STORED &&
+           looks_like_a_name(without_outer_white(text.substr(0, before)));
 }
 
 // ---------------------------------------------------------------------------------------------------------------------

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <vector>
 
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/preferences/library_preferences.h"
@@ -145,22 +144,24 @@ std::optional<std::string> hide_in_preference_text(std::string_view text, SECRET
     return hidden;
 }
 
-std::string hide_in_message(std::string_view message, std::string_view text, std::string_view name,
-                            std::string_view value, SECRETS& secrets, SHORT_SECRETS of_short)
+void add_secret_of_preference(std::string_view name, std::string_view value, const SECRETS& secrets,
+                              std::vector<SECRET_TEXT>& to)
 {
-    std::string hidden(message);
     if (is_secret_preference_name(name, secrets) && !is_plain_value(value))
-        hidden = hide_in_text(hidden, value, secrets, of_short);
+        to.push_back({value});
+}
+
+std::vector<SECRET_TEXT> secrets_of_preference_text(std::string_view text, const SECRETS& secrets)
+{
+    std::vector<SECRET_TEXT> found;
     while (!text.empty())
     {
         const std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(std::min(line.size() + 1, text.size()));
-        const std::size_t equals = line.find('=');
-        if (equals != std::string_view::npos && is_secret_preference_name(trimmed(line.substr(0, equals)), secrets) &&
-            !is_plain_value(line.substr(equals + 1)))
-            hidden = hide_in_text(hidden, line.substr(equals + 1), secrets, of_short);
+        if (const std::size_t equals = line.find('='); equals != std::string_view::npos)
+            add_secret_of_preference(trimmed(line.substr(0, equals)), line.substr(equals + 1), secrets, found);
     }
-    return hidden;
+    return found;
 }
 
 std::string hide_in_preference(std::string_view name, std::string_view value, SECRETS& secrets)

@@ -6,8 +6,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/velmar-cfg/settings/secrets.h"
+#include "tools/velmar-cfg/settings/secrets_in_messages.h"
 
 // The name in any letter case.
 bool is_secret_preference_name(std::string_view name, const SECRETS& secrets);
@@ -16,9 +18,12 @@ bool is_secret_preference_name(std::string_view name, const SECRETS& secrets);
 // line without an assignment, what follows a secret name is hidden. Nothing when nothing is to be hidden.
 std::optional<std::string> hide_in_preference_text(std::string_view text, SECRETS& secrets);
 
-// A message about an edit of the file, with the secret values of its text and of the change hidden wherever they stand.
-std::string hide_in_message(std::string_view message, std::string_view text, std::string_view name,
-                            std::string_view value, SECRETS& secrets, SHORT_SECRETS of_short = SHORT_SECRETS::QUOTED);
+// Adds the value to the secrets that are to be hidden in messages about it, if it is one.
+void add_secret_of_preference(std::string_view name, std::string_view value, const SECRETS& secrets,
+                              std::vector<SECRET_TEXT>& to);
+
+// All secret values of the text of a preference file, as parts of it.
+std::vector<SECRET_TEXT> secrets_of_preference_text(std::string_view text, const SECRETS& secrets);
 
 // The value as it is to be shown.
 std::string hide_in_preference(std::string_view name, std::string_view value, SECRETS& secrets);

@@ -162,59 +162,6 @@ std::string hide_in_line(std::string_view line, SECRETS& secrets)
                                                    : hide_in_comment(comment, secrets));
 }
 
-bool is_apart(std::string_view text, std::size_t begin, std::size_t end)
-{
-    const auto is_end = [text](std::size_t at)
-    { return at >= text.size() || std::isalnum(static_cast<unsigned char>(text[at])) == 0; };
-    return is_end(begin - 1) && is_end(end);
-}
-
-// Whether that part of a message is a text of somebody else's: in quotes, behind a colon up to the end of a clause, or
-// all there is.
-bool is_quoted(std::string_view message, std::size_t begin, std::size_t end)
-{
-    const std::string_view before = message.substr(0, begin);
-    const std::string_view behind = message.substr(end);
-    if ((before.ends_with('\'') && behind.starts_with('\'')) || (before.ends_with('"') && behind.starts_with('"')))
-        return true;
-    return (before.empty() || before.ends_with(": ")) && (behind.empty() || behind.starts_with(';'));
-}
-
-// `text` with each `word` replaced by the mark. One that is short only where it stands alone: it may be part of any
-// other.
-std::string with_mark(std::string_view text, std::string_view word, const std::string& mark, SHORT_SECRETS of_short)
-{
-    constexpr std::size_t short_word = 4;
-    const auto stands_alone = of_short == SHORT_SECRETS::APART ? is_apart : is_quoted;
-    std::string result;
-    std::size_t end = 0; // of what is in the result
-    for (std::size_t at = text.find(word); at != std::string_view::npos; at = text.find(word, std::max(at + 1, end)))
-    {
-        if (word.size() < short_word && !stands_alone(text, at, at + word.size()))
-            continue;
-        result.append(text, end, at - end).append(mark);
-        end = at + word.size();
-    }
-    return result.append(text.substr(end));
-}
-
-// The message with the mark for each `word`, also where a quotation has cut that short. What is hidden already is not
-// looked into.
-std::string with_words_replaced(std::string message, std::string_view word, const std::string& mark,
-                                SHORT_SECRETS of_short)
-{
-    const std::string quotation = in_single_quotes(word);
-    for (const std::string_view one : {word, std::string_view(quotation).substr(1, quotation.size() - 2)})
-    {
-        std::string replaced;
-        TEXT_PARTS parts(message);
-        for (TEXT_PART part{}; parts.next(part);)
-            replaced += part.hidden ? std::string(part.text) : with_mark(part.text, one, mark, of_short);
-        message = std::move(replaced);
-    }
-    return message;
-}
-
 // --- Items of an inline text ---
 
 // Hides the secrets of an inline text, item by item.
@@ -439,43 +386,4 @@ std::string hide_in_value(std::string_view name, std::string_view value, SECRETS
         return hide_runs(value, kept, secrets);
     return secrets.may_hold_secret_name(value) ? hide_behind_names(value, true, names_of(secrets), secrets)
                                                : std::string(value);
-}
-
-std::string hide_typed_value(std::string_view message, std::string_view word, const IS_SECRET_NAME& is_secret,
-                             SECRETS& secrets)
-{
-    std::string hidden(message);
-    for (const char sign : {'=', ':'})
-    {
-        const std::string_view name = word.substr(0, word.find(sign));
-        if (name.size() < word.size() && is_secret(name) && !is_plain_value(word.substr(name.size() + 1)))
-        {
-            const std::string_view value = word.substr(name.size() + 1);
-            hidden = with_words_replaced(hidden, word, std::string(name) + sign + secrets.mark(value),
-                                         SHORT_SECRETS::QUOTED);
-            hidden = hide_in_text(hidden, value, secrets);
-        }
-    }
-    return hidden;
-}
-
-std::string hide_in_text(std::string_view text, std::string_view secret, SECRETS& secrets, SHORT_SECRETS of_short)
-{
-    constexpr std::string_view ends_of_pieces = "\"[]\n;#";
-    std::string message(text);
-    const auto hide = [&](std::string_view piece)
-    {
-        piece = without_outer_white_space(piece);
-        if (piece.empty())
-            return;
-        message = with_words_replaced(message, piece, secrets.mark(piece), of_short);
-    };
-    hide(secret);
-    while (!secret.empty())
-    {
-        const std::string_view piece = secret.substr(0, secret.find_first_of(ends_of_pieces));
-        hide(piece);
-        secret.remove_prefix(std::min(piece.size() + 1, secret.size()));
-    }
-    return message;
 }

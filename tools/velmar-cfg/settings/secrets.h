@@ -80,29 +80,12 @@ inline constexpr std::string_view kept_in_items = ":;";
 std::string hide_in_value(std::string_view name, std::string_view value, SECRETS& secrets,
                           std::string_view kept = kept_in_lines);
 
-// Where a text of up to three bytes, which may be part of anything, is taken for the secret.
-enum class SHORT_SECRETS
-{
-    QUOTED, // in quotes, behind a colon or alone: in the tool's own sentences, and beside paths
-    APART,  // between characters that are no letters and no digits: in what somebody else wrote
-};
-
-// A message with the secret hidden wherever it stands in it, also piece by piece and where a quotation cuts it short:
-// quotes, brackets, line ends and comment signs may have gone, or have made two texts of it.
-std::string hide_in_text(std::string_view text, std::string_view secret, SECRETS& secrets,
-                         SHORT_SECRETS of_short = SHORT_SECRETS::QUOTED);
-
 // --- For rules of other files ---
 
 // `text` with each run of characters that are none of `kept` hidden, white space at the runs' ends excepted.
 std::string hide_runs(std::string_view text, std::string_view kept, SECRETS& secrets);
 
 using IS_SECRET_NAME = std::function<bool(std::string_view)>;
-
-// A message about a word of the command line, with the value hidden that was typed together with a secret name, as in
-// "api_token=VALUE" or "api_token:VALUE".
-std::string hide_typed_value(std::string_view message, std::string_view word, const IS_SECRET_NAME& is_secret,
-                             SECRETS& secrets);
 
 // Where the first secret name in the text ends; npos when there is none.
 std::size_t end_of_secret_name(std::string_view text, const IS_SECRET_NAME& is_secret);

@@ -5,27 +5,28 @@
 // is made as well. Each word of its removed lines that belongs to a secret is then hidden wherever it stands in the
 // first difference. Nothing of the second one is shown.
 //
-// Cost: two differences where the old text holds a secret, else one, and a search of the first for each such word.
+// Cost: two differences where the old text holds a secret, else one, and one search of the first for all such words.
 #include "tools/velmar-cfg/settings/settings_difference.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <sstream>
 #include <string_view>
-#include <utility>
+#include <vector>
 
 #include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/unified_diff.h"
+#include "tools/velmar-cfg/base/word_search.h"
+#include "tools/velmar-cfg/settings/secrets_in_messages.h"
 
 namespace
 {
-std::string hidden_text(const std::string& text, SECRETS& secrets)
+std::string hidden_text(std::string_view text, SECRETS& secrets)
 {
-    return hide_in_settings_text(text, secrets).value_or(text);
+    return hide_in_settings_text(text, secrets).value_or(std::string(text));
 }
 
 // What of the text is shown once its secrets are hidden.
-std::string shown_part(const std::string& text, SECRETS& secrets)
+std::string shown_part(std::string_view text, SECRETS& secrets)
 {
     const std::string hidden = hidden_text(text, secrets);
     std::string shown;
@@ -38,19 +39,23 @@ std::string shown_part(const std::string& text, SECRETS& secrets)
     return shown;
 }
 
-// `text` with every word of `secret` hidden that does not stand in `shown`.
-std::string hide_words(std::string text, std::string_view secret, std::string_view shown, SECRETS& secrets)
+// The words of the removed line, in which a secret is, that may be part of that: they do not stand in `shown`.
+void add_words(std::string_view line, std::string_view shown, std::vector<SECRET_TEXT>& to)
 {
     constexpr std::string_view between_words = " \t\n\v\f\r=,;:\"'#";
-    for (std::size_t at = secret.find_first_not_of(between_words); at != std::string_view::npos;)
+    std::vector<std::string_view> words;
+    for (std::size_t at = line.find_first_not_of(between_words); at != std::string_view::npos;)
     {
-        const std::size_t end = std::min(secret.find_first_of(between_words, at), secret.size());
-        const std::string_view word = secret.substr(at, end - at);
-        if (shown.find(word) == std::string_view::npos && !is_plain_value(word))
-            text = hide_in_text(text, word, secrets, SHORT_SECRETS::APART);
-        at = secret.find_first_not_of(between_words, end);
+        const std::size_t end = std::min(line.find_first_of(between_words, at), line.size());
+        words.push_back(line.substr(at, end - at));
+        at = line.find_first_not_of(between_words, end);
     }
-    return text;
+    const std::vector<bool> are_shown = WORD_SEARCH(words).standing_in(shown);
+    for (std::size_t i = 0; i < words.size(); ++i)
+    {
+        if (!are_shown[i] && !is_plain_value(words[i]))
+            to.push_back({words[i]});
+    }
 }
 }
 
@@ -65,17 +70,19 @@ std::string shown_settings_difference(const FILE_EDIT& edit, SECRETS& secrets)
     // The names of both files are no part of it, and the first begins as a removed line does.
     const std::string heads = difference.substr(0, difference.find("@@ -"));
     difference.erase(0, heads.size());
-    std::istringstream open_difference(difference_of(edit.before, edit.after));
-    std::string line;
-    std::getline(open_difference, line);
-    while (std::getline(open_difference, line))
+    const std::string open_difference = difference_of(edit.before, edit.after);
+    std::vector<SECRET_TEXT> words;
+    for (std::string_view rest = std::string_view(open_difference).substr(open_difference.find('\n') + 1);
+         !rest.empty();)
     {
+        const std::string_view line = rest.substr(0, rest.find('\n'));
+        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
         if (!line.starts_with('-'))
             continue;
-        const std::string removed = line.substr(1);
+        const std::string_view removed = line.substr(1);
         const std::string shown = shown_part(removed, secrets);
         if (shown.size() != removed.size())
-            difference = hide_words(std::move(difference), removed, shown, secrets);
+            add_words(removed, shown, words);
     }
-    return heads + difference;
+    return heads + SECRET_TEXTS(words, secrets, SHORT_SECRETS::APART).hide_in(difference);
 }

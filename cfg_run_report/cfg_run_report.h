@@ -14,8 +14,8 @@
 // which uses the public functions of the configuration library and its rules for lines. The header compiles as C++17.
 //
 // A report holds values of variables, the text of VELMAR_INI_VARS and of other inline texts as they were applied, and
-// paths, which may name users. It masks no secrets; velmar-cfg does when it shows a report. Who may read the file
-// depends on the umask, unless the options say otherwise.
+// paths, which may name users. It masks no secrets; velmar-cfg does when it shows a report. A new file has the
+// permissions that the umask gives, and a replaced one keeps its own, unless the options say otherwise.
 //
 // The document (schema "velmar-run-report", version 2; a reader refuses a higher version). A text that is no UTF-8 is
 // an object instead: {"hex": "<two digits a byte>"}. Times are UTC, as in 2026-11-22T08:25:00Z.

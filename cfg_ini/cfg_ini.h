@@ -170,8 +170,8 @@ int cfg_get_int_value(const NAME& name, int default_value)
     return cfg_get_int_value(cfg_ini_name_of(name), default_value);
 }
 
-// The catalogued variable as an integer, or 0 if it has no such value: the number at the start of its default text, and
-// the default texts are "on" and "off".
+// The catalogued variable as an integer, or 0 if it has no such value. The default texts of the catalogue, "on" and
+// "off", are no integers.
 CFG_INI_API int cfg_get_int_value(CFG_INI_VAR_ENUM ini_enum);
 
 // The variable as an unsigned 32-bit integer, or `default_value` if it has no such value.

@@ -4,11 +4,11 @@
 //     for (const CFG_SETTINGS_SOURCE& source : cfg_get_settings_sources().applied)
 //         log(source.path.empty() ? source.text : source.path);
 //
-// The getters of paths in the public header serve another purpose: they are never cleared, know one file a role, and
-// tell a path that may be relative to a directory that is no longer the current one.
+// The path getters of the public header do not replace this list. Their paths are never cleared, there is only one for
+// each role, and it may be relative to a directory that is no longer the current one.
 //
-// With this list a program can work out where each value stands. Sources override one another in the order in which
-// they were applied, and a file that still is what it was then (device, inode, size and modification time) can be read
+// With this list a program can work out the file and line of each value. A source overrides those that were applied
+// before it. A file that is unchanged since then (the same device, inode, size and modification time) can be read
 // again. The run report does so (cfg_run_report/cfg_run_report.h). What the program assigns itself is no source.
 //
 // Compiles as C++17.
@@ -40,14 +40,14 @@ struct CFG_SETTINGS_SOURCE
     // Whether its assignments mark their variables as external.
     bool external = false;
 
-    // Whether all of it was applied. Not yet, while it is being applied; never, if an exception ended the load or reads
-    // failed.
+    // Whether all of it was applied. False while it is being applied; it stays false if an exception ended the load or
+    // reads failed.
     bool whole = false;
 
-    // When it was applied, in one count of all such beginnings and ends in this process, from 1. A source overrides
-    // those whose end comes before its beginning. Where two overlap, because two threads applied them at the same time
-    // or a callback applied one during the other, each may override the other. An end of 0 has not come yet, or never
-    // comes because of an exception.
+    // When the application of the source began and ended. One count, from 1, numbers all such beginnings and ends in
+    // this process. A source overrides those whose end comes before its beginning. Two sources overlap if two threads
+    // applied them at the same time, or if a callback applied one during the other. Then each may override the other.
+    // The end is 0 as long as the application has not ended; it stays 0 if an exception ended it.
     std::uint64_t beginning = 0;
     std::uint64_t end = 0;
 
@@ -55,7 +55,7 @@ struct CFG_SETTINGS_SOURCE
     // changed. It stays relative if the current directory was not known. Empty for a text.
     std::string path;
 
-    // Of a file: what fstat said of it once it was open, all 0 if it said nothing. The size is in bytes. The time is in
+    // Of a file: the result of fstat once it was open; all 0 if fstat failed. The size is in bytes. The time is in
     // seconds and nanoseconds since 1970-01-01 UTC.
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
@@ -71,29 +71,30 @@ struct CFG_SETTINGS_SOURCE
 // The sources of the present store.
 struct CFG_SETTINGS_SOURCES
 {
-    // In the order of their beginnings. A source that was applied again as it had been, equal in all that identifies
-    // it, is listed once, where it was applied last: it then overrode all that it had assigned before. A file that had
-    // changed in between is another source.
+    // In the order of their beginnings. A source that was applied several times without a change is listed once, at its
+    // last application, which overrode the earlier ones. A file that had changed in between is another source.
     std::vector<CFG_SETTINGS_SOURCE> applied;
 
-    // 0, or a moment in the count above: up to then files or VELMAR_INI_VARS may have been applied that the list lacks,
-    // for want of memory or because it keeps the last 256 appended and regression-test files. Of the program's texts it
-    // keeps the last 64, and 256 KiB; what it lacks of these it does not tell, as it does not tell of cfg_set_value.
+    // 0 if the list lacks no file and no application of VELMAR_INI_VARS. Otherwise a number in the count above: the
+    // list may lack some that were applied up to then. The list lacks what there was no memory for, and it keeps only
+    // the last 256 appended and regression-test files. Of the program's texts it keeps the last 64, and at most 256
+    // KiB. This number does not cover missing program texts, just as the list does not cover cfg_set_value.
     std::uint64_t lost_until = 0;
 
-    // The variables that exist and have an empty text, as first spelt, in no order: they were asked for and never set,
-    // or are set to the empty text. The usage reports do not tell these from variables whose text they leave out.
+    // The variables that exist and have an empty text, as first spelt, in no particular order. Either they were asked
+    // for and never set, or they are set to the empty text. The usage reports do not distinguish these from variables
+    // whose text they leave out.
     std::vector<std::string> empty_variables;
 };
 
-// The sources of the present store; nothing without one, since asking loads nothing. Emptying the store clears the
-// list, and so does a load, which empties first. The result is the caller's.
+// The sources of the present store. The call loads nothing: if there is no store, the result is empty. Emptying the
+// store clears the list, and so does a load, which empties the store first. The result is the caller's.
 //
-// A file that was opened and has no lines is listed, also a directory, a pipe or a device: see `mode`. A file that is
-// missing or cannot be opened is not.
+// A file that was opened is listed even if it has no lines, or is a directory, a pipe or a device: see `mode`. A file
+// that is missing or cannot be opened is not listed.
 //
-// Any thread may call, and a notification may. Waits for the store's lock, as every lookup does; while another thread
-// applies sources, the list has those that have begun. Throws std::bad_alloc only.
+// Any thread may call, and a notification may. The call waits for the store's lock, as every lookup does. While another
+// thread applies sources, the list has those that it has begun. Throws std::bad_alloc only.
 CFG_INI_API CFG_SETTINGS_SOURCES cfg_get_settings_sources();
 
 #endif

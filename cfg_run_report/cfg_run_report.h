@@ -13,21 +13,21 @@
 // "velmar-cfg run-report run.json" shows such a report. The function is in a library of its own, libzon_cfg_run_report,
 // which uses the public functions of the configuration library and its rules for lines. The header compiles as C++17.
 //
-// A report holds the values of all variables that the run met, the text of VELMAR_INI_VARS and of other inline texts as
-// they were applied, secrets included, and paths, which may name users. Who may read the file depends on the umask,
-// unless the options say otherwise. velmar-cfg hides secrets when it shows a report.
+// A report holds values of variables, the text of VELMAR_INI_VARS and of other inline texts as they were applied, and
+// paths, which may name users. It masks no secrets; velmar-cfg does when it shows a report. A new file has the
+// permissions that the umask gives, and a replaced one keeps its own, unless the options say otherwise.
 //
 // The document (schema "velmar-run-report", version 2; a reader refuses a higher version). A text that is no UTF-8 is
 // an object instead: {"hex": "<two digits a byte>"}. Times are UTC, as in 2026-11-22T08:25:00Z.
 //
-//     schema, schema_version   the two above
+//     schema, schema_version   "velmar-run-report" and 2
 //     run                      the caller's name for the run
 //     release                  the running release
-//     outcome                  "pass", "fail" or a number, as the caller says ("nan", "inf" or "-inf" where JSON has no
-//                              such number); null when it says nothing
+//     outcome                  "pass", "fail" or a number, as the caller gives it (the texts "nan", "inf" and "-inf",
+//                              since JSON has no such numbers); null when it gives none
 //     host, process            the machine's name, and the process's number there
 //     directory, executable    the current directory when the report is written, and the program's file; null when not
-//                              known, as below
+//                              known
 //     started, ended           when the process was started, and when the report was written
 //     environment              name and value of the six variables that decide what is read (VELMAR_INI, HOME,
 //                              VELMAR_INI_DISABLED, APPENDED_VELMAR_INI, VELMAR_INI_VARS, VELMAR2_INI), as they are
@@ -36,36 +36,37 @@
 //     sources                  the files and texts that were applied, in that order, each with
 //         layer                "main", "appended", "inline" or "regtest"; "program" for a text that the program applied
 //         external             whether its variables count as external
-//         path, size, modified of a file: where it is, its bytes and the time of its last change, when it was read
+//         path, size, modified of a file: its path, its size in bytes and the time of its last change, each as it was
+//                              when the file was read
 //         state                of a file: "same", "changed", "gone", "unreadable", "no file" (a pipe, a device),
-//                              "directory" (which has no lines) or "partly applied". Only what is still the same, and
-//                              was applied whole, has been read again, and only such a file gives lines below.
+//                              "directory" (which has no lines) or "partly applied". Only files that are still the
+//                              same and were applied whole have been read again, and only these give lines below.
 //         text                 of an inline text
 //     read                     the variables that were looked up, in the order of the ranked usage report, each with
 //         name                 its name as first spelt
-//         count                its counted accesses: for a variable that is unset, one less than the run asked
-//         value                its text; null when it has none, and when the usage reports do not tell it, because it
+//         count                its counted accesses; for an unset variable, one less than the lookups of the run
+//         value                its text; null when it has none, and when the usage reports leave it out, because it
 //                              was set without being external and never gave a value of the type asked for
 //         external             whether the value came from the main settings file or from VELMAR_INI_VARS
 //         used                 whether some caller got a usable value from it
 //         source, line, item   where the value came from: the source's index in the list, from 0, and the line of a
 //                              file or the item of a text, from 1
-//         origin               instead: "program" for a value that is not the one of the assignment that won; "unset"
-//                              for a variable without a text; "unknown" where the value or the assignments are not
+//         origin               instead of these: "program" if the value is not that of the winning assignment; "unset"
+//                              for a variable without a text; "unknown" if the value or the assignments are not
 //                              known. With "program", `source` and `item` may name a text that the program applied.
-//         perhaps              of what is unknown: where else the value may have come from, sources and lines as above,
-//                              without a line for a source that could not be read again
+//         perhaps              for "unknown": where the value may have come from, sources and lines as above, without
+//                              a line for a source that could not be read again
 //         overridden           the other assignments to the variable, in the order of the sources, each with `source`,
 //                              `line` or `item`, and `value`; only if there are any
-//     external_never_read      the variables from outside that the run never looked up: name, value, and where from
+//     external_never_read      the external variables that the run never looked up: name, value, and where from
 //     asked_once               the names of variables that are unset and were asked for once
 //     set_never_read           the names of those that the program, regtest.ini or the appended file set, and that were
 //                              never looked up; their values are not known
 //
-// A value that the program sets to what the winning assignment says counts as that assignment's, and one that it sets
-// to the empty text as unset.
+// If the program sets a variable to the value of the winning assignment, the value counts as that assignment's. If it
+// sets a variable to the empty text, the variable counts as unset.
 //
-// Version 1 said less, and lost bytes that are no UTF-8.
+// Version 1 held less, and lost bytes that are no UTF-8.
 #ifndef CFG_RUN_REPORT_CFG_RUN_REPORT_H
 #define CFG_RUN_REPORT_CFG_RUN_REPORT_H
 
@@ -105,8 +106,8 @@ struct CFG_RUN_REPORT_OPTIONS
     // With NUMBER: the figure, in the caller's unit.
     double number = 0;
 
-    // Nobody but the file's owner may read it, also where others may read a file that is replaced. Otherwise who may is
-    // as for the file that is replaced, or as the umask says.
+    // If true, only the file's owner may read it, even if others may read the file that it replaces. If false, whoever
+    // may read the replaced file may read this one; if there is none, the umask decides.
     bool only_owner_may_read = false;
 };
 
@@ -119,7 +120,7 @@ struct CFG_RUN_REPORT_OPTIONS
 //
 // Effects on the store. The usage reports are complete only while "cfg_min_accessed_to_report" is 0 and
 // "cfg_max_to_report" is negative. So the function sets these two variables, under these spellings, and afterwards sets
-// them back to the host's texts. Their external marks, and whether they count as used, are as before. These effects
+// them back to the host's texts. Their external marks stay, and so does whether they count as used. These effects
 // remain:
 // - their access counts are higher; the report leaves out its own accesses, also those of earlier reports;
 // - they have empty records if they had none;

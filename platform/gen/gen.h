@@ -3,7 +3,7 @@
 // What the library expects.
 // - The string functions depend on their arguments only. gen_stricmp neither allocates nor throws, and is called with
 //   the store's lock held.
-// - Any thread may call the path functions, during a first load also with the store's lock held. They must not use the
+// - Any thread may call the path functions. During a first load it may hold the store's lock. They must not use the
 //   configuration library.
 // - The two setters are called from the thread that uses the preferences. They must not use the preference store. They
 //   may throw: the exception passes to the caller of the preference. An assignment is then undone; search paths that a

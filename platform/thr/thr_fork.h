@@ -12,8 +12,8 @@ namespace zon_thr
 // Adds a new mutex to those that the fork handlers know.
 [[gnu::visibility("hidden")]] void enlist(THR_MUTEX& mutex);
 
-// For a thread in a child of fork in which our handler has not run yet. A library that registered a handler earlier
-// runs there before us, for example. Frees now what our handler would free; does nothing anywhere else.
+// For a thread in a child of fork in which our handler has not run yet, for example because a handler that another
+// library registered earlier runs first. Frees now what our handler would free. Does nothing anywhere else.
 [[gnu::visibility("hidden")]] void settle_if_forked();
 }
 

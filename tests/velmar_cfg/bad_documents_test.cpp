@@ -150,7 +150,8 @@ TEST_P(BAD_DOCUMENT, standard_input_and_pipes_are_named_like_files)
     standard_input = "bad";
     const TOOL_RUN refused = read("-");
     EXPECT_EQ(refused.exit_code, 3);
-    EXPECT_THAT(refused.err, StartsWith("velmar-cfg: standard input: no well-formed JSON, from line 1, column 1 on"));
+    EXPECT_THAT(refused.err,
+                StartsWith("velmar-cfg: standard input: is not well-formed JSON from line 1, column 1 on"));
 
     write_file("accepted", GetParam().accepted);
     standard_input = "accepted";
@@ -182,7 +183,7 @@ TEST_P(BAD_DOCUMENT, no_json_at_all)
 {
     EXPECT_EQ(read_bytes("x"),
               (TOOL_RUN{3, "",
-                        "velmar-cfg: bad.json: no well-formed JSON, from line 1, column 1 on; give a " +
+                        "velmar-cfg: bad.json: is not well-formed JSON from line 1, column 1 on; give a " +
                             GetParam().kinds() + " as " + GetParam().makers() + " writes it\n"}));
     expect_refused("", "nothing");
     expect_refused(std::string(1 << 20, 'x'), "a line of a megabyte");

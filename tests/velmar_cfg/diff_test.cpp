@@ -219,7 +219,7 @@ TEST_F(DIFF, tells_readings_of_another_release_apart)
     write_file("other.json", other.dump());
     const TOOL_RUN got = run({"diff", "monday.json", "other.json"});
     EXPECT_EQ(got.exit_code, 1);
-    EXPECT_THAT(got.out, HasSubstr("\n  Effort, by the release, which reads it otherwise\n"));
+    EXPECT_THAT(got.out, HasSubstr("\n  Effort, by the release, which reads it differently\n"));
 }
 
 TEST_F(DIFF, says_where_two_texts_read_the_same)

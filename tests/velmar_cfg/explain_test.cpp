@@ -49,16 +49,17 @@ TEST_F(EXPLAIN, shows_every_assignment_and_the_one_that_won)
 
 TEST_F(EXPLAIN, an_unset_variable_has_its_catalogue_entry)
 {
-    EXPECT_EQ(run({"explain", "msg_sqlite"}), (TOOL_RUN{1,
-                                                        "msg_sqlite is not set\n"
-                                                        "read as:\n"
-                                                        "  bool    no value\n"
-                                                        "  int     no value\n"
-                                                        "  uint    no value\n"
-                                                        "  double  no value\n"
-                                                        "default: on, of the catalogue, for readers that name none\n"
-                                                        "external: no\n",
-                                                        ""}));
+    EXPECT_EQ(run({"explain", "msg_sqlite"}),
+              (TOOL_RUN{1,
+                        "msg_sqlite is not set\n"
+                        "read as:\n"
+                        "  bool    no value\n"
+                        "  int     no value\n"
+                        "  uint    no value\n"
+                        "  double  no value\n"
+                        "default: on, from the catalogue, for readers that give no default\n"
+                        "external: no\n",
+                        ""}));
 }
 
 TEST_F(EXPLAIN, writes_json)

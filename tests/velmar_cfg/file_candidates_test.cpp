@@ -156,7 +156,7 @@ TEST_F(FILE_CANDIDATES, have_no_current_directory_once_that_is_removed)
     std::filesystem::create_directory(removed);
     const SCOPED_CURRENT_DIRECTORY current(removed);
     ASSERT_EQ(rmdir(removed.c_str()), 0);
-    EXPECT_EQ(candidates({}, false)[0], "current directory skipped (the current directory cannot be told)");
+    EXPECT_EQ(candidates({}, false)[0], "current directory skipped (the current directory is not known)");
 }
 
 TEST_F(FILE_CANDIDATES, tell_links_that_lead_nowhere_and_files_that_cannot_be_read)

@@ -62,7 +62,7 @@ TEST_F(FILE_PLACE_TEST, tells_that_the_current_directory_has_gone)
     std::filesystem::current_path("gone");
     std::filesystem::remove(cwd + "/gone");
     EXPECT_EQ(complaint_of([] { FILE_PLACE("file"); }),
-              "4 file: the current directory cannot be told: No such file or directory; give an absolute path");
+              "4 file: the current directory is not known: No such file or directory; give an absolute path");
     EXPECT_EQ(FILE_PLACE(cwd + "/user/file").path(), cwd + "/user/file");
     std::filesystem::current_path(cwd);
 }

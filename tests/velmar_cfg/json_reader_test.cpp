@@ -257,9 +257,9 @@ TEST_F(JSON_DOCUMENTS, are_of_the_kind_and_of_a_version_that_is_known)
         {"7", no_such},
         {"null", no_such},
         {R"("some-kind")", no_such},
-        {"", "no well-formed JSON, from line 1, column 1 on; give a some document as a test writes it"},
-        {"{}\n{}", "no well-formed JSON, from line 2, column 1 on; give a some document as a test writes it"},
-        {"7 7", "no well-formed JSON, from line 1, column 3 on; give a some document as a test writes it"},
+        {"", "is not well-formed JSON from line 1, column 1 on; give a some document as a test writes it"},
+        {"{}\n{}", "is not well-formed JSON from line 2, column 1 on; give a some document as a test writes it"},
+        {"7 7", "is not well-formed JSON from line 1, column 3 on; give a some document as a test writes it"},
         {"{\"a\": 1e999}", "a number in it is too large; give a some document as a test writes it"},
     };
     for (const ROW& row : rows)
@@ -372,7 +372,7 @@ TEST_F(ROWS_OF_DOCUMENTS, are_taken_of_their_versions_only)
             << first;
     }
     EXPECT_THAT(taken_with_versions(in_version_2 + R"("one": [{"n": })", 3, last),
-                ElementsAre(testing::HasSubstr("no well-formed JSON, from line 1, column")));
+                ElementsAre(testing::HasSubstr("is not well-formed JSON from line 1, column")));
     EXPECT_THAT(taken_with_versions(in_version_2 + rows + ", " + rows, 3, last),
                 ElementsAre(testing::HasSubstr(".one is there twice")));
 }

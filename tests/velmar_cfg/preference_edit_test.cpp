@@ -198,7 +198,7 @@ TEST_F(PREFERENCE_EDIT, hard_links_and_read_only_files_need_leave)
     EDITED_FILE edited = set(HDL_PREFERENCE, "KHDL");
     EXPECT_THAT(edited.refusal,
                 testing::EndsWith("velmar2.ini: the file has 2 names (hard links), and the others would "
-                                  "keep the old one; --break-hard-links does it anyway"));
+                                  "keep the old content; --break-hard-links changes the file anyway"));
     EXPECT_FALSE(edited.changed());
     EXPECT_EQ(read_file(file), before);
     EXPECT_EQ(try_to_set(HDL_PREFERENCE, "KHDL").refusal, edited.refusal);

@@ -162,7 +162,7 @@ INSTANTIATE_TEST_SUITE_P(
         PREFERENCE_FINDINGS{
             "a comment",
             "  # a comment\n",
-            {"1:3 note not-kept: this line says nothing, and a save drops it; keep comments elsewhere; for "
+            {"1:3 note not-kept: this line sets nothing, and a save drops it; keep comments elsewhere; for "
              "a preference write 'KEY = VALUE'"}}));
 
 INSTANTIATE_TEST_SUITE_P(

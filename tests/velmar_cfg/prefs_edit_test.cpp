@@ -143,8 +143,8 @@ TEST_F(PREFS_EDIT, an_old_value_that_is_no_longer_allowed_is_told)
     write_preferences("[Messages 23.3_pro]\nSHOW_MESSAGE_ID = 1\n");
     EXPECT_EQ(run({"prefs", "set", "SHOW_MESSAGE_PARTITION_ID", "on"}),
               (TOOL_RUN{0, "",
-                        "velmar-cfg: this also changes SHOW_MESSAGE_ID from '1' to 'on': an older release's value, "
-                        "no longer allowed\n"}));
+                        "velmar-cfg: this also changes SHOW_MESSAGE_ID from '1' to 'on': the old value is an older "
+                        "release's and is no longer allowed\n"}));
 }
 
 TEST_F(PREFS_EDIT, a_save_that_would_change_another_preference_is_not_made)
@@ -173,8 +173,8 @@ TEST_F(PREFS_EDIT, dry_run_shows_the_difference_and_changes_nothing)
     const char* const commented = "# mine\n[General 23.4_pro]\nHDL_PREFERENCE=VHDL\nno preference\n";
     write_preferences(commented);
     const std::string path = full_path();
-    const std::string lost = "velmar-cfg: line 1: '# mine': this line says nothing, and a save drops it\n"
-                             "velmar-cfg: line 4: 'no preference': this line says nothing, and a save drops it\n";
+    const std::string lost = "velmar-cfg: line 1: '# mine': this line sets nothing, and a save drops it\n"
+                             "velmar-cfg: line 4: 'no preference': this line sets nothing, and a save drops it\n";
     EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--dry-run"}),
               (TOOL_RUN{0,
                         "--- " + path + "\n+++ " + path +
@@ -237,7 +237,7 @@ TEST_F(PREFS_EDIT, a_value_that_would_go_with_a_line_is_kept_unless_told_otherwi
     const std::string lines =
         " kept as they were: 4\n"
         "velmar-cfg: line 1: 'USER_LIBRARIES = /x': a key line before any section is ignored, and a save drops it\n"
-        "velmar-cfg: line 2: '# note': this line says nothing, and a save drops it\n"
+        "velmar-cfg: line 2: '# note': this line sets nothing, and a save drops it\n"
         "velmar-cfg: line 5: 'HDL_PREFERENCE = Verilog': line 4 sets this key of this section already: the first one "
         "counts, and a save drops this one\n"
         "velmar-cfg: line 6: '[Cloud 23.4_pro]': a section without a value, which a save drops\n";

@@ -73,7 +73,7 @@ TEST_F(PREFS_EXPLAIN, shows_that_nothing_is_said)
     EXPECT_EQ(run({"prefs", "explain", "CLOUD_SERVER"}),
               (TOOL_RUN{1,
                         "CLOUD_SERVER has no value: not set, and there is no default\n"
-                        "no line of user/velmar2.ini says anything of it\ndefault: none\nallowed: any text\n",
+                        "no line of user/velmar2.ini concerns it\ndefault: none\nallowed: any text\n",
                         ""}));
     variables["VELMAR2_INI"] = temporary.path();
     EXPECT_EQ(run({"prefs", "explain", "HDL_PREFERENCE"}),

@@ -56,7 +56,7 @@ TEST_F(PREFS_LOAD, dump_holds_secrets_only_when_told)
     EXPECT_EQ(run({"prefs", "get", "CLOUD_TOKEN"}).out, "hush-hush\n");
     write_file("given", "# MY_TOKEN is left out, since its value is masked\n" + masked +
                             " # CLOUD_TOKEN is left out, since its value is masked\n");
-    const std::string message = "note: this line says nothing, and a save drops it; keep comments elsewhere; for a "
+    const std::string message = "note: this line sets nothing, and a save drops it; keep comments elsewhere; for a "
                                 "preference write 'KEY = VALUE' [not-kept]\n";
     EXPECT_EQ(run({"prefs", "load", "given"}),
               (TOOL_RUN{0, "", "velmar-cfg: given:1:1: " + message + "velmar-cfg: given:6:2: " + message}));

@@ -169,11 +169,12 @@ TEST_F(PROCESS_STATE, says_that_it_has_no_home)
 {
     const auto program = start_program({});
     const TOOL_RUN got = run({"paths", "--of", program->state()});
-    EXPECT_THAT(got.out, StartsWith("as process " + std::to_string(program->number()) + " (" + its("opt/bin/velmar") +
-                                    ", in " + its("cwd") +
-                                    ") started, by the files of now and this tool's own product and release, velmar "
-                                    "23.4; it has no HOME, so that preferences are those of its user's entry in the "
-                                    "password database\n"));
+    EXPECT_THAT(got.out,
+                StartsWith("as process " + std::to_string(program->number()) + " (" + its("opt/bin/velmar") + ", in " +
+                           its("cwd") +
+                           ") started, with the present files and the product and release of this tool, velmar "
+                           "23.4; it has no HOME, so that preferences are those of its user's entry in the "
+                           "password database\n"));
     EXPECT_THAT(got.out, AllOf(HasSubstr("  HOME is not set\n"), Not(HasSubstr("own/home"))));
 }
 
@@ -297,8 +298,8 @@ TEST_F(PROCESS_STATE, an_overwritten_environment_is_refused)
     close(ready[0]);
     close(ready[1]);
     EXPECT_EQ(got.exit_code, 3);
-    EXPECT_THAT(got.err, HasSubstr(" has overwritten its environment, or may be starting another program: what it was "
-                                   "started with cannot be told; try again\n"));
+    EXPECT_THAT(got.err, HasSubstr(" has overwritten its environment, or may be starting another program: its "
+                                   "environment at the start is not known; try again\n"));
 }
 
 // Each start of a program takes the environment away for a moment.
@@ -391,7 +392,7 @@ TEST_F(PROCESS_STATE, the_kernels_own_are_refused)
         GTEST_SKIP() << "none can be seen here";
     const TOOL_RUN got = run({"list", "--of", "pid:2"});
     EXPECT_EQ(got.exit_code, 3);
-    EXPECT_THAT(got.err, testing::AnyOf("velmar-cfg: process 2 has no executable: it is the kernel's\n",
+    EXPECT_THAT(got.err, testing::AnyOf("velmar-cfg: process 2 has no executable: it belongs to the kernel\n",
                                         HasSubstr(" has other mounts"))); // the test may run in a container
 }
 
@@ -412,7 +413,7 @@ TEST_F(EXECUTABLE_STATE, reads_as_if_it_was_started_here)
     for (const char* const name : {"exe:its/opt/bin/velmar", "exe:link"})
         EXPECT_EQ(run({"get", "place", "--of", name}).out, "its/opt/bin\n") << name;
     EXPECT_THAT(run({"list", "--of", "exe:link"}).out,
-                StartsWith("as " + its("opt/bin/velmar") + " would read, started here, by the files of now and this"));
+                StartsWith("as " + its("opt/bin/velmar") + " would read, started here, with the present files and"));
     // Its installation is the directory above, called bin or not.
     ASSERT_EQ(rename("its/opt/bin/velmar.ini", "its/opt/velmar.ini"), 0);
     EXPECT_THAT(run({"paths", "--of", "exe:link"}).out,

@@ -428,13 +428,13 @@ INSTANTIATE_TEST_SUITE_P(
     rows, BAD_RUN_REPORT,
     testing::Values(
         BAD_REPORT{"empty", "",
-                   "no well-formed JSON, from line 1, column 1 on; give a run report as a host's "
+                   "is not well-formed JSON from line 1, column 1 on; give a run report as a host's "
                    "cfg_write_run_report writes it"},
         BAD_REPORT{"cut_off", "{\n  \"schema\": \"velm",
-                   "no well-formed JSON, from line 2, column 18 on; give a run report as a host's "
+                   "is not well-formed JSON from line 2, column 18 on; give a run report as a host's "
                    "cfg_write_run_report writes it"},
         BAD_REPORT{"settings_file", "max_fanout = 12\n",
-                   "no well-formed JSON, from line 1, column 1 on; give a run report as a host's "
+                   "is not well-formed JSON from line 1, column 1 on; give a run report as a host's "
                    "cfg_write_run_report writes it"},
         BAD_REPORT{"another_document", "[]",
                    "is no run report; give one that a host's cfg_write_run_report has written"},
@@ -490,7 +490,7 @@ TEST_F(RUN_REPORT, merge_names_the_bad_ones_and_answers_from_the_others)
 {
     write_file("cut.json", "{");
     const std::string told =
-        "velmar-cfg: cut.json: no well-formed JSON, from line 1, column 2 on; give a run report as "
+        "velmar-cfg: cut.json: is not well-formed JSON from line 1, column 2 on; give a run report as "
         "a host's cfg_write_run_report writes it\n"
         "velmar-cfg: .: is a directory, not a file; check the path\n";
     const TOOL_RUN good = run({"run-report", "--merge", "cpu.json", "gpu.json"});

@@ -279,6 +279,21 @@ TEST_F(STATES_MODEL, lists_by_reads)
     EXPECT_THAT(listed(state, {.by_reads = true}), ElementsAre("asked 9", "c=4 5", "a=2 3", "b=1 3", "never=3"));
 }
 
+TEST_F(STATES_MODEL, lists_each_variable_once)
+{
+    STATE state;
+    state.reads = {{"asked", 9}, {"MSG_SQLITE", 3}, {"debug_msg", 2}};
+    state.snapshot.emplace().not_recorded = {"DEBUG_MSG"};
+    const std::vector<std::string> all = listed(state, {.unset_too = true, .by_reads = true});
+    EXPECT_EQ(all.size(), 41U + 1U); // what is known, and "asked"
+    for (const char* const name : {"asked", "msg_sqlite", "debug_msg"})
+    {
+        const auto is_of_name = [name](const std::string& row)
+        { return gen_stricmp(row.substr(0, row.find(' ')).c_str(), name) == 0; };
+        EXPECT_EQ(std::ranges::count_if(all, is_of_name), 1) << name;
+    }
+}
+
 // --- Differences ---
 
 SNAPSHOT snapshot_of(const std::vector<std::pair<std::string, std::string>>& rows, bool of_run = false)

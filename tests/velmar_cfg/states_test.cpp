@@ -70,10 +70,10 @@ constexpr CELL no_snapshot = {
     2, "%: a snapshot of version 1 or 2 holds only the values that won and where they stand: neither other lines nor "
        "the search"};
 constexpr CELL no_run = {2, "%: a run report holds only variables that were set or asked for"};
-constexpr CELL no_change_of_paths = {2, "'--with' changes no file, and paths shows only where files are; see "
+constexpr CELL no_change_of_paths = {2, "paths shows only where files are, which '--with' does not change; see "
                                         "velmar-cfg paths --help"};
 constexpr CELL no_change_of_snapshot = {
-    2, "a snapshot holds what is read; give '--with' to the command that shows the snapshot; see velmar-cfg snapshot "
+    2, "snapshot does not take '--with'; give it to the command that shows the snapshot; see velmar-cfg snapshot "
        "--help"};
 constexpr CELL no_change_of_preferences = {
     2, "only commands that show variables of a state take '--with'; see velmar-cfg prefs list --help"};
@@ -214,7 +214,7 @@ protected:
     // What the text begins with; empty for the plain view.
     std::string view_of(STATE_KIND kind) const
     {
-        const std::string basis = "by the files of now and this tool's own product and release, velmar 23.4";
+        const std::string basis = "with the present files and the product and release of this tool, velmar 23.4";
         const std::string executable = temporary.path("cwd/opt/velmar/bin/velmar");
         switch (kind)
         {
@@ -834,7 +834,8 @@ TEST_F(STATES, what_changes_files_is_of_here_and_now)
     const std::string settings = read_file("velmar.ini");
     EXPECT_EQ(run({"lint", "--fix", "--of", "project"}),
               (TOOL_RUN{2, "",
-                        "velmar-cfg: --fix changes files of here and now, or of --project DIR; --of excludes that\n"}));
+                        "velmar-cfg: --fix changes files of the present state or of --project DIR; --fix and --of "
+                        "exclude each other\n"}));
     for (const ARGUMENTS& words :
          {ARGUMENTS{"set", "max_fanout", "1"}, ARGUMENTS{"unset", "max_fanout"},
           ARGUMENTS{"prefs", "set", "HDL_PREFERENCE", "Verilog"}, ARGUMENTS{"prefs", "reset", "HDL_PREFERENCE"}})

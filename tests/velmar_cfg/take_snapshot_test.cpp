@@ -195,7 +195,7 @@ TEST_F(TAKEN_SNAPSHOT, is_refused_where_a_name_is_of_neither)
     write_file("velmar.ini", "a=1\n");
     for (const auto& [path, complaint] :
          {std::pair("nowhere", "nowhere: No such file or directory; check the path"),
-          {"velmar.ini", "velmar.ini: no well-formed JSON, from line 1, column 1 on; give a snapshot or run report "
+          {"velmar.ini", "velmar.ini: is not well-formed JSON from line 1, column 1 on; give a snapshot or run report "
                          "as velmar-cfg snapshot or a host's cfg_write_run_report writes it"}})
     {
         try

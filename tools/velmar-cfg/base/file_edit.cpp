@@ -58,7 +58,8 @@ std::string refusal_of(const FILE_PLACE& place, const SEEN_FILE& file, const FIL
 {
     if (file.exists() && file.status().st_nlink > 1 && !permissions.break_hard_links)
         return place.path() + ": the file has " + std::to_string(file.status().st_nlink) +
-               " names (hard links), and the others would keep the old one; --break-hard-links does it anyway";
+               " names (hard links), and the others would keep the old content; --break-hard-links changes the file "
+               "anyway";
     const std::string problem =
         file.exists() ? write_protection(place, file, permissions.replace_read_only) : std::string();
     return problem.empty() ? problem : place.path() + ": " + problem;

@@ -101,7 +101,7 @@ void FILE_PLACE::walk(const std::string& path)
     std::error_code error;
     directory_path = absolute ? "/" : std::filesystem::current_path(error).string();
     if (error)
-        fail_to_write(path, "the current directory cannot be told: " + error.message() + "; give an absolute path");
+        fail_to_write(path, "the current directory is not known: " + error.message() + "; give an absolute path");
     OPEN_FILE start(open(absolute ? "/" : ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
     opened.swap(start);
     std::deque<std::string> rest = components_of(path);

@@ -256,7 +256,7 @@ JSON_DOCUMENT::JSON_DOCUMENT(const std::string& path, std::vector<DOCUMENT_FORMA
     {
         if (error.number_too_large)
             throw_bad_input(place.file, "a number in it is too large" + as_written);
-        throw_bad_input(place.file, "no well-formed JSON, from line " + std::to_string(error.line) + ", column " +
+        throw_bad_input(place.file, "is not well-formed JSON from line " + std::to_string(error.line) + ", column " +
                                         std::to_string(error.column) + " on" + as_written);
     }
     require_kind();

@@ -97,9 +97,9 @@ std::vector<std::string> options_behind(CLI::App* command)
 std::string why_no_what_if(const std::string& command, const std::string& option)
 {
     if (command == "velmar-cfg paths")
-        return "'" + option + "' changes no file, and paths shows only where files are";
+        return "paths shows only where files are, which '" + option + "' does not change";
     if (command == "velmar-cfg snapshot")
-        return "a snapshot holds what is read; give '" + option + "' to the command that shows the snapshot";
+        return "snapshot does not take '" + option + "'; give it to the command that shows the snapshot";
     return "only commands that show variables of a state take '" + option + "'";
 }
 

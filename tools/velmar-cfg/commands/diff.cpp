@@ -79,7 +79,8 @@ void add_diff_command(COMMAND app, TOOL& tool)
     COMMAND command = app.add_command(
         tool, "diff",
         "Show what differs between two states and which layer made it differ: release, environment, content of the "
-        "files, variables and preferences. What only one of them can know does not count. Exit code 1 when something "
+        "files, variables and preferences. What only one of the two states can know is no difference. Exit code 1 when "
+        "something "
         "differs.",
         "velmar-cfg diff before.json\n"
         "      what has changed for runs in the project of the snapshot since it was taken\n"

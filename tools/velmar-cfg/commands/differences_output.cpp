@@ -74,7 +74,8 @@ std::string side_as_text(const SNAPSHOT_PREFERENCE* preference)
 
 std::string maker_as_text(const VARIABLE_DIFFERENCE& difference)
 {
-    std::string maker = difference.made_by ? layer_title(*difference.made_by) : "the release, which reads it otherwise";
+    std::string maker =
+        difference.made_by ? layer_title(*difference.made_by) : "the release, which reads it differently";
     if (difference.same_in_every_type)
         maker += "; reads the same in every type but text";
     if (difference.dependence == DEPENDENCE::KIND::ASKED_ONCE)

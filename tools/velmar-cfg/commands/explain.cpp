@@ -87,7 +87,8 @@ void write_text(const EXPLANATION& explanation, const STATE& state, OUTPUT& out)
     else
         write_readings(explanation.readings, out);
     if (explanation.known != nullptr && !explanation.known->default_text.empty())
-        out << "default: " << explanation.known->default_text << ", of the catalogue, for readers that name none\n";
+        out << "default: " << explanation.known->default_text
+            << ", from the catalogue, for readers that give no default\n";
     if (explanation.is_set)
         out << "external: " << (explanation.external ? "yes" : "no") << "\n";
     for (const HINT& hint : explanation.hints)

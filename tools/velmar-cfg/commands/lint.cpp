@@ -44,7 +44,7 @@ FINDINGS_OPTIONS output_options(const LINT_OPTIONS& options, const TOOL& tool)
     if (sarif && tool.options.json)
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--json and --format exclude each other");
     if (sarif && options.dry_run)
-        throw TOOL_ERROR(EXIT_CODE::USAGE, "--dry-run shows the difference, and --format excludes that");
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "--dry-run and --format exclude each other");
     FINDINGS_OPTIONS output{FINDINGS_FORMAT::TEXT, options.strict, checked_reasons(options.ignored)};
     output.format = options.dry_run     ? FINDINGS_FORMAT::NONE
                     : sarif             ? FINDINGS_FORMAT::SARIF
@@ -171,8 +171,9 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
     if (options.fix && std::ranges::count(options.files, "-") > 0)
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--fix changes files, not standard input");
     if (options.fix && options.state.of)
-        throw TOOL_ERROR(EXIT_CODE::USAGE,
-                         "--fix changes files of here and now, or of --project DIR; --of excludes that");
+        throw TOOL_ERROR(
+            EXIT_CODE::USAGE,
+            "--fix changes files of the present state or of --project DIR; --fix and --of exclude each other");
     if (!options.state.what_if.empty() && (options.fix || !options.files.empty()))
         throw TOOL_ERROR(EXIT_CODE::USAGE, std::string("--with and --without are for findings of a state; ") +
                                                (options.fix ? "--fix" : "naming files") + " excludes them");

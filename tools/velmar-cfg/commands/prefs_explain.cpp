@@ -46,7 +46,7 @@ void write_text(const PREFERENCE_EXPLANATION& explanation, OUTPUT& out)
     if (explanation.path.empty())
         out << "there is no preference file\n";
     else if (explanation.lines.empty())
-        out << "no line of " << printable(explanation.path) << " says anything of it\n";
+        out << "no line of " << printable(explanation.path) << " concerns it\n";
     else
         write_lines(explanation, out);
     out << "default: " << (preference.default_value.empty() ? "none" : preference.default_value) << "\n"

@@ -167,7 +167,7 @@ void compare_values(const PREFERENCES& before, const PREFERENCES& after, const s
             plan.other_values.push_back(change_of_value + reason_of_change(old_answer, new_answer, plan.lost));
         else
             plan.warnings.push_back("this also changes " + change_of_value +
-                                    ": an older release's value, no longer allowed");
+                                    ": the old value is an older release's and is no longer allowed");
     }
 }
 }

@@ -458,5 +458,5 @@ std::string loss_as_text(const LOST_LINE& line)
     case LOSS::CHANGED_VALUE:
         return "a save keeps these quotes, and the load after it removes them";
     }
-    return "this line says nothing, and a save drops it";
+    return "this line sets nothing, and a save drops it";
 }

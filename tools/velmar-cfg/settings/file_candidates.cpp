@@ -52,7 +52,7 @@ const char* environment_text(const char* name)
 std::string reason_for_skipping(SEARCH_PLACE location)
 {
     if (location == SEARCH_PLACE::CURRENT_DIRECTORY)
-        return "the current directory cannot be told";
+        return "the current directory is not known";
     const char* const variable = location == SEARCH_PLACE::VELMAR_INI ? "VELMAR_INI" : "HOME";
     return *environment_text(variable) == '\0'
                ? std::string(variable) + " is not set"

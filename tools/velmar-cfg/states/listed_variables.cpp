@@ -54,11 +54,11 @@ void for_each_set(const SETTINGS& settings, const TAKE& take)
     }
 }
 
-void add_unset(const SETTINGS& settings, std::vector<LISTED_VARIABLE>& variables)
+void add_unset(const STATE& state, const SETTINGS& settings, std::vector<LISTED_VARIABLE>& variables)
 {
     for (const KNOWN_VARIABLE& known : known_variables())
     {
-        if (settings.find(known.name) == nullptr)
+        if (settings.find(known.name) == nullptr && state.absent_variable(known.name) == ABSENT_VARIABLE::UNSET)
             variables.push_back({known.name, std::nullopt, false, std::nullopt, known.default_text});
     }
 }
@@ -75,13 +75,15 @@ void count_reads(const STATE& state, std::vector<LISTED_VARIABLE>& variables)
     }
 }
 
-// Those that were read and have no value.
-void add_read(const STATE& state, const SETTINGS& settings, std::vector<LISTED_VARIABLE>& variables)
+// Those that were read and have no value, but for what add_unset() adds.
+void add_read(const STATE& state, const SETTINGS& settings, bool with_unset, std::vector<LISTED_VARIABLE>& variables)
 {
     for (const READ_COUNT& read : *state.reads)
     {
         const ABSENT_VARIABLE known = state.absent_variable(read.name);
-        if (read.count > 0 && settings.find(read.name) == nullptr && known != ABSENT_VARIABLE::NOT_RECORDED)
+        const bool is_added = with_unset && find_known_variable(read.name) != nullptr;
+        if (!is_added && read.count > 0 && settings.find(read.name) == nullptr &&
+            known != ABSENT_VARIABLE::NOT_RECORDED)
             variables.push_back(
                 {read.name, std::nullopt, false, std::nullopt, default_of(read.name), read.count, known});
     }
@@ -118,11 +120,11 @@ void for_each_listed(const STATE& state, const SETTINGS& settings, const LISTED_
     for (const std::string_view name : not_recorded)
         variables.push_back({name, std::nullopt, false, std::nullopt, {}, 0, ABSENT_VARIABLE::NOT_RECORDED});
     if (kinds.unset_too)
-        add_unset(settings, variables);
+        add_unset(state, settings, variables);
     if (state.reads)
         count_reads(state, variables);
     if (kinds.by_reads)
-        add_read(state, settings, variables);
+        add_read(state, settings, kinds.unset_too, variables);
     std::ranges::stable_sort(variables, {}, &LISTED_VARIABLE::name);
     if (kinds.by_reads)
         std::ranges::stable_sort(variables, std::greater<>(), &LISTED_VARIABLE::reads);

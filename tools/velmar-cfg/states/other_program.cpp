@@ -183,8 +183,8 @@ std::vector<ENVIRONMENT_VARIABLE> RUNNING_PROCESS::environment_in(const std::str
         const std::string_view assignment = std::string_view(bytes).substr(begin, end - begin);
         const std::size_t equals = assignment.find('=');
         if (end == std::string::npos || equals == std::string_view::npos)
-            refuse_for_now("has overwritten its environment, or may be starting another program: what it was started "
-                           "with cannot be told; try again");
+            refuse_for_now("has overwritten its environment, or may be starting another program: its environment "
+                           "at the start is not known; try again");
         const auto named = std::ranges::find(variables, assignment.substr(0, equals), &ENVIRONMENT_VARIABLE::name);
         if (named != variables.end() && !named->value) // the first counts
             named->value = assignment.substr(equals + 1);
@@ -223,7 +223,7 @@ OTHER_PROGRAM RUNNING_PROCESS::look_once(bool is_last) const
         const int error = errno;
         require_own_process(); // unless it has just ended
         if (error == ENOENT)
-            refuse_for_now("has no executable: it is the kernel's");
+            refuse_for_now("has no executable: it belongs to the kernel");
         refuse_error("executable", error);
     }
     const std::string environment = text_of("environ");

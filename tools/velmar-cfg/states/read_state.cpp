@@ -40,10 +40,10 @@ void read_parts(STATE& state, const STATE_PARTS& parts, const SETTINGS_SCOPE& sc
         state.snapshot = take_snapshot(scope, files, parts.basis);
 }
 
-// "by the files of now and this tool's own product and release, velmar 23.4"
+// "with the present files and the product and release of this tool, velmar 23.4"
 std::string basis_in_words()
 {
-    return "by the files of now and this tool's own product and release, " +
+    return "with the present files and the product and release of this tool, " +
            std::string(ver_get_kestrin_product_filename()) + " " + ver_get_version();
 }
 

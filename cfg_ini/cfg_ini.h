@@ -579,7 +579,8 @@ CFG_INI_API std::string cfg_get_user_ini_registry_sub_branch_string(CFG_USER_INI
 CFG_INI_API std::string cfg_get_user_ini_value(CFG_USER_INI_ENUMS preference);
 CFG_INI_API std::string cfg_get_user_ini_value(const char* name);
 
-// The value as strtol converts it in base 10; 0 if it is empty or does not start with a number.
+// The value as strtoll converts it in base 10, of which the lower 32 bits are kept; 0 if it is empty or does not start
+// with a number.
 CFG_INI_API int cfg_get_user_ini_int_value(CFG_USER_INI_ENUMS preference);
 
 // True for "on" and "1", false for "off" and "0", in any letter case; `fallback` for every other value. The catalogue's

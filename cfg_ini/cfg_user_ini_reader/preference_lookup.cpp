@@ -140,7 +140,8 @@ std::string cfg_get_user_ini_value(const char* name)
 int cfg_get_user_ini_int_value(CFG_USER_INI_ENUMS preference)
 {
     // A number outside the range of int keeps its low 32 bits, one outside the range of long those of the nearest long.
-    return static_cast<int>(std::strtol(look_up(preference, true).c_str(), nullptr, 10));
+    // Of 64 bits on every machine, so that a number beyond an int has the same lower half on all.
+    return static_cast<int>(std::strtoll(look_up(preference, true).c_str(), nullptr, 10));
 }
 
 bool cfg_user_ini_is_on(CFG_USER_INI_ENUMS preference, bool fallback)

@@ -56,7 +56,7 @@ bool has_passed(const timespec& deadline)
 {
     timespec now;
     clock_gettime(CLOCK_MONOTONIC, &now);
-    return (now.tv_sec - deadline.tv_sec) * 1'000'000'000 + (now.tv_nsec - deadline.tv_nsec) >= 0;
+    return (std::int64_t{now.tv_sec} - deadline.tv_sec) * 1'000'000'000 + (now.tv_nsec - deadline.tv_nsec) >= 0;
 }
 }
 

@@ -30,8 +30,9 @@ class NAME_HASH_TEST : public testing::TestWithParam<HASH>
 
 TEST_P(NAME_HASH_TEST, is_that_of_the_folded_signed_bytes)
 {
-    EXPECT_EQ(STL_CASE_INSENSITIVE_HASH_COMPARE()(GetParam().name), GetParam().expected);
-    EXPECT_EQ(STL_CASE_INSENSITIVE_HASH_COMPARE()(GetParam().name.c_str()), GetParam().expected);
+    const auto expected = static_cast<std::size_t>(GetParam().expected); // with 32 bits the lower half
+    EXPECT_EQ(STL_CASE_INSENSITIVE_HASH_COMPARE()(GetParam().name), expected);
+    EXPECT_EQ(STL_CASE_INSENSITIVE_HASH_COMPARE()(GetParam().name.c_str()), expected);
 }
 
 constexpr std::uint64_t minus(std::uint64_t number)

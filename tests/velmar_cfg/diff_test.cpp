@@ -298,7 +298,7 @@ TEST_F(DIFF, heads_have_short_paths_if_they_would_not_fit_a_line)
     EXPECT_EQ(run({"diff", deep, "gpu", "--json"}).json().at("a").at("title"), deep);
     // Whose view it is is said to the end.
     const std::string of_process = first_line(run({"diff", "pid:" + std::to_string(getpid()), "gpu"}).out);
-    EXPECT_THAT(of_process, HasSubstr("this tool's own product and release, velmar 23.4")) << of_process;
+    EXPECT_THAT(of_process, HasSubstr("the product and release of this tool, velmar 23.4")) << of_process;
 }
 
 TEST_F(DIFF, refuses_a_project_beside_two_states)

@@ -130,8 +130,8 @@ INSTANTIATE_TEST_SUITE_P(
         PLAN{"an older value that is not allowed any more", "[Messages 23.3_pro]\nSHOW_MESSAGE_ID = 1\n",
              SHOW_MESSAGE_PARTITION_ID, "on",
              "\n[Messages 23.3_pro]\nSHOW_MESSAGE_ID = 1\n\n[Messages 23.4_pro]\nSHOW_MESSAGE_PARTITION_ID = on\n"
-             "warning: this also changes SHOW_MESSAGE_ID from '1' to 'on': an older release's value, no longer "
-             "allowed\n"},
+             "warning: this also changes SHOW_MESSAGE_ID from '1' to 'on': the old value is an older "
+             "release's and is no longer allowed\n"},
         PLAN{"a reset leaves the key out",
              "[General 23.4_pro]\nHDL_PREFERENCE = VHDL\nUSER_LIBRARIES = /x\n",
              HDL_PREFERENCE,

@@ -460,7 +460,7 @@ TEST_F(PREFS_EDIT, hard_links_and_read_only_files_are_changed_when_told)
     ASSERT_EQ(chmod(file, 0444), 0);
     const TOOL_RUN linked = run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--replace-read-only"});
     EXPECT_EQ(linked.exit_code, 4);
-    EXPECT_THAT(linked.err, HasSubstr("--break-hard-links does it anyway"));
+    EXPECT_THAT(linked.err, HasSubstr("--break-hard-links changes the file anyway"));
     const TOOL_RUN read_only = run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--break-hard-links"});
     EXPECT_EQ(read_only.exit_code, 4);
     EXPECT_THAT(read_only.err, HasSubstr("--replace-read-only does it anyway"));

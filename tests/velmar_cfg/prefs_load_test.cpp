@@ -143,7 +143,7 @@ TEST_F(PREFS_LOAD, names_lines_that_say_nothing_and_sets_the_others)
     const TOOL_RUN loaded = run({"prefs", "load", "given"});
     EXPECT_EQ(loaded.exit_code, 1);
     EXPECT_EQ(loaded.out, "");
-    EXPECT_THAT(loaded.err, HasSubstr("velmar-cfg: given:1:1: note: this line says nothing"));
+    EXPECT_THAT(loaded.err, HasSubstr("velmar-cfg: given:1:1: note: this line sets nothing"));
     EXPECT_THAT(loaded.err, HasSubstr("velmar-cfg: given:2:1: error: a key line before any section is ignored"));
     EXPECT_THAT(loaded.err, HasSubstr("velmar-cfg: given:3:1: warning: no lookup searches the section 'General 99.1"));
     EXPECT_THAT(loaded.err, HasSubstr("velmar-cfg: given:6:1: error: a value is found only under the key's own"));

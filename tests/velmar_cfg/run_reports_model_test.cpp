@@ -140,7 +140,7 @@ TEST_F(RUN_REPORTS_FILES, that_cannot_be_read_are_told_in_order)
     ASSERT_EQ(read.reports.size(), 2U);
     EXPECT_EQ(read.reports[0].run, "good (good)");
     EXPECT_THAT(read.problems,
-                ElementsAre(StartsWith("missing: No such file"), StartsWith("bad: no well-formed JSON")));
+                ElementsAre(StartsWith("missing: No such file"), StartsWith("bad: is not well-formed JSON")));
     // The variable of empty name is one like the others.
     ASSERT_EQ(variables_that_no_run_read(read.reports).size(), 1U);
     EXPECT_EQ(variables_that_no_run_read(read.reports)[0].set_in_runs.size(), 2U);

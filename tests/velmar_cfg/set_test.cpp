@@ -347,7 +347,7 @@ TEST_F(SET, json_tells_what_was_done)
     EXPECT_EQ(refused.at("changed"), false);
     EXPECT_EQ(refused.at("is_read"), nullptr);
     EXPECT_EQ(refused.at("takes_effect"), nullptr);
-    EXPECT_THAT(refused.at("refusal").get<std::string>(), EndsWith("--break-hard-links does it anyway"));
+    EXPECT_THAT(refused.at("refusal").get<std::string>(), EndsWith("--break-hard-links changes the file anyway"));
 }
 
 TEST_F(SET, shows_no_secret)
@@ -389,7 +389,7 @@ TEST_F(SET, keeps_links_modes_and_attributes_as_edits_of_preferences_do)
     std::filesystem::create_hard_link("elsewhere/settings", "other");
     ASSERT_EQ(chmod("elsewhere/settings", 0444), 0);
     EXPECT_THAT(run_in_project({"set", "a", "3", "--replace-read-only"}).err,
-                EndsWith("--break-hard-links does it anyway\n"));
+                EndsWith("--break-hard-links changes the file anyway\n"));
     const TOOL_RUN read_only = run_in_project({"unset", "a", "--break-hard-links"});
     EXPECT_EQ(read_only.exit_code, 4);
     EXPECT_THAT(read_only.err, EndsWith("--replace-read-only does it anyway\n"));

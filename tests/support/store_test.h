@@ -5,6 +5,7 @@
 
 #include <map>
 #include <optional>
+#include <stdexcept>
 #include <string>
 
 #include "cfg_ini/cfg_ini.h"
@@ -13,6 +14,20 @@
 #include "tests/support/faked_test.h"
 
 using ASSIGNMENTS = std::map<std::string, std::string>;
+
+// What the standard library says of a string that is made from a null pointer. Its versions say it in other words.
+inline std::string message_of_null_string()
+{
+    const char* const volatile null = nullptr;
+    try
+    {
+        return std::string(null);
+    }
+    catch (const std::logic_error& error)
+    {
+        return error.what();
+    }
+}
 
 class STORE_TEST : public FAKED_TEST
 {

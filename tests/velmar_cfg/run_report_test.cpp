@@ -170,7 +170,7 @@ TEST_F(RUN_REPORT, of_version_2_is_written_as_json_as_the_host_wrote_it)
         written.erase(own);
     for (const char* const of_document : {"schema", "schema_version"})
         expected.erase(of_document);
-    expected["outcome"] = "12.5";
+    expected["outcome"] = 12.5;
     const nlohmann::json nothing = {{"origin", nullptr},
                                     {"source", nullptr},
                                     {"line", nullptr},

@@ -407,7 +407,7 @@ TEST_F(STATES, what_a_run_report_does_not_hold_is_not_said_to_be_unset)
     const TOOL_RUN explained = run({"explain", "other", "--of", "run.json"});
     EXPECT_EQ(explained.exit_code, 1);
     EXPECT_THAT(explained.out,
-                testing::EndsWith("\nother is not known: a run report holds only variables that were set "
+                testing::EndsWith("\nother is not in run.json: a run report holds only variables that were set "
                                   "or asked for\nread as: not known\n"));
     EXPECT_EQ(run({"explain", "other", "--of", "run.json", "--json"}).json().at("external"), nullptr);
     EXPECT_EQ(run({"get", "other", "--of", "run.json", "--json"}).json().at("external"), nullptr);
@@ -419,7 +419,10 @@ TEST_F(STATES, what_a_run_left_unset_is_known)
     EXPECT_EQ(run({"get", "ASKED", "--of", "run2.json"}), (TOOL_RUN{1, "", "velmar-cfg: 'ASKED' is not set\n"}));
     EXPECT_EQ(run({"get", "once", "--of", "run2.json"}).err, "velmar-cfg: 'once' is not set\n");
     EXPECT_EQ(run({"get", "other", "--of", "run2.json"}).err, "velmar-cfg: 'other' is not set\n");
-    EXPECT_THAT(run({"get", "asked", "--of", "run.json"}).err, HasSubstr("'asked' is not in run.json: a run"));
+    EXPECT_THAT(run({"get", "asked", "--of", "run.json"}).err,
+                HasSubstr("'asked' is not known: run.json names it and does not tell whether it was set\n"));
+    EXPECT_THAT(run({"explain", "ONCE", "--of", "run.json"}).out,
+                HasSubstr("\nONCE is not known: run.json names it and does not tell whether it was set\nread as"));
     EXPECT_THAT(run({"explain", "once", "--of", "run2.json"}).out, HasSubstr("\nonce is not set\n"));
     // So it is where the user asks what would be without an assignment.
     EXPECT_EQ(run({"get", "effort", "--without", "effort", "--of", "run2.json"}).err,
@@ -470,7 +473,7 @@ TEST_F(STATES, what_a_run_report_leaves_out_is_told_from_what_is_unset)
          "'QUIET' is set and was never read: other.json does not record its value", true, nullptr, 0},
         {"odd", "odd is set, its value is not recorded\nread: 2 times\nread as: not known\n", 0,
          "odd\tset, value not recorded\n", "'odd' is set: other.json does not record its value", true, nullptr, 2},
-        {"once", "once is not set\n", 1, nullptr, "'once' is not set", false, "", nullptr},
+        {"once", "once is not set\nread: 1 time\n", 1, nullptr, "'once' is not set", false, "", 1},
         {"asked", "asked is not set\nread: 7 times\n", 1, nullptr, "'asked' is not set", false, "", 7},
         {"other", "other is not set\n", 1, nullptr, "'other' is not set", false, "", nullptr},
     };
@@ -506,9 +509,10 @@ TEST_F(STATES, what_a_run_report_leaves_out_is_told_from_what_is_unset)
     EXPECT_EQ(run({"layers", "--of", "other.json", "--json"}).json().back(),
               R"({"layer": "unknown", "file": null, "line": null, "item": null, "text": null, "name": "odd",
                   "value": null, "effect": "counts", "winner": null})"_json);
-    EXPECT_THAT(run({"list", "--read", "--of", "other.json"}).out,
-                HasSubstr("\n7\tasked\tnot set\n3\tmax_fanout=12\n2\todd\tset, value not recorded\n"
-                          "1\tmsg_sqlite=off\n0\tQuiet\tset, value not recorded, never read\n0\teffort=5\n"));
+    EXPECT_THAT(
+        run({"list", "--read", "--of", "other.json"}).out,
+        HasSubstr("\n7\tasked\tnot set\n3\tmax_fanout=12\n2\todd\tset, value not recorded\n"
+                  "1\tmsg_sqlite=off\n1\tonce\tnot set\n0\tQuiet\tset, value not recorded, never read\n0\teffort=5\n"));
     EXPECT_THAT(run({"explain", "effort", "--of", "other.json"}).out, HasSubstr("\nread: never\n"));
     EXPECT_THAT(run({"list", "--external", "--of", "other.json"}).out, Not(HasSubstr("Quiet")));
     // What the user asks to see changed is known again.
@@ -516,6 +520,19 @@ TEST_F(STATES, what_a_run_report_leaves_out_is_told_from_what_is_unset)
     EXPECT_EQ(run({"get", "quiet", "--without", "quiet", "--of", "other.json"}),
               (TOOL_RUN{1, "", "velmar-cfg: 'quiet' is not set\n"}));
     EXPECT_THAT(run({"list", "--read", "--with", "QUIET=3", "--of", "other.json"}).out, HasSubstr("\n0\tQUIET=3\n"));
+}
+
+TEST_F(STATES, what_a_snapshot_could_not_read_is_told_by_diff)
+{
+    nlohmann::json snapshot = nlohmann::json::parse(read_file("snapshot.json"));
+    snapshot["problems"].push_back({{"of", "settings"}, {"text", "x/velmar.ini: Permission denied"}});
+    write_file("blind.json", snapshot.dump());
+    for (const ARGUMENTS& arguments : {ARGUMENTS{"diff", "blind.json", "project"}, {"diff", "project", "blind.json"}})
+    {
+        const TOOL_RUN compared = run(arguments);
+        EXPECT_EQ(compared.exit_code, 3);
+        EXPECT_EQ(compared.err, "velmar-cfg: blind.json: x/velmar.ini: Permission denied\n");
+    }
 }
 
 // Version 1 does not tell what is unset from what was set and never read.

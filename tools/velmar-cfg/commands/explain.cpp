@@ -77,7 +77,7 @@ void write_text(const EXPLANATION& explanation, const STATE& state, OUTPUT& out)
     else if (explanation.is_set == false)
         out << name << " is not set\n";
     else
-        out << name << " is not known: " << state.limits << "\n";
+        out << name << " " << state.why_not_known(explanation.name) << "\n";
     if (const std::optional<std::uint64_t> count = state.reads_of(explanation.name))
         out << "read: " << reads_in_words(*count) << "\n";
     if (explanation.assignments.empty() && explanation.is_set != false)

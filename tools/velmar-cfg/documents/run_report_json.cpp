@@ -53,7 +53,10 @@ void write_source(JSON_WRITER& out, const RUN_SOURCE& source)
 
 void write_circumstances(JSON_WRITER& out, const RUN_REPORT& report)
 {
-    out.field("outcome", report.outcome);
+    if (report.outcome_number)
+        out.field("outcome", *report.outcome_number);
+    else
+        out.field("outcome", report.outcome);
     out.field("host", report.host);
     out.field("process", report.process);
     out.field("directory", report.directory);

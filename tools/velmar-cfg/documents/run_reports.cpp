@@ -14,7 +14,6 @@
 #include "tools/velmar-cfg/documents/run_reports.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -22,6 +21,7 @@
 #include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/json_reader.h"
+#include "tools/velmar-cfg/base/text.h"
 
 namespace
 {
@@ -102,12 +102,12 @@ RUN_SOURCE read_source_row(const JSON_NODE& row, SECRETS& secrets)
     return source;
 }
 
-std::optional<std::string> read_outcome(const JSON_NODE& outcome)
+void read_outcome(const JSON_NODE& outcome, RUN_REPORT& report)
 {
     if (outcome.is_text())
-        return outcome.text();
-    const std::optional<double> number = outcome.double_or_null();
-    return number ? std::optional(nlohmann::json(*number).dump()) : std::nullopt;
+        report.outcome = outcome.text();
+    else if ((report.outcome_number = outcome.double_or_null()))
+        report.outcome = number_as_text(*report.outcome_number);
 }
 
 std::optional<std::string> path_of_last(LAYER_KIND layer, const std::vector<RUN_SOURCE>& sources)
@@ -131,7 +131,7 @@ std::vector<std::string> read_names(const JSON_NODE& list)
 
 void read_what_version_2_adds(const JSON_NODE& root, RUN_REPORT& report, SECRETS& secrets)
 {
-    report.outcome = read_outcome(root.member("outcome"));
+    read_outcome(root.member("outcome"), report);
     report.host = root.member("host").text_or_null();
     report.process = root.member("process").natural_number_or_null();
     report.directory = root.member("directory").text_or_null();

@@ -95,7 +95,8 @@ struct RUN_REPORT
     std::vector<std::string> asked_once;
     std::vector<std::string> set_never_read;
 
-    std::optional<std::string> outcome; // "pass", "fail" or a number as a text
+    std::optional<std::string> outcome;   // "pass", "fail" or a number as a text
+    std::optional<double> outcome_number; // the same number, where JSON has it as one
     std::optional<std::string> host;
     std::optional<std::uint64_t> process;
     std::optional<std::string> directory;

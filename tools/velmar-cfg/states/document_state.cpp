@@ -190,6 +190,8 @@ std::vector<READ_COUNT> reads_of(const RUN_REPORT& report)
         reads.push_back({variable.name, variable.count});
     for (const UNREAD_VARIABLE& variable : report.external_never_read)
         reads.push_back({variable.name, 0});
+    for (const std::string& name : report.asked_once)
+        reads.push_back({name, 1});
     for (const std::string& name : report.set_never_read)
         reads.push_back({name, 0});
     return reads;
@@ -229,7 +231,8 @@ void add_problems(const SNAPSHOT_BASIS& basis, const std::string& path, const ST
 {
     for (const SNAPSHOT_PROBLEM& problem : basis.problems)
     {
-        if (parts.checks || parts.basis || (problem.of_preferences ? parts.preferences : parts.settings))
+        if (parts.checks || parts.basis || parts.snapshot ||
+            (problem.of_preferences ? parts.preferences : parts.settings))
             files.add_problem(title_of_named_file(path) + ": " + problem.text);
     }
 }
@@ -266,6 +269,9 @@ STATE state_of(const RUN_REPORT& report, const std::string& path)
                  (report.run == report.file ? "" : title_of_named_file(path) + ", ") + "release " + report.release +
                  circumstances_in_words(report) + ")";
     state.reads = reads_of(report);
+    state.undecided.insert(report.uncounted.begin(), report.uncounted.end());
+    for (const READ_VARIABLE& variable : report.read)
+        state.undecided.insert(variable.name); // those that have a value do not come to this question
     state.snapshot = snapshot_of(report);
     return state;
 }

@@ -40,6 +40,12 @@ ABSENT_VARIABLE STATE::absent_variable(const std::string& variable) const
     return is_unset ? ABSENT_VARIABLE::UNSET : ABSENT_VARIABLE::NOT_KNOWN;
 }
 
+std::string STATE::why_not_known(const std::string& variable) const
+{
+    return undecided.contains(variable) ? "is not known: " + name + " names it and does not tell whether it was set"
+                                        : "is not in " + name + ": " + limits;
+}
+
 std::vector<std::string_view> STATE::variables_not_recorded(const SETTINGS& settings) const
 {
     std::vector<std::string_view> names;

@@ -96,6 +96,12 @@ struct STATE
     // Whether every variable that no layer sets is known to be unset.
     bool knows_unset = true;
 
+    // What a document names without telling whether it was set; not asked where every unset variable is known.
+    VARIABLE_NAMES undecided;
+
+    // Why it is not known what a variable is that no layer sets, as the end of a sentence that begins with the name.
+    std::string why_not_known(const std::string& variable) const;
+
     // What is known of this one if no layer sets it.
     ABSENT_VARIABLE absent_variable(const std::string& variable) const;
 

@@ -35,6 +35,6 @@ TYPED_ANSWER answer_of_state(const STATE& state, const SETTINGS& settings, const
                                     " does not record its value");
     }
     else if (!answer.remark.empty())
-        answer.remark = "'" + name + "' is not in " + state.name + ": " + state.limits;
+        answer.remark = "'" + name + "' " + state.why_not_known(name);
     return answer;
 }

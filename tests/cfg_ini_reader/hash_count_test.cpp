@@ -12,10 +12,13 @@
 
 using namespace zon_cfg;
 
-std::size_t
-hash_name_itself(std::string_view name) asm("__real__ZN7zon_cfg9hash_nameESt17basic_string_viewIcSt11char_traitsIcEE");
-std::size_t
-count_hash(std::string_view name) asm("__wrap__ZN7zon_cfg9hash_nameESt17basic_string_viewIcSt11char_traitsIcEE");
+#ifdef _LIBCPP_VERSION
+#define SYMBOL_OF_HASH_NAME "_ZN7zon_cfg9hash_nameENSt3__117basic_string_viewIcNS0_11char_traitsIcEEEE"
+#else
+#define SYMBOL_OF_HASH_NAME "_ZN7zon_cfg9hash_nameESt17basic_string_viewIcSt11char_traitsIcEE"
+#endif
+std::size_t hash_name_itself(std::string_view name) asm("__real_" SYMBOL_OF_HASH_NAME);
+std::size_t count_hash(std::string_view name) asm("__wrap_" SYMBOL_OF_HASH_NAME);
 
 namespace
 {

@@ -2,11 +2,11 @@
 #include "tools/velmar-cfg/lint/settings_rules.h"
 
 #include <algorithm>
-#include <ctime>
 #include <gtest/gtest.h>
 #include <random>
 #include <set>
 
+#include "tests/support/processor_time.h"
 #include "tests/velmar_cfg/settings_generator.h"
 #include "tools/velmar-cfg/settings/settings.h"
 
@@ -86,26 +86,6 @@ TEST(LINT_MODEL, says_of_each_line_what_becomes_of_it)
     EXPECT_GT(ignored, 150);
 }
 
-double processor_seconds()
-{
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
-}
-
-template <typename WORK>
-double least_seconds(WORK work)
-{
-    double least = 1e9;
-    for (int i = 0; i < 3; ++i)
-    {
-        const double start = processor_seconds();
-        work();
-        least = std::min(least, processor_seconds() - start);
-    }
-    return least;
-}
-
 // A file of distinct names takes about ten times what it takes to find out which variables it sets. With a table of
 // letters by letters for each known variable of about a name's length, it took hundreds of times that.
 TEST(LINT_MODEL, takes_a_small_multiple_of_the_time_of_a_load)
@@ -118,8 +98,8 @@ TEST(LINT_MODEL, takes_a_small_multiple_of_the_time_of_a_load)
             words[random() % words.size()] + "_" + words[random() % words.size()] + "_" + std::to_string(i) + " = 1\n";
     const LAYERS layers = {
         {LAYER_KIND::MAIN_FILE, std::make_shared<const INPUT_FILE>(INPUT_FILE{"velmar.ini", text, {}})}};
-    const double load = least_seconds([&] { const SETTINGS settings(layers); });
-    const double lint = least_seconds([&] { lint_settings(layers, [](const FINDING&) {}); });
+    const double load = least_processor_seconds([&] { const SETTINGS settings(layers); });
+    const double lint = least_processor_seconds([&] { lint_settings(layers, [](const FINDING&) {}); });
     EXPECT_LT(lint, 60 * load);
 }
 }

@@ -148,9 +148,9 @@ TEST_F(LINT_FIX, takes_a_file_that_is_named_twice_once)
 // business.
 TEST_F(LINT_FIX, writes_secrets_as_they_are_and_shows_none)
 {
-    write_file("velmar.ini", "api_token = \"hush-hush-1\"\n'password' = 'hush-hush-2' # old: hush-hush-3\n"
+    write_file("velmar.ini", "api_token = \"hush-hush-1\"\n'secret' = 'hush-hush-2' # old: hush-hush-3\n"
                              "token = hush-hush-4\rhush-hush-5\npass word = hush-hush-6\nb = yes\n");
-    const std::string after = "api_token = hush-hush-1\npassword = 'hush-hush-2' # old: hush-hush-3\n"
+    const std::string after = "api_token = hush-hush-1\nsecret = 'hush-hush-2' # old: hush-hush-3\n"
                               "token = hush-hush-4\rhush-hush-5\npass_word = hush-hush-6\nb = on\n";
     for (const char* const format : {"--json", "--color=never"})
         EXPECT_THAT(run({"lint", "--fix", "--dry-run", "velmar.ini", format}).out, Not(HasSubstr("hush")));

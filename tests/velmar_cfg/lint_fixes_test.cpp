@@ -40,24 +40,32 @@ TEST_P(FIXES, make_of_the_file)
 
 INSTANTIATE_TEST_SUITE_P(
     table, FIXES,
-    testing::Values(FIXED{"", "", 0}, FIXED{"a = 1 # note\n", "a = 1 # note\n", 0}, FIXED{"a = yes", "a = on", 1},
-                    FIXED{"[x]\n\nmsg_sqlite = yes # y\r\nb = 1\n", "# [x]\n\nmsg_sqlite = on # y\r\nb = 1\n", 2},
-                    FIXED{"g=1 h=2\r\nb = 1\r\n", "g=1\r\nh=2\r\nb = 1\r\n", 1},
-                    FIXED{"\xef\xbb\xbf"
-                          "a = yes\n",
-                          "a = on\n", 1},
-                    // The lines set the same variable.
-                    FIXED{"max fanout = 1\nmax fanout = 2\n", "max_fanout = 1\nmax_fanout = 2\n", 2},
-                    FIXED{"max fanout = 1\nc = yes\n\"max_fanout\" = 2\n", "max_fanout = 1\nc = on\nmax_fanout = 2\n",
-                          3},
-                    // A guess does not cost the value that another line gives.
-                    FIXED{"path = /keep\nexport PATH = /other\n", "path = /keep\nexport PATH = /other\n", 0},
-                    FIXED{"msg_sqlite = off\nMSGSQLITE on\n", "msg_sqlite = off\nMSGSQLITE on\n", 0},
-                    FIXED{"h = 3\ng=1 h=2\n", "h = 3\ng=1 h=2\n", 0},
-                    // What would be overridden, and what a person must decide, stays.
-                    FIXED{"\"m\" = 2\nm = 3\n", "\"m\" = 2\nm = 3\n", 0},
-                    FIXED{"a = x#y\nb = 1\nb = 2\n", "a = x#y\nb = 1\nb = 2\n", 0},
-                    FIXED{"a=1\rb=yes\r\n", "a=1\nb=on\r\n", 1}));
+    testing::Values(
+        FIXED{"", "", 0}, FIXED{"a = 1 # note\n", "a = 1 # note\n", 0}, FIXED{"a = yes", "a = on", 1},
+        FIXED{"[x]\n\nmsg_sqlite = yes # y\r\nb = 1\n", "# [x]\n\nmsg_sqlite = on # y\r\nb = 1\n", 2},
+        FIXED{"g=1 h=2\r\nb = 1\r\n", "g=1\r\nh=2\r\nb = 1\r\n", 1},
+        FIXED{"\xef\xbb\xbf"
+              "a = yes\n",
+              "a = on\n", 1},
+        // The lines set the same variable.
+        FIXED{"max fanout = 1\nmax fanout = 2\n", "max_fanout = 1\nmax_fanout = 2\n", 2},
+        FIXED{"max fanout = 1\nc = yes\n\"max_fanout\" = 2\n", "max_fanout = 1\nc = on\nmax_fanout = 2\n", 3},
+        // Lines that come to set one variable keep their order, so that the last one decides.
+        FIXED{"k: 1\nk: 2\n", "k = 1\nk = 2\n", 2},
+        // A variable that a line sets already keeps its value, also where another line seems to mean it.
+        FIXED{"path = /keep\nexport PATH = /other\n", "path = /keep\nexport PATH = /other\n", 0},
+        FIXED{"msg_sqlite = off\nMSGSQLITE on\n", "msg_sqlite = off\nMSGSQLITE on\n", 0},
+        FIXED{"h = 3\ng=1 h=2\n", "h = 3\ng=1 h=2\n", 0}, FIXED{"aa=2\n\"AA\"=3\n", "aa=2\n\"AA\"=3\n", 0},
+        FIXED{"aa=2\naa: 1\rbar=2\n", "aa=2\naa: 1\rbar=2\n", 0},
+        FIXED{"bar=3\naa=1\rbar=2\n", "bar=3\naa=1\rbar=2\n", 0}, FIXED{"b ?= 1\nb = 2\n", "b ?= 1\nb = 2\n", 0},
+        FIXED{"\xef\xbb\xbf"
+              "a = yes\na = off\n",
+              "\xef\xbb\xbf"
+              "a = yes\na = off\n",
+              0},
+        // What would be overridden, and what a person must decide, stays.
+        FIXED{"\"m\" = 2\nm = 3\n", "\"m\" = 2\nm = 3\n", 0},
+        FIXED{"a = x#y\nb = 1\nb = 2\n", "a = x#y\nb = 1\nb = 2\n", 0}, FIXED{"a=1\rb=yes\r\n", "a=1\nb=on\r\n", 1}));
 
 TEST(IGNORED_REASONS, keep_their_lines)
 {
@@ -152,15 +160,15 @@ std::vector<std::string> lines_of(const std::string& text)
     return lines;
 }
 
-// The variables of the lines that only one of the texts has.
-std::set<std::string> variables_of_changed_lines(const std::string& before, const std::string& after)
+// The variables of the lines that the text has and the other has not.
+std::set<std::string> variables_of_own_lines(const std::string& text, const std::string& other)
 {
-    std::vector<std::string> a = lines_of(before);
-    std::vector<std::string> b = lines_of(after);
+    std::vector<std::string> a = lines_of(text);
+    std::vector<std::string> b = lines_of(other);
     std::ranges::sort(a);
     std::ranges::sort(b);
     std::vector<std::string> changed;
-    std::ranges::set_symmetric_difference(a, b, std::back_inserter(changed));
+    std::ranges::set_difference(a, b, std::back_inserter(changed));
     std::set<std::string> names;
     for (const std::string& line : changed)
     {
@@ -240,9 +248,16 @@ TEST(RANDOM_FIXES, leave_no_suggestion_and_every_other_variable)
         const std::string after = fixed(before);
         changed += after == before ? 0 : 1;
         ASSERT_EQ(fixed(after), after) << "'" << before << "' became '" << after << "'";
-        const std::set<std::string> named = variables_of_changed_lines(before, after);
+        const std::set<std::string> replaced = variables_of_own_lines(before, after);
         std::map<std::string, std::string> values_before = folded_values(before);
         std::map<std::string, std::string> values_after = folded_values(after);
+        std::set<std::string> named = replaced;
+        for (const std::string& name : variables_of_own_lines(after, before))
+        {
+            ASSERT_TRUE(replaced.contains(name) || !values_before.contains(name))
+                << name << " of another line: '" << before << "' became '" << after << "'";
+            named.insert(name);
+        }
         for (const std::string& name : named)
         {
             values_before.erase(name);

@@ -43,18 +43,8 @@ const std::string* suggestion_of(const std::vector<FINDING>& findings, const REA
     return text;
 }
 
-// Whether it is a guess that the line was meant to set what its replacement sets: it assigns nothing as it stands, or
-// has one of these findings.
-bool is_guess(const STATEMENT& statement, const std::vector<FINDING>& findings)
-{
-    constexpr std::string_view reasons[] = {"almost-known", "blanks-in-name", "second-assignment"};
-    return statement.outcome != OUTCOME::STORED ||
-           std::ranges::any_of(findings, [&reasons](const FINDING& finding)
-                               { return std::ranges::find(reasons, finding.reason) != std::end(reasons); });
-}
-
 // Whether the text in the place of the line sets a variable that the line does not set, and that something set before
-// any fix.
+// any fix. Which of the two values was meant is for a person to decide.
 bool sets_what_others_set(const STATEMENT& statement, const std::string& replacement, const SETTINGS& before)
 {
     return std::ranges::any_of(names_set_in(replacement),
@@ -97,8 +87,7 @@ std::vector<TEXT_EDIT> edits_of_round(const LAYERS& layers, std::size_t index, c
             if (statement.layer != index)
                 return;
             const std::string* const replacement = suggestion_of(findings, ignored);
-            if (replacement == nullptr ||
-                (is_guess(statement, findings) && sets_what_others_set(statement, *replacement, before)))
+            if (replacement == nullptr || sets_what_others_set(statement, *replacement, before))
                 return;
             const std::vector<std::string> names = names_set_in(*replacement);
             if (!can_go_now(names, spellings))

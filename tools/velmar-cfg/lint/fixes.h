@@ -24,7 +24,9 @@ struct FIXED_TEXT
 // with the replacement, and whose reason is `ignored`, stay.
 //
 // A replacement changes no variable but those that the line sets and that the lines in its place set. A line stays
-// where it is a guess what it was meant to set, and something else sets that already: a guess does not cost a value.
+// where the lines in its place would set a variable that it does not set and that something else sets already: which
+// value was meant is for a person to decide. Where several lines come to set one variable, the last one decides, as
+// always, and the others have the finding 'overridden'.
 FIXED_TEXT fix_findings(LAYERS layers, std::size_t index, const REASONS& ignored);
 
 // The first variable that is set in one of the two and differs in the other, but for those that are `named`.

@@ -156,7 +156,7 @@ const COMMAND_ROW commands[] = {
 nlohmann::json as_version_2(nlohmann::json snapshot)
 {
     for (const char* const member :
-         {"user", "host", "directory", "taken", "tool", "search", "findings", "problems", "sources", "lines"})
+         {"user", "host", "directory", "taken", "tool", "as", "search", "findings", "problems", "sources", "lines"})
         snapshot.erase(member);
     snapshot["schema_version"] = 2;
     return snapshot;

@@ -27,12 +27,12 @@ struct DIFF_OPTIONS
     std::vector<std::string> sections;
 };
 
-// A snapshot says itself for what it was taken.
+// A snapshot says itself for what it was taken, but for whose view it is.
 COMPARED_SNAPSHOT side_of(STATE state)
 {
     const bool says_itself = state.is_document && !state.snapshot->of_run;
     if (says_itself)
-        state.view.clear();
+        state.view = state.snapshot->basis ? state.snapshot->basis->view_in_words() : "";
     return {state.name, *std::move(state.snapshot), state.heading()};
 }
 

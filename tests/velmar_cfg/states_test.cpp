@@ -844,6 +844,38 @@ TEST_F(STATES, options_that_say_otherwise_are_refused)
     EXPECT_EQ(run({"--root", "root", "list", "--of", "project"}).exit_code, 0);
     EXPECT_EQ(run({"lint", "velmar.ini", "--of", "project"}),
               (TOOL_RUN{2, "", "velmar-cfg: --of and files exclude each other\n"}));
+    // Whether the directories exist does not matter then.
+    EXPECT_EQ(run({"list", "--of", "snapshot.json", "--root", "gone"}),
+              (TOOL_RUN{2, "",
+                        "velmar-cfg: --root is for what is read here: snapshot.json has its own installation; leave "
+                        "--root out\n"}));
+    EXPECT_EQ(run({"list", "--of", "project", "--project", "gone"}).exit_code, 2);
+    EXPECT_EQ(run({"list", "--of", "project", "--root", "gone"}).exit_code, 3);
+    EXPECT_EQ(run({"prefs", "get", "HDL_PREFERENCE", "--of", "gone.json", "--root", "root"}).exit_code, 2);
+}
+
+TEST_F(STATES, a_diff_takes_a_root_for_the_side_that_is_read_here)
+{
+    write_file("root/bin/velmar.ini", "place = root\n");
+    write_file("empty/readme", "");
+    write_file("empty.json", run({"snapshot", "--of", "empty"}).out);
+    ASSERT_EQ(unlink("velmar.ini"), 0);
+    const std::string refusal = "velmar-cfg: --root is for what is read here: A and B have installations of their own; "
+                                "leave --root out\n";
+    for (const ARGUMENTS& sides : {ARGUMENTS{"run.json", "snapshot.json"}, ARGUMENTS{"snapshot.json", "gone.json"},
+                                   ARGUMENTS{"exe:opt/velmar/bin/velmar", "run.json"}})
+    {
+        EXPECT_EQ(run(ARGUMENTS{"diff"} + sides + ARGUMENTS{"--root", "root"}), (TOOL_RUN{2, "", refusal}));
+        EXPECT_EQ(run(ARGUMENTS{"diff"} + sides + ARGUMENTS{"--root", "gone"}), (TOOL_RUN{2, "", refusal}));
+    }
+    for (const ARGUMENTS& sides :
+         {ARGUMENTS{"empty.json"}, ARGUMENTS{"empty.json", "empty"}, ARGUMENTS{"empty", "empty.json"}})
+    {
+        SCOPED_TRACE(spoken(sides));
+        EXPECT_THAT(run(ARGUMENTS{"diff", "--root", "root", "--only", "variables"} + sides).out,
+                    HasSubstr("  place, by main settings file\n"));
+    }
+    EXPECT_EQ(run({"diff", "run.json", "snapshot.json", "--project", "gone"}).exit_code, 2);
 }
 
 TEST_F(STATES, what_changes_files_is_of_here_and_now)

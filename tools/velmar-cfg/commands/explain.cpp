@@ -138,6 +138,6 @@ void add_explain_command(COMMAND app, TOOL& tool)
         "      which file of a regression run sets max_fanout, and what the others set",
         [options, &tool] { return explain(*options, tool); });
     command.add_argument("NAME", options->name, "The variable, in any letter case");
-    add_state_option(command, options->state);
+    add_state_option(command, options->state, tool);
     add_what_if_options(command, options->state.what_if);
 }

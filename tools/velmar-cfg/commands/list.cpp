@@ -224,7 +224,7 @@ void add_list_command(COMMAND app, TOOL& tool)
                      "catalogue has none");
     command.add_flag("--read", options->kinds.by_reads,
                      "With a run report: show how often the run read each variable, the most read first");
-    add_state_option(command, options->state);
+    add_state_option(command, options->state, tool);
     add_what_if_options(command, options->state.what_if);
     command.add_nul_flag(tool);
 }

@@ -214,7 +214,7 @@ void add_list(COMMAND prefs, TOOL& tool)
     command.add_flag("--all", options->all, "Also those that have their default value");
     command.add_flag("--changed", options->changed,
                      "Only those that differ from the default; letter case does not count");
-    add_state_option(command, options->state);
+    add_state_option(command, options->state, tool);
     command.add_nul_flag(tool);
 }
 
@@ -225,7 +225,7 @@ COMMAND add_keyed(COMMAND prefs, TOOL& tool, const std::string& name, const std:
     COMMAND command =
         prefs.add_command(tool, name, description, example, [options, run, &tool] { return run(*options, tool); });
     command.add_argument("KEY", options->key, "The preference, in any letter case");
-    add_state_option(command, options->state);
+    add_state_option(command, options->state, tool);
     return command;
 }
 }

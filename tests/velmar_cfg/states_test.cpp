@@ -522,6 +522,47 @@ TEST_F(STATES, what_a_run_report_leaves_out_is_told_from_what_is_unset)
     EXPECT_THAT(run({"list", "--read", "--with", "QUIET=3", "--of", "other.json"}).out, HasSubstr("\n0\tQUIET=3\n"));
 }
 
+TEST_F(STATES, a_name_without_a_value_may_be_meant)
+{
+    nlohmann::json report = nlohmann::json::parse(run_report_2);
+    report["set_never_read"] = {"Quietly"};
+    write_file("run2.json", report.dump());
+    struct ROW
+    {
+        const char* typed;
+        const char* report;
+        const char* meant; // null for none
+    };
+    const ROW rows[] = {
+        {"asekd", "run.json", "asked"},
+        {"onse", "run.json", "once"},
+        {"max_fanotu", "run.json", "max_fanout"},
+        {"efort", "run.json", "effort"},
+        {"asekd", "run2.json", "asked"},
+        {"onse", "run2.json", "once"},
+        {"quitely", "run2.json", "Quietly"},
+        // The name itself is not another, and one that is known is not mistyped.
+        {"ONCE", "run.json", nullptr},
+        {"ONCE", "run2.json", nullptr},
+        {"debug_msg", "run.json", nullptr},
+        {"xyzzy", "run.json", nullptr},
+    };
+    for (const ROW& row : rows)
+    {
+        SCOPED_TRACE(std::string(row.typed) + " of " + row.report);
+        const TOOL_RUN got = run({"get", row.typed, "--of", row.report});
+        EXPECT_EQ(got.exit_code, 1);
+        const std::string meant = row.meant == nullptr ? "" : row.meant;
+        EXPECT_EQ(got.err.find("did you mean") != std::string::npos, row.meant != nullptr) << got.err;
+        EXPECT_THAT(got.err, HasSubstr(row.meant == nullptr ? "\n" : ", did you mean '" + meant + "'?\n"));
+        const std::string explained = run({"explain", row.typed, "--of", row.report}).out;
+        EXPECT_EQ(explained.find("hint:") != std::string::npos, row.meant != nullptr) << explained;
+        EXPECT_THAT(explained,
+                    HasSubstr(row.meant == nullptr ? "" : "\nhint: there is also '" + meant + "'; is that the one?\n"));
+    }
+    EXPECT_EQ(run({"explain", "max_fanot", "--of", "run.json", "--json"}).json().at("hints").size(), 1U);
+}
+
 TEST_F(STATES, what_a_snapshot_could_not_read_is_told_by_diff)
 {
     nlohmann::json snapshot = nlohmann::json::parse(read_file("snapshot.json"));

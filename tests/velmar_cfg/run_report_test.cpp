@@ -311,11 +311,12 @@ TEST_F(RUN_REPORT, merge_lists_what_no_run_read)
 })"));
 }
 
-TEST_F(RUN_REPORT, merge_with_an_empty_switch_is_one_without)
+TEST_F(RUN_REPORT, merge_with_an_empty_switch_asks_for_that_name)
 {
-    const TOOL_RUN without = run({"run-report", "--merge", "cpu.json", "gpu.json"});
-    EXPECT_THAT(without.out, testing::HasSubstr("read by none of 2 runs"));
-    EXPECT_EQ(run({"run-report", "--merge", "--switch", "", "cpu.json", "gpu.json"}), without);
+    const TOOL_RUN asked = run({"run-report", "--merge", "--switch", "", "cpu.json", "gpu.json"});
+    EXPECT_EQ(asked.exit_code, 1);
+    EXPECT_EQ(asked.err, "velmar-cfg: no report contains ''\n");
+    EXPECT_THAT(asked.out, testing::HasSubstr("was read by 0 of 2 runs"));
 }
 
 TEST_F(RUN_REPORT, merge_of_runs_that_read_everything_lists_nothing)

@@ -521,13 +521,16 @@ TEST_F(RUN_REPORT, merge_counts_values_and_shows_a_few)
     {
         const std::string name = "run" + std::to_string(i);
         nlohmann::json report = nlohmann::json::parse(unnamed_run);
-        report["run"] = name;
+        report["run"] = "";
         report["external_never_read"] = {{{"name", "seed"}, {"value", "s" + std::to_string(i % 20)}}};
+        report["uncounted"] = nlohmann::json::array();
+        write_file("set_in_" + name, report.dump());
+        report["external_never_read"] = nlohmann::json::array();
         report["uncounted"] = {"SEED"};
         write_file(name, report.dump());
-        arguments.push_back(name);
+        arguments.insert(arguments.end(), {"set_in_" + name, name});
     }
-    EXPECT_EQ(run(arguments), (TOOL_RUN{0, R"(Set from outside and read by none of 40 runs
+    EXPECT_EQ(run(arguments), (TOOL_RUN{0, R"(Set from outside and read by none of 80 runs
   seed=s1, s2, s3 and 17 more  set in 40 runs
     perhaps asked for once, while unset, by run1, run2, run3 and 37 more
 )",

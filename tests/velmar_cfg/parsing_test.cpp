@@ -180,6 +180,12 @@ TEST_F(PARSING, what_is_wrong_is_told_with_the_command_s_help)
           ROW{{"group", "take", "--quick", "--", "a", "--quick"},
               "'--quick' stands behind \"--\", so it is an argument, and there is one too many; put options before "
               "\"--\"; see tool group take --help"},
+          ROW{{"group", "take", "-z", "--", "a", "-z"},
+              "'-z' stands behind \"--\", so it is an argument, and there is one too many; put options before \"--\"; "
+              "see tool group take --help"},
+          ROW{{"--dir", "--limt", "group", "take", "--", "a", "--limt"},
+              "'--limt' stands behind \"--\", so it is an argument, and there is one too many; put options before "
+              "\"--\"; see tool group take --help"},
           ROW{{"group", "take", "--", "a", "--limt=1"},
               "'--limt' stands behind \"--\", so it is an argument, and there is one too many; put options before "
               "\"--\"; see tool group take --help"},

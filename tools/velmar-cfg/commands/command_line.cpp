@@ -151,10 +151,8 @@ bool knows_option(const CLI::App* command, const std::string& name)
     return false;
 }
 
-// The command behind whose name the word stands for the first time without being one of its options; null where it
-// stands behind "--" only.
-const CLI::App* command_that_does_not_know(const std::string& option, const CLI::App& app, int argc,
-                                           const char* const* argv)
+// Whether the word stands before "--", in a place where it is no option of the command that is named before it.
+bool is_unknown_in_its_place(const std::string& option, const CLI::App& app, int argc, const char* const* argv)
 {
     const CLI::App* command = &app;
     for (int i = 1; i < argc && std::string_view(argv[i]) != "--"; ++i)
@@ -162,22 +160,21 @@ const CLI::App* command_that_does_not_know(const std::string& option, const CLI:
         const std::string word = argv[i];
         const std::string name = option_in(word);
         if (word == option && !knows_option(command, name))
-            return command;
+            return true;
         if (word == name && takes_value(command, name))
             ++i;
         else if (const CLI::App* const named = subcommand_of(command, word); named != nullptr)
             command = named;
     }
-    return nullptr;
+    return false;
 }
 
 // What is wrong with a word that begins with a hyphen and was left over.
 std::string surplus_option(const CLI::App& app, CLI::App* command, const std::string& word, int argc,
                            const char* const* argv)
 {
-    const CLI::App* const not_known_to = command_that_does_not_know(word, app, argc, argv);
     const std::string name = option_in(word);
-    if (not_known_to == nullptr)
+    if (!is_unknown_in_its_place(word, app, argc, argv))
         return "'" + name +
                "' stands behind \"--\", so it is an argument, and there is one too many; put options before "
                "\"--\"";

@@ -561,6 +561,13 @@ TEST_F(STATES, a_name_without_a_value_may_be_meant)
                     HasSubstr(row.meant == nullptr ? "" : "\nhint: there is also '" + meant + "'; is that the one?\n"));
     }
     EXPECT_EQ(run({"explain", "max_fanot", "--of", "run.json", "--json"}).json().at("hints").size(), 1U);
+    // Nor is one that the report names.
+    nlohmann::json alike = nlohmann::json::parse(run_report);
+    alike["uncounted"] = {"once", "onces"};
+    write_file("alike.json", alike.dump());
+    EXPECT_THAT(run({"get", "once", "--of", "alike.json"}).err,
+                testing::EndsWith("does not tell whether it was set\n"));
+    EXPECT_THAT(run({"get", "oncez", "--of", "alike.json"}).err, testing::EndsWith(", did you mean 'once'?\n"));
 }
 
 TEST_F(STATES, what_a_snapshot_could_not_read_is_told_by_diff)

@@ -73,6 +73,16 @@ TEST_F(COMMAND_LINE, an_unknown_option_is_told_with_what_may_be_meant)
         {{"explain", "a", "-"}, "The following argument was not expected: -; see velmar-cfg explain"},
         {{"list", "--of", ".", "--of", "."}, "'--of' may be given only once; see velmar-cfg list"},
         {{"list", "--of"}, "'--of' needs a value: STATE; see velmar-cfg list"},
+        {{"--of", "x", "list"}, "'--of' goes after the command: velmar-cfg list --of; see velmar-cfg list"},
+        {{"--with", "A=B", "list"}, "'--with' goes after the command: velmar-cfg list --with; see velmar-cfg list"},
+        {{"prefs", "--of=x", "list"},
+         "'--of' goes after the command: velmar-cfg prefs list --of; see velmar-cfg prefs list"},
+        {{"--of", "x", "set", "a", "1"}, "only commands that show one state take '--of'; see velmar-cfg set"},
+        {{"--with", "A=B", "paths"},
+         "paths shows only where files are, which '--with' does not change; see velmar-cfg paths"},
+        {{"set", "a", "--", "-6", "--project", "m"},
+         "'--project' stands behind \"--\", so it is an argument, and there is one too many; put options before "
+         "\"--\"; see velmar-cfg set"},
         {{"prefs", "lst"}, "there is no command 'lst', did you mean 'list'?; see velmar-cfg prefs"},
         {{"help", "prefs", "lst"}, "there is no command 'lst', did you mean 'list'?; see velmar-cfg prefs"},
     };

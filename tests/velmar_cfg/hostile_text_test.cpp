@@ -119,6 +119,7 @@ protected:
         nlohmann::json snapshot = run({"snapshot", "--project", project.back()}).json();
         for (const char* const member : {"user", "host", "directory", "taken", "product", "release", "project"})
             snapshot[member] = hostile_utf_8;
+        snapshot["as"] = {{"process", 1}, {"executable", hostile_utf_8}};
         for (const char* const member : {"file", "place", "path", "remark"})
             snapshot["search"][0][member] = hostile_utf_8;
         snapshot["search"][0]["state"] = "read";

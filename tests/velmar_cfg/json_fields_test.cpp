@@ -95,7 +95,7 @@ const DOCUMENT documents[] = {
     {"lint --list-reasons", {{"lint", "--list-reasons"}, {"prefs", "lint", "--list-reasons"}}},
     {"lint --fix --dry-run", {{"lint", "--fix", "--dry-run"}}},
     {"set", {{"set", "max_fanout", "9", "--dry-run"}, {"unset", "max_fanout", "--dry-run"}}},
-    {"snapshot", {{"snapshot"}}},
+    {"snapshot", {{"snapshot"}, {"snapshot", "--of", "exe:/bin/sh"}}},
     {"diff",
      {{"diff", "before.json"}, {"diff", "other", "--used", "run.json"}, {"diff", "other", "--with", "max_fanout=9"}}},
     {"run-report", {{"run-report", "run.json"}}},
@@ -118,6 +118,7 @@ protected:
     JSON_FIELDS()
     {
         write_file("project/velmar.ini", "max_fanout = 12\n# max_fanout = 9\nno assignment\nname = \xff\n");
+        write_file("velmar.ini", "max_fanout = 14\n");
         write_file("other/velmar.ini", "max_fanout = 16\n");
         write_file("user/velmar2.ini", "[General 23.4_pro]\nHDL_PREFERENCE = VHDL\nno preference\n");
         write_file("given", "no preference\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n");

@@ -11,6 +11,8 @@ namespace
 {
 using namespace std::string_literals;
 
+using ARGUMENTS = std::vector<std::string>;
+
 class LIST : public TOOL_TEST
 {
 };
@@ -27,10 +29,30 @@ TEST_F(LIST, sorts_by_the_bytes_of_the_names_as_first_spelt)
     EXPECT_EQ(run({"list"}), (TOOL_RUN{0, "B_second=2\na=5\nb=1\n\xc3\xa9=4\n", ""}));
 }
 
-TEST_F(LIST, an_empty_pattern_is_none)
+// A line such as "= 3" sets one.
+TEST_F(LIST, an_empty_pattern_matches_the_empty_name_only)
 {
     write_file("project/velmar.ini", "a = 1\nb = 2\n");
-    EXPECT_EQ(run({"list", "", "--project", "project"}), (TOOL_RUN{0, "a=1\nb=2\n", ""}));
+    EXPECT_EQ(run({"list", "", "--project", "project"}), (TOOL_RUN{1, "", ""}));
+    EXPECT_EQ(run({"list", "", "--json", "--project", "project"}), (TOOL_RUN{1, "[]\n", ""}));
+    write_file("project/velmar.ini", "a = 1\n = 3\n");
+    EXPECT_EQ(run({"list", "", "--project", "project"}), (TOOL_RUN{0, "=3\n", ""}));
+    EXPECT_EQ(run({"list", "?*", "--project", "project"}), (TOOL_RUN{0, "a=1\n", ""}));
+    // So does that of other options.
+    write_file("other/velmar.ini", "a = 2\n = 4\n");
+    const ARGUMENTS compare = {"diff", "project", "other", "--only", "variables", "--json"};
+    const auto names = [&](const ARGUMENTS& more)
+    {
+        ARGUMENTS words = compare;
+        words.insert(words.end(), more.begin(), more.end());
+        std::vector<std::string> all;
+        const nlohmann::json document = run(words).json();
+        for (const nlohmann::json& row : document.at("variables"))
+            all.push_back(row.at("name"));
+        return all;
+    };
+    EXPECT_EQ(names({}), (std::vector<std::string>{"", "a"}));
+    EXPECT_EQ(names({"--ignore", ""}), (std::vector<std::string>{"a"}));
 }
 
 TEST_F(LIST, shows_the_variables_of_every_layer)

@@ -53,7 +53,7 @@ protected:
         }
         catch (const CLI::ParseError& error)
         {
-            return usage_complaint(app.get(), error);
+            return usage_complaint(app.get(), error, static_cast<int>(arguments.size()), arguments.data());
         }
     }
 
@@ -160,6 +160,38 @@ TEST_F(PARSING, what_is_wrong_is_told_with_the_command_s_help)
               "there is no option '--limt'; put -- before an argument that begins with \"-\"; see tool group take "
               "--help"},
           ROW{{"--limt", "group"}, "there is no option '--limt'; see tool group --help"},
+          // An option of the command has no place before it, and none behind "--".
+          ROW{{"--limit", "1", "group", "put", "x"},
+              "'--limit' goes after the command: tool group put --limit; see tool group put --help"},
+          ROW{{"--limit=1", "group", "put", "x"},
+              "'--limit' goes after the command: tool group put --limit; see tool group put --help"},
+          ROW{{"group", "-z", "take"}, "'-z' goes after the command: tool group take -z; see tool group take --help"},
+          ROW{{"--dir", "put", "--limit", "1", "group", "put", "x"},
+              "'--limit' goes after the command: tool group put --limit; see tool group put --help"},
+          ROW{{"--dir", "--limit", "group", "put", "x", "--limt"},
+              "there is no option '--limt', did you mean '--limit'?; see tool group put --help"},
+          ROW{{"--limit", "1", "group", "take"},
+              "there is no option '--limit'; put -- before an argument that begins with \"-\"; see tool group take "
+              "--help"},
+          ROW{{"--limit", "1"}, "there is no option '--limit'; see tool --help"},
+          ROW{{"group", "take", "--", "a", "--quick"},
+              "'--quick' stands behind \"--\", so it is an argument, and there is one too many; put options before "
+              "\"--\"; see tool group take --help"},
+          ROW{{"group", "take", "--quick", "--", "a", "--quick"},
+              "'--quick' stands behind \"--\", so it is an argument, and there is one too many; put options before "
+              "\"--\"; see tool group take --help"},
+          ROW{{"group", "take", "-z", "--", "a", "-z"},
+              "'-z' stands behind \"--\", so it is an argument, and there is one too many; put options before \"--\"; "
+              "see tool group take --help"},
+          ROW{{"--dir", "--limt", "group", "take", "--", "a", "--limt"},
+              "'--limt' stands behind \"--\", so it is an argument, and there is one too many; put options before "
+              "\"--\"; see tool group take --help"},
+          ROW{{"group", "take", "--", "a", "--limt=1"},
+              "'--limt' stands behind \"--\", so it is an argument, and there is one too many; put options before "
+              "\"--\"; see tool group take --help"},
+          ROW{{"group", "take", "--limt", "--", "a", "--limt"},
+              "there is no option '--limt'; put -- before an argument that begins with \"-\"; see tool group take "
+              "--help"},
           ROW{{"group", "put", "x", "--dry"}, "--dry requires --limit; see tool group put --help"}})
         EXPECT_EQ(parse(words), complaint) << testing::PrintToString(words);
     for (const auto& words : std::vector<std::vector<const char*>>{{"group", "put", "x", "--kind", "c"},

@@ -77,7 +77,8 @@ TEST_F(PREFS, list_takes_a_pattern)
              LISTED{{"show_message_id", "--all"}, 0, "SHOW_MESSAGE_ID "},
              LISTED{{"--changed"}, 0, "HDL_PREFERENCE MANAGED_FLOW_HDL_PREFERENCE "},
              LISTED{{"--all", "--changed"}, 0, "HDL_PREFERENCE MANAGED_FLOW_HDL_PREFERENCE "},
-             LISTED{{""}, 0, "HDL_PREFERENCE MANAGED_FLOW_HDL_PREFERENCE "},
+             LISTED{{""}, 1, ""}, // no preference has an empty name
+             LISTED{{"", "--all"}, 1, ""},
              LISTED{{"HDL"}, 1, ""},
          })
     {

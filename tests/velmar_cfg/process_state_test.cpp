@@ -210,6 +210,34 @@ TEST_F(PROCESS_STATE, problems_of_its_files_are_told)
     EXPECT_THAT(got.err, HasSubstr("velmar.ini: "));
 }
 
+// Whoever reads the document later cannot ask the process any more.
+TEST_F(PROCESS_STATE, a_snapshot_names_the_process_that_it_is_of)
+{
+    const auto program = start_program({"HOME=" + its("home")});
+    const TOOL_RUN taken = run({"snapshot", "--of", program->state()});
+    nlohmann::json document = taken.json();
+    EXPECT_EQ(document.at("as"),
+              (nlohmann::json{{"process", program->number()}, {"executable", its("opt/bin/velmar")}}));
+    EXPECT_EQ(document.at("directory"), its("cwd"));
+    const std::string view = "as process " + std::to_string(program->number()) + " (" + its("opt/bin/velmar") +
+                             ", in " + its("cwd") + ") started";
+    program->end();
+    document["user"] = "ana";
+    document["host"] = "farm7";
+    document["taken"] = "2026-11-22T08:00:00Z";
+    write_file("its.json", document.dump());
+    const std::string its_view =
+        view + ", as snapshot its.json has it (velmar 23.4, taken 2026-11-22T08:00:00Z by ana on farm7)";
+    EXPECT_EQ(run({"list", "--of", "its.json"}).out, its_view + "\nplace=its/cwd\n");
+    EXPECT_EQ(run({"get", "place", "--of", "its.json", "--json"}).json().at("view"), its_view);
+    EXPECT_EQ(run({"snapshot", "--of", "its.json"}).json(), document);
+    // The title of a side is the document's already.
+    EXPECT_EQ(run({"diff", "its.json", "own", "--json"}).json().at("a").at("view"), view);
+    EXPECT_THAT(run({"diff", "its.json", "own"}).out, StartsWith("A  its.json (velmar 23.4; " + view + ")\nB  own ("));
+    EXPECT_EQ(run({"diff", "own", "its.json", "--with", "x=1", "--json"}).json().at("b").at("view"),
+              view + "; what if: with x=1");
+}
+
 // --- Refusals ---
 
 TEST_F(PROCESS_STATE, a_process_that_has_ended_is_refused)
@@ -430,6 +458,26 @@ TEST_F(EXECUTABLE_STATE, names_its_files_from_the_root_on)
     EXPECT_THAT(run({"list", "--show-origin", "--of", "exe:its/opt/bin/velmar"}).out,
                 HasSubstr("\n" + its("appended.ini") + ":1\tappended=its\n"));
     EXPECT_THAT(run({"list", "--show-origin"}).out, StartsWith("its/appended.ini:1\tappended=its\n"));
+}
+
+TEST_F(EXECUTABLE_STATE, a_snapshot_names_the_executable_that_it_is_of)
+{
+    make_waiting_executable(its("opt/bin/velmar"));
+    nlohmann::json document = run({"snapshot", "--of", "exe:its/opt/bin/velmar"}).json();
+    EXPECT_EQ(document.at("as"), (nlohmann::json{{"process", nullptr}, {"executable", its("opt/bin/velmar")}}));
+    document["user"] = "ana";
+    document["host"] = nullptr;
+    document["taken"] = "2026-11-22T08:00:00Z";
+    write_file("its.json", document.dump());
+    EXPECT_THAT(run({"list", "--of", "its.json"}).out,
+                StartsWith("as " + its("opt/bin/velmar") + " would read, started in " + temporary.path("cwd") +
+                           ", as snapshot its.json has it (velmar 23.4, taken 2026-11-22T08:00:00Z by ana)\n"));
+    // Nobody wrote down where.
+    document["directory"] = nullptr;
+    write_file("its.json", document.dump());
+    EXPECT_THAT(run({"list", "--of", "its.json"}).out,
+                StartsWith("as " + its("opt/bin/velmar") + " would read, as snapshot its.json has it "));
+    EXPECT_EQ(run({"snapshot"}).json().at("as"), nullptr);
 }
 
 TEST_F(EXECUTABLE_STATE, what_is_no_executable_is_refused)

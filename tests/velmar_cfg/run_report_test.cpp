@@ -311,11 +311,12 @@ TEST_F(RUN_REPORT, merge_lists_what_no_run_read)
 })"));
 }
 
-TEST_F(RUN_REPORT, merge_with_an_empty_switch_is_one_without)
+TEST_F(RUN_REPORT, merge_with_an_empty_switch_asks_for_that_name)
 {
-    const TOOL_RUN without = run({"run-report", "--merge", "cpu.json", "gpu.json"});
-    EXPECT_THAT(without.out, testing::HasSubstr("read by none of 2 runs"));
-    EXPECT_EQ(run({"run-report", "--merge", "--switch", "", "cpu.json", "gpu.json"}), without);
+    const TOOL_RUN asked = run({"run-report", "--merge", "--switch", "", "cpu.json", "gpu.json"});
+    EXPECT_EQ(asked.exit_code, 1);
+    EXPECT_EQ(asked.err, "velmar-cfg: no report contains ''\n");
+    EXPECT_THAT(asked.out, testing::HasSubstr("was read by 0 of 2 runs"));
 }
 
 TEST_F(RUN_REPORT, merge_of_runs_that_read_everything_lists_nothing)
@@ -520,13 +521,16 @@ TEST_F(RUN_REPORT, merge_counts_values_and_shows_a_few)
     {
         const std::string name = "run" + std::to_string(i);
         nlohmann::json report = nlohmann::json::parse(unnamed_run);
-        report["run"] = name;
+        report["run"] = "";
         report["external_never_read"] = {{{"name", "seed"}, {"value", "s" + std::to_string(i % 20)}}};
+        report["uncounted"] = nlohmann::json::array();
+        write_file("set_in_" + name, report.dump());
+        report["external_never_read"] = nlohmann::json::array();
         report["uncounted"] = {"SEED"};
         write_file(name, report.dump());
-        arguments.push_back(name);
+        arguments.insert(arguments.end(), {"set_in_" + name, name});
     }
-    EXPECT_EQ(run(arguments), (TOOL_RUN{0, R"(Set from outside and read by none of 40 runs
+    EXPECT_EQ(run(arguments), (TOOL_RUN{0, R"(Set from outside and read by none of 80 runs
   seed=s1, s2, s3 and 17 more  set in 40 runs
     perhaps asked for once, while unset, by run1, run2, run3 and 37 more
 )",

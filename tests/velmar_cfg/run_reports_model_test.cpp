@@ -1,13 +1,16 @@
 // What several runs say together.
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 #include "tests/support/isolated_test.h"
 #include "tests/support/processor_time.h"
+#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/documents/run_reports.h"
 #include "tools/velmar-cfg/documents/snapshot_differences.h"
 
 namespace
 {
+using nlohmann::ordered_json;
 using testing::ElementsAre;
 using testing::StartsWith;
 
@@ -126,7 +129,124 @@ TEST(RUN_REPORTS_MODEL, gather_what_no_run_read)
 
 class RUN_REPORTS_FILES : public ISOLATED_TEST
 {
+protected:
+    static ordered_json report_2()
+    {
+        return ordered_json::parse(R"({"schema": "velmar-run-report", "schema_version": 2, "run": "r", "release": "1",
+            "outcome": null, "host": null, "process": 1, "directory": null, "executable": null, "started": null,
+            "ended": null, "environment": [{"name": "HOME", "value": null}, {"name": "VELMAR_INI", "value": null}],
+            "sources_complete": true, "sources": [],
+            "read": [{"name": "a", "count": 2, "value": "1", "external": true, "used": true, "origin": "program"},
+                     {"name": "b", "count": 1, "value": null, "external": false, "used": false, "origin": "unset"}],
+            "external_never_read": [{"name": "c", "value": "1", "origin": "program"},
+                                    {"name": "d", "value": "1", "origin": "unknown"}],
+            "asked_once": ["e", "f"], "set_never_read": ["g", "h"]})");
+    }
+
+    // The same run as version 1 has it.
+    static ordered_json report_1()
+    {
+        ordered_json json = report_2();
+        json["schema_version"] = 1;
+        json["files"] = {{"main", nullptr}, {"appended", nullptr}, {"regtest", nullptr}};
+        json["uncounted"] = {"e", "f"};
+        return json;
+    }
+
+    static std::string complaint_about(const ordered_json& json)
+    {
+        write_file("report.json", json.dump());
+        try
+        {
+            SECRETS secrets;
+            read_run_report("report.json", secrets);
+        }
+        catch (const TOOL_ERROR& error)
+        {
+            EXPECT_EQ(error.exit_code, EXIT_CODE::BAD_INPUT);
+            return error.what();
+        }
+        return "";
+    }
 };
+
+TEST_F(RUN_REPORTS_FILES, that_contradict_themselves_are_refused)
+{
+    struct ROW
+    {
+        const char* pointer;
+        const char* value;
+        const char* refused; // what is no row of its own
+    };
+    const ROW twice[] = {
+        {"/read/1/name", R"("A")", ".read[1]"},
+        {"/external_never_read/0/name", R"("a")", ".external_never_read[0]"},
+        {"/external_never_read/1/name", R"("C")", ".external_never_read[1]"},
+        {"/asked_once/0", R"("B")", ".asked_once[0]"},
+        {"/asked_once/1", R"("e")", ".asked_once[1]"},
+        {"/set_never_read/0", R"("A")", ".set_never_read[0]"},
+        {"/set_never_read/0", R"("d")", ".set_never_read[0]"},
+        {"/set_never_read/1", R"("F")", ".set_never_read[1]"},
+        {"/environment/1/name", R"("HOME")", ".environment[1]"},
+    };
+    for (const ROW& row : twice)
+    {
+        ordered_json json = report_2();
+        json[ordered_json::json_pointer(row.pointer)] = ordered_json::parse(row.value);
+        EXPECT_EQ(complaint_about(json), std::string("report.json: ") + row.refused +
+                                             " is no row of its own: there is another of that name; have the file "
+                                             "written again")
+            << row.pointer << " = " << row.value;
+    }
+    const ROW otherwise[] = {
+        {"/read/0/count", "-1", ".read[0].count is no natural number"},
+        {"/read/1/value", R"("1")", ".read[1].value is no null, as of a variable that is unset"},
+        {"/external_never_read/0/origin", R"("unset")",
+         ".external_never_read[0].value is no null, as of a variable that is unset"},
+    };
+    for (const ROW& row : otherwise)
+    {
+        ordered_json json = report_2();
+        json[ordered_json::json_pointer(row.pointer)] = ordered_json::parse(row.value);
+        EXPECT_EQ(complaint_about(json), std::string("report.json: ") + row.refused + "; have the file written again")
+            << row.pointer << " = " << row.value;
+    }
+    EXPECT_EQ(complaint_about(report_2()), "");
+    EXPECT_EQ(complaint_about(report_1()), "");
+}
+
+// It has U+FFFD for every byte that is no UTF-8.
+TEST_F(RUN_REPORTS_FILES, of_version_1_may_have_two_names_that_look_the_same)
+{
+    const char* const pointers[] = {"/read/0/name", "/read/1/name", "/external_never_read/0/name", "/uncounted/0"};
+    ordered_json json = report_1();
+    for (const char* const pointer : pointers)
+        json[ordered_json::json_pointer(pointer)] = "x\xef\xbf\xbd";
+    EXPECT_EQ(complaint_about(json), "");
+    json["schema_version"] = 2;
+    EXPECT_THAT(complaint_about(json), StartsWith("report.json: .read[1] is no row of its own"));
+    json = report_1();
+    json["uncounted"][0] = "A";
+    EXPECT_THAT(complaint_about(json), StartsWith("report.json: .uncounted[0] is no row of its own"));
+}
+
+TEST_F(RUN_REPORTS_FILES, take_four_times_the_time_for_four_times_the_names)
+{
+    const auto seconds_for = [](std::size_t count)
+    {
+        ordered_json json = report_2();
+        for (std::size_t i = 0; i < count; ++i)
+            json["set_never_read"].push_back("name_" + std::to_string(i));
+        write_file("report.json", json.dump());
+        return least_processor_seconds(
+            [&]
+            {
+                SECRETS secrets;
+                EXPECT_EQ(read_run_report("report.json", secrets).set_never_read.size(), count + 2);
+            });
+    };
+    EXPECT_LT(ratio_of_seconds(seconds_for, 2'000, 8'000, 9), 9) << "the square would take sixteen times as long";
+}
 
 TEST_F(RUN_REPORTS_FILES, that_cannot_be_read_are_told_in_order)
 {

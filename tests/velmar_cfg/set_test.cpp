@@ -290,7 +290,7 @@ TEST_F(SET, names_a_directory_that_does_not_exist)
         run({"set", "a", "1", "--file", "nowhere/velmar.ini"}),
         (TOOL_RUN{4, "", "velmar-cfg: nowhere/velmar.ini: No such file or directory; make the directory first\n"}));
     EXPECT_EQ(run({"set", "a", "1", "--file", "project"}).exit_code, 3); // a directory
-    EXPECT_EQ(run({"set", "a", "1", "--file", "."}).exit_code, 4);
+    EXPECT_EQ(run({"set", "a", "1", "--file", "."}).exit_code, 3);
     EXPECT_EQ(run({"set", "a", "1", "--file", "-"}).exit_code, 2);
     EXPECT_EQ(run({"set", "a", "1", "--file="}).exit_code, 2);
     EXPECT_EQ(run({"--project", "nowhere", "set", "a", "1"}).exit_code, 3);
@@ -454,7 +454,8 @@ TEST_F(SET, refuses_what_is_no_file_before_anything_is_made_beside_it)
 {
     ASSERT_EQ(mkfifo("project/pipe", 0600), 0);
     std::filesystem::create_directory("project/directory");
-    for (const char* const path : {"/dev/null", "project/pipe", "project/directory"})
+    std::filesystem::create_symlink("/", "project/root");
+    for (const char* const path : {"/dev/null", "project/pipe", "project/directory", "/", "project/root"})
     {
         const TOOL_RUN dry = run({"set", "--file", path, "a", "1", "--dry-run"});
         // Where nothing can be made, an attempt would be told instead.
@@ -462,8 +463,32 @@ TEST_F(SET, refuses_what_is_no_file_before_anything_is_made_beside_it)
         EXPECT_EQ(run_without_rights({"set", "--file", path, "a", "1"}), dry) << path;
         ASSERT_EQ(chmod("project", 0755), 0);
         EXPECT_EQ(dry.exit_code, 3) << path;
-        EXPECT_THAT(dry.err, testing::AnyOf(HasSubstr(": is no regular file"), HasSubstr(": is a directory"))) << path;
+        EXPECT_THAT(dry.err, testing::AnyOf(HasSubstr(": is no regular file"), HasSubstr(": is a directory"),
+                                            HasSubstr(": is a link to a directory")))
+            << path;
     }
+}
+
+// Nothing can be read there, whoever asks.
+TEST_F(SET, ends_as_list_does_where_links_lead_in_a_circle)
+{
+    std::filesystem::create_directory("project");
+    std::filesystem::create_symlink("velmar.ini", file);
+    std::filesystem::create_symlink("circle", "circle");
+    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+             {"list"}, {"lint"}, {"set", "a", "1"}, {"set", "a", "1", "--dry-run"}, {"unset", "a"}, {"lint", "--fix"}})
+    {
+        for (const char* const project : {"project", "circle"})
+        {
+            std::vector<std::string> with_project = words;
+            with_project.insert(with_project.end(), {"--project", project});
+            const TOOL_RUN got = run(with_project);
+            EXPECT_EQ(got.exit_code, 3) << testing::PrintToString(with_project);
+            EXPECT_THAT(got.err, HasSubstr("in a circle")) << testing::PrintToString(with_project);
+        }
+    }
+    EXPECT_EQ(run({"set", "a", "1", "--file", "circle"}),
+              (TOOL_RUN{3, "", "velmar-cfg: circle: links in a circle; remove one of them\n"}));
 }
 
 TEST_F(SET, refuses_a_text_of_which_no_line_is_read)

@@ -132,7 +132,7 @@ protected:
         json["schema_version"] = 3;
         const ordered_json basis = ordered_json::parse(R"({
             "user": "ana", "host": "farm7", "directory": "/proj", "taken": "2026-11-22T08:00:00Z",
-            "tool": "velmar-cfg 1.0.0",
+            "tool": "velmar-cfg 1.0.0", "as": {"process": 4711, "executable": "/opt/velmar"},
             "search": [{"file": "velmar.ini", "place": "HOME", "path": "/h/velmar.ini", "state": "shadowed",
                 "remark": "x"}],
             "findings": [{"file": "VELMAR_INI", "line": null, "item": 1, "column": 1, "severity": "warning",
@@ -221,7 +221,15 @@ TEST_F(SNAPSHOT_DOCUMENTS, of_version_3_are_written_as_they_were_read)
     bare["directory"] = nullptr;
     bare["search"][0]["path"] = nullptr;
     bare["problems"] = ordered_json::array();
+    bare["as"]["process"] = nullptr;
     EXPECT_EQ(json_of(read(bare)), bare.dump());
+    // One that does not say whose view it is is of nobody but the tool.
+    ordered_json own = document_3();
+    own["as"] = nullptr;
+    EXPECT_EQ(json_of(read(own)), own.dump());
+    ordered_json silent = document_3();
+    silent.erase("as");
+    EXPECT_EQ(json_of(read(silent)), own.dump());
 }
 
 TEST_F(SNAPSHOT_DOCUMENTS, have_the_texts_of_their_sources_byte_by_byte)
@@ -461,6 +469,10 @@ TEST_F(SNAPSHOT_DOCUMENTS, are_refused_with_lines_of_no_source)
         {"/problems/0/of", R"("files")", ".problems[0].of is no part of a snapshot that files are read for"},
         {"/user", "null", ".user is no text"},
         {"/taken", "7", ".taken is no text"},
+        {"/as", R"("process 4711")", ".as.process is missing"},
+        {"/as/process", R"("4711")", ".as.process is no natural number"},
+        {"/as/process", "0", ".as.process is no number of a process"},
+        {"/as/executable", "null", ".as.executable is no text"},
     };
     for (const ROW& row : rows)
     {

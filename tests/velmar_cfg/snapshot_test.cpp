@@ -28,8 +28,9 @@ TEST_F(SNAPSHOT, says_what_it_is_and_of_what)
 {
     write_file("project/readme", "");
     nlohmann::json document = run({"snapshot", "--project", "project", "--regtest"}).json();
-    for (const char* const member : {"user", "host", "directory", "taken", "tool", "search", "findings", "problems",
-                                     "sources", "lines", "files", "environment", "variables", "preferences"})
+    for (const char* const member :
+         {"user", "host", "directory", "taken", "tool", "as", "search", "findings", "problems", "sources", "lines",
+          "files", "environment", "variables", "preferences"})
         EXPECT_EQ(document.erase(member), 1U) << member;
     EXPECT_EQ(document, R"({"schema": "velmar-snapshot", "schema_version": 3, "product": "velmar", "release": "23.4",
                             "project": "project", "regtest": true})"_json);

@@ -156,7 +156,7 @@ const COMMAND_ROW commands[] = {
 nlohmann::json as_version_2(nlohmann::json snapshot)
 {
     for (const char* const member :
-         {"user", "host", "directory", "taken", "tool", "search", "findings", "problems", "sources", "lines"})
+         {"user", "host", "directory", "taken", "tool", "as", "search", "findings", "problems", "sources", "lines"})
         snapshot.erase(member);
     snapshot["schema_version"] = 2;
     return snapshot;
@@ -522,6 +522,54 @@ TEST_F(STATES, what_a_run_report_leaves_out_is_told_from_what_is_unset)
     EXPECT_THAT(run({"list", "--read", "--with", "QUIET=3", "--of", "other.json"}).out, HasSubstr("\n0\tQUIET=3\n"));
 }
 
+TEST_F(STATES, a_name_without_a_value_may_be_meant)
+{
+    nlohmann::json report = nlohmann::json::parse(run_report_2);
+    report["set_never_read"] = {"Quietly"};
+    write_file("run2.json", report.dump());
+    struct ROW
+    {
+        const char* typed;
+        const char* report;
+        const char* meant; // null for none
+    };
+    const ROW rows[] = {
+        {"asekd", "run.json", "asked"},
+        {"onse", "run.json", "once"},
+        {"max_fanotu", "run.json", "max_fanout"},
+        {"efort", "run.json", "effort"},
+        {"asekd", "run2.json", "asked"},
+        {"onse", "run2.json", "once"},
+        {"quitely", "run2.json", "Quietly"},
+        // The name itself is not another, and one that is known is not mistyped.
+        {"ONCE", "run.json", nullptr},
+        {"ONCE", "run2.json", nullptr},
+        {"debug_msg", "run.json", nullptr},
+        {"xyzzy", "run.json", nullptr},
+    };
+    for (const ROW& row : rows)
+    {
+        SCOPED_TRACE(std::string(row.typed) + " of " + row.report);
+        const TOOL_RUN got = run({"get", row.typed, "--of", row.report});
+        EXPECT_EQ(got.exit_code, 1);
+        const std::string meant = row.meant == nullptr ? "" : row.meant;
+        EXPECT_EQ(got.err.find("did you mean") != std::string::npos, row.meant != nullptr) << got.err;
+        EXPECT_THAT(got.err, HasSubstr(row.meant == nullptr ? "\n" : ", did you mean '" + meant + "'?\n"));
+        const std::string explained = run({"explain", row.typed, "--of", row.report}).out;
+        EXPECT_EQ(explained.find("hint:") != std::string::npos, row.meant != nullptr) << explained;
+        EXPECT_THAT(explained,
+                    HasSubstr(row.meant == nullptr ? "" : "\nhint: there is also '" + meant + "'; is that the one?\n"));
+    }
+    EXPECT_EQ(run({"explain", "max_fanot", "--of", "run.json", "--json"}).json().at("hints").size(), 1U);
+    // Nor is one that the report names.
+    nlohmann::json alike = nlohmann::json::parse(run_report);
+    alike["uncounted"] = {"once", "onces"};
+    write_file("alike.json", alike.dump());
+    EXPECT_THAT(run({"get", "once", "--of", "alike.json"}).err,
+                testing::EndsWith("does not tell whether it was set\n"));
+    EXPECT_THAT(run({"get", "oncez", "--of", "alike.json"}).err, testing::EndsWith(", did you mean 'once'?\n"));
+}
+
 TEST_F(STATES, what_a_snapshot_could_not_read_is_told_by_diff)
 {
     nlohmann::json snapshot = nlohmann::json::parse(read_file("snapshot.json"));
@@ -844,6 +892,38 @@ TEST_F(STATES, options_that_say_otherwise_are_refused)
     EXPECT_EQ(run({"--root", "root", "list", "--of", "project"}).exit_code, 0);
     EXPECT_EQ(run({"lint", "velmar.ini", "--of", "project"}),
               (TOOL_RUN{2, "", "velmar-cfg: --of and files exclude each other\n"}));
+    // Whether the directories exist does not matter then.
+    EXPECT_EQ(run({"list", "--of", "snapshot.json", "--root", "gone"}),
+              (TOOL_RUN{2, "",
+                        "velmar-cfg: --root is for what is read here: snapshot.json has its own installation; leave "
+                        "--root out\n"}));
+    EXPECT_EQ(run({"list", "--of", "project", "--project", "gone"}).exit_code, 2);
+    EXPECT_EQ(run({"list", "--of", "project", "--root", "gone"}).exit_code, 3);
+    EXPECT_EQ(run({"prefs", "get", "HDL_PREFERENCE", "--of", "gone.json", "--root", "root"}).exit_code, 2);
+}
+
+TEST_F(STATES, a_diff_takes_a_root_for_the_side_that_is_read_here)
+{
+    write_file("root/bin/velmar.ini", "place = root\n");
+    write_file("empty/readme", "");
+    write_file("empty.json", run({"snapshot", "--of", "empty"}).out);
+    ASSERT_EQ(unlink("velmar.ini"), 0);
+    const std::string refusal = "velmar-cfg: --root is for what is read here: A and B have installations of their own; "
+                                "leave --root out\n";
+    for (const ARGUMENTS& sides : {ARGUMENTS{"run.json", "snapshot.json"}, ARGUMENTS{"snapshot.json", "gone.json"},
+                                   ARGUMENTS{"exe:opt/velmar/bin/velmar", "run.json"}})
+    {
+        EXPECT_EQ(run(ARGUMENTS{"diff"} + sides + ARGUMENTS{"--root", "root"}), (TOOL_RUN{2, "", refusal}));
+        EXPECT_EQ(run(ARGUMENTS{"diff"} + sides + ARGUMENTS{"--root", "gone"}), (TOOL_RUN{2, "", refusal}));
+    }
+    for (const ARGUMENTS& sides :
+         {ARGUMENTS{"empty.json"}, ARGUMENTS{"empty.json", "empty"}, ARGUMENTS{"empty", "empty.json"}})
+    {
+        SCOPED_TRACE(spoken(sides));
+        EXPECT_THAT(run(ARGUMENTS{"diff", "--root", "root", "--only", "variables"} + sides).out,
+                    HasSubstr("  place, by main settings file\n"));
+    }
+    EXPECT_EQ(run({"diff", "run.json", "snapshot.json", "--project", "gone"}).exit_code, 2);
 }
 
 TEST_F(STATES, what_changes_files_is_of_here_and_now)

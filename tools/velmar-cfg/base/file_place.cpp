@@ -20,6 +20,12 @@ namespace
 {
 constexpr int most_links = 40; // as the kernel follows
 
+// What is there is no file, as for whoever only reads it.
+[[noreturn]] void fail_to_read(const std::string& path, const std::string& what)
+{
+    throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, path + ": " + what);
+}
+
 std::deque<std::string> components_of(const std::string& path)
 {
     std::deque<std::string> components;
@@ -64,7 +70,7 @@ FILE_PLACE::FILE_PLACE(const std::string& path)
 {
     walk(path);
     if (file_name.empty())
-        fail_to_write(path, "is a directory, not a file");
+        fail_to_read(path, "is a directory, not a file");
 }
 
 bool FILE_PLACE::has(int file, const std::string& name) const
@@ -119,12 +125,12 @@ void FILE_PLACE::walk(const std::string& path)
         if (S_ISLNK(found.st_mode))
         {
             if (++links > most_links)
-                fail_to_write(path, "links in a circle; remove one of them");
+                fail_to_read(path, "links in a circle; remove one of them");
             const std::string target = target_of_link(component.get(), found.st_uid);
             const std::deque<std::string> instead = components_of(target);
             rest.insert(rest.begin(), instead.begin(), instead.end());
             if (rest.empty())
-                fail_to_write(path, "is a link to a directory, not to a file");
+                fail_to_read(path, "is a link to a directory, not to a file");
             if (target.starts_with('/'))
             {
                 OPEN_FILE root(open("/", O_PATH | O_DIRECTORY | O_CLOEXEC));

@@ -15,8 +15,8 @@ class FILE_PLACE
 {
 public:
     // Follows the links of `path`. Root follows its own links only: anybody can put one into a directory of his to have
-    // root write elsewhere. Throws TOOL_ERROR(NOT_WRITTEN) for those, for links in a circle, and for a directory that
-    // does not exist or cannot be searched.
+    // root write elsewhere. Throws TOOL_ERROR(NOT_WRITTEN) for those and for a directory that does not exist or
+    // cannot be searched, and TOOL_ERROR(BAD_INPUT) for a directory and for links in a circle.
     explicit FILE_PLACE(const std::string& path);
 
     int directory() const

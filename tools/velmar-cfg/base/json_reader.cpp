@@ -70,6 +70,11 @@ void JSON_NODE::refuse(const char* wanted) const
     throw_bad_input(place->file, path() + " is no " + wanted + write_again);
 }
 
+void JSON_NODE::refuse_namesake() const
+{
+    refuse("row of its own: there is another of that name");
+}
+
 void JSON_NODE::require(bool fits, const char* wanted) const
 {
     if (!fits)

@@ -63,6 +63,9 @@ public:
     // Throws TOOL_ERROR(BAD_INPUT): the value is no `wanted`.
     [[noreturn]] void refuse(const char* wanted) const;
 
+    // The same for a row whose name another one has as well.
+    [[noreturn]] void refuse_namesake() const;
+
 private:
     std::string hash_of_64_bits() const;
     std::string masked_text() const;

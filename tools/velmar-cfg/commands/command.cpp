@@ -127,6 +127,11 @@ void COMMAND::add_nul_flag(TOOL& tool)
     add_flag("-z", tool.options.nul_terminated, "End each record with a zero byte, nothing escaped");
 }
 
+void COMMAND::add_check(TOOL& tool, std::function<void()> check)
+{
+    app->parse_complete_callback([&tool, check = std::move(check)] { tool.check = check; });
+}
+
 void COMMAND::require_with(const std::string& option, const std::string& other)
 {
     app->get_option(option)->needs(app->get_option(other));

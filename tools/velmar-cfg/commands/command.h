@@ -75,6 +75,9 @@ public:
     // The option -z, for a command whose records scripts read.
     void add_nul_flag(TOOL& tool);
 
+    // What is to be found out of the options before anything is read: TOOL::check, of which a command has one.
+    void add_check(TOOL& tool, std::function<void()> check);
+
     // Refuses `option` without `other`; both were added.
     void require_with(const std::string& option, const std::string& other);
 

@@ -3,7 +3,7 @@
 // Before it is parsed, "--option=" is made two words, since the parser would take the next word for the value, and
 // words such as "-html" are refused, which it would take for -h. Both stop at "--". When parsing fails, the complaint
 // is made here: the first word that was left over is compared with the names of the options or commands that may stand
-// there.
+// there. Where it stands is found by another walk over the words: the parser does not tell.
 //
 // A complaint may repeat words of the command line. without_typed_secrets() walks over those words once more and hides
 // in it the values that were typed together with a secret name.
@@ -52,14 +52,21 @@ std::string no_such_command(const CLI::App* app, const std::string& word)
     return "there is no command '" + word + "'" + did_you_mean(word, names);
 }
 
+// Null for none.
+const CLI::App* subcommand_of(const CLI::App* command, const std::string& name)
+{
+    const auto named = command->get_subcommands([&name](const CLI::App* one) { return one->get_name() == name; });
+    return named.empty() ? nullptr : named.front();
+}
+
 const CLI::App* command_of_words(const CLI::App* app, const std::vector<std::string>& words)
 {
     for (const std::string& word : words)
     {
-        const auto named = app->get_subcommands([&word](const CLI::App* one) { return one->get_name() == word; });
-        if (named.empty())
+        const CLI::App* const named = subcommand_of(app, word);
+        if (named == nullptr)
             throw TOOL_ERROR(EXIT_CODE::USAGE, no_such_command(app, word) + "; see " + spoken_name(app) + " --help");
-        app = named.front();
+        app = named;
     }
     return app;
 }
@@ -103,10 +110,16 @@ std::string why_no_what_if(const std::string& command, const std::string& option
     return "only commands that show variables of a state take '" + option + "'";
 }
 
+// "--text" of "--text=x".
+std::string option_in(const std::string& word)
+{
+    return word.substr(0, word.find('='));
+}
+
 // "there is no option '--jsno', did you mean '--json'?"
 std::string no_such_option(CLI::App* command, const std::string& word)
 {
-    const std::string name = word.substr(0, word.find('='));
+    const std::string name = option_in(word);
     if (name == state_option)
         return "only commands that show one state take '" + name + "'";
     if (name == with_option || name == without_option)
@@ -128,6 +141,48 @@ bool takes_value(const CLI::App* command, const std::string& name)
     return false;
 }
 
+bool knows_option(const CLI::App* command, const std::string& name)
+{
+    for (; command != nullptr; command = command->get_parent())
+    {
+        if (command->get_option_no_throw(name) != nullptr)
+            return true;
+    }
+    return false;
+}
+
+// Whether the word stands before "--", in a place where it is no option of the command that is named before it.
+bool is_unknown_in_its_place(const std::string& option, const CLI::App& app, int argc, const char* const* argv)
+{
+    const CLI::App* command = &app;
+    for (int i = 1; i < argc && std::string_view(argv[i]) != "--"; ++i)
+    {
+        const std::string word = argv[i];
+        const std::string name = option_in(word);
+        if (word == option && !knows_option(command, name))
+            return true;
+        if (word == name && takes_value(command, name))
+            ++i;
+        else if (const CLI::App* const named = subcommand_of(command, word); named != nullptr)
+            command = named;
+    }
+    return false;
+}
+
+// What is wrong with a word that begins with a hyphen and was left over.
+std::string surplus_option(const CLI::App& app, CLI::App* command, const std::string& word, int argc,
+                           const char* const* argv)
+{
+    const std::string name = option_in(word);
+    if (!is_unknown_in_its_place(word, app, argc, argv))
+        return "'" + name +
+               "' stands behind \"--\", so it is an argument, and there is one too many; put options before "
+               "\"--\"";
+    if (knows_option(command, name))
+        return "'" + name + "' goes after the command: " + spoken_name(command) + " " + name;
+    return no_such_option(command, word);
+}
+
 // The arguments with every "--option=" in two words: the parser would take the next word for its value.
 std::vector<std::string> with_empty_values_apart(const CLI::App& app, int argc, const char* const* argv)
 {
@@ -138,16 +193,15 @@ std::vector<std::string> with_empty_values_apart(const CLI::App& app, int argc, 
     {
         const std::string word = argv[i];
         options_ended = options_ended || word == "--";
-        const std::string name = word.substr(0, word.find('='));
+        const std::string name = option_in(word);
         if (!options_ended && word.size() == name.size() + 1 && takes_value(command, name))
         {
             words.push_back(name);
             words.emplace_back();
             continue;
         }
-        const auto named = command->get_subcommands([&word](const CLI::App* one) { return one->get_name() == word; });
-        if (!named.empty())
-            command = named.front();
+        if (const CLI::App* const named = subcommand_of(command, word); named != nullptr)
+            command = named;
         words.push_back(word);
     }
     return words;
@@ -266,14 +320,14 @@ std::string in_plain_words(const std::string& what)
     return what;
 }
 
-std::string usage_complaint(CLI::App* app, const CLI::ParseError& error)
+std::string usage_complaint(CLI::App* app, const CLI::ParseError& error, int argc, const char* const* argv)
 {
     CLI::App* const command = named_command(app);
     std::string what = in_plain_words(error.what());
     if (const std::vector<std::string> unknown = app->remaining(true); !unknown.empty())
     {
         if (unknown.front().starts_with('-') && unknown.front().size() > 1)
-            what = no_such_option(command, unknown.front());
+            what = surplus_option(*app, command, unknown.front(), argc, argv);
         else if (command->get_require_subcommand_min() > 0)
             what = no_such_command(command, unknown.front());
     }

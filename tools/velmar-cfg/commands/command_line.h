@@ -37,7 +37,7 @@ std::string spoken_name(const CLI::App* command);
 void parse_command_line(CLI::App& app, int argc, const char* const* argv);
 
 // One line that says what is wrong with the command line, and where the help stands.
-std::string usage_complaint(CLI::App* app, const CLI::ParseError& error);
+std::string usage_complaint(CLI::App* app, const CLI::ParseError& error, int argc, const char* const* argv);
 
 // The options of the tool and of all its commands, in each of their spellings.
 std::vector<std::string> all_options(CLI::App& app);

@@ -27,20 +27,32 @@ struct DIFF_OPTIONS
     std::vector<std::string> sections;
 };
 
-// A snapshot says itself for what it was taken.
+// A snapshot says itself for what it was taken, but for whose view it is.
 COMPARED_SNAPSHOT side_of(STATE state)
 {
     const bool says_itself = state.is_document && !state.snapshot->of_run;
     if (says_itself)
-        state.view.clear();
+        state.view = state.snapshot->basis ? state.snapshot->basis->view_in_words() : "";
     return {state.name, *std::move(state.snapshot), state.heading()};
+}
+
+STATE_NAME name_of_b(const DIFF_OPTIONS& options)
+{
+    return options.b ? state_name(*options.b) : STATE_NAME();
+}
+
+void require_no_contradiction(const DIFF_OPTIONS& options, const GLOBAL_OPTIONS& global)
+{
+    if (options.b && !global.scope.project.empty())
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "--project names what A is compared with, and so does B; leave one out");
+    if (!global.root.empty() && !state_name(options.a).is_read_here() && !name_of_b(options).is_read_here())
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "--root is for what is read here: A and B have installations of their own; "
+                                           "leave --root out");
 }
 
 EXIT_CODE diff(const DIFF_OPTIONS& options, TOOL& tool)
 {
     const SETTINGS_SCOPE& scope = tool.options.scope;
-    if (options.b && !scope.project.empty())
-        throw TOOL_ERROR(EXIT_CODE::USAGE, "--project names what A is compared with, and so does B; leave one out");
     scope.secrets->use_lasting_key();
     std::optional<RUN_REPORT> run;
     if (options.used)
@@ -52,8 +64,7 @@ EXIT_CODE diff(const DIFF_OPTIONS& options, TOOL& tool)
         complain(state_a.name + ": a run report names no project; compared with the settings of the current directory, "
                                 "--project DIR names others");
     scope_of_b.what_if = options.what_if;
-    STATE state_b =
-        read_state(options.b ? state_name(*options.b) : STATE_NAME(), {.snapshot = true}, scope_of_b, tool.files);
+    STATE state_b = read_state(name_of_b(options), {.snapshot = true}, scope_of_b, tool.files);
     const COMPARED_SNAPSHOT a = side_of(std::move(state_a));
     const COMPARED_SNAPSHOT b = side_of(std::move(state_b));
 
@@ -104,4 +115,5 @@ void add_diff_command(COMMAND app, TOOL& tool)
         [options](const std::string& section) { options->sections.push_back(section); },
         "Only this section: installation, environment, files, variables or preferences; may be repeated");
     add_what_if_options(command, options->what_if, " of B");
+    command.add_check(tool, [options, &tool] { require_no_contradiction(*options, tool.options); });
 }

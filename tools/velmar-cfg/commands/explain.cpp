@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
@@ -10,6 +11,7 @@
 #include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/lint/explanation.h"
+#include "tools/velmar-cfg/settings/known_variables.h"
 #include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
@@ -95,6 +97,20 @@ void write_text(const EXPLANATION& explanation, const STATE& state, OUTPUT& out)
         out << out.painted(STYLE::WARNING, "hint:") << " " << printable(hint.text) << "\n";
 }
 
+// What is spelt nearly so may also be a name without a value that the layers do not have.
+void add_names_in_report(EXPLANATION& explanation, const STATE& state, const SETTINGS& settings)
+{
+    std::vector<std::string> names = state.names_in_report();
+    if (names.empty() || explanation.known != nullptr)
+        return;
+    constexpr const char* reason = "near-miss";
+    std::erase_if(explanation.hints, [](const HINT& hint) { return hint.reason == reason; });
+    for (const std::vector<std::string>& others : {known_variable_names(), names_of_variables(settings)})
+        names.insert(names.end(), others.begin(), others.end());
+    if (const std::optional<std::string> nearest = nearest_name(explanation.name, names))
+        explanation.hints.push_back({reason, "there is also '" + *nearest + "'; is that the one?"});
+}
+
 struct EXPLAIN_OPTIONS
 {
     STATE_OPTIONS state;
@@ -108,6 +124,7 @@ EXIT_CODE explain(const EXPLAIN_OPTIONS& options, TOOL& tool)
     EXPLANATION explanation = explain_variable(options.name, settings);
     if (explanation.assignments.empty())
         explanation.is_set = is_set_without_value(state.absent_variable(options.name));
+    add_names_in_report(explanation, state, settings);
     if (tool.options.json)
     {
         answer_with_view(tool, state,
@@ -138,6 +155,6 @@ void add_explain_command(COMMAND app, TOOL& tool)
         "      which file of a regression run sets max_fanout, and what the others set",
         [options, &tool] { return explain(*options, tool); });
     command.add_argument("NAME", options->name, "The variable, in any letter case");
-    add_state_option(command, options->state);
+    add_state_option(command, options->state, tool);
     add_what_if_options(command, options->state.what_if);
 }

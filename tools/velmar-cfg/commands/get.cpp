@@ -163,7 +163,7 @@ void add_get_command(COMMAND app, TOOL& tool)
                        "How to read it: text (the default), bool, int, uint or double");
     command.add_option("--default", "VALUE", options->fallback,
                        "Print this when there is no usable value; it must be of the TYPE or empty");
-    add_state_option(command, options->state);
+    add_state_option(command, options->state, tool);
     add_what_if_options(command, options->state.what_if);
     command.add_nul_flag(tool);
 }

@@ -199,6 +199,6 @@ void add_layers_command(COMMAND app, TOOL& tool)
         "  velmar-cfg --project designs/cpu layers --overridden\n      the lines that have no effect",
         [options, &tool] { return show_layers(*options, tool); });
     command.add_flag("--overridden", options->only_overridden, "Only lines that lost or did nothing");
-    add_state_option(command, options->state);
+    add_state_option(command, options->state, tool);
     add_what_if_options(command, options->state.what_if);
 }

@@ -246,7 +246,7 @@ void add_lint_command(COMMAND app, TOOL& tool)
         "1 when there is an error.",
         "velmar-cfg lint --strict designs/cpu/velmar.ini\n      check one file; warnings too make the exit code 1",
         [options, &tool] { return lint(*options, tool); });
-    add_state_option(command, options->state);
+    add_state_option(command, options->state, tool);
     add_what_if_options(command, options->state.what_if);
     add_options(command, *options, "A settings file, or a preference file when it is called velmar2.ini");
     command.add_flag("--fix", options->fix,

@@ -25,11 +25,6 @@ struct LIST_OPTIONS
     LISTED_KINDS kinds;
     bool show_origin = false;
 
-    bool has_pattern() const
-    {
-        return pattern && !pattern->empty();
-    }
-
     bool with_defaults() const
     {
         return kinds.unset_too || kinds.only_changed;
@@ -38,8 +33,7 @@ struct LIST_OPTIONS
 
 bool wanted(const LIST_OPTIONS& options, const LISTED_VARIABLE& variable)
 {
-    return !options.has_pattern() ||
-           fnmatch(options.pattern->c_str(), std::string(variable.name).c_str(), FNM_CASEFOLD) == 0;
+    return !options.pattern || fnmatch(options.pattern->c_str(), std::string(variable.name).c_str(), FNM_CASEFOLD) == 0;
 }
 
 void write_row(const LIST_OPTIONS& options, JSON_WRITER& out, const LISTED_VARIABLE& variable)
@@ -193,7 +187,7 @@ EXIT_CODE list(const LIST_OPTIONS& options, TOOL& tool)
     }
     else if (found && as_table)
         table.write(tool.out);
-    return found || !options.has_pattern() ? EXIT_CODE::FINE : EXIT_CODE::FINDINGS;
+    return found || !options.pattern ? EXIT_CODE::FINE : EXIT_CODE::FINDINGS;
 }
 }
 
@@ -224,7 +218,7 @@ void add_list_command(COMMAND app, TOOL& tool)
                      "catalogue has none");
     command.add_flag("--read", options->kinds.by_reads,
                      "With a run report: show how often the run read each variable, the most read first");
-    add_state_option(command, options->state);
+    add_state_option(command, options->state, tool);
     add_what_if_options(command, options->state.what_if);
     command.add_nul_flag(tool);
 }

@@ -39,6 +39,7 @@ EXIT_CODE run(CLI::App& app, int argc, const char* const* argv, TOOL& tool)
     try
     {
         parse_command_line(app, argc, argv);
+        tool.check();
         apply_global_options(app, tool);
         end = tool.command();
     }
@@ -52,7 +53,7 @@ EXIT_CODE run(CLI::App& app, int argc, const char* const* argv, TOOL& tool)
     }
     catch (const CLI::ParseError& error)
     {
-        throw TOOL_ERROR(EXIT_CODE::USAGE, usage_complaint(&app, error));
+        throw TOOL_ERROR(EXIT_CODE::USAGE, usage_complaint(&app, error, argc, argv));
     }
     tool.out.finish();
     // What could be read has been answered, as the library goes on.

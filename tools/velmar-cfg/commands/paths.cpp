@@ -95,5 +95,5 @@ void add_paths_command(COMMAND app, TOOL& tool)
         "variables that take part.",
         "velmar-cfg --project designs/cpu paths\n      which velmar.ini a run in designs/cpu reads",
         [options, &tool] { return paths(*options, tool); });
-    add_state_option(command, *options);
+    add_state_option(command, *options, tool);
 }

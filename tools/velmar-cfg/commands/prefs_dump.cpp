@@ -46,5 +46,5 @@ void add_prefs_dump_command(COMMAND prefs, TOOL& tool)
         [options, &tool] { return dump(*options, tool); });
     command.add_flag("--changed", options->only_changed,
                      "Only those that differ from the default, even just in letter case");
-    add_state_option(command, options->state);
+    add_state_option(command, options->state, tool);
 }

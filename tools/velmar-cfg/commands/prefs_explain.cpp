@@ -96,5 +96,5 @@ void add_prefs_explain_command(COMMAND prefs, TOOL& tool)
                           "velmar-cfg prefs explain HDL_PREFERENCE\n      which release's line decides, and why",
                           [options, &tool] { return explain(*options, tool); });
     command.add_argument("KEY", options->key, "The preference, in any letter case");
-    add_state_option(command, options->state);
+    add_state_option(command, options->state, tool);
 }

@@ -55,18 +55,13 @@ struct PREFS_LIST_OPTIONS
     std::optional<std::string> pattern;
     bool all = false;
     bool changed = false;
-
-    bool has_pattern() const
-    {
-        return pattern && !pattern->empty();
-    }
 };
 
 bool is_wanted(const PREFS_LIST_OPTIONS& options, const PREFERENCE& preference)
 {
-    if (options.has_pattern() && fnmatch(options.pattern->c_str(), preference.key.c_str(), FNM_CASEFOLD) != 0)
+    if (options.pattern && fnmatch(options.pattern->c_str(), preference.key.c_str(), FNM_CASEFOLD) != 0)
         return false;
-    const bool only_changed = options.changed || (!options.all && !options.has_pattern());
+    const bool only_changed = options.changed || (!options.all && !options.pattern);
     return !only_changed || preference.differs_from_default();
 }
 
@@ -80,7 +75,7 @@ EXIT_CODE list(const PREFS_LIST_OPTIONS& options, TOOL& tool)
         if (preference && is_wanted(options, *preference))
             wanted.push_back(*std::move(preference));
     }
-    const EXIT_CODE exit_code = wanted.empty() && options.has_pattern() ? EXIT_CODE::FINDINGS : EXIT_CODE::FINE;
+    const EXIT_CODE exit_code = wanted.empty() && options.pattern ? EXIT_CODE::FINDINGS : EXIT_CODE::FINE;
     if (tool.options.json)
     {
         answer_in_json(tool, [&](JSON_WRITER& out) { out.list(wanted, write_json); });
@@ -214,7 +209,7 @@ void add_list(COMMAND prefs, TOOL& tool)
     command.add_flag("--all", options->all, "Also those that have their default value");
     command.add_flag("--changed", options->changed,
                      "Only those that differ from the default; letter case does not count");
-    add_state_option(command, options->state);
+    add_state_option(command, options->state, tool);
     command.add_nul_flag(tool);
 }
 
@@ -225,7 +220,7 @@ COMMAND add_keyed(COMMAND prefs, TOOL& tool, const std::string& name, const std:
     COMMAND command =
         prefs.add_command(tool, name, description, example, [options, run, &tool] { return run(*options, tool); });
     command.add_argument("KEY", options->key, "The preference, in any letter case");
-    add_state_option(command, options->state);
+    add_state_option(command, options->state, tool);
     return command;
 }
 }

@@ -242,7 +242,7 @@ EXIT_CODE merge(const RUN_REPORT_OPTIONS& options, TOOL& tool)
     const std::vector<RUN_REPORT>& reports = read.reports;
     if (reports.empty())
         return EXIT_CODE::BAD_INPUT;
-    if (options.switch_name && !options.switch_name->empty())
+    if (options.switch_name)
         return show_runs_of_switch(*options.switch_name, reports, tool);
 
     const std::vector<NEVER_READ_VARIABLE> variables = variables_that_no_run_read(reports);

@@ -83,5 +83,5 @@ void add_snapshot_command(COMMAND app, TOOL& tool)
         [options, &tool] { return snapshot(*options, tool); });
     command.add_option("-o,--output", "FILE", options->file,
                        "Write to this file, as a whole or not at all; - is standard output");
-    add_state_option(command, options->state);
+    add_state_option(command, options->state, tool);
 }

@@ -17,22 +17,26 @@ WHAT_IF assignment_of(const std::string& text)
     return {text.substr(0, equals), text.substr(equals + 1)};
 }
 
-void require_no_contradiction(const STATE_NAME& name, const TOOL& tool)
+void require_no_contradiction(const STATE_OPTIONS& options, const TOOL& tool)
 {
+    if (!options.of)
+        return;
+    const STATE_NAME name = state_name(*options.of);
     if (!tool.options.scope.project.empty())
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--of and --project exclude each other: a project is --of DIR too");
-    if (!tool.options.root.empty() && name.kind != STATE_NAME::KIND::PROJECT)
+    if (!tool.options.root.empty() && !name.is_read_here())
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--root is for what is read here: " + name.text +
                                                " has its own installation; leave --root out");
 }
 }
 
-void add_state_option(COMMAND& command, STATE_OPTIONS& options)
+void add_state_option(COMMAND& command, STATE_OPTIONS& options, TOOL& tool)
 {
     command.add_option(
         state_option, "STATE", options.of,
         "Answer for this state instead of the present one: a project's directory, a snapshot or run report, - for "
         "one on standard input, pid:NUMBER for a process, or exe:PATH for an executable");
+    command.add_check(tool, [&options, &tool] { require_no_contradiction(options, tool); });
 }
 
 void add_what_if_options(COMMAND& command, std::vector<WHAT_IF>& what_if, const std::string& whose)
@@ -51,12 +55,7 @@ void add_what_if_options(COMMAND& command, std::vector<WHAT_IF>& what_if, const 
 
 STATE state_of(const STATE_OPTIONS& options, const STATE_PARTS& parts, TOOL& tool, std::shared_ptr<SECRETS> secrets)
 {
-    STATE_NAME name;
-    if (options.of)
-    {
-        name = state_name(*options.of);
-        require_no_contradiction(name, tool);
-    }
+    const STATE_NAME name = options.of ? state_name(*options.of) : STATE_NAME();
     SETTINGS_SCOPE scope = tool.options.scope;
     scope.what_if = options.what_if;
     scope.secrets = std::move(secrets);

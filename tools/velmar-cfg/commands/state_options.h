@@ -21,8 +21,8 @@ inline constexpr const char* state_option = "--of";
 inline constexpr const char* with_option = "--with";
 inline constexpr const char* without_option = "--without";
 
-// The option --of.
-void add_state_option(COMMAND& command, STATE_OPTIONS& options);
+// The option --of, and the check that no global option contradicts it.
+void add_state_option(COMMAND& command, STATE_OPTIONS& options, TOOL& tool);
 
 // The options --with and --without, for commands about variables; `whose` ends the descriptions.
 void add_what_if_options(COMMAND& command, std::vector<WHAT_IF>& what_if, const std::string& whose = "");

@@ -31,6 +31,9 @@ struct TOOL
     INPUT_FILES files; // all that the command reads, each once
     OUTPUT out = OUTPUT(STDOUT_FILENO);
     std::function<EXIT_CODE()> command; // the one that the command line names
+
+    // Throws TOOL_ERROR(USAGE) where its options contradict each other: before any file is looked at.
+    std::function<void()> check = [] {};
 };
 
 // Answers with one JSON document, which `write` writes to the writer it is given.

@@ -27,6 +27,17 @@ std::string_view SNAPSHOT_SOURCE::text() const
     return is_inline ? std::string_view(file->bytes) : file->whole_lines();
 }
 
+std::string SNAPSHOT_BASIS::view_in_words() const
+{
+    if (!as)
+        return {};
+    const std::string where = directory ? "in " + *directory : "";
+    if (as->process)
+        return "as process " + std::to_string(*as->process) + " (" + as->executable + (directory ? ", " + where : "") +
+               ") started";
+    return "as " + as->executable + " would read" + (directory ? ", started " + where : "");
+}
+
 SNAPSHOT_VARIABLES::SNAPSHOT_VARIABLES(SETTINGS of_layers)
     : settings(std::move(of_layers)), order(settings->order_by_name())
 {

@@ -111,18 +111,29 @@ struct SNAPSHOT_PROBLEM
     std::string text;
 };
 
+// The other program whose view a snapshot is.
+struct SNAPSHOT_PROGRAM
+{
+    std::optional<std::uint64_t> process; // nothing for an executable that would have been started
+    std::string executable;
+};
+
 // Who took a snapshot, and all that the answers in it are made of. With it a snapshot answers as the machine did.
 struct SNAPSHOT_BASIS
 {
     std::string user;
     std::optional<std::string> host;
-    std::optional<std::string> directory; // the current one
+    std::optional<std::string> directory; // the current one, of a process its own
     std::string taken;                    // UTC
     std::string tool;                     // "velmar-cfg 1.0.0"
+    std::optional<SNAPSHOT_PROGRAM> as;   // nothing for what a program would read that is started there and then
     std::vector<FILE_CANDIDATE> search;
     std::vector<FINDING> findings; // beside those of the lines
     std::vector<SNAPSHOT_PROBLEM> problems;
     std::vector<SNAPSHOT_SOURCE> sources; // at most one of each role
+
+    // Whose view it is: "as process 4711 (/opt/velmar/bin/velmar, in /proj/cpu) started"; empty for the plain one.
+    std::string view_in_words() const;
 };
 
 struct SNAPSHOT

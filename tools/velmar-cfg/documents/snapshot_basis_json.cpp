@@ -34,6 +34,14 @@ void write_json(JSON_WRITER& out, const SNAPSHOT_PROBLEM& problem)
     out.end_object();
 }
 
+void write_json(JSON_WRITER& out, const SNAPSHOT_PROGRAM& program)
+{
+    out.begin_object();
+    out.field("process", program.process);
+    out.field("executable", program.executable);
+    out.end_object();
+}
+
 void write_json(JSON_WRITER& out, const SNAPSHOT_SOURCE& source)
 {
     out.begin_object();
@@ -82,6 +90,15 @@ FINDING read_finding(const JSON_NODE& row)
             row.member("message").text(),
             row.member("instead").text(),
             row.member("replacement").text_or_null()};
+}
+
+SNAPSHOT_PROGRAM read_program(const JSON_NODE& row)
+{
+    const JSON_NODE process = row.member("process");
+    SNAPSHOT_PROGRAM program{process.natural_number_or_null(), row.member("executable").text()};
+    if (program.process == std::uint64_t{0})
+        process.refuse("number of a process");
+    return program;
 }
 
 SNAPSHOT_PROBLEM read_problem(const JSON_NODE& row)
@@ -135,6 +152,11 @@ void write_fields(JSON_WRITER& out, const SNAPSHOT_BASIS& basis)
     out.field("directory", basis.directory);
     out.field("taken", basis.taken);
     out.field("tool", basis.tool);
+    out.key("as");
+    if (basis.as)
+        write_json(out, *basis.as);
+    else
+        out.value(std::nullopt);
     out.key("search");
     out.row_list(basis.search, write_row);
     out.key("findings");
@@ -231,11 +253,13 @@ std::vector<SNAPSHOT_SOURCE> SNAPSHOT_BASIS_READER::sources_of(const JSON_NODE& 
 
 SNAPSHOT_BASIS SNAPSHOT_BASIS_READER::finish_without_lines(const JSON_NODE& root)
 {
+    const std::optional<JSON_NODE> as = root.member_if_any("as");
     return {root.member("user").text(),
             root.member("host").text_or_null(),
             root.member("directory").text_or_null(),
             root.member("taken").text(),
             root.member("tool").text(),
+            as ? std::optional(read_program(*as)) : std::nullopt,
             read_list(root.member("search"), read_candidate),
             read_list(root.member("findings"), read_finding),
             read_list(root.member("problems"), read_problem),

@@ -12,8 +12,8 @@
 #include "tools/velmar-cfg/documents/snapshot.h"
 #include "tools/velmar-cfg/settings/secrets.h"
 
-// "user", "host", "directory", "taken", "tool", "search", "findings", "problems", "sources" and "lines": a line at a
-// time.
+// "user", "host", "directory", "taken", "tool", "as", "search", "findings", "problems", "sources" and "lines": a line
+// at a time.
 void write_fields(JSON_WRITER& out, const SNAPSHOT_BASIS& basis);
 
 // Takes the basis out of a document. The lines of a source come together, the sources in their order.

@@ -35,8 +35,6 @@ constexpr DOCUMENT_KIND snapshot_kind = {"velmar-snapshot", 3, "snapshot", "velm
 
 constexpr std::uint64_t version_with_basis = 3;
 
-constexpr const char* unlike_the_others = "row of its own: there is another of that name";
-
 // The rows of a list, in order, each read by `read`. Refuses a second row with the same name, which `name_of` gives.
 template <typename NAMES, typename READ, typename NAME_OF>
 auto read_rows(const JSON_NODE& list, READ read, NAME_OF name_of)
@@ -47,7 +45,7 @@ auto read_rows(const JSON_NODE& list, READ read, NAME_OF name_of)
     {
         rows.push_back(read(row));
         if (!names.insert(std::invoke(name_of, rows.back())).second)
-            row.refuse(unlike_the_others);
+            row.refuse_namesake();
     }
     return rows;
 }
@@ -115,7 +113,7 @@ void read_variable(const JSON_NODE& row, SNAPSHOT_VARIABLES& variables, LAYER_SE
     if (hidden)
         secret_layers.insert_all(layers);
     if (!variables.add({name, value, external, location, layers, hidden ? TYPED_READINGS() : readings}))
-        row.refuse(unlike_the_others);
+        row.refuse_namesake();
 }
 
 SNAPSHOT_PREFERENCE read_preference(const JSON_NODE& row, SECRETS& secrets)

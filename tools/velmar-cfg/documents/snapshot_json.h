@@ -5,6 +5,8 @@
 //     project, regtest          the project's directory as given, null for none; whether regtest.ini was asked for
 //     user, host, directory     who took it, where, in which current directory; host and directory may be null
 //     taken, tool               when, in UTC; by which tool: "velmar-cfg 1.0.0"
+//     as                        whose view it is: process (null for an executable that would have been started) and
+//                               executable; null, or missing, for that of a program started there and then
 //     search                    each place where a file is looked for: file, place, path, state, remark
 //     findings                  what lint finds beside those of the lines: file, line, item, column, severity, reason,
 //                               message, instead, replacement

@@ -4,6 +4,9 @@
 // nor known, all layers are therefore walked again: O(n) time and memory for n assignments, and only then.
 #include "tools/velmar-cfg/settings/typed_answer.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/base/text.h"
@@ -11,17 +14,13 @@
 
 namespace
 {
-std::string why_not_set(const SETTINGS& settings, const std::string& name, bool suggest)
+std::string why_not_set(const SETTINGS& settings, const std::string& name, bool suggest,
+                        const std::vector<std::string>& other_names)
 {
     std::string not_set = "'" + name + "' is not set";
     if (const KNOWN_VARIABLE* const known = find_known_variable(name); known != nullptr)
         return not_set + (known->default_text.empty() ? "" : "; the catalogue's default is " + known->default_text);
-    if (!suggest)
-        return not_set;
-    std::vector<std::string> names = known_variable_names();
-    for (std::string& other : names_of_variables(SETTINGS(settings.layers())))
-        names.push_back(std::move(other));
-    return not_set + did_you_mean(name, names);
+    return suggest ? not_set + similar_variable(settings, name, other_names) : not_set;
 }
 
 std::string why_not_usable(const TYPED_ANSWER& answer)
@@ -34,7 +33,8 @@ std::string why_not_usable(const TYPED_ANSWER& answer)
 }
 
 TYPED_ANSWER answer_typed(const SETTINGS& settings, const std::string& name, READER_TYPE type,
-                          const std::optional<TYPED_VALUE>& fallback, bool suggest)
+                          const std::optional<TYPED_VALUE>& fallback, bool suggest,
+                          const std::vector<std::string>& other_names)
 {
     TYPED_ANSWER answer;
     answer.name = name;
@@ -56,8 +56,19 @@ TYPED_ANSWER answer_typed(const SETTINGS& settings, const std::string& name, REA
     else if (!answer.usable && fallback)
         answer.value = *fallback;
     else if (!answer.usable)
-        answer.remark = answer.is_set() ? why_not_usable(answer) : why_not_set(settings, name, suggest);
+        answer.remark = answer.is_set() ? why_not_usable(answer) : why_not_set(settings, name, suggest, other_names);
     return answer;
+}
+
+std::string similar_variable(const SETTINGS& settings, const std::string& name,
+                             const std::vector<std::string>& other_names)
+{
+    std::vector<std::string> names = known_variable_names();
+    for (std::string& other : names_of_variables(SETTINGS(settings.layers())))
+        names.push_back(std::move(other));
+    std::ranges::copy_if(other_names, std::back_inserter(names),
+                         [&name](const std::string& other) { return !same_name(other, name); });
+    return did_you_mean(name, names);
 }
 
 TYPED_VALUE default_of_type(READER_TYPE type, std::string_view text)

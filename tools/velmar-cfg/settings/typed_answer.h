@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/settings/settings.h"
@@ -37,9 +38,16 @@ struct TYPED_ANSWER
 };
 
 // `fallback` is what the reader gives as its default; none for a reader without one. The remark on a variable that is
-// not set suggests a similar name unless that is not wanted: it takes a walk over all names.
+// not set suggests a similar name unless that is not wanted: it takes a walk over all names. `other_names` may be meant
+// as well.
 TYPED_ANSWER answer_typed(const SETTINGS& settings, const std::string& name, READER_TYPE type,
-                          const std::optional<TYPED_VALUE>& fallback, bool suggest = true);
+                          const std::optional<TYPED_VALUE>& fallback, bool suggest = true,
+                          const std::vector<std::string>& other_names = {});
+
+// ", did you mean 'NEAREST'?", among the known variables, those of the layers, and the other names; or nothing. Not the
+// name itself.
+std::string similar_variable(const SETTINGS& settings, const std::string& name,
+                             const std::vector<std::string>& other_names);
 
 // A text as a default of that type. The empty text is one of every type. Throws TOOL_ERROR(USAGE) for a text that no
 // reader of the type could have as its default.

@@ -197,11 +197,12 @@ std::vector<READ_COUNT> reads_of(const RUN_REPORT& report)
     return reads;
 }
 
-// ", taken 2026-11-22T08:00:00Z by ana on farm7 in /proj/cpu", as far as that is known.
+// ", taken 2026-11-22T08:00:00Z by ana on farm7 in /proj/cpu", as far as that is known. The directory of another
+// program belongs to its view.
 std::string circumstances_in_words(const SNAPSHOT_BASIS& basis)
 {
     return ", taken " + basis.taken + " by " + basis.user + (basis.host ? " on " + *basis.host : "") +
-           (basis.directory ? " in " + *basis.directory : "");
+           (basis.directory && !basis.as ? " in " + *basis.directory : "");
 }
 
 std::string project_in_words(const SNAPSHOT& snapshot)
@@ -249,8 +250,10 @@ STATE state_of(SNAPSHOT snapshot, const std::string& path, const STATE_PARTS& pa
             "lines nor the search";
         state.known_lines = KNOWN_LINES::WINNERS;
     }
-    state.view = "as snapshot " + title_of_named_file(path) + " has it (" + snapshot.product + " " + snapshot.release +
-                 project_in_words(snapshot) + (snapshot.basis ? circumstances_in_words(*snapshot.basis) : "") + ")";
+    const std::string of_program = snapshot.basis ? snapshot.basis->view_in_words() : "";
+    state.view = of_program + (of_program.empty() ? "" : ", ") + "as snapshot " + title_of_named_file(path) +
+                 " has it (" + snapshot.product + " " + snapshot.release + project_in_words(snapshot) +
+                 (snapshot.basis ? circumstances_in_words(*snapshot.basis) : "") + ")";
     state.environment = snapshot.environment;
     state.release = snapshot.release;
     if (parts.preferences)

@@ -82,8 +82,8 @@ void make_paths_absolute(STATE& state, const std::string& directory)
 
 // Paths mean something else to the other program: its files are read apart from all others. They are shown from the
 // root on, since whoever reads of them is elsewhere.
-void read_as(const OTHER_PROGRAM& program, STATE& state, const STATE_PARTS& parts, const SETTINGS_SCOPE& scope,
-             INPUT_FILES& files)
+void read_as(const OTHER_PROGRAM& program, std::optional<std::uint64_t> its_number, STATE& state,
+             const STATE_PARTS& parts, const SETTINGS_SCOPE& scope, INPUT_FILES& files)
 {
     const std::string directory =
         program.directory.empty() ? FIO_FILE_SYSTEM::get_current_directory() : program.directory;
@@ -93,6 +93,8 @@ void read_as(const OTHER_PROGRAM& program, STATE& state, const STATE_PARTS& part
         read_parts(state, parts, scope, its_files);
     }
     make_paths_absolute(state, directory);
+    if (state.snapshot && state.snapshot->basis)
+        state.snapshot->basis->as = {its_number, program.executable};
     for (const std::string& problem : its_files.problems())
         files.add_problem(problem);
 }
@@ -121,14 +123,14 @@ STATE read_state(const STATE_NAME& name, const STATE_PARTS& parts, const SETTING
     case STATE_NAME::KIND::PROCESS:
     {
         const OTHER_PROGRAM program = RUNNING_PROCESS(name.process).look();
-        read_as(program, state, parts, own_scope, files);
+        read_as(program, static_cast<std::uint64_t>(name.process), state, parts, own_scope, files);
         state.view = view_of_process(name.process, program);
         break;
     }
     case STATE_NAME::KIND::EXECUTABLE:
     {
         const OTHER_PROGRAM program = program_started_here(name.path);
-        read_as(program, state, parts, own_scope, files);
+        read_as(program, std::nullopt, state, parts, own_scope, files);
         state.view = "as " + program.executable + " would read, started here, " + basis_in_words();
         break;
     }

@@ -60,6 +60,17 @@ std::vector<std::string_view> STATE::variables_not_recorded(const SETTINGS& sett
     return names;
 }
 
+std::vector<std::string> STATE::names_in_report() const
+{
+    if (!reads)
+        return {};
+    std::vector<std::string> names(undecided.begin(), undecided.end());
+    for (const READ_COUNT& read : *reads)
+        names.push_back(read.name);
+    std::ranges::sort(names);
+    return names;
+}
+
 std::optional<std::uint64_t> STATE::reads_of(const std::string& variable) const
 {
     if (!reads)

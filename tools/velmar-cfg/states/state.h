@@ -109,6 +109,9 @@ struct STATE
     // names. The settings are those of the state.
     std::vector<std::string_view> variables_not_recorded(const SETTINGS& settings) const;
 
+    // The names that a run report holds, with a value or without: the user may mean one. In byte order.
+    std::vector<std::string> names_in_report() const;
+
     // How often the run read the variable, as far as that is known.
     std::optional<std::uint64_t> reads_of(const std::string& variable) const;
 

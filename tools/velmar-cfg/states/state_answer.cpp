@@ -1,6 +1,7 @@
 #include "tools/velmar-cfg/states/state_answer.h"
 
 #include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/settings/known_variables.h"
 
 namespace
 {
@@ -16,7 +17,9 @@ void take_value_away(TYPED_ANSWER& answer, const std::string& why)
 TYPED_ANSWER answer_of_state(const STATE& state, const SETTINGS& settings, const std::string& name, READER_TYPE type,
                              const std::optional<TYPED_VALUE>& fallback, bool suggest)
 {
-    TYPED_ANSWER answer = answer_typed(settings, name, type, fallback, suggest && state.knows_unset);
+    const bool is_absent = suggest && settings.find(name) == nullptr;
+    const std::vector<std::string> others = is_absent ? state.names_in_report() : std::vector<std::string>();
+    TYPED_ANSWER answer = answer_typed(settings, name, type, fallback, suggest && state.knows_unset, others);
     if (has_hidden_parts(answer.text))
     {
         answer.masked = true;
@@ -35,6 +38,10 @@ TYPED_ANSWER answer_of_state(const STATE& state, const SETTINGS& settings, const
                                     " does not record its value");
     }
     else if (!answer.remark.empty())
-        answer.remark = "'" + name + "' " + state.why_not_known(name);
+    {
+        const bool is_named = state.undecided.contains(name) || find_known_variable(name) != nullptr;
+        answer.remark = "'" + name + "' " + state.why_not_known(name) +
+                        (suggest && !is_named ? similar_variable(settings, name, others) : "");
+    }
     return answer;
 }

@@ -20,6 +20,12 @@ struct STATE_NAME
     std::string text = {}; // as it was written
     std::string path = {}; // of all but a process
     pid_t process = 0;
+
+    // Whether the library's own search finds its files, in this environment and installation.
+    bool is_read_here() const
+    {
+        return kind == KIND::NOW || kind == KIND::PROJECT;
+    }
 };
 
 // DIR, FILE, "-", "pid:N" or "exe:PATH". A file or directory whose name begins so is reached as "./pid:5". Throws

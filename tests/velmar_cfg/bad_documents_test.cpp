@@ -127,8 +127,7 @@ TEST_P(BAD_DOCUMENT, a_link_that_leads_nowhere)
     ASSERT_EQ(symlink("nowhere", "link.json"), 0);
     EXPECT_EQ(
         read("link.json"),
-        (TOOL_RUN{3, "",
-                  "velmar-cfg: link.json: is a link to what does not exist; remove the link or make what it names\n"}));
+        (TOOL_RUN{3, "", "velmar-cfg: link.json: is a broken symbolic link; remove it or create what it names\n"}));
 }
 
 TEST_P(BAD_DOCUMENT, a_directory_that_cannot_be_searched)

@@ -75,7 +75,7 @@ TEST_P(BAD_SETTINGS, a_link_that_leads_nowhere)
 {
     write_file("project/readme", "");
     ASSERT_EQ(symlink("nowhere", "project/velmar.ini"), 0);
-    expect_told("project/velmar.ini: is a link to what does not exist; remove the link or make what it names");
+    expect_told("project/velmar.ini: is a broken symbolic link; remove it or create what it names");
 }
 
 TEST_P(BAD_SETTINGS, a_directory_that_cannot_be_searched)
@@ -116,8 +116,8 @@ TEST_F(BAD_INPUT, an_appended_file_behind_a_dangling_link_is_told)
     ASSERT_EQ(symlink("nowhere", "link"), 0);
     variables["APPENDED_VELMAR_INI"] = "link/appended.ini";
     EXPECT_EQ(run({"get", "a"}), (TOOL_RUN{3, "1\n",
-                                           "velmar-cfg: link/appended.ini: has link on its way, a link to what does "
-                                           "not exist; remove the link or make what it names\n"}));
+                                           "velmar-cfg: link/appended.ini: is reached through link, a broken symbolic "
+                                           "link; remove it or create what it names\n"}));
 }
 
 // A host finds nothing there and goes on.
@@ -142,12 +142,13 @@ TEST_F(BAD_INPUT, a_directory_behind_a_dangling_link_is_told_from_a_missing_one)
 {
     ASSERT_EQ(symlink("nowhere", "link"), 0);
     ASSERT_EQ(symlink("circle", "circle"), 0);
+    EXPECT_EQ(run({"--project", "link", "list"}),
+              (TOOL_RUN{3, "", "velmar-cfg: link: is a broken symbolic link; remove it or create what it names\n"}));
     EXPECT_EQ(
-        run({"--project", "link", "list"}),
-        (TOOL_RUN{3, "",
-                  "velmar-cfg: link: is a link to what does not exist; remove the link or make what it names\n"}));
-    EXPECT_EQ(run({"--root", "circle", "list"}),
-              (TOOL_RUN{3, "", "velmar-cfg: circle: is a link in a circle; remove the link or make what it names\n"}));
+        run({"--root", "circle", "list"}),
+        (TOOL_RUN{
+            3, "",
+            "velmar-cfg: circle: is a symbolic link that leads back to itself; remove it or create what it names\n"}));
 }
 
 TEST_F(BAD_INPUT, each_problem_is_told_once)
@@ -216,10 +217,10 @@ TEST_F(BAD_INPUT, a_preference_file_behind_a_dangling_link_is_told)
     write_file("user/readme", "");
     ASSERT_EQ(symlink("nowhere", "user/velmar2.ini"), 0);
     variables["VELMAR2_INI"] = "user";
-    EXPECT_EQ(run({"prefs", "get", "HDL_PREFERENCE"}),
-              (TOOL_RUN{3, "Verilog\n",
-                        "velmar-cfg: user/velmar2.ini: is a link to what does not exist; remove the link or make what "
-                        "it names\n"}));
+    EXPECT_EQ(
+        run({"prefs", "get", "HDL_PREFERENCE"}),
+        (TOOL_RUN{3, "Verilog\n",
+                  "velmar-cfg: user/velmar2.ini: is a broken symbolic link; remove it or create what it names\n"}));
 }
 
 // A snapshot holds no hash of what is not all of the file.

@@ -164,9 +164,9 @@ TEST_F(FILE_CANDIDATES, tell_links_that_lead_nowhere_and_files_that_cannot_be_re
     ASSERT_EQ(symlink("nowhere", "velmar.ini"), 0);
     std::filesystem::create_directories(temporary.path("home/velmar.ini"));
     const std::vector<std::string> found = candidates({}, false);
-    EXPECT_EQ(found[0],
-              "current directory dangling T/cwd/velmar.ini (is a link to what does not exist; remove the link or "
-              "make what it names)");
+    EXPECT_EQ(
+        found[0],
+        "current directory dangling T/cwd/velmar.ini (is a broken symbolic link; remove it or create what it names)");
     EXPECT_EQ(found[2], "HOME read T/home/velmar.ini (is a directory, not a file; check the path)");
 }
 

@@ -45,7 +45,8 @@ TEST_F(FILE_PLACE_TEST, tells_what_does_not_lead_anywhere)
     std::filesystem::create_symlink("a", "b");
     std::filesystem::create_symlink("/", "root");
     const std::string cwd = std::filesystem::canonical(".").string();
-    EXPECT_EQ(complaint_of([] { FILE_PLACE("a"); }), "3 a: links in a circle; remove one of them");
+    EXPECT_EQ(complaint_of([] { FILE_PLACE("a"); }),
+              "3 a: symbolic links that lead back to themselves; remove one of them");
     EXPECT_EQ(complaint_of([] { FILE_PLACE("nowhere/file"); }),
               "4 nowhere/file: No such file or directory; make the directory first");
     EXPECT_EQ(complaint_of([] { FILE_PLACE("user/file/x"); }), "4 user/file/x: Not a directory");
@@ -73,7 +74,8 @@ TEST_F(FILE_PLACE_TEST, forty_links_are_followed_and_no_more)
     for (int i = 2; i <= 41; ++i)
         std::filesystem::create_symlink("link" + std::to_string(i - 1), "link" + std::to_string(i));
     EXPECT_EQ(FILE_PLACE("link40").path(), full_path());
-    EXPECT_EQ(complaint_of([] { FILE_PLACE("link41"); }), "3 link41: links in a circle; remove one of them");
+    EXPECT_EQ(complaint_of([] { FILE_PLACE("link41"); }),
+              "3 link41: symbolic links that lead back to themselves; remove one of them");
 }
 
 TEST_F(FILE_PLACE_TEST, stays_where_it_was_whatever_takes_its_path)

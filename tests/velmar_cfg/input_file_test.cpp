@@ -68,8 +68,8 @@ TEST_F(INPUT_FILE_TEST, tells_what_is_wrong)
     };
     const ROW rows[] = {
         {"missing", "missing: No such file or directory; check the path"},
-        {"link", "link: is a link to what does not exist; remove the link or make what it names"},
-        {"circle", "circle: is a link in a circle; remove the link or make what it names"},
+        {"link", "link: is a broken symbolic link; remove it or create what it names"},
+        {"circle", "circle: is a symbolic link that leads back to itself; remove it or create what it names"},
         {"directory", "directory: is a directory, not a file; check the path"},
         {"pipe", "pipe: is no regular file, so it cannot be read twice; copy what it holds into a file"},
         {"/dev/null", ""},
@@ -124,7 +124,7 @@ TEST_F(INPUT_FILE_TEST, tells_its_problems_once_and_in_order)
     files.forget("never read");
     EXPECT_THAT(files.problems(),
                 testing::ElementsAre("b: No such file or directory; check the path",
-                                     "link: is a link to what does not exist; remove the link or make what it names"));
+                                     "link: is a broken symbolic link; remove it or create what it names"));
     write_file("a", "bytes");
     EXPECT_EQ(files.read("a")->bytes, "bytes");
 }
@@ -152,14 +152,14 @@ TEST_F(INPUT_FILE_TEST, knows_why_nothing_is_there)
         {"directory//missing", ABSENCE::MISSING},
         {"directory/file/missing", ABSENCE::MISSING},
         {"link/missing", ABSENCE::MISSING},
-        {"dangling", ABSENCE::DANGLING, "is a link to what does not exist; remove the link or make what it names"},
-        {"link to dangling", ABSENCE::DANGLING,
-         "is a link to what does not exist; remove the link or make what it names"},
+        {"dangling", ABSENCE::DANGLING, "is a broken symbolic link; remove it or create what it names"},
+        {"link to dangling", ABSENCE::DANGLING, "is a broken symbolic link; remove it or create what it names"},
         {"dangling//a/b", ABSENCE::DANGLING,
-         "has dangling on its way, a link to what does not exist; remove the link or make what it names"},
-        {"circle", ABSENCE::DANGLING, "is a link in a circle; remove the link or make what it names"},
+         "is reached through dangling, a broken symbolic link; remove it or create what it names"},
+        {"circle", ABSENCE::DANGLING,
+         "is a symbolic link that leads back to itself; remove it or create what it names"},
         {"circle/a", ABSENCE::DANGLING,
-         "has circle on its way, a link in a circle; remove the link or make what it names"},
+         "is reached through circle, a symbolic link that leads back to itself; remove it or create what it names"},
         {std::string(5000, 'x'), ABSENCE::BARRED, "File name too long"},
     };
     for (const ROW& row : rows)

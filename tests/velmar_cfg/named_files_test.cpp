@@ -133,10 +133,10 @@ TEST_F(INPUT_DIRECTORIES, exist_and_are_none_else)
         {"./project/velmar.ini", ": is a file; give --project a directory, such as ./project"},
         {"/dev/null", ": is a file; give --project a directory, such as /dev"},
         {"nowhere", ": no such directory; give --project an existing one"},
-        {"dangling", ": is a link to what does not exist; remove the link or make what it names"},
+        {"dangling", ": is a broken symbolic link; remove it or create what it names"},
         {"", ": no such directory; give --project an existing one"},
         {"project/velmar.ini/x", ": no such directory; give --project an existing one"},
-        {"circle", ": is a link in a circle; remove the link or make what it names"},
+        {"circle", ": is a symbolic link that leads back to itself; remove it or create what it names"},
         {std::string(300, 'x'), ""}, // of what cannot be searched, the files are told that cannot be seen
     };
     for (const ROW& row : rows)
@@ -167,6 +167,6 @@ TEST_F(INPUT_DIRECTORIES, have_files_whose_problems_are_told_by_the_names_of_the
     EXPECT_EQ(files.problems().size(), 2U);
     ASSERT_EQ(symlink("nowhere", "dangling"), 0);
     files.note_absence("dangling");
-    EXPECT_THAT(files.problems().back(), HasSubstr("dangling: is a link to what does not exist"));
+    EXPECT_THAT(files.problems().back(), HasSubstr("dangling: is a broken symbolic link"));
 }
 }

@@ -144,11 +144,10 @@ TEST_F(PATHS, what_cannot_be_seen_is_told_from_what_is_missing)
         if (row.at("file") != "regtest.ini")
             found[row.at("place")] = row.at("state").get<std::string>() + ": " + row.at("remark").get<std::string>();
     }
-    EXPECT_EQ(found["current directory"],
-              "dangling: is a link to what does not exist; remove the link or make what it names");
+    EXPECT_EQ(found["current directory"], "dangling: is a broken symbolic link; remove it or create what it names");
     EXPECT_EQ(found["VELMAR_INI"], "barred: Permission denied; let this user search the directories that it is in");
-    EXPECT_EQ(found["APPENDED_VELMAR_INI"],
-              "dangling: has circle on its way, a link in a circle; remove the link or make what it names");
+    EXPECT_EQ(found["APPENDED_VELMAR_INI"], "dangling: is reached through circle, a symbolic link that leads back to "
+                                            "itself; remove it or create what it names");
     EXPECT_EQ(found["HOME"], "missing: ");
 }
 

@@ -151,9 +151,8 @@ INSTANTIATE_TEST_SUITE_P(
              "[Cloud 23.4_pro]\nCLOUD_SERVER = a\n[Cloud 23.3_pro]\nCLOUD_SERVER = b\n",
              CLOUD_SERVER,
              {},
-             "4 FILE:3: the section [Cloud 23.3_pro] gives CLOUD_SERVER the value 'b', and there is no default that "
-             "could "
-             "be written above it; remove the value there"}));
+             "4 FILE:3: the section [Cloud 23.3_pro] gives CLOUD_SERVER the value 'b', and its default is no text that "
+             "could override it; remove the value there"}));
 
 // --- Several changes ---
 

@@ -113,18 +113,17 @@ TEST_F(PREFS_EDIT, a_value_that_would_not_be_read_back_is_refused)
 
 TEST_F(PREFS_EDIT, a_line_that_a_save_would_spoil_stops_the_change)
 {
-    expect_unchanged(
-        "[General 23.4_pro]\nUSER_LIBRARIES = \"\"/lib\"\"\n", {"prefs", "set", "HDL_PREFERENCE", "VHDL"},
-        {4, "",
-         "velmar-cfg: " + full_path() +
-             ": lines that would not be kept as they were: 1\n"
-             "velmar-cfg: line 2: 'USER_LIBRARIES = \"\"/lib\"\"': a save keeps these quotes, and the "
-             "load after it removes them\n"
-             "velmar-cfg: " +
-             full_path() +
-             ": a save would also change USER_LIBRARIES from '\"/lib\"' to '/lib', as [General "
-             "23.4_pro] says, since line 2 is not kept as it is; set that one first, or --allow-loss does it "
-             "anyway\n"});
+    expect_unchanged("[General 23.4_pro]\nUSER_LIBRARIES = \"\"/lib\"\"\n", {"prefs", "set", "HDL_PREFERENCE", "VHDL"},
+                     {4, "",
+                      "velmar-cfg: " + full_path() +
+                          ": lines that would not be kept as they were: 1\n"
+                          "velmar-cfg: line 2: 'USER_LIBRARIES = \"\"/lib\"\"': a save keeps these quotes, and the "
+                          "load after it removes them\n"
+                          "velmar-cfg: " +
+                          full_path() +
+                          ": a save would also change USER_LIBRARIES from '\"/lib\"' to '/lib', as [General "
+                          "23.4_pro] says, since line 2 is not kept as it is; set that one first, or --allow-loss "
+                          "changes it anyway\n"});
 }
 
 // A first value in the running release's section ends the carrying over into it, so what was carried over is written
@@ -162,7 +161,7 @@ TEST_F(PREFS_EDIT, a_save_that_would_change_another_preference_is_not_made)
                 "velmar-cfg: " +
                 full_path() +
                 ": a save would also change SHOW_MESSAGE_ID from 'on' to 'off', as [Messages 23.3_pro] "
-                "says, since line 1 is not kept as it is; set that one first, or --allow-loss does it anyway\n"}));
+                "says, since line 1 is not kept as it is; set that one first, or --allow-loss changes it anyway\n"}));
     EXPECT_EQ(preferences(), bytes);
     EXPECT_EQ(run({"prefs", "set", "SHOW_MESSAGE_ID", "on"}).exit_code, 0);
     EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "VHDL"}).exit_code, 0);
@@ -243,7 +242,7 @@ TEST_F(PREFS_EDIT, a_value_that_would_go_with_a_line_is_kept_unless_told_otherwi
         "velmar-cfg: line 6: '[Cloud 23.4_pro]': a section without a value, which a save drops\n";
     const std::string refused = "velmar-cfg: " + path + ": lines that would not be" + lines + "velmar-cfg: " + path +
                                 ": a save would lose or change the value in lines 1, 5; mend the file (see velmar-cfg "
-                                "prefs lint), or --allow-loss does it anyway\n";
+                                "prefs lint), or --allow-loss changes it anyway\n";
     EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL"}), (TOOL_RUN{4, "", refused}));
     EXPECT_EQ(preferences(), bytes);
 
@@ -256,7 +255,7 @@ TEST_F(PREFS_EDIT, a_value_that_would_go_with_a_line_is_kept_unless_told_otherwi
     const TOOL_RUN as_json = run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--json"});
     EXPECT_EQ(as_json.exit_code, 4);
     EXPECT_EQ(as_json.json().at("changed"), false);
-    EXPECT_THAT(as_json.json().at("refusal").get<std::string>(), EndsWith("or --allow-loss does it anyway"));
+    EXPECT_THAT(as_json.json().at("refusal").get<std::string>(), EndsWith("or --allow-loss changes it anyway"));
     EXPECT_EQ(as_json.json().at("lost_lines").at(2),
               nlohmann::json(
                   {{"line", 5}, {"reason", "duplicate"}, {"text", "HDL_PREFERENCE = Verilog"}, {"value_lost", true}}));
@@ -396,8 +395,8 @@ TEST_F(PREFS_EDIT, reset_that_the_file_cannot_express_is_not_made)
     expect_unchanged("[Cloud 23.3_pro]\nCLOUD_SERVER = host\n", {"prefs", "reset", "CLOUD_SERVER"},
                      {4, "",
                       "velmar-cfg: " + full_path() +
-                          ":1: the section [Cloud 23.3_pro] gives CLOUD_SERVER the value 'host', and there is no "
-                          "default that could be written above it; remove the value there\n"});
+                          ":1: the section [Cloud 23.3_pro] gives CLOUD_SERVER the value 'host', and its default is no "
+                          "text that could override it; remove the value there\n"});
 }
 
 TEST_F(PREFS_EDIT, reset_of_what_has_its_default_leaves_every_byte)
@@ -463,7 +462,7 @@ TEST_F(PREFS_EDIT, hard_links_and_read_only_files_are_changed_when_told)
     EXPECT_THAT(linked.err, HasSubstr("--break-hard-links changes the file anyway"));
     const TOOL_RUN read_only = run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--break-hard-links"});
     EXPECT_EQ(read_only.exit_code, 4);
-    EXPECT_THAT(read_only.err, HasSubstr("--replace-read-only does it anyway"));
+    EXPECT_THAT(read_only.err, HasSubstr("--replace-read-only changes it anyway"));
     EXPECT_EQ(preferences(), normal_form);
     EXPECT_EQ(run({"prefs", "set", "HDL_PREFERENCE", "KHDL", "--break-hard-links", "--replace-read-only"}),
               (TOOL_RUN{0, "", ""}));

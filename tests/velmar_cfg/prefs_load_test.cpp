@@ -201,7 +201,7 @@ TEST_F(PREFS_LOAD, loses_no_value_of_the_own_file_unless_told)
     EXPECT_EQ(refused.exit_code, 4);
     EXPECT_THAT(refused.err,
                 EndsWith(": a save would lose or change the value in line 1; mend the file (see velmar-cfg "
-                         "prefs lint), or --allow-loss does it anyway\n"));
+                         "prefs lint), or --allow-loss changes it anyway\n"));
     EXPECT_EQ(preferences(), bytes);
     EXPECT_EQ(run({"prefs", "load", "given", "--allow-loss"}).exit_code, 0);
     EXPECT_EQ(preferences(), "\n[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n");

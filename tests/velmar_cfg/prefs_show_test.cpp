@@ -184,10 +184,10 @@ TEST_F(PREFS, path_tells_what_is_in_the_way)
 {
     write_file("user/readme", "");
     ASSERT_EQ(symlink("nowhere", "user/velmar2.ini"), 0);
-    EXPECT_EQ(run({"prefs", "path"}),
-              (TOOL_RUN{3, "user/velmar2.ini\n",
-                        "velmar-cfg: user/velmar2.ini: is a link to what does not exist; remove "
-                        "the link or make what it names\n"}));
+    EXPECT_EQ(
+        run({"prefs", "path"}),
+        (TOOL_RUN{3, "user/velmar2.ini\n",
+                  "velmar-cfg: user/velmar2.ini: is a broken symbolic link; remove it or create what it names\n"}));
     EXPECT_EQ(run({"prefs", "path", "--json"}).json().at("exists"), false);
 }
 

@@ -392,7 +392,7 @@ TEST_F(SET, keeps_links_modes_and_attributes_as_edits_of_preferences_do)
                 EndsWith("--break-hard-links changes the file anyway\n"));
     const TOOL_RUN read_only = run_in_project({"unset", "a", "--break-hard-links"});
     EXPECT_EQ(read_only.exit_code, 4);
-    EXPECT_THAT(read_only.err, EndsWith("--replace-read-only does it anyway\n"));
+    EXPECT_THAT(read_only.err, EndsWith("--replace-read-only changes it anyway\n"));
     EXPECT_EQ(settings(), "a = 2\n");
     EXPECT_EQ(run_in_project({"set", "a", "3", "--break-hard-links", "--replace-read-only"}), (TOOL_RUN{0, "", ""}));
     EXPECT_EQ(settings(), "a = 3\n");
@@ -484,11 +484,12 @@ TEST_F(SET, ends_as_list_does_where_links_lead_in_a_circle)
             with_project.insert(with_project.end(), {"--project", project});
             const TOOL_RUN got = run(with_project);
             EXPECT_EQ(got.exit_code, 3) << testing::PrintToString(with_project);
-            EXPECT_THAT(got.err, HasSubstr("in a circle")) << testing::PrintToString(with_project);
+            EXPECT_THAT(got.err, HasSubstr("symbolic link")) << testing::PrintToString(with_project);
         }
     }
-    EXPECT_EQ(run({"set", "a", "1", "--file", "circle"}),
-              (TOOL_RUN{3, "", "velmar-cfg: circle: links in a circle; remove one of them\n"}));
+    EXPECT_EQ(
+        run({"set", "a", "1", "--file", "circle"}),
+        (TOOL_RUN{3, "", "velmar-cfg: circle: symbolic links that lead back to themselves; remove one of them\n"}));
 }
 
 TEST_F(SET, refuses_a_text_of_which_no_line_is_read)
@@ -563,7 +564,7 @@ TEST_F(SET, tells_whose_a_file_is_that_another_user_must_not_change)
     ASSERT_EQ(chown(file, 0, 0), 0);
     ASSERT_EQ(chmod(file, 0444), 0);
     EXPECT_THAT(run_without_rights({"--project", "project", "set", "a", "2", "--dry-run"}).err,
-                EndsWith("--replace-read-only does it anyway\n"));
+                EndsWith("--replace-read-only changes it anyway\n"));
     ASSERT_EQ(chmod("project", 0555), 0);
     EXPECT_THAT(run_without_rights({"--project", "project", "set", "a", "2", "--dry-run"}).err,
                 EndsWith("the file is read-only, and so is its directory\n"));

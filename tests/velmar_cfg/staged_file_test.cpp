@@ -484,7 +484,7 @@ TEST_F(STAGED_FILE_TEST, an_exchange_that_cannot_be_undone_says_where_the_save_i
     const CALL_WATCH watch(SYSTEM_CALL::RENAMEAT2,
                            {{1, happens([] { write_file(file, "saved\n"); })}, {2, [] { return EIO; }}});
     const std::string complaint = replace();
-    EXPECT_THAT(complaint, HasSubstr("was changed in the moment in which another program saved it"));
+    EXPECT_THAT(complaint, HasSubstr("was replaced while another program saved it"));
     EXPECT_EQ(read_file(file), "new\n");
     std::string other;
     for (const std::string& name : names_in("user"))

@@ -50,7 +50,7 @@ std::string write_protection(const FILE_PLACE& place, const SEEN_FILE& file, boo
         return "the file belongs to the user " + user_in_words(owner) + ", and this user must not write to it";
     if (!may_write_in(place.directory()))
         return "the file is read-only, and so is its directory";
-    return "the file is read-only; --replace-read-only does it anyway";
+    return "the file is read-only; --replace-read-only changes it anyway";
 }
 
 // What of the file itself forbids to replace it.

@@ -125,7 +125,7 @@ void FILE_PLACE::walk(const std::string& path)
         if (S_ISLNK(found.st_mode))
         {
             if (++links > most_links)
-                fail_to_read(path, "links in a circle; remove one of them");
+                fail_to_read(path, "symbolic links that lead back to themselves; remove one of them");
             const std::string target = target_of_link(component.get(), found.st_uid);
             const std::deque<std::string> instead = components_of(target);
             rest.insert(rest.begin(), instead.begin(), instead.end());

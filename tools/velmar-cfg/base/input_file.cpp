@@ -322,9 +322,10 @@ ABSENT_FILE absence_of(const std::string& path)
     if (reached.empty() || lstat(reached.c_str(), &found) != 0 || !S_ISLNK(found.st_mode) ||
         (error != ELOOP && stat(reached.c_str(), &found) == 0))
         return {ABSENCE::MISSING, {}};
-    return {ABSENCE::DANGLING, (reached == path ? "is" : "has " + reached + " on its way,") + std::string(" a link ") +
-                                   (error == ELOOP ? "in a circle" : "to what does not exist") +
-                                   "; remove the link or make what it names"};
+    return {ABSENCE::DANGLING,
+            (reached == path ? "is" : "is reached through " + reached + ",") +
+                std::string(error == ELOOP ? " a symbolic link that leads back to itself" : " a broken symbolic link") +
+                "; remove it or create what it names"};
 }
 
 void check_input_directory(const std::string& path, const std::string& advice)

@@ -69,7 +69,7 @@ std::chrono::nanoseconds since_last_write(const struct stat& state)
 // `path` is for the error of a disk that fails.
 bool holds_exactly(int file, std::string_view bytes, const std::string& path)
 {
-    std::array<char, 65536> buffer;
+    std::array<char, 4096> buffer; // on stacks of 64 KiB too
     for (off_t offset = 0;;)
     {
         const ssize_t got = pread(file, buffer.data(), buffer.size(), offset);

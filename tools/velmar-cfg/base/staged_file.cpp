@@ -205,9 +205,8 @@ REPLACEMENT STAGED_FILE::replace_existing()
         return REPLACEMENT::CHANGED_MEANWHILE;
     const std::string left = made.current_name();
     made.forget();
-    fail_to_write(place.path(), "was changed in the moment in which another program saved it; what that program saves "
-                                "is in " +
-                                    left + " beside it");
+    fail_to_write(place.path(), "was replaced while another program saved it; what that program saved is in " + left +
+                                    ", in the same directory");
 }
 
 void STAGED_FILE::synchronise_directory() const

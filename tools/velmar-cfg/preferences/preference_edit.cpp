@@ -32,9 +32,9 @@ std::string refusal_for(const std::string& path, const PREFERENCE_PLAN& plan, co
         return {};
     if (!plan.other_values.empty())
         return path + ": a save would also change " + plan.other_values.front() +
-               "; set that one first, or --allow-loss does it anyway";
+               "; set that one first, or --allow-loss changes it anyway";
     return path + ": a save would lose or change the value in " + lines_in_words(plan.lost) +
-           "; mend the file (see velmar-cfg prefs lint), or --allow-loss does it anyway";
+           "; mend the file (see velmar-cfg prefs lint), or --allow-loss changes it anyway";
 }
 
 EDITED_FILE edited_by(decltype(edit_file)& edit, const std::vector<PREFERENCE_CHANGE>& changes,

@@ -86,8 +86,9 @@ void RUNNING_PROCESS::refuse_error(const char* what, int error) const
 {
     if (error == ESRCH || error == ENOENT)
         refuse("has ended; name one that runs");
-    refuse(std::string("does not let its ") + what + " be looked at: " + std::strerror(error) +
-           (error == EACCES || error == EPERM ? "; it has other rights than this user" : "; try again"));
+    refuse(std::string("cannot be examined: ") + what + ": " + std::strerror(error) +
+           (error == EACCES || error == EPERM ? "; it belongs to another user or has more rights than this one"
+                                              : "; try again"));
 }
 
 OPEN_FILE RUNNING_PROCESS::open_member(const char* name, int flags) const

@@ -129,5 +129,20 @@ extern "C"
         const int result = original<decltype(fclose)>("fclose")(file);
         return fails ? EOF : result;
     }
+
+#ifdef _LIBCPP_VERSION
+    // libc++'s file streams read and write through these. What the C library then calls itself, nothing can replace. At
+    // each flush the streams also write nothing at all, which does not count.
+    std::size_t fread(void* to, std::size_t size, std::size_t count, std::FILE* file)
+    {
+        return is_to_fail(FILE_CALL::READ) ? 0 : original<decltype(fread)>("fread")(to, size, count, file);
+    }
+
+    std::size_t fwrite(const void* from, std::size_t size, std::size_t count, std::FILE* file)
+    {
+        const bool fails = count > 0 && is_to_fail(FILE_CALL::WRITE);
+        return fails ? 0 : original<decltype(fwrite)>("fwrite")(from, size, count, file);
+    }
+#endif
 }
 #pragma GCC visibility pop

@@ -72,11 +72,13 @@ extern "C"
         return is_to_fail(FILE_CALL::OPEN) ? nullptr : original<decltype(fopen)>("fopen")(path, mode);
     }
 
+#ifndef __USE_FILE_OFFSET64 // with which fopen has this name
     // What the file streams use.
     std::FILE* fopen64(const char* path, const char* mode)
     {
         return is_to_fail(FILE_CALL::OPEN) ? nullptr : original<decltype(fopen64)>("fopen64")(path, mode);
     }
+#endif
 
     int open(const char* path, int flags, ...)
     {

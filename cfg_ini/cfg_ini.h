@@ -29,7 +29,7 @@
 //
 // Errors. Absence is not an error: defaults, empty texts and empty optionals stand for it. A broken precondition is
 // reported through err_report_internal_error of platform/err/err.h; the function's comment says what happens after the
-// report. The library throws nothing of its own. It lets std::bad_alloc pass, and std::logic_error for a null name. A
+// report. The library throws std::logic_error for a null name and lets std::bad_alloc pass; it throws nothing else. A
 // load that std::bad_alloc ends keeps what it has stored so far; load again to get the rest.
 #ifndef CFG_INI_CFG_INI_H
 #define CFG_INI_CFG_INI_H
@@ -239,7 +239,8 @@ CFG_INI_API std::optional<float> cfg_get_value_as<float>(const std::string& name
 // - marks the settings as changed.
 //
 // It counts no access. The value lasts until the settings are reloaded. A null name or value throws std::logic_error
-// and sets nothing.
+// and sets nothing. Where a parameter is a std::string, the program itself makes one of a null pointer, before the
+// call: libstdc++ throws std::logic_error there too, libc++ has undefined behaviour.
 //
 // Example:
 //

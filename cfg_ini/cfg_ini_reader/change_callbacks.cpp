@@ -13,6 +13,8 @@
 
 #include <atomic>
 
+#include "cfg_ini/cfg_ini_reader/name_matching.h"
+
 constinit zon_cfg::CFG_INI_CALLBACK_REGISTRY* s_ini_callbacks = nullptr;
 
 namespace zon_cfg
@@ -87,7 +89,7 @@ CFG_INI_CALLBACK::CFG_INI_CALLBACK(const char* variable_name) : name(variable_na
     const REGISTRY_CHANGE change;
     if (s_ini_callbacks == nullptr)
         s_ini_callbacks = new CFG_INI_CALLBACK_REGISTRY;
-    (*s_ini_callbacks)[std::string(name)].push_back(this);
+    (*s_ini_callbacks)[std::string(not_null(cfg_ini_name_view(name)))].push_back(this);
     watched_names |= std::uint64_t{1} << bloom_bit_of(name);
     --notifications_under_way;
     lock.unlock();

@@ -135,7 +135,7 @@ inline std::uint64_t difference(const char* a, const char* b)
 class SOUGHT_NAME
 {
 public:
-    // A null name (a view without characters) throws std::logic_error, as making a std::string of it does.
+    // A null name (a view without characters) throws std::logic_error.
     [[gnu::always_inline]] explicit SOUGHT_NAME(std::string_view name) : text(name), ways(cache_set_of(name))
     {
         __builtin_prefetch(ways);

@@ -9,15 +9,16 @@
 
 namespace zon_cfg
 {
-// Throws the std::logic_error of making a std::string of a null pointer.
-[[noreturn]] void refuse_null_name();
+// Throws std::logic_error with the words of libstdc++ for a std::string made of a null pointer, which hosts know. Other
+// standard libraries read from the pointer instead.
+[[noreturn]] void refuse_null_text();
 
-// `name` itself, unless it has no characters at all (a null pointer, not an empty name): that is refused.
-inline std::string_view not_null(std::string_view name)
+// `text` itself, unless it has no characters at all (a null pointer, not an empty text): that is refused.
+inline std::string_view not_null(std::string_view text)
 {
-    if (name.data() == nullptr) [[unlikely]]
-        refuse_null_name();
-    return name;
+    if (text.data() == nullptr) [[unlikely]]
+        refuse_null_text();
+    return text;
 }
 
 // h = 0, then h * 17 + b for each folded byte b as a signed number, in 64 bits with wrap-around.

@@ -12,6 +12,7 @@
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/name_cache.h"
+#include "cfg_ini/cfg_ini_reader/name_matching.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 #include "cfg_ini/cfg_ini_reader/store_access.h"
 #include "cfg_ini/cfg_ini_reader/store_lock.h"
@@ -94,7 +95,7 @@ void cfg_set_value(CFG_INI_VAR_ENUM ini_enum, const char* value)
 {
     // Checked before the value is: an enumeration out of range is what gets reported.
     const std::string_view name = catalogue_entry(ini_enum).name;
-    assign_text(name, std::string(value), false);
+    assign_text(name, not_null(cfg_ini_name_view(value)), false);
 }
 
 void cfg_set_int_value(const char* name, int value)

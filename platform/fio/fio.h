@@ -28,8 +28,13 @@
 #define PLATFORM_FIO_FIO_H
 
 #include <string>
+#include <sys/types.h>
 
 struct stat;
+
+// On 32-bit machines too `struct stat` has sizes and times of 64 bits. Whoever calls or implements status() compiles
+// with the same definitions.
+static_assert(sizeof(off_t) == 8 && sizeof(time_t) == 8, "compile with -D_FILE_OFFSET_BITS=64 -D_TIME_BITS=64");
 
 // A path in two parts: a directory and a file name. The file name consists of a base name and an extension, separated
 // by the last ".". A path that is made from a text gives the same text back. Any thread may use an object of its own.

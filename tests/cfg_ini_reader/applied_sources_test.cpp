@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <fcntl.h>
 #include <filesystem>
 #include <functional>
 #include <stdexcept>
@@ -137,6 +138,16 @@ TEST_F(APPLIED_SOURCES_TEST, a_file_is_identified_by_what_the_system_says_of_it)
     EXPECT_EQ(source.modified_seconds, status.st_mtim.tv_sec);
     EXPECT_EQ(source.modified_nanoseconds, status.st_mtim.tv_nsec);
     EXPECT_EQ(source.text, "");
+}
+
+TEST_F(APPLIED_SOURCES_TEST, a_file_from_a_date_beyond_32_bits_is_read)
+{
+    const std::string path = file("main.ini", "a = 12\n");
+    const struct timespec in_2100[] = {{4'102'444'800, 0}, {4'102'444'800, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), in_2100, 0), 0);
+    cfg_read_ini_file(path);
+    EXPECT_EQ(cfg_get_int_value("a", 0), 12);
+    EXPECT_EQ(cfg_get_settings_sources().applied.at(0).modified_seconds, 4'102'444'800);
 }
 
 TEST_F(APPLIED_SOURCES_TEST, a_relative_path_is_made_absolute_with_the_directory_of_its_load)

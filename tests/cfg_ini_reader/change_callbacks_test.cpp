@@ -436,7 +436,7 @@ TEST_F(CHANGE_CALLBACKS_TEST, a_null_name_throws_with_the_lock_held_and_register
     }
     catch (const std::logic_error& error)
     {
-        EXPECT_EQ(error.what(), message_of_null_string());
+        EXPECT_EQ(error.what(), message_of_null_text);
     }
     EXPECT_EQ(release_lock(), 1);
     EXPECT_EQ(s_ini_callbacks->size(), names);

@@ -527,7 +527,7 @@ TEST_P(NULL_TEST, throws_and_neither_reads_nor_writes)
     }
     catch (const std::logic_error& error)
     {
-        EXPECT_EQ(error.what(), message_of_null_string());
+        EXPECT_EQ(error.what(), message_of_null_text);
     }
     EXPECT_FALSE(store_exists());
     EXPECT_EQ(fake::thr::locks(), 0);

@@ -156,11 +156,16 @@ TEST_F(RECORD_TABLE_TEST, a_cached_value_comes_with_the_flag_of_its_type)
 
 // --- The table ---
 
-TEST_F(RECORD_TABLE_TEST, a_fresh_table_is_empty_with_one_bucket)
+TEST_F(RECORD_TABLE_TEST, a_fresh_table_is_empty_and_reserves_no_buckets)
 {
+#ifdef _LIBCPP_VERSION
+    constexpr std::size_t buckets_without_names = 0; // libc++ has its first bucket with the first name
+#else
+    constexpr std::size_t buckets_without_names = 1;
+#endif
     make_empty_store();
     EXPECT_EQ(cfg_ini_file.load()->size(), 0U);
-    EXPECT_EQ(cfg_ini_file.load()->bucket_count(), 1U);
+    EXPECT_EQ(cfg_ini_file.load()->bucket_count(), buckets_without_names);
     EXPECT_EQ(cfg_ini_file.load()->max_load_factor(), 1.0F);
 }
 

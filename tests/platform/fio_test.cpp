@@ -1,5 +1,6 @@
 #include <climits>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -186,6 +187,21 @@ TEST_F(FILE_SYSTEM_TEST, status_tells_what_stands_there)
     EXPECT_TRUE(S_ISDIR(status.st_mode));
     EXPECT_FALSE(FIO_FILE_SYSTEM::status(temporary.path("missing").c_str(), &status));
     EXPECT_FALSE(FIO_FILE_SYSTEM::status("", &status));
+}
+
+// Beyond what 32 bits hold.
+TEST_F(FILE_SYSTEM_TEST, status_tells_of_files_of_any_size_and_date)
+{
+    const std::string path = temporary.path("file");
+    write_file(path, "");
+    std::filesystem::resize_file(path, 3'000'000'000); // takes no room on the disk
+    const struct timespec in_2100[] = {{4'102'444'800, 0}, {4'102'444'800, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), in_2100, 0), 0);
+    EXPECT_TRUE(FIO_FILE_SYSTEM::exists(path.c_str()));
+    struct stat status;
+    ASSERT_TRUE(FIO_FILE_SYSTEM::status(path.c_str(), &status));
+    EXPECT_EQ(status.st_size, 3'000'000'000);
+    EXPECT_EQ(status.st_mtim.tv_sec, 4'102'444'800);
 }
 
 TEST_F(FILE_SYSTEM_TEST, current_directory_has_no_final_slash_but_for_the_root)

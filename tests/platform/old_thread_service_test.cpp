@@ -12,8 +12,9 @@ struct THR_MUTEX
 
 THR_MUTEX* thr_mutex_create()
 {
-    static THR_MUTEX only_one;
-    return &only_one;
+    // Never destroyed: the library still locks it at exit.
+    static THR_MUTEX* const only_one = new THR_MUTEX;
+    return only_one;
 }
 
 void thr_mutex_lock(THR_MUTEX* mutex)

@@ -34,7 +34,7 @@ const char* inline_settings()
 {
     return "host = 1";
 }
-void refuse_null_name() {}
+void refuse_null_text() {}
 class SETTINGS_LINES
 {
 public:

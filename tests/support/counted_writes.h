@@ -1,5 +1,6 @@
 // Counts the calls that write to files. An executable that links counted_writes.cpp has the C library's write and
-// writev replaced; the C++ library's streams, which are linked dynamically, come by here as well.
+// writev replaced, or its fwrite with libc++; the C++ library's streams, which are linked dynamically, come by here as
+// well.
 #ifndef TESTS_SUPPORT_COUNTED_WRITES_H
 #define TESTS_SUPPORT_COUNTED_WRITES_H
 

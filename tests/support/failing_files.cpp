@@ -72,11 +72,13 @@ extern "C"
         return is_to_fail(FILE_CALL::OPEN) ? nullptr : original<decltype(fopen)>("fopen")(path, mode);
     }
 
+#ifndef __USE_FILE_OFFSET64 // with which fopen has this name
     // What the file streams use.
     std::FILE* fopen64(const char* path, const char* mode)
     {
         return is_to_fail(FILE_CALL::OPEN) ? nullptr : original<decltype(fopen64)>("fopen64")(path, mode);
     }
+#endif
 
     int open(const char* path, int flags, ...)
     {
@@ -129,5 +131,20 @@ extern "C"
         const int result = original<decltype(fclose)>("fclose")(file);
         return fails ? EOF : result;
     }
+
+#ifdef _LIBCPP_VERSION
+    // libc++'s file streams read and write through these. What the C library then calls itself, nothing can replace. At
+    // each flush the streams also write nothing at all, which does not count.
+    std::size_t fread(void* to, std::size_t size, std::size_t count, std::FILE* file)
+    {
+        return is_to_fail(FILE_CALL::READ) ? 0 : original<decltype(fread)>("fread")(to, size, count, file);
+    }
+
+    std::size_t fwrite(const void* from, std::size_t size, std::size_t count, std::FILE* file)
+    {
+        const bool fails = count > 0 && is_to_fail(FILE_CALL::WRITE);
+        return fails ? 0 : original<decltype(fwrite)>("fwrite")(from, size, count, file);
+    }
+#endif
 }
 #pragma GCC visibility pop

@@ -9,8 +9,8 @@
 enum class FILE_CALL
 {
     OPEN,  // open, and fopen as the file streams use it
-    READ,  // read and pread
-    WRITE, // write and writev, as the file streams use them
+    READ,  // read and pread; with libc++ also fread as the file streams use it
+    WRITE, // write and writev, as the file streams use them; with libc++ also fwrite, which its streams use
     SIZE,  // fstat
     CLOSE, // close, and fclose as the file streams use it; the file is closed nevertheless
 };

@@ -69,6 +69,14 @@ pid_t start_program(const PROGRAM_START& start)
     return child;
 }
 
+bool can_trace_programs()
+{
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0 ? 0 : 1);
+    return child > 0 && status_of_program(child) == 0;
+}
+
 int status_of_program(pid_t child)
 {
     int status = 0;

@@ -38,6 +38,9 @@ struct PROGRAM_START
 // Starts a program; the caller waits for it. One that cannot be started ends with the status 127.
 pid_t start_program(const PROGRAM_START& start);
 
+// Whether the system lets a program be traced; an emulator may not.
+bool can_trace_programs();
+
 // Waits for the end of a child. Returns its status as above.
 int status_of_program(pid_t child);
 

@@ -6,6 +6,7 @@
 #include <sys/ptrace.h>
 #include <sys/wait.h>
 
+#include "tests/support/run_program.h"
 #include "tests/velmar_cfg/tool_test.h"
 
 namespace
@@ -18,6 +19,12 @@ protected:
         variables["VELMAR2_INI"] = "user";
         write_file("given", "[General 23.3_pro]\nHDL_PREFERENCE = KHDL\nUSER_LIBRARIES = /x\n");
         variables["ASAN_OPTIONS"] = "detect_leaks=0"; // no leak check in a traced process
+    }
+
+    void SetUp() override
+    {
+        if (!can_trace_programs())
+            GTEST_SKIP() << "programs cannot be traced here";
     }
 
     // Lets a traced run of `arguments` go on for `stops` entries into and returns from the kernel, then kills it.

@@ -90,7 +90,7 @@ TEST_F(SETTLED_FILE, a_file_that_was_just_written_is_waited_for)
 TEST_F(SETTLED_FILE, a_file_from_the_future_is_watched_for_a_while)
 {
     // 317 years, too: more than a number of nanoseconds holds.
-    for (const time_t seconds : {3'600L, 10'000'000'000L})
+    for (const time_t seconds : {time_t{3'600}, time_t{10'000'000'000}})
     {
         const struct timespec future[2] = {{0, UTIME_NOW}, {time(nullptr) + seconds, 0}};
         ASSERT_EQ(utimensat(AT_FDCWD, file, future, 0), 0);

@@ -103,6 +103,19 @@ TEST_F(COMMAND_LINE, values_may_begin_with_a_hyphen)
                 HasSubstr("\n+USER_LIBRARIES = -x\n"));
 }
 
+TEST_F(COMMAND_LINE, seconds_are_a_whole_number)
+{
+    for (const char* const wrong : {"-1", "+1", "", "1.5", "1e3", "0x1", " 1", "1 ", "abc", "4294967296"})
+    {
+        const TOOL_RUN got = run({"set", "a", "1", "--dry-run", std::string("--wait=") + wrong});
+        EXPECT_EQ(got.exit_code, 2) << wrong;
+        EXPECT_THAT(got.err, StartsWith("velmar-cfg: --wait takes a whole number from 0 to 4294967295, not '" +
+                                        std::string(wrong) + "'"));
+    }
+    for (const char* const right : {"0", "1", "4294967295"})
+        EXPECT_EQ(run({"set", "a", "1", "--dry-run", "--wait", right}).exit_code, 0) << right;
+}
+
 TEST_F(COMMAND_LINE, a_hyphen_is_standard_input_or_output)
 {
     write_file("velmar.ini", "a=1\n");

@@ -82,6 +82,9 @@ INSTANTIATE_TEST_SUITE_P(
         SUGGESTION{"max fanout = 12", "blanks-in-name", "max_fanout = 12"},
         SUGGESTION{"msg sqlite = on", "blanks-in-name", "msg_sqlite = on"},
         SUGGESTION{"disable_ vexe_mode = on", "blanks-in-name", "disable_vexe_mode = on"},
+        SUGGESTION{"my_ own = 1", "blanks-in-name", "my_own = 1"},
+        SUGGESTION{"my _own = 1", "blanks-in-name", "my_own = 1"},
+        SUGGESTION{"_ own _ b = 1", "blanks-in-name", "_own_b = 1"},
         SUGGESTION{"this is a line of prose = 1", "blanks-in-name", nothing},
         SUGGESTION{"if (x) = 1", "blanks-in-name", nothing}, SUGGESTION{"py.test --cov = x", "blanks-in-name", nothing},
         SUGGESTION{"max fanout = 1\nmax_fanout = 2", "blanks-in-name", nothing}, // would be overridden

@@ -236,6 +236,10 @@ TEST_F(PROCESS_STATE, a_snapshot_names_the_process_that_it_is_of)
     EXPECT_THAT(run({"diff", "its.json", "own"}).out, StartsWith("A  its.json (velmar 23.4; " + view + ")\nB  own ("));
     EXPECT_EQ(run({"diff", "own", "its.json", "--with", "x=1", "--json"}).json().at("b").at("view"),
               view + "; what if: with x=1");
+    EXPECT_EQ(run({"diff", "its.json", "own"}).err, "");
+    EXPECT_EQ(run({"diff", "its.json"}).err,
+              "velmar-cfg: its.json: the snapshot of another program names no project; compared with the settings of "
+              "the current directory, --project DIR names others\n");
 }
 
 // --- Refusals ---

@@ -5,7 +5,11 @@
 #include "tools/velmar-cfg/commands/command.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
+#include <limits>
 #include <utility>
+
+#include "tools/velmar-cfg/base/text.h"
 
 namespace
 {
@@ -89,7 +93,16 @@ void COMMAND::add_option(const std::string& names, const std::string& value_name
 void COMMAND::add_option(const std::string& names, const std::string& value_name, unsigned int& value,
                          const std::string& description)
 {
-    app->add_option(names, value, description)->type_name(value_name);
+    const auto take = [&value, names](const std::string& text)
+    {
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+        if (error != std::errc() || end != text.data() + text.size())
+            throw CLI::ConversionError(names + " takes a whole number from 0 to " +
+                                           std::to_string(std::numeric_limits<unsigned int>::max()) + ", not " +
+                                           in_single_quotes(text),
+                                       CLI::ExitCodes::ConversionError);
+    };
+    app->add_option_function<std::string>(names, take, description)->type_name(value_name);
 }
 
 void COMMAND::add_option(const std::string& names, const std::string& value_name, std::vector<std::string>& values,

@@ -60,9 +60,10 @@ EXIT_CODE diff(const DIFF_OPTIONS& options, TOOL& tool)
     // One is read after the other: each may be put into effect for the whole process.
     STATE state_a = read_state(state_name(options.a), {.snapshot = true}, scope, tool.files);
     SETTINGS_SCOPE scope_of_b = options.b ? scope : scope_to_compare_with(state_a, scope);
-    if (!options.b && state_a.snapshot->of_run && scope_of_b.project.empty())
-        complain(state_a.name + ": a run report names no project; compared with the settings of the current directory, "
-                                "--project DIR names others");
+    const bool is_snapshot_of_program = state_a.is_document && state_a.snapshot->basis && state_a.snapshot->basis->as;
+    if (!options.b && (state_a.snapshot->of_run || is_snapshot_of_program) && scope_of_b.project.empty())
+        complain(state_a.name + (is_snapshot_of_program ? ": the snapshot of another program" : ": a run report") +
+                 " names no project; compared with the settings of the current directory, --project DIR names others");
     scope_of_b.what_if = options.what_if;
     STATE state_b = read_state(name_of_b(options), {.snapshot = true}, scope_of_b, tool.files);
     const COMPARED_SNAPSHOT a = side_of(std::move(state_a));

@@ -72,7 +72,7 @@ std::string with_plain_blanks(std::string_view text)
     return plain;
 }
 
-// The name that was written as several words.
+// The name that was written as several words. A blank beside an underscore is one too many, and stands for none.
 std::optional<std::string> name_of_words(std::string_view text)
 {
     const std::vector<std::string_view> words = words_of(text);
@@ -82,7 +82,10 @@ std::optional<std::string> name_of_words(std::string_view text)
         return std::nullopt;
     std::string name;
     for (const std::string_view word : words)
-        name += (name.empty() ? "" : "_") + std::string(word);
+    {
+        const bool is_divided = name.empty() || name.ends_with('_') || word.starts_with('_');
+        name += (is_divided ? "" : "_") + std::string(word);
+    }
     return name;
 }
 

@@ -192,6 +192,31 @@ TEST_F(PREFS_LOAD, of_many_lines_that_say_nothing_names_the_first)
     EXPECT_EQ(as_json.json().at("passed_over").size(), 60U);
 }
 
+TEST_F(PREFS_LOAD, refuses_utf_16_on_either_side)
+{
+    const std::string why =
+        ": is UTF-16, of which the library reads no line; save it as UTF-8 without a byte order mark\n";
+    const std::string plain = "[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n";
+    for (const std::string& bytes : {std::string("\xff\xfe[\0", 4), std::string("\xfe\xff\0[", 4)})
+    {
+        write_preferences(plain);
+        write_file("given", bytes);
+        EXPECT_EQ(run({"prefs", "load", "given"}), (TOOL_RUN{3, "", "velmar-cfg: given" + why}));
+        EXPECT_EQ(preferences(), plain);
+        write_preferences(bytes);
+        write_file("given", plain);
+        for (const std::vector<std::string>& words :
+             std::vector<std::vector<std::string>>{{"prefs", "load", "given", "--allow-loss"},
+                                                   {"prefs", "set", "HDL_PREFERENCE", "VHDL", "--allow-loss"}})
+        {
+            const TOOL_RUN got = run(words);
+            EXPECT_EQ(got.exit_code, 3) << words[1];
+            EXPECT_THAT(got.err, EndsWith("velmar2.ini" + why)) << words[1];
+        }
+        EXPECT_EQ(preferences(), bytes);
+    }
+}
+
 TEST_F(PREFS_LOAD, loses_no_value_of_the_own_file_unless_told)
 {
     const std::string bytes = "stray = 1\n[General 23.4_pro]\nHDL_PREFERENCE = VHDL\n";

@@ -215,6 +215,24 @@ TEST_F(RUN_REPORTS_FILES, that_contradict_themselves_are_refused)
     EXPECT_EQ(complaint_about(report_1()), "");
 }
 
+TEST_F(RUN_REPORTS_FILES, may_have_no_assignment_that_wins_and_loses)
+{
+    ordered_json json = report_2();
+    json["sources"] = ordered_json::parse(
+        R"([{"role": "inline", "layer": "inline", "external": true, "path": null, "text": "a=1;a=2", "state": "same"}])");
+    json["read"][0].erase("origin");
+    json["read"][0]["source"] = 0;
+    json["read"][0]["item"] = 2;
+    json["read"][0]["overridden"] = ordered_json::parse(R"([{"source": 0, "item": 1, "value": "1"}])");
+    EXPECT_EQ(complaint_about(json), "");
+    json["read"][0]["overridden"][0]["item"] = 2;
+    EXPECT_EQ(complaint_about(json), "report.json: .read[0].overridden[0] is no assignment that lost: it is the one "
+                                     "that won; have the file written again");
+    json["read"][0].erase("item"); // the position is not known
+    json["read"][0]["overridden"][0].erase("item");
+    EXPECT_EQ(complaint_about(json), "");
+}
+
 // It has U+FFFD for every byte that is no UTF-8.
 TEST_F(RUN_REPORTS_FILES, of_version_1_may_have_two_names_that_look_the_same)
 {

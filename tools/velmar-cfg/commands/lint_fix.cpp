@@ -50,7 +50,7 @@ void FILE_FIXES::fix_file(LAYERS& layers, std::size_t index)
     FIXED_TEXT fixed{};
     const auto plan = [&](const FILE_EDIT& file)
     {
-        require_settings_text(file.path, file.before);
+        refuse_utf_16(file.path, file.before);
         // By now it may be another text than was read. What the user is shown is what is fixed: with secrets hidden.
         const std::string hidden =
             hide_in_settings_text(file.before, *tool.options.scope.secrets).value_or(file.before);

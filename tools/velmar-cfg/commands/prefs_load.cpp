@@ -22,6 +22,7 @@
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
 #include "tools/velmar-cfg/preferences/preference_transfer.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
+#include "tools/velmar-cfg/settings/settings_edit.h"
 
 namespace
 {
@@ -153,6 +154,7 @@ EXIT_CODE load(const LOAD_OPTIONS& options, TOOL& tool)
     SECRETS& secrets = *tool.options.scope.secrets;
     const INPUT_FILE file = read_named_file(options.file);
     file.require_whole();
+    refuse_utf_16(file.path, file.bytes);
     const GIVEN_PREFERENCES given = preferences_given_by(file.bytes);
     // Their names are for messages: a line may hold a secret before its "=".
     const std::vector<UNKNOWN_PREFERENCE> unknown =

@@ -73,7 +73,7 @@ SETTINGS_EDIT edited(const SETTINGS_CHANGE& change, const SET_OPTIONS& options, 
         if (is_preference_file(path) || is_preference_file(file.path, file.before))
             throw TOOL_ERROR(EXIT_CODE::USAGE,
                              file.path + ": is a preference file; change it with velmar-cfg prefs set or prefs reset");
-        require_settings_text(file.path, file.before);
+        refuse_utf_16(file.path, file.before);
         SETTINGS_PLAN planned = plan_settings_change(file.path, file.before, change);
         edit.lines = std::move(planned.lines);
         edit.in_its_place = file.is_new ? file_in_whose_place(scope, file.path) : "";

@@ -64,8 +64,13 @@ RUN_ORIGIN read_origin(const JSON_NODE& row, const std::string& name, const RUN_
     if (const std::optional<JSON_NODE> others = row.member_if_any("overridden"))
     {
         for (const JSON_NODE& other : others->elements())
-            origin.overridden.push_back(
-                {read_place(other, report), hide_in_value(name, other.member("value").text(), secrets)});
+        {
+            const RUN_PLACE place = read_place(other, report);
+            if (origin.place && place.position != 0 && place.source == origin.place->source &&
+                place.position == origin.place->position)
+                other.refuse("assignment that lost: it is the one that won");
+            origin.overridden.push_back({place, hide_in_value(name, other.member("value").text(), secrets)});
+        }
     }
     return origin;
 }

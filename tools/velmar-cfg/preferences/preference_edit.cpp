@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tools/velmar-cfg/preferences/library_preferences.h"
+#include "tools/velmar-cfg/settings/settings_edit.h"
 
 namespace
 {
@@ -44,6 +45,7 @@ EDITED_FILE edited_by(decltype(edit_file)& edit, const std::vector<PREFERENCE_CH
     EDITED_FILE edited;
     const auto plan = [&](const FILE_EDIT& file)
     {
+        refuse_utf_16(file.path, file.before);
         edited.plan = plan_preference_changes(file.path, file.before, changes);
         return PLANNED_BYTES{edited.plan.after, refusal_for(file.path, edited.plan, permissions)};
     };

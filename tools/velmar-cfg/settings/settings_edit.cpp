@@ -252,7 +252,7 @@ const char* line_change_word(LINE_CHANGE change)
     return change == LINE_CHANGE::REPLACED ? "replaced" : change == LINE_CHANGE::ADDED ? "added" : "removed";
 }
 
-void require_settings_text(const std::string& path, std::string_view bytes)
+void refuse_utf_16(const std::string& path, std::string_view bytes)
 {
     if (bytes.starts_with("\xff\xfe") || bytes.starts_with("\xfe\xff"))
         throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, path +

@@ -43,11 +43,11 @@ const std::string* suggestion_of(const std::vector<FINDING>& findings, const REA
     return text;
 }
 
-// Whether the text in the place of the line sets a variable that the line does not set, and that something set before
-// any fix. Which of the two values was meant is for a person to decide.
-bool sets_what_others_set(const STATEMENT& statement, const std::string& replacement, const SETTINGS& before)
+// Whether one of the variables that the text in the place of the line sets is not set by the line, and was set by
+// something before any fix. Which of the two values was meant is for a person to decide.
+bool sets_what_others_set(const STATEMENT& statement, const std::vector<std::string>& names, const SETTINGS& before)
 {
-    return std::ranges::any_of(names_set_in(replacement),
+    return std::ranges::any_of(names,
                                [&](const std::string& name)
                                {
                                    const bool own =
@@ -87,10 +87,10 @@ std::vector<TEXT_EDIT> edits_of_round(const LAYERS& layers, std::size_t index, c
             if (statement.layer != index)
                 return;
             const std::string* const replacement = suggestion_of(findings, ignored);
-            if (replacement == nullptr || sets_what_others_set(statement, *replacement, before))
+            if (replacement == nullptr)
                 return;
             const std::vector<std::string> names = names_set_in(*replacement);
-            if (!can_go_now(names, spellings))
+            if (sets_what_others_set(statement, names, before) || !can_go_now(names, spellings))
                 return;
             edits.push_back(
                 {static_cast<std::size_t>(statement.text.data() - text.data()), statement.text.size(), *replacement});

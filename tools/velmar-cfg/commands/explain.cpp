@@ -3,7 +3,6 @@
 #include <cstdint>
 
 #include "tools/velmar-cfg/base/hidden_text.h"
-#include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
@@ -11,7 +10,6 @@
 #include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/lint/explanation.h"
-#include "tools/velmar-cfg/settings/known_variables.h"
 #include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
@@ -97,20 +95,6 @@ void write_text(const EXPLANATION& explanation, const STATE& state, OUTPUT& out)
         out << out.painted(STYLE::WARNING, "hint:") << " " << printable(hint.text) << "\n";
 }
 
-// What is spelt nearly so may also be a name without a value that the layers do not have.
-void add_names_in_report(EXPLANATION& explanation, const STATE& state, const SETTINGS& settings)
-{
-    std::vector<std::string> names = state.names_in_report();
-    if (names.empty() || explanation.known != nullptr)
-        return;
-    constexpr const char* reason = "near-miss";
-    std::erase_if(explanation.hints, [](const HINT& hint) { return hint.reason == reason; });
-    for (const std::vector<std::string>& others : {known_variable_names(), names_of_variables(settings)})
-        names.insert(names.end(), others.begin(), others.end());
-    if (const std::optional<std::string> nearest = nearest_name(explanation.name, names))
-        explanation.hints.push_back({reason, "there is also '" + *nearest + "'; is that the one?"});
-}
-
 struct EXPLAIN_OPTIONS
 {
     STATE_OPTIONS state;
@@ -121,10 +105,9 @@ EXIT_CODE explain(const EXPLAIN_OPTIONS& options, TOOL& tool)
 {
     const STATE state = state_of(options.state, {.settings = true}, tool);
     const SETTINGS settings(state.layers);
-    EXPLANATION explanation = explain_variable(options.name, settings);
+    EXPLANATION explanation = explain_variable(options.name, settings, state.names_in_report());
     if (explanation.assignments.empty())
         explanation.is_set = is_set_without_value(state.absent_variable(options.name));
-    add_names_in_report(explanation, state, settings);
     if (tool.options.json)
     {
         answer_with_view(tool, state,

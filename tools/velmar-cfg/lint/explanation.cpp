@@ -13,6 +13,7 @@
 #include "tools/velmar-cfg/lint/finding.h"
 #include "tools/velmar-cfg/lint/settings_rules.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
+#include "tools/velmar-cfg/settings/typed_answer.h"
 
 namespace
 {
@@ -79,14 +80,13 @@ void add_hint_of_spelling(EXPLANATION& explanation)
                                                   "': the same variable, since the case of A to Z does not count"});
 }
 
-void add_hint_of_near_miss(EXPLANATION& explanation, const SETTINGS& settings)
+void add_hint_of_near_miss(EXPLANATION& explanation, const SETTINGS& settings,
+                           const std::vector<std::string>& other_names)
 {
     if (explanation.known != nullptr)
         return;
-    std::vector<std::string> names = known_variable_names();
-    for (std::string& name : names_of_variables(settings))
-        names.push_back(std::move(name));
-    if (const std::optional<std::string> nearest = nearest_name(explanation.name, names))
+    if (const std::optional<std::string> nearest =
+            nearest_name(explanation.name, names_that_may_be_meant(settings, explanation.name, other_names)))
         explanation.hints.push_back({"near-miss", "there is also '" + *nearest + "'; is that the one?"});
 }
 
@@ -110,7 +110,8 @@ void write_hint(JSON_WRITER& out, const HINT& hint)
 }
 }
 
-EXPLANATION explain_variable(const std::string& name, const SETTINGS& settings)
+EXPLANATION explain_variable(const std::string& name, const SETTINGS& settings,
+                             const std::vector<std::string>& other_names)
 {
     EXPLANATION explanation;
     explanation.name = name;
@@ -124,7 +125,7 @@ EXPLANATION explain_variable(const std::string& name, const SETTINGS& settings)
     }
     add_statements(explanation, settings);
     add_hint_of_spelling(explanation);
-    add_hint_of_near_miss(explanation, settings);
+    add_hint_of_near_miss(explanation, settings, other_names);
     return explanation;
 }
 

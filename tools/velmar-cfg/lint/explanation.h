@@ -41,7 +41,9 @@ struct EXPLANATION
     std::vector<HINT> hints;
 };
 
-EXPLANATION explain_variable(const std::string& name, const SETTINGS& settings);
+// `other_names`, which are not in the settings, may be meant as well: a hint suggests the nearest name.
+EXPLANATION explain_variable(const std::string& name, const SETTINGS& settings,
+                             const std::vector<std::string>& other_names = {});
 
 // {"name", "set", "value", "external", "assignments", "readings", "known", "default", "hints"}.
 void write_json(JSON_WRITER& out, const EXPLANATION& explanation);

@@ -60,15 +60,20 @@ TYPED_ANSWER answer_typed(const SETTINGS& settings, const std::string& name, REA
     return answer;
 }
 
+std::vector<std::string> names_that_may_be_meant(const SETTINGS& settings, const std::string& name,
+                                                 const std::vector<std::string>& other_names)
+{
+    std::vector<std::string> names = known_variable_names();
+    std::ranges::move(names_of_variables(settings), std::back_inserter(names));
+    std::ranges::copy_if(other_names, std::back_inserter(names),
+                         [&name](const std::string& other) { return !same_name(other, name); });
+    return names;
+}
+
 std::string similar_variable(const SETTINGS& settings, const std::string& name,
                              const std::vector<std::string>& other_names)
 {
-    std::vector<std::string> names = known_variable_names();
-    for (std::string& other : names_of_variables(SETTINGS(settings.layers())))
-        names.push_back(std::move(other));
-    std::ranges::copy_if(other_names, std::back_inserter(names),
-                         [&name](const std::string& other) { return !same_name(other, name); });
-    return did_you_mean(name, names);
+    return did_you_mean(name, names_that_may_be_meant(SETTINGS(settings.layers()), name, other_names));
 }
 
 TYPED_VALUE default_of_type(READER_TYPE type, std::string_view text)

@@ -44,8 +44,12 @@ TYPED_ANSWER answer_typed(const SETTINGS& settings, const std::string& name, REA
                           const std::optional<TYPED_VALUE>& fallback, bool suggest = true,
                           const std::vector<std::string>& other_names = {});
 
-// ", did you mean 'NEAREST'?", among the known variables, those of the layers, and the other names; or nothing. Not the
-// name itself.
+// The names with which `name` may be mistaken: those of the known variables, of these settings, and the others, but for
+// the name itself.
+std::vector<std::string> names_that_may_be_meant(const SETTINGS& settings, const std::string& name,
+                                                 const std::vector<std::string>& other_names);
+
+// ", did you mean 'NEAREST'?", among these names of all layers; or nothing.
 std::string similar_variable(const SETTINGS& settings, const std::string& name,
                              const std::vector<std::string>& other_names);
 

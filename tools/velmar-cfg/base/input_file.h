@@ -52,6 +52,10 @@ private:
     std::size_t bytes_read = 0;
 };
 
+// Throws TOOL_ERROR(BAD_INPUT) for bytes of which no line means anything to the library, and to which none can be
+// added: UTF-16, as its byte order mark shows. `path` is for the message.
+void refuse_utf_16(const std::string& path, std::string_view bytes);
+
 // What such a file is called: its path, or "standard input".
 std::string title_of_named_file(const std::string& path);
 

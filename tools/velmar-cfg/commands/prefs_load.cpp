@@ -22,7 +22,6 @@
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
 #include "tools/velmar-cfg/preferences/preference_transfer.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
-#include "tools/velmar-cfg/settings/settings_edit.h"
 
 namespace
 {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tools/velmar-cfg/base/file_edit.h"
+#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/base/text.h"

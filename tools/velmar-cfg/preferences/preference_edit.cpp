@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/preferences/library_preferences.h"
-#include "tools/velmar-cfg/settings/settings_edit.h"
 
 namespace
 {

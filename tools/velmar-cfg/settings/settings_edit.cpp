@@ -252,14 +252,6 @@ const char* line_change_word(LINE_CHANGE change)
     return change == LINE_CHANGE::REPLACED ? "replaced" : change == LINE_CHANGE::ADDED ? "added" : "removed";
 }
 
-void refuse_utf_16(const std::string& path, std::string_view bytes)
-{
-    if (bytes.starts_with("\xff\xfe") || bytes.starts_with("\xfe\xff"))
-        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, path +
-                                                   ": is UTF-16, of which the library reads no line; save it as UTF-8 "
-                                                   "without a byte order mark");
-}
-
 void check_settings_change(const SETTINGS_CHANGE& change)
 {
     check_name(change);

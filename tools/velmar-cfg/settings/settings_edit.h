@@ -38,10 +38,6 @@ struct SETTINGS_PLAN
     std::vector<CHANGED_LINE> lines; // in their order
 };
 
-// Throws TOOL_ERROR(BAD_INPUT) for bytes of which no line means anything to the library, and to which none can be
-// added: UTF-16, as its byte order mark shows. `path` is for the message.
-void refuse_utf_16(const std::string& path, std::string_view bytes);
-
 // Throws TOOL_ERROR(REFUSED) for a name or a value that no line of a settings file can hold, by the library's rules,
 // with what the line would be instead; and for setting the variable of empty name.
 void check_settings_change(const SETTINGS_CHANGE& change);

@@ -32,10 +32,12 @@ bool give_up_rights()
                               prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH, 0, 0, 0) == 0);
 }
 
-bool limit_memory(std::size_t most)
+bool limit_memory(const PROGRAM_START& start)
 {
-    const rlimit limit{most, most};
-    return most == 0 || setrlimit(RLIMIT_AS, &limit) == 0;
+    const rlimit addresses{start.most_memory, start.most_memory};
+    const rlimit stack{start.most_stack, start.most_stack};
+    return (start.most_memory == 0 || setrlimit(RLIMIT_AS, &addresses) == 0) &&
+           (start.most_stack == 0 || setrlimit(RLIMIT_STACK, &stack) == 0);
 }
 
 // Only calls that are safe between fork and exec.
@@ -46,8 +48,8 @@ bool limit_memory(std::size_t most)
     const int err = open(start.errors.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
     const int in = open(start.input.c_str(), O_RDONLY);
     const bool ready = out >= 0 && err >= 0 && in >= 0 && dup2(in, STDIN_FILENO) >= 0 &&
-                       dup2(out, STDOUT_FILENO) >= 0 && dup2(err, STDERR_FILENO) >= 0 &&
-                       limit_memory(start.most_memory) && (start.with_rights || give_up_rights()) &&
+                       dup2(out, STDOUT_FILENO) >= 0 && dup2(err, STDERR_FILENO) >= 0 && limit_memory(start) &&
+                       (start.with_rights || give_up_rights()) &&
                        (!start.traced || ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0);
     if (ready)
         execve(start.path.c_str(), arguments, environment);

@@ -33,6 +33,7 @@ struct PROGRAM_START
     bool with_rights = true;     // else permissions count, as they do not for root
     bool traced = false;         // stopped before its first instruction, and traced by the caller
     std::size_t most_memory = 0; // what it may take, in bytes of addresses; 0 for no limit
+    std::size_t most_stack = 0;  // what its stack may grow to, in bytes; 0 for no limit
 };
 
 // Starts a program; the caller waits for it. One that cannot be started ends with the status 127.

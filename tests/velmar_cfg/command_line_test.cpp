@@ -162,6 +162,27 @@ TEST_F(COMMAND_LINE, too_little_memory_is_told)
                         "-v)\n"}));
 }
 
+TEST_F(COMMAND_LINE, small_stacks_are_large_enough)
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "with sanitizers functions take more of the stack";
+#endif
+    most_stack = std::size_t{64} * 1024;
+    write_file("velmar.ini", "a=1\nb = yes\n");
+    write_file("user/velmar2.ini", "[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n");
+    variables["VELMAR2_INI"] = "user";
+    for (const std::vector<std::string>& words :
+         std::vector<std::vector<std::string>>{{"set", "a", "2"},
+                                               {"unset", "a"},
+                                               {"lint", "--fix", "velmar.ini"},
+                                               {"prefs", "set", "HDL_PREFERENCE", "VHDL"},
+                                               {"prefs", "load", "user/velmar2.ini"},
+                                               {"snapshot", "-o", "now.json"},
+                                               {"diff", "now.json"}})
+        EXPECT_EQ(run(words).exit_code, 0) << words.front();
+    EXPECT_EQ(read_file("velmar.ini"), "b = on\n");
+}
+
 TEST_F(COMMAND_LINE, json_and_zero_bytes_exclude_each_other)
 {
     EXPECT_EQ(run({"list", "--json", "-z"}), (TOOL_RUN{2, "", "velmar-cfg: --json and -z exclude each other\n"}));

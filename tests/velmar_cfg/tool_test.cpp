@@ -75,5 +75,6 @@ pid_t TOOL_TEST::start_with(bool rights, const std::vector<std::string>& argumen
     start.with_rights = rights;
     start.traced = traced;
     start.most_memory = most_memory;
+    start.most_stack = most_stack;
     return start_program(start);
 }

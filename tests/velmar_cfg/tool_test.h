@@ -50,6 +50,7 @@ protected:
     std::map<std::string, std::string> variables;
     std::string standard_input = "/dev/null"; // the path of what the tool reads there
     std::size_t most_memory = 0;              // what it may take, in bytes of addresses; 0 for no limit
+    std::size_t most_stack = 0;               // what its stack may grow to, in bytes; 0 for no limit
 
 private:
     TOOL_RUN run_with(bool rights, const std::vector<std::string>& arguments) const;

@@ -31,8 +31,8 @@
 //   library notifies exact spellings only. The old answer stays until the next store under this spelling or the next
 //   reload. This also applies to settings files: a later line in another letter case is missed if a get() came between.
 // - Changes during a notification. A CFG_INI_CALLBACK object that is notified before this one, and calls get() in its
-//   notification, gets the old answer. One that calls get() in reset_to_default() during a reload makes this object
-//   keep an answer from the old settings. Use the store's own readers in notifications.
+//   notification, gets the old answer. One that calls get() in reset_to_default() during a reload can make this object
+//   keep an answer from settings that the reload then drops. Use the store's own readers in notifications.
 //
 // Usage counts. Only a get() that asks the store counts as an access; the first get() of an unset variable does not, as
 // for every reader. A switch that is asked for a million times has one access for each change. So the ranked report

@@ -29,8 +29,9 @@
 //
 // Errors. Absence is not an error: defaults, empty texts and empty optionals stand for it. A broken precondition is
 // reported through err_report_internal_error of platform/err/err.h; the function's comment says what happens after the
-// report. The library throws std::logic_error for a null name and lets std::bad_alloc pass; it throws nothing else. A
-// load that std::bad_alloc ends keeps what it has stored so far; load again to get the rest.
+// report. The library throws std::logic_error for a null name or value of a variable. It lets std::bad_alloc and the
+// exceptions of the host's own functions pass. It throws nothing else. A load that std::bad_alloc ends keeps what it
+// has stored so far; load again to get the rest.
 #ifndef CFG_INI_CFG_INI_H
 #define CFG_INI_CFG_INI_H
 
@@ -238,9 +239,10 @@ CFG_INI_API std::optional<float> cfg_get_value_as<float>(const std::string& name
 // - notifies the CFG_INI_CALLBACK objects of exactly this name, and
 // - marks the settings as changed.
 //
-// It counts no access. The value lasts until the settings are reloaded. A null name or value throws std::logic_error
-// and sets nothing. Where a parameter is a std::string, the program itself makes one of a null pointer, before the
-// call: libstdc++ throws std::logic_error there too, libc++ has undefined behaviour.
+// It counts no access. The value lasts until the settings are reloaded. A null pointer as a name or value throws
+// std::logic_error and sets nothing. There is one exception. If the parameter is a std::string, the program makes
+// one of the pointer before the call: libstdc++ throws std::logic_error there too, but with libc++ the behaviour is
+// undefined.
 //
 // Example:
 //
@@ -270,9 +272,9 @@ CFG_INI_API void cfg_set_off(CFG_INI_VAR_ENUM ini_enum);
 // marked as external.
 CFG_INI_API void cfg_process_ini_string(const std::string& text, bool internal);
 
-// Whether the variable is external: its value came from the main settings file, from VELMAR_INI_VARS, or from an inline
-// text that was not internal. A later assignment by the program does not clear the mark. The function never loads the
-// settings files: it returns false for an unknown name, and before the first load.
+// Whether the variable is external: the main settings file, VELMAR_INI_VARS or an inline text that was not internal has
+// set it. No later assignment clears the mark, wherever it comes from. The function never loads the settings files: it
+// returns false for an unknown name, and before the first load.
 CFG_INI_API bool cfg_ini_is_external(const std::string& name);
 
 // --- Entry points to be looked up by symbol name ---
@@ -350,8 +352,8 @@ CFG_INI_API std::optional<CFG_INI_VAR_ENUM> cfg_get_ini_var_enum_from_string(con
 // What a notification may do. Both notifications run on the thread that stored or emptied, with the store's recursive
 // lock held. They may read and set variables. They must not construct or destroy a CFG_INI_CALLBACK, and must not empty
 // or reload the store. refresh() must not set the variable that it is notified of. If a reset_to_default() reads a
-// variable, it loads the settings there and then: that load first refreshes the objects whose turn comes later, and
-// afterwards these are reset.
+// variable, the settings are loaded at that moment. This load refreshes the objects of all variables that it sets; the
+// objects that have not been reset yet are reset after that.
 //
 // Exceptions. Neither notification should throw. An exception passes through to the caller that stored or emptied, and
 // leaves the lock held by its thread, for good. That thread can go on using the store. Every other thread that uses the
@@ -564,7 +566,7 @@ CFG_INI_API std::string cfg_get_user_ini_registry_sub_branch_string(CFG_USER_INI
 // directory. A lookup takes the first of these values that is not empty:
 // - the value in the section of the running release;
 // - only if the file has no such section at all: the value of the newest older release that has the key, or of the
-//   section without a release. The lookup also assigns this value for the running release;
+//   section without a release. If the catalogue allows this value, the lookup also assigns it for the running release;
 // - the catalogue's default.
 //
 // A name matches the catalogue in any letter case. But a value is found only under the spelling that the file uses.

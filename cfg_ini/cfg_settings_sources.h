@@ -1,9 +1,6 @@
 // Where the values of the internal variables came from: the settings files and inline texts that the library has
 // applied, each as it was at that moment.
 //
-//     for (const CFG_SETTINGS_SOURCE& source : cfg_get_settings_sources().applied)
-//         log(source.path.empty() ? source.text : source.path);
-//
 // The path getters of the public header do not replace this list. Their paths are never cleared, there is only one for
 // each role, and it may be relative to a directory that is no longer the current one.
 //
@@ -95,6 +92,14 @@ struct CFG_SETTINGS_SOURCES
 //
 // Any thread may call, and a notification may. The call waits for the store's lock, as every lookup does. While another
 // thread applies sources, the list has those that it has begun. Throws std::bad_alloc only.
+//
+// Example, which prints the files and texts in the order in which they were applied:
+//
+//     const CFG_SETTINGS_SOURCES sources = cfg_get_settings_sources();
+//     for (const CFG_SETTINGS_SOURCE& source : sources.applied)
+//         print(source.path.empty() ? source.text : source.path);
+//     if (sources.lost_until != 0)
+//         warn("Some sources are missing");
 CFG_INI_API CFG_SETTINGS_SOURCES cfg_get_settings_sources();
 
 #endif

@@ -47,7 +47,7 @@
 //         count                its counted accesses; for an unset variable, one less than the lookups of the run
 //         value                its text; null when it has none, and when the usage reports leave it out, because it
 //                              was set without being external and never gave a value of the type asked for
-//         external             whether the value came from the main settings file or from VELMAR_INI_VARS
+//         external             whether the variable counts as external (see cfg_ini_is_external)
 //         used                 whether some caller got a usable value from it
 //         source, line, item   where the value came from: the source's index in the list, from 0, and the line of a
 //                              file or the item of a text, from 1
@@ -80,8 +80,8 @@ struct CFG_RUN_REPORT_RESULT
     // True if the whole document is in the file.
     bool written;
 
-    // One line that names the file and the problem, without memory for that only the problem; empty if the document was
-    // written.
+    // One line that names the file and the problem. It names only the problem if there is no memory for more. Empty if
+    // the document was written.
     std::string error;
 };
 

@@ -51,5 +51,5 @@ kind != "" && /^ *\/\/$/ {
 
 END {
     end_example()
-    printf "#if !(%d >= 25)\n#error only %d examples were found\n#endif\n", count, count
+    printf "#if !(%d >= 26)\n#error only %d examples were found\n#endif\n", count, count
 }

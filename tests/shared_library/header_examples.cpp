@@ -17,6 +17,7 @@
 
 #include "cfg_ini/cfg_cached_value.h"
 #include "cfg_ini/cfg_ini.h"
+#include "cfg_ini/cfg_settings_sources.h"
 #include "cfg_run_report/cfg_run_report.h"
 #include "platform/err/err.h"
 #include "platform/fio/fio.h"

@@ -316,7 +316,9 @@ TEST_F(GET, reads_names_from_standard_input)
     EXPECT_EQ(run({"get", "--stdin", "-z", "--project", "project"}).out, "bc=2\0a=1\0"s);
     write_file("names", "");
     EXPECT_EQ(run({"get", "--stdin", "--project", "project"}), (TOOL_RUN{0, "", ""}));
-    EXPECT_EQ(run({"get", "a", "--stdin"}), (TOOL_RUN{2, "", "velmar-cfg: --stdin and names exclude each other\n"}));
+    const TOOL_RUN refused{2, "", "velmar-cfg: --stdin and names exclude each other\n"};
+    EXPECT_EQ(run({"get", "a", "--stdin"}), refused);
+    EXPECT_EQ(run({"get", "a", "--stdin", "--root", "gone"}), refused); // before a directory is looked for
 }
 
 TEST_F(GET, ends_the_value_with_a_zero_byte_on_request)

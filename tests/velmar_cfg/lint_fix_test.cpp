@@ -184,7 +184,9 @@ TEST_F(LINT_FIX, names_the_changed_files_also_where_findings_cannot_be_written)
 TEST_F(LINT_FIX, refuses_what_makes_no_sense)
 {
     write_file("velmar.ini", "a = yes\n");
-    EXPECT_EQ(run({"lint", "--fix", "-"}), (TOOL_RUN{2, "", "velmar-cfg: --fix changes files, not standard input\n"}));
+    const TOOL_RUN refused{2, "", "velmar-cfg: --fix changes files, not standard input\n"};
+    EXPECT_EQ(run({"lint", "--fix", "-"}), refused);
+    EXPECT_EQ(run({"lint", "--fix", "-", "--project", "gone"}), refused); // before a directory is looked for
     EXPECT_EQ(run({"lint", "--dry-run"}).exit_code, 2);
     EXPECT_EQ(run({"lint", "--break-hard-links"}).exit_code, 2);
     EXPECT_EQ(run({"lint", "--format", "sarif", "--json"}).exit_code, 2);

@@ -90,11 +90,12 @@ INSTANTIATE_TEST_SUITE_P(
         SUGGESTION{"max fanout = 1\nmax_fanout = 2", "blanks-in-name", nothing}, // would be overridden
         SUGGESTION{"max_fanout = 1\nmax fanout = 2", "blanks-in-name", "max_fanout = 2"},
         SUGGESTION{"Max_Fanout = 1\nmax fanout = 2", "blanks-in-name", "Max_Fanout = 2"},
-        SUGGESTION{"a:=1", "operator-in-name", "a = 1"}, SUGGESTION{"a ::= 1", "operator-in-name", "a = 1"},
-        SUGGESTION{"a ?= 1", "operator-in-name", "a = 1"}, SUGGESTION{"path += x", "operator-in-name", nothing},
-        SUGGESTION{"path -= x", "operator-in-name", nothing}, SUGGESTION{"a != 1", "operator-in-name", nothing},
-        SUGGESTION{":=1", "operator-in-name", nothing}, SUGGESTION{"\"c\" = 1", "quoted-name", "c = 1"},
-        SUGGESTION{"'my var' = 1", "quoted-name", "my_var = 1"}, SUGGESTION{"'-x' = 1", "quoted-name", "-x = 1"},
+        SUGGESTION{"a:=1", "operator-in-name", "a = 1"}, SUGGESTION{"a:=", "operator-in-name", "a ="},
+        SUGGESTION{"a ::= 1", "operator-in-name", "a = 1"}, SUGGESTION{"a ?= 1", "operator-in-name", "a = 1"},
+        SUGGESTION{"path += x", "operator-in-name", nothing}, SUGGESTION{"path -= x", "operator-in-name", nothing},
+        SUGGESTION{"a != 1", "operator-in-name", nothing}, SUGGESTION{":=1", "operator-in-name", nothing},
+        SUGGESTION{"\"c\" = 1", "quoted-name", "c = 1"}, SUGGESTION{"'my var' = 1", "quoted-name", "my_var = 1"},
+        SUGGESTION{"'-x' = 1", "quoted-name", "-x = 1"},
         SUGGESTION{"a\xc2\xa0"
                    "b = 1",
                    "odd-character", "a_b = 1"},

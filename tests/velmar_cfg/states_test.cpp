@@ -107,7 +107,7 @@ const COMMAND_ROW commands[] = {
     {{"explain", "max_fanout"}, true, true, fine, fine, fine, fine, "max_fanout = 12"},
     {{"explain", "nothing"}, true, true, findings, findings, findings, findings, "nothing is not "},
     {{"layers"}, true, false, fine, fine, fine, fine, "effort"},
-    {{"layers", "--overridden"}, true, false, fine, no_snapshot, no_run, no_run, "main settings file"},
+    {{"layers", "--overridden"}, true, false, fine, no_snapshot, no_run, fine, "main settings file"},
     {{"paths"}, true, true, fine, no_snapshot, no_run, no_run, "velmar.ini"},
     {{"paths", "--with", "more=1", "--without", "effort"},
      true,
@@ -509,6 +509,9 @@ TEST_F(STATES, what_a_run_report_leaves_out_is_told_from_what_is_unset)
     EXPECT_EQ(run({"layers", "--of", "other.json", "--json"}).json().back(),
               R"({"layer": "unknown", "file": null, "line": null, "item": null, "text": null, "name": "odd",
                   "value": null, "effect": "counts", "winner": null})"_json);
+    // They lost to nothing.
+    EXPECT_THAT(run({"layers", "--overridden", "--of", "other.json"}).out, Not(HasSubstr("Quiet")));
+    EXPECT_EQ(run({"layers", "--overridden", "--of", "other.json", "--json"}).json().size(), 1U);
     EXPECT_THAT(
         run({"list", "--read", "--of", "other.json"}).out,
         HasSubstr("\n7\tasked\tnot set\n3\tmax_fanout=12\n2\todd\tset, value not recorded\n"

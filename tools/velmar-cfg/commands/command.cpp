@@ -142,7 +142,12 @@ void COMMAND::add_nul_flag(TOOL& tool)
 
 void COMMAND::add_check(TOOL& tool, std::function<void()> check)
 {
-    app->parse_complete_callback([&tool, check = std::move(check)] { tool.check = check; });
+    tool.checks.emplace_back(
+        [parsed = app, check = std::move(check)]
+        {
+            if (parsed->parsed())
+                check();
+        });
 }
 
 void COMMAND::require_with(const std::string& option, const std::string& other)

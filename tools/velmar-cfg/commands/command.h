@@ -75,7 +75,7 @@ public:
     // The option -z, for a command whose records scripts read.
     void add_nul_flag(TOOL& tool);
 
-    // What is to be found out of the options before anything is read: TOOL::check, of which a command has one.
+    // What is to be found out of the command's options before anything is read: one of TOOL::checks.
     void add_check(TOOL& tool, std::function<void()> check);
 
     // Refuses `option` without `other`; both were added.

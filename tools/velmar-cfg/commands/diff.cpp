@@ -91,9 +91,8 @@ void add_diff_command(COMMAND app, TOOL& tool)
     COMMAND command = app.add_command(
         tool, "diff",
         "Show what differs between two states and which layer made it differ: release, environment, content of the "
-        "files, variables and preferences. What only one of the two states can know is no difference. Exit code 1 when "
-        "something "
-        "differs.",
+        "files, variables and preferences. What one of the two states cannot know is not compared. Exit code 1 when "
+        "something differs.",
         "velmar-cfg diff before.json\n"
         "      what has changed for runs in the project of the snapshot since it was taken\n"
         "  velmar-cfg diff monday.json tuesday.json --used run.json\n"

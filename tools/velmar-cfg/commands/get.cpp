@@ -56,14 +56,18 @@ std::string safe_remark_on(const TYPED_ANSWER& answer, SECRETS& secrets)
         [&secrets](std::string_view name) { return secrets.is_secret_name(name); }, secrets);
 }
 
-// The names of the command line, or those on standard input, a line, which may end as on other systems, or, with -z, a
-// record each.
-std::vector<std::string> names_of(const GET_OPTIONS& options, const TOOL& tool)
+void require_one_kind_of_names(const GET_OPTIONS& options)
 {
     if (options.names_on_input && !options.names.empty())
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--stdin and names exclude each other");
     if (!options.names_on_input && options.names.empty())
         throw TOOL_ERROR(EXIT_CODE::USAGE, "NAME or --stdin is required; see velmar-cfg get --help");
+}
+
+// The names of the command line, or those on standard input, a line, which may end as on other systems, or, with -z, a
+// record each.
+std::vector<std::string> names_of(const GET_OPTIONS& options, const TOOL& tool)
+{
     if (!options.names_on_input)
         return options.names;
     const INPUT_FILE input = read_named_file("-");
@@ -166,4 +170,5 @@ void add_get_command(COMMAND app, TOOL& tool)
     add_state_option(command, options->state, tool);
     add_what_if_options(command, options->state.what_if);
     command.add_nul_flag(tool);
+    command.add_check(tool, [options] { require_one_kind_of_names(*options); });
 }

@@ -72,8 +72,11 @@ void write_rows(const LAYERS_OPTIONS& options, const STATE& state, const SETTING
                             if (is_wanted(options, line))
                                 write_row(out, settings, line);
                         });
-    for (const std::string_view name : state.variables_not_recorded(settings))
-        write_row_not_recorded(out, name);
+    if (!options.only_overridden)
+    {
+        for (const std::string_view name : state.variables_not_recorded(settings))
+            write_row_not_recorded(out, name);
+    }
     out.end_list();
 }
 
@@ -163,7 +166,7 @@ EXIT_CODE show_layers(const LAYERS_OPTIONS& options, TOOL& tool)
 {
     const STATE state = state_of(options.state, {.settings = true}, tool);
     if (options.only_overridden)
-        state.require(state.known_lines == KNOWN_LINES::ALL);
+        state.require(state.known_lines != KNOWN_LINES::WINNERS);
     const SETTINGS settings(state.layers);
     if (tool.options.json)
     {
@@ -183,7 +186,8 @@ EXIT_CODE show_layers(const LAYERS_OPTIONS& options, TOOL& tool)
                                 text.write(line);
                         });
     text.finish();
-    write_not_recorded(state, settings, tool.out);
+    if (!options.only_overridden)
+        write_not_recorded(state, settings, tool.out);
     return EXIT_CODE::FINE;
 }
 }

@@ -41,10 +41,6 @@ struct LINT_OPTIONS : FIX_OPTIONS
 FINDINGS_OPTIONS output_options(const LINT_OPTIONS& options, const TOOL& tool)
 {
     const bool sarif = options.format == "sarif";
-    if (sarif && tool.options.json)
-        throw TOOL_ERROR(EXIT_CODE::USAGE, "--json and --format exclude each other");
-    if (sarif && options.dry_run)
-        throw TOOL_ERROR(EXIT_CODE::USAGE, "--dry-run and --format exclude each other");
     FINDINGS_OPTIONS output{FINDINGS_FORMAT::TEXT, options.strict, checked_reasons(options.ignored)};
     output.format = options.dry_run     ? FINDINGS_FORMAT::NONE
                     : sarif             ? FINDINGS_FORMAT::SARIF
@@ -152,22 +148,19 @@ std::vector<std::string> each_once(const std::vector<std::string>& files)
     return once;
 }
 
-// Listing the reasons goes with nothing that says what to check or how.
-void require_only_list(const LINT_OPTIONS& options)
+void require_no_contradiction(const LINT_OPTIONS& options, const TOOL& tool)
 {
+    // Listing the reasons goes with nothing that says what to check or how.
     const bool checks = !options.files.empty() || options.fix || options.state.of || !options.state.what_if.empty();
     const bool shows = options.strict || !options.ignored.empty() || options.format != "text";
     if (options.list_reasons && (checks || shows))
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--list-reasons checks nothing: files, --fix, --of, --with, --without, "
                                            "--strict, --ignore and --format sarif exclude it");
-}
-
-EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
-{
-    require_only_list(options);
-    const FINDINGS_OPTIONS output = output_options(options, tool);
-    if (options.list_reasons)
-        return list_reasons({{"settings", reasons_of_settings()}, {"preferences", reasons_of_preferences()}}, tool);
+    const bool sarif = options.format == "sarif";
+    if (sarif && tool.options.json)
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "--json and --format exclude each other");
+    if (sarif && options.dry_run)
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "--dry-run and --format exclude each other");
     if (options.fix && std::ranges::count(options.files, "-") > 0)
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--fix changes files, not standard input");
     if (options.fix && options.state.of)
@@ -177,11 +170,18 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
     if (!options.state.what_if.empty() && (options.fix || !options.files.empty()))
         throw TOOL_ERROR(EXIT_CODE::USAGE, std::string("--with and --without are for findings of a state; ") +
                                                (options.fix ? "--fix" : "naming files") + " excludes them");
+    if (options.state.of && !options.files.empty())
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "--of and files exclude each other");
+}
+
+EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
+{
+    const FINDINGS_OPTIONS output = output_options(options, tool);
+    if (options.list_reasons)
+        return list_reasons({{"settings", reasons_of_settings()}, {"preferences", reasons_of_preferences()}}, tool);
     FILE_FIXES fixes(options, output.ignored, tool);
     const auto to_check = [&](LAYERS layers) { return options.fix ? fixes.fix(std::move(layers)) : layers; };
     CHECKS checks(tool);
-    if (options.state.of && !options.files.empty())
-        throw TOOL_ERROR(EXIT_CODE::USAGE, "--of and files exclude each other");
     if (options.files.empty())
     {
         STATE state = state_of(options.state, {.checks = true}, tool);
@@ -206,7 +206,6 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
 
 EXIT_CODE lint_only_preferences(const LINT_OPTIONS& options, TOOL& tool)
 {
-    require_only_list(options);
     const FINDINGS_OPTIONS output = output_options(options, tool);
     if (options.list_reasons)
         return list_reasons({{"preferences", reasons_of_preferences()}}, tool);
@@ -224,8 +223,10 @@ EXIT_CODE lint_only_preferences(const LINT_OPTIONS& options, TOOL& tool)
     return checks.run(output);
 }
 
-void add_options(COMMAND& command, LINT_OPTIONS& options, const std::string& file_description)
+void add_options(COMMAND& command, const std::shared_ptr<LINT_OPTIONS>& shared_options, TOOL& tool,
+                 const std::string& file_description)
 {
+    LINT_OPTIONS& options = *shared_options;
     command.add_optional_argument("FILE", options.files, file_description);
     command.add_flag("--strict", options.strict, "Exit code 1 for warnings too");
     command.add_option("--ignore", "REASON", options.ignored,
@@ -233,6 +234,7 @@ void add_options(COMMAND& command, LINT_OPTIONS& options, const std::string& fil
     command.add_flag("--list-reasons", options.list_reasons, "List the reasons of findings, and check nothing");
     command.add_choice("--format", "FORMAT", options.format, {"text", "sarif"},
                        "text, or sarif for SARIF 2.1.0, which code review tools show");
+    command.add_check(tool, [shared_options, &tool] { require_no_contradiction(*shared_options, tool); });
 }
 }
 
@@ -248,7 +250,7 @@ void add_lint_command(COMMAND app, TOOL& tool)
         [options, &tool] { return lint(*options, tool); });
     add_state_option(command, options->state, tool);
     add_what_if_options(command, options->state.what_if);
-    add_options(command, *options, "A settings file, or a preference file when it is called velmar2.ini");
+    add_options(command, options, tool, "A settings file, or a preference file when it is called velmar2.ini");
     command.add_flag("--fix", options->fix,
                      "Write the suggestions into the settings files, and show the remaining findings");
     add_edit_options(command, *options, options->permissions,
@@ -267,5 +269,5 @@ void add_prefs_lint_command(COMMAND prefs, TOOL& tool)
         "an error.",
         "velmar-cfg prefs lint --strict\n      check your own preferences; warnings too make the exit code 1",
         [options, &tool] { return lint_only_preferences(*options, tool); });
-    add_options(command, *options, "A preference file");
+    add_options(command, options, tool, "A preference file");
 }

@@ -39,7 +39,8 @@ EXIT_CODE run(CLI::App& app, int argc, const char* const* argv, TOOL& tool)
     try
     {
         parse_command_line(app, argc, argv);
-        tool.check();
+        for (const std::function<void()>& check : tool.checks)
+            check();
         apply_global_options(app, tool);
         end = tool.command();
     }

@@ -32,8 +32,8 @@ struct TOOL
     OUTPUT out = OUTPUT(STDOUT_FILENO);
     std::function<EXIT_CODE()> command; // the one that the command line names
 
-    // Throws TOOL_ERROR(USAGE) where its options contradict each other: before any file is looked at.
-    std::function<void()> check = [] {};
+    // Throw TOOL_ERROR(USAGE) where its options contradict each other: before any file is looked at.
+    std::vector<std::function<void()>> checks;
 };
 
 // Answers with one JSON document, which `write` writes to the writer it is given.

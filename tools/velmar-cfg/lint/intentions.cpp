@@ -138,7 +138,8 @@ MEANT_VALUE value_meant_by(const WRITTEN_ASSIGNMENT& written, const std::string&
         parts.emplace_back(without_outer_white(value));
     const std::string first = value_meant_by(parts.front(), find_known_variable(name));
     parts.erase(parts.begin());
-    return {other_sign ? " = " : std::string(written.equals), first, std::move(parts)};
+    const char* const equals = first.empty() ? " =" : " = "; // no blank at the end of a line
+    return {other_sign ? equals : std::string(written.equals), first, std::move(parts)};
 }
 }
 

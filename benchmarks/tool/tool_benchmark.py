@@ -23,6 +23,9 @@ Run = namedtuple("Run", "passed processor memory")
 Files = namedtuple("Files", "directory lines name settings git bytes")
 Row = namedtuple("Row", "what ours theirs rounds at_most memory_at_most", defaults=(None,))
 
+# A goal in milliseconds of the time that passes, for a command that a person waits for. `names` is its standard input.
+Wait = namedtuple("Wait", "what ours rounds at_most names", defaults=(os.devnull,))
+
 WORDS = "route place clock timing power net pin cell fanout buffer delay skew slack macro seed effort limit".split()
 
 
@@ -122,10 +125,11 @@ def output_of(command):
         return file.read()
 
 
-def run_once(command, standard_output):
+def run_once(command, standard_output, standard_input=os.devnull):
     begin = time.perf_counter()
     process = os.posix_spawnp(
-        command[0], command, os.environ, file_actions=[(os.POSIX_SPAWN_DUP2, standard_output, 1)]
+        command[0], command, os.environ,
+        file_actions=[(os.POSIX_SPAWN_OPEN, 0, standard_input, os.O_RDONLY, 0), (os.POSIX_SPAWN_DUP2, standard_output, 1)],
     )
     _, status, usage = os.wait4(process, 0)
     passed = time.perf_counter() - begin
@@ -173,6 +177,52 @@ def report(row, runs):
         "peak_memory_at_most": row.memory_at_most,
         "met": met,
     }
+
+
+def report_wait(row, rounds, nowhere):
+    """Runs and reports a row of the table of times, and returns the same for programs."""
+    runs = [run_once(row.ours, nowhere, row.names) for _ in range(rounds + 1)][1:]
+    passed = [1000 * run.passed for run in runs]
+    median = statistics.median(passed)
+    met = median <= row.at_most
+    print(
+        f"| {row.what} | {row.at_most} ms | {median:.1f} ms | {min(passed):.1f} ms | {max(passed):.1f} ms | "
+        f"{max(run.memory for run in runs) / MEBIBYTE:.0f} MiB | {'met' if met else '**missed**'} |",
+        flush=True,
+    )
+    return {"what": row.what, "at_most_ms": row.at_most, "median_ms": median, "minimum_ms": min(passed), "met": met}
+
+
+def change_lines(settings, every):
+    """Every so many lines get another value."""
+    with open(settings, encoding="ascii") as file:
+        lines = file.readlines()
+    lines[::every] = [line.split(" ")[0] + " = changed\n" for line in lines[::every]]
+    with open(settings, "w", encoding="ascii") as file:
+        file.writelines(lines)
+
+
+def waits_of(tool, directory, short):
+    """What a person waits for, on projects and documents of usual size."""
+    sizes = (10, 100) if short else (1000, 10_000)
+    project, documented = [write_settings(os.path.join(directory, "waits"), lines) for lines in sizes]
+    names = os.path.join(directory, "names")
+    with open(project.settings, encoding="ascii") as file, open(names, "w", encoding="ascii") as out:
+        out.writelines(line.split(" ")[0] + "\n" for line in file)
+    before, after = os.path.join(directory, "before.json"), os.path.join(directory, "after.json")
+    output_of([tool, "--project", documented.directory, "snapshot", "-o", before])
+    in_a_child(change_lines, documented.settings, 10)
+    output_of([tool, "--project", documented.directory, "snapshot", "-o", after])
+    rounds = 21
+    of = f"of {documented.lines} variables"
+    return [
+        Wait(
+            f"get --stdin, {project.lines} names of {project.lines} lines",
+            [tool, "--project", project.directory, "get", "--stdin"], rounds, 20, names,
+        ),
+        Wait(f"explain --of a snapshot {of}", [tool, "explain", documented.name, "--of", before], rounds, 100),
+        Wait(f"diff of two snapshots {of}, a tenth changed", [tool, "diff", before, after], rounds, 100),
+    ]
 
 
 def rows_of(tool, load_preferences, directory, short):
@@ -257,11 +307,16 @@ def main():
                 del os.environ[name]
         os.environ.update(HOME=directory, GIT_CONFIG_NOSYSTEM="1", LC_ALL="C")
         os.chdir(directory)
+        os.mkdir("waits")
+        waits = [row for row in waits_of(tool, directory, options.short) if options.rows in row.what]
         rows = [row for row in rows_of(tool, load_preferences, directory, options.short) if options.rows in row.what]
         print(f"Load of the machine at the beginning: {os.getloadavg()[0]:.1f} on {os.cpu_count()} processors\n")
         print("| Work | At most | Ratio | Ratio of time passed | Ours | Peak memory | At most | Verdict |")
         print("|---|---|---|---|---|---|---|---|")
         figures = [report(row, measure(row, 1 if options.short else row.rounds, nowhere.fileno())) for row in rows]
+        print("\n| Work | At most | Median of the time passed | Minimum | Maximum | Peak memory | Verdict |")
+        print("|---|---|---|---|---|---|---|")
+        figures += [report_wait(row, 1 if options.short else row.rounds, nowhere.fileno()) for row in waits]
         print(f"\nLoad of the machine at the end: {os.getloadavg()[0]:.1f}")
     if options.json:
         with open(options.json, "w", encoding="utf-8") as file:

@@ -301,6 +301,53 @@ TEST_F(DIFF, heads_have_short_paths_if_they_would_not_fit_a_line)
     EXPECT_THAT(of_process, HasSubstr("the product and release of this tool, velmar 23.4")) << of_process;
 }
 
+// Without B, a project is compared with itself, as it would be with changes.
+TEST_F(DIFF, shows_what_changes_would_do_in_a_project)
+{
+    write_file("cpu/velmar.ini", "max_fanout = 7\n");
+    write_file("velmar.ini", "max_fanout = 8\n");
+    const TOOL_RUN got = run({"diff", "cpu", "--with", "max_fanout=9", "--only", "variables"});
+    EXPECT_EQ(got.exit_code, 1);
+    EXPECT_EQ(got.err, "");
+    EXPECT_THAT(got.out, HasSubstr("A  cpu (velmar 23.4)\n"));
+    EXPECT_THAT(got.out, HasSubstr("B  now (velmar 23.4, project cpu; what if: with max_fanout=9)\n"));
+    EXPECT_THAT(got.out, HasSubstr("    A  7  at cpu/velmar.ini:1 (main settings file, external)\n    B  9  at --with:1 "
+                                   "(what if, external)\n"));
+    EXPECT_EQ(run({"diff", "cpu"}),
+              (TOOL_RUN{0, "",
+                        "velmar-cfg: cpu: this project is compared with itself; name B, such as . for the current "
+                        "directory, or give --with or --without\n"}));
+    // The option names another one.
+    EXPECT_THAT(run({"diff", "cpu", "--project", ".", "--only", "variables"}).out,
+                HasSubstr("    A  7  at cpu/velmar.ini:1 (main settings file, external)\n    B  8  at "));
+}
+
+// The relative path of a snapshot's project is one of the present directory.
+TEST_F(DIFF, tells_that_a_snapshot_was_taken_elsewhere)
+{
+    write_file("cpu/velmar.ini", "max_fanout = 7\n");
+    write_file("other/cpu/velmar.ini", "max_fanout = 8\n");
+    const std::string here = temporary.path("cwd");
+    ASSERT_EQ(run({"snapshot", "-o", "plain.json"}).exit_code, 0);
+    ASSERT_EQ(run({"snapshot", "--project", "cpu", "-o", "relative.json"}).exit_code, 0);
+    ASSERT_EQ(run({"snapshot", "--project", here + "/cpu", "-o", "absolute.json"}).exit_code, 0);
+    EXPECT_EQ(run({"diff", "plain.json"}).err, "");
+    EXPECT_EQ(run({"diff", "relative.json"}).err, "");
+    std::filesystem::current_path("other");
+    const std::string others = " of the current directory, --project DIR names others\n";
+    EXPECT_EQ(run({"diff", "../plain.json"}).err, "velmar-cfg: ../plain.json: this snapshot was taken in " + here +
+                                                      "; compared with the settings" + others);
+    const TOOL_RUN relative = run({"diff", "../relative.json", "--only", "variables"});
+    EXPECT_EQ(relative.err, "velmar-cfg: ../relative.json: this snapshot was taken in " + here +
+                                "; compared with the settings of cpu" + others);
+    EXPECT_THAT(
+        relative.out,
+        HasSubstr("    A  7  at cpu/velmar.ini:1 (main settings file, external)\n    B  8  at cpu/velmar.ini:1"));
+    EXPECT_EQ(run({"diff", "../absolute.json"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(run({"diff", "../plain.json", "--project", here}).err, "");
+    EXPECT_EQ(run({"diff", "../plain.json", "."}).err, "");
+}
+
 TEST_F(DIFF, refuses_a_project_beside_two_states)
 {
     write_file("cpu/velmar.ini", "a = 1\n");

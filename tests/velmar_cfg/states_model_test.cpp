@@ -43,7 +43,6 @@ TEST_F(STATES_MODEL, a_name_says_what_it_names)
         {"pid:4711", STATE_NAME::KIND::PROCESS, "", 4711},
         {"./pid:4711", STATE_NAME::KIND::DOCUMENT, "./pid:4711", 0},
         {"exe:directory", STATE_NAME::KIND::EXECUTABLE, "directory", 0},
-        {"exe:", STATE_NAME::KIND::EXECUTABLE, "", 0},
         {"PID:4711", STATE_NAME::KIND::DOCUMENT, "PID:4711", 0},
     };
     for (const ROW& row : rows)

@@ -137,6 +137,8 @@ const COMMAND_ROW commands[] = {
      "[no-equals-sign]"},
     {{"prefs", "list"}, true, false, fine, fine, no_run, no_run, "HDL_PREFERENCE=VHDL"},
     {{"prefs", "list", "--all"}, true, false, fine, fine, no_run, no_run, "HDL_PREFERENCE=VHDL"},
+    {{"prefs", "list", "HDL*"}, true, false, fine, fine, no_run, no_run, "HDL_PREFERENCE=VHDL"},
+    {{"prefs", "list", "HDL*", "--changed"}, true, false, fine, fine, no_run, no_run, "HDL_PREFERENCE=VHDL"},
     {{"prefs", "list", "--with", "more=1"},
      true,
      false,
@@ -372,11 +374,20 @@ TEST_F(STATES, diff_compares_each_state_with_each)
                 SCOPED_TRACE(spoken(words + more));
                 const TOOL_RUN got = run(words + more + ARGUMENTS{"--only", "variables"});
                 const bool has_no_project = a == STATE_KIND::RUN_REPORT || a == STATE_KIND::RUN_REPORT_2;
-                EXPECT_EQ(got.err, b == STATE_KIND::NOW && has_no_project
-                                       ? "velmar-cfg: " + words[1] +
-                                             ": a run report names no project; compared with the settings of the "
-                                             "current directory, --project DIR names others\n"
-                                       : "");
+                std::string remark;
+                if (b == STATE_KIND::NOW && has_no_project)
+                    remark = "velmar-cfg: " + words[1] +
+                             ": a run report names no project; compared with the settings of the current directory, "
+                             "--project DIR names others\n";
+                else if (b == STATE_KIND::NOW && (a == STATE_KIND::SNAPSHOT || a == STATE_KIND::STANDARD_INPUT))
+                    remark = std::string("velmar-cfg: ") +
+                             (a == STATE_KIND::SNAPSHOT ? "snapshot.json" : "standard input") +
+                             ": this snapshot was taken in /proj; compared with the settings of project of the "
+                             "current directory, --project DIR names others\n";
+                else if (b == STATE_KIND::NOW && a == STATE_KIND::PROJECT)
+                    remark = "velmar-cfg: project: this project is compared with itself; name B, such as . for the "
+                             "current directory, or give --with or --without\n";
+                EXPECT_EQ(got.err, remark);
                 EXPECT_EQ(got.exit_code, 0) << got.out; // the same variables everywhere, as far as they are known
             }
         }
@@ -866,6 +877,8 @@ TEST_F(STATES, a_file_that_is_called_as_a_process_is_reached_by_its_directory)
                                 ": pid: wants the number of a process, such as pid:4711; a file of that name is ./" +
                                 name + "\n"}));
     }
+    EXPECT_EQ(run({"list", "--of", "exe:"}),
+              (TOOL_RUN{2, "", "velmar-cfg: exe: wants the path of an executable; a file of that name is ./exe:\n"}));
     EXPECT_EQ(run({"list", "--of="}).exit_code, 2);
 }
 
@@ -982,7 +995,7 @@ TEST_F(STATES, a_diff_without_b_reads_now_for_the_project_and_with_the_mark_of_a
     write_file("regression.json", run({"snapshot", "--project", "project", "--regtest"}).out);
     write_file("velmar.ini", "other = 1\n");
     EXPECT_EQ(run({"diff", "regression.json"}), (TOOL_RUN{0, "", ""}));
-    EXPECT_EQ(run({"diff", "snapshot.json"}), (TOOL_RUN{0, "", ""}));
+    EXPECT_EQ(run({"diff", "snapshot2.json"}), (TOOL_RUN{0, "", ""}));
     EXPECT_EQ(run({"diff", "snapshot.json", "--project", "user"}).exit_code, 1); // which has none, so that the search's
     nlohmann::json elsewhere = nlohmann::json::parse(read_file("snapshot.json"));
     elsewhere["project"] = "gone";

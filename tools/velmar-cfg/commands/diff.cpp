@@ -2,6 +2,7 @@
 // after the other, and compared as a whole; what the options leave out is dropped from the differences.
 #include <iterator>
 
+#include "platform/fio/fio.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
@@ -50,6 +51,29 @@ void require_no_contradiction(const DIFF_OPTIONS& options, const GLOBAL_OPTIONS&
                                            "leave --root out");
 }
 
+// What A is compared with, where only A is named and that may not be what the user expects; else empty.
+std::string remark_on_b(const STATE_NAME& name_of_a, const STATE& a, const DIFF_OPTIONS& options)
+{
+    if (name_of_a.kind == STATE_NAME::KIND::PROJECT)
+        return options.what_if.empty() ? a.name + ": this project is compared with itself; name B, such as . for the "
+                                                  "current directory, or give --with or --without"
+                                       : "";
+    if (!a.is_document)
+        return "";
+    const std::string others = " of the current directory, --project DIR names others";
+    const std::optional<SNAPSHOT_BASIS>& basis = a.snapshot->basis;
+    if (a.snapshot->of_run || (basis && basis->as))
+        return a.name + (a.snapshot->of_run ? ": a run report" : ": the snapshot of another program") +
+               " names no project; compared with the settings" + others;
+    const std::string& project = a.snapshot->project;
+    const bool is_from_elsewhere =
+        basis && basis->directory && *basis->directory != FIO_FILE_SYSTEM::get_current_directory();
+    if (!is_from_elsewhere || project.starts_with('/'))
+        return "";
+    return a.name + ": this snapshot was taken in " + *basis->directory + "; compared with the settings" +
+           (project.empty() ? "" : " of " + project) + others;
+}
+
 EXIT_CODE diff(const DIFF_OPTIONS& options, TOOL& tool)
 {
     const SETTINGS_SCOPE& scope = tool.options.scope;
@@ -58,12 +82,14 @@ EXIT_CODE diff(const DIFF_OPTIONS& options, TOOL& tool)
     if (options.used)
         run = read_run_report(*options.used, *scope.secrets);
     // One is read after the other: each may be put into effect for the whole process.
-    STATE state_a = read_state(state_name(options.a), {.snapshot = true}, scope, tool.files);
-    SETTINGS_SCOPE scope_of_b = options.b ? scope : scope_to_compare_with(state_a, scope);
-    const bool is_snapshot_of_program = state_a.is_document && state_a.snapshot->basis && state_a.snapshot->basis->as;
-    if (!options.b && (state_a.snapshot->of_run || is_snapshot_of_program) && scope_of_b.project.empty())
-        complain(state_a.name + (is_snapshot_of_program ? ": the snapshot of another program" : ": a run report") +
-                 " names no project; compared with the settings of the current directory, --project DIR names others");
+    const STATE_NAME name_of_a = state_name(options.a);
+    STATE state_a = read_state(name_of_a, {.snapshot = true}, scope, tool.files);
+    SETTINGS_SCOPE scope_of_b = options.b ? scope : scope_to_compare_with(name_of_a, state_a, scope);
+    if (!options.b && scope.project.empty())
+    {
+        if (const std::string remark = remark_on_b(name_of_a, state_a, options); !remark.empty())
+            complain(remark);
+    }
     scope_of_b.what_if = options.what_if;
     STATE state_b = read_state(name_of_b(options), {.snapshot = true}, scope_of_b, tool.files);
     const COMPARED_SNAPSHOT a = side_of(std::move(state_a));
@@ -103,8 +129,8 @@ void add_diff_command(COMMAND app, TOOL& tool)
     command.add_argument("A", options->a,
                          "A project's directory, a snapshot or run report, - for one on standard input, pid:NUMBER or "
                          "exe:PATH");
-    command.add_optional_argument(
-        "B", options->b, "The same; by default the present state of --project or of the project of a snapshot A");
+    command.add_optional_argument("B", options->b,
+                                  "The same; by default the present state of --project or of the project of A");
     command.add_option("--used", "REPORT", options->used,
                        "Only the variables that the run of this report read, and nothing else");
     command.add_option(

@@ -140,9 +140,11 @@ STATE read_state(const STATE_NAME& name, const STATE_PARTS& parts, const SETTING
     return state;
 }
 
-SETTINGS_SCOPE scope_to_compare_with(const STATE& state, const SETTINGS_SCOPE& scope)
+SETTINGS_SCOPE scope_to_compare_with(const STATE_NAME& name, const STATE& state, const SETTINGS_SCOPE& scope)
 {
     SETTINGS_SCOPE compared = scope;
+    if (name.kind == STATE_NAME::KIND::PROJECT && compared.project.empty())
+        compared.project = name.path;
     if (!state.is_document || !state.snapshot)
         return compared;
     compared.regtest = state.snapshot->regtest;

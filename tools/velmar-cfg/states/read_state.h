@@ -14,8 +14,8 @@
 // problems of `files`. No other thread may use the environment or the current directory meanwhile.
 STATE read_state(const STATE_NAME& name, const STATE_PARTS& parts, const SETTINGS_SCOPE& scope, INPUT_FILES& files);
 
-// What is now, to be compared with that state of a document: for the project and with the regression mark that it was
-// taken for, unless the scope names a project. The same as the scope for any other state.
-SETTINGS_SCOPE scope_to_compare_with(const STATE& state, const SETTINGS_SCOPE& scope);
+// What is now, to be compared with the state of that name: for its project, and with the regression mark that a
+// document was taken for, unless the scope names a project. The same as the scope for a state without a project.
+SETTINGS_SCOPE scope_to_compare_with(const STATE_NAME& name, const STATE& state, const SETTINGS_SCOPE& scope);
 
 #endif

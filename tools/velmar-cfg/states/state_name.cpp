@@ -40,6 +40,8 @@ STATE_NAME state_name(const std::string& text)
                          "the name of a state is empty; give a directory, a document, pid:NUMBER or exe:PATH");
     if (text.starts_with(process_prefix))
         return {STATE_NAME::KIND::PROCESS, text, {}, process_number(text)};
+    if (text == executable_prefix)
+        throw TOOL_ERROR(EXIT_CODE::USAGE, "exe: wants the path of an executable; a file of that name is ./exe:");
     if (text.starts_with(executable_prefix))
         return {STATE_NAME::KIND::EXECUTABLE, text, text.substr(executable_prefix.size())};
     const bool is_project = text != "-" && is_directory(text);

@@ -311,8 +311,9 @@ TEST_F(DIFF, shows_what_changes_would_do_in_a_project)
     EXPECT_EQ(got.err, "");
     EXPECT_THAT(got.out, HasSubstr("A  cpu (velmar 23.4)\n"));
     EXPECT_THAT(got.out, HasSubstr("B  now (velmar 23.4, project cpu; what if: with max_fanout=9)\n"));
-    EXPECT_THAT(got.out, HasSubstr("    A  7  at cpu/velmar.ini:1 (main settings file, external)\n    B  9  at --with:1 "
-                                   "(what if, external)\n"));
+    EXPECT_THAT(got.out,
+                HasSubstr("    A  7  at cpu/velmar.ini:1 (main settings file, external)\n    B  9  at --with:1 "
+                          "(what if, external)\n"));
     EXPECT_EQ(run({"diff", "cpu"}),
               (TOOL_RUN{0, "",
                         "velmar-cfg: cpu: this project is compared with itself; name B, such as . for the current "

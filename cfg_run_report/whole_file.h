@@ -14,7 +14,7 @@ enum class FILE_READERS
 };
 
 // Writes a file in pieces beside the one that it is to replace, with that one's mode from the beginning, and its owner
-// if possible. Unless it is put in place, it goes again. A link to a file stays a link. What is no file (a device, a
+// if possible. If it is not put in place, it is removed. A link to a file stays a link. What is no file (a device, a
 // pipe) is written to as it is.
 class WHOLE_FILE_WRITER
 {

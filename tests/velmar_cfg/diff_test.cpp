@@ -335,12 +335,12 @@ TEST_F(DIFF, tells_that_a_snapshot_was_taken_elsewhere)
     EXPECT_EQ(run({"diff", "plain.json"}).err, "");
     EXPECT_EQ(run({"diff", "relative.json"}).err, "");
     std::filesystem::current_path("other");
-    const std::string others = " of the current directory, --project DIR names others\n";
+    const std::string present = " the current directory; --project DIR names others\n";
     EXPECT_EQ(run({"diff", "../plain.json"}).err, "velmar-cfg: ../plain.json: this snapshot was taken in " + here +
-                                                      "; compared with the settings" + others);
+                                                      "; compared with the settings of" + present);
     const TOOL_RUN relative = run({"diff", "../relative.json", "--only", "variables"});
     EXPECT_EQ(relative.err, "velmar-cfg: ../relative.json: this snapshot was taken in " + here +
-                                "; compared with the settings of cpu" + others);
+                                "; compared with the settings of cpu in" + present);
     EXPECT_THAT(
         relative.out,
         HasSubstr("    A  7  at cpu/velmar.ini:1 (main settings file, external)\n    B  8  at cpu/velmar.ini:1"));

@@ -209,7 +209,10 @@ TEST_F(LINT_FIX, refuses_what_makes_no_sense)
                                             "--without, --strict, --ignore and --format sarif exclude it\n"}))
             << rest.front();
     }
-    EXPECT_EQ(run({"prefs", "lint", "--list-reasons", "--format", "sarif"}).exit_code, 2);
+    EXPECT_EQ(run({"prefs", "lint", "--list-reasons", "--format", "sarif"}),
+              (TOOL_RUN{2, "",
+                        "velmar-cfg: --list-reasons checks nothing: files, --strict, --ignore and --format sarif "
+                        "exclude it\n"}));
     EXPECT_EQ(run({"prefs", "lint", "--list-reasons", "--format", "text"}).exit_code, 0);
     EXPECT_EQ(read_file("velmar.ini"), "a = yes\n");
 }

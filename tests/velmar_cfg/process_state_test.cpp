@@ -240,7 +240,7 @@ TEST_F(PROCESS_STATE, a_snapshot_names_the_process_that_it_is_of)
     EXPECT_EQ(run({"diff", "its.json", "own"}).err, "");
     EXPECT_EQ(run({"diff", "its.json"}).err,
               "velmar-cfg: its.json: the snapshot of another program names no project; compared with the settings of "
-              "the current directory, --project DIR names others\n");
+              "the current directory; --project DIR names others\n");
 }
 
 // --- Refusals ---

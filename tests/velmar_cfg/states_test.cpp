@@ -377,13 +377,13 @@ TEST_F(STATES, diff_compares_each_state_with_each)
                 std::string remark;
                 if (b == STATE_KIND::NOW && has_no_project)
                     remark = "velmar-cfg: " + words[1] +
-                             ": a run report names no project; compared with the settings of the current directory, "
+                             ": a run report names no project; compared with the settings of the current directory; "
                              "--project DIR names others\n";
                 else if (b == STATE_KIND::NOW && (a == STATE_KIND::SNAPSHOT || a == STATE_KIND::STANDARD_INPUT))
                     remark = std::string("velmar-cfg: ") +
                              (a == STATE_KIND::SNAPSHOT ? "snapshot.json" : "standard input") +
-                             ": this snapshot was taken in /proj; compared with the settings of project of the "
-                             "current directory, --project DIR names others\n";
+                             ": this snapshot was taken in /proj; compared with the settings of project in the "
+                             "current directory; --project DIR names others\n";
                 else if (b == STATE_KIND::NOW && a == STATE_KIND::PROJECT)
                     remark = "velmar-cfg: project: this project is compared with itself; name B, such as . for the "
                              "current directory, or give --with or --without\n";

@@ -60,18 +60,18 @@ std::string remark_on_b(const STATE_NAME& name_of_a, const STATE& a, const DIFF_
                                        : "";
     if (!a.is_document)
         return "";
-    const std::string others = " of the current directory, --project DIR names others";
+    const std::string present = " the current directory; --project DIR names others";
     const std::optional<SNAPSHOT_BASIS>& basis = a.snapshot->basis;
     if (a.snapshot->of_run || (basis && basis->as))
         return a.name + (a.snapshot->of_run ? ": a run report" : ": the snapshot of another program") +
-               " names no project; compared with the settings" + others;
+               " names no project; compared with the settings of" + present;
     const std::string& project = a.snapshot->project;
     const bool is_from_elsewhere =
         basis && basis->directory && *basis->directory != FIO_FILE_SYSTEM::get_current_directory();
     if (!is_from_elsewhere || project.starts_with('/'))
         return "";
     return a.name + ": this snapshot was taken in " + *basis->directory + "; compared with the settings" +
-           (project.empty() ? "" : " of " + project) + others;
+           (project.empty() ? " of" : " of " + project + " in") + present;
 }
 
 EXIT_CODE diff(const DIFF_OPTIONS& options, TOOL& tool)

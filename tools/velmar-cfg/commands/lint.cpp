@@ -30,7 +30,8 @@ namespace
 {
 struct LINT_OPTIONS : FIX_OPTIONS
 {
-    STATE_OPTIONS state; // only of lint itself
+    bool of_states = true; // not so for prefs lint, which has no --fix either
+    STATE_OPTIONS state;
     std::vector<std::string> files;
     bool strict = false;
     bool list_reasons = false;
@@ -154,8 +155,9 @@ void require_no_contradiction(const LINT_OPTIONS& options, const TOOL& tool)
     const bool checks = !options.files.empty() || options.fix || options.state.of || !options.state.what_if.empty();
     const bool shows = options.strict || !options.ignored.empty() || options.format != "text";
     if (options.list_reasons && (checks || shows))
-        throw TOOL_ERROR(EXIT_CODE::USAGE, "--list-reasons checks nothing: files, --fix, --of, --with, --without, "
-                                           "--strict, --ignore and --format sarif exclude it");
+        throw TOOL_ERROR(EXIT_CODE::USAGE, std::string("--list-reasons checks nothing: files, ") +
+                                               (options.of_states ? "--fix, --of, --with, --without, " : "") +
+                                               "--strict, --ignore and --format sarif exclude it");
     const bool sarif = options.format == "sarif";
     if (sarif && tool.options.json)
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--json and --format exclude each other");
@@ -262,6 +264,7 @@ void add_lint_command(COMMAND app, TOOL& tool)
 void add_prefs_lint_command(COMMAND prefs, TOOL& tool)
 {
     auto options = std::make_shared<LINT_OPTIONS>();
+    options->of_states = false;
     COMMAND command = prefs.add_command(
         tool, "lint",
         "Show the lines of a preference file that are ignored, that do something else than they seem to, or that the "

@@ -40,8 +40,8 @@ void add_prefs_dump_command(COMMAND prefs, TOOL& tool)
     auto options = std::make_shared<PREFS_DUMP_OPTIONS>();
     COMMAND command = prefs.add_command(
         tool, "dump",
-        "Print the preferences as a velmar2.ini of the running release, which answers as the file in use does. Masked "
-        "values are left out, with a comment for each, unless --with-secrets is given.",
+        "Print the preferences as a velmar2.ini of the running release, which gives every preference the same value as "
+        "the file in use. Masked values are left out, with a comment for each, unless --with-secrets is given.",
         "velmar-cfg prefs dump --changed >mine.ini\n      what differs from the defaults, for prefs load elsewhere",
         [options, &tool] { return dump(*options, tool); });
     command.add_flag("--changed", options->only_changed,

@@ -319,7 +319,7 @@ TEST_F(PROCESS_STATE, an_overwritten_environment_is_refused)
         for (char** variable = environ; *variable != nullptr; ++variable)
             std::fill_n(*variable, std::strlen(*variable), 'x');
         const bool told = write(ready[1], "x", 1) == 1;
-        for (; told;)
+        while (told)
             pause();
         _exit(1);
     }
@@ -392,7 +392,7 @@ TEST_F(PROCESS_STATE, another_root_directory_is_refused)
     if (child == 0)
     {
         const bool told = chroot("its") == 0 && write(ready[1], "x", 1) == 1;
-        for (; told;)
+        while (told)
             pause();
         _exit(1);
     }

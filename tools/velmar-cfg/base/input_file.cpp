@@ -284,11 +284,11 @@ void INPUT_FILES::forget(const std::string& path)
     }
 }
 
-void INPUT_FILES::note_absence(const std::string& relative_or_not)
+void INPUT_FILES::note_absence(const std::string& path)
 {
-    const std::string path = absolute_path(relative_or_not, directory);
-    if (const ABSENT_FILE absent = absence_of(path); !absent.problem.empty())
-        add_problem(path + ": " + absent.problem);
+    const std::string absolute = absolute_path(path, directory);
+    if (const ABSENT_FILE absent = absence_of(absolute); !absent.problem.empty())
+        add_problem(absolute + ": " + absent.problem);
 }
 
 void INPUT_FILES::add_problem(const std::string& text)

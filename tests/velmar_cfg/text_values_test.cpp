@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <random>
+#include <string_view>
+#include <utility>
 
 using namespace std::string_literals;
 
@@ -98,6 +100,42 @@ TEST(NUMBERS_AS_TEXTS, read_back_whatever_the_number)
         const std::string text = number_as_text(number);
         ASSERT_EQ(std::strtod(text.c_str(), nullptr), number) << text;
         ASSERT_LE(text.size(), 24U) << text;
+        if (std::isfinite(number))
+        {
+            ASSERT_EQ(number_from_text(text), number) << text;
+        }
     }
+}
+
+TEST(NUMBERS_FROM_TEXTS, are_decimal_and_the_whole_text)
+{
+    const std::pair<std::string_view, double> rows[] = {
+        {"0", 0.0},      {"007", 7.0},         {"-7", -7.0},        {"2.5", 2.5},          {".5", 0.5},
+        {"5.", 5.0},     {"-.5", -0.5},        {"1e3", 1000.0},     {"1E+3", 1000.0},      {"15e-1", 1.5},
+        {"1e-999", 0.0}, {"4.9e-324", 5e-324}, {"1e999", HUGE_VAL}, {"-1e999", -HUGE_VAL}, {"0.1", 0.1},
+    };
+    for (const auto& [text, number] : rows)
+        EXPECT_EQ(number_from_text(text), number) << text;
+    const std::string_view others[] = {"",
+                                       "-",
+                                       ".",
+                                       "-.",
+                                       "+1",
+                                       "--1",
+                                       "e3",
+                                       "1e",
+                                       "1e+",
+                                       "1.2.3",
+                                       "1,5",
+                                       " 1",
+                                       "1 ",
+                                       "0x10",
+                                       "inf",
+                                       "-inf",
+                                       "nan",
+                                       "1f",
+                                       std::string_view("1\0", 2)};
+    for (const std::string_view text : others)
+        EXPECT_EQ(number_from_text(text), std::nullopt) << text;
 }
 }

@@ -25,7 +25,7 @@ constexpr std::string_view mark = "A lock of velmar-cfg, which removes it.\n";
 
 bool has_mark(int file)
 {
-    std::array<char, mark.size() + 1> content;
+    std::array<char, mark.size() + 1> content{};
     const ssize_t size = pread(file, content.data(), content.size(), 0);
     return size == static_cast<ssize_t>(mark.size()) && mark == std::string_view(content.data(), mark.size());
 }

@@ -52,7 +52,7 @@ void fail_to_write(const std::string& path, const std::string& what)
 
 std::optional<std::string> name_of_user(uid_t user)
 {
-    std::array<char, 4096> buffer;
+    std::array<char, 4096> buffer{};
     struct passwd entry;
     struct passwd* found = nullptr;
     if (getpwuid_r(user, &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr)

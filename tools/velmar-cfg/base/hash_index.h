@@ -63,7 +63,7 @@ private:
 
     std::size_t first_slot_of_half(std::uint32_t half) const
     {
-        return half >> (32 - std::countr_zero(slots.size()));
+        return half >> unused_bits;
     }
 
     std::size_t behind(std::size_t at) const
@@ -84,6 +84,7 @@ private:
         constexpr std::size_t fewest_slots = 16;
         std::vector<SLOT> smaller(slots.empty() ? fewest_slots : 2 * slots.size());
         smaller.swap(slots);
+        unused_bits = 32 - std::countr_zero(slots.size());
         for (const SLOT& entry : smaller)
         {
             if (entry.next_index != 0)
@@ -92,6 +93,7 @@ private:
     }
 
     std::vector<SLOT> slots; // a power of two of them
+    int unused_bits = 0;     // of the half of a hash: the others are the number of its first slot
     std::size_t entries = 0;
 };
 

@@ -17,7 +17,6 @@
 #include <bit>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 
 #include "tools/velmar-cfg/base/text.h"
@@ -337,9 +336,7 @@ JSON_TOKEN JSON_TOKENS::read_number()
         return JSON_TOKEN::NATURAL;
     if (is_integer && is_negative && std::from_chars(begin_of_number, end_of_number, last_negative).ec == std::errc())
         return JSON_TOKEN::NEGATIVE;
-    // Out of range is also what is too near to zero, which counts as zero or nearly so.
-    if (std::from_chars(begin_of_number, end_of_number, last_floating).ec == std::errc::result_out_of_range)
-        last_floating = std::strtod(begin_of_number, nullptr);
+    last_floating = number_from_text(number).value_or(0); // one that is too near to zero counts as zero or nearly so
     if (!std::isfinite(last_floating))
         refuse_number();
     return JSON_TOKEN::FLOATING;

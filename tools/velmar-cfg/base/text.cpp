@@ -7,6 +7,7 @@
 #include <array>
 #include <charconv>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 
 #include "platform/gen/gen.h"
@@ -191,6 +192,19 @@ std::string number_as_text(double number)
     std::array<char, 32> text; // the longest is "-2.2250738585072014e-308"
     const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), number);
     return std::string(text.data(), end);
+}
+
+std::optional<double> number_from_text(std::string_view text)
+{
+    const std::size_t first = text.starts_with('-') ? 1 : 0;
+    const bool may_be_one = first < text.size() && (text[first] == '.' || (text[first] >= '0' && text[first] <= '9')) &&
+                            text.find_first_not_of("0123456789.eE+-") == std::string_view::npos;
+    if (!may_be_one)
+        return std::nullopt;
+    const std::string terminated(text);
+    char* end = nullptr;
+    const double number = std::strtod(terminated.c_str(), &end); // the tool sets no locale: the point is a point
+    return end == terminated.c_str() + terminated.size() ? std::optional(number) : std::nullopt;
 }
 
 const char* boolean_as_text(bool value)

@@ -44,6 +44,11 @@ bool is_utf_8(std::string_view bytes);
 // The shortest text that reads back as this number.
 std::string number_as_text(double number);
 
+// The number that the whole text is, in decimal: "-" or no sign, digits with at most one point, and perhaps an
+// exponent. Infinite where it is too large; nothing for another text. Not std::from_chars, which libc++ has for
+// integers only.
+std::optional<double> number_from_text(std::string_view text);
+
 // The product's own words: "on" and "off".
 const char* boolean_as_text(bool value);
 

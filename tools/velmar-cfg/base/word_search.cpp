@@ -94,10 +94,10 @@ std::vector<bool> WORD_SEARCH::standing_in(std::string_view text) const
         seen[node] = true;
     }
     // Where a node stands, its suffix does, which comes later in this order.
-    for (auto longer = by_depth.rbegin(); longer != by_depth.rend(); ++longer)
+    for (std::size_t i = by_depth.size(); i-- > 0;)
     {
-        if (seen[*longer])
-            seen[nodes[*longer].suffix] = true;
+        if (seen[by_depth[i]])
+            seen[nodes[by_depth[i]].suffix] = true;
     }
     std::vector<bool> standing;
     standing.reserve(ends.size());

@@ -57,7 +57,7 @@ struct SETTINGS_EDIT
 
 std::string target_of(const SET_OPTIONS& options, const TOOL& tool)
 {
-    const std::string path = options.file.value_or(own_settings_file(tool.options.scope.project));
+    std::string path = options.file.value_or(own_settings_file(tool.options.scope.project));
     if (path.empty() || path == "-")
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--file takes the path of a file");
     return path;

@@ -15,6 +15,7 @@
 #include <cmath>
 #include <limits>
 
+#include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
 
 namespace
@@ -37,18 +38,8 @@ bool is_digit(char c)
 // A decimal number with or without sign, fraction and exponent; infinite when it is too large.
 std::optional<double> decimal_number(std::string_view value)
 {
-    const bool negative = value.starts_with('-');
-    if (negative || value.starts_with('+'))
-        value.remove_prefix(1);
-    if (value.empty() || (!is_digit(value.front()) && value.front() != '.'))
-        return std::nullopt;
-    double number = 0;
-    const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
-    if (error == std::errc::invalid_argument || end != value.data() + value.size())
-        return std::nullopt;
-    if (error == std::errc::result_out_of_range)
-        number = std::numeric_limits<double>::infinity();
-    return negative ? -number : number;
+    const bool has_plus = value.starts_with('+') && !value.starts_with("+-");
+    return number_from_text(value.substr(has_plus ? 1 : 0));
 }
 
 // Whether a line's value is this text when it is written without quotes: no comment begins in it, nothing is trimmed.

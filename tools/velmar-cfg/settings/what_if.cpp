@@ -69,7 +69,7 @@ LAYERS changed_layers(LAYERS layers, const std::vector<WHAT_IF>& changes, SECRET
         }
         for (LAYER& layer : layers)
             layer = layer_without(layer, name);
-        std::erase_if(*set, [&name = name](const LITERAL& literal) { return same_name(literal.name(), name); });
+        std::erase_if(*set, [&variable = name](const LITERAL& literal) { return same_name(literal.name(), variable); });
     }
     if (values == 0)
         return layers;

@@ -4,6 +4,7 @@
 
 #include "cfg_ini/cfg_ini_reader/change_callbacks.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "platform/thr/thr.h"
 
 namespace zon_cfg
 {

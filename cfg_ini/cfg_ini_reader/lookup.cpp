@@ -16,6 +16,7 @@
 #include "cfg_ini/cfg_ini_reader/debug_message.h"
 #include "cfg_ini/cfg_ini_reader/name_matching.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "cfg_ini/cfg_ini_reader/store_access.h"
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"
 #include "cfg_ini/cfg_ini_reader/variable_catalogue.h"
 

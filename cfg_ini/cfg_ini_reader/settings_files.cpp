@@ -33,6 +33,7 @@
 #include "cfg_ini/cfg_ini_reader/settings_lines.h"
 #include "cfg_ini/cfg_ini_reader/settings_sources.h"
 #include "cfg_ini/cfg_ini_reader/value_storing.h"
+#include "cfg_ini/cfg_settings_sources.h"
 #include "platform/fio/fio.h"
 #include "platform/mem/mem.h"
 

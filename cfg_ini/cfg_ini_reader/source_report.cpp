@@ -1,5 +1,7 @@
 // The sources of the store, for hosts: one walk over the list and the records with the lock held.
+#include "cfg_ini/cfg_ini_reader/applied_sources.h"
 #include "cfg_ini/cfg_ini_reader/record_table.h"
+#include "cfg_ini/cfg_ini_reader/store_lock.h"
 #include "cfg_ini/cfg_settings_sources.h"
 
 CFG_SETTINGS_SOURCES cfg_get_settings_sources()

@@ -2,6 +2,7 @@
 
 #include "cfg_ini/cfg_ini_reader/core_readers.h"
 #include "cfg_ini/cfg_ini_reader/name_cache.h"
+#include "cfg_ini/cfg_ini_reader/name_matching.h"
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"
 #include "cfg_ini/cfg_ini_reader/variable_assignment.h"
 

@@ -17,7 +17,6 @@
 #include <sys/stat.h>
 #include <utility>
 
-#include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_reports.h"
 #include "platform/fio/fio.h"

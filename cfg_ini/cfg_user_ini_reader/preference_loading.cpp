@@ -14,6 +14,7 @@
 #include <string>
 #include <utility>
 
+#include "cfg_ini/cfg_user_ini_enums.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_file.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_values.h"

@@ -18,6 +18,7 @@
 #include "cfg_ini/cfg_user_ini_reader/preference_catalogue.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_file.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_loading.h"
+#include "cfg_ini/cfg_user_ini_reader/preference_records.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_reports.h"
 #include "cfg_ini/cfg_user_ini_reader/preference_values.h"
 #include "platform/gen/gen.h"

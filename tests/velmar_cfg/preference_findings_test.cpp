@@ -16,7 +16,12 @@ bool forgets_running_release = false;
 // The version service of a host that may forget the running release.
 std::vector<std::string> ver_get_all_versions()
 {
-    std::vector<std::string> versions = original<std::vector<std::string>()>("_Z20ver_get_all_versionsB5cxx11v")();
+#ifdef _LIBCPP_VERSION
+    constexpr const char* name = "_Z20ver_get_all_versionsv";
+#else
+    constexpr const char* name = "_Z20ver_get_all_versionsB5cxx11v";
+#endif
+    std::vector<std::string> versions = original<std::vector<std::string>()>(name)();
     if (forgets_running_release)
         std::erase(versions, ver_get_version());
     return versions;

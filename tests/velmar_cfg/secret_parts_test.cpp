@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/support/isolated_test.h"
+#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/settings/secrets_in_messages.h"
 
 namespace

@@ -6,7 +6,6 @@
 #include <chrono>
 #include <functional>
 #include <string>
-#include <string_view>
 
 // What an edit does to a file only if it is told to.
 struct FILE_EDIT_PERMISSIONS

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/base/json_tokens.h"
 #include "tools/velmar-cfg/base/json_tree.h"
 
 // A kind of document: what its fields "schema" and "schema_version" must say, and what it is called.

@@ -7,7 +7,6 @@
 #ifndef TOOLS_VELMAR_CFG_BASE_JSON_WRITER_H
 #define TOOLS_VELMAR_CFG_BASE_JSON_WRITER_H
 
-#include <concepts>
 #include <cstdint>
 #include <optional>
 #include <string>

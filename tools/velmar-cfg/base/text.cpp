@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -189,6 +190,8 @@ bool is_utf_8(std::string_view bytes)
 
 std::string number_as_text(double number)
 {
+    if (std::isnan(number)) // whose sign is written by some libraries only
+        return std::signbit(number) ? "-nan" : "nan";
     std::array<char, 32> text; // the longest is "-2.2250738585072014e-308"
     const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), number);
     return std::string(text.data(), end);

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/commands/tool.h"
 
 namespace CLI

@@ -15,13 +15,16 @@
 #include <algorithm>
 
 #include "platform/ver/ver.h"
+#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
+#include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/help.h"
 #include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
+#include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/secrets_in_messages.h"
 
 namespace

@@ -3,7 +3,8 @@
 #include <iterator>
 
 #include "platform/fio/fio.h"
-#include "tools/velmar-cfg/base/output.h"
+#include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/diagnostics.h"
@@ -12,8 +13,12 @@
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/documents/differences_json.h"
 #include "tools/velmar-cfg/documents/run_reports.h"
+#include "tools/velmar-cfg/documents/snapshot.h"
 #include "tools/velmar-cfg/documents/snapshot_differences.h"
+#include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 #include "tools/velmar-cfg/states/read_state.h"
+#include "tools/velmar-cfg/states/state.h"
 #include "tools/velmar-cfg/states/state_name.h"
 
 namespace

@@ -1,9 +1,12 @@
 // Shows each list of differences under a heading, an entry with one line for either side. Nothing is compared here.
 #include "tools/velmar-cfg/commands/differences_output.h"
 
+#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
 #include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/text.h"
+#include "tools/velmar-cfg/documents/snapshot.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
+#include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/layers.h"
 
 namespace

@@ -2,7 +2,9 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
@@ -10,9 +12,11 @@
 #include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/lint/explanation.h"
+#include "tools/velmar-cfg/settings/known_variables.h"
 #include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
+#include "tools/velmar-cfg/states/state.h"
 
 namespace
 {

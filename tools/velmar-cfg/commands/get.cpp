@@ -1,4 +1,5 @@
 // velmar-cfg get: values of variables as one type reads them.
+#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/json_writer.h"
@@ -10,10 +11,13 @@
 #include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/preferences/library_preferences.h"
+#include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 #include "tools/velmar-cfg/settings/secrets_in_messages.h"
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/typed_answer.h"
 #include "tools/velmar-cfg/settings/typed_value.h"
+#include "tools/velmar-cfg/states/state.h"
 #include "tools/velmar-cfg/states/state_answer.h"
 
 namespace

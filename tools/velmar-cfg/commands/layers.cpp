@@ -1,7 +1,9 @@
 // velmar-cfg layers: the sources of the settings in the order in which they apply, each with its lines.
 #include <algorithm>
 
+#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
@@ -9,8 +11,11 @@
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
+#include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/states/layer_lines.h"
+#include "tools/velmar-cfg/states/state.h"
 
 namespace
 {

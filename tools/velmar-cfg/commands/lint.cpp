@@ -10,12 +10,17 @@
 #include <utility>
 #include <vector>
 
+#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/file_place.h"
+#include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/base/json_writer.h"
+#include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/edit_options.h"
 #include "tools/velmar-cfg/commands/findings_output.h"
 #include "tools/velmar-cfg/commands/lint_fix.h"
+#include "tools/velmar-cfg/commands/sarif_output.h"
 #include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/lint/environment_rules.h"
@@ -25,6 +30,7 @@
 #include "tools/velmar-cfg/lint/settings_rules.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/states/state.h"
 
 namespace
 {

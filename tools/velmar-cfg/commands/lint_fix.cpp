@@ -21,7 +21,6 @@
 #include "tools/velmar-cfg/lint/fixes.h"
 #include "tools/velmar-cfg/settings/secrets.h"
 #include "tools/velmar-cfg/settings/settings_difference.h"
-#include "tools/velmar-cfg/settings/settings_edit.h"
 
 LAYERS FILE_FIXES::fix(LAYERS layers)
 {

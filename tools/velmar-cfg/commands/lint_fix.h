@@ -3,7 +3,6 @@
 #define TOOLS_VELMAR_CFG_COMMANDS_LINT_FIX_H
 
 #include <cstddef>
-#include <string>
 #include <vector>
 
 #include "tools/velmar-cfg/base/errors.h"

@@ -2,8 +2,8 @@
 // is kept until its columns can be measured.
 #include <algorithm>
 #include <fnmatch.h>
-#include <functional>
 
+#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
@@ -13,8 +13,10 @@
 #include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/text_table.h"
 #include "tools/velmar-cfg/commands/tool.h"
+#include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/states/listed_variables.h"
+#include "tools/velmar-cfg/states/state.h"
 
 namespace
 {

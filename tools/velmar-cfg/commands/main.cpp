@@ -3,6 +3,7 @@
 #include <csignal>
 #include <new>
 
+#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/commands/command_line.h"
@@ -10,6 +11,8 @@
 #include "tools/velmar-cfg/commands/help.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/settings/installation.h"
+#include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 
 namespace
 {

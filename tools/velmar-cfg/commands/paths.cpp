@@ -1,6 +1,8 @@
 // velmar-cfg paths: the search for settings as it went.
 #include <algorithm>
 
+#include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
@@ -9,6 +11,7 @@
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/file_candidates.h"
+#include "tools/velmar-cfg/states/state.h"
 
 namespace
 {

@@ -12,11 +12,16 @@
 #include <string_view>
 
 #include "cfg_ini/cfg_ini.h"
+#include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/base/unified_diff.h"
 #include "tools/velmar-cfg/commands/diagnostics.h"
+#include "tools/velmar-cfg/preferences/preference_save.h"
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
+#include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/secrets_in_messages.h"
 
 namespace

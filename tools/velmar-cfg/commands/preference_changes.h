@@ -12,6 +12,8 @@
 #include "tools/velmar-cfg/commands/edit_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/preferences/preference_edit.h"
+#include "tools/velmar-cfg/preferences/preference_plan.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 
 struct PREFERENCE_OPTIONS : EDIT_OPTIONS
 {

@@ -1,4 +1,6 @@
 // velmar-cfg prefs dump: the preferences as a preference file.
+#include "cfg_ini/cfg_user_ini_enums.h"
+#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/commands/command.h"
@@ -6,7 +8,7 @@
 #include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/preferences/preference_transfer.h"
-#include "tools/velmar-cfg/preferences/preferences.h"
+#include "tools/velmar-cfg/states/state.h"
 
 namespace
 {

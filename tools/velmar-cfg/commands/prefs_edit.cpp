@@ -1,11 +1,14 @@
 // velmar-cfg prefs set and reset: changing the preference file.
 #include "cfg_ini/cfg_ini.h"
+#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/preference_changes.h"
 #include "tools/velmar-cfg/commands/tool.h"
+#include "tools/velmar-cfg/preferences/preference_plan.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
+#include "tools/velmar-cfg/settings/layers.h"
 
 namespace
 {

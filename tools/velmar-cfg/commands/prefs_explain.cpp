@@ -2,7 +2,11 @@
 #include <algorithm>
 #include <string>
 
+#include "cfg_ini/cfg_user_ini_enums.h"
 #include "platform/ver/ver.h"
+#include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
@@ -11,6 +15,8 @@
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/preferences/preference_explanation.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
+#include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/states/state.h"
 
 namespace
 {

@@ -19,9 +19,12 @@
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/lint/finding.h"
 #include "tools/velmar-cfg/lint/preference_rules.h"
+#include "tools/velmar-cfg/preferences/preference_plan.h"
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
 #include "tools/velmar-cfg/preferences/preference_transfer.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
+#include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 
 namespace
 {

@@ -2,7 +2,9 @@
 #include <fnmatch.h>
 
 #include "platform/fio/fio.h"
+#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
@@ -11,7 +13,11 @@
 #include "tools/velmar-cfg/commands/diagnostics.h"
 #include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
+#include "tools/velmar-cfg/preferences/library_preferences.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
+#include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/settings/secrets.h"
+#include "tools/velmar-cfg/states/state.h"
 
 namespace
 {

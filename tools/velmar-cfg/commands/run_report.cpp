@@ -2,7 +2,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
@@ -12,6 +15,7 @@
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/documents/run_report_json.h"
 #include "tools/velmar-cfg/documents/run_reports.h"
+#include "tools/velmar-cfg/settings/layers.h"
 
 namespace
 {

@@ -14,6 +14,7 @@
 
 #include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/lint/reasons.h"
 

@@ -6,10 +6,13 @@
 #include <utility>
 #include <vector>
 
+#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/file_edit.h"
+#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
+#include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
@@ -18,6 +21,7 @@
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/change_effect.h"
+#include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
 #include "tools/velmar-cfg/settings/secrets.h"
 #include "tools/velmar-cfg/settings/secrets_in_messages.h"

@@ -1,14 +1,17 @@
 // velmar-cfg snapshot: everything at once, to be kept and compared.
 #include "tools/velmar-cfg/documents/snapshot.h"
 #include "cfg_run_report/whole_file.h"
+#include "tools/velmar-cfg/base/byte_sink.h"
+#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/json_writer.h"
-#include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/commands.h"
 #include "tools/velmar-cfg/commands/diagnostics.h"
 #include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/documents/snapshot_json.h"
+#include "tools/velmar-cfg/settings/secrets.h"
+#include "tools/velmar-cfg/states/state.h"
 
 namespace
 {

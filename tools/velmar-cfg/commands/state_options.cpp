@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/states/read_state.h"
 #include "tools/velmar-cfg/states/state_name.h"

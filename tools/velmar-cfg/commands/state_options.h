@@ -7,8 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "tools/velmar-cfg/base/json_writer.h"
+#include "tools/velmar-cfg/base/output.h"
 #include "tools/velmar-cfg/commands/command.h"
 #include "tools/velmar-cfg/commands/tool.h"
+#include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 #include "tools/velmar-cfg/states/state.h"
 
 struct STATE_OPTIONS

@@ -8,6 +8,7 @@
 #include "tools/velmar-cfg/documents/run_reports.h"
 #include "tools/velmar-cfg/documents/snapshot.h"
 #include "tools/velmar-cfg/documents/snapshot_json.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 
 using ANY_DOCUMENT = std::variant<SNAPSHOT, RUN_REPORT>;
 

@@ -2,8 +2,10 @@
 // those of snapshot documents.
 #include "tools/velmar-cfg/documents/differences_json.h"
 
+#include "tools/velmar-cfg/documents/snapshot.h"
 #include "tools/velmar-cfg/documents/snapshot_json.h"
 #include "tools/velmar-cfg/preferences/preferences.h"
+#include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/layers.h"
 
 namespace

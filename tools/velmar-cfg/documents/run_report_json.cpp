@@ -1,6 +1,9 @@
 // Writes every member of every row, with null for what the report does not have, so that rows of one kind are alike.
 #include "tools/velmar-cfg/documents/run_report_json.h"
 
+#include "tools/velmar-cfg/settings/environment.h"
+#include "tools/velmar-cfg/settings/layers.h"
+
 namespace
 {
 // The members of a place: those that a host writes, and null for the others.

@@ -12,10 +12,15 @@
 #include <unordered_set>
 
 #include "cfg_run_report/run_report_format.h"
+#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/json_reader.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/documents/run_reports.h"
+#include "tools/velmar-cfg/settings/environment.h"
+#include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/settings/secrets.h"
+#include "tools/velmar-cfg/settings/variable_name.h"
 
 namespace
 {

@@ -14,6 +14,7 @@
 #include <unordered_set>
 
 #include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 
 namespace
 {

@@ -3,6 +3,8 @@
 // of one name.
 #include "tools/velmar-cfg/documents/snapshot.h"
 
+#include "tools/velmar-cfg/settings/library_rules.h"
+
 std::vector<std::string> all_file_roles()
 {
     return {layer_code(LAYER_KIND::MAIN_FILE), layer_code(LAYER_KIND::APPENDED_FILE),

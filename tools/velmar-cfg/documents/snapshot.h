@@ -10,11 +10,11 @@
 #include <string_view>
 #include <vector>
 
+#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
 #include "tools/velmar-cfg/base/hash_index.h"
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/text_store.h"
 #include "tools/velmar-cfg/lint/finding.h"
-#include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/file_candidates.h"
 #include "tools/velmar-cfg/settings/layers.h"

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/json_reader.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/documents/snapshot.h"

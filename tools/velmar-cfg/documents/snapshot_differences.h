@@ -6,9 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
 #include "tools/velmar-cfg/documents/run_reports.h"
 #include "tools/velmar-cfg/documents/snapshot.h"
 #include "tools/velmar-cfg/documents/text_comparison.h"
+#include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/layers.h"
 

@@ -22,6 +22,9 @@
 #include <limits>
 #include <set>
 
+#include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
+#include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/json_reader.h"
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
 #include "tools/velmar-cfg/preferences/preferences.h"

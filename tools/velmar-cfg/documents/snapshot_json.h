@@ -37,6 +37,8 @@
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/documents/snapshot.h"
 #include "tools/velmar-cfg/documents/snapshot_basis_json.h"
+#include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 
 // Writes a variable at a time: no document is built.
 void write_json(JSON_WRITER& out, const SNAPSHOT& snapshot);

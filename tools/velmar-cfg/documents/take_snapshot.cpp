@@ -6,12 +6,19 @@
 #include <algorithm>
 #include <unistd.h>
 
+#include "cfg_ini/cfg_user_ini_enums.h"
 #include "cfg_run_report/run_circumstances.h"
 #include "platform/ver/ver.h"
 #include "tools/velmar-cfg/base/content_hash.h"
 #include "tools/velmar-cfg/base/file_place.h"
 #include "tools/velmar-cfg/lint/environment_rules.h"
+#include "tools/velmar-cfg/lint/finding.h"
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
+#include "tools/velmar-cfg/preferences/preferences.h"
+#include "tools/velmar-cfg/settings/environment.h"
+#include "tools/velmar-cfg/settings/file_candidates.h"
+#include "tools/velmar-cfg/settings/secrets.h"
+#include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/what_if.h"
 
 namespace

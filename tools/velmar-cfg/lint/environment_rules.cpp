@@ -9,6 +9,8 @@
 #include <string_view>
 #include <sys/stat.h>
 
+#include "cfg_ini/cfg_ini_reader/ini_text.h"
+#include "cfg_ini/cfg_ini_reader/settings_sources.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/lint/written_form.h"
 #include "tools/velmar-cfg/settings/library_rules.h"

@@ -6,6 +6,7 @@
 
 #include "tools/velmar-cfg/lint/finding.h"
 #include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 
 // The findings of the variables that choose settings files, as they are set now. The value of each counts as its first
 // and only item, and is shown with what is assigned to secret names hidden. VELMAR_INI_VARS is a layer of the settings

@@ -17,8 +17,10 @@
 #include <vector>
 
 #include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/base/text_edits.h"
+#include "tools/velmar-cfg/lint/finding.h"
 #include "tools/velmar-cfg/lint/settings_rules.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
 #include "tools/velmar-cfg/settings/settings_edit.h"

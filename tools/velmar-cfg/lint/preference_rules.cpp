@@ -17,6 +17,7 @@
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/base/text.h"
+#include "tools/velmar-cfg/preferences/library_preferences.h"
 #include "tools/velmar-cfg/preferences/preference_save.h"
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
 #include "tools/velmar-cfg/preferences/preferences.h"

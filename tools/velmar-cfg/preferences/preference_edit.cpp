@@ -9,6 +9,7 @@
 
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/preferences/library_preferences.h"
+#include "tools/velmar-cfg/preferences/preference_save.h"
 
 namespace
 {

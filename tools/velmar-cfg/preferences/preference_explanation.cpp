@@ -16,6 +16,7 @@
 
 #include "platform/ver/ver.h"
 #include "tools/velmar-cfg/base/text.h"
+#include "tools/velmar-cfg/preferences/library_preferences.h"
 #include "tools/velmar-cfg/preferences/preference_lines.h"
 #include "tools/velmar-cfg/preferences/preference_secrets.h"
 #include "tools/velmar-cfg/settings/library_rules.h"

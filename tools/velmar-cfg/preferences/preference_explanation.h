@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "cfg_ini/cfg_user_ini_enums.h"
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/preferences/preferences.h"

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 
+#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/preferences/library_preferences.h"
 #include "tools/velmar-cfg/preferences/preferences.h"

@@ -16,6 +16,7 @@
 #include "tools/velmar-cfg/base/json_writer.h"
 #include "tools/velmar-cfg/preferences/library_preferences.h"
 #include "tools/velmar-cfg/settings/file_candidates.h"
+#include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/secrets.h"
 
 using zon_cfg::PREFERENCE_ORIGIN;

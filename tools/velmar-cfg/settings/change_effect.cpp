@@ -12,9 +12,12 @@
 #include <sys/stat.h>
 #include <utility>
 
+#include "cfg_ini/cfg_ini_reader/ini_text.h"
+#include "cfg_ini/cfg_ini_reader/settings_sources.h"
 #include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/file_place.h"
 #include "tools/velmar-cfg/settings/file_candidates.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 #include "tools/velmar-cfg/settings/secrets.h"
 #include "tools/velmar-cfg/settings/settings.h"
 

@@ -3,6 +3,8 @@
 
 #include <cstdlib>
 
+#include "tools/velmar-cfg/base/hidden_text.h"
+
 std::vector<ENVIRONMENT_VARIABLE> environment_that_matters(SECRETS& secrets)
 {
     std::vector<ENVIRONMENT_VARIABLE> variables;

@@ -13,8 +13,11 @@
 
 #include <cstdlib>
 
+#include "cfg_ini/cfg_ini_reader/ini_text.h"
+#include "cfg_ini/cfg_ini_reader/settings_sources.h"
 #include "platform/fio/fio.h"
 #include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 
 using namespace zon_cfg;
 

@@ -3,6 +3,7 @@
 
 #include <unordered_map>
 
+#include "cfg_ini/cfg_ini_reader/ini_text.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
 
 using namespace zon_cfg;

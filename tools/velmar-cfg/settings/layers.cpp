@@ -13,8 +13,9 @@
 #include "tools/velmar-cfg/settings/layers.h"
 
 #include <algorithm>
-#include <cstring>
 
+#include "cfg_ini/cfg_ini_reader/ini_text.h"
+#include "cfg_ini/cfg_ini_reader/settings_sources.h"
 #include "platform/fio/fio.h"
 #include "tools/velmar-cfg/settings/what_if.h"
 

@@ -5,7 +5,10 @@
 
 #include "cfg_ini/cfg_ini.h"
 #include "cfg_ini/cfg_ini_reader/own_variables.h"
+#include "cfg_ini/cfg_ini_reader/settings_sources.h"
+#include "cfg_ini/cfg_ini_reader/value_conversion.h"
 #include "cfg_ini/cfg_ini_reader/variable_catalogue.h"
+#include "platform/fio/fio.h"
 
 using namespace zon_cfg;
 

@@ -13,8 +13,6 @@
 
 #include "cfg_ini/cfg_ini_reader/ini_text.h"
 #include "cfg_ini/cfg_ini_reader/name_matching.h"
-#include "cfg_ini/cfg_ini_reader/settings_sources.h"
-#include "cfg_ini/cfg_ini_reader/value_conversion.h"
 
 // --- Lines and items ---
 

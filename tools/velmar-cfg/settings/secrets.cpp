@@ -15,12 +15,11 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <fnmatch.h>
 #include <limits>
 
+#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/keyed_hash.h"
-#include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
 
 namespace

@@ -12,7 +12,6 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/mask_key.h"
 
 // Which names are secret; and what makes the marks. Hides by its built-in names unless told otherwise.

@@ -24,6 +24,7 @@
 #include <span>
 
 #include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 
 namespace
 {

@@ -14,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/settings/layers.h"
 
 // The index of an assignment; the last one stands for none.

@@ -11,6 +11,8 @@
 #include "tools/velmar-cfg/base/nearest_name.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/settings/known_variables.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
+#include "tools/velmar-cfg/settings/typed_readings.h"
 
 namespace
 {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tools/velmar-cfg/base/json_writer.h"
+#include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/typed_value.h"
 

@@ -3,7 +3,6 @@
 #define TOOLS_VELMAR_CFG_SETTINGS_VARIABLE_NAME_H
 
 #include <string>
-#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
 
 namespace

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tools/velmar-cfg/settings/layers.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 
 // The source of what the changes set.
 inline constexpr const char* what_if_source = "--with";

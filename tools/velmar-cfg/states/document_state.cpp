@@ -21,6 +21,13 @@
 
 #include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/documents/any_document.h"
+#include "tools/velmar-cfg/documents/run_reports.h"
+#include "tools/velmar-cfg/documents/snapshot.h"
+#include "tools/velmar-cfg/documents/snapshot_json.h"
+#include "tools/velmar-cfg/lint/finding.h"
+#include "tools/velmar-cfg/settings/environment.h"
+#include "tools/velmar-cfg/settings/file_candidates.h"
+#include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/variable_name.h"
 #include "tools/velmar-cfg/settings/what_if.h"
 

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/settings/library_rules.h"
 

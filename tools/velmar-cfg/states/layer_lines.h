@@ -4,7 +4,6 @@
 
 #include <functional>
 #include <optional>
-#include <string_view>
 
 #include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/settings.h"

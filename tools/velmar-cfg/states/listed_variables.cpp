@@ -14,6 +14,7 @@
 #include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/settings/known_variables.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
+#include "tools/velmar-cfg/settings/variable_name.h"
 
 namespace
 {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string_view>
 
+#include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/states/state.h"
 

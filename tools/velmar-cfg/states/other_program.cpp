@@ -27,7 +27,8 @@
 #include <utility>
 
 #include "tools/velmar-cfg/base/errors.h"
-#include "tools/velmar-cfg/base/input_file.h"
+#include "tools/velmar-cfg/settings/installation.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 
 namespace
 {

@@ -6,6 +6,7 @@
 #include <sys/types.h>
 
 #include "tools/velmar-cfg/base/open_file.h"
+#include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/states/perspective.h"
 
 struct OTHER_PROGRAM

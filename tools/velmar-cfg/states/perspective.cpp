@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/settings/secrets.h"
 
 namespace
 {

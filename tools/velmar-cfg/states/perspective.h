@@ -6,7 +6,6 @@
 #define TOOLS_VELMAR_CFG_STATES_PERSPECTIVE_H
 
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "tools/velmar-cfg/base/open_file.h"

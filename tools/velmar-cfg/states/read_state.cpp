@@ -3,16 +3,19 @@
 // lead to another file there. A document is read by document_state.cpp.
 #include "tools/velmar-cfg/states/read_state.h"
 
-#include <utility>
-
 #include "platform/fio/fio.h"
 #include "platform/ver/ver.h"
-#include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/documents/snapshot.h"
 #include "tools/velmar-cfg/documents/take_snapshot.h"
 #include "tools/velmar-cfg/lint/environment_rules.h"
+#include "tools/velmar-cfg/lint/finding.h"
+#include "tools/velmar-cfg/preferences/preferences.h"
+#include "tools/velmar-cfg/settings/environment.h"
+#include "tools/velmar-cfg/settings/file_candidates.h"
 #include "tools/velmar-cfg/settings/what_if.h"
 #include "tools/velmar-cfg/states/document_state.h"
 #include "tools/velmar-cfg/states/other_program.h"
+#include "tools/velmar-cfg/states/perspective.h"
 
 namespace
 {

@@ -4,6 +4,8 @@
 #include <algorithm>
 
 #include "tools/velmar-cfg/base/errors.h"
+#include "tools/velmar-cfg/preferences/library_preferences.h"
+#include "tools/velmar-cfg/settings/library_rules.h"
 
 std::optional<PREFERENCE> STATE_PREFERENCES::look_up(CFG_USER_INI_ENUMS number) const
 {

@@ -14,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cfg_ini/cfg_user_ini_enums.h"
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/documents/snapshot.h"
 #include "tools/velmar-cfg/lint/finding.h"

@@ -213,8 +213,10 @@ std::string generated_values(SETTINGS_GENERATOR& generate)
         std::vector<std::string> allowed = allowed_preference_values(number);
         if (allowed.empty())
             allowed = {"x", "\"a b\"", "0", "/a;b", "\"", "\"\"", "a=b", "#", "7"};
-        text += "[" + section + generate.pick({" 23.4_pro", " 23.4_pro", " 23.3_pro", " 22.4_pro", ""}) + "]\n" +
-                cfg_get_user_ini_ini_string(number) + " = " + generate.pick(allowed) + "\n";
+        // One after the other: compilers evaluate the operands of a sum in different orders.
+        const std::string release = generate.pick({" 23.4_pro", " 23.4_pro", " 23.3_pro", " 22.4_pro", ""});
+        const std::string value = generate.pick(allowed);
+        text += "[" + section + release + "]\n" + cfg_get_user_ini_ini_string(number) + " = " + value + "\n";
     }
     return text;
 }
@@ -248,7 +250,7 @@ TEST_F(PREFERENCE_TRANSFER_BESIDE_THE_LIBRARY, keeps_every_answer)
         ASSERT_EQ(plan_preference_changes("FILE", bytes, changes).after, bytes) << "where it came from";
         ++loaded;
     }
-    EXPECT_GT(refused, 5); // how many depends on the order in which a compiler evaluates the operands above
+    EXPECT_GT(refused, 20) << "only " << refused;
 }
 
 // Into a file with answers of its own, which it keeps where the loaded one gives none.

@@ -69,10 +69,22 @@ inline std::string generated_preference_file(SETTINGS_GENERATOR& generate)
     for (std::size_t i = generate.below(16); i > 0; --i)
     {
         const std::size_t kind = generate.below(10);
-        text += kind < 3   ? generate.pick(around) + "[" + generate.pick(sections) + "]" + generate.pick(around)
-                : kind < 8 ? generate.pick({"", " "}) + generate.pick(keys) + generate.pick({"=", " = ", "= "}) +
-                                 generate.pick(values)
-                           : generate.pick(others);
+        // Piece by piece: compilers evaluate the operands of a sum in different orders.
+        if (kind < 3)
+        {
+            text += generate.pick(around);
+            text += "[" + generate.pick(sections) + "]";
+            text += generate.pick(around);
+        }
+        else if (kind < 8)
+        {
+            text += generate.pick({"", " "});
+            text += generate.pick(keys);
+            text += generate.pick({"=", " = ", "= "});
+            text += generate.pick(values);
+        }
+        else
+            text += generate.pick(others);
         text += generate.pick({"\n", "\n", "\n", "\r\n"});
     }
     if (generate.below(4) == 0 && !text.empty())

@@ -225,10 +225,10 @@ TEST_F(PREFERENCE_TRANSFER_BESIDE_THE_LIBRARY, keeps_every_answer)
 {
     int loaded = 0;
     int refused = 0;
-    for (unsigned int seed = 1; loaded < 500; ++seed)
+    for (unsigned int seed = 1; loaded < 1000; ++seed)
     {
         SCOPED_TRACE("seed " + std::to_string(seed));
-        ASSERT_LT(seed, 2000U);
+        ASSERT_LT(seed, 4000U);
         SETTINGS_GENERATOR generate(seed);
         const std::string bytes = seed % 2 == 0 ? generated_values(generate) : generated_preference_file(generate);
         const std::vector<std::string> expected = answers(bytes);

@@ -192,7 +192,13 @@ INSTANTIATE_TEST_SUITE_P(
         SUGGESTION{"\"c\"=1", "quoted-name", "c=1"}, SUGGESTION{"b==1", "double-equals", "b = 1"},
         SUGGESTION{"msg_sqlite=no", "no-boolean", "msg_sqlite=off"}, SUGGESTION{"e=yes", "boolean-word", "e=on"},
         SUGGESTION{"x=1:h=on;", "trailing-comma", "h=on"}, SUGGESTION{"ab", "no-equals-sign", nothing},
-        SUGGESTION{"=1", "empty-name", nothing}, SUGGESTION{"a=", "empty-value", nothing}));
+        SUGGESTION{"=1", "empty-name", nothing}, SUGGESTION{"a=", "empty-value", nothing},
+        // Two parts of it would set one variable, under two spellings.
+        SUGGESTION{"x=1;c=2:A=3:a=4;c=5", "separator", nothing},
+        // The finding about the separator is told of the first item as soon as the other separator helps.
+        SUGGESTION{"a b=http://h;c=1;a b=2:,", "blanks-in-name", "a_b=http"},
+        // The suggestion is one character longer than its item and does not put the whole text right.
+        SUGGESTION{"x=1:a=2 ; note h=2:b?=f;c=3", "operator-in-name", "b = f:c=3"}));
 
 TEST(SUGGESTED_SEPARATOR, makes_the_items_that_were_meant)
 {

@@ -73,9 +73,16 @@ inline std::set<std::string> reasons_at(const std::vector<FINDING>& findings, st
     return reasons;
 }
 
+// Whether the finding concerns the whole inline text: it suggests the other separator before its first item.
+inline bool concerns_whole_text(const std::string& text, const FINDING& finding)
+{
+    const std::string first_item = text.substr(0, text.find(separator_of_items(text)));
+    const std::string other(1, separator_of_items(text) == ';' ? ':' : ';');
+    return finding.reason == "separator" && finding.replacement == other + first_item;
+}
+
 // Fails unless every suggestion removes its finding, brings none that its line had not, and agrees with the others for
-// its line. Returns how many there were; of more
-// than `most` lines, the others are passed over.
+// its line. Returns how many there were; of more than `most` lines, the others are passed over.
 inline std::size_t expect_that_suggestions_help(LAYER_KIND kind, const std::string& text, std::size_t most = SIZE_MAX)
 {
     const std::vector<FINDING> findings = findings_of(kind, text);
@@ -88,8 +95,12 @@ inline std::size_t expect_that_suggestions_help(LAYER_KIND kind, const std::stri
         const auto other = suggested.emplace(position, *finding.replacement).first;
         EXPECT_EQ(other->second, *finding.replacement) << finding.reason << " in '" << text << "'";
         const APPLIED applied = apply(kind, text, finding);
-        const bool whole_text = finding.reason == "separator" && applied.text.size() == text.size() + 1;
-        const std::vector<FINDING> findings_after = findings_of(kind, applied.text);
+        const bool whole_text = !is_file(kind) && concerns_whole_text(text, finding);
+        std::vector<FINDING> findings_after = findings_of(kind, applied.text);
+        // What was told of a later item moves to the first one when the other separator now puts the text right.
+        if (!is_file(kind) && !whole_text && reasons_at(findings, 1, SIZE_MAX - 1).contains("separator"))
+            std::erase_if(findings_after,
+                          [&](const FINDING& found) { return concerns_whole_text(applied.text, found); });
         const std::set<std::string> before =
             whole_text ? reasons_at(findings, 1, SIZE_MAX - 1) : reasons_at(findings, position, 1);
         const std::set<std::string> after = whole_text ? reasons_at(findings_after, 1, SIZE_MAX - 1)

@@ -116,8 +116,15 @@ std::optional<REASONS> SETTINGS_RULES::reasons_of_text(const std::string& text, 
     {
         add_reasons(reasons,
                     EXAMINATION(layers, namesakes, changed, {standing.number, standing.is_assignment, false, true}));
-        if (changed.outcome == OUTCOME::STORED && !names.emplace(changed.name).second)
-            reasons.emplace("overridden"); // by another part of the text
+        if (changed.outcome == OUTCOME::STORED)
+        {
+            // Another part of the text may set the same variable, and may spell it in another way.
+            const auto [first, is_new] = names.emplace(changed.name);
+            if (!is_new)
+                reasons.emplace("overridden");
+            if (*first != changed.name)
+                reasons.emplace("letter-case");
+        }
         return std::ranges::includes(allowed, reasons);
     };
     if (is_file(layers[statement.layer].kind))

@@ -47,7 +47,8 @@ TEST_F(PREFERENCE_CACHE_TEST, random_files_and_calls_answer_as_the_plain_store_d
             text += "[" + header + "]\n";
             for (auto line = 1 + random() % 4; line > 0; --line)
             {
-                text += pick(names) + " = " + pick(values) + "\n";
+                text += pick(names);
+                text += " = " + pick(values) + "\n";
             }
         }
         write_preferences(text);

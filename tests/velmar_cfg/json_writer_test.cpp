@@ -92,7 +92,7 @@ public:
 private:
     std::size_t below(std::size_t bound)
     {
-        return std::uniform_int_distribution<std::size_t>(0, bound - 1)(random);
+        return random() % bound; // the same with every standard library
     }
 
     std::string text()

@@ -225,9 +225,10 @@ std::string line_with_mistakes(SETTINGS_GENERATOR& generate)
                                                       "d = \"x",
                                                       "\xef\xbb\xbf"
                                                       "a = 1"};
-    return generate.below(3) == 0   ? generate.pick(mistaken)
-           : generate.below(2) == 0 ? generate.hostile_line()
-                                    : generate.line() + generate.pick({"", "", " h=2", ",", ";c=3", "\rd=4", " // x"});
+    return generate.below(3) == 0 ? generate.pick(mistaken)
+           : generate.below(2) == 0
+               ? generate.hostile_line()
+               : generate.with_one_of(generate.line(), {"", "", " h=2", ",", ";c=3", "\rd=4", " // x"});
 }
 
 TEST(RANDOM_FIXES, leave_no_suggestion_and_every_other_variable)

@@ -341,7 +341,10 @@ private:
         const bool two_signs = one_in(8);
         if (two_signs)
             ++made.mistakes;
-        made.text = mistaken_name(made, kind) + (two_signs ? " == " : generate.pick({"=", " = ", " ="})) + value;
+        made.text =
+            generate.with_one_of(mistaken_name(made, kind), two_signs ? std::vector<std::string>{" == "}
+                                                                      : std::vector<std::string>{"=", " = ", " ="}) +
+            value;
         return made;
     }
 
@@ -431,9 +434,10 @@ TEST(GENERATED_TEXTS, get_suggestions_that_help)
     SETTINGS_GENERATOR& generate = mistakes.generate;
     const auto line = [&]
     {
-        return generate.below(3) == 0   ? mistakes.line().text
-               : generate.below(2) == 0 ? generate.hostile_line()
-                                        : generate.line() + generate.pick({"", " h=2", ",", ";c=3", "\rd=4", " // x"});
+        return generate.below(3) == 0 ? mistakes.line().text
+               : generate.below(2) == 0
+                   ? generate.hostile_line()
+                   : generate.with_one_of(generate.line(), {"", " h=2", ",", ";c=3", "\rd=4", " // x"});
     };
     std::size_t suggested = 0;
     for (int i = 0; i < 1500; ++i)

@@ -46,7 +46,7 @@ std::string generated_file(SETTINGS_GENERATOR& generate)
     {
         const std::size_t kind = generate.below(10);
         text += kind < 3   ? "[" + generate.pick(sections) + "]"
-                : kind < 9 ? generate.pick(keys) + generate.pick({"=", " = ", "= "}) + generate.pick(values)
+                : kind < 9 ? generate.one_of_each({keys, {"=", " = ", "= "}, values})
                            : generate.pick({"", "x", "[open", "nothing", "\r"});
         text += generate.pick({"\n", "\n", "\r\n"});
     }

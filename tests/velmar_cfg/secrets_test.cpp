@@ -239,10 +239,11 @@ TEST(SECRETS, leave_generated_texts_as_they_are_otherwise)
         SETTINGS_GENERATOR generate(seed);
         const auto line = [&]
         {
-            return generate.below(2) == 0
-                       ? generate.line()
-                       : generate.pick(secret_names) + generate.pick({"=", " = ", "  ="}) +
-                             generate.pick(secret_values) + generate.pick({"", " ; note", "#S3CRET", "\r", " ;b=2"});
+            return generate.below(2) == 0 ? generate.line()
+                                          : generate.one_of_each({secret_names,
+                                                                  {"=", " = ", "  ="},
+                                                                  secret_values,
+                                                                  {"", " ; note", "#S3CRET", "\r", " ;b=2"}});
         };
         const std::string text = generate.file(line);
         SCOPED_TRACE(text);

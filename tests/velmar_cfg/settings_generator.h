@@ -12,14 +12,29 @@ class SETTINGS_GENERATOR
 public:
     explicit SETTINGS_GENERATOR(unsigned int seed) : random(seed) {}
 
+    // A distribution of the standard library would give other numbers with another library.
     std::size_t below(std::size_t bound)
     {
-        return std::uniform_int_distribution<std::size_t>(0, bound - 1)(random);
+        return random() % bound;
     }
 
     std::string pick(const std::vector<std::string>& pieces)
     {
         return pieces[below(pieces.size())];
+    }
+
+    // The operands of a sum would be picked in the order that the compiler chooses.
+    std::string one_of_each(const std::vector<std::vector<std::string>>& columns)
+    {
+        std::string text;
+        for (const std::vector<std::string>& pieces : columns)
+            text += pick(pieces);
+        return text;
+    }
+
+    std::string with_one_of(const std::string& text, const std::vector<std::string>& ends)
+    {
+        return text + pick(ends);
     }
 
     // A line that is often an assignment to one of a few names, and sometimes anything.
@@ -31,10 +46,9 @@ public:
                                                         "http://h#p", "#ff", "=",       "\"open", "-7"};
         static const std::vector<std::string> pieces = {"a", "=",  ";", "#", "//", "\"", " ",
                                                         "b", "\t", "1", "/", "\r", ":"};
-        if (below(4) > 0)
-            return pick(names) + pick({"=", " = ", "  ="}) + pick(values) +
-                   pick({"", "", " ; note", ";b=2", " # x", "\r"});
-        return some_of(pieces, 7);
+        if (below(4) == 0)
+            return some_of(pieces, 7);
+        return one_of_each({names, {"=", " = ", "  ="}, values, {"", "", " ; note", ";b=2", " # x", "\r"}});
     }
 
     // The same with bytes that files hardly have: zero bytes, bytes above ASCII, white space of all kinds, and with
@@ -100,8 +114,8 @@ public:
             "B", "\x80", "\xa0", "\v", "\f", "on", "of", "ffff", "-",  "."};
         if (below(3) == 0)
             return some_of(pieces, 9);
-        return pick(names) + pick({"=", " = ", "  =", "\t=\t"}) + pick(values) +
-               pick({"", "", "", " ; note", ";b=2", " # x", "\r", "//"});
+        return one_of_each(
+            {names, {"=", " = ", "  =", "\t=\t"}, values, {"", "", "", " ; note", ";b=2", " # x", "\r", "//"}});
     }
 
     template <typename LINE>
@@ -110,7 +124,9 @@ public:
         std::string text;
         for (std::size_t i = below(most_lines); i > 0; --i)
             text += next_line() + "\n";
-        return text + (below(2) == 0 ? next_line() : "");
+        if (below(2) == 0)
+            text += next_line();
+        return text;
     }
 
     // For the environment, which holds no zero byte.
@@ -119,7 +135,10 @@ public:
     {
         std::string text;
         for (std::size_t i = below(6); i > 0; --i)
-            text += next_line() + pick({";", ":"});
+        {
+            text += next_line();
+            text += pick({";", ":"});
+        }
         std::erase(text, '\0');
         return text;
     }

@@ -1,4 +1,5 @@
-// The benchmark: measures the library, its plain version, peers and floors in one interleaved run and prints one table.
+// The benchmark: measures the library, its plain version, peers and lower bounds in one interleaved run and prints one
+// table.
 //
 //   cfg_ini_benchmark [--short] [--json=FILE] [options of Google Benchmark, such as --benchmark_filter=REGEX]
 //

@@ -58,25 +58,25 @@ inline constexpr const char* work_assignment_by_name = "preference assignment by
 inline constexpr const char* work_preference_save = "save the preferences, a key";
 inline constexpr const char* work_preference_load = "load the preferences, a key";
 inline constexpr const char* work_all_shuffled = "10 000 shuffled of 10 000, bool, string name";
-inline constexpr const char* work_call = "floor: call of a library's function";
-inline constexpr const char* work_lock = "floor: recursive lock and unlock";
-inline constexpr const char* work_hash = "floor: hash of the hot name";
-inline constexpr const char* work_hot_find = "floor: unordered_map find, hot name";
-inline constexpr const char* work_shuffled_find = "floor: unordered_map find, 1 000 of 10 000";
+inline constexpr const char* work_call = "lower bound: call of a library's function";
+inline constexpr const char* work_lock = "lower bound: recursive lock and unlock";
+inline constexpr const char* work_hash = "lower bound: hash of the hot name";
+inline constexpr const char* work_hot_find = "lower bound: unordered_map find, hot name";
+inline constexpr const char* work_shuffled_find = "lower bound: unordered_map find, 1 000 of 10 000";
 
 inline std::string one_read_work(std::size_t lines)
 {
-    return "floor: read " + std::to_string(lines) + " lines at once, a line";
+    return "lower bound: read " + std::to_string(lines) + " lines at once, a line";
 }
 
 inline std::string getline_work(std::size_t lines)
 {
-    return "floor: getline of " + std::to_string(lines) + " lines, a line";
+    return "lower bound: getline of " + std::to_string(lines) + " lines, a line";
 }
 
 inline std::string bare_loop_work(std::size_t lines)
 {
-    return "floor: bare loop over " + std::to_string(lines) + " lines, a line";
+    return "lower bound: bare loop over " + std::to_string(lines) + " lines, a line";
 }
 
 // --- Figures that are not times of rows ---

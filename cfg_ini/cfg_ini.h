@@ -58,7 +58,8 @@
 //
 // Every reader first loads the settings files if nothing has loaded them yet (see cfg_read_ini_file). Every reader
 // counts the access, with one exception: the first reader of an unknown name creates an empty record instead, so that
-// the usage reports can list the name.
+// the usage reports can list the name. A reader that gets a usable value also marks the variable as validly read;
+// cfg_get_used_variable_value_map lists the marked variables.
 //
 // A text is converted once, when it is stored:
 //   boolean   "on", "1", "true" and "off", "0", "false" in any letter case; nothing else, and no white space;
@@ -151,8 +152,8 @@ bool cfg_is_on(const NAME& name, bool default_value)
     return cfg_is_on(cfg_ini_name_of(name), default_value);
 }
 
-// The same with a default from the catalogue: true if the name is catalogued with the default text "on", else false.
-// The catalogue is searched for exactly this spelling.
+// The same with a default from the catalogue. The default is true if the name is catalogued with the text "on", else
+// false. The catalogue is searched for exactly this spelling.
 CFG_INI_API bool cfg_is_on(const std::string& name);
 template <typename NAME, CFG_INI_IF_CHARACTERS<NAME> = 0>
 bool cfg_is_on(const NAME& name)
@@ -429,9 +430,11 @@ CFG_INI_API void cfg_check_debug_ini_values(bool* global, bool* per_subsystem, i
 // --- Settings files ---
 //
 // A load replaces the whole store. It applies the sources in a fixed order, and each overrides the ones before it: the
-// main file, the file APPENDED_VELMAR_INI, the inline assignments VELMAR_INI_VARS and, if asked for, regtest.ini. The
-// first use of a variable loads the default file, so a host needs these functions only for a project, for a regression
-// run, or to reload.
+// main file, the file APPENDED_VELMAR_INI, the inline assignments VELMAR_INI_VARS and, if asked for, regtest.ini. Names
+// in capitals, such as VELMAR_INI_VARS or HOME, are those of environment variables here.
+//
+// The first use of a variable loads the default file, so a host needs these functions only for a project, for a
+// regression run, or to reload.
 //
 // Example:
 //
@@ -499,8 +502,8 @@ CFG_INI_API char* cfg_get_appended_envrionment_ini_file_path_name();
 
 // --- Usage reports ---
 //
-// The reports add to their outputs and remove nothing. If an output pointer is null, the call does nothing more. Only
-// the first report loads the settings files; before the first load the others are empty.
+// The reports add to their outputs and remove nothing. If an output pointer is null, no report is made. Only
+// cfg_get_most_accessed loads the settings files; before the first load the other reports are empty.
 //
 // Example:
 //
@@ -562,14 +565,15 @@ CFG_INI_API std::string cfg_get_user_ini_registry_sub_branch_string(CFG_USER_INI
 
 // --- Reading a preference ---
 //
-// The first lookup or assignment loads velmar2.ini from the directory VELMAR2_INI, or else from the user's profile
-// directory. A lookup takes the first of these values that is not empty:
+// The first lookup or assignment loads velmar2.ini from the directory that the environment variable VELMAR2_INI names,
+// or else from the user's profile directory. A lookup takes the first of these values that is not empty:
 // - the value in the section of the running release;
 // - only if the file has no such section at all: the value of the newest older release that has the key, or of the
 //   section without a release. If the catalogue allows this value, the lookup also assigns it for the running release;
 // - the catalogue's default.
 //
-// A name matches the catalogue in any letter case. But a value is found only under the spelling that the file uses.
+// A name matches the catalogue in any letter case. But a value in the file is found only if the file spells the key
+// exactly as the call does. A call by number uses the catalogue's spelling.
 //
 // Example:
 //

@@ -72,10 +72,12 @@ struct CFG_SETTINGS_SOURCES
     // last application, which overrode the earlier ones. A file that had changed in between is another source.
     std::vector<CFG_SETTINGS_SOURCE> applied;
 
-    // 0 if the list lacks no file and no application of VELMAR_INI_VARS. Otherwise a number in the count above: the
-    // list may lack some that were applied up to then. The list lacks what there was no memory for, and it keeps only
-    // the last 256 appended and regression-test files. Of the program's texts it keeps the last 64, and at most 256
-    // KiB. This number does not cover missing program texts, just as the list does not cover cfg_set_value.
+    // 0 if the list has every file and every application of VELMAR_INI_VARS. Otherwise a number in the count of
+    // beginnings and ends: files and texts that were applied up to then may be missing. They are missing if there was
+    // no memory for them. Besides, the list keeps only the last 256 appended and regression-test files.
+    //
+    // Of the program's texts the list keeps the last 64, and at most 256 KiB. This number does not cover missing
+    // program texts, just as the list does not cover cfg_set_value.
     std::uint64_t lost_until = 0;
 
     // The variables that exist and have an empty text, as first spelt, in no particular order. Either they were asked

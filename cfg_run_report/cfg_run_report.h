@@ -17,8 +17,8 @@
 // paths, which may name users. It masks no secrets; velmar-cfg does when it shows a report. A new file has the
 // permissions that the umask gives, and a replaced one keeps its own, unless the options say otherwise.
 //
-// The document (schema "velmar-run-report", version 2; a reader refuses a higher version). A text that is no UTF-8 is
-// an object instead: {"hex": "<two digits a byte>"}. Times are UTC, as in 2026-11-22T08:25:00Z.
+// The document has the schema "velmar-run-report", version 2. A reader refuses a higher version. A text that is not
+// valid UTF-8 is an object instead: {"hex": "<two digits a byte>"}. Times are UTC, as in 2026-11-22T08:25:00Z.
 //
 //     schema, schema_version   "velmar-run-report" and 2
 //     run                      the caller's name for the run
@@ -32,7 +32,7 @@
 //     environment              name and value of the six variables that decide what is read (VELMAR_INI, HOME,
 //                              VELMAR_INI_DISABLED, APPENDED_VELMAR_INI, VELMAR_INI_VARS, VELMAR2_INI), as they are
 //                              when the report is written; the value is null when the variable is not set
-//     sources_complete         whether the list of sources lacks none (see cfg_ini/cfg_settings_sources.h)
+//     sources_complete         whether the list of sources is complete (see cfg_ini/cfg_settings_sources.h)
 //     sources                  the files and texts that were applied, in that order, each with
 //         layer                "main", "appended", "inline" or "regtest"; "program" for a text that the program applied
 //         external             whether its variables count as external
@@ -66,7 +66,7 @@
 // If the program sets a variable to the value of the winning assignment, the value counts as that assignment's. If it
 // sets a variable to the empty text, the variable counts as unset.
 //
-// Version 1 held less, and lost bytes that are no UTF-8.
+// Version 1 held less, and lost bytes that are not valid UTF-8.
 #ifndef CFG_RUN_REPORT_CFG_RUN_REPORT_H
 #define CFG_RUN_REPORT_CFG_RUN_REPORT_H
 

@@ -1,6 +1,6 @@
-// Asks the system about this process. When it was started is worked out: /proc/self/stat tells that in clock ticks
-// since the start of the system, which gives the age of the process and with the present time its start. What cannot be
-// had is left out; nothing is kept.
+// Asks the system about this process. /proc/self/stat gives the start of the process in clock ticks since the start of
+// the system. That gives the age of the process, and the present time minus the age is the time of its start. What the
+// system does not give is left out; nothing is kept.
 #include "cfg_run_report/run_circumstances.h"
 
 #include <climits>

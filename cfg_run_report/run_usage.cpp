@@ -1,10 +1,11 @@
-// Puts the usage reports of the library together to one list of all variables, and takes off what this costs.
+// Joins the usage reports of the library to one list of all variables, and subtracts the accesses that making the list
+// has caused.
 //
 // The ranked report leaves variables out by two limits, which are variables themselves (the "steering" ones). Both are
 // set so that nothing is left out, and set back afterwards, also when an exception ends the report. The accesses of
-// this file to them are counted here and taken off their counts, those of earlier reports too. Setting a variable takes
-// away its mark that its value was used. Therefore the used variables are asked for first, and a steering variable that
-// was among them is read once more after it was set back.
+// this file to them, in this and in earlier reports, are counted here and subtracted from their counts. Setting a
+// variable clears its mark that its value was used. Therefore the used variables are asked for first, and a steering
+// variable that was among them is read once more after it was set back.
 //
 // The lookup that makes a record is not counted by the store. A count that is lower than the number of own accesses
 // shows that a report made the record: one access fewer is taken off then. If nobody else asked for such a variable and

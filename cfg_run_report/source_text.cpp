@@ -1,7 +1,7 @@
 // Reads a settings file again only if it is the one that was applied. Device, number, size and time of the last change
 // are compared before it is opened, once it is open, and after it was read to its end; a file that changes in between
-// does not count as the same. What is no regular file, and a path that is relative to a directory of then, is not
-// opened.
+// does not count as the same. A file that is not regular is not opened. Neither is a relative path, since the current
+// directory may be another one than when the file was applied.
 //
 // Nothing is kept. Cost: O(n) time and memory for a file of n bytes, a few system calls for any other.
 #include "cfg_run_report/source_text.h"

@@ -1,9 +1,9 @@
 // The assignments of all sources that could be read again are listed by name, in the order of the sources and of their
-// lines. When a variable's origin is asked for, each of its assignments overrides those of its own source and of the
-// sources that ended before its source began: what is left may have had the last word. Those of them with the
-// variable's value are its possible origins. If there is exactly one, it is the origin, and if there is none, the
-// program is; but only if neither a source that could not be read nor one that the list lacks may have had a later
-// word. Otherwise all that may have given the value are listed as such.
+// lines. When a variable's origin is asked for, each of its assignments overrides the earlier ones of its own source
+// and those of the sources that ended before its source began. The assignments that are left may have been the last.
+// Those of them with the variable's value are its possible origins. If there is exactly one, it is the origin; if there
+// is none, the program is. Neither is certain if a source that could not be read, or one that is missing from the list,
+// may have been applied later: then the origin is unknown, and all possible origins are listed.
 //
 // Whether one source came before another is told by its end and the other's beginning alone, which the store counts.
 // Nothing is read after construction.

@@ -8,7 +8,8 @@
 //
 // Invariants:
 // - The new file is removed unless the rename was done, also when an exception ends the writing.
-// - The rename is not done before all bytes are on the disk. That it lasts is tried, and not reported.
+// - The rename is not done before all bytes are on the disk. The directory is then synchronised too, so that a power
+//   cut does not undo the rename; a failure of that is not reported.
 //
 // What is no regular file is written to directly, without any of that. Cost: one pass over the bytes, none of which is
 // kept.

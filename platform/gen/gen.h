@@ -6,8 +6,8 @@
 // - Any thread may call the path functions. During a first load it may hold the store's lock. They must not use the
 //   configuration library.
 // - The two setters are called from the thread that uses the preferences. They must not use the preference store. They
-//   may throw: the exception passes to the caller of the preference. An assignment is then undone; search paths that a
-//   load has to pass on are passed on at the next use of the preferences.
+//   may throw: the exception passes to the caller of the preference. If the call was an assignment, it is then undone.
+//   Search paths that a load had to pass on are passed on again at the next use of the preferences.
 //
 // Example:
 //

@@ -18,7 +18,7 @@
 // - The handlers wait for a mutex that another thread holds, but not for ever: its holder may wait for the thread that
 //   forks, or have ended. In the child, such a mutex is made free, and its user is notified: see
 //   thr_mutex_call_if_lost.
-// - Creating a mutex waits while another thread forks; or else fork waits for the creation, as it does for a mutex.
+// - Either creating a mutex waits while another thread forks, or fork waits for the creation, as it does for a mutex.
 // - The handlers are registered when the service is loaded. Handlers that a host registers later run earlier before the
 //   fork, so they may wait for a lock under which other threads use the library. Handlers that a host registered
 //   earlier must not.

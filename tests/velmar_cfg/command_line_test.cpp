@@ -21,14 +21,14 @@ TEST_F(COMMAND_LINE, an_unknown_command_is_a_usage_error_with_a_suggestion)
 {
     EXPECT_EQ(
         run({"lst"}),
-        (TOOL_RUN{2, "", "velmar-cfg: there is no command 'lst', did you mean 'list'?; see velmar-cfg --help\n"}));
+        (TOOL_RUN{2, "", "velmar-cfg: there is no command 'lst' (did you mean 'list'?); see velmar-cfg --help\n"}));
     EXPECT_EQ(run({"frobnicate", "x"}),
               (TOOL_RUN{2, "", "velmar-cfg: there is no command 'frobnicate'; see velmar-cfg --help\n"}));
 }
 
 TEST_F(COMMAND_LINE, no_command_is_a_usage_error)
 {
-    EXPECT_EQ(run({}), (TOOL_RUN{2, "", "velmar-cfg: A subcommand is required; see velmar-cfg --help\n"}));
+    EXPECT_EQ(run({}), (TOOL_RUN{2, "", "velmar-cfg: name a command; see velmar-cfg --help\n"}));
 }
 
 TEST_F(COMMAND_LINE, a_missing_argument_names_the_help_of_the_command)
@@ -55,22 +55,29 @@ TEST_F(COMMAND_LINE, an_unknown_option_is_told_with_what_may_be_meant)
 {
     const MISTYPED rows[] = {
         {{"list", "--show-origins"},
-         "there is no option '--show-origins', did you mean '--show-origin'?; see velmar-cfg list"},
+         "there is no option '--show-origins' (did you mean '--show-origin'?); see velmar-cfg list"},
         {{"list", "--SHOW-ORIGIN"},
-         "there is no option '--SHOW-ORIGIN', did you mean '--show-origin'?; see velmar-cfg list"},
-        {{"prefs", "LIST"}, "there is no command 'LIST', did you mean 'list'?; see velmar-cfg prefs"},
-        {{"list", "--colour", "never"}, "there is no option '--colour', did you mean '--color'?; see velmar-cfg list"},
-        {{"list", "--colour=never"}, "there is no option '--colour', did you mean '--color'?; see velmar-cfg list"},
+         "there is no option '--SHOW-ORIGIN' (did you mean '--show-origin'?); see velmar-cfg list"},
+        {{"prefs", "LIST"}, "there is no command 'LIST' (did you mean 'list'?); see velmar-cfg prefs"},
+        {{"list", "--colour", "never"}, "there is no option '--colour' (did you mean '--color'?); see velmar-cfg list"},
+        {{"list", "--colour=never"}, "there is no option '--colour' (did you mean '--color'?); see velmar-cfg list"},
         {{"prefs", "set", "SHOW_MESSAGE_ID", "off", "--dryrun"},
-         "there is no option '--dryrun', did you mean '--dry-run'?; see velmar-cfg prefs set"},
+         "there is no option '--dryrun' (did you mean '--dry-run'?); see velmar-cfg prefs set"},
         {{"paths", "--frobnicate"}, "there is no option '--frobnicate'; see velmar-cfg paths"},
         {{"--frobnicate", "paths"}, "there is no option '--frobnicate'; see velmar-cfg paths"},
         {{"get", "-name"},
          "there is no option '-name'; put -- before an argument that begins with \"-\"; see velmar-cfg get"},
         {{"prefs", "set", "USER_LIBRARIES", "-x"},
          "there is no option '-x'; put -- before an argument that begins with \"-\"; see velmar-cfg prefs set"},
-        {{"explain", "a", "b"}, "The following argument was not expected: b; see velmar-cfg explain"},
-        {{"explain", "a", "-"}, "The following argument was not expected: -; see velmar-cfg explain"},
+        {{"explain", "a", "b"}, "the argument 'b' is one too many; see velmar-cfg explain"},
+        {{"explain", "a", "b", "c"}, "the argument 'b' is one too many; see velmar-cfg explain"},
+        {{"--", "list"},
+         "\"--\" stands before the command; put it behind, before an argument that begins with \"-\"; see velmar-cfg"},
+        {{"prefs", "--", "list"},
+         "\"--\" stands before the command; put it behind, before an argument that begins with \"-\"; see velmar-cfg "
+         "prefs"},
+        {{"list", "--color", "x"}, "'--color' takes one of auto, always, never, not 'x'; see velmar-cfg list"},
+        {{"explain", "a", "-"}, "the argument '-' is one too many; see velmar-cfg explain"},
         {{"list", "--of", ".", "--of", "."}, "'--of' may be given only once; see velmar-cfg list"},
         {{"list", "--of"}, "'--of' needs a value: STATE; see velmar-cfg list"},
         {{"--of", "x", "list"}, "'--of' goes after the command: velmar-cfg list --of; see velmar-cfg list"},
@@ -83,8 +90,8 @@ TEST_F(COMMAND_LINE, an_unknown_option_is_told_with_what_may_be_meant)
         {{"set", "a", "--", "-6", "--project", "m"},
          "'--project' stands behind \"--\", so it is an argument, and there is one too many; put options before "
          "\"--\"; see velmar-cfg set"},
-        {{"prefs", "lst"}, "there is no command 'lst', did you mean 'list'?; see velmar-cfg prefs"},
-        {{"help", "prefs", "lst"}, "there is no command 'lst', did you mean 'list'?; see velmar-cfg prefs"},
+        {{"prefs", "lst"}, "there is no command 'lst' (did you mean 'list'?); see velmar-cfg prefs"},
+        {{"help", "prefs", "lst"}, "there is no command 'lst' (did you mean 'list'?); see velmar-cfg prefs"},
     };
     for (const MISTYPED& row : rows)
         EXPECT_EQ(run(row.arguments), (TOOL_RUN{2, "", std::string("velmar-cfg: ") + row.told + " --help\n"}))

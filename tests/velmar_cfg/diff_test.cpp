@@ -185,7 +185,7 @@ TEST_F(DIFF, keeps_only_what_a_run_read)
 B  tuesday.json (velmar 23.4, project cpu, regression test)
 
 Variables that nightly read
-  gone, by main settings file; perhaps read, once, while unset
+  gone, by main settings file; perhaps asked for once, while unset
     A  \(empty)  at cpu/velmar.ini:4 (main settings file, external)
     B  not set
   max_fanout, by environment

@@ -66,8 +66,8 @@ TEST_F(DOCUMENTATION, a_list_of_commands_has_a_summary_of_each)
 {
     EXPECT_THAT(run({"--help"}).out,
                 HasSubstr("\n  paths                     Show where settings are looked for\n"
-                          "  lint                      Show the lines that are ignored or do something else\n"
-                          "                            than they seem to, with what to write instead\n"));
+                          "  lint                      Show the lines that are ignored or do not do what\n"
+                          "                            they seem to do, with what to write instead\n"));
 }
 
 TEST_F(DOCUMENTATION, help_before_a_command_is_help_behind_it)

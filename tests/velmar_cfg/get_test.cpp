@@ -149,7 +149,8 @@ INSTANTIATE_TEST_SUITE_P(
         READING{"inf", "double", "inf\n", 0},
         READING{"2.5ms", "double", "2.5\n", 0,
                 "velmar-cfg: 'var' is '2.5ms': only the number at its start is read, 2.5\n"},
-        READING{"fast", "double", "0\n", 0, "velmar-cfg: 'var' is 'fast': only the number at its start is read, 0\n"},
+        READING{"fast", "double", "0\n", 0,
+                "velmar-cfg: 'var' is 'fast': it begins with no number, and is read as 0\n"},
         READING{"", "double", "", 1, "velmar-cfg: 'var' is set to the empty text at project/velmar.ini:1\n"},
         READING{"", "text", "", 1, "velmar-cfg: 'var' is set to the empty text at project/velmar.ini:1\n"},
         READING{"two words", "text", "two words\n", 0}));
@@ -214,7 +215,7 @@ TEST_F(GET, tells_of_a_long_value_in_a_short_line)
     write_file("velmar.ini", "a = " + letters + "\ntoken = " + letters + "\n");
     const std::string shown = std::string(60, 'q') + "\"" + std::string(39, 'q') + "...";
     EXPECT_EQ(run({"get", "a", "--type", "double"}),
-              (TOOL_RUN{0, "0\n", "velmar-cfg: 'a' is '" + shown + "': only the number at its start is read, 0\n"}));
+              (TOOL_RUN{0, "0\n", "velmar-cfg: 'a' is '" + shown + "': it begins with no number, and is read as 0\n"}));
     EXPECT_THAT(run({"get", "a", "--type", "int"}).err, testing::StartsWith("velmar-cfg: 'a' is '" + shown + "' at "));
     EXPECT_THAT(run({"get", "a", "--type", "int", "--default", letters}).err,
                 testing::StartsWith("velmar-cfg: the default '" + shown + "' is no integer "));
@@ -268,8 +269,8 @@ TEST_F(GET, refuses_an_unknown_type)
 TEST_F(GET, suggests_a_name_that_is_set_or_known)
 {
     write_file("velmar.ini", "max_fanout=12\n");
-    EXPECT_EQ(run({"get", "max_fanuot"}).err, "velmar-cfg: 'max_fanuot' is not set, did you mean 'max_fanout'?\n");
-    EXPECT_EQ(run({"get", "msg_sqlit"}).err, "velmar-cfg: 'msg_sqlit' is not set, did you mean 'msg_sqlite'?\n");
+    EXPECT_EQ(run({"get", "max_fanuot"}).err, "velmar-cfg: 'max_fanuot' is not set (did you mean 'max_fanout'?)\n");
+    EXPECT_EQ(run({"get", "msg_sqlit"}).err, "velmar-cfg: 'msg_sqlit' is not set (did you mean 'msg_sqlite'?)\n");
 }
 
 TEST_F(GET, names_the_catalogues_default_but_does_not_print_it)

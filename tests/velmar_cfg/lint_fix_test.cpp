@@ -228,7 +228,7 @@ TEST_F(LINT_FIX, ignored_reasons_count_for_nothing)
     EXPECT_EQ(run({"lint", "--json", "velmar.ini", "--ignore=no-equals-sign"}).json().size(), 2U);
     EXPECT_EQ(run({"lint", "velmar.ini", "--ignore", "no-equal-sign"}),
               (TOOL_RUN{2, "",
-                        "velmar-cfg: no finding has the reason 'no-equal-sign', did you mean 'no-equals-sign'?; see "
+                        "velmar-cfg: no finding has the reason 'no-equal-sign' (did you mean 'no-equals-sign'?); see "
                         "velmar-cfg lint --list-reasons\n"}));
     EXPECT_EQ(run({"lint", "--fix", "velmar.ini", "--ignore", "boolean-word"}).out, "");
     EXPECT_EQ(read_file("velmar.ini"), "# [x]\na = yes\nb = c\n");

@@ -111,7 +111,7 @@ TEST(CHECKED_REASONS, are_known)
     {
         EXPECT_EQ(error.exit_code, EXIT_CODE::USAGE);
         EXPECT_STREQ(error.what(),
-                     "no finding has the reason 'leter-case', did you mean 'letter-case'?; see velmar-cfg "
+                     "no finding has the reason 'leter-case' (did you mean 'letter-case'?); see velmar-cfg "
                      "lint --list-reasons");
     }
 }

@@ -175,11 +175,11 @@ TEST(NEAREST_NAME, is_the_one_that_all_distances_give)
 
 TEST(NEAREST_NAME, makes_half_a_sentence)
 {
-    EXPECT_EQ(did_you_mean("abd", names), ", did you mean 'abc'?");
+    EXPECT_EQ(did_you_mean("abd", names), " (did you mean 'abc'?)");
     EXPECT_EQ(did_you_mean("nothing like it", names), "");
     // Nearer than any other is the name in another letter case, where that is another name.
-    EXPECT_EQ(did_you_mean("LIST", {"lint", "list"}), ", did you mean 'list'?");
-    EXPECT_EQ(did_you_mean("-v", {"-h", "-V"}), ", did you mean '-V'?");
+    EXPECT_EQ(did_you_mean("LIST", {"lint", "list"}), " (did you mean 'list'?)");
+    EXPECT_EQ(did_you_mean("-v", {"-h", "-V"}), " (did you mean '-V'?)");
     EXPECT_EQ(did_you_mean("list", {"list"}), "");
 }
 }

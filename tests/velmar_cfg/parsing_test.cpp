@@ -143,19 +143,18 @@ TEST_F(PARSING, what_is_wrong_is_told_with_the_command_s_help)
         const char* complaint;
     };
     for (const auto& [words, complaint] :
-         {ROW{{}, "A subcommand is required; see tool --help"},
-          ROW{{"group"}, "A subcommand is required; see tool group --help"},
-          ROW{{"grup"}, "there is no command 'grup', did you mean 'group'?; see tool --help"},
-          ROW{{"group", "puts"}, "there is no command 'puts', did you mean 'put'?; see tool group --help"},
+         {ROW{{}, "name a command; see tool --help"}, ROW{{"group"}, "name a command; see tool group --help"},
+          ROW{{"grup"}, "there is no command 'grup' (did you mean 'group'?); see tool --help"},
+          ROW{{"group", "puts"}, "there is no command 'puts' (did you mean 'put'?); see tool group --help"},
           ROW{{"group", "xyzzy"}, "there is no command 'xyzzy'; see tool group --help"},
           ROW{{"group", "put"}, "NAME is required; see tool group put --help"},
-          ROW{{"group", "take", "a", "b"}, "The following argument was not expected: b; see tool group take --help"},
+          ROW{{"group", "take", "a", "b"}, "the argument 'b' is one too many; see tool group take --help"},
           ROW{{"group", "take", "-"}, ""},
           // Only an option of the command, or of one above it, can be meant.
           ROW{{"group", "put", "x", "--limt", "1"},
-              "there is no option '--limt', did you mean '--limit'?; see tool group put --help"},
+              "there is no option '--limt' (did you mean '--limit'?); see tool group put --help"},
           ROW{{"group", "put", "x", "--quik"},
-              "there is no option '--quik', did you mean '--quick'?; see tool group put --help"},
+              "there is no option '--quik' (did you mean '--quick'?); see tool group put --help"},
           ROW{{"group", "take", "--limt=1"},
               "there is no option '--limt'; put -- before an argument that begins with \"-\"; see tool group take "
               "--help"},
@@ -169,7 +168,7 @@ TEST_F(PARSING, what_is_wrong_is_told_with_the_command_s_help)
           ROW{{"--dir", "put", "--limit", "1", "group", "put", "x"},
               "'--limit' goes after the command: tool group put --limit; see tool group put --help"},
           ROW{{"--dir", "--limit", "group", "put", "x", "--limt"},
-              "there is no option '--limt', did you mean '--limit'?; see tool group put --help"},
+              "there is no option '--limt' (did you mean '--limit'?); see tool group put --help"},
           ROW{{"--limit", "1", "group", "take"},
               "there is no option '--limit'; put -- before an argument that begins with \"-\"; see tool group take "
               "--help"},

@@ -189,7 +189,7 @@ INSTANTIATE_TEST_SUITE_P(
             "a section like no other",
             "[Something wholly other]\nx = 1\n",
             {"1:1 warning unknown-section: no lookup searches the section 'Something wholly other'; letter "
-             "case counts; write the section, a blank, a release and \"_pro\"",
+             "case counts; write a section of the catalogue, such as '[General 23.4_pro]'",
              "2:1 warning unknown-key: there is no preference 'x'; the line is kept, unused; remove the "
              "line"}},
         PREFERENCE_FINDINGS{
@@ -229,7 +229,7 @@ INSTANTIATE_TEST_SUITE_P(
             "a release that nobody knows",
             "[Messages 1234.5678_pro]\n" + set,
             {"1:1 warning unknown-section: no lookup searches the section 'Messages 1234.5678_pro'; letter "
-             "case counts; write the section, a blank, a release and \"_pro\""}},
+             "case counts; write a section of the catalogue, such as '[General 23.4_pro]'"}},
         PREFERENCE_FINDINGS{"a value that is not allowed",
                             section + "SHOW_MESSAGE_ID = \t1\n",
                             {"2:20 error not-allowed: '1' is not allowed for SHOW_MESSAGE_ID; write one of off, on"}},

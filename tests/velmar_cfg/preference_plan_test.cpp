@@ -151,8 +151,8 @@ INSTANTIATE_TEST_SUITE_P(
              "[Cloud 23.4_pro]\nCLOUD_SERVER = a\n[Cloud 23.3_pro]\nCLOUD_SERVER = b\n",
              CLOUD_SERVER,
              {},
-             "4 FILE:3: the section [Cloud 23.3_pro] gives CLOUD_SERVER the value 'b', and its default is no text that "
-             "could override it; remove the value there"}));
+             "4 FILE:3: the section [Cloud 23.3_pro] gives CLOUD_SERVER the value 'b', which its empty default cannot "
+             "override; remove the value there"}));
 
 // --- Several changes ---
 

@@ -220,8 +220,8 @@ TEST(PREFERENCE_SAVE_TEXT, names_the_line_that_has_the_place_of_another)
     EXPECT_EQ(text_of_loss("[A]\nk = 1\nk = 2\n"),
               "line 2 sets this key of this section already: the first one counts, and a save drops this one");
     EXPECT_EQ(text_of_loss("[A]\nBc = 1\n[AB]\nc = 1\nd = 3\n"),
-              "line 2, in [A], has this section and this key, written as one word, already: the first one counts, and "
-              "a save drops this one");
+              "line 2, in [A], sets the same preference, since the store joins section and key to one name: the first "
+              "one counts, and a save drops this one");
 }
 
 // --- Changes ---

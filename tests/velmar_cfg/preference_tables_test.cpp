@@ -201,7 +201,7 @@ TEST(PREFERENCE_NAMES, are_keys_in_any_letter_case_and_nothing_else)
     for (const auto& [name, complaint] : {
              std::pair{"QQQQQQQQ", "5 there is no preference 'QQQQQQQQ'; see velmar-cfg prefs list --all"},
              {"", "5 there is no preference ''; see velmar-cfg prefs list --all"},
-             {"SHOW_MESSAGE_IDD", "5 there is no preference 'SHOW_MESSAGE_IDD', did you mean 'SHOW_MESSAGE_ID'? See "
+             {"SHOW_MESSAGE_IDD", "5 there is no preference 'SHOW_MESSAGE_IDD' (did you mean 'SHOW_MESSAGE_ID'?); see "
                                   "velmar-cfg prefs list --all"},
              {"Generate HTML report file",
               "5 'Generate HTML report file' is an old name; the preference is called GENERATE_HTML_REPORT_FILES"},

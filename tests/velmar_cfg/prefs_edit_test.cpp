@@ -395,8 +395,8 @@ TEST_F(PREFS_EDIT, reset_that_the_file_cannot_express_is_not_made)
     expect_unchanged("[Cloud 23.3_pro]\nCLOUD_SERVER = host\n", {"prefs", "reset", "CLOUD_SERVER"},
                      {4, "",
                       "velmar-cfg: " + full_path() +
-                          ":1: the section [Cloud 23.3_pro] gives CLOUD_SERVER the value 'host', and its default is no "
-                          "text that could override it; remove the value there\n"});
+                          ":1: the section [Cloud 23.3_pro] gives CLOUD_SERVER the value 'host', which its empty "
+                          "default cannot override; remove the value there\n"});
 }
 
 TEST_F(PREFS_EDIT, reset_of_what_has_its_default_leaves_every_byte)

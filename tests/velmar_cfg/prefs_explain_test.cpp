@@ -37,12 +37,12 @@ TEST_F(PREFS_EXPLAIN, shows_every_line_and_the_one_that_counts)
               (TOOL_RUN{0,
                         "HDL_PREFERENCE = VHDL: carried over from an older release, section [General 23.3_pro]\n"
                         "lines of user/velmar2.ini, at most one counts:\n"
-                        "  does not line 2  [General]           HDL_PREFERENCE = KHDL  (line 7 is found first)\n"
-                        "  does not line 4  [General 22.4_pro]  HDL_PREFERENCE = Verilog  (line 7 is found first)\n"
-                        "  does not line 6  [General 23.3_pro]  hdl_preference = KHDL  (a value is found only under "
+                        "  ignored  line 2  [General]           HDL_PREFERENCE = KHDL  (line 7 is found first)\n"
+                        "  ignored  line 4  [General 22.4_pro]  HDL_PREFERENCE = Verilog  (line 7 is found first)\n"
+                        "  ignored  line 6  [General 23.3_pro]  hdl_preference = KHDL  (a value is found only under "
                         "the key's own spelling)\n"
                         "  counts   line 7  [General 23.3_pro]  HDL_PREFERENCE = VHDL\n"
-                        "  does not line 8  [General 23.3_pro]  HDL_PREFERENCE = KHDL  (line 7 has this section and "
+                        "  ignored  line 8  [General 23.3_pro]  HDL_PREFERENCE = KHDL  (line 7 has this section and "
                         "this key already: the first one counts)\n"
                         "default: Verilog\n"
                         "allowed: KHDL, Verilog, VHDL\n",
@@ -57,9 +57,9 @@ TEST_F(PREFS_EXPLAIN, shows_the_section_that_keeps_older_releases_away)
               (TOOL_RUN{1,
                         "SOUND_WHEN_PROCESS_DONE has no value: not set, and there is no default\n"
                         "lines of user/velmar2.ini, at most one counts:\n"
-                        "  does not line 1  no section          SOUND_WHEN_PROCESS_DONE = on  (a key line before any "
+                        "  ignored  line 1  no section          SOUND_WHEN_PROCESS_DONE = on  (a key line before any "
                         "section is ignored)\n"
-                        "  does not line 3  [General 23.3_pro]  Beep when process done = on  (an old name)  (the "
+                        "  ignored  line 3  [General 23.3_pro]  Beep when process done = on  (an old name)  (the "
                         "running release has its own section [General 23.4_pro], at line 4: nothing older is looked "
                         "for)\n"
                         "default: none\n"
@@ -123,7 +123,7 @@ TEST_F(PREFS_EXPLAIN, suggests_a_key)
 {
     EXPECT_EQ(run({"prefs", "explain", "HDL_PREFERENC"}),
               (TOOL_RUN{5, "",
-                        "velmar-cfg: there is no preference 'HDL_PREFERENC', did you mean 'HDL_PREFERENCE'? See "
+                        "velmar-cfg: there is no preference 'HDL_PREFERENC' (did you mean 'HDL_PREFERENCE'?); see "
                         "velmar-cfg prefs list --all\n"}));
     EXPECT_EQ(run({"prefs", "explain", "Beep when process done"}).exit_code, 5);
 }

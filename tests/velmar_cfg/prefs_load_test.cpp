@@ -131,7 +131,7 @@ TEST_F(PREFS_LOAD, names_every_line_that_the_catalogue_refuses_and_sets_none)
                       "velmar-cfg: given: lines that cannot be loaded: 3; nothing was changed\n"});
     expect_unchanged("[General 23.4_pro]\nHDL_PREFERENC = VHDL\n",
                      {5, "",
-                      "velmar-cfg: given:2: there is no preference 'HDL_PREFERENC', did you mean 'HDL_PREFERENCE'?\n"
+                      "velmar-cfg: given:2: there is no preference 'HDL_PREFERENC' (did you mean 'HDL_PREFERENCE'?)\n"
                       "velmar-cfg: given: lines that cannot be loaded: 1; nothing was changed\n"});
 }
 

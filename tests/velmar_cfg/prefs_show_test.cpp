@@ -151,7 +151,7 @@ TEST_F(PREFS, a_name_that_is_no_key_is_refused)
 {
     EXPECT_EQ(run({"prefs", "get", "SHOW_MESAGE_ID"}),
               (TOOL_RUN{5, "",
-                        "velmar-cfg: there is no preference 'SHOW_MESAGE_ID', did you mean 'SHOW_MESSAGE_ID'? See "
+                        "velmar-cfg: there is no preference 'SHOW_MESAGE_ID' (did you mean 'SHOW_MESSAGE_ID'?); see "
                         "velmar-cfg prefs list --all\n"}));
     EXPECT_EQ(run({"prefs", "get", "QQQQQQQQ"}),
               (TOOL_RUN{5, "", "velmar-cfg: there is no preference 'QQQQQQQQ'; see velmar-cfg prefs list --all\n"}));
@@ -176,7 +176,7 @@ TEST_F(PREFS, describe_says_what_the_catalogue_knows)
                              "allowed  off, on\n"
                              "section  Messages\n");
     EXPECT_THAT(run({"prefs", "describe", "SOUND_WHEN_PROCESS_DONE"}).out,
-                HasSubstr("once     Beep when process done\nregistry Beep when process done, in General\n"));
+                HasSubstr("formerly Beep when process done\nregistry Beep when process done, in General\n"));
 }
 
 // Whether there is a file behind it cannot be told.

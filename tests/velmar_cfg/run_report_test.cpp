@@ -364,7 +364,7 @@ TEST_F(RUN_REPORT, merge_suggests_a_name_for_a_switch_that_no_run_knows)
 {
     EXPECT_EQ(run({"run-report", "--merge", "--switch", "max_fanuot", "cpu.json", "gpu.json"}),
               (TOOL_RUN{1, "max_fanuot was read by 0 of 2 runs\n",
-                        "velmar-cfg: no report contains 'max_fanuot', did you mean 'max_fanout'?\n"}));
+                        "velmar-cfg: no report contains 'max_fanuot' (did you mean 'max_fanout'?)\n"}));
 }
 
 TEST_F(RUN_REPORT, merge_tells_runs_of_one_name_apart)

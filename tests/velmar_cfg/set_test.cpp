@@ -134,7 +134,7 @@ TEST_F(SET, unset_of_what_no_line_sets_tells_what_may_be_meant)
     write_settings("max_fanout = 1\n");
     EXPECT_EQ(
         run_in_project({"unset", "max_fanuot"}),
-        (TOOL_RUN{0, "", "velmar-cfg: " + full_path() + ": no line sets 'max_fanuot', did you mean 'max_fanout'?\n"}));
+        (TOOL_RUN{0, "", "velmar-cfg: " + full_path() + ": no line sets 'max_fanuot' (did you mean 'max_fanout'?)\n"}));
     EXPECT_EQ(run_in_project({"unset", "x"}), (TOOL_RUN{0, "", "velmar-cfg: " + full_path() + ": no line sets 'x'\n"}));
     EXPECT_EQ(settings(), "max_fanout = 1\n");
 }

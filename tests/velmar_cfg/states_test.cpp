@@ -568,7 +568,7 @@ TEST_F(STATES, a_name_without_a_value_may_be_meant)
         EXPECT_EQ(got.exit_code, 1);
         const std::string meant = row.meant == nullptr ? "" : row.meant;
         EXPECT_EQ(got.err.find("did you mean") != std::string::npos, row.meant != nullptr) << got.err;
-        EXPECT_THAT(got.err, HasSubstr(row.meant == nullptr ? "\n" : ", did you mean '" + meant + "'?\n"));
+        EXPECT_THAT(got.err, HasSubstr(row.meant == nullptr ? "\n" : " (did you mean '" + meant + "'?)\n"));
         const std::string explained = run({"explain", row.typed, "--of", row.report}).out;
         EXPECT_EQ(explained.find("hint:") != std::string::npos, row.meant != nullptr) << explained;
         EXPECT_THAT(explained,
@@ -581,7 +581,7 @@ TEST_F(STATES, a_name_without_a_value_may_be_meant)
     write_file("alike.json", alike.dump());
     EXPECT_THAT(run({"get", "once", "--of", "alike.json"}).err,
                 testing::EndsWith("does not tell whether it was set\n"));
-    EXPECT_THAT(run({"get", "oncez", "--of", "alike.json"}).err, testing::EndsWith(", did you mean 'once'?\n"));
+    EXPECT_THAT(run({"get", "oncez", "--of", "alike.json"}).err, testing::EndsWith(" (did you mean 'once'?)\n"));
 }
 
 TEST_F(STATES, what_a_snapshot_could_not_read_is_told_by_diff)

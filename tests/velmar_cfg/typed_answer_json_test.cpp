@@ -97,12 +97,12 @@ TEST(TYPED_ANSWERS, remark_on_what_is_odd)
         {"n", READER_TYPE::UINT, "'n' is '-7' at VELMAR_INI_VARS:2: no integer from 0 to 4294967295"},
         {"n", READER_TYPE::BOOL, "'n' is '-7' at VELMAR_INI_VARS:2: no switch (on, 1, true, off, 0, false)"},
         {"big", READER_TYPE::INT, "'big' is '4294967295' at regtest:1: no integer from -2147483648 to 2147483647"},
-        {"text", READER_TYPE::DOUBLE, "'text' is 'x y': only the number at its start is read, 0"},
+        {"text", READER_TYPE::DOUBLE, "'text' is 'x y': it begins with no number, and is read as 0"},
         {"lost", READER_TYPE::DOUBLE, ""},
         {"empty", READER_TYPE::DOUBLE, "'empty' is set to the empty text at main:4"},
         {"empty", READER_TYPE::BOOL, "'empty' is set to the empty text at main:4"},
         {"debug_msg", READER_TYPE::BOOL, "'debug_msg' is not set"},
-        {"Empti", READER_TYPE::BOOL, "'Empti' is not set, did you mean 'empty'?"},
+        {"Empti", READER_TYPE::BOOL, "'Empti' is not set (did you mean 'empty'?)"},
         {"wholly_other_name", READER_TYPE::BOOL, "'wholly_other_name' is not set"},
     };
     for (const ROW& row : rows)
@@ -110,7 +110,7 @@ TEST(TYPED_ANSWERS, remark_on_what_is_odd)
     // A default stands in without a word; what is read of a number is told all the same.
     EXPECT_EQ(answer_typed(all_settings(), "n", READER_TYPE::UINT, TYPED_VALUE(1U)).remark, "");
     EXPECT_EQ(answer_typed(all_settings(), "text", READER_TYPE::DOUBLE, TYPED_VALUE(1.0)).remark,
-              "'text' is 'x y': only the number at its start is read, 0");
+              "'text' is 'x y': it begins with no number, and is read as 0");
 }
 
 TEST(TYPED_ANSWERS, complain_of_defaults_of_another_type)

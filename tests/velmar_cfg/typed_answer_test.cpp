@@ -32,12 +32,15 @@ const QUESTION questions[] = {
     {"d", "double", nullptr, "2.5", true, "'d' is '2.5ms': only the number at its start is read, 2.5"},
     {"d", "double", "1", "2.5", true, "'d' is '2.5ms': only the number at its start is read, 2.5"},
     {"d", "text", nullptr, "2.5ms", true},
+    {"zero", "double", nullptr, "-0", true, "'zero' is '-.0ms': only the number at its start is read, -0"},
+    {"word", "double", "1", "0", true, "'word' is '.fast5': it begins with no number, and is read as 0"},
+    {"sign", "double", "1", "0", true, "'sign' is '-': it begins with no number, and is read as 0"},
     {"e", "text", nullptr, nullptr, false, "'e' is set to the empty text at velmar.ini:3"},
     {"e", "text", "x", "x", false},
     {"unset", "text", nullptr, nullptr, false, "'unset' is not set"},
     {"unset", "uint", "7", "7", false},
     {"zanth_flow", "text", nullptr, nullptr, false, "'zanth_flow' is not set; the catalogue's default is on"},
-    {"zanth_flwo", "text", nullptr, nullptr, false, "'zanth_flwo' is not set, did you mean 'zanth_flow'?"},
+    {"zanth_flwo", "text", nullptr, nullptr, false, "'zanth_flwo' is not set (did you mean 'zanth_flow'?)"},
 };
 
 TEST(TYPED_ANSWER_TEST, is_the_variables_value_or_the_default)
@@ -49,7 +52,8 @@ TEST(TYPED_ANSWER_TEST, is_the_variables_value_or_the_default)
         std::optional<TYPED_VALUE> fallback;
         if (row.fallback != nullptr)
             fallback = default_of_type(type, row.fallback);
-        const SETTINGS settings = SETTINGS::of_one_variable(layers_of("n = 12\nd = 2.5ms\ne =\n"), row.name);
+        const SETTINGS settings = SETTINGS::of_one_variable(
+            layers_of("n = 12\nd = 2.5ms\ne =\nzero = -.0ms\nword = .fast5\nsign = -\n"), row.name);
         const TYPED_ANSWER answer = answer_typed(settings, row.name, type, fallback);
         EXPECT_EQ(answer.name, row.name);
         EXPECT_EQ(value_as_text(answer.value),

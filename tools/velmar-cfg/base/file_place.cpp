@@ -1,6 +1,6 @@
 // The path is opened one component at a time, each from the descriptor of the directory before it. The kernel follows
 // no link by itself: the components of a link's target take its place in the list of those that are still to be opened.
-// After 40 links the walk is taken for a circle, as by the kernel.
+// After 40 links the path is taken for a loop, as the kernel does.
 #include "tools/velmar-cfg/base/file_place.h"
 
 #include <array>

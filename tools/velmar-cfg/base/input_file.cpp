@@ -1,4 +1,4 @@
-// Reads files to their end, and words what keeps a file from being read.
+// Reads files to their end, and makes the message when a file cannot be read.
 //
 // A file is read until nothing is left, whatever size it was said to have, since it may grow meanwhile. The buffer has
 // room for one byte more than that size: for most files one allocation is enough.

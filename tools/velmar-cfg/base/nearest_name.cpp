@@ -124,7 +124,7 @@ std::string did_you_mean(std::string_view name, const std::vector<std::string>& 
         std::ranges::find_if(candidates, [name](std::string_view candidate)
                              { return candidate.size() == name.size() && edit_distance(name, candidate) == 0; });
     if (same != candidates.end())
-        return *same == name ? "" : ", did you mean '" + *same + "'?";
+        return *same == name ? "" : " (did you mean '" + *same + "'?)";
     const std::optional<std::string> nearest = nearest_name(name, candidates);
-    return nearest ? ", did you mean '" + *nearest + "'?" : "";
+    return nearest ? " (did you mean '" + *nearest + "'?)" : "";
 }

@@ -52,7 +52,7 @@ private:
     std::vector<OUTLINE> outlines; // of each name
 };
 
-// ", did you mean 'NEAREST'?" or nothing. Here the nearest of all is the name itself in another letter case.
+// " (did you mean 'NEAREST'?)" or nothing. Here the nearest of all is the name itself in another letter case.
 std::string did_you_mean(std::string_view name, const std::vector<std::string>& candidates);
 
 #endif

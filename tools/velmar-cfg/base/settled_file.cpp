@@ -6,7 +6,8 @@
 // missing. A settled file is read whole. If its state is another one afterwards, the watch goes on.
 //
 // Invariants:
-// - There is always one look behind the deadline, which is at least 50 ms away: a file that nobody writes to is read.
+// - The state is looked at once more when the deadline, which is at least 50 ms away, has passed. So a file that nobody
+//   writes to is always read.
 // - The file that was read stays open, so that its number cannot become another file's.
 // - is_still_at() compares the bytes too: the times of files tick in steps of some milliseconds, so a change within one
 //   step does not show in them.

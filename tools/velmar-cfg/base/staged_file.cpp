@@ -9,7 +9,8 @@
 //     look at the lease            who waits for it wants to write to the old file: exchange back
 //     remove the old file
 //
-// Without leases, only a change that can be seen right behind the exchange is noticed; without exchanges, none.
+// Without leases, a change is noticed only if it can be seen right after the exchange. Without an exchange, no change
+// during the replacement is noticed.
 #include "tools/velmar-cfg/base/staged_file.h"
 
 #include <array>

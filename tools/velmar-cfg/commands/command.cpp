@@ -1,7 +1,7 @@
-// COMMAND in terms of the parser, CLI11. Texts go into optional values by functions: as a target of its own type, an
-// optional would take the empty text for no value. Each command stores its function when it has been parsed, and main()
-// calls the one that is stored. The global options may stand behind a command, since what a command does not know falls
-// through to the program.
+// COMMAND in terms of the parser, CLI11. Functions store texts in optional values: if the parser stored into the
+// optional itself, it would take the empty text for no value. Each command stores its function when it has been parsed,
+// and main() calls the one that is stored. The global options may stand behind a command, since what a command does not
+// know falls through to the program.
 #include "tools/velmar-cfg/commands/command.h"
 
 #include <CLI/CLI.hpp>

@@ -1,4 +1,4 @@
-// Declares the command line, and mends where the parser (CLI11) does otherwise than people expect.
+// Declares the command line, and corrects the parser (CLI11) where it does not do what people expect.
 //
 // Before it is parsed, "--option=" is made two words, since the parser would take the next word for the value, and
 // words such as "-html" are refused, which it would take for -h. Both stop at "--". When parsing fails, the complaint
@@ -119,7 +119,7 @@ std::string option_in(const std::string& word)
     return word.substr(0, word.find('='));
 }
 
-// "there is no option '--jsno', did you mean '--json'?"
+// "there is no option '--jsno' (did you mean '--json'?)"
 std::string no_such_option(CLI::App* command, const std::string& word)
 {
     const std::string name = option_in(word);
@@ -305,8 +305,8 @@ void parse_command_line(CLI::App& app, int argc, const char* const* argv)
     app.parse(std::move(words));
 }
 
-// What is wrong with the values of an option, which the parser says in riddles: "--of: At Most 1 required but received
-// 2", "--of: 1 required STATE missing". Anything else as it is.
+// The parser's messages that name no option of ours, or say in riddles what is wrong with its value, as in "--of: At
+// Most 1 required but received 2" and "--of: 1 required STATE missing". Any other message stays as it is.
 std::string in_plain_words(const std::string& what)
 {
     const std::size_t colon = what.find(": ");
@@ -315,8 +315,18 @@ std::string in_plain_words(const std::string& what)
     constexpr std::string_view too_many = ": At Most 1 required";
     constexpr std::string_view too_few = ": 1 required ";
     constexpr std::string_view missing = " missing";
+    constexpr std::string_view not_in = " not in {";
+    if (what == "A subcommand is required")
+        return "name a command";
     if (rest.starts_with(too_many))
         return option + " may be given only once";
+    if (const std::size_t list = rest.find(not_in); list != std::string_view::npos && rest.ends_with('}'))
+    {
+        std::string choices;
+        for (const char c : rest.substr(list + not_in.size(), rest.size() - list - not_in.size() - 1))
+            choices += c == ',' ? std::string(", ") : std::string(1, c);
+        return option + " takes one of " + choices + ", not " + in_single_quotes(rest.substr(2, list - 2));
+    }
     if (rest.starts_with(too_few) && rest.ends_with(missing))
         return option + " needs a value: " +
                std::string(rest.substr(too_few.size(), rest.size() - too_few.size() - missing.size()));
@@ -329,10 +339,14 @@ std::string usage_complaint(CLI::App* app, const CLI::ParseError& error, int arg
     std::string what = in_plain_words(error.what());
     if (const std::vector<std::string> unknown = app->remaining(true); !unknown.empty())
     {
-        if (unknown.front().starts_with('-') && unknown.front().size() > 1)
+        if (unknown.front() == "--" || subcommand_of(command, unknown.front()) != nullptr)
+            what = "\"--\" stands before the command; put it behind, before an argument that begins with \"-\"";
+        else if (unknown.front().starts_with('-') && unknown.front().size() > 1)
             what = surplus_option(*app, command, unknown.front(), argc, argv);
         else if (command->get_require_subcommand_min() > 0)
             what = no_such_command(command, unknown.front());
+        else
+            what = "the argument " + in_single_quotes(unknown.front()) + " is one too many";
     }
     return what + "; see " + spoken_name(command) + " --help";
 }

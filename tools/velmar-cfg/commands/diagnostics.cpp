@@ -1,4 +1,4 @@
-// Each text becomes one line on standard error, written at once. That it cannot be written is not reported.
+// Each text becomes one line on standard error, written at once. A failure to write it is not reported.
 #include "tools/velmar-cfg/commands/diagnostics.h"
 
 #include <unistd.h>

@@ -82,8 +82,8 @@ std::string maker_as_text(const VARIABLE_DIFFERENCE& difference)
     if (difference.same_in_every_type)
         maker += "; reads the same in every type but text";
     if (difference.dependence == DEPENDENCE::KIND::ASKED_ONCE)
-        return maker + "; read once, while unset";
-    return difference.dependence == DEPENDENCE::KIND::PERHAPS ? maker + "; perhaps read, once, while unset" : maker;
+        return maker + "; asked for once, while unset";
+    return difference.dependence == DEPENDENCE::KIND::PERHAPS ? maker + "; perhaps asked for once, while unset" : maker;
 }
 
 const char* maker_as_text(PREFERENCE_SOURCE source)

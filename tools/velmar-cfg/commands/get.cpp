@@ -158,11 +158,11 @@ void add_get_command(COMMAND app, TOOL& tool)
     COMMAND command = app.add_command(tool, "get",
                                       "Print the value of an internal variable as a reader of the requested type "
                                       "gets it; for several, print pairs of name and value. "
-                                      "Exit code 1 when one has no usable value.",
+                                      "Exit code 1 when a variable has no usable value.",
                                       "velmar-cfg get msg_sqlite --type bool --default off\n"
-                                      "      on or off, as a program gets it that asks with the default off\n"
+                                      "      on or off: what a program gets that asks with the default off\n"
                                       "  velmar-cfg get --stdin --type int <names\n"
-                                      "      the numbers of all variables named in a file, read once",
+                                      "      the values, as numbers, of all variables that the file lists",
                                       [options, &tool] { return get(*options, tool); });
     command.add_optional_argument("NAME", options->names, "A variable, in any letter case");
     command.add_flag("--stdin", options->names_on_input,

@@ -1,5 +1,5 @@
-// velmar-cfg lint: what is ignored, or read otherwise than it looks. All files are read and, with --fix, changed before
-// the first finding is written. Findings are written as they are found, and none is kept.
+// velmar-cfg lint: what is ignored, or does not do what it seems to do. All files are read and, with --fix, changed
+// before the first finding is written. Findings are written as they are found, and none is kept.
 #include <algorithm>
 #include <functional>
 #include <iterator>
@@ -251,7 +251,7 @@ void add_lint_command(COMMAND app, TOOL& tool)
     auto options = std::make_shared<LINT_OPTIONS>();
     COMMAND command = app.add_command(
         tool, "lint",
-        "Show the lines that are ignored or do something else than they seem to, with what to write instead. Without "
+        "Show the lines that are ignored or do not do what they seem to do, with what to write instead. Without "
         "FILE, check every file that the library would read now, preferences included, and VELMAR_INI_VARS. Exit code "
         "1 when there is an error.",
         "velmar-cfg lint --strict designs/cpu/velmar.ini\n      check one file; warnings too make the exit code 1",
@@ -273,7 +273,7 @@ void add_prefs_lint_command(COMMAND prefs, TOOL& tool)
     options->of_states = false;
     COMMAND command = prefs.add_command(
         tool, "lint",
-        "Show the lines of a preference file that are ignored, that do something else than they seem to, or that the "
+        "Show the lines of a preference file that are ignored, that do not do what they seem to do, or that the "
         "next save drops, with what to write instead. Without FILE, check the file in use. Exit code 1 when there is "
         "an error.",
         "velmar-cfg prefs lint --strict\n      check your own preferences; warnings too make the exit code 1",

@@ -1,4 +1,4 @@
-// velmar-cfg paths: the search for settings as it went.
+// velmar-cfg paths: where settings were looked for, and what was found.
 #include <algorithm>
 
 #include "tools/velmar-cfg/base/errors.h"

@@ -1,4 +1,4 @@
-// Makes a change of preferences and tells what goes with it: the difference, lost lines, other values that change.
+// Makes a change of preferences and reports its effects: the difference, lost lines, other values that change.
 //
 // Secrets are hidden in all that is shown, messages of errors included: those that are to be set, and the values of
 // secret names anywhere in the file. In a difference they are hidden wherever they stand in either text, since a line

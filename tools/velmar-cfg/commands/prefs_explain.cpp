@@ -37,7 +37,7 @@ void write_lines(const PREFERENCE_EXPLANATION& explanation, OUTPUT& out)
         text.resize(width + 2, ' ');
         text += line.name + " = " + line.value;
         const std::string why = fate_as_text(line, explanation.preference);
-        out << (line.counts() ? "  counts   " : "  does not ")
+        out << (line.counts() ? "  counts   " : "  ignored  ")
             << out.painted(line.counts() ? STYLE::GOOD : STYLE::FAINT, printable(text))
             << (line.old_name ? "  (an old name)" : "") << (why.empty() ? "" : "  (" + printable(why) + ")") << "\n";
     }
@@ -97,8 +97,8 @@ void add_prefs_explain_command(COMMAND prefs, TOOL& tool)
     COMMAND command =
         prefs.add_command(tool, "explain",
                           "Show why a preference has its value: every line of the preference file that concerns it, "
-                          "for any release, under its own or an old name, which one counts, and why the others "
-                          "do not. Exit code 1 when it has no value, not even a default.",
+                          "which one counts, and why the others do not. The lines may be of any release, and have "
+                          "the preference's own or an old name. Exit code 1 when it has no value, not even a default.",
                           "velmar-cfg prefs explain HDL_PREFERENCE\n      which release's line decides, and why",
                           [options, &tool] { return explain(*options, tool); });
     command.add_argument("KEY", options->key, "The preference, in any letter case");

@@ -84,7 +84,7 @@ void refuse(const std::string& title, const std::vector<REFUSED_LINE>& refused)
     complain_of_rows(
         refused,
         [&title](const REFUSED_LINE& line) { return title + ":" + std::to_string(line.number) + ": " + line.reason; },
-        "velmar-cfg prefs lint has them");
+        "velmar-cfg prefs lint lists them all");
     throw TOOL_ERROR(EXIT_CODE::REFUSED, title + ": lines that cannot be loaded: " + std::to_string(refused.size()) +
                                              "; nothing was changed");
 }
@@ -187,7 +187,7 @@ void add_prefs_load_command(COMMAND prefs, TOOL& tool)
         tool, "load",
         "Set every preference that a preference file gives, of any machine or release, all of them or none. The file "
         "is read as the library reads its own. If it has an unknown key, or a value that the catalogue does not allow, "
-        "nothing is set. Lines without effect are shown; exit code 1 when they are more than comments.",
+        "nothing is set. Lines without effect are shown; exit code 1 when one is an error or a warning.",
         "velmar-cfg prefs load mine.ini --dry-run\n      what that would change in your own file",
         [options, &tool] { return load(*options, tool); });
     command.add_argument("FILE", options->file,

@@ -170,7 +170,7 @@ EXIT_CODE describe(const KEY_OPTIONS& options, TOOL& tool)
     tool.out << "allowed  " << allowed_as_text(preference.allowed) << "\n";
     tool.out << "section  " << preference.section << "\n";
     for (const std::string& name : old_names(preference))
-        tool.out << "once     " << name << "\n";
+        tool.out << "formerly " << name << "\n";
     if (const std::string name = cfg_get_user_ini_registry_string(number); !name.empty())
         tool.out << "registry " << name << ", in " << cfg_get_user_ini_registry_branch_string(number) << "\n";
     return EXIT_CODE::FINE;
@@ -204,10 +204,10 @@ void add_list(COMMAND prefs, TOOL& tool)
     auto options = std::make_shared<PREFS_LIST_OPTIONS>();
     COMMAND command = prefs.add_command(
         tool, "list",
-        "List preferences with value, where it comes from, default and allowed values: those whose value differs from "
-        "the default or, with PATTERN, all that match",
+        "List preferences with value, where it comes from, default and allowed values. Without PATTERN, list those "
+        "whose value differs from the default; with PATTERN, list all that match.",
         "velmar-cfg prefs list --all\n      every preference, those at their default too\n"
-        "  velmar-cfg prefs list 'proxy_*' --changed\n      of some, those that differ from the default",
+        "  velmar-cfg prefs list 'proxy_*' --changed\n      the proxy preferences that differ from their default",
         [options, &tool] { return list(*options, tool); });
     command.add_optional_argument(
         "PATTERN", options->pattern,

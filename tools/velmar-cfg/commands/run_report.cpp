@@ -1,4 +1,4 @@
-// velmar-cfg run-report: what a run depended on, and what the runs of a farm did together.
+// velmar-cfg run-report: what one run depended on, and what none of many runs read.
 #include <algorithm>
 #include <cmath>
 
@@ -277,8 +277,8 @@ void add_run_report_command(COMMAND app, TOOL& tool)
     auto options = std::make_shared<RUN_REPORT_OPTIONS>();
     COMMAND command = app.add_command(
         tool, "run-report",
-        "Show which variables a run depended on, from the report that the host wrote; or, of many runs, what none of "
-        "them read and which depended on one switch",
+        "Show which variables a run depended on, from the report that the host wrote. With --merge, show what none of "
+        "many runs read, or which of them depended on one variable.",
         "velmar-cfg run-report run.json\n      the variables that the run read, ranked\n"
         "  velmar-cfg run-report --merge nightly/*.json\n      what is set and read by no run of the night\n"
         "  velmar-cfg run-report --merge --switch max_fanout nightly/*.json\n      the runs that max_fanout mattered "

@@ -1,4 +1,4 @@
-// Tells what several run reports say of a variable.
+// Combines several run reports: which runs depended on a variable, and which variables no run read.
 //
 // dependence_on() goes through the lists of one report in turn, and the first that has the variable decides.
 // variables_that_no_run_read() walks once over all reports and puts names into three tables: left unread somewhere,

@@ -11,7 +11,8 @@
 // UTF-8. If only one side is such a report, it is compare_variables()'s A: what finds no match in B is compared again
 // with B's texts in that form.
 //
-// A difference is put down to the later one of the two layers that won: that one has changed, or has come or gone.
+// A difference is attributed to the later one of the two layers that won. That layer has changed, or one state has no
+// assignment of it.
 //
 // Cost: O(n) expected time for n variables, O(d log d) for d differences, and memory for those, one bit a variable and
 // the index. keep_what_the_run_read() searches the report for each difference: O(d r) for r rows.

@@ -1,6 +1,5 @@
 // Takes a snapshot of what holds now. Every text comes out of INPUT_FILES, so that hashes, sizes, values and
-// preferences are about the same bytes. The scope's changes, which are made only to be seen, are applied to the
-// variables alone.
+// preferences are about the same bytes. The changes of --with and --without are applied to the variables alone.
 #include "tools/velmar-cfg/documents/take_snapshot.h"
 
 #include <algorithm>

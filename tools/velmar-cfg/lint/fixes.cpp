@@ -1,8 +1,8 @@
 // Suggestions are applied in rounds, each of which examines the text that the last one made. A replacement changes only
-// the variables of its own line, whatever becomes of others in the same round. But lines that come to set the same
-// variable must agree on its spelling, or one would bring a finding to the other: where they do not, the first goes,
-// and the others wait for the next round, which suggests the spelling of the first to all of them. Lines wait behind
-// lines that wait, so that none overrides one that is still to be replaced.
+// the variables of its own line, whatever becomes of others in the same round. But replacements that set the same
+// variable must agree on its spelling, or one would cause a finding in the other. If they do not agree, only the first
+// is applied, and the others wait for the next round, which suggests the spelling of the first to all of them. A line
+// behind a line that waits also waits, so that none overrides a line that is still to be replaced.
 //
 // Before the text is handed over, every variable that no replaced line names is compared with what it was.
 //

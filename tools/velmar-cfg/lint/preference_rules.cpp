@@ -245,7 +245,7 @@ void EXAMINATION::examine_header()
     const std::string* const nearest = known_sections.nearest(section);
     add(SEVERITY::WARNING, "unknown-section",
         "no lookup searches the section " + in_single_quotes(section) + "; letter case counts",
-        nearest != nullptr ? "write '[" + *nearest + "]'" : "write the section, a blank, a release and \"_pro\"",
+        nearest != nullptr ? "write '[" + *nearest + "]'" : "write a section of the catalogue, such as " + usual_header,
         line.text.find('['));
 }
 

@@ -1,7 +1,7 @@
 // A statement is examined in two steps. The rules say what is odd about it; then, if anything is, the text that was
 // meant is made of it, and the rules examine that text in the place of the statement. A finding suggests the text only
-// if the text is free of that finding and has none that the statement had not: what a finding suggests helps, whatever
-// the other rules say of it.
+// if the text is free of that finding and has no finding that the statement did not have. So each suggestion removes
+// its finding and causes no other, whatever the other rules say of it.
 //
 // A statement without findings, as nearly all are, costs one pass of the rules. The place of its variable is not looked
 // up where it is known to be the first assignment of all to it. Findings are handed over statement by statement, so

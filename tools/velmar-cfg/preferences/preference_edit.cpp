@@ -1,5 +1,5 @@
-// Joins the plan for preferences (preference_plan.h) and the edit of a file (file_edit.h), and words the refusal of a
-// plan that loses values. The plan is made again in each attempt of the edit; the last one counts.
+// Joins the plan for preferences (preference_plan.h) and the edit of a file (file_edit.h), and makes the message when a
+// plan is refused because it loses values. The plan is made again in each attempt of the edit; the last one counts.
 #include "tools/velmar-cfg/preferences/preference_edit.h"
 
 #include <algorithm>

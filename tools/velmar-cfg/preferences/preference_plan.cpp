@@ -131,8 +131,8 @@ void reset(const std::string& path, std::string_view before, CFG_USER_INI_ENUMS 
     if (default_value.empty())
         throw TOOL_ERROR(EXIT_CODE::NOT_WRITTEN, culprit(path, before, left_out.origin.section) + " gives " +
                                                      key_of(number) + " the value '" + left_out.value +
-                                                     "', and its default is no text that could override it; "
-                                                     "remove the value there");
+                                                     "', which its empty default cannot override; remove the value "
+                                                     "there");
     records.assign(number, default_value);
 }
 

@@ -446,7 +446,7 @@ std::string loss_as_text(const LOST_LINE& line)
                (line.section_in_its_place.empty()
                     ? std::string(" sets this key of this section already")
                     : ", in [" + line.section_in_its_place +
-                          "], has this section and this key, written as one word, already") +
+                          "], sets the same preference, since the store joins section and key to one name") +
                ": the first one counts, and a save drops this one";
     case LOSS::EMPTY_VALUE:
         return "an empty value counts as none, and a save drops the line";

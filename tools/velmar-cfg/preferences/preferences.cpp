@@ -1,6 +1,6 @@
 // A model of the preference store: what a load keeps of a file, and what lookups then answer.
 //
-// The load goes by the library's rule for lines. Records are kept by section and key run together, as in the store, and
+// The load uses the library's rule for lines. Records are kept by section and key joined, as in the store, and
 // the first line of such a name counts. The names of all sections are kept too. A lookup asks in this order:
 //
 // 1. The record in the running release's section. An empty value there ends the search in the file.
@@ -281,9 +281,9 @@ CFG_USER_INI_ENUMS preference_number(const std::string& key)
     const std::string current = cfg_convert_from_old_to_new(key);
     if (current != key)
         throw TOOL_ERROR(EXIT_CODE::REFUSED, "'" + key + "' is an old name; the preference is called " + current);
-    const std::string suggestion = did_you_mean(key, all_preference_keys());
-    throw TOOL_ERROR(EXIT_CODE::REFUSED, "there is no preference '" + key + "'" + suggestion +
-                                             (suggestion.empty() ? "; see" : " See") + " velmar-cfg prefs list --all");
+    throw TOOL_ERROR(EXIT_CODE::REFUSED, "there is no preference '" + key + "'" +
+                                             did_you_mean(key, all_preference_keys()) +
+                                             "; see velmar-cfg prefs list --all");
 }
 
 void write_preference_fields(JSON_WRITER& out, const PREFERENCE& preference)

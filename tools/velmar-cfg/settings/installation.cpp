@@ -1,5 +1,5 @@
-// Defines the path services of this program in the place of the default ones, which answer where no installation is
-// set. The installation is one for the whole process, without a lock.
+// Defines the path services of this program instead of the default ones. If no installation is set, they call the
+// default ones. The whole process has one installation, which no lock protects.
 #include "tools/velmar-cfg/settings/installation.h"
 
 #include <string_view>

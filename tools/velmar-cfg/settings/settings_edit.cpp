@@ -1,3 +1,5 @@
+// Works out the new text of a settings file when a variable is set or unset in it.
+//
 // The text is walked once, line by line, and each line is parsed by the library's rule. What is written is parsed by it
 // too before it is accepted, so that nothing here has to know what begins a comment or ends a name.
 //

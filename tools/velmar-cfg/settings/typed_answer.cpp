@@ -32,6 +32,13 @@ std::string why_not_usable(const TYPED_ANSWER& answer)
                ? "'" + answer.name + "' is set to the empty text" + at
                : "'" + answer.name + "' is " + in_single_quotes(answer.text) + at + ": " + what_is_wanted(answer.type);
 }
+
+// Whether a number stands at the start of the text. If not, a floating-point reader reads the text as 0.
+bool begins_with_number(std::string_view text, double read)
+{
+    const std::size_t first = text.find_first_not_of(" \t\n\v\f\r+-.");
+    return read != 0 || (first != std::string_view::npos && text[first] >= '0' && text[first] <= '9');
+}
 }
 
 TYPED_ANSWER answer_typed(const SETTINGS& settings, const std::string& name, READER_TYPE type,
@@ -54,7 +61,10 @@ TYPED_ANSWER answer_typed(const SETTINGS& settings, const std::string& name, REA
     answer.usable = shown.has_value();
     if (answer.usable && type == READER_TYPE::DOUBLE && !readings.floating_is_whole)
         answer.remark =
-            "'" + name + "' is " + in_single_quotes(answer.text) + ": only the number at its start is read, " + *shown;
+            "'" + name + "' is " + in_single_quotes(answer.text) +
+            (begins_with_number(answer.text, *readings.floating) ? ": only the number at its start is read, "
+                                                                 : ": it begins with no number, and is read as ") +
+            *shown;
     else if (!answer.usable && fallback)
         answer.value = *fallback;
     else if (!answer.usable)

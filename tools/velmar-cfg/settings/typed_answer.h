@@ -50,7 +50,7 @@ TYPED_ANSWER answer_typed(const SETTINGS& settings, const std::string& name, REA
 std::vector<std::string> names_that_may_be_meant(const SETTINGS& settings, const std::string& name,
                                                  const std::vector<std::string>& other_names);
 
-// ", did you mean 'NEAREST'?", among these names of all layers; or nothing.
+// " (did you mean 'NEAREST'?)", among these names of all layers; or nothing.
 std::string similar_variable(const SETTINGS& settings, const std::string& name,
                              const std::vector<std::string>& other_names);
 

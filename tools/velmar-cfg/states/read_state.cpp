@@ -1,4 +1,4 @@
-// Reads a state by the kind of its name. What is here is read as it is, a project likewise with its own directory. A
+// Reads a state by the kind of its name. The present state and that of a project are read as they are. A
 // process and an executable are read while their perspective is in effect, with files of their own: the same path may
 // lead to another file there. A document is read by document_state.cpp.
 #include "tools/velmar-cfg/states/read_state.h"

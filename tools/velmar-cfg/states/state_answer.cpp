@@ -1,3 +1,6 @@
+// Answers a typed question from a state, as get does. The answer is that of the state's settings (typed_answer.h), but
+// for two cases: the text is masked in a document, or a document does not tell whether the variable was set or which
+// value it had. Then there is no value, and the remark says why.
 #include "tools/velmar-cfg/states/state_answer.h"
 
 #include "tools/velmar-cfg/base/hidden_text.h"

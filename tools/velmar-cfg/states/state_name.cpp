@@ -1,4 +1,4 @@
-// A state's kind is told by the beginning of its name; of a path, by whether a directory is there.
+// The beginning of a state's name determines its kind. For a path, it depends on whether a directory is there.
 #include "tools/velmar-cfg/states/state_name.h"
 
 #include <charconv>

@@ -1,4 +1,5 @@
-// velmar-cfg explain: why a variable has its value.
+// velmar-cfg explain: why a variable has its value: every assignment to it, which one counts, and how each type of
+// reader reads it. lint/explanation.h makes the explanation; this file writes it.
 #include <algorithm>
 #include <cstdint>
 

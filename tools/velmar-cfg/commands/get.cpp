@@ -1,4 +1,7 @@
 // velmar-cfg get: values of variables as one type reads them.
+//
+// For one name, only the assignments to this name are stored while the settings are read, and its value is written
+// alone. For several, the settings are read once, and pairs of name and value are written.
 #include "tools/velmar-cfg/base/errors.h"
 #include "tools/velmar-cfg/base/hidden_text.h"
 #include "tools/velmar-cfg/base/input_file.h"

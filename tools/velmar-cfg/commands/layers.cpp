@@ -1,4 +1,9 @@
 // velmar-cfg layers: the sources of the settings in the order in which they apply, each with its lines.
+//
+// The lines come one by one from the layers, each with its effect: it counts, it is ignored, or a later line overrides
+// it (states/layer_lines.h). Headings are written as the lines reach their layer. Consecutive layers of one source,
+// such as two parts of a file, have one heading. Variables that a document knows to be set, without a value, follow at
+// the end.
 #include <algorithm>
 
 #include "tools/velmar-cfg/base/errors.h"

@@ -1,4 +1,9 @@
 // velmar-cfg run-report: what one run depended on, and what none of many runs read.
+//
+// One report is shown in parts: the circumstances of the run, the sources that had changed when it ended, and the
+// variables that it read, most often read first, and those that it did not read. Of several reports, only
+// what they say together is shown, as documents/run_reports.h works it out; a report that cannot be read is reported
+// and left out.
 #include <algorithm>
 #include <cmath>
 

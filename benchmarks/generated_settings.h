@@ -32,7 +32,7 @@ struct GENERATED_SETTINGS
     std::size_t lines = 0; // without the section head
 };
 
-// The name that every one of the texts below gives the value "1", which reads as every type.
+// In every text below, this name has the value "1", which is a value of every type.
 inline constexpr const char* hot_name = "router_max_fanout_goal";
 
 // So many lines, comments included.
@@ -44,8 +44,8 @@ GENERATED_SETTINGS generate_variables(std::size_t variables);
 // `count` names, unlike each other and unlike every generated one.
 std::vector<std::string> generate_unknown_names(std::size_t count);
 
-// `count` names out of those whose value stands alone and is of this kind, in random order. Words that not every store
-// takes for booleans ("on" and "off") are passed over.
+// `count` names of variables of this kind, in random order. Leaves out lines with a trailing comment, and the booleans
+// "on" and "off", which not every store knows.
 std::vector<std::string> shuffled_names(const GENERATED_SETTINGS& settings, VALUE_KIND kind, std::size_t count);
 
 // The names of all variables in random order.

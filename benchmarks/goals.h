@@ -11,12 +11,12 @@
 struct VERDICT
 {
     std::string goal;               // such as "set an existing variable / lock"
-    double limit;                   // the most that meets it
+    double limit;                   // the highest value that meets it
     std::string unit;               // "x" for ratios, "ns"; that of the figure
-    std::optional<double> measured; // of medians; nothing when a row that it takes did not run
-    std::optional<double> least;    // of the least times, which other programs disturb less
+    std::optional<double> measured; // from medians; empty if a row that it needs did not run
+    std::optional<double> least;    // from the shortest times, which other programs disturb less
 
-    bool other_form_met = false; // the goal has two forms, of which one is enough, and the other one is met
+    bool other_form_met = false; // the goal has two forms, either one is enough, and the other one is met
 
     bool met() const
     {

@@ -1,5 +1,5 @@
-// The internal variable store written out plainly: the same table, the same hash, the same single lock and the same
-// text rules, by the shortest standard means. What the library's own ways are worth is measured against it.
+// The internal variable store, implemented plainly: the same table, the same hash, the same single lock and the same
+// text rules, with the simplest standard means. The comparison shows what the library's own algorithms gain.
 #ifndef BENCHMARKS_PLAIN_STORE_H
 #define BENCHMARKS_PLAIN_STORE_H
 

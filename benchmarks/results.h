@@ -17,7 +17,7 @@ struct MEASUREMENT
     double least() const;
 };
 
-// All that did the same work.
+// All measurements of the same work.
 struct WORK
 {
     std::string title;
@@ -25,7 +25,7 @@ struct WORK
 
     const MEASUREMENT* of(const std::string& who) const; // null when there is none
 
-    // Of those that are neither this library nor its plain version; null when there is none.
+    // The fastest that is neither this library nor its plain version; null if there is none.
     const MEASUREMENT* fastest_peer() const;
 };
 

@@ -128,7 +128,7 @@ benchmark::internal::Benchmark* add_row(const std::string& work, const std::stri
     return benchmark::RegisterBenchmark(row_name(added_rows().back()).c_str(), function, arguments...);
 }
 
-// Each adds the rows of one kind; `long_files` with those of the longest file.
+// Each adds the rows of one kind. If `long_files`, these include the rows of the longest file.
 void add_rows_of_this_library(bool long_files);
 void add_rows_of_preferences();
 void add_rows_of_plain_store(bool long_files);

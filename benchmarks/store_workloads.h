@@ -1,9 +1,9 @@
-// The workloads that several stores go through, written once: what is timed is the same loop around each store's own
-// calls.
+// The workloads of several stores, written once: the same loop is timed around each store's own calls.
 //
 // A STORE is a struct of static functions: load(path) into an empty store, clear(), and any of read_bool, read_int,
-// read_text, read_double (each takes a std::string or characters), set(name, value), report(). Rows are added for what
-// a store has. Reading again is clear and load, but where a store has reread(path).
+// read_text, read_double (each takes a std::string or characters), set(name, value), report(). A store gets the rows
+// for the functions that it has. To read a file again, reread(path) is called, or clear and load if a store does not
+// have it.
 #ifndef BENCHMARKS_STORE_WORKLOADS_H
 #define BENCHMARKS_STORE_WORKLOADS_H
 
@@ -27,7 +27,7 @@ inline const char* characters(const std::string& name)
     return name.c_str();
 }
 
-// --- What a store holds at the moment: rows of one store follow each other in any order ---
+// --- The file that a store holds at the moment: the rows of a store run in any order ---
 
 template <typename STORE>
 const SETTINGS_FILE*& held()
@@ -139,7 +139,7 @@ void shuffled_lookup(benchmark::State& state)
     }
 }
 
-// More names than any small memory of names holds.
+// Looks up more names than a small cache of names holds.
 template <typename STORE>
 void lookup_of_all(benchmark::State& state)
 {
@@ -155,7 +155,7 @@ void lookup_of_all(benchmark::State& state)
     }
 }
 
-// Of a name that no line gives a value; not the first lookup of that name.
+// Looks up, again and again, a name to which no line gives a value.
 template <typename STORE>
 void repeated_miss(benchmark::State& state)
 {
@@ -226,7 +226,7 @@ void add_lookup_rows(const std::string& who)
     }
 }
 
-// Only for stores that answer the same for any text: others would spend their time on what is no boolean.
+// Only for stores whose lookups do the same for any text: others would spend their time on texts that are no booleans.
 template <typename STORE>
 void add_row_of_all_names(const std::string& who)
 {
@@ -241,7 +241,7 @@ void add_two_thread_rows(const std::string& who)
     add_row(work_two_threads_other_names, who, shuffled_lookup<STORE, AS_BOOL, std::string>)->Threads(2)->UseRealTime();
 }
 
-// The longest file is read again only by stores with a way of their own for that: it takes seconds.
+// The longest file is read again only by stores that have reread(), since it takes seconds.
 template <typename STORE>
 void add_file_rows(const std::string& who, bool long_files)
 {

@@ -75,7 +75,7 @@
 // is older than a change becomes valid after it.
 namespace CFG_CACHED_VALUE_DETAIL
 {
-// The store's reader for each type.
+// Each function calls the store's reader for its type.
 inline bool ask_store(const char* name, bool default_value)
 {
     return cfg_is_on(name, default_value);

@@ -6,8 +6,8 @@
 // set: the latter if it has a text, or if some source assigns to it. Otherwise its row is among those read, or among
 // the external ones that were never read.
 //
-// Rows are JSON objects that are written one a line. A text that is no UTF-8 is found by writing it, which fails, and
-// becomes an object with its bytes as hexadecimal digits.
+// Rows are JSON objects, each on one line. If writing a text fails because it is not valid UTF-8, the text becomes an
+// object with its bytes as hexadecimal digits.
 //
 // Nothing is kept between two reports but what run_usage.cpp keeps. Cost for n variables and their assignments: O(n log
 // n) time. All rows and the text are in memory at once.
@@ -45,7 +45,7 @@ std::string as_hexadecimal(std::string_view bytes)
     return digits;
 }
 
-// The text, or its bytes where it is no UTF-8.
+// The text, or its bytes if it is not valid UTF-8.
 ordered_json text_or_bytes(const std::string& text)
 {
     ordered_json json(text);
@@ -101,7 +101,7 @@ ordered_json outcome_of(const CFG_RUN_REPORT_OPTIONS& options)
     return nullptr;
 }
 
-// An object, one member a line; a list in it, one row a line.
+// Writes an object with one member per line; a list in it has one row per line.
 class DOCUMENT
 {
 public:

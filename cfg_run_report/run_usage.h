@@ -11,7 +11,7 @@ struct VARIABLE_USAGE
 {
     std::string name;
     std::uint64_t count;
-    std::optional<std::string> value; // none when the reports do not tell it
+    std::optional<std::string> value; // empty if the reports leave it out
     bool external;
     bool used;
 };

@@ -57,7 +57,7 @@ bool read_all(int descriptor, std::string& bytes)
 
 SOURCE_STATE read_file(const CFG_SETTINGS_SOURCE& source, std::string& bytes)
 {
-    // A relative path would be looked for in a directory that is not the one of then.
+    // The current directory may have changed, so a relative path could now lead to another file.
     if (!S_ISREG(source.mode) || source.path.front() != '/')
         return S_ISDIR(source.mode)
                    ? SOURCE_STATE::DIRECTORY
@@ -67,7 +67,7 @@ SOURCE_STATE read_file(const CFG_SETTINGS_SOURCE& source, std::string& bytes)
         return state_of_failure();
     if (!is_as_applied(source, now))
         return SOURCE_STATE::CHANGED;
-    // Without waiting, should a pipe have taken its place by now.
+    // Does not wait if a pipe has taken the file's place meanwhile.
     const DESCRIPTOR file(::open(source.path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
     if (file.number < 0)
         return state_of_failure();
@@ -75,7 +75,7 @@ SOURCE_STATE read_file(const CFG_SETTINGS_SOURCE& source, std::string& bytes)
         return SOURCE_STATE::CHANGED;
     if (!read_all(file.number, bytes))
         return SOURCE_STATE::UNREADABLE;
-    // Not if it was changed while it was read.
+    // A file that was changed while it was read does not count as the same.
     return ::fstat(file.number, &now) == 0 && is_as_applied(source, now) && bytes.size() == source.size
                ? SOURCE_STATE::SAME
                : SOURCE_STATE::CHANGED;

@@ -20,14 +20,14 @@ enum class SOURCE_STATE
 // "same", "changed", ...: as the report says it.
 const char* source_state_name(SOURCE_STATE state);
 
-// Whether it is known what the source assigned: all of its lines, or that it had none.
+// Whether all assignments of the source are known: its lines could be read again, or it has none (a directory).
 inline bool is_known(SOURCE_STATE state)
 {
     return state == SOURCE_STATE::SAME || state == SOURCE_STATE::DIRECTORY;
 }
 
-// The state of the source now. For SAME, `bytes` become what was applied. Never waits for a writer: what is no regular
-// file, or was none, is not opened.
+// The state of the source now. For SAME, `bytes` become what was applied. Opens a file only if it is a regular one and
+// was so when it was applied; so it never waits for a writer.
 SOURCE_STATE read_source(const CFG_SETTINGS_SOURCE& source, std::string& bytes);
 
 #endif

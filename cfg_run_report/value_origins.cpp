@@ -5,11 +5,11 @@
 // is none, the program is. Neither is certain if a source that could not be read, or one that is missing from the list,
 // may have been applied later: then the origin is unknown, and all possible origins are listed.
 //
-// Whether one source came before another is told by its end and the other's beginning alone, which the store counts.
-// Nothing is read after construction.
+// Only the end of one source and the beginning of the other, which the store counts, decide whether one came before the
+// other. Nothing is read after construction.
 //
-// Cost of a question: O((k + s) s) time for k assignments to the variable and s sources. The cost of construction is
-// said in the header.
+// Cost of a question: O((k + s) s) time for k assignments to the variable and s sources. The header states the cost of
+// construction.
 #include "cfg_run_report/value_origins.h"
 
 #include <algorithm>
@@ -66,14 +66,14 @@ const VALUE_ORIGINS::ASSIGNMENTS& VALUE_ORIGINS::assignments_to(const std::strin
     return found == by_name.end() ? none : found->second;
 }
 
-// Whether the other source overrides all of the source.
+// Whether the other source overrides everything that the source assigned.
 bool VALUE_ORIGINS::is_before(std::size_t source, std::size_t other) const
 {
     const std::uint64_t end = list.applied[source].end;
     return end != 0 && end < list.applied[other].beginning;
 }
 
-// The last assignment of each source that no other one of these overrides.
+// The last assignment of each source, without those that another source overrides.
 std::vector<const VALUE_ORIGINS::ASSIGNED*> VALUE_ORIGINS::not_overridden(const ASSIGNMENTS& all) const
 {
     std::vector<const ASSIGNED*> kept;
@@ -89,14 +89,14 @@ std::vector<const VALUE_ORIGINS::ASSIGNED*> VALUE_ORIGINS::not_overridden(const 
     return kept;
 }
 
-// The sources that may have assigned unseen, and are not all overridden by one of these assignments.
+// The sources whose assignments are not known, and which none of these assignments overrides.
 std::vector<ORIGIN_PLACE> VALUE_ORIGINS::unread_sources_behind(const std::vector<const ASSIGNED*>& assigned,
                                                                bool external) const
 {
     std::vector<ORIGIN_PLACE> unread;
     for (std::size_t source = 0; source < states.size(); ++source)
     {
-        // The mark is never taken away: a source that sets it has not assigned to what lacks it.
+        // The external mark is never cleared: a source that sets it has not assigned to a variable without it.
         if (is_known(states[source]) || (list.applied[source].external && !external))
             continue;
         if (std::none_of(assigned.begin(), assigned.end(),
@@ -106,7 +106,7 @@ std::vector<ORIGIN_PLACE> VALUE_ORIGINS::unread_sources_behind(const std::vector
     return unread;
 }
 
-// Whether what is missing in the list is overridden by one of these assignments.
+// Whether one of these assignments overrides everything that is missing from the list.
 bool VALUE_ORIGINS::lost_ones_are_before(const std::vector<const ASSIGNED*>& assigned) const
 {
     return list.lost_until == 0 || std::any_of(assigned.begin(), assigned.end(),
@@ -126,7 +126,7 @@ VALUE_ORIGIN VALUE_ORIGINS::origin_of(const std::string& name, const std::option
     {
         const std::vector<const ASSIGNED*> possible = last;
         std::erase_if(last, [&value](const ASSIGNED* assigned) { return assigned->value != *value; });
-        // A value that one of them gave came from there; any other came after all of them.
+        // If one of them assigned the value, it came from there. Any other value came after all of them.
         origin.perhaps = unread_sources_behind(last.empty() ? possible : last, external);
         if (last.size() > 1 || !origin.perhaps.empty() || !lost_ones_are_before(last.empty() ? possible : last))
         {

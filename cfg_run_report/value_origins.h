@@ -1,15 +1,15 @@
-// Where the values of variables came from, worked out from the sources that were applied.
+// Works out where the values of variables came from, from the sources that were applied.
 //
-// The sources are taken apart by the library's own rules. Of all assignments to a variable the one that won is the last
-// one; if its value is the variable's, the value came from there, otherwise from the program. That holds as long as all
-// is known that may have been assigned:
-//   - A source overrides those that ended before it began. Of sources that overlap, each may have had the last word: if
-//     several of them gave the value, it is not known which.
+// The sources are parsed by the library's own rules. Of all assignments to a variable, the last one won. If it assigned
+// the variable's value, the value came from there, otherwise from the program. That holds as long as everything is
+// known that may have been assigned:
+//   - A source overrides those that ended before it began. Of sources that overlap, any may have been the last. If
+//     several of them assigned the value, it is not known which one won.
 //   - A source that cannot be read again may have assigned anything, unless another one that assigned to the variable
-//     came later. It is left out if it marks variables as external and the variable is not.
-// What follows from none of this is unknown: nothing is guessed.
+//     came later. It does not count if it marks variables as external and the variable is not external.
+// Any origin that does not follow from this is unknown: nothing is guessed.
 //
-// Cost: each source is read once; per assignment an entry in a hash table, with a copy of its value.
+// Cost: each source is read once. Each assignment takes an entry in a hash table, with a copy of its value.
 #ifndef CFG_RUN_REPORT_VALUE_ORIGINS_H
 #define CFG_RUN_REPORT_VALUE_ORIGINS_H
 
@@ -81,7 +81,7 @@ public:
         return by_name.find(name) != by_name.end();
     }
 
-    // Where the variable's value came from. No value stands for one that is not known.
+    // Where the variable's value came from. Without `value`, the value is not known.
     VALUE_ORIGIN origin_of(const std::string& name, const std::optional<std::string>& value, bool external) const;
 
 private:

@@ -63,12 +63,12 @@ void take_over(int file, const struct stat& existing, mode_t rights)
         fail();
     const bool same = existing.st_uid == own.st_uid && existing.st_gid == own.st_gid;
     [[maybe_unused]] const bool kept = same || fchown(file, existing.st_uid, existing.st_gid) == 0;
-    // Behind the owner, a change of whom takes mode bits away.
+    // After the owner, because a change of the owner clears bits of the mode.
     if (fchmod(file, existing.st_mode & rights) != 0)
         fail();
 }
 
-// A report that a power cut takes away is no failure.
+// Ignores failures: they matter only if there is a power cut.
 void synchronise_directory(const std::string& path)
 {
     const int directory = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -79,7 +79,7 @@ void synchronise_directory(const std::string& path)
 }
 }
 
-// An open file, closed at the latest by the destructor; one that is made for another's place goes with it.
+// An open file. The destructor closes it, and removes a new file that was not put in place.
 class WHOLE_FILE_WRITER::OPEN_FILE
 {
 public:
@@ -97,7 +97,7 @@ public:
 
     explicit OPEN_FILE(BESIDE place)
     {
-        // A name may be taken by what a killed process of the same number left behind.
+        // A killed process that had the same number may have left a file with this name behind.
         constexpr int tries = 100;
         for (int i = 0; i < tries && descriptor < 0; ++i)
         {

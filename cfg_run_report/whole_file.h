@@ -9,13 +9,13 @@
 // Who may read a file that is written.
 enum class FILE_READERS
 {
-    AS_USUAL, // whoever may read the file that is replaced; where there is none, whoever the umask lets
-    OWNER,    // nobody else, also where others may read the file that is replaced
+    AS_USUAL, // whoever may read the file that is replaced; if there is none, the umask decides
+    OWNER,    // only the owner, even if others may read the file that is replaced
 };
 
-// Writes a file in pieces beside the one that it is to replace, with that one's mode from the beginning, and its owner
-// if possible. If it is not put in place, it is removed. A link to a file stays a link. What is no file (a device, a
-// pipe) is written to as it is.
+// Writes a file in pieces, beside the one that it is to replace. The new file has the mode of the old one from the
+// beginning, and its owner if possible. It is removed unless it is put in place. A link to a file stays a link. A
+// device or a pipe is written to directly.
 class WHOLE_FILE_WRITER
 {
 public:

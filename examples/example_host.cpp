@@ -19,7 +19,7 @@ namespace
 // For a question in a hot loop: asks the store once, and again only after a change.
 const CFG_CACHED_VALUE<bool> trace_routes("trace_routes", false);
 
-// Keeps what a router would derive from "route_effort", and notes every change that it is told of.
+// Keeps what a router would derive from "route_effort", and records every change that it is notified of.
 class ROUTER : public CFG_INI_CALLBACK
 {
 public:
@@ -94,7 +94,7 @@ void ask_for_variables()
 void set_variables(const ROUTER& router)
 {
     cfg_set_int_value("route_effort", 7);
-    cfg_set_on("ROUTE_EFFORT"); // the same variable, but the router hears only of its own spelling
+    cfg_set_on("ROUTE_EFFORT"); // the same variable, but the router is notified only of its own spelling
     cfg_set_int_value("route_effort", 6);
     cfg_set_off(CFG_INI_VAR_MSG_SQLITE);
 
@@ -167,7 +167,7 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "usage: %s [--regtest] [--run-report FILE] PROJECT_DIRECTORY\n", argv[0]);
         return 2;
     }
-    ROUTER router; // before the settings are read, so that it is told of them
+    ROUTER router; // before the settings are read, so that it is notified of them
     cfg_read_project_ini_file(arguments->project, arguments->regtest);
     print_settings_files();
     ask_for_variables();

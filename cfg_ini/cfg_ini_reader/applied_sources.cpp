@@ -30,7 +30,7 @@ bool is_text(const CFG_SETTINGS_SOURCE& source)
     return is_program_text(source) || source.role == CFG_SETTINGS_ROLE::INLINE_TEXT;
 }
 
-// Whether both say the same when they are applied.
+// Whether both are the same unchanged file or the same text, applied in the same role.
 bool same_source(const CFG_SETTINGS_SOURCE& a, const CFG_SETTINGS_SOURCE& b)
 {
     return a.inode == b.inode && a.size == b.size && a.modified_nanoseconds == b.modified_nanoseconds &&
@@ -75,7 +75,7 @@ void APPLIED_SOURCES::begin(const CFG_SETTINGS_SOURCE& source) noexcept
     for (POSITION equal = sources.end(); equal != sources.begin();)
     {
         --equal;
-        // One that is still being applied, by a thread or by what called a callback, has its own end to come.
+        // Skips an entry whose application has not ended: another thread, or the caller of this callback, will end it.
         if (equal->end == 0 || !same_source(*equal, source))
             continue;
         equal->beginning = source.beginning;
@@ -108,7 +108,7 @@ void APPLIED_SOURCES::insert(const CFG_SETTINGS_SOURCE& source) noexcept
     try
     {
         if (source.path.empty() && !is_text(source))
-            throw std::bad_alloc(); // there was no memory for it
+            throw std::bad_alloc(); // describe_file had no memory for the path
         POSITION later = sources.end();
         while (later != sources.begin() && std::prev(later)->beginning > source.beginning)
             --later;
@@ -146,7 +146,7 @@ void APPLIED_SOURCES::erase(POSITION source)
 
 void APPLIED_SOURCES::count_as_lost(const CFG_SETTINGS_SOURCE& source)
 {
-    // One that is being applied counts again when it ends.
+    // A source that is still being applied has no end yet; end() then lists it again or counts it again.
     if (!is_program_text(source))
         lost = std::max({lost, source.beginning, source.end});
 }

@@ -1,15 +1,17 @@
-// The sources that were applied to a store: the list that cfg_get_settings_sources hands out.
+// The sources that were applied to a store: the list that cfg_get_settings_sources returns.
 //
-// An application is noted when it begins and when it ends. What matters of sources that are equal is the last
-// application: it overrides all that they assigned before. So an equal entry moves to the end instead of being
-// repeated, and applying the same sources again and again takes no memory. Different ones are limited in number and
-// size. The oldest go first. Of files `lost_until` tells that some went; a text of the program may go untold, because
-// its values then count as the program's, which they are.
+// An entry is made when the application of a source begins, and completed when it ends. If an equal source is applied
+// again, its entry moves to the end of the list: only the last application matters, since it overrides all that the
+// earlier ones assigned. So applying the same sources again and again takes no more memory.
 //
-// Noting never fails a load. An entry for which there is no memory counts as lost.
+// The list is limited in the number and size of different sources, and drops the oldest ones. `lost_until` tells that
+// files or VELMAR_INI_VARS are missing. It does not tell that texts of the program are: without an entry, their values
+// count as the program's, which they are.
 //
-// The list is a linked one: an entry moves or goes without the others being touched. Each note searches it from its
-// end, at most some 300 entries.
+// Recording never fails a load. If there is no memory for an entry, the source counts as lost.
+//
+// The list is a linked list, so an entry moves or goes without touching the others. Each change searches it from its
+// end, over some 300 entries at most.
 #ifndef CFG_INI_CFG_INI_READER_APPLIED_SOURCES_H
 #define CFG_INI_CFG_INI_READER_APPLIED_SOURCES_H
 
@@ -24,24 +26,24 @@
 
 namespace zon_cfg
 {
-// Enters what identifies the file that was opened under `path`. Takes no lock. Without memory for the path, the source
-// has none and cannot be listed.
+// Enters what identifies the file that was opened under `path`. Takes no lock. If there is no memory for the path, the
+// path stays empty, and the source cannot be listed.
 void describe_file(CFG_SETTINGS_SOURCE& source, const std::string& path, const struct stat& status) noexcept;
 
-// The next moment in the count of beginnings and ends.
+// The next number in the count of beginnings and ends.
 std::uint64_t next_moment() ZON_LOCK_HELD;
 
 class APPLIED_SOURCES
 {
 public:
-    // Lists the source, whose beginning is set and is later than all of the list.
+    // Lists the source. Its beginning must be set, to a later moment than any in the list.
     void begin(const CFG_SETTINGS_SOURCE& source) noexcept;
 
-    // Enters end and wholeness of the source, which are set. It is listed once more if it is not there: another thread
-    // may have emptied the store while the source was being applied, and what came later then went into this one.
+    // Records the end of the source, whose `end` and `whole` are set. Lists the source once more if it is not in the
+    // list: another thread may have emptied the store meanwhile, and the rest of the source then went into this one.
     void end(const CFG_SETTINGS_SOURCE& source) noexcept;
 
-    // By their beginnings.
+    // The sources in the order of their beginnings.
     const std::list<CFG_SETTINGS_SOURCE>& in_order() const
     {
         return sources;

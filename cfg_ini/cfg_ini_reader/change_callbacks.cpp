@@ -1,14 +1,14 @@
 // Registers the host's callback objects by name, and notifies them.
 //
 // The registry is a map from a name, spelt exactly, to a list of objects in the order of their construction. Entries
-// are never erased: an unregistered name keeps an empty list, so that a walk over the map meets no hole.
+// are never erased: a name whose objects are all gone keeps an empty list.
 //
 // Most variables that are stored have no callback. A Bloom filter of 64 bits over the registered names, one bit for
-// each, answers for most of them without a search of the map: a clear bit means that the name has no callback. It may
-// answer "perhaps" for names without one, never "no" for a name with one.
+// each, spares most searches of the map: a clear bit means that the name has no callback. The filter may answer
+// "perhaps" for a name without one, but never "no" for a name with one.
 //
-// A walk counts itself in notifications_under_way and takes itself out again only when it ends without an exception. By
-// this difference NOTIFYING_STORE_LOCK knows that a callback threw, and keeps the lock.
+// A notification of a list counts itself in notifications_under_way, and subtracts itself only if it ends without an
+// exception. From the difference, NOTIFYING_STORE_LOCK knows that a callback threw, and keeps the lock.
 #include "cfg_ini/cfg_ini_reader/change_callbacks.h"
 
 #include <atomic>
@@ -23,7 +23,7 @@ constinit std::uint64_t watched_names = 0;
 
 namespace
 {
-// Holds while the registry's structure changes. Read in the child of a fork, which copies memory between any two
+// True while the registry's structure changes. For the child of a fork, which may copy the memory between any two
 // instructions of another thread.
 constinit std::atomic<bool> registry_is_changing = false;
 

@@ -1,4 +1,4 @@
-// The registry of CFG_INI_CALLBACK objects and the two walks that notify them.
+// The registry of CFG_INI_CALLBACK objects, and the two functions that notify them.
 #ifndef CFG_INI_CFG_INI_READER_CHANGE_CALLBACKS_H
 #define CFG_INI_CFG_INI_READER_CHANGE_CALLBACKS_H
 
@@ -15,7 +15,7 @@
 
 namespace zon_cfg
 {
-// The standard hash and equality of strings, for texts that are no strings as well.
+// The standard hash of a string, also for other texts: a search of the registry builds no string.
 struct EXACT_NAME_HASH
 {
     using is_transparent = void;
@@ -31,14 +31,14 @@ using CFG_INI_CALLBACK_REGISTRY =
 
 }
 
-// Variable name, spelt exactly, to its callbacks in registration order. Null until the first is constructed, never
-// freed (it outlives every store and static object).
+// Maps a variable name, spelt exactly, to its callbacks in the order of registration. Null until the first callback is
+// constructed. Never freed, so that it outlives every store and static object.
 extern constinit zon_cfg::CFG_INI_CALLBACK_REGISTRY* s_ini_callbacks ZON_GUARDED;
 
 namespace zon_cfg
 {
-// A Bloom filter of one hash over the names in the registry: most names that are stored have no callback, and so need
-// not be looked for. Bits are never cleared.
+// A Bloom filter, with one hash, over the names in the registry. Most names that are stored have no callback, and the
+// filter spares the search for them. No bit is cleared as long as the registry lives.
 extern constinit std::uint64_t watched_names ZON_GUARDED;
 
 // 0 to 63, from the length and the last character.
@@ -48,7 +48,7 @@ inline unsigned int bloom_bit_of(std::string_view name)
     return static_cast<unsigned int>(5 * name.size() + last) % 64;
 }
 
-// Both require a NOTIFYING_STORE_LOCK.
+// refresh_callbacks and reset_callbacks require a NOTIFYING_STORE_LOCK.
 
 // Calls refresh() of the callbacks of exactly this name, in registration order.
 void refresh_callbacks_in_registry(std::string_view name) ZON_LOCK_HELD;
@@ -58,7 +58,8 @@ inline void refresh_callbacks(std::string_view name) ZON_LOCK_HELD
         refresh_callbacks_in_registry(name);
 }
 
-// Calls reset_to_default() of every callback; the names in no fixed order, those of one name in registration order.
+// Calls reset_to_default() of every callback. The names are in no fixed order; the callbacks of one name are in the
+// order of registration.
 void reset_callbacks() ZON_LOCK_HELD;
 
 // In the child of a fork that interrupted another thread while it changed the registry: starts an empty one. The

@@ -1,14 +1,14 @@
-// Blocks of sixteen characters that are loaded, compared and hashed as a whole: everything that depends on the
-// processor's registers, and nothing of what the blocks are used for.
+// Blocks of sixteen characters that are loaded, compared and hashed as a whole. This file has everything that depends
+// on the processor's registers, and nothing of what the blocks are used for.
 //
-// There are three types of block with the same operations: SSE2_BLOCK and NEON_BLOCK, the vector registers of x86-64
-// and of little-endian aarch64, and PORTABLE_BLOCK, two ordinary registers of eight characters each. Algorithms take
-// the type as a template parameter; the library gives them CHARACTER_BLOCK, the vector register where the processor has
-// one of these, and the tests each type that can be compiled.
+// Three types of block have the same operations. SSE2_BLOCK and NEON_BLOCK are vector registers, of x86-64 and of
+// little-endian aarch64. PORTABLE_BLOCK is two ordinary registers of eight characters each. Algorithms take the type as
+// a template parameter. The library passes CHARACTER_BLOCK: a vector register if the processor has one of these, else
+// PORTABLE_BLOCK. The tests pass each type that can be compiled.
 //
-// A comparison answers for each character by the high bit of its byte; the other bits mean nothing. Answers combine by
-// `|` and `&`, and high_bits() makes a number of them whose bit n is the answer for character n. Characters of 0x80 and
-// above have the high bit set themselves. No operation branches: a block costs the same whatever it holds.
+// A comparison gives its result for each character in the high bit of the byte; the other bits mean nothing. `|` and
+// `&` combine results. high_bits() turns them into a number whose bit n is the result for character n. Characters of
+// 0x80 and above have the high bit set themselves. No operation branches: a block costs the same whatever it holds.
 #ifndef CFG_INI_CFG_INI_READER_CHARACTER_BLOCK_H
 #define CFG_INI_CFG_INI_READER_CHARACTER_BLOCK_H
 
@@ -28,8 +28,8 @@ namespace zon_cfg
 inline constexpr std::size_t block_size = 16;
 inline constexpr std::size_t half_block_size = 8;
 
-// Two halves of a block, each as a number: the sum of its characters times the powers of 17, the last character's being
-// 1.
+// The two halves of a block, each as a number in base 17 whose digits are the characters; the last one is the lowest
+// digit.
 struct BLOCK_NUMBERS
 {
     std::uint64_t first;
@@ -40,7 +40,7 @@ struct BLOCK_NUMBERS
 class CHARACTER_WORD
 {
 public:
-    // `from` begins eight readable characters, at any address.
+    // `from` points to eight readable characters, at any address.
     static CHARACTER_WORD load(const char* from)
     {
         std::uint64_t bits;
@@ -50,7 +50,7 @@ public:
         return CHARACTER_WORD(bits);
     }
 
-    // Tells exactly: no character disturbs its neighbour's answer.
+    // Exact: no character affects the result of its neighbour.
     CHARACTER_WORD equal_to(char c) const
     {
         const std::uint64_t difference = word ^ (ones * static_cast<unsigned char>(c));
@@ -116,13 +116,13 @@ private:
 class PORTABLE_BLOCK
 {
 public:
-    // `from` begins `block_size` readable characters, at any address.
+    // `from` points to `block_size` readable characters, at any address.
     static PORTABLE_BLOCK load(const char* from)
     {
         return load_halves(from, from + half_block_size);
     }
 
-    // Each begins `half_block_size` readable characters.
+    // Each pointer points to `half_block_size` readable characters.
     static PORTABLE_BLOCK load_halves(const char* first, const char* second)
     {
         return {CHARACTER_WORD::load(first), CHARACTER_WORD::load(second)};
@@ -149,7 +149,8 @@ public:
         return (lower | upper).has_high_bits();
     }
 
-    // The letters A to Z folded to lower case. No character has its high bit set, here and for numbers().
+    // The block with the letters A to Z in lower case. Requires, as numbers() does, that no character has its high bit
+    // set.
     PORTABLE_BLOCK folded() const
     {
         return {lower.folded(), upper.folded()};
@@ -277,7 +278,7 @@ public:
 
     unsigned int high_bits() const
     {
-        // Each byte keeps the bit of its own number in its half, and the sum of a half has them all.
+        // Each byte keeps only the bit for its position in its half, so the sum of a half has all bits of the half.
         constexpr std::uint64_t bit_of_byte = 0x8040201008040201U;
         const uint8x16_t answers = vreinterpretq_u8_s8(vshrq_n_s8(vreinterpretq_s8_u8(bytes), 7));
         const uint8x16_t bits = vandq_u8(answers, vreinterpretq_u8_u64(vdupq_n_u64(bit_of_byte)));

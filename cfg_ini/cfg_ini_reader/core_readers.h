@@ -1,5 +1,5 @@
-// The two reads beneath all lookups: a cached value, and the text. Each loads the settings first if there is no store,
-// and counts the access or leaves an empty record behind.
+// The two lookups on which all others are based: of a cached value, and of the text. Each loads the settings first if
+// there is no store. Each counts the access, or else creates an empty record.
 #ifndef CFG_INI_CFG_INI_READER_CORE_READERS_H
 #define CFG_INI_CFG_INI_READER_CORE_READERS_H
 
@@ -13,7 +13,7 @@
 
 namespace zon_cfg
 {
-// A cached value and whether it is one; handed around by value, so that it stays in registers.
+// A cached value, and whether it is meaningful. Passed by value, so that it stays in registers.
 template <typename T>
 struct CACHED
 {
@@ -21,8 +21,9 @@ struct CACHED
     bool found;
 };
 
-// What answer(cached, name) makes of the value as a T = bool, int or unsigned int; the variable is marked as validly
-// read if it is one. `answer` runs with the lock held. The name is the one to go by: the caller's may have changed.
+// Looks the variable up as a T, which is bool, int or unsigned int, and returns answer(cached, name). Marks the
+// variable as validly read if it has a value of that type. `answer` runs with the lock held. It must use the name that
+// it is passed: a load may have changed the caller's string.
 template <typename T, typename ANSWER>
 [[gnu::always_inline]] inline auto read_cached(std::string_view name, ANSWER answer)
 {
@@ -54,8 +55,8 @@ template <typename T>
                       });
 }
 
-// The same without a mark, for a caller that marks later. `kept_name` becomes a copy of the name if the settings had to
-// be loaded; the caller goes on with it then.
+// The same without a mark, for a caller that marks later. If the settings had to be loaded, `kept_name` becomes a copy
+// of the name, and the caller must use this copy from then on.
 [[gnu::always_inline]] inline std::string read_string(std::string_view name, std::string& kept_name,
                                                       FOUND_RECORD& found)
 {

@@ -8,7 +8,7 @@
 
 namespace zon_cfg
 {
-// Hands the message to the memory layer under the module tag; `format` as for printf.
+// Passes the message to the memory service under the module tag; `format` is that of printf.
 __attribute__((format(printf, 1, 2))) inline void ini_debug_message(const char* format, ...)
 {
     va_list args;

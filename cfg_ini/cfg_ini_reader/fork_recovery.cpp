@@ -14,9 +14,9 @@ namespace
 constinit CFG_INI_TABLE* left_behind = nullptr;
 constinit std::atomic<bool> callbacks_know_it = false;
 
-// Runs in the child before fork returns there, on its only thread, which is why it may go without the lock. It neither
-// allocates nor frees. The load that the next use of a variable begins with does the rest: it clears the name cache,
-// resets the callbacks and marks the settings as changed.
+// Runs in the child before fork returns there, on its only thread, so it needs no lock. It neither allocates nor frees.
+// The load at the next use of a variable does the rest: it clears the name cache, resets the callbacks and marks the
+// settings as changed.
 void start_without_store() ZON_UNCHECKED
 {
     if (CFG_INI_TABLE* const table = cfg_ini_file.exchange(nullptr, std::memory_order_relaxed); table != nullptr)
@@ -27,7 +27,7 @@ void start_without_store() ZON_UNCHECKED
 
 void set_recovery(void (*recovery)())
 {
-    // A host's thread service may be older than this function; its children take the store as they find it.
+    // A host's thread service may lack this function. A child then uses the store as it finds it.
     if (thr_mutex_call_if_lost != nullptr)
         thr_mutex_call_if_lost(store_mutex(), recovery);
 }

@@ -1,12 +1,11 @@
-// Lines and inline texts taken apart in place.
+// Parses lines and inline texts in place.
 //
-// A line is divided in one scan (line_division.h), and name and value are parts of it: nothing is copied as long as
-// taking blanks and tabs off the ends leaves visible ASCII there, and in the name throughout. That is what nearly every
-// line is. For the others the rule itself is asked, isspace of the current locale for a name and the platform's
-// trimming for a value, and the result is kept beside the line.
+// One scan divides a line (line_division.h), and name and value are parts of the line. For nearly every line nothing is
+// copied. These are the lines where, without the blanks and tabs at the ends, the name is all visible ASCII, and the
+// value begins and ends with it. The other lines go through the rule itself: isspace of the current locale for a name,
+// and the platform's trimming for a value. The result is then kept beside the line.
 //
-// An inline text is walked once. What is looked for in an item is looked for in that item alone, so that any text costs
-// linear time.
+// An inline text is walked once. A search within an item stays within that item, so any text costs linear time.
 #include "cfg_ini/cfg_ini_reader/ini_text.h"
 
 #include <algorithm>
@@ -36,7 +35,7 @@ bool is_white_space(char c)
     return !is_visible_ascii(c) && std::isspace(static_cast<unsigned char>(c)) != 0;
 }
 
-// `text` without the blanks and tabs, white space to anyone, at its ends.
+// `text` without the blanks and tabs at its ends, which are white space in every locale.
 std::string_view without_outer_blanks(std::string_view text)
 {
     const auto is_blank = [](char c) { return c == ' ' || c == '\t'; };
@@ -58,8 +57,8 @@ std::string_view value_of(std::string_view line, const DIVIDED_LINE& divided, st
     return changed;
 }
 
-// Whether a line too short for an assignment is the one kind that is one all the same, intended: "=" and a character
-// that is a value, as in "=5", set the variable of empty name. "=;" and "= " have no value and stay ignored.
+// Whether a line that is too short for an assignment is one all the same. One kind is, intended: "=" and one character
+// of value, such as "=5", which sets the variable with the empty name. "=;" and "= " have no value and are ignored.
 bool assigns_to_the_empty_name(std::string_view short_line)
 {
     if (!short_line.starts_with('='))
@@ -126,14 +125,14 @@ bool INLINE_TEXT::next(INLINE_ITEM& kind, std::string& name, std::string& value)
 {
     if (position >= text.size())
         return false;
-    // Not searched for where it stands at once: a megabyte of separators is then quickly over.
+    // No search if the separator is here: a megabyte of separators then costs little.
     const std::size_t end =
         text[position] == separator ? position : std::min(text.find(separator, position), text.size());
     item_start = position;
     item_size = end - position;
     position = end + 1;
 
-    // Looked for in the item alone: items without "=" would else each search the rest of the text.
+    // Searches the item alone: otherwise each item without "=" would search the rest of the text.
     const std::size_t equals = item().find('=');
     if (equals == std::string_view::npos)
     {

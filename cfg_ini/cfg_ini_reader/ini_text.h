@@ -1,5 +1,5 @@
-// The text forms of assignments: a line of a settings file, and the inline text of VELMAR_INI_VARS. No state; any
-// thread. Malformed text is never an error: it is skipped, and the results here say why.
+// Parses the two text forms of assignments: a line of a settings file, and the inline text of VELMAR_INI_VARS. No
+// state; any thread. Malformed text is not an error: it is skipped, and the results say why.
 #ifndef CFG_INI_CFG_INI_READER_INI_TEXT_H
 #define CFG_INI_CFG_INI_READER_INI_TEXT_H
 
@@ -10,8 +10,8 @@
 // The separator of an inline text: its first ":" or ";", or ";" when it has neither.
 char cfg_find_separator_in_ini_string(const std::string& text);
 
-// Cuts the comment off `line` (not null): from the first ";" or "#" outside double quotes on, then from the first "//"
-// on if it stands before the first "=" or there is no "=". Quotes stay; an unclosed one reaches to the end of the line.
+// Cuts the comment off `line` (not null). Cuts first at the first ";" or "#" outside double quotes. Then cuts at the
+// first "//", unless a "=" stands before it. Quotes stay; an unclosed quote reaches to the end of the line.
 void cfg_remove_commented_portion(std::string* line);
 
 // Removes every white-space character (isspace of the current locale), inner ones too. A null `str` is reported.
@@ -23,12 +23,12 @@ namespace zon_cfg
 enum class SETTINGS_LINE
 {
     ASSIGNMENT,     // stores name and value
-    TOO_SHORT,      // ignored: fewer than 3 characters, unless it is "=" and a character that is a value, as "=5"
+    TOO_SHORT,      // ignored: fewer than 3 characters; but "=5", a value without a name, is an assignment
     NO_EQUALS_SIGN, // ignored: no "=" once the comment is removed
 };
 
-// What a settings line assigns: parts of the line or, where characters had to go from within, of the two strings; valid
-// until either changes.
+// The name and the value that a line assigns. They are parts of the line, or of the two strings if characters had to be
+// removed from within. They are valid until the line or the strings change.
 struct LINE_ASSIGNMENT
 {
     std::string_view name;
@@ -37,12 +37,12 @@ struct LINE_ASSIGNMENT
     std::string changed_value;
 };
 
-// Takes a line, its newline removed, apart; the assignment is set only if it is one. Everything before the first "=" is
-// the name, white space removed throughout; everything between it and the comment the value, trimmed at its ends.
-// Either may be empty.
+// Parses a line, which is given without its newline. Sets `assignment` only if the line is one. The name is everything
+// before the first "=", without any white space. The value is everything between the "=" and the comment, trimmed at
+// its ends. Either may be empty.
 SETTINGS_LINE parse_settings_line(std::string_view line, LINE_ASSIGNMENT& assignment);
 
-// The same into strings, for those who keep them; the library's own readers do not.
+// The same, with copies of name and value for callers that keep them. The library itself needs no copies.
 inline SETTINGS_LINE parse_settings_line(std::string_view line, std::string& name, std::string& value)
 {
     LINE_ASSIGNMENT assignment;
@@ -70,11 +70,11 @@ class INLINE_TEXT
 public:
     explicit INLINE_TEXT(const std::string& text);
 
-    // Whether there is a further item; if so, `kind` tells what becomes of it, and `name` and `value` are set, blanks
-    // at their ends removed, unless it has no "=".
+    // Returns whether there is a further item. If there is, `kind` becomes what the store does with it. If the item has
+    // an "=", `name` and `value` become its parts, without the blanks at their ends.
     bool next(INLINE_ITEM& kind, std::string& name, std::string& value);
 
-    // The last item as it stands in the text; empty before the first. Points into the text.
+    // The item of the last next(), as it stands in the text; empty before the first call. Points into the text.
     std::string_view item() const
     {
         return std::string_view(text).substr(item_start, item_size);

@@ -1,13 +1,13 @@
-// Where a settings line divides into name, value and comment.
+// Finds where a settings line divides into name, value and comment.
 //
-// The rule is two passes: cut at the first ";" or "#" outside double quotes, then at the first "//" that stands before
-// the first "=". One scan does both, since what the second pass cuts stands before everything that is left to decide:
-// the line ends at the first character that ends it by either pass, and the first "=" before that divides it. Only five
-// characters matter. They are searched for a block at a time, and looked at one by one where they stand; the last block
-// reaches back over characters that were seen, which are masked out. A line shorter than a block is scanned bytewise.
-// The cost is linear, and small where few characters divide.
+// The rule is two passes. The first cuts the line at the first ";" or "#" outside double quotes. The second cuts it at
+// the first "//" before the first "=". One scan does both: the line ends at the first character at which either pass
+// cuts it, and the first "=" before that divides it. Only five characters matter. They are searched for a block at a
+// time, and then looked at one by one. The last block reaches back over characters that were seen, and masks them out.
+// A line shorter than a block is scanned byte by byte. The cost is linear, and small where few of the five characters
+// occur.
 //
-// Nothing outside the line is read, and no byte ends it.
+// Nothing outside the line is read. No byte ends the line.
 #ifndef CFG_INI_CFG_INI_READER_LINE_DIVISION_H
 #define CFG_INI_CFG_INI_READER_LINE_DIVISION_H
 
@@ -31,7 +31,7 @@ constexpr bool divides(char c)
     return c == '"' || c == ';' || c == '#' || c == '=' || c == '/';
 }
 
-// The characters of a block that divide lines: bit n is that of character n.
+// The characters of a block that may divide the line: bit n is set if character n is one of them.
 template <typename BLOCK>
 unsigned int dividers_in_block(const char* from)
 {
@@ -40,15 +40,16 @@ unsigned int dividers_in_block(const char* from)
         .high_bits();
 }
 
-// The scan of a line, told of each character that divides lines, from left to right. A comment starts at the first ";"
-// or "#" outside double quotes; an unclosed quote reaches to the end of the line. Behind the first "=" a "//" belongs
-// to the value, so that values may hold paths and addresses; before it, it starts a comment too, quoted or not.
+// The state of a scan. The caller passes each character that may divide the line, from left to right. A comment starts
+// at the first ";" or "#" outside double quotes; an unclosed quote reaches to the end of the line. Before the first
+// "=", a "//" starts a comment too, quoted or not. Behind it, a "//" belongs to the value, so that values may hold
+// paths and addresses.
 class DIVISION
 {
 public:
     explicit DIVISION(std::string_view whole_line) : line(whole_line) {}
 
-    // Whether the line ends there.
+    // Whether the line ends at that character.
     bool ends_at(std::size_t at)
     {
         switch (line[at])
@@ -111,7 +112,7 @@ template <typename BLOCK>
 constexpr char first_visible = '!';
 constexpr char last_visible = '~';
 
-// Visible ASCII is white space in no locale: most characters need no question.
+// Visible ASCII is white space in no locale, so most characters need no call of isspace.
 constexpr bool is_visible_ascii(char c)
 {
     return c >= first_visible && c <= last_visible;

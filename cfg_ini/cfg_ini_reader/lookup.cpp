@@ -1,11 +1,12 @@
-// The typed readers. Each is one pass through with_store (store_access.h): the record found or made, the access
-// counted, and the value taken that was converted when the text was stored. What a caller needs then, a default or an
-// optional, is made of it in registers.
+// The typed readers. Each goes once through with_store (store_access.h): it finds or makes the record, counts the
+// access, and takes the value that was converted when the text was stored. From this value it makes what the caller
+// needs, a default or an optional, in registers.
 //
 // Two readers do more. The one-argument boolean looks its default up in the catalogue, but only if the variable has no
-// value. Floating-point readers convert at each call, after the lock is released: strtod takes many times what a lookup
-// takes, and depends on the locale. They mark the record in a second hold of the lock, without looking for it again; a
-// value that another thread stores in between is marked in place of the one read, which is accepted.
+// value. Floating-point readers convert at each call, after the lock is released: strtod takes many times as long as a
+// lookup, and depends on the locale. They mark the record under a second hold of the lock, without searching for it
+// again. If another thread stores a value in between, that value is marked instead of the one that was read. This is
+// accepted.
 //
 // The overloads for std::string and for characters are the same code twice, so that neither pays for the other.
 #include <cstring>
@@ -60,7 +61,7 @@ std::optional<double> number_or_nothing(std::string_view name)
         mark_had_valid_read(name, found);
     else
     {
-        // Still a number, and only not marked: callers rely on "2.5ms" being 2.5.
+        // Still a number, but not marked: callers rely on "2.5ms" being 2.5.
         ini_debug_message("Couldn't parse ini setting %s=(%s) as a floating point value", std::string(name).c_str(),
                           text.c_str());
     }
@@ -73,8 +74,7 @@ std::optional<float> narrow_number_or_nothing(std::string_view name)
     return number ? std::optional<float>(static_cast<float>(*number)) : std::nullopt;
 }
 
-// The default text compared as it stands, intended: the by-enumeration form converts it with all the boolean words.
-// Today both come to the same, since every default is "on" or "off".
+// Whether the catalogue's default is "on". A name with a zero byte may be catalogued up to that byte.
 bool is_on_by_default(std::string_view name)
 {
     std::optional<CFG_INI_VAR_ENUM> position = catalogue_position(name);
@@ -83,7 +83,7 @@ bool is_on_by_default(std::string_view name)
     return position && catalogue_entry(*position).is_on;
 }
 
-// The default is worked out only if it is needed; most callers ask for what is set.
+// Looks up the default only if it is needed: most variables that are asked for are set.
 [[gnu::always_inline]] inline bool is_on_or_default_of_catalogue(std::string_view name)
 {
     return read_cached<bool>(name, [](CACHED<bool> cached, std::string_view sought) ZON_INLINED
@@ -132,7 +132,7 @@ int cfg_get_int_value(std::string_view name, int default_value)
 
 int cfg_get_int_value(CFG_INI_VAR_ENUM ini_enum)
 {
-    // The number that "on" and "off" begin with.
+    // The default texts "on" and "off" are no numbers.
     return cached_or_default(catalogue_entry(ini_enum).name, 0);
 }
 
@@ -203,7 +203,7 @@ std::optional<float> cfg_get_value_as<float>(const std::string& name)
     return narrow_number_or_nothing(name);
 }
 
-// The instances by view; calls reach them through the class in the public header that names them friends.
+// The instances that take a view. Calls find them through CFG_INI_NAME_VIEW, which declares them as friends.
 template <typename T>
 std::optional<T> cfg_get_value_as(std::string_view name)
 {

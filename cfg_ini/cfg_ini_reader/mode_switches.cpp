@@ -9,7 +9,8 @@
 // An answer is remembered as the last step. A failure in between, such as a lack of memory, leaves the question open.
 //
 // The debug-message settings are cached as well. The flag cfg_ini_dirty, which every store sets, says when to read them
-// again. It is cleared only after all three are read, for the same reason. While nothing changes a call costs one lock.
+// again. It is cleared only after all three are read, so that a failure in between leaves it set. While nothing
+// changes, a call costs one lock.
 #include <atomic>
 
 #include "cfg_ini/cfg_ini.h"
@@ -53,8 +54,8 @@ bool answer_of_variable(REMEMBERED_ANSWER& remembered, const char* variable, voi
     return value;
 }
 
-// Racing first callers wait for one computation, under the store's own lock: a guard of another kind could be waited
-// for by a callback, which holds that lock, while the guard's owner waits for the lock.
+// Racing first callers wait for one computation, under the store's own lock. A separate guard could cause a deadlock: a
+// callback, which holds the lock, would wait for the guard, and the owner of the guard for the lock.
 [[gnu::noinline]] ANSWER decide_mode_once(REMEMBERED_ANSWER& mode, const char* disabling_variable)
 {
     const STORE_LOCK lock;
@@ -62,7 +63,8 @@ bool answer_of_variable(REMEMBERED_ANSWER& remembered, const char* variable, voi
     if (decided != ANSWER::UNKNOWN)
         return decided;
     const bool value = !cfg_is_on(disabling_variable);
-    // Known by now if this was the first load of the settings and a callback that it notified asked as well.
+    // The answer is known by now if the lookup loaded the settings, and a callback of that load asked the same
+    // question.
     decided = mode.load(std::memory_order_relaxed);
     if (decided == ANSWER::UNKNOWN)
     {

@@ -14,8 +14,9 @@ alignas(sizeof(CACHE_SET)) constinit CACHE_SET sets[most_sets] = {};
 // Alternates at each eviction, so that no name keeps its way for ever.
 constinit std::size_t way_to_evict ZON_GUARDED = 0;
 
-// When the cache of so many sets is to be doubled. Up to 64 KiB it is filled more than beyond: most hosts use a few
-// hundred names, and memory is what they are to be spared. Those with more names are to have a way for nearly each.
+// The number of names at which a cache of so many sets is doubled. Up to 64 KiB, the cache gets fuller than beyond:
+// most hosts use a few hundred names and should spend little memory. Hosts with more names should have a way for nearly
+// every name.
 constexpr std::size_t most_names_in(std::size_t number_of_sets)
 {
     if (number_of_sets == most_sets)
@@ -36,8 +37,8 @@ std::size_t number_of_sets()
     return std::size_t{1} << (64 - name_cache.shift.load(std::memory_order_relaxed));
 }
 
-// The names of set n go to the sets 2n and 2n + 1, whose own names have moved on already. Both ways of these are free
-// then, so that no name is lost.
+// Moves the names of each set n to the sets 2n and 2n + 1. The last set is first, so the names of those two sets have
+// moved on already, and their ways are free. So no name is lost.
 [[gnu::noinline]] void double_name_cache() ZON_LOCK_HELD
 {
     std::size_t set = number_of_sets();

@@ -1,16 +1,17 @@
-// A cache over the record table: most lookups are spared the hash and the walk through the table.
+// A cache over the record table. It spares most lookups the hash and the search of the table.
 //
-// It is two-way set-associative and keyed by the name as the lookup spells it. The set of a name is picked by some of
-// its characters, mixed; a hit compares the whole name. An entry names its record, which stays where it is as long as
-// the table lives. It is valid while it carries the current epoch, so that emptying the cache is one addition.
+// It is two-way set-associative. Its key is the name as the lookup spells it. A mix of some characters of the name
+// selects the set, and a hit compares the whole name. An entry points to its record, which does not move as long as the
+// table lives. An entry is valid while it carries the current epoch, so emptying the cache takes one addition.
 //
-// The cache grows with the names in use: it begins with 64 sets and doubles as they fill, up to 4096, so that small
-// hosts spend little on it. All sizes lie at the start of one array, of which the system gives only the pages that were
-// touched. Lookups find their set ahead of the lock, while another thread may be doubling; what they find then is the
-// set of a smaller cache, and at worst a miss. Every entry stands in the set of its name in the present size.
+// The cache grows with the names in use, so that small hosts spend little memory on it. It begins with 64 sets and
+// doubles as they fill, up to 4096. All sizes lie at the start of one array, for which the system provides only the
+// pages that were touched. Every entry is in the set that its name has at the present size. Lookups find their set
+// before they take the lock, while another thread may be doubling the cache. They may then look into the set of a
+// smaller cache; at worst, this is a miss.
 //
-// A hit costs the mix, the comparison, and one cache line beside the record's. A miss costs the hash and the walk, and
-// may evict another name.
+// A hit costs the mix, the comparison, and one cache line beside the record's. A miss costs the hash and the search,
+// and may evict another name.
 #ifndef CFG_INI_CFG_INI_READER_NAME_CACHE_H
 #define CFG_INI_CFG_INI_READER_NAME_CACHE_H
 
@@ -45,14 +46,15 @@ static_assert(sizeof(CACHED_NAME) == 64);
 // The two ways of a set, tried in this order.
 using CACHE_SET = CACHED_NAME[2];
 
-// The number of sets is a power of two; these are its exponents. Of a thousand names in use all but ten find a way.
+// The exponents of the smallest and the largest number of sets, which is a power of two. With a thousand names in use,
+// all but about ten have a way.
 inline constexpr unsigned int least_cache_bits = 6;
 inline constexpr unsigned int most_cache_bits = 12;
 
 struct NAME_CACHE
 {
-    CACHE_SET* const sets; // room for the most
-    // How far a mix is shifted to give the index of its set: 64 less the exponent of the number of sets. Changed only
+    CACHE_SET* const sets; // room for the largest number of sets
+    // The index of a set is the mix, shifted right by this: 64 less the exponent of the number of sets. Changed only
     // under the lock; read without it.
     std::atomic<unsigned int> shift;
     std::uint32_t epoch ZON_GUARDED; // never 0
@@ -69,13 +71,13 @@ T first_of(const char* from)
     return value;
 }
 
-// Of eight characters each; 0 when they are equal.
+// The difference of eight characters of each text; 0 if they are equal.
 inline std::uint64_t difference(const char* a, const char* b)
 {
     return first_of<std::uint64_t>(a) ^ first_of<std::uint64_t>(b);
 }
 
-// Mixes characters of the start, the middle and the end. Names of the same set only evict each other.
+// Mixes characters from the start, the middle and the end of a name. Names of the same set only evict each other.
 [[gnu::always_inline]] inline std::uint64_t mix_of(std::string_view name)
 {
     const std::size_t length = name.size();
@@ -96,7 +98,8 @@ inline std::uint64_t difference(const char* a, const char* b)
     return mix;
 }
 
-// Few branches, which names of most lengths share: the lengths of names that follow each other are hard to foresee.
+// Has few branches, and names of most lengths take the same ones: processors predict the lengths of successive names
+// badly.
 [[gnu::always_inline]] inline bool equal_bytes(const char* a, const char* b, std::size_t length)
 {
     if (length >= 16) [[likely]]
@@ -123,15 +126,15 @@ inline std::uint64_t difference(const char* a, const char* b)
 
 // --- Using the cache ---
 
-// The two ways of a name's set. Needs no lock: only the address is worked out.
+// The two ways of a name's set. Needs no lock, since it only computes the address.
 [[gnu::always_inline]] inline CACHED_NAME* cache_set_of(std::string_view name)
 {
     // cppcheck-suppress CastIntegerToAddressAtReturn
     return name_cache.sets[mix_of(name) >> name_cache.shift.load(std::memory_order_relaxed)];
 }
 
-// A name to be looked up: its set in the cache is worked out, and prefetched, ahead of the lock. Made to stay in
-// registers: what is not compiled into the lookup takes its parts.
+// A name to be looked up. Its set in the cache is computed and prefetched before the lock is taken. An object stays in
+// registers: functions that are not inlined into the lookup take its parts as separate arguments.
 class SOUGHT_NAME
 {
 public:
@@ -145,10 +148,10 @@ public:
     const CACHED_NAME* const ways; // two; guarded by the lock
 };
 
-// Caches the record that the name was found to have, and returns it. Names that are too long are not cached.
+// Caches the record that was found for the name, and returns it. Names that are too long are not cached.
 CFG_INI_RECORD* cache_record(std::string_view name, CFG_INI_RECORD* record) ZON_LOCK_HELD;
 
-// Invalidates every entry; to be called before the table goes.
+// Invalidates every entry. Must be called before the table is destroyed.
 void clear_name_cache() ZON_LOCK_HELD;
 }
 

@@ -1,13 +1,13 @@
 // The hash of a variable name: h = 0, then h * 17 + b for each folded byte b as a signed number, in 64 bits with
 // wrap-around, up to the first zero byte. Where std::size_t is narrower, the result is the low half of that number.
 //
-// A name of at least half a block is hashed by blocks. A block is two numbers in base 17, each of eight characters, and
-// numbers join as the characters of the rule do: first * 17^(characters of second) + second. What is left over behind
-// whole blocks is hashed as the end of a block that reaches back over characters that were hashed already; these are
-// taken out by making them zero bytes, which add nothing in front of a number. Nothing outside the name is read.
+// A name of at least half a block is hashed by blocks. A block is two numbers in base 17, of eight characters each. Two
+// numbers are joined as the rule joins characters: first * 17^(characters of second) + second. The characters behind
+// the last whole block are hashed as the end of one more block, which reaches back over characters that were hashed
+// already. Zero bytes replace those; they add nothing at the front of a number. Nothing outside the name is read.
 //
-// This holds only for characters of 0x01 to 0x7F: a block with another one sends the whole name to the bytewise rule.
-// That is at most one scan more, so that the cost stays linear whatever the name holds.
+// This works only for characters from 0x01 to 0x7F. If a block has another one, the whole name is hashed byte by byte.
+// That is at most one more scan, so the cost is linear for every name.
 #ifndef CFG_INI_CFG_INI_READER_NAME_HASH_H
 #define CFG_INI_CFG_INI_READER_NAME_HASH_H
 
@@ -51,7 +51,7 @@ constexpr POWERS powers_of_17()
 // 17 to the power of n.
 inline constexpr POWERS powers = powers_of_17();
 
-// Eight bytes with all bits set, sixteen with none, sixteen with all.
+// Eight bytes with all bits set, then sixteen with none, then sixteen with all.
 using MASKS = std::array<char, half_block_size + 2 * block_size>;
 
 constexpr MASKS all_bits_none_and_all()
@@ -64,13 +64,13 @@ constexpr MASKS all_bits_none_and_all()
 
 inline constexpr MASKS masks = all_bits_none_and_all();
 
-// Begins the mask of the last n characters of a block.
+// The start of a mask that keeps the last n characters of a block.
 constexpr const char* mask_of_last(std::size_t n)
 {
     return masks.data() + half_block_size + n;
 }
 
-// Begins the mask of the last n characters of half a block.
+// The start of a mask that keeps the last n characters of half a block.
 constexpr const char* mask_of_last_in_half(std::size_t n)
 {
     return masks.data() + block_size + n;
@@ -82,7 +82,7 @@ bool is_plain(const BLOCK& block)
     return !(block | block.equal_to('\0')).has_high_bits();
 }
 
-// Of the characters of both halves, of which the second has as many as the power of 17 says.
+// The hash of a block. `power_of_second` is 17 to the power of the number of characters in the second half.
 template <typename BLOCK>
 [[gnu::always_inline]] inline std::uint64_t hash_of_block(const BLOCK& block, std::uint64_t power_of_second)
 {
@@ -90,7 +90,7 @@ template <typename BLOCK>
     return numbers.first * power_of_second + numbers.second;
 }
 
-// Of half a block and more, but less than a whole one.
+// The hash of a name that has at least half a block, but less than a whole one.
 template <typename BLOCK>
 [[gnu::always_inline]] inline std::size_t hash_by_halves(std::string_view name)
 {

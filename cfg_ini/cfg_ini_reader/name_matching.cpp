@@ -1,12 +1,12 @@
-// Names are compared eight characters at a time, in words of an ordinary register.
+// Compares names eight characters at a time, in words of an ordinary register.
 //
-// Two words agree when they are the same, or when both are ASCII and the same once their letters are folded. The last
-// word of a name reaches back over characters that were compared already, so that nothing outside the name is read.
-// Words that do not agree in this way are compared byte by byte from there on: either they differ, which shows within
-// eight bytes, or they hold a byte of 0x80 and above, beside which the letters may still differ in case only.
+// Two words agree if they are the same, or if both are ASCII and the same once their letters are folded. The last word
+// of a name reaches back over characters that were compared already, so nothing outside the name is read. At the first
+// words that do not agree, the comparison goes on byte by byte. Either these words differ, which shows within eight
+// bytes. Or they hold a byte of 0x80 or above, and their letters may still differ in case only.
 //
-// Names mostly have one length and no zero byte. That is tried first; what is left are names that differ, and names
-// that agree up to a zero byte.
+// Most pairs of names have one length and no zero byte, so this case is tried first. What is left are names that
+// differ, and names that agree up to a zero byte.
 #include "cfg_ini/cfg_ini_reader/name_matching.h"
 
 #include <stdexcept>
@@ -50,7 +50,7 @@ bool equal_folded(const char* a, const char* b, std::size_t length)
             a += 8;
             b += 8;
         }
-        // The last eight characters, again some of those before them.
+        // The last eight characters; some of them may have been compared already.
         if (length <= 8 && equal_words(a + length - 8, b + length - 8))
             return true;
         // Words with a high bit are told apart below, byte by byte: the letters in them may differ in case.

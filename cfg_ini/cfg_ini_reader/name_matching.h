@@ -9,11 +9,11 @@
 
 namespace zon_cfg
 {
-// Throws std::logic_error with the words of libstdc++ for a std::string made of a null pointer, which hosts know. Other
-// standard libraries read from the pointer instead.
+// Throws std::logic_error with the message that libstdc++ gives for a std::string made of a null pointer, and that
+// hosts know. Other standard libraries read from the pointer instead.
 [[noreturn]] void refuse_null_text();
 
-// `text` itself, unless it has no characters at all (a null pointer, not an empty text): that is refused.
+// Returns `text`. Refuses a view of a null pointer, but not an empty text.
 inline std::string_view not_null(std::string_view text)
 {
     if (text.data() == nullptr) [[unlikely]]
@@ -24,11 +24,11 @@ inline std::string_view not_null(std::string_view text)
 // h = 0, then h * 17 + b for each folded byte b as a signed number, in 64 bits with wrap-around.
 std::size_t hash_name(std::string_view name);
 
-// Whether two texts of the same length are equal but for the case of the letters A to Z; a zero byte does not end
-// these.
+// Whether two texts of the same length are equal, ignoring the case of the letters A to Z. A zero byte does not end
+// them.
 bool equal_folded(const char* a, const char* b, std::size_t length);
 
-// Whether two names are equal that may end in a zero byte before they end.
+// Whether two names are equal as far as the first zero byte of each.
 bool equal_up_to_zero_byte(std::string_view a, std::string_view b);
 
 // Whether two names are equal.
@@ -40,7 +40,7 @@ inline bool equal_names(std::string_view a, std::string_view b)
     return equal_up_to_zero_byte(a, b);
 }
 
-// A name with its hash, so that it is hashed once however often it is looked for. The characters stay the caller's.
+// A name with its hash, so that several searches for it hash it once. It does not own the characters.
 struct HASHED_NAME
 {
     explicit HASHED_NAME(std::string_view name) : text(name), hash(hash_name(name)) {}
@@ -49,8 +49,8 @@ struct HASHED_NAME
     std::size_t hash;
 };
 
-// A name as the record table keeps it. The hash stands beside the characters: growing the table and telling its entries
-// apart need not hash again, and whoever has hashed a name to look for it inserts it under that hash.
+// A name as the record table keeps it, with its hash. So the table does not hash names again when it grows or compares
+// entries, and a name that was hashed for a search is inserted under that hash.
 class RECORD_NAME : public std::string
 {
 public:
@@ -66,7 +66,7 @@ private:
 };
 }
 
-// The functors of the record table. Those for its own names are noexcept: that keeps the standard library from storing
+// The functors of the record table. Those for its own names are noexcept, which keeps the standard library from storing
 // each hash a second time.
 struct STL_CASE_INSENSITIVE_HASH_COMPARE
 {

@@ -1,5 +1,5 @@
-// The variables by which the library itself is steered, for those who must know them all. The catalogue's are elsewhere
-// (variable_catalogue.h).
+// The names of the variables that control the library itself, for code that must know all of them. Those in the
+// catalogue are elsewhere (variable_catalogue.h).
 #ifndef CFG_INI_CFG_INI_READER_OWN_VARIABLES_H
 #define CFG_INI_CFG_INI_READER_OWN_VARIABLES_H
 

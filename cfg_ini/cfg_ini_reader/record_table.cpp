@@ -1,8 +1,8 @@
-// Finding and making records, beyond the first way of the name cache, which the header looks into.
+// Finds and makes records when the first way of the name cache, into which the header looks, does not have the name.
 //
-// A lookup looks for the name before it inserts: an insertion copies the name first, and most names are there. Lines of
-// files insert at once, since their names are mostly new. Both hash the name once; the second search for a name that
-// has to be made takes the hash along.
+// A lookup searches for the name before it inserts, because an insertion copies the name first, and most names exist.
+// Lines of files insert at once, since their names are mostly new. Both hash the name once: an insertion after a search
+// uses the same hash.
 #include "cfg_ini/cfg_ini_reader/record_table.h"
 
 #include "cfg_ini/cfg_ini.h"
@@ -14,7 +14,7 @@ namespace zon_cfg
 {
 namespace
 {
-// Takes the lock and finds the record, if there is a store. What visit(record) answers, or false without a record.
+// Takes the lock and finds the record. Returns the result of visit(record), or false if there is no store or no record.
 template <typename VISIT>
 bool with_record(std::string_view name, VISIT visit)
 {
@@ -46,7 +46,7 @@ CFG_INI_RECORD& find_or_insert_record_elsewhere(const char* characters, std::siz
         return *second_way.record;
     CFG_INI_TABLE& table = *store_table();
     const HASHED_NAME hashed(name);
-    // Inserting at once would copy the name, which mostly is there.
+    // Inserting at once would copy the name, and most names exist.
     CFG_INI_RECORD* const record = table.find_record(hashed);
     return *cache_record(name, record != nullptr ? record : table.find_or_insert_record(hashed));
 }

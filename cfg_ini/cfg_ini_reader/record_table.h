@@ -1,12 +1,12 @@
 // The internal variable store itself: the records, and the table that finds them.
 //
-// The table is a hash map from names to records. Neither entries nor records are ever removed singly, so their memory
-// comes in blocks that go with the table: entries from a monotonic resource, records from arrays that double in size.
-// Records therefore stay where they are, and a pointer to one is good until the store is emptied. Bucket arrays do come
-// back, when the table grows; they have memory of their own. All of it is the global heap's: the default resource of
-// std::pmr belongs to the host, which may change it, empty it or refuse with it at any time.
+// The table is a hash map from names to records. No entry and no record is removed on its own, so their memory comes in
+// blocks that live as long as the table: entries from a monotonic resource, records from arrays that double in size. So
+// records never move, and a pointer to one is valid until the store is emptied. Arrays of buckets are freed when the
+// table grows, so their memory is separate. All of it is the global heap's. The default resource of std::pmr is not
+// used: it belongs to the host, which may change it, empty it or make it refuse at any time.
 //
-// A lookup or an assignment hashes its name at most once, whether it finds the record or makes it; the table keeps the
+// A lookup or an assignment hashes its name at most once, whether it finds the record or makes it. The table keeps the
 // hash with the name.
 #ifndef CFG_INI_CFG_INI_READER_RECORD_TABLE_H
 #define CFG_INI_CFG_INI_READER_RECORD_TABLE_H
@@ -29,8 +29,8 @@
 #include "cfg_ini/cfg_ini_reader/name_matching.h"
 #include "cfg_ini/cfg_ini_reader/store_lock.h"
 
-// One internal variable. Fills a cache line: a lookup in a large store costs the lines that it touches. Owned by
-// the table until the table is destroyed.
+// One internal variable. Fills a cache line, since a lookup in a large store costs the cache lines that it touches.
+// Belongs to the table until the table is destroyed.
 struct alignas(64) CFG_INI_RECORD
 {
     std::string value ZON_GUARDED;
@@ -40,11 +40,11 @@ struct alignas(64) CFG_INI_RECORD
     bool uint_valid ZON_GUARDED;
     bool had_valid_read ZON_GUARDED; // some caller got a usable value since the text was last stored
     bool bool_value ZON_GUARDED;     // each cached value is meaningful only while its flag above holds
-    bool external ZON_GUARDED;       // came from the main settings file or from VELMAR_INI_VARS; never cleared
+    bool external ZON_GUARDED;       // set by the main file, VELMAR_INI_VARS or an external text; never cleared
     int int_value ZON_GUARDED;
     unsigned int uint_value ZON_GUARDED;
 
-    // The cached value of T = bool, int or unsigned int, whatever it holds; `valid` says whether it is meaningful.
+    // The cached value of type T, which is bool, int or unsigned int. It is meaningful only if `valid` becomes true.
     template <typename T>
     T get_cached_value(bool& valid) const ZON_LOCK_HELD;
 };
@@ -72,7 +72,8 @@ inline unsigned int CFG_INI_RECORD::get_cached_value<unsigned int>(bool& valid) 
 
 namespace zon_cfg
 {
-// The table's allocator: entries from a resource that frees nothing before it goes, arrays of buckets from the heap.
+// The table's allocator. Entries come from a resource that frees nothing before it is destroyed itself, and arrays of
+// buckets from the heap.
 template <typename T>
 class ENTRY_ALLOCATOR
 {
@@ -139,7 +140,7 @@ public:
         return entry == end() ? nullptr : entry->second;
     }
 
-    // The record of that name, or a new value-initialised one. If that fails for want of memory, nothing has changed.
+    // The record of that name, or a new value-initialised one. If memory runs out, nothing changes.
     CFG_INI_RECORD* find_or_insert_record(const HASHED_NAME& name)
     {
         if (last_block_used == last_block_size) [[unlikely]]
@@ -150,22 +151,22 @@ public:
         return entry->second;
     }
 
-    // Gives `record`, made with new, to the table. A name already present keeps its record, and `record` stays the
-    // caller's.
+    // Gives `record`, which was made with new, to the table. If the name is already present, it keeps its record, and
+    // `record` still belongs to the caller.
     void insert_record(const HASHED_NAME& name, CFG_INI_RECORD* record)
     {
         if (try_emplace(RECORD_NAME(name), record).second)
             adopted_records.emplace_back(record);
     }
 
-    // Makes room for so many names in all; never takes room away.
+    // Makes room for `in_all` names in total. Never shrinks the table.
     void reserve_records(std::size_t in_all)
     {
         if (in_all > bucket_count())
             reserve(in_all);
     }
 
-    // What the records were loaded from; comes and goes with them.
+    // The sources that the records were loaded from. The list lives as long as the table.
     APPLIED_SOURCES sources;
 
 private:
@@ -181,12 +182,12 @@ private:
 };
 }
 
-// The table, null while there is no store. Changed only under the lock; tested without it to decide whether the
-// settings files must be loaded first, hence atomic. A store that was there at the test may be gone once the lock is
-// taken.
+// The table; null while there is no store. It changes only under the lock. It is atomic because lookups test it without
+// the lock, to decide whether they must load the settings first. A store that existed at the test may be gone once the
+// lock is taken.
 extern constinit std::atomic<zon_cfg::CFG_INI_TABLE*> cfg_ini_file;
 
-// Variables may have changed since the debug-message settings were last read.
+// Whether variables may have changed since the debug-message settings were last read.
 extern constinit bool cfg_ini_dirty ZON_GUARDED;
 
 namespace zon_cfg
@@ -203,13 +204,14 @@ inline CFG_INI_TABLE* store_table() ZON_LOCK_HELD
     return cfg_ini_file.load(std::memory_order_relaxed);
 }
 
-// --- There is a store ---
+// --- Functions that require a store ---
 
-// The record of that name, or a new empty one; counts nothing and passes the name cache by.
+// The record of that name, or a new empty one. Counts nothing and bypasses the name cache.
 CFG_INI_RECORD& find_or_insert_record_in_table(std::string_view name) ZON_LOCK_HELD;
 
-// What the three forms below do when the first way of the name's set is of another name. They take the parts of the
-// name one by one: compilers would keep a whole that is an argument in memory, and so on the fast path as well.
+// The slow parts of the three functions below, for a name that is not in the first way of its set. They take the parts
+// of the name as separate arguments: compilers would keep an argument of a class type in memory, and so on the fast
+// path too.
 CFG_INI_RECORD* find_record_elsewhere(const char* characters, std::size_t length,
                                       const CACHED_NAME& second_way) ZON_LOCK_HELD;
 CFG_INI_RECORD& find_or_insert_record_elsewhere(const char* characters, std::size_t length,
@@ -225,7 +227,7 @@ CFG_INI_RECORD& find_counted_or_insert_record_elsewhere(const char* characters, 
     return find_record_elsewhere(name.text.data(), name.text.size(), name.ways[1]);
 }
 
-// The record of that name, or a new empty one; counts nothing.
+// The record of that name, or a new empty one. Counts nothing.
 [[gnu::always_inline]] inline CFG_INI_RECORD& find_or_insert_record(const SOUGHT_NAME& name) ZON_LOCK_HELD
 {
     if (name.ways[0].is_of(name.text)) [[likely]]
@@ -233,9 +235,9 @@ CFG_INI_RECORD& find_counted_or_insert_record_elsewhere(const char* characters, 
     return find_or_insert_record_elsewhere(name.text.data(), name.text.size(), name.ways[1]);
 }
 
-// The record of that name, one access counted; or a new empty record, with no access counted. Not counting the lookup
-// that creates the record is intended: by this difference of one the usage reports tell a variable that a source set
-// from one that was only asked for.
+// The record of that name, with one more access counted; or a new empty record, with no access counted. It is intended
+// that the lookup that creates a record is not counted. By this difference of one, the usage reports distinguish a
+// variable that a source set from one that was only asked for.
 [[gnu::always_inline]] inline CFG_INI_RECORD& find_counted_or_insert_record(const SOUGHT_NAME& name) ZON_LOCK_HELD
 {
     if (!name.ways[0].is_of(name.text)) [[unlikely]]
@@ -244,27 +246,27 @@ CFG_INI_RECORD& find_counted_or_insert_record_elsewhere(const char* characters, 
     return *name.ways[0].record;
 }
 
-// Makes room for the names of a file of so many, so that loading them need not grow the table again and again. A file
-// whose names are there already adds nothing, however often it is applied.
+// Makes room in the table for so many names in total. The caller passes the number of names in a file, so that the load
+// need not grow the table again and again. Applying the same file again adds no room.
 void reserve_records(std::size_t names_of_file) ZON_LOCK_HELD;
 
-// --- With a store or without ---
+// --- Functions that require no store ---
 
 // Frees every record and the table, if there is one. Notifies nobody.
 void discard_store() ZON_LOCK_HELD;
 
-// Marks the record of that name as validly read; whether there is one. Takes the lock. Without a store it answers false
-// at once and loads nothing.
+// Marks the record of that name as validly read. Returns whether there is such a record. Takes the lock. Without a
+// store, returns false at once and loads nothing.
 bool mark_had_valid_read(std::string_view name);
 
-// A record found under the lock, to be found again under a later hold of it.
+// A record that was found under the lock, for use under a later hold of the lock.
 struct FOUND_RECORD
 {
     CFG_INI_RECORD* record;
-    std::uint32_t epoch; // of the name cache: while it lasts, so does the record
+    std::uint32_t epoch; // of the name cache; the record is valid while this is the current one
 };
 
-// The same for a name whose record was found before. The name is looked for only if the store may have been emptied.
+// The same for a name whose record was found before. Searches for the name only if the store may have been emptied.
 bool mark_had_valid_read(std::string_view name, const FOUND_RECORD& found);
 }
 

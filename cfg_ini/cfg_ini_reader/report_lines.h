@@ -14,7 +14,7 @@ enum REPORT_LINE : int
     NULL_TEXT_TO_TRIM = 228,           // cfg_trim_string
     APPENDED_WITHOUT_STORE = 1172,     // cfg_read_and_append_environment_ini_file
     NULL_PROJECT_DIRECTORY = 1309,     // cfg_read_project_ini_file
-    DEFAULT_OF_UNKNOWN_VARIABLE = 2349 // cfg_get_default_value, and no other check of a CFG_INI_VAR_ENUM
+    DEFAULT_OF_UNKNOWN_VARIABLE = 2349 // cfg_get_default_value; other checks of enumerators report their own line
 };
 
 // Reports that `condition` does not hold. Returns if the host's reporter does.

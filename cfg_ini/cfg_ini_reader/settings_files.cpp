@@ -10,12 +10,13 @@
 // without a report: the next use of a variable loads everything anew. A layer that the host applies itself goes on, and
 // its next assignment loads the settings first.
 //
-// Each assignment runs the callbacks of its name, and these may change what the host handed in: the text of a path, the
-// current directory, the environment. Every text is therefore copied before the first callback can run. A relative path
-// stays one: it is resolved whenever a file is asked for or opened. An exception ends the load where it is; the
+// Each assignment runs the callbacks of its name. These may change what the host passed or relies on: the text of a
+// path, the current directory, the environment. So every text is copied before the first callback can run. A relative
+// path stays relative: it is resolved whenever a file is tested or opened. An exception ends the load where it is; the
 // assignments made so far stay.
 //
-// A line costs one search of the table, or one insertion into it; room for a file's names is made ahead, by its size.
+// A line costs one search of the table, or one insertion into it. The table gets room for the names of a file in
+// advance, estimated from the file's size.
 #include "cfg_ini/cfg_ini_reader/settings_files.h"
 
 #include <algorithm>
@@ -45,7 +46,8 @@ namespace zon_cfg
 {
 namespace
 {
-// Made before cfg_ini_initializer, and so destroyed after it: callbacks of the last emptying may emit messages.
+// Constructed before cfg_ini_initializer, and so destroyed after it: when that empties the store, callbacks may emit
+// messages.
 const MEM_INITIALIZER mem_initializer("CFG_INI");
 }
 }
@@ -56,18 +58,18 @@ namespace zon_cfg
 {
 namespace
 {
-// For making room ahead of a file: twice what it needs at 40 characters a line, so that most new names find their
-// bucket empty and need not be compared with others.
+// The file size in bytes for which room is made for one name. At 40 characters a line, the table gets twice the room
+// that it needs. So most new names find their bucket empty and need not be compared with others.
 constexpr std::size_t line_length_to_reserve_by = 20;
 constexpr std::size_t most_reserved = std::size_t{1} << 22;
 
 using PATH_BUFFER = char[longest_path + 1];
 
-// What an assignment of a layer does that finds no store.
+// What happens when an assignment of a layer finds no store.
 enum class IF_NO_STORE
 {
-    END_LAYER,    // the library applies the layer
-    LOAD_SETTINGS // the host does
+    END_LAYER,    // for a layer that the library applies
+    LOAD_SETTINGS // for a layer that the host applies
 };
 
 // What a layer is made of, and where its assignments go.
@@ -85,7 +87,7 @@ LAYER layer_of(CFG_SETTINGS_ROLE role, bool external, IF_NO_STORE if_no_store)
     return layer;
 }
 
-// Notes that the layer begins, if there is a store to which it can be applied.
+// Records that the layer begins, if there is a store to which it can be applied.
 void note_beginning(LAYER& layer) ZON_LOCK_HELD
 {
     layer.source.beginning = next_moment();
@@ -102,8 +104,8 @@ void note_end(LAYER& layer, bool whole)
         store_table()->sources.end(layer.source);
 }
 
-// Whether the assignment was stored. File and inline names bypass the name cache: they are mostly new, and would evict
-// those in use.
+// Stores the assignment if there is a store. Returns whether it was stored. The names of files and inline texts bypass
+// the name cache: they are mostly new, and would evict names in use.
 bool store_if_possible(std::string_view name, std::string_view value, bool external)
 {
     NOTIFYING_STORE_LOCK lock;
@@ -114,7 +116,7 @@ bool store_if_possible(std::string_view name, std::string_view value, bool exter
     return possible;
 }
 
-// Whether the layer goes on.
+// Stores one assignment of the layer. Returns whether the layer goes on.
 bool store_in_layer(std::string_view name, std::string_view value, LAYER& layer)
 {
     while (!store_if_possible(name, value, layer.source.external))
@@ -129,7 +131,7 @@ bool store_in_layer(std::string_view name, std::string_view value, LAYER& layer)
     return true;
 }
 
-// Stores every assignment of the file `path`, and keeps the path in the buffer, if the file opens.
+// Stores every assignment of the file `path`. If the file opens, keeps its path in the buffer.
 void apply_file(const std::string& path, PATH_BUFFER& path_buffer, LAYER layer)
 {
     SETTINGS_LINES lines(path);
@@ -195,7 +197,7 @@ void apply_appended_file(const std::string& path, IF_NO_STORE if_no_store) ZON_U
                          layer_of(CFG_SETTINGS_ROLE::APPENDED_FILE, false, if_no_store));
 }
 
-// Makes a fresh store of the main settings file.
+// Replaces the store by a new one, with the assignments of the main settings file.
 void replace_store(const std::string& path)
 {
     NOTIFYING_STORE_LOCK lock;
@@ -215,7 +217,7 @@ void load_settings_if_no_store()
         return;
     const std::string path = cfg_get_default_ini_file(false);
 
-    // Held over all layers. No value that a racing thread stores is overridden by a layer.
+    // Held until all layers are applied, so that no layer overrides a value that a racing thread stores.
     const STORE_LOCK lock;
     if (store_table() == nullptr)
         cfg_read_ini_file(path);
@@ -243,7 +245,7 @@ void cfg_read_ini_file(const std::string& path)
     const MEM_TBB_NO_MSG_DEBUG_UNTIL_SCOPE_EXIT no_debug_messages;
     replace_store(std::string(path)); // a copy: callbacks may change the caller's
 
-    // Also when the main file is missing or disabled.
+    // The layers on top are applied even if the main file is missing or disabled.
     if (const std::string appended = appended_settings_path(); !appended.empty())
         apply_appended_file(appended, IF_NO_STORE::END_LAYER);
     if (const char* const assignments = inline_settings(); assignments != nullptr)

@@ -1,20 +1,20 @@
-// Loading the settings: layering, and emptying. Most operations are public (cfg_ini/cfg_ini.h).
+// Loads the settings, layer by layer, and empties the store. Most operations are public (cfg_ini/cfg_ini.h).
 #ifndef CFG_INI_CFG_INI_READER_SETTINGS_FILES_H
 #define CFG_INI_CFG_INI_READER_SETTINGS_FILES_H
 
 #include "cfg_ini/cfg_ini_reader/settings_sources.h"
 #include "cfg_ini/cfg_ini_reader/store_lock.h"
 
-// Zero-terminated paths of the files last opened, cut at longest_path. Never cleared. The public getters hand them out
-// without the lock.
+// The zero-terminated paths of the files that were opened last, cut at longest_path. They are never cleared. The public
+// getters return them without taking the lock.
 extern constinit char cfg_current_velmar_ini_path_name[zon_cfg::longest_path + 1] ZON_GUARDED;
 extern constinit char cfg_current_regtest_ini_path_name[zon_cfg::longest_path + 1] ZON_GUARDED;
 extern constinit char cfg_current_appended_environment_ini_path_name[zon_cfg::longest_path + 1] ZON_GUARDED;
 
 namespace zon_cfg
 {
-// Loads the settings if there is no store. Racing callers wait for one load, and see all its layers. Another thread may
-// have emptied the store again by the time it returns.
+// Loads the settings if there is no store. Racing callers wait for one load, and see all its layers. When the function
+// returns, another thread may have emptied the store again.
 void load_settings_if_no_store();
 }
 

@@ -24,7 +24,7 @@ namespace
 {
 constexpr std::size_t buffer_size = std::size_t{64} * 1024;
 
-// What call() answers once no signal interrupts it.
+// Repeats call() until no signal interrupts it, and returns its result.
 template <typename CALL>
 auto uninterrupted(CALL call)
 {
@@ -57,7 +57,7 @@ SETTINGS_LINES::~SETTINGS_LINES()
         ::close(descriptor);
 }
 
-// As ::read answers.
+// Reads the next piece into the buffer. Returns what ::read returns.
 ssize_t SETTINGS_LINES::read_piece()
 {
     if (has_positions)

@@ -14,8 +14,8 @@ namespace zon_cfg
 class SETTINGS_LINES
 {
 public:
-    // Opens the file; waits for a writer where the path names a pipe. A file that does not open, and one that opens but
-    // cannot be read (a directory), has no lines.
+    // Opens the file. If the path names a pipe, waits for a writer. A file that does not open has no lines. Neither has
+    // one that opens but cannot be read, such as a directory.
     explicit SETTINGS_LINES(const std::string& path);
     ~SETTINGS_LINES();
     SETTINGS_LINES(const SETTINGS_LINES&) = delete;
@@ -26,13 +26,13 @@ public:
         return descriptor >= 0;
     }
 
-    // Whether there is a further line; if so, `line` becomes its bytes without the newline, valid until the next call.
-    // A last line need not end in one, unless the file ended because reads failed: the lines then end with the last
-    // whole one. A line may be of any length and may hold any byte.
+    // Returns whether there is a further line. If there is, `line` becomes its bytes without the newline, valid until
+    // the next call. The last line need not end in a newline. But if the file ended because reads failed, a line
+    // without a newline is dropped. A line may be of any length and may hold any byte.
     bool next(std::string_view& line);
 
-    // What the system says of the open file, all zero when it says nothing. Reads nothing and waits for nobody. The
-    // file may grow or shrink while it is read.
+    // The result of fstat for the open file; all zero if fstat failed. Reads nothing and does not wait. The file may
+    // grow or shrink while it is read.
     struct stat status() const;
 
     // Whether the lines have ended because reads failed.

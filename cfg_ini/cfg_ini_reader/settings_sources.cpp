@@ -1,10 +1,10 @@
-// The search is a loop over places. The directory of a place is worked out only when the search gets there: asking for
-// the module's or the installation's directory may be dear, and most searches end at an earlier place. Nothing is
-// remembered between searches, since the current directory, the environment and the files may change at any time; a
-// search costs one question to the file system for each place that it visits.
+// The search is a loop over places. The directory of a place is determined only when the search gets there: that of the
+// module or of the installation may be expensive to find, and most searches end at an earlier place. Nothing is kept
+// between searches, since the current directory, the environment and the files may change at any time. A search costs
+// one question to the file system for each place that it visits.
 //
-// VELMAR_INI_DISABLED takes effect only once a file was found: it empties the result, and the questions that lead to
-// the result are asked all the same. A project's own file is not searched for, so the variable has no effect on it.
+// VELMAR_INI_DISABLED takes effect only after a file was found: the search runs as usual, and then its result becomes
+// empty. A project's own file is not searched for, so the variable has no effect on it.
 #include "cfg_ini/cfg_ini_reader/settings_sources.h"
 
 #include <cstdlib>
@@ -87,7 +87,7 @@ bool SETTINGS_SEARCH::next(SEARCH_PLACE& place)
         place = next_place;
         next_place = static_cast<SEARCH_PLACE>(static_cast<int>(next_place) + 1);
         const std::string directory = directory_of(place);
-        // The module's directory is tried as it stands, also when it is empty because it is not known.
+        // The module's directory is tried even if it is empty because it is not known.
         if (directory.empty() && place != SEARCH_PLACE::MODULE_DIRECTORY)
             continue;
         candidate.directory(directory);
@@ -113,7 +113,8 @@ FIO_PATH project_settings_path(const char* proj_dirpath, bool regtest)
 {
     FIO_PATH path;
     path.directory(proj_dirpath);
-    // The name as a whole: set as a base, a product name with a "." would lose what follows it to the extension.
+    // Sets the name as a whole. If the extension were set on its own, it would replace the last part of a product name
+    // with a ".".
     path.filename(settings_file_name(regtest));
     return path;
 }

@@ -1,5 +1,5 @@
-// Which sources the settings come from: the search for a file, a project's own files, and the sources that the
-// environment applies on top of them. Nothing is read here, and no lock is taken.
+// Finds the sources of the settings: the search for a file, a project's own files, and the sources that the environment
+// applies on top of them. Reads no file and takes no lock.
 #ifndef CFG_INI_CFG_INI_READER_SETTINGS_SOURCES_H
 #define CFG_INI_CFG_INI_READER_SETTINGS_SOURCES_H
 
@@ -10,7 +10,7 @@
 
 namespace zon_cfg
 {
-// Paths of more bytes are cut when they are remembered, and a longer HOME is no candidate.
+// The longest path in bytes that the path buffers hold; longer ones are cut. The search skips a HOME that is longer.
 inline constexpr std::size_t longest_path = 1024;
 
 // The directories of the search, in its order.
@@ -25,14 +25,14 @@ enum class SEARCH_PLACE
     END
 };
 
-// Where a file is looked for, one directory at a time.
+// The search for a file, one directory at a time.
 class SETTINGS_SEARCH
 {
 public:
     explicit SETTINGS_SEARCH(const std::string& file_name);
 
-    // Whether there is a further directory to look in; if so, `place` names it and path() is where the file would be
-    // there. A place without a directory (an environment variable that is not set, say) is skipped.
+    // Returns whether there is a further directory to search. If there is, `place` names it, and path() is the path of
+    // the file in it. Skips a place that has no directory, such as an environment variable that is not set.
     bool next(SEARCH_PLACE& place);
 
     const FIO_PATH& path() const

@@ -1,12 +1,12 @@
-// Getting at the store: an operation run with the lock held and a store present, the settings loaded first where there
-// is none.
+// Runs an operation with the lock held and a store present. If there is no store, the settings are loaded first.
 //
 // The fast path tests for a store, takes the lock and tests again, since another thread may have emptied the store in
-// between. Everything on it is compiled into the function that the host calls; nothing is copied.
+// between. All of it is compiled into the function that the host calls, and it copies nothing.
 //
-// The slow path loads, and repeats that as often as other threads empty the store again. A load runs callbacks, and a
-// callback may change the string that the caller handed in. The call is about the name as it was when the call was
-// made, so the slow path works on a copy. It is a function of its own, so that the fast path does not pay for the copy.
+// The slow path loads the settings, and loads them again as often as other threads empty the store in between. A load
+// runs callbacks, and a callback may change the string that the caller passed. The call is about the name as it was
+// when the call was made, so the slow path works on a copy. It is a function of its own, so that the fast path does not
+// pay for the copy.
 #ifndef CFG_INI_CFG_INI_READER_STORE_ACCESS_H
 #define CFG_INI_CFG_INI_READER_STORE_ACCESS_H
 
@@ -18,7 +18,7 @@
 #include "cfg_ini/cfg_ini_reader/settings_files.h"
 #include "cfg_ini/cfg_ini_reader/store_lock.h"
 
-// Between the parameters and the body of a lambda: its body becomes part of the function that calls it.
+// Stands between the parameters and the body of a lambda. The compiler then inlines the lambda.
 #define ZON_INLINED __attribute__((always_inline))
 
 namespace zon_cfg
@@ -39,8 +39,8 @@ auto with_loaded_store(OPERATION operation)
     }
 }
 
-// The slow path for a name, whose parts come one by one: an argument of the type std::string_view would have to be in
-// memory, and be put there on the fast path. `kept_name` becomes a copy of the name.
+// The slow path for a name. It takes the parts of the name as separate arguments: a std::string_view would have to be
+// in memory, and the fast path would have to put it there. `kept_name` becomes a copy of the name.
 template <typename OPERATION>
 [[gnu::noinline, gnu::cold]] auto load_for_name(const char* characters, std::size_t length, OPERATION operation,
                                                 std::string& kept_name)
@@ -57,9 +57,9 @@ template <typename OPERATION>
     return load_for_name(characters, length, operation, kept_name);
 }
 
-// What operation(sought) answers, run with the lock held and a store present; it runs no callback and keeps nothing of
-// the name. A caller that uses the name afterwards gives `kept_name`, an empty string: it becomes a copy of a name
-// that is not empty if the settings had to be loaded.
+// Returns the result of operation(sought), which runs with the lock held and a store present. The operation must run no
+// callback and keep nothing of the name. A caller that uses the name afterwards passes `kept_name`, an empty string. If
+// it is not empty afterwards, the settings had to be loaded, and the caller must use this copy of the name.
 template <typename OPERATION, typename... KEPT_NAME>
 [[gnu::always_inline]] inline auto with_store(std::string_view name, OPERATION operation, KEPT_NAME&... kept_name)
 {

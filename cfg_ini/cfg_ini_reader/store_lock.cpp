@@ -11,8 +11,8 @@ THR_MUTEX* store_mutex()
     THR_MUTEX* mutex = cfg_ini_mutex.load(std::memory_order_acquire);
     if (mutex == nullptr) [[unlikely]]
     {
-        // Without a guard that a fork could find taken. A racing caller's own mutex is never locked; the platform
-        // keeps it, since mutexes are never destroyed.
+        // There is no guard, since a fork could copy it while it is taken. If another thread is first, the mutex made
+        // here is never locked. The platform keeps it, since mutexes are never destroyed.
         THR_MUTEX* const created = thr_mutex_create();
         if (cfg_ini_mutex.compare_exchange_strong(mutex, created, std::memory_order_acq_rel, std::memory_order_acquire))
             mutex = created;

@@ -1,12 +1,12 @@
 // The one lock of the internal variable store, and the scopes that hold it.
 //
-// The lock is recursive: a load holds it while it stores each line, callbacks run with it held and may read and set
-// variables, and the debug-message settings read variables while they hold it. It guards what carries
-// ZON_GUARDED: the table with its records, the name cache, the callback registry, the path buffers and
-// the flag that settings changed. clang checks these annotations when scripts/lint builds; other compilers ignore them.
+// The lock is recursive. A load holds it while it stores each line, callbacks run with it held and may read and set
+// variables, and the debug-message settings read variables while they hold it. It guards everything that is marked
+// ZON_GUARDED: the table with its records, the name cache, the callback registry, the path buffers, and the flag for
+// changed settings. clang checks these annotations when scripts/lint builds; other compilers ignore them.
 //
-// Every hold is a scope object, of one of two classes. STORE_LOCK releases however the scope is left.
-// NOTIFYING_STORE_LOCK is for scopes in which callbacks may run: an exception out of a callback leaves the lock held.
+// A scope object holds the lock, in one of two classes. STORE_LOCK releases it however the scope is left.
+// NOTIFYING_STORE_LOCK is for scopes in which callbacks may run: an exception from a callback leaves the lock held.
 #ifndef CFG_INI_CFG_INI_READER_STORE_LOCK_H
 #define CFG_INI_CFG_INI_READER_STORE_LOCK_H
 
@@ -21,7 +21,7 @@
 #endif
 #define ZON_GUARDED ZON_THREAD_SAFETY(guarded_by(zon_cfg::store_lock))            // read and written under it
 #define ZON_LOCK_HELD ZON_THREAD_SAFETY(requires_capability(zon_cfg::store_lock)) // the caller holds it
-#define ZON_UNCHECKED ZON_THREAD_SAFETY(no_thread_safety_analysis)                // says why in a comment
+#define ZON_UNCHECKED ZON_THREAD_SAFETY(no_thread_safety_analysis)                // for what clang cannot follow
 #define ZON_LOCKS ZON_THREAD_SAFETY(acquire_capability(zon_cfg::store_lock)) ZON_UNCHECKED
 #define ZON_UNLOCKS ZON_THREAD_SAFETY(release_capability()) ZON_UNCHECKED
 
@@ -36,10 +36,10 @@ class ZON_THREAD_SAFETY(capability("store lock")) STORE_CAPABILITY
 };
 extern const STORE_CAPABILITY store_lock;
 
-// The lock's handle, created now if need be. Racing first callers get the same one.
+// The lock's handle, created now if need be. Racing first callers get the same handle.
 THR_MUTEX* store_mutex();
 
-// Says that the lock's handle is known to exist: a store was seen, and every store is made under the lock.
+// Passed by callers that know that the lock's handle exists: they saw a store, and every store is made under the lock.
 struct HANDLE_EXISTS
 {
 };
@@ -67,17 +67,17 @@ private:
     THR_MUTEX* const mutex;
 };
 
-// How many notifications are under way, those that an exception ended included.
+// How many notifications have begun and not returned. One that an exception ended stays counted.
 extern constinit int notifications_under_way ZON_GUARDED;
 
-// Holds the lock for a scope that may run callbacks. Any exception releases the lock, but for one that came out of a
-// callback: that one leaves it held, once for each of these scopes that it passes. This is intended: the store is not
-// in a state that other threads should see while a host object failed half-way.
+// Holds the lock for a scope that may run callbacks. An exception releases the lock, unless it comes from a callback.
+// An exception from a callback leaves the lock held, once for each of these scopes that it passes. This is intended: a
+// host object failed half-way, and other threads should not see the store in that state.
 //
-// A lock left held is held for good. Its thread can go on using the store; every other one waits for ever at its next
-// use, and so in exit(), where ~CFG_INI_INITIALIZER takes the lock. The process can still be ended by exit() on the
-// thread that threw, or by _exit(), quick_exit() or abort() on any. CFG_INI_CALLBACK in cfg_ini/cfg_ini.h tells hosts
-// so.
+// The lock is then held for good. Its thread can go on using the store. Every other thread waits for ever at its next
+// use, also in exit(), where ~CFG_INI_INITIALIZER takes the lock. The process can still be ended by exit() on the
+// thread that threw, or by _exit(), quick_exit() or abort() on any thread. CFG_INI_CALLBACK in cfg_ini/cfg_ini.h
+// explains this to hosts.
 class ZON_THREAD_SAFETY(scoped_lockable) NOTIFYING_STORE_LOCK
 {
 public:
@@ -93,8 +93,8 @@ public:
             thr_mutex_unlock(mutex);
     }
 
-    // Ends the hold. Every path that is left without an exception must call it: a callback that caught another one's
-    // exception has changed the count that the destructor compares.
+    // Releases the lock. Every path that leaves the scope without an exception must call this. The destructor would
+    // keep the lock held if one callback had caught the exception of another, which changes the count that it compares.
     void unlock() ZON_UNLOCKS
     {
         thr_mutex_unlock(mutex);

@@ -1,5 +1,5 @@
-// The store's primitives under their given names, each a thin form of what the lookups use. Tests and programs that
-// link the library's objects call them; the library itself does not.
+// The store's primitives under their fixed names. Each is a thin wrapper of what the lookups use. Tests and programs
+// that link the library's objects call them; the library itself does not.
 #ifndef CFG_INI_CFG_INI_READER_STORE_PRIMITIVES_H
 #define CFG_INI_CFG_INI_READER_STORE_PRIMITIVES_H
 
@@ -15,8 +15,8 @@
 // The record of that name, or null. Counts nothing, creates nothing.
 CFG_INI_RECORD* cfg_ini_get_record(const std::string& name) ZON_LOCK_HELD;
 
-// Gives `record`, made with new, to the table. A name already present keeps its record, and `record` stays the
-// caller's.
+// Gives `record`, which was made with new, to the table. If the name is already present, it keeps its record, and
+// `record` still belongs to the caller.
 void cfg_ini_insert_record(const std::string& name, CFG_INI_RECORD* record) ZON_LOCK_HELD;
 
 // The record of that name, one access counted; or a new empty record, with no access counted. Never null.
@@ -24,13 +24,13 @@ CFG_INI_RECORD* cfg_ini_get_record_or_insert_empty(const std::string& name) ZON_
 
 // --- These take the lock ---
 
-// Marks the record of that name as validly read; whether there is one. Without a store it answers false at once and
-// loads nothing.
+// Marks the record of that name as validly read. Returns whether there is such a record. Without a store, returns false
+// at once and loads nothing.
 bool cfg_mark_record_had_valid_read(const std::string& name);
 
-// The core readers. Each loads the settings first if there is no store, and counts the access or leaves an empty record
-// behind. The cached value is meaningful only when *found (not null) becomes true; the variable is then marked as
-// validly read.
+// The core readers. Each loads the settings first if there is no store. Each counts the access, or else creates an
+// empty record. The result is meaningful only if *found becomes true; the variable is then marked as validly read.
+// `found` must not be null.
 bool cfg_ini_read_boolean(const std::string& name, bool* found);
 int cfg_ini_read_int(const std::string& name, bool* found);
 unsigned int cfg_ini_read_uint(const std::string& name, bool* found);
@@ -38,8 +38,8 @@ unsigned int cfg_ini_read_uint(const std::string& name, bool* found);
 // A copy of the text. The variable is marked as validly read when `mark_valid` is true, whatever the text.
 std::string cfg_ini_read_string(const std::string& name, bool mark_valid);
 
-// Stores and converts the text, as the setters do; callbacks run with the lock held. The first never touches the mark
-// of an external record, the second sets it.
+// Assign the text as the setters do; callbacks run with the lock held. The first function leaves the external mark of
+// the record alone, and the second sets it.
 void cfg_ini_insert_element(const std::string& name, const std::string& value);
 void cfg_ini_insert_element_external_ini(const std::string& name, const std::string& value);
 
@@ -48,8 +48,8 @@ void cfg_ini_insert_element_external_ini(const std::string& name, const std::str
 // Whether `a` goes before `b` in the ranked usage report.
 bool cfg_ini_usage_compare(zon_cfg::USAGE a, zon_cfg::USAGE b);
 
-// The decimal number that is the whole text, for T = int (with an optional "-", no "+") and unsigned int (no sign at
-// all). Empty when any other character stands there, blanks included, or when the number does not fit.
+// The number, if the whole text is a decimal number that fits; else empty. T is int (with an optional "-", no "+") or
+// unsigned int (no sign at all). A text with any other character, such as a blank, is no number.
 template <typename T>
 std::optional<T> cfg_ini_convert_to(const char* text);
 template <>

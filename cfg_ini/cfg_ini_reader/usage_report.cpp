@@ -1,9 +1,9 @@
 // The four reports about the use of variables.
 //
-// Each is one walk over the table with the lock held, which copies out what it reports; sorting comes after the
-// release. The ranked report sorts no more entries than it lists. The order of the table itself is not fixed: ranks are
-// sorted by count and then by name, maps are by name, and the single most accessed variable is any one of those with
-// the highest count.
+// Each is one walk over the table with the lock held, which copies what it reports. Sorting comes after the lock is
+// released. The ranked report sorts no more entries than it lists. The order of the table is not fixed: the ranked
+// report sorts by count and then by name, the maps sort by name, and the single most accessed variable is any one of
+// those with the highest count.
 #include "cfg_ini/cfg_ini_reader/usage_report.h"
 
 #include <algorithm>
@@ -19,7 +19,7 @@ namespace zon_cfg
 {
 bool goes_before(const USAGE& a, const USAGE& b)
 {
-    // Descending names among equal counts, intended: reports of earlier releases are compared with this order.
+    // Names descend among equal counts. This is intended: reports of earlier releases are compared with this order.
     return a.second != b.second ? a.second > b.second : a.first > b.first;
 }
 
@@ -80,8 +80,8 @@ using namespace zon_cfg;
 
 void cfg_get_most_accessed(std::vector<std::pair<std::string, std::string>>* out)
 {
-    // Widened with their sign and then taken as unsigned, intended: a negative minimum is above every count and lists
-    // nothing, a negative maximum lists everything.
+    // The numbers are widened with their sign and then taken as unsigned. This is intended: a negative minimum is above
+    // every count and lists nothing, and a negative maximum lists everything.
     const auto min =
         static_cast<std::uint64_t>(std::int64_t{cfg_get_int_value(OWN_VARIABLE::cfg_min_accessed_to_report, 0)});
     const auto max = static_cast<std::uint64_t>(std::int64_t{cfg_get_int_value(OWN_VARIABLE::cfg_max_to_report, 10)});

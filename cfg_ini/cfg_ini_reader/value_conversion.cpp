@@ -1,11 +1,12 @@
 // The three conversions of a text, made together when it is stored.
 //
-// The first character settles most texts: at most one word of each answer begins with it, and a number begins with a
-// digit or "-". A number is read once, into a type that holds every int and every unsigned int, and the ranges of the
-// two decide what it is. Reading stops as soon as the number is beyond both, so that no text can make it overflow.
-// Nothing here asks the locale: a file means the same wherever it is read. Only convert_to_double does, as strtod does.
+// The first character decides most texts: at most one word for true and one for false begin with it, and a number
+// begins with a digit or "-". A number is parsed once, into a type that holds every int and every unsigned int; the
+// ranges of the two then decide what it is. Parsing stops as soon as the number is beyond both, so no text can make it
+// overflow. Only convert_to_double depends on the locale, as strtod does: apart from that, a file means the same
+// wherever it is read.
 //
-// Costs a step for each character that fits.
+// Costs one step for each character that fits.
 #include "cfg_ini/cfg_ini_reader/value_conversion.h"
 
 #include <cstdint>
@@ -14,7 +15,7 @@
 
 namespace
 {
-// Whether the text goes on as the word, given in lower case, and ends with it.
+// Whether `text`, in any letter case, is the word, which is given in lower case.
 template <std::size_t SIZE>
 bool ends_in(const char* text, const char (&word)[SIZE])
 {
@@ -27,8 +28,8 @@ bool ends_in(const char* text, const char (&word)[SIZE])
     return text[SIZE - 1] == '\0';
 }
 
-// Whether `text` is as a whole a decimal number with an optional "-", within what any type here holds; *number is
-// written only then. Any number of leading zeros may stand before it.
+// Whether the whole text is a decimal number with an optional "-" and a magnitude that an unsigned int holds. Any
+// number of leading zeros is allowed. *number is written only if the text is such a number.
 bool is_whole_number(const char* text, std::int64_t* number)
 {
     constexpr std::int64_t limit = std::numeric_limits<unsigned int>::max();
@@ -49,7 +50,7 @@ bool is_whole_number(const char* text, std::int64_t* number)
     return true;
 }
 
-// `on` or `off` is the only word that a text with this beginning can be.
+// The result for a text that begins like a boolean word, and may be that word.
 zon_cfg::CONVERTED converted_word(bool is_on, bool is_off)
 {
     return {.number = 0, .is_bool = is_on || is_off, .bool_value = is_on, .is_int = false, .is_uint = false};

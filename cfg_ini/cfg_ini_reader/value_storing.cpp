@@ -1,7 +1,7 @@
-// Setting a value. All three conversions are made here, once, so that lookups make none. A number that the program
-// hands in is written by to_chars, which no locale changes, and need not be converted back.
+// Sets a value. All three conversions are made here, once, so that lookups make none. A number that the program passes
+// is written by to_chars, which no locale changes, and need not be converted back.
 //
-// The text is assigned first, since only that can fail: a record whose text did not fit into memory is as it was.
+// The text is assigned first, since only that can fail: if there is no memory for it, the record is as it was.
 #include "cfg_ini/cfg_ini_reader/value_storing.h"
 
 #include <charconv>
@@ -15,8 +15,8 @@ namespace zon_cfg
 {
 namespace
 {
-// to = text, for a text that is no part of `to`: where there is room already, which is nearly always, that takes less
-// than an assignment that is ready for anything. Leaves `to` as it was if there is no memory.
+// Assigns `text`, which must not be a part of `to`. Nearly always there is room already, and then this is faster than
+// the general assignment. If there is no memory, `to` is as it was.
 void assign_other_text(std::string& to, std::string_view text)
 {
     if (text.size() <= to.size())
@@ -34,8 +34,9 @@ void assign_other_text(std::string& to, std::string_view text)
 }
 }
 
-// A number that the text does not convert to keeps what it was, and a boolean becomes false. Nobody reads either while
-// its flag is down; both are intended, for programs that look at records themselves.
+// If the text converts to no int or unsigned int, that number keeps its old value; if it is no boolean word, the
+// boolean becomes false. Lookups read none of them while its flag is false. Both are intended, for programs that look
+// at records themselves.
 void set_value(CFG_INI_RECORD& record, std::string_view value)
 {
     assign_other_text(record.value, value);
@@ -53,7 +54,7 @@ void set_value(CFG_INI_RECORD& record, std::string_view value)
 
 void set_value(CFG_INI_RECORD& record, int value)
 {
-    char text[std::numeric_limits<int>::digits10 + 2]; // a sign, and one digit more than any number of them can have
+    char text[std::numeric_limits<int>::digits10 + 2]; // a sign, and one digit more than digits10
     // cppcheck-suppress legacyUninitvar
     assign_other_text(record.value, {text, std::to_chars(std::begin(text), std::end(text), value).ptr});
     record.bool_valid = value == 0 || value == 1;

@@ -1,4 +1,4 @@
-// Storing an assignment: the one way by which a value gets into a record. Knows nothing of files.
+// Stores a value in its record. Every assignment comes through here. Knows nothing of files.
 #ifndef CFG_INI_CFG_INI_READER_VALUE_STORING_H
 #define CFG_INI_CFG_INI_READER_VALUE_STORING_H
 
@@ -10,14 +10,14 @@
 
 namespace zon_cfg
 {
-// Sets the record's value, that is its text, what that converts to, and that nobody has read it yet. The text need not
-// end in a zero byte; that of a number is the number in decimal. If there is no memory, nothing has changed.
+// Sets the record's value: its text, the values that the text converts to, and the mark that nobody has read it yet. A
+// text need not end in a zero byte. The text of a number is the number in decimal. If memory runs out, nothing changes.
 void set_value(CFG_INI_RECORD& record, std::string_view value) ZON_LOCK_HELD;
 void set_value(CFG_INI_RECORD& record, int value) ZON_LOCK_HELD;
 
-// Sets the value of the record of `name`, notifies the callbacks of exactly this name and marks the settings as
-// changed. With `external` it marks the record external, and otherwise leaves that mark alone. Counts no access. VALUE
-// is std::string_view or int. Requires a NOTIFYING_STORE_LOCK.
+// Sets the value of the record of `name`, notifies the callbacks of exactly this name, and marks the settings as
+// changed. If `external` is true, marks the record as external; otherwise leaves that mark alone. Counts no access.
+// VALUE is std::string_view or int. Requires a NOTIFYING_STORE_LOCK.
 template <typename VALUE>
 [[gnu::always_inline]] inline void store_in_record(CFG_INI_RECORD& record, std::string_view name, VALUE value,
                                                    bool external) ZON_LOCK_HELD

@@ -1,9 +1,9 @@
-// The setters. The fast path is that of a lookup, under a lock that callbacks may run with. A record is found by the
-// name as the caller spells it, and callbacks are looked for under that spelling.
+// The setters. The fast path is that of a lookup, but holds the lock in such a way that callbacks may run. The name as
+// the caller spells it selects the record, in any letter case, and the callbacks, with exactly this spelling.
 //
-// A setter without a store loads the settings first, and then stores: what the program sets wins over what the files
-// say. The load runs callbacks, and these may change the very strings that are to be stored, so that path works on
-// copies of both. It is the only one that copies.
+// If there is no store, a setter loads the settings first and then stores, so the program's value overrides that of the
+// files. The load runs callbacks, which may change the very strings that are to be stored. So this path works on copies
+// of both. It is the only one that copies.
 #include "cfg_ini/cfg_ini_reader/variable_assignment.h"
 
 #include <cstddef>
@@ -33,7 +33,7 @@ void load_and_store(const std::string& name, const VALUE& value, bool external)
     };
     with_loaded_store<NOTIFYING_STORE_LOCK>(store_and_unlock);
 }
-// These take texts in parts for the reason that load_for_name does (store_access.h).
+// These take the parts of the texts as separate arguments, for the same reason as load_for_name (store_access.h).
 [[gnu::noinline, gnu::cold]] void load_and_assign(const char* name, std::size_t name_length, const char* value,
                                                   std::size_t value_length, bool external)
 {
@@ -44,7 +44,8 @@ void load_and_store(const std::string& name, const VALUE& value, bool external)
     load_and_store(std::string(name, name_length), value, false);
 }
 
-// The fast path of all setters: that of a lookup, with a lock for callbacks. False where the settings must be loaded.
+// The fast path of all setters: that of a lookup, with a lock for callbacks. Returns false if the settings must be
+// loaded first.
 template <typename VALUE>
 [[gnu::always_inline]] inline bool assign_if_loaded(std::string_view name, VALUE value, bool external)
 {
@@ -71,7 +72,7 @@ template <typename VALUE>
         load_and_assign(name.data(), name.size(), value);
 }
 
-// For the setters that are not worth a copy of the code above.
+// For setters that should not each have a copy of the inlined code.
 [[gnu::noinline]] void assign_number(std::string_view name, int value)
 {
     assign(name, value);
@@ -93,7 +94,7 @@ void cfg_set_value(const std::string& name, const std::string& value)
 
 void cfg_set_value(CFG_INI_VAR_ENUM ini_enum, const char* value)
 {
-    // Checked before the value is: an enumeration out of range is what gets reported.
+    // The enumerator is checked before the value: if it is out of range, that is what gets reported.
     const std::string_view name = catalogue_entry(ini_enum).name;
     assign_text(name, not_null(cfg_ini_name_view(value)), false);
 }
@@ -105,7 +106,7 @@ void cfg_set_int_value(const char* name, int value)
 
 void cfg_set_int_value(const std::string& name, int value)
 {
-    // Up to a zero byte, as the form above takes it.
+    // The name ends at its first zero byte, as in the form above.
     assign_number(name.c_str(), value);
 }
 

@@ -6,10 +6,9 @@
 
 namespace zon_cfg
 {
-// Loads the settings first if there is no store, takes the lock, makes the record if need be, stores and converts the
-// text, clears the mark of a valid read, notifies the callbacks of exactly this name with the lock held, and marks the
-// settings as changed. No access is counted. An exception out of a callback leaves the lock held. `external` marks the
-// record as external; without it that mark stays as it is.
+// Assigns a text as the setters do (cfg_ini/cfg_ini.h, "Setting a variable"). Notifies the callbacks with the lock
+// held; an exception from a callback leaves it held. If `external` is true, marks the record as external; otherwise
+// leaves that mark alone.
 void assign_text(std::string_view name, std::string_view value, bool external);
 }
 

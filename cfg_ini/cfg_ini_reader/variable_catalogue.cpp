@@ -1,10 +1,10 @@
-// The catalogue is written down once, as rows; what lookups need of it is derived at compile time: the pairs of texts
-// and the entries by position, and a perfect hash from names to positions.
+// The catalogue is written once, as rows. What lookups need of it is derived at compile time: the pairs of texts and
+// the entries by position, and a perfect hash from names to positions.
 //
-// The hash takes the length of a name and three of its characters, times a factor that the compiler searches until all
-// catalogued names get slots of their own. A name is looked for by one multiplication and one comparison with the
-// only name that it can be. Nothing is built at run time, and nothing is gone when exit handlers ask; the map that
-// hosts can get is built for them alone.
+// The hash takes the length of a name and three of its characters, times a factor. The compiler searches for a factor
+// that gives every catalogued name a slot of its own. So a search costs one multiplication, and one comparison with the
+// only name that can match. Nothing is built at run time, and nothing is destroyed before exit handlers ask for it. The
+// exception is the map that hosts can get, which is built for them alone.
 #include "cfg_ini/cfg_ini_reader/variable_catalogue.h"
 
 #include <algorithm>
@@ -119,7 +119,7 @@ constexpr auto entries_of_rows()
 
 constexpr unsigned int slot_bits = 7;
 
-// Of a name that is not empty.
+// The slot of a name. The name must not be empty.
 constexpr std::size_t slot_of(std::string_view name, std::uint64_t factor)
 {
     const auto character = [&](std::size_t at) { return std::uint64_t{static_cast<unsigned char>(name[at])}; };
@@ -136,7 +136,7 @@ struct NAME_INDEX
 
 constexpr NAME_INDEX index_of_names()
 {
-    for (std::uint64_t factor = 0x9E3779B97F4A7C15U;; factor += 0x9E3779B97F4A7C16U) // odd ones, and different
+    for (std::uint64_t factor = 0x9E3779B97F4A7C15U;; factor += 0x9E3779B97F4A7C16U) // different odd numbers
     {
         NAME_INDEX index{factor, {}};
         index.positions.fill(-1);
@@ -148,7 +148,7 @@ constexpr NAME_INDEX index_of_names()
                                     position = static_cast<std::int8_t>(row.position);
                                     return is_free;
                                 }))
-            return index; // names of the same length and characters would have no end of it, which the compiler reports
+            return index; // if two names agree in all that is hashed, the search has no end, which the compiler reports
     }
 }
 
@@ -173,9 +173,9 @@ namespace
 {
 using POSITIONS = std::unordered_map<std::string, CFG_INI_VAR_ENUM>;
 
-// The map of the first call, for the rest of the process. Racing first callers each build one, and all get the first
-// that is finished. Nobody waits for another, as at the guard of a local static: a child forked while some thread of
-// its parent builds has no such thread, and would wait for ever.
+// The map that the first call builds, kept until the process ends. Racing first callers each build one, and all get the
+// one that is finished first. No caller waits for another, as at the guard of a local static: the child of a fork lacks
+// the threads of its parent, and would wait for ever for one that was building.
 class POSITIONS_BY_NAME
 {
 public:

@@ -26,11 +26,11 @@ struct CATALOGUE_ENTRY
 // By position.
 extern const std::array<CATALOGUE_ENTRY, CFG_INI_VAR_END> catalogue_entries;
 
-// Reports a value outside the enumeration under that line number; should the reporter return, the process is aborted.
+// Reports a value outside the enumeration under the line number `line`. Aborts the process if the reporter returns.
 [[noreturn]] void refuse_unknown_variable(int line);
 
-// The entry of a catalogued variable. A value outside the enumeration is refused, reported under the line number `line`
-// (by default the caller's).
+// The entry of a catalogued variable. Refuses a value outside the enumeration, and reports it under the line number
+// `line`, by default the caller's.
 inline const CATALOGUE_ENTRY& catalogue_entry(CFG_INI_VAR_ENUM ini_enum, int line = __builtin_LINE())
 {
     if (ini_enum < CFG_INI_VAR_BEGIN || ini_enum >= CFG_INI_VAR_END) [[unlikely]]

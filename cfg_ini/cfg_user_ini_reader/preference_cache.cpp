@@ -1,12 +1,12 @@
-// One entry a preference, in an array by number, and one running release that all entries are about. The release is
-// kept in a fixed array of characters: nothing here is allocated, so that clearing cannot fail, and nothing is
-// destroyed at exit, when preferences may still be asked for.
+// The cache is an array with one entry for each preference, by number. All entries belong to one running release. The
+// name of the release is kept in a fixed array of characters. So nothing here is allocated, and clearing cannot fail.
+// Nothing is destroyed at exit, when preferences may still be asked for.
 //
 // A lookup with another running release clears all entries. Hosts have one release and never pay for it; programs that
 // change it (tests, tools that look at another installation) pay with searches.
 //
-// Cost: a comparison of the release's name and an access to an array. A release with a longer name than the array
-// holds is never cached.
+// Cost: a comparison of the release's name and an access to an array. A release is never cached if its name is longer
+// than the array.
 #include "cfg_ini/cfg_user_ini_reader/preference_cache.h"
 
 #include <array>
@@ -25,7 +25,8 @@ CACHED_RECORD* cached_record(CFG_USER_INI_ENUMS preference, const std::string& v
 {
     if (version != std::string_view(cached_version.data(), cached_version_size))
     {
-        // Also for a release whose name is not kept: assignments for it may change what others were refused.
+        // Clears also for a release whose name is not kept, since its assignments may change the results cached for
+        // another.
         clear_preference_cache();
         if (version.size() > cached_version.size())
             return nullptr;

@@ -1,8 +1,10 @@
 // A cache over the records: for each preference, what the last search for the running release's record found.
 //
-// A cached answer is always the one that a search would give. That rests on three rules: a record stays in the map
-// until all are unloaded (but for an assignment that is undone, which clears the cache); a record that was missed stays
-// missing until the map grows; and whoever publishes or unloads the maps clears the cache.
+// A cached answer is always the one that a search would give. Three rules ensure this:
+// - A record stays in the map until all are unloaded. (An assignment that is undone removes its record, and clears the
+//   cache.)
+// - A record that was not found stays missing until the map grows.
+// - Whoever publishes or unloads the maps clears the cache.
 #ifndef CFG_INI_CFG_USER_INI_READER_PREFERENCE_CACHE_H
 #define CFG_INI_CFG_USER_INI_READER_PREFERENCE_CACHE_H
 
@@ -17,14 +19,14 @@ namespace zon_cfg
 {
 struct CACHED_RECORD
 {
-    CFG_USER_VALUE_STRUCT* record; // null when it was not found
-    std::size_t missed_among;      // how many records the map held at the last search; 0 at first, where all are missed
-    bool releases_may_have_it;     // it was missed, but another release's section may hold it: not a final miss
+    CFG_USER_VALUE_STRUCT* record; // null if it was not found
+    std::size_t missed_among;      // the size of the map at the last search; at first 0, as an empty map has no record
+    bool releases_may_have_it;     // it was not found, but the section of another release may hold it
 };
 
-// The entry for the record under the catalogue's own spelling of the preference's key, while `version` is the running
-// release; the preference is one of the catalogue's. The caller may write the entry. Null for a running release whose
-// name is too long to keep.
+// The entry of a preference, for its record under the catalogue's own spelling of the key. `preference` must be one of
+// the catalogue's, and `version` is the running release. The caller may write the entry. Null if the name of the
+// release is too long to keep.
 CACHED_RECORD* cached_record(CFG_USER_INI_ENUMS preference, const std::string& version);
 
 void clear_preference_cache() noexcept;

@@ -1,7 +1,7 @@
-// Everything here is constant data, made by the compiler from the rows of preference_rows.h: the columns are picked
-// from the rows, the triples stand in one array, where each number's begin is kept too, and the keys
-// entered into an index. Nothing is initialised when a process starts, so that the tables can be used before and after
-// static objects live. Static assertions further down hold what the store relies on.
+// Everything here is constant data that the compiler makes from the rows of preference_rows.h: the columns, one array
+// of all triples with the position of each number's first one, and an index of the keys. Nothing is initialised when a
+// process starts, so the tables can be used before static objects are constructed and after they are destroyed. Static
+// assertions further down check what the store relies on.
 //
 // The index is a hash table of 256 one-byte slots with open addressing: a key that finds its slot taken goes to the
 // next free one. Its hash and its comparison fold the letters A to Z, as gen_stricmp does, since any letter case finds
@@ -58,8 +58,8 @@ consteval auto names_and_defaults()
     return pairs;
 }
 
-// The position of each number's first triple, and at the end the position behind all: a number's triples go up to the
-// next one's first.
+// The position of each number's first triple, and at the end the position behind all triples. A number's triples end
+// where those of the next number begin.
 consteval auto first_triples()
 {
     std::array<std::size_t, row_count + 1> firsts{};
@@ -71,7 +71,7 @@ consteval auto first_triples()
 
 constexpr auto first_triple = first_triples();
 
-// The end marker has no triples, so that what would be its first is the closing one.
+// The end marker has no triples, so the position of its first one is that of the empty triple behind all others.
 constexpr std::size_t triple_count = first_triple[CFG_USER_INI_ENUMS_END];
 
 consteval auto section_value_triples()
@@ -87,7 +87,7 @@ consteval auto section_value_triples()
     return triples;
 }
 
-// Kept apart from the span that names it: the compiler then knows where the triples are, and indexes them directly.
+// An object of its own beside the span that refers to it: the compiler then knows its address and indexes it directly.
 constexpr auto triple_table = section_value_triples();
 
 constexpr const char* key_of(CFG_USER_INI_ENUMS preference)
@@ -102,7 +102,7 @@ constexpr char folded(char c)
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
 }
 
-// What gen_stricmp answers, for the compiler, which cannot call a service of the host's.
+// What gen_stricmp decides, but at compile time, when no service can be called.
 constexpr bool equal_folded(const char* a, const char* b)
 {
     return std::ranges::equal(std::string_view(a), std::string_view(b), {}, folded, folded);
@@ -177,7 +177,7 @@ constinit const std::array<std::pair<const char*, const char*>, CFG_USER_INI_ENU
 constinit const std::span<const PREFERENCE_TRIPLE> cfg_user_ini_enum_section_value_table = triple_table;
 
 // An old name is either a key of an earlier release or the label that the preference had in the Windows registry. Two
-// old names may lead to one key: files of both kinds are about.
+// old names may lead to one key, since there are files with either.
 constexpr std::array<std::pair<const char*, const char*>, old_preference_name_count + 1>
     cfg_user_ini_name_old_name_table = {{
         {key_of(DISPLAY_WARNING_MESSAGES), "Post warning messages"},

@@ -1,5 +1,5 @@
-// The catalogue of user preferences: keys, sections, allowed values, defaults, descriptions and old names. Constant
-// data, all of it derived from the rows of preference_rows.h at compile time. No state, no lock.
+// The catalogue of user preferences: keys, sections, allowed values, defaults, descriptions and old names. It is
+// constant data, which the compiler derives from the rows of preference_rows.h. No state, no lock.
 #ifndef CFG_INI_CFG_USER_INI_READER_PREFERENCE_CATALOGUE_H
 #define CFG_INI_CFG_USER_INI_READER_PREFERENCE_CATALOGUE_H
 
@@ -12,7 +12,7 @@
 
 namespace zon_cfg
 {
-// The columns by number, the end marker's row included. Never null; an absent text is the empty text.
+// A column, by number, including the row of the end marker. No element is null; an absent text is the empty text.
 using PREFERENCE_COLUMN = std::array<const char*, CFG_USER_INI_ENUMS_END + 1>;
 
 // One allowed value of a preference. The triples of a key follow each other and share its section; a key that takes
@@ -34,7 +34,7 @@ extern const zon_cfg::PREFERENCE_COLUMN cfg_user_ini_registry_branches;
 extern const zon_cfg::PREFERENCE_COLUMN cfg_user_ini_registry_sub_branches;
 
 // (key, default value) by number; the last pair is empty. Numbers that belong to no preference have empty pairs too, so
-// a walk goes by count.
+// a loop must go over all numbers and not stop at an empty pair.
 extern const std::array<std::pair<const char*, const char*>, CFG_USER_INI_ENUMS_END + 1>
     cfg_user_ini_name_default_values;
 
@@ -51,24 +51,25 @@ namespace zon_cfg
 // The section of each preference, without a release.
 extern const PREFERENCE_COLUMN preference_sections;
 
-// Where the tables by number hold a preference.
+// The index of a preference in the tables by number.
 constexpr std::size_t preference_position(CFG_USER_INI_ENUMS preference)
 {
     return static_cast<std::size_t>(preference);
 }
 
-// The number of the key, letter case ignored; CFG_USER_INI_ENUMS_END, which has no section, no allowed values and no
-// default, for a name that is no key. `name` must not be null.
+// The number of the key, letter case ignored. For a name that is no key, it is CFG_USER_INI_ENUMS_END, which has no
+// section, no allowed values and no default. `name` must not be null.
 CFG_USER_INI_ENUMS find_preference(const char* name);
 
-// Whether the value is a credential, which what shows preferences to people masks. It is looked up and saved as any.
+// Whether the value is a credential. Programs that show preferences to people mask it. Lookups and saves treat it as
+// any other value.
 bool is_secret_preference(CFG_USER_INI_ENUMS preference);
 
 // The triples of one preference, a part of the table above; none for a number that belongs to no preference.
 std::span<const PREFERENCE_TRIPLE> preference_triples(CFG_USER_INI_ENUMS preference);
 
-// The first triple of the preference that allows `value`, letter case ignored; with a null `value` its first triple.
-// Null when no triple fits.
+// The first triple of the preference that allows `value`, letter case ignored; null if none does. A null `value` stands
+// for any value.
 const PREFERENCE_TRIPLE* find_fitting_triple(CFG_USER_INI_ENUMS preference, const char* value);
 }
 

@@ -1,11 +1,11 @@
-// The file is read line by line, and each line says by itself what it is: its first bracket, else its first "=",
-// decides. The only state from line to line is the current section.
+// The file is read line by line. Each line alone says what it is: its first bracket decides, or else its first "=". The
+// only state from line to line is the current section.
 //
 // Invariants:
-// - The maps that a reading fills belong to it alone. They are handed out when the reading is over; an exception on the
-//   way, such as a failed allocation, frees them, and what is loaded does not change.
-// - The first line of a key wins. Keys are sections and names run together, so that two different pairs may share one.
-// - What the reader does to a line, the tool that checks preference files takes from the same function.
+// - The maps that a load fills belong to it alone until it is complete. An exception on the way, such as a failed
+//   allocation, frees them, and the loaded preferences do not change.
+// - The first line of a key wins. A key is a section and a name run together, so two different pairs may share one.
+// - The tool that checks preference files parses lines with the same function as the reader.
 //
 // Cost: one pass over the bytes; a search of the map for each key line, and a walk over the few old names.
 #include "cfg_ini/cfg_user_ini_reader/preference_file.h"
@@ -72,7 +72,7 @@ namespace
 PREFERENCE_LINE header_line(std::string_view text, std::size_t bracket)
 {
     PREFERENCE_LINE line;
-    // For those who check files: it reads like a key line whose value holds a bracket, and is none.
+    // For tools that check files: the line looks like a key line whose value holds a bracket, but is none.
     line.bracket_after_equals = text.find('=') < bracket;
     const std::size_t end = text.find(']', bracket);
     if (end == std::string_view::npos)
@@ -90,7 +90,7 @@ PREFERENCE_LINE key_line(std::string_view text, std::size_t equals)
     PREFERENCE_LINE line;
     line.kind = PREFERENCE_LINE_KIND::KEY;
 
-    // Old names end here: what is looked up, assigned and saved afterwards is the current name.
+    // From here on there is only the current name: it is looked up, assigned and saved.
     const std::string written_name = gen_remove_leading_and_trailing_white_spaces(std::string(text.substr(0, equals)));
     line.name = cfg_convert_from_old_to_new(written_name);
     line.old_name_converted = line.name != written_name;
@@ -107,15 +107,15 @@ PREFERENCE_LINE key_line(std::string_view text, std::size_t equals)
 PREFERENCE_LINE classify_preference_line(std::string_view text)
 {
     PREFERENCE_LINE line;
-    // What stands behind a zero byte is no part of the line, for its length either.
+    // A zero byte ends the line, also for its length.
     text = text.substr(0, text.find('\0'));
     if (text.size() < 3)
     {
         line.kind = PREFERENCE_LINE_KIND::TOO_SHORT;
         return line;
     }
-    // A bracket anywhere makes a header, also in the value of a key line: files are read so, and written values that
-    // hold a bracket are lost at the next reading.
+    // A bracket anywhere makes a header, even in the value of a key line. Existing files are read so. A saved value
+    // that holds a bracket is therefore lost at the next load.
     if (const std::size_t bracket = text.find('['); bracket != std::string_view::npos)
         return header_line(text, bracket);
     if (const std::size_t equals = text.find('='); equals != std::string_view::npos)

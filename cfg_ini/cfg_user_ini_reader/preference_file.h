@@ -1,4 +1,4 @@
-// The preference file velmar2.ini: where it is, how a line of it reads, and reading it into maps. No state.
+// The preference file velmar2.ini: finds it, parses its lines, and reads it into maps. No state.
 #ifndef CFG_INI_CFG_USER_INI_READER_PREFERENCE_FILE_H
 #define CFG_INI_CFG_USER_INI_READER_PREFERENCE_FILE_H
 
@@ -11,13 +11,13 @@
 // Names and sections
 // ---------------------------------------------------------------------------------------------------------------------
 
-// The current name of a preference, given that name or one of its old ones; any other text comes back as it is. Old
-// names match without regard to letter case.
+// The current name of a preference, for that name or one of its old ones; any other text is returned as it is. Old
+// names match in any letter case.
 std::string cfg_convert_from_old_to_new(const std::string& name);
 
-// The section of a preference: the catalogue's, or with `with_version` the running release's, such as
-// "General 23.4_pro". Empty for a name that the catalogue does not know and for a value that it does not allow, both
-// compared without regard to letter case; a null `value` fits always. A null name is reported and answers the empty
+// The section of a preference: the catalogue's, or with `with_version` the running release's, such as "General
+// 23.4_pro". Empty for a name that the catalogue does not know, and for a value that it does not allow. Both are
+// compared without regard to letter case. A null `value` counts as allowed. A null name is reported and gives the empty
 // text.
 std::string cfg_get_section_for_name(const char* name, const char* value, bool with_version);
 
@@ -69,7 +69,7 @@ std::string cfg_generate_user_ini_file_path();
 
 namespace zon_cfg
 {
-// What the file holds. A file that cannot be opened gives no lines, one that fails gives the lines before the failure.
+// What the file holds. A file that cannot be opened has no lines. One that fails has the lines before the failure.
 PREFERENCE_MAPS read_preferences(const std::string& path);
 }
 

@@ -3,11 +3,11 @@
 // the host's function may throw whatever it likes.
 //
 // Invariants:
-// - The second half is owed from the moment of publishing, one path after the other, until it is done. Whoever uses the
-//   preferences next tries again, for as long as it fails, and gets the exception if it fails again. No path is handed
-//   over by loading twice, except that the assignment of a carried-over value hands it over as well.
-// - Nothing is owed while a hand-over runs: a host's function that asks for a preference, which it should not, gets an
-//   answer and does not call itself for ever.
+// - From the moment of publishing, each path is owed until it was handed over. As long as this fails, the next use of
+//   the preferences tries again, and gets the exception if it fails again. Loading hands no path over twice. But if the
+//   value is carried over, its assignment hands it over as well.
+// - Nothing is owed while a hand-over runs. So a host's function that asks for a preference, which it should not, gets
+//   an answer and does not call itself for ever.
 #include "cfg_ini/cfg_user_ini_reader/preference_loading.h"
 
 #include <iterator>

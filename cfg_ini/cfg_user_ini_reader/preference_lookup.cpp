@@ -1,15 +1,16 @@
 // The calls that hosts make. Each takes the same steps:
-//   1. the catalogue, by number or by name, for the section, and for an assignment whether the value is allowed;
-//   2. the running release, which names the section in full; it is asked for only if there is a section;
-//   3. loading, if nothing is loaded or search paths are still owed to the host;
-//   4. the value in the loaded records (preference_values.h), or a new value stored there.
+//   1. Look up the section in the catalogue, by number or by name. For an assignment, also test whether the value is
+//      allowed.
+//   2. If there is a section, ask for the running release, which completes its name.
+//   3. Load the preferences if nothing is loaded, and hand over search paths that are still owed to the host.
+//   4. Find the value in the loaded records (preference_values.h), or store a new one there.
 //
-// Step 3 happens also where step 1 has settled the answer: hosts rely on any lookup or assignment having loaded the
-// file and handed its search paths over. Null arguments are reported before step 1, and load nothing.
+// Step 3 happens even if step 1 has settled the answer: hosts rely on any lookup or assignment to load the file and
+// hand its search paths over. Null arguments are reported before step 1, and load nothing.
 //
-// A call by name finds the catalogue's entry in any letter case, but looks for records, and makes them, under the name
-// as it was passed: users' files hold keys in spellings of their own. Old names are no names here; reading a file
-// converts them.
+// A call by name finds the catalogue's entry in any letter case. But it finds and makes records under the name as it
+// was passed, since users' files hold keys in spellings of their own. Old names are not accepted here; only the load of
+// a file converts them.
 #include "cfg_ini/cfg_user_ini_reader/preference_lookup.h"
 
 #include <cstdlib>
@@ -93,14 +94,14 @@ PREFERENCE_ORIGIN preference_origin(CFG_USER_INI_ENUMS preference)
     const std::string version = ver_get_version();
     const RECORD_KEY current = record_key(released_section(section, version), name);
 
-    // A value that decides nothing has no origin: an empty one counts as none, wherever it stands.
+    // An empty value counts as none, wherever it stands, so it has no origin.
     const auto from = [](PREFERENCE_SOURCE source, const CFG_USER_VALUE_STRUCT* record)
     {
         return record == nullptr || record->value.empty() ? PREFERENCE_ORIGIN{}
                                                           : PREFERENCE_ORIGIN{source, record->section};
     };
     PREFERENCE_ORIGIN origin;
-    // A record in a section that the file does not have is itself a copy, made by a lookup.
+    // If the file does not have the section, this process made its records, by carry-over or assignment.
     if (cfg_user_ini_sections_read->contains(current.section()))
         origin = from(PREFERENCE_SOURCE::RUNNING_RELEASE, find_record(current));
     else
@@ -140,8 +141,8 @@ std::string cfg_get_user_ini_value(const char* name)
 
 int cfg_get_user_ini_int_value(CFG_USER_INI_ENUMS preference)
 {
-    // A number outside the range of int keeps its low 32 bits, one outside the range of long those of the nearest long.
-    // Of 64 bits on every machine, so that a number beyond an int has the same lower half on all.
+    // A number outside the range of int keeps its low 32 bits. One outside the range of long long counts as the nearest
+    // long long. That has 64 bits on every machine, so the result is the same on all.
     return static_cast<int>(std::strtoll(look_up(preference, true).c_str(), nullptr, 10));
 }
 

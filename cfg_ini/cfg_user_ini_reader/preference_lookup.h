@@ -1,5 +1,5 @@
-// Looking preferences up, with fallback to older releases and defaults, and assigning them. What the public header
-// leaves out.
+// Looks preferences up, with fallback to older releases and defaults, and assigns them: the functions that are not in
+// the public header.
 #ifndef CFG_INI_CFG_USER_INI_READER_PREFERENCE_LOOKUP_H
 #define CFG_INI_CFG_USER_INI_READER_PREFERENCE_LOOKUP_H
 
@@ -7,8 +7,8 @@
 
 #include "cfg_ini/cfg_ini.h"
 
-// The value of a preference, with the catalogue's default in place of an empty one if `use_default`; empty for an
-// unknown name. Loads the file first if need be. A null name is reported and answers the empty text.
+// The value of a preference; empty for an unknown name. If `use_default`, the catalogue's default replaces an empty
+// value. Loads the file first if need be. A null name is reported and gives the empty text.
 std::string cfg_get_user_ini_value_internal(const char* name, bool use_default);
 
 namespace zon_cfg
@@ -28,9 +28,9 @@ struct PREFERENCE_ORIGIN
     std::string section; // of the file; empty for NOWHERE and DEFAULT
 };
 
-// Where the file as it was loaded has the value that a lookup of the preference answers, default included. Follows the
-// steps of a lookup without its effects; loads the file first if need be. What the program has assigned since is not
-// seen where the file lacks the running release's section.
+// Where the value that a lookup of the preference gives comes from: a section of the file as it was loaded, or the
+// default. Takes the steps of a lookup without its effects, but loads the file first if need be. If the file lacks the
+// running release's section, the result ignores what the program has assigned since the load.
 PREFERENCE_ORIGIN preference_origin(CFG_USER_INI_ENUMS preference);
 }
 

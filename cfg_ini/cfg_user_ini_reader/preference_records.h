@@ -23,14 +23,15 @@ namespace zon_cfg
 using CFG_USER_VALUE_MAP = std::map<std::string, CFG_USER_VALUE_STRUCT*, std::less<>>;
 }
 
-// Both are null while nothing is loaded, and both exist while something is.
+// The two maps of the loaded preferences. Both are null while nothing is loaded; otherwise both exist.
 //
-// The records by section and name, with nothing in between: two pairs of section and name may share a key, which then
-// belongs to the pair that came first. The map owns its records. Its order is the order of the written file.
+// The first one holds the records. Its key is the section, immediately followed by the name. Two pairs of section and
+// name may have the same key, which then belongs to the pair that came first. The map owns its records. Its order is
+// the order of the written file.
 extern constinit zon_cfg::CFG_USER_VALUE_MAP* cfg_user_ini_records;
 
-// A set: the section headers that the file holds, with null values. Assignments do not add to it, so that the other
-// preferences of an assigned one's section are still carried over from older releases until the file is read again.
+// The second one is a set: the section headers in the file, with null values. Assignments do not add to it. So after an
+// assignment, the other preferences of its section are still carried over from older releases until the next load.
 extern constinit zon_cfg::CFG_USER_VALUE_MAP* cfg_user_ini_sections_read;
 
 namespace zon_cfg
@@ -40,8 +41,8 @@ struct DELETE_WITH_RECORDS
     void operator()(CFG_USER_VALUE_MAP* map) const noexcept;
 };
 
-// Both maps, owned, while they are not the loaded ones: before a reading is whole, and after an unloading. Null or both
-// there.
+// Owns both maps while they are not the loaded ones: while a load fills them, and after they were unloaded. Either both
+// exist or both are null.
 struct PREFERENCE_MAPS
 {
     std::unique_ptr<CFG_USER_VALUE_MAP, DELETE_WITH_RECORDS> records;
@@ -51,10 +52,10 @@ struct PREFERENCE_MAPS
 // Two empty maps.
 PREFERENCE_MAPS make_preference_maps();
 
-// Makes these maps the loaded ones. Those that are loaded already are forgotten, not freed.
+// Makes these maps the loaded ones. Maps that are already loaded are forgotten, not freed.
 void publish_preferences(PREFERENCE_MAPS&& maps) noexcept;
 
-// The loaded maps, which are not loaded any more.
+// Unloads the loaded maps and returns them.
 PREFERENCE_MAPS withdraw_preferences() noexcept;
 }
 

@@ -1,7 +1,7 @@
 // The broken preconditions that the preference store reports.
 //
-// A report of this store names a directory as its source, so that a line of some file in it would point nowhere. In
-// place of the line it carries the number of the precondition: a fixed identifier, which does not follow the source.
+// A report of this store names a directory as its source, so a line number would mean nothing. In its place, the report
+// carries the number of the precondition. This is a fixed identifier and does not change with the source.
 #ifndef CFG_INI_CFG_USER_INI_READER_PREFERENCE_REPORTS_H
 #define CFG_INI_CFG_USER_INI_READER_PREFERENCE_REPORTS_H
 

@@ -14,7 +14,7 @@ namespace zon_cfg
 struct PREFERENCE_ROW
 {
     CFG_USER_INI_ENUMS number;
-    bool secret; // what shows preferences to people masks its value; in the padding, so that a row is no longer for it
+    bool secret; // programs mask the value when they show it; stands here because padding has room for it
     const char* key;
     const char* section;
     std::span<const char* const> allowed_values; // the empty text allows any value
@@ -37,7 +37,7 @@ constexpr const char* color[] = {
     "Light_Gray", "Yellow", "Magenta", "Red", "Cyan", "Green", "Blue", "Black"};
 // clang-format on
 
-// Its own order: what lists the allowed values of COMPACT_REPORT_TABLE_FORMAT shows them so.
+// In this order because lists of the allowed values of COMPACT_REPORT_TABLE_FORMAT show it.
 constexpr const char* one_zero_on_off[] = {"1", "0", "on", "off"};
 constexpr const char* waveform_format[] = {"2", "1", "0", "vcd", "cvwf", "vwf"};
 constexpr const char* default_off_on[] = {"default", "off", "on"};
@@ -59,8 +59,9 @@ constexpr const char* hdl[] = {"KHDL", "Verilog", "VHDL"};
         static_cast<CFG_USER_INI_ENUMS>(number), false, "", "", {}, "", "", "", ""                                     \
     }
 
-// Irregular on purpose, since users' files and scripts rely on it: the misspelt PROMOTE_CRITCAL_WARNING_..., the
-// switches that take only "off" and "on", and the registry branches that differ from the sections.
+// Some things are irregular on purpose, since users' files and scripts rely on them: the misspelt
+// PROMOTE_CRITCAL_WARNING_..., the switches that take only "off" and "on", and the registry branches that differ from
+// the sections.
 constexpr PREFERENCE_ROW preference_rows[] = {
     PREFERENCE(DISPLAY_WARNING_MESSAGES, "Messages", free_text, "", "Post warning messages", "Messages",
                "Displays warning messages in the Messages window and on the command line. When this option is off, "

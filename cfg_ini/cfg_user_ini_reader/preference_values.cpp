@@ -1,18 +1,21 @@
-// A value is looked for in up to three places of the loaded records, which differ in the section of the key:
+// A value is searched for in up to three locations:
 //   1. the running release's section;
 //   2. if the file has no such section at all, the sections of the known releases in their order, and then the section
-//      without a release; what is found there is stored in the running release's section as well;
+//      without a release. If the catalogue allows the value, it is also stored in the running release's section;
 //   3. the catalogue, for the default.
 // A record with an empty value is found, but its value counts as none.
 //
-// The cache (preference_cache.h) spares the searches where their outcome is settled: the running release's record, once
-// found, is the answer, and a miss is final until the map grows. A miss in place 2 depends on which releases are known,
-// which a host may change. It is final all the same if no record at all could be one of the preference in some release;
-// that is seen from the keys between its bare section and the next, once each time that the map has grown.
+// The cache (preference_cache.h) saves searches whose result is certain. If the running release's record was found, it
+// is the answer. If it was not found, that is final until the map grows. A miss in location 2 also depends on which
+// releases are known, which a host may change. It is final all the same if no record at all could belong to the
+// preference in any release. The keys that begin with its bare section show that. They are examined once each time the
+// map has grown.
 //
-// Storing is all or nothing: the old value comes back, or the new record goes, if the host's function throws.
+// Storing changes everything or nothing. If the host's function throws, the old value is restored, or the new record
+// removed.
 //
-// Cost: a cached answer needs no search; others take one search of the map, plus one for each known release in place 2.
+// Cost: a cached answer needs no search. Others take one search of the map, and one more for each known release in
+// location 2.
 #include "cfg_ini/cfg_user_ini_reader/preference_values.h"
 
 #include <cstring>
@@ -74,9 +77,9 @@ CACHED_RECORD* cached_record_of(const NAMED_PREFERENCE& preference)
 // Lookup
 // ---------------------------------------------------------------------------------------------------------------------
 
-// Whether a record could be the preference's in some release, known or not, or in the section without a release: its
-// key begins with the bare section and ends with the name. Gives up with true after many keys, so that a file with a
-// million of them costs no more than the search among the known releases that is to be spared.
+// Whether a record may belong to the preference in some release, known or not, or in the section without a release. The
+// key of such a record begins with the bare section and ends with the name. Gives up after many keys and returns true.
+// So a file with a million of them costs no more than the search among the known releases that this function can save.
 bool may_be_of_some_release(std::string_view section, std::string_view name)
 {
     constexpr int most_keys = 1000;
@@ -90,8 +93,8 @@ bool may_be_of_some_release(std::string_view section, std::string_view name)
     return false;
 }
 
-// Stores the record's value for the running release if the catalogue allows it. What it refuses is still the lookup's
-// answer.
+// Stores the record's value for the running release if the catalogue allows it. The value is the lookup's answer in
+// either case.
 void carry_over(const NAMED_PREFERENCE& preference, const CFG_USER_VALUE_STRUCT& record)
 {
     const char* const value = record.value.c_str();
@@ -127,7 +130,7 @@ const CFG_USER_VALUE_STRUCT* answering_record(const NAMED_PREFERENCE& preference
 
     const RECORD_KEY current = running_key(preference);
     CFG_USER_VALUE_STRUCT* const record = find_record(current);
-    // A file that has the running release's section has had it saved: what is missing there is meant to be.
+    // If the file has the running release's section, that release has saved it: what is missing there is meant to be.
     const bool other_releases_count = record == nullptr && !cfg_user_ini_sections_read->contains(current.section());
     const bool releases_may_have_it =
         other_releases_count &&

@@ -1,5 +1,5 @@
-// Values in the loaded records: what a lookup answers, with carry-over from older releases and defaults, and storing an
-// assigned value. Everything here needs loaded preferences, and loads none.
+// Works with values in the loaded records: looks a value up, with carry-over from older releases and defaults, and
+// stores an assigned one. Everything here requires loaded preferences, and loads none.
 #ifndef CFG_INI_CFG_USER_INI_READER_PREFERENCE_VALUES_H
 #define CFG_INI_CFG_USER_INI_READER_PREFERENCE_VALUES_H
 
@@ -28,10 +28,10 @@ struct RECORD_KEY
 
 RECORD_KEY record_key(std::string section, const char* name);
 
-// Null when there is none.
+// The record with this key, or null.
 CFG_USER_VALUE_STRUCT* find_record(const RECORD_KEY& key);
 
-// The record of the first of the releases that has the preference; null when none has. `section` has no release.
+// The record of the first of these releases that has the preference; null if none has. `section` names no release.
 const CFG_USER_VALUE_STRUCT* find_released_record(const std::string& section, const char* name,
                                                   const std::vector<std::string>& versions);
 
@@ -41,17 +41,17 @@ const CFG_USER_VALUE_STRUCT* find_released_record(const std::string& section, co
 struct NAMED_PREFERENCE
 {
     CFG_USER_INI_ENUMS number;
-    const char* name;    // the key in the spelling under which its records are looked for and made
+    const char* name;    // the key, as spelt in the records to be found or made
     const char* section; // without a release; empty when the catalogue has none for the name or refuses the value
     std::string version; // the running release
 };
 
-// What a lookup answers. A value that is carried over from another release is also stored for the running one.
+// The result of a lookup. A value that is carried over from another release is also stored for the running release, if
+// the catalogue allows it.
 std::string value_of(const NAMED_PREFERENCE& preference, bool use_default);
 
-// Stores a value, which the caller has found allowed; the preference has a section. Search paths are handed over to
-// the host.
-// An exception, its own or one of the host's function, leaves everything as it was.
+// Stores a value that the catalogue allows; the preference must have a section. Hands search paths over to the host. If
+// it throws, or the host's function does, nothing has changed.
 void store_value(const NAMED_PREFERENCE& preference, const char* value);
 
 // --- Search paths ---
@@ -59,7 +59,7 @@ void store_value(const NAMED_PREFERENCE& preference, const char* value);
 // The preferences whose values the general service takes, in the order in which loading hands them over.
 inline constexpr CFG_USER_INI_ENUMS search_paths[] = {USER_LIBRARIES, USER_IP_SEARCH_PATHS};
 
-// The general service's function that takes the value; null for any other preference.
+// The function of the general service that takes the value; null for any other preference.
 using TAKE_PATHS = void (*)(const std::string& paths);
 TAKE_PATHS taker_of(CFG_USER_INI_ENUMS preference);
 }

@@ -1,16 +1,16 @@
-// The file's layout is defined by passes over the records in map order: each pass takes the section of the first record
-// that is not written yet, and writes it with all such records of that section, letter case ignored. One pass a section
-// would take the square of the sections. The same bytes come from one walk that puts the records into groups:
+// Passes over the records in map order define the layout of the file. Each pass takes the section of the first record
+// that is not written yet, and writes all unwritten records of that section, letter case ignored. One pass per section
+// would take time quadratic in the number of sections. One walk that puts the records into groups gives the same bytes:
 //
-// - A group is one section, letter case ignored. The groups stand in the order of their first records, and a group's
-//   records in map order; its header is the section of its first record.
+// - A group is one section, letter case ignored. The groups are in the order of their first records, and the records of
+//   a group are in map order. The header of a group is the section of its first record.
 // - Records of one section mostly follow each other, but need not: "AB" + "c" stands between "A" + "A" and "A" + "Z".
-//   So a record is compared with the one before it, and else its group is searched.
-// - Whatever needs memory happens before the file is opened, which empties it. A save that runs out of memory leaves
-//   the file as it was.
+//   So a record is first compared with the one before it. If the section differs, its group is searched.
+// - Everything that needs memory happens before the file is opened, because opening empties the file. A save that runs
+//   out of memory leaves the file as it was.
 //
-// Cost: n records in s sections take n comparisons and up to n * log s more for the searches, whatever the file holds;
-// the time goes to the flush of each line.
+// Cost: n records in s sections take n comparisons and up to n * log s more for the searches, whatever the file holds.
+// Most of the time goes to the flush of each line.
 #include "cfg_ini/cfg_user_ini_reader/preference_writing.h"
 
 #include <array>
@@ -42,7 +42,7 @@ __attribute__((format(printf, 1, 2))) void mem_msg_vdebug(const char* format, ..
     va_end(args);
 }
 
-// An empty value counts as none and leaves the file.
+// A record with an empty value counts as none, so a save drops it from the file.
 void mark_records_to_write(const CFG_USER_VALUE_MAP& records)
 {
     for (const auto& [key, record] : records)
@@ -106,8 +106,8 @@ bool cfg_write_user_ini_file()
     if (cfg_user_ini_records == nullptr)
         return true;
 
-    // A search path whose hand-over failed is still to be carried over: once the running release's section is saved
-    // without it, no later reading would do that.
+    // Search paths that are still owed must be carried over first. Once the running release's section is saved without
+    // them, no later load would do that.
     load_preferences_if_needed();
     const std::vector<SECTION_GROUP> groups = groups_to_write(*cfg_user_ini_records);
     const std::string path = cfg_generate_user_ini_file_path();

@@ -1,4 +1,4 @@
-// Saving and unloading the preferences. What the public header leaves out.
+// Saves and unloads the preferences: the functions that are not in the public header.
 #ifndef CFG_INI_CFG_USER_INI_READER_PREFERENCE_WRITING_H
 #define CFG_INI_CFG_USER_INI_READER_PREFERENCE_WRITING_H
 
@@ -9,19 +9,18 @@
 
 namespace zon_cfg
 {
-// The records that stand under one header, in the order of the file; at least one. The header is the section of the
-// first.
+// The records under one header, in the order of the file; at least one. The header is the section of the first record.
 using SECTION_GROUP = std::vector<CFG_USER_VALUE_STRUCT*>;
 
-// What a save writes of these records, in the order of the file. Marks those as pending.
+// The records that a save writes, in groups, in the order of the file. Marks these records as pending.
 std::vector<SECTION_GROUP> groups_to_write(const CFG_USER_VALUE_MAP& records);
 
-// Writes the group as a save does, and takes its marks away.
+// Writes the group as a save does, and clears the marks of its records.
 void write_group(std::ostream& file, const SECTION_GROUP& group);
 }
 
-// Frees every record and both maps: nothing is loaded afterwards, and assignments that were not saved are lost. A null
-// record, which the store itself never makes, is reported and passed over.
+// Frees every record and both maps. Afterwards nothing is loaded, and assignments that were not saved are lost. A null
+// record is reported and skipped; the store itself never makes one.
 void cfg_close_user_ini_file();
 
 #endif

@@ -11,13 +11,13 @@
 
 namespace
 {
-// Where nothing can be made, not even by root: the device is no directory.
+// A directory in which nobody can create a file, not even root, since the device is no directory.
 constexpr const char* nowhere = "/dev/null/";
 
 // The home directory of the running user in the password database; empty when there is none.
 std::string home_in_password_database()
 {
-    // An entry that comes from a directory service may be of any length; one beyond this is a broken service's.
+    // An entry from a directory service may be of any length; a longer one than this is an error of the service.
     constexpr std::size_t most_characters = std::size_t{1} << 24U;
     for (std::vector<char> texts(1024); texts.size() <= most_characters;)
     {

@@ -1,5 +1,5 @@
-// The search paths that were handed over last. A text is never changed, only replaced, and freed by its last user. The
-// mutex guards which text is the present one and how many use each; it is not held to allocate, copy or free.
+// The search paths that were set last. A text is never changed, only replaced, and its last user frees it. The mutex
+// guards which text is the present one and how many users each has. It is not held to allocate, copy or free.
 #include "platform/gen/gen.h"
 
 #include <mutex>
@@ -12,7 +12,7 @@ namespace
 struct TEXT
 {
     const std::string text;
-    int users = 1; // readers, and one for being the present one
+    int users = 1; // readers, and one more while it is the present text
 };
 
 constinit std::mutex texts_mutex;
@@ -44,7 +44,7 @@ void replace(TEXT*& present, const std::string& paths)
     stop_using(other);
 }
 
-// Gives a text back, whatever becomes of its copy.
+// Ends the use of a text, even if copying it throws.
 struct USE
 {
     TEXT* const text;

@@ -1,29 +1,33 @@
-// What fork does to the default mutexes: one that another thread holds would stay held in the child for ever, for that
-// thread is not there, and what it guards would stay as that thread left it.
+// What fork does to the default mutexes. Without the handlers here, a mutex that another thread holds would stay held
+// in the child for ever, since the child does not have that thread. What the mutex guards would stay as that thread
+// left it.
 //
-// So the handler before the fork takes every mutex, waiting for those that other threads hold, for a limited time in
-// all; the handlers after it release them, in the parent and in the child. What the forking thread itself holds it
-// holds once more meanwhile, and its copy in the child holds it on. A mutex that could not be had in time is set free
-// in the child, and the function registered for it is called there.
+// The handler before the fork takes every mutex. It waits for those that other threads hold, for a limited time in all.
+// The handlers after the fork release the mutexes, in the parent and in the child. A mutex that the forking thread
+// itself holds is taken once more, so that it still holds it after the fork, also in the child. A mutex that could not
+// be taken in time is lost: the child sets it free and calls the function that is registered for it.
 //
-// What the child may rely on. The kernel copies one page after the other while the other threads of the parent run on:
-// all that one of them writes during the fork may be in the child or not.
-// - A mutex that was taken, and what it guards, nobody else writes meanwhile. (Others may mark it as held with
-//   sleepers; then one wake-up finds nobody.)
-// - Any other mutex counts as lost, whatever the copy of its word says. The one thing never found in that is the
-//   identity of the forking thread, so that is_own() tells them apart.
-// - The mutexes are linked from the newest to the oldest, and a mutex of the service's own lets one thread at a time
-//   add to them. It is taken first: then no mutex is made half before and half after the copying. If it is lost
-//   itself, the child goes back to the newest mutex that was seen before.
-// - Identities given meanwhile may be given again in the child, as the count of them is copied as well; the threads
-//   that have them are not there, nor is anything that names them once the lost mutexes are free.
+// What the child may rely on. The kernel copies one page after the other while the other threads of the parent run on.
+// So whatever such a thread writes during the fork may be in the child or not.
+// - Nobody else writes a mutex that was taken, or what it guards. The one exception: others may mark the mutex as held
+//   with sleepers, and then one wake-up finds nobody.
+// - Any other mutex counts as lost, whatever the copy of its word says. That copy never has the identity of the forking
+//   thread, so is_own() tells the two cases apart.
+// - The mutexes are linked from the newest to the oldest. The mutex `enlisting` lets one thread at a time add to them.
+//   The handler takes it first, so no mutex is added while the memory is copied. If `enlisting` itself is lost, the
+//   child goes back to the newest mutex that the handler saw before the fork.
+// - The child may give identities again that other threads of the parent got during the fork, since the count of
+//   identities is copied as well. That is harmless: the child does not have these threads, and once the lost mutexes
+//   are free, nothing names them.
 //
-// The handlers are registered when the service is loaded. The later a handler is registered, the earlier it runs before
-// a fork: a host's own handlers so run before these, and one that waits for a lock of the host's waits without a mutex
-// in hand. Otherwise it would wait for ever beside a thread that holds that lock and asks for a mutex.
+// Order of handlers. The handlers are registered when the service is loaded. The later a handler is registered, the
+// earlier it runs before a fork. So a host's own handlers run before these, and one that waits for a lock of the host's
+// holds no mutex while it waits. Otherwise it could wait for ever for a thread that holds that lock and waits for a
+// mutex.
 //
-// They may be registered twice, where mutexes are made before that, or where it failed: waiting for each other would
-// need a lock that a fork could copy. And handlers of others may fork. Only the outermost call takes and releases.
+// The handlers may be registered twice, if mutexes are made before the service's own registration or after it has
+// failed. To prevent this, one thread would have to wait for the other under a lock, which a fork could copy. Handlers
+// of others may fork, too. In both cases, only the outermost call takes and releases.
 #include "platform/thr/thr_fork.h"
 
 #include <atomic>
@@ -50,8 +54,8 @@ constinit std::atomic<THR_MUTEX*> newest = nullptr; // reaches all others, also 
 // The calling thread's fork in progress.
 struct FORK
 {
-    unsigned int preparations = 0; // calls of the handler before it, less those of the handlers after it
-    pid_t process = 0;             // the forking process; 0 after it, and in a child once it is settled
+    unsigned int preparations = 0; // calls of the handler before the fork, less those of the handlers after it
+    pid_t process = 0;             // the forking process; 0 after the fork, and in a child once it is settled
     THR_MUTEX* newest_before = nullptr;
 };
 [[gnu::tls_model("initial-exec")]] constinit thread_local FORK own_fork;
@@ -147,7 +151,7 @@ bool register_handlers()
     return true;
 }
 
-// At load. A failure is made good by the first mutex.
+// Registers at load. If this fails, the first creation of a mutex tries again.
 [[maybe_unused]] const bool handlers_were_registered_at_load = register_handlers();
 }
 

@@ -1,29 +1,35 @@
 // The default mutex: one word that waiters sleep on (a futex), and a count of the owner's further holds.
 //
-// The word has three states: free; held, by the thread whose identity it is; and held with sleepers, the same with the
-// lowest bit set. Locking turns free into held. A thread that finds the mutex held spins for a moment, since the store
-// holds it for some nanoseconds only; then it turns held into held with sleepers, and sleeps for as long as the word is
-// that. Unlocking exchanges the word for free, and wakes one sleeper if it was held with sleepers. A thread that gave
-// up spinning takes the mutex as held with sleepers, as others may still sleep: at worst one wake-up finds nobody.
+// The word has three states:
+// - free;
+// - held: the word is the identity of the owner;
+// - held with sleepers: the same, with the lowest bit set.
+//
+// Locking turns free into held. A thread that finds the mutex held spins for a moment, since the store holds it for
+// some nanoseconds only. Then it turns held into held with sleepers, and sleeps as long as the word stays so. Unlocking
+// exchanges the word for free. If the word was held with sleepers, unlocking wakes one sleeper. A thread that gave up
+// spinning takes the mutex as held with sleepers, since others may still sleep; at worst one wake-up finds nobody.
 // Without contention, locking and unlocking are one atomic instruction each.
 //
-// Why it is right. The numbers stand at the accesses below; all are to one atomic object, the word.
-// - Exclusion: the word leaves free only in (1), (2) and (5), which are atomic read-modify-writes: of each free that is
-//   written by (3), one of them at most makes something else. Only the owner does (3).
-// - What the last holder wrote is seen: (3) releases; (1), (2) and (5) acquire, and the free that they read was written
-//   by a (3), or nobody has held the mutex. So all that comes before an unlocking happens before all that follows the
-//   next locking. The count needs nothing else.
-// - No wake-up is lost: the word's modifications have one order, whatever their memory order. A thread sleeps only if
-//   the kernel finds the word held with sleepers, which it compares and enqueues for in one step with regard to
-//   wake-ups. Only (3) ends that state, reads it in doing so, and wakes a sleeper, if not another that comes to (6) in
-//   the meantime sees for itself that the word has changed. Who is woken takes the mutex as held with sleepers (5), or
-//   finds it held and sees to it that it is held with sleepers (6), so that the unlocking after it wakes the next. So
-//   (6) needs no order of its own: it guards no data, and either comes before the next (3), which reads it, or fails.
-// - Whether the caller is the owner (4) needs no order either: a thread reads its own last store to the word or a later
-//   one. It alone ever writes its identity, so it finds it there if and only if it holds the mutex. Identities are
-//   never given twice, so that of an ended thread is nobody's.
-// Nothing rests on the order of accesses to two objects; hence there is neither a fence nor an access that is
-// sequentially consistent.
+// Why it is correct. The numbers stand at the accesses below. All are to one atomic object, the word.
+// - Mutual exclusion. The word leaves free only in (1), (2) and (5), which are atomic read-modify-writes. So for each
+//   free that (3) writes, at most one of them replaces it. Only the owner does (3). The one exception is the child of a
+//   fork, which frees the mutexes whose owners it lacks (thr_fork.cpp).
+// - Visibility. (3) releases; (1), (2) and (5) acquire. The free that they read was written by a (3), or nobody has
+//   held the mutex yet. So everything before an unlock happens before everything after the next lock. The count needs
+//   nothing else.
+// - No lost wake-up. The modifications of the word have one order, whatever their memory order. A thread sleeps only if
+//   the kernel finds the word held with sleepers; the kernel compares and enqueues in one step with regard to wake-ups.
+//   Only (3) ends that state. It reads the state as it does so, and wakes a sleeper. A thread that has passed (6) but
+//   does not sleep yet sees for itself that the word has changed. A woken thread takes the mutex as held with sleepers
+//   (5), or makes sure that it is held with sleepers (6). So the next unlock wakes the next sleeper. (6) needs no order
+//   of its own: it guards no data, and either comes before the next (3), which reads it, or fails.
+// - Ownership. The test (4) whether the caller is the owner needs no order either: a thread reads its own last store to
+//   the word or a later one. Only the thread itself puts its identity into the word, and (6) of other threads only
+//   keeps it there. So the thread finds its identity if and only if it holds the mutex. No identity is given twice, so
+//   that of an ended thread is nobody's.
+// Nothing depends on the order of accesses to two objects. So there is neither a fence nor a sequentially consistent
+// access.
 #include <bit>
 #include <ctime>
 #include <linux/futex.h>
@@ -37,7 +43,7 @@ using zon_thr::identity;
 
 static_assert(std::atomic<zon_thr::WORD>::is_always_lock_free);
 
-[[gnu::tls_model("initial-exec")]] constinit thread_local zon_thr::WORD zon_thr::identity = 0; // said again for g++
+[[gnu::tls_model("initial-exec")]] constinit thread_local zon_thr::WORD zon_thr::identity = 0; // repeated for g++
 
 namespace
 {
@@ -95,7 +101,8 @@ bool THR_MUTEX::wait(const timespec* deadline)
         else if ((seen & zon_thr::sleepers) != 0 ||
                  word.compare_exchange_strong(seen, seen | zon_thr::sleepers, std::memory_order_relaxed)) // (6)
         {
-            // Not before (6): this thread may have taken a wake-up, which is another's if this one gives up.
+            // Not before (6): this thread may have taken a wake-up. If it then gives up, (6) has the next unlock wake
+            // another.
             if (deadline != nullptr && has_passed(*deadline))
                 return false;
             sleep_while(seen | zon_thr::sleepers, deadline);
@@ -115,8 +122,8 @@ void THR_MUTEX::sleep_while(zon_thr::WORD seen, const timespec* deadline)
     syscall(SYS_futex, lower_half(), FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
 }
 
-// The half that holds the lowest bit: the kernel compares 32 bits. Where only the other half has changed, the mutex has
-// another owner and is held with sleepers all the same.
+// The half that holds the lowest bit, since the kernel compares only 32 bits. If only the other half has changed, the
+// mutex has another owner and is still held with sleepers.
 char* THR_MUTEX::lower_half()
 {
     return reinterpret_cast<char*>(&word) + (std::endian::native == std::endian::little ? 0 : 4);

@@ -4,7 +4,7 @@
 
 namespace
 {
-// Short texts of known sizes: much cheaper to make than copies of strings, and many lookups of preferences ask.
+// Makes strings from texts of known sizes. Many lookups of preferences ask for them, and this is cheaper than copies.
 template <std::size_t... SIZES>
 std::vector<std::string> strings(const char (&... texts)[SIZES])
 {

@@ -1,6 +1,6 @@
-// Counts the calls that write to files. An executable that links counted_writes.cpp has the C library's write and
-// writev replaced, or its fwrite with libc++; the C++ library's streams, which are linked dynamically, come by here as
-// well.
+// Counts the calls that write to files. In an executable that links counted_writes.cpp, the C library's write and
+// writev are replaced, or with libc++ its fwrite. The C++ library's streams are linked dynamically, so their calls
+// count as well.
 #ifndef TESTS_SUPPORT_COUNTED_WRITES_H
 #define TESTS_SUPPORT_COUNTED_WRITES_H
 

@@ -5,7 +5,8 @@
 #include <gtest/gtest.h>
 #include <string>
 
-// Calls attempt(1), attempt(2) and so on until one says that the fault it laid in wait was not reached. How many were.
+// Calls attempt(1), attempt(2) and so on, until one returns that its fault was not reached. Returns how many were
+// reached.
 template <typename ATTEMPT>
 long for_every_fault(ATTEMPT attempt)
 {

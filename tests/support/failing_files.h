@@ -21,7 +21,7 @@ enum class FAULT_LASTS
     FROM_THEN_ON,
 };
 
-// Lies in wait for the nth call of that kind by the calling thread, until destruction. One at a time.
+// Waits for the nth call of that kind by the calling thread, until destruction. One object at a time.
 class FILE_FAULT
 {
 public:
@@ -31,7 +31,7 @@ public:
     // That call and those after it fail with these errors, one each; 0 stands for one that does not fail.
     FILE_FAULT(FILE_CALL awaited, long nth, std::vector<int> errors);
 
-    // `action` runs, and then the call as if nothing was.
+    // `action` runs before the call, which then does what it always does.
     FILE_FAULT(FILE_CALL awaited, long nth, std::function<void()> action);
 
     ~FILE_FAULT();
@@ -43,13 +43,13 @@ public:
         return calls_to_go <= 0;
     }
 
-    // How many calls came, the awaited one included; only once that was reached.
+    // How many calls there were, including the awaited one. Meaningful only once that was reached.
     long calls_seen() const
     {
         return 1 - calls_to_go;
     }
 
-    // For the replaced functions: counts a call; the error that it is to fail with, or 0.
+    // For the replaced functions: counts a call. Returns the error with which it must fail, or 0.
     int strikes(FILE_CALL call);
 
 private:

@@ -49,12 +49,12 @@ private:
 // What an action does when an allocation fails.
 enum class WITHOUT_MEMORY
 {
-    THROWS,            // leaves it as std::bad_alloc, always
-    THROWS_OR_GOES_ON, // some allocations it can do without
+    THROWS,            // always throws std::bad_alloc
+    THROWS_OR_GOES_ON, // or goes on, if it can do without the allocation
 };
 
-// Lets the first allocation of `action` fail, then the second, and so on until it gets through. `prepare` comes before
-// each try, `check` after each, told whether an allocation failed.
+// Runs `action` again and again: first its first allocation fails, then its second, and so on, until none does.
+// `prepare` runs before each try. `check` runs after each, and gets whether an allocation failed.
 void fail_at_every_allocation(const std::function<void()>& prepare, const std::function<void()>& action,
                               const std::function<void(bool failed)>& check,
                               WITHOUT_MEMORY expected = WITHOUT_MEMORY::THROWS);

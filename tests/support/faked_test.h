@@ -5,7 +5,7 @@
 #include "tests/fakes/fake_platform.h"
 #include "tests/support/isolated_test.h"
 
-// The module's directory is "module" and the installation "install" in the temporary directory; neither is made.
+// The module's directory is "module" and the installation "install" in the temporary directory; neither exists.
 class FAKED_TEST : public ISOLATED_TEST
 {
 protected:

@@ -23,8 +23,9 @@ private:
     std::unique_ptr<SCOPED_CURRENT_DIRECTORY> current_directory;
 };
 
-// Runs a statement where nothing was ever asked of the library: in a child process that starts this test afresh. A
-// failed expectation in it, a leak at its exit, and any other end than its last statement fail the test.
+// Runs a statement in a child process that starts this test afresh, so that nothing has used the library yet. The test
+// fails if an expectation in the statement fails, if the child leaks memory, or if it ends before the end of the
+// statement.
 #define EXPECT_IN_FRESH_PROCESS(...)                                                                                   \
     do                                                                                                                 \
     {                                                                                                                  \

@@ -20,7 +20,8 @@ inline std::string read_to_end(int descriptor)
     return text;
 }
 
-// What `work`, in a child process, writes to a pipe that does not block, given its end of it.
+// Runs work(descriptor) in a child process. The descriptor is the writing end of a pipe that does not block. Returns
+// what is written to it.
 inline std::string written_without_blocking(const std::function<void(int)>& work)
 {
     int ends[2];

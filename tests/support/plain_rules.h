@@ -1,5 +1,5 @@
-// The rules of names, lines, inline texts and values, each written out plainly and slowly: what the library must
-// answer, for comparison on random text. No function of the library is called here.
+// The rules of names, lines, inline texts and values, each implemented plainly and slowly. Tests compare them with the
+// library on random text. No function of the library is called here.
 #ifndef TESTS_SUPPORT_PLAIN_RULES_H
 #define TESTS_SUPPORT_PLAIN_RULES_H
 

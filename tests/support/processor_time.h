@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <sys/resource.h>
 
-// Of this process so far, which other processes hardly disturb.
+// The processor time of this process so far, which other processes hardly disturb.
 inline double processor_seconds()
 {
     struct rusage usage = {};
@@ -16,7 +16,7 @@ inline double processor_seconds()
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
-// Of the fastest of three runs.
+// The processor time of the fastest of three runs.
 template <typename WORK>
 double least_processor_seconds(WORK work)
 {
@@ -30,9 +30,9 @@ double least_processor_seconds(WORK work)
     return least;
 }
 
-// How many times as long `seconds_for` takes for the size `larger` as for `smaller`: again, up to three times, where
-// that is not below `limit`. No disturbance makes a square look linear, and one that makes a line look like a square
-// does not come three times.
+// The time for the size `larger`, divided by that for `smaller`. If the ratio is not below `limit`, it is measured
+// again, up to three times in all. No disturbance makes a quadratic cost look linear. A disturbance that makes a linear
+// cost look quadratic does not come three times.
 template <typename SECONDS_FOR>
 double ratio_of_seconds(SECONDS_FOR seconds_for, std::size_t smaller, std::size_t larger, double limit)
 {

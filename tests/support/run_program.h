@@ -15,9 +15,8 @@ struct PROGRAM_RESULT
     std::string err;
 };
 
-// Runs `arguments` (the program first, by path) in this process's current directory, its standard input at its end from
-// the start. The environment is this process's, with `environment` set on top. A program that cannot be started has
-// the status 127.
+// Runs `arguments` (the program first, by path) in this process's current directory, with an empty standard input. The
+// environment is this process's, with `environment` set on top. A program that cannot be started has the status 127.
 PROGRAM_RESULT run_program(const std::vector<std::string>& arguments,
                            const std::vector<std::pair<std::string, std::string>>& environment = {});
 
@@ -30,10 +29,10 @@ struct PROGRAM_START
     std::string input = "/dev/null";      // the paths of what it reads and writes
     std::string output;
     std::string errors;
-    bool with_rights = true;     // else permissions count, as they do not for root
+    bool with_rights = true;     // if false, permissions count even for root
     bool traced = false;         // stopped before its first instruction, and traced by the caller
-    std::size_t most_memory = 0; // what it may take, in bytes of addresses; 0 for no limit
-    std::size_t most_stack = 0;  // what its stack may grow to, in bytes; 0 for no limit
+    std::size_t most_memory = 0; // its limit of address space, in bytes; 0 for no limit
+    std::size_t most_stack = 0;  // the limit of its stack, in bytes; 0 for no limit
 };
 
 // Starts a program; the caller waits for it. One that cannot be started ends with the status 127.

@@ -39,7 +39,7 @@ private:
 class SCOPED_LOCALE
 {
 public:
-    // Throws where there is no such locale; looked for in `directory`, if one is given, instead of the machine's own.
+    // Throws if there is no such locale. Searches `directory`, if one is given, instead of the machine's own locales.
     explicit SCOPED_LOCALE(const char* name, const char* directory = nullptr);
     ~SCOPED_LOCALE();
     SCOPED_LOCALE(const SCOPED_LOCALE&) = delete;
@@ -57,8 +57,8 @@ public:
     SCOPED_COMMA_LOCALE();
 };
 
-// A locale of single bytes in which the byte 0xA0 is white space; no locale that machines have calls it so. Taken from
-// the build tree as well.
+// A locale of single bytes in which the byte 0xA0 is white space, as in no locale that machines have. Taken from the
+// build tree as well.
 class SCOPED_WHITE_A0_LOCALE : public SCOPED_LOCALE
 {
 public:

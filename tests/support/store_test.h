@@ -15,7 +15,7 @@
 
 using ASSIGNMENTS = std::map<std::string, std::string>;
 
-// What the library says of a null name or value, built with any standard library.
+// The library's message for a null name or value, with any standard library.
 constexpr std::string_view message_of_null_text = "basic_string: construction from null is not valid";
 
 class STORE_TEST : public FAKED_TEST

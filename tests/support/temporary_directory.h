@@ -4,7 +4,7 @@
 
 #include <string>
 
-// Made where TMPDIR says, /tmp without it; removed with all that is in it.
+// Created in TMPDIR, or in /tmp if that is not set. Removed with all that is in it.
 class TEMPORARY_DIRECTORY
 {
 public:

@@ -1,4 +1,4 @@
-// Where bytes go.
+// The interface for everything that bytes are written to.
 #ifndef TOOLS_VELMAR_CFG_BASE_BYTE_SINK_H
 #define TOOLS_VELMAR_CFG_BASE_BYTE_SINK_H
 
@@ -17,7 +17,7 @@ public:
     virtual void write(std::string_view bytes) = 0;
 };
 
-// Keeps them.
+// Keeps the bytes in memory.
 class TEXT_SINK : public BYTE_SINK
 {
 public:

@@ -1,4 +1,4 @@
-// Where bytes come from, a part at a time.
+// The interface for everything that bytes are read from, a part at a time.
 #ifndef TOOLS_VELMAR_CFG_BASE_BYTE_SOURCE_H
 #define TOOLS_VELMAR_CFG_BASE_BYTE_SOURCE_H
 
@@ -12,8 +12,8 @@ public:
     BYTE_SOURCE(const BYTE_SOURCE&) = delete;
     BYTE_SOURCE& operator=(const BYTE_SOURCE&) = delete;
 
-    // Puts the next bytes, at most `room` of them and at least one, where `to` points, and returns how many; 0 at the
-    // end. `room` is not 0.
+    // Copies the next bytes to `to`: at least one and at most `room`. Returns how many they are, or 0 at the end.
+    // `room` must not be 0.
     virtual std::size_t read(char* to, std::size_t room) = 0;
 };
 

@@ -1,4 +1,4 @@
-// What tells the content of files apart.
+// A hash of the content of a file.
 #ifndef TOOLS_VELMAR_CFG_BASE_CONTENT_HASH_H
 #define TOOLS_VELMAR_CFG_BASE_CONTENT_HASH_H
 

@@ -8,14 +8,14 @@
 enum class EXIT_CODE : int
 {
     FINE = 0,
-    FINDINGS = 1,    // nothing usable, findings, or differences
+    FINDINGS = 1,    // no usable value, findings, or differences
     USAGE = 2,       // the command line makes no sense
     BAD_INPUT = 3,   // something to read is missing, unreadable or malformed
     NOT_WRITTEN = 4, // something could not be written, or not be locked
     REFUSED = 5,     // the catalogue has no such name or does not allow the value
 };
 
-// Ends the command: `what` is one line that names the culprit and says what to do.
+// Ends the command. `what` is one line that names what is wrong and says what to do.
 class TOOL_ERROR : public std::runtime_error
 {
 public:

@@ -8,14 +8,15 @@
 #include "tools/velmar-cfg/base/open_file.h"
 #include "tools/velmar-cfg/base/settled_file.h"
 
-// Holds the lock while it lives: on a file beside the one that is to change, of its name and ".lock", that is made for
-// it and removed at the end. A run that was killed leaves the file behind, but no lock on it, and the next run removes
-// it. A file of that name that no run of velmar-cfg made is locked as well, and stays.
+// Holds the lock while it lives. The lock is on a file beside the one to be changed, with ".lock" appended to its name.
+// This file is made for the lock and removed at the end. A killed run leaves the file, but no lock on it; the next run
+// removes it. A file of that name that velmar-cfg did not make is locked too, but never removed.
 class FILE_LOCK
 {
 public:
-    // Waits for whoever holds the lock, but not beyond the deadline. Throws TOOL_ERROR(NOT_WRITTEN) when it has to give
-    // up, and names the user whose run holds the lock; and when the lock cannot be had at all.
+    // Waits for whoever holds the lock, but not beyond the deadline. Throws TOOL_ERROR(NOT_WRITTEN) if the lock is not
+    // free by then, or cannot be taken at all. The message names the other user if the lock file belongs to one.
+    // `changed` must outlive this.
     FILE_LOCK(const FILE_PLACE& changed, MOMENT deadline);
     ~FILE_LOCK();
     FILE_LOCK(const FILE_LOCK&) = delete;
@@ -31,8 +32,8 @@ private:
     const std::string name;
     const std::string path; // for messages
     OPEN_FILE file;
-    bool is_ours = false;   // to be removed
-    bool is_barred = false; // another user's file that only he can open
+    bool is_ours = false;   // velmar-cfg made the file, and removes it
+    bool is_barred = false; // another user's file, which this user cannot open
 };
 
 #endif

@@ -1,8 +1,8 @@
-// Finds the entries of a list by their hashes: open addressing, in a table that is half full at most.
+// Finds the entries of a list by their hashes. Uses open addressing in a table that is at most half full.
 //
-// A slot holds an entry's index and half of its hash, so that nearly every question is answered without a look at an
-// entry that is not the one, and growing needs no entry at all. A table of a million entries takes 16 MiB; no entry has
-// memory of its own. The list itself is the owner's, who also tells when two entries are the same.
+// A slot holds an entry's index and half of its hash. So a search looks at hardly any entry but the one it finds, and
+// growing looks at no entry. A table of a million entries takes 16 MiB; entries need no memory of their own. The list
+// itself belongs to the caller, who also decides whether two entries are equal.
 #ifndef TOOLS_VELMAR_CFG_BASE_HASH_INDEX_H
 #define TOOLS_VELMAR_CFG_BASE_HASH_INDEX_H
 
@@ -15,7 +15,7 @@
 class HASH_INDEX
 {
 public:
-    // The entry of that hash that `is_it` accepts, given an index; nothing when there is none.
+    // The index of the entry with that hash that `is_it`, given an index, accepts; nothing if there is none.
     template <typename IS_IT>
     std::optional<std::uint32_t> find(std::uint64_t hash, IS_IT is_it) const
     {
@@ -28,7 +28,7 @@ public:
         return std::nullopt;
     }
 
-    // Adds an entry, which must not be there. Its index is at most UINT32_MAX - 1.
+    // Adds an entry, which must not be in the table yet. Its index is at most UINT32_MAX - 1.
     void add(std::uint64_t hash, std::uint32_t index)
     {
         if (2 * (entries + 1) > slots.size())
@@ -92,8 +92,8 @@ private:
         }
     }
 
-    std::vector<SLOT> slots; // a power of two of them
-    int unused_bits = 0;     // of the half of a hash: the others are the number of its first slot
+    std::vector<SLOT> slots; // their number is a power of two
+    int unused_bits = 0;     // of half a hash: its other bits are the number of its first slot
     std::size_t entries = 0;
 };
 

@@ -1,16 +1,16 @@
 // Texts of which parts are hidden.
 //
-// A hidden part is a mark in the text that stands for it: a run of letters and digits that begins with a number which
-// this process draws at random, so that no text from outside can hold one. Such a text passes through lines, items,
-// findings and comparisons like any other. What writes texts for people shows a mark as \(masked); JSON_WRITER writes
+// In the text, a mark stands for a hidden part. A mark is a run of letters and digits. It begins with a number that
+// this process draws at random, so no text from outside can contain a mark. A text with marks passes through lines,
+// items, findings and comparisons like any other text. Output for people shows a mark as \(masked). JSON_WRITER writes
 //
 //     {"masked": ["api_token=", {"key": "<16 digits>", "hmac": "<16 digits>"}, ":b=1"]}
 //
-// the parts of the text in order, of which texts are shown and others are hidden. A hidden part is null when its mark
-// means nothing outside this process.
+// with the parts of the text in order: texts for shown parts, objects for hidden ones. A hidden part is null if its
+// mark means nothing outside this process.
 //
-// A mark bears a keyed hash of what it stands for and the name of the key: of two marks under one key it can be told
-// whether they stand for the same text.
+// A mark contains a keyed hash of the hidden text and the name of the key. Two marks under the same key tell whether
+// they stand for the same text.
 #ifndef TOOLS_VELMAR_CFG_BASE_HIDDEN_TEXT_H
 #define TOOLS_VELMAR_CFG_BASE_HIDDEN_TEXT_H
 
@@ -24,7 +24,7 @@
 struct HIDDEN_PART
 {
     std::string key;        // names the key; empty for a part of which nothing is known
-    std::string hmac;       // of the part, under the key; empty as well
+    std::string hmac;       // the keyed hash of the part; empty if the key is
     bool lasting;           // the key is kept, so that the hash means something to other processes
     std::uint32_t size = 0; // of the part in bytes; 0 when it is not known
 
@@ -57,24 +57,25 @@ private:
     std::string_view rest;
 };
 
-// What the mark, a hidden part of TEXT_PARTS, tells.
+// What is known of the part that this mark stands for. The mark must be a hidden part from TEXT_PARTS.
 HIDDEN_PART hidden_part(std::string_view mark);
 
-// The text for people: each hidden part as \(masked), with the first digits of its hash where that is lasting.
+// The text for people. Each hidden part becomes \(masked); if its hash is lasting, its first digits follow the word.
 std::string with_hidden_parts_named(std::string_view text);
 
-// Where the byte at `offset` of the text stood before parts were hidden; nothing behind a part whose size is not known.
+// The offset that the byte at `offset` had before parts were hidden. Nothing if a part of unknown size stands before
+// it.
 std::optional<std::size_t> offset_before_hiding(std::string_view text, std::size_t offset);
 
-// The length of the beginning of the text that has at most `shown_length` bytes once hidden parts are named. It ends in
-// no mark; one that begins before that end belongs to it.
+// The length of the beginning of the text that is shown in `shown_length` bytes, with each mark counted as \(masked).
+// It does not end within a mark: a mark that begins before the end is included.
 std::size_t length_by_shown_length(std::string_view text, std::size_t shown_length);
 
 enum class SAMENESS
 {
     SAME,
     DIFFERENT,
-    UNKNOWN, // what is shown is the same, and what is hidden is so under different keys
+    UNKNOWN, // shown parts are the same, but hidden ones have different or unknown keys
 };
 
 // Whether two texts were the same before parts of them were hidden.

@@ -1,5 +1,5 @@
-// Files that the tool reads: each once, whole, with every error seen. The library takes an unreadable file for an empty
-// one; the tool says what is wrong.
+// Reads files. Each is read once and to its end, and every error is reported. The library treats an unreadable file as
+// an empty one; the tool says what is wrong.
 #ifndef TOOLS_VELMAR_CFG_BASE_INPUT_FILE_H
 #define TOOLS_VELMAR_CFG_BASE_INPUT_FILE_H
 
@@ -15,29 +15,29 @@
 struct INPUT_FILE
 {
     std::string path;
-    std::string bytes;   // all of them; with a problem, those before it
-    std::string problem; // what kept the file from being read whole, and what to do about it; empty when nothing did
+    std::string bytes;   // all of them; after a problem, those before it
+    std::string problem; // why the file could not be read whole, and what to do about it; else empty
     bool gone = false;   // the problem is that nothing is there
 
-    // The bytes; with a problem only the whole lines of them, with which the library goes on.
+    // The bytes. After a problem, only the complete lines, which the library uses too.
     std::string_view whole_lines() const;
 
-    // Throws TOOL_ERROR(BAD_INPUT) with the path when there is such a problem.
+    // Throws TOOL_ERROR(BAD_INPUT) with the path if there is a problem.
     void require_whole() const;
 };
 
-// Opens the file once and reads it to its end. Waits for nothing: a pipe or a device other than the null device counts
-// as a problem.
+// Opens the file once and reads it to its end. Never waits: a pipe, or a device other than the null device, is a
+// problem.
 INPUT_FILE read_whole_file(const std::string& path);
 
-// The same for a file that is open at its beginning, and stays open. `path` is for messages.
+// The same for a file that is open at its beginning. Leaves it open. `path` is for messages.
 INPUT_FILE read_open_file(int file, const std::string& path);
 
-// The same for a file that the user named to be read once, to its end: "-" is standard input, and a pipe or a device is
-// waited for. Throws TOOL_ERROR(USAGE) when standard input is to be read again.
+// The same for a file that the user named and that is read only once. "-" is standard input. Waits for a pipe or a
+// device. Throws TOOL_ERROR(USAGE) if standard input has been read already.
 INPUT_FILE read_named_file(const std::string& path);
 
-// The same a part at a time. What keeps it from being read throws TOOL_ERROR(BAD_INPUT) with the path.
+// The same, a part at a time. Throws TOOL_ERROR(BAD_INPUT) with the path if the file cannot be read.
 class NAMED_FILE : public BYTE_SOURCE
 {
 public:
@@ -52,43 +52,43 @@ private:
     std::size_t bytes_read = 0;
 };
 
-// Throws TOOL_ERROR(BAD_INPUT) for bytes of which no line means anything to the library, and to which none can be
-// added: UTF-16, as its byte order mark shows. `path` is for the message.
+// Throws TOOL_ERROR(BAD_INPUT) if the bytes begin with a byte order mark of UTF-16. The library understands no line of
+// such a file, and no line can be added to it. `path` is for the message.
 void refuse_utf_16(const std::string& path, std::string_view bytes);
 
-// What such a file is called: its path, or "standard input".
+// The name of such a file in messages: its path, or "standard input".
 std::string title_of_named_file(const std::string& path);
 
-// The files of one command: what is asked for again is not read again, so that all answers are about the same bytes.
-// Nothing is thrown for a file that cannot be read: what can be is answered, and the problem told at the end.
+// The files that one command reads. A file is read only once, however often it is asked for, so all answers are about
+// the same bytes. A file that cannot be read throws nothing: the command answers what it can and reports the problem at
+// the end.
 class INPUT_FILES
 {
 public:
     INPUT_FILES() = default;
 
-    // Files that are asked for by relative paths are called by absolute ones below this directory, which is the current
-    // one while they are read.
+    // Makes relative paths absolute, below this directory. It must be the current directory whenever a file is read.
     explicit INPUT_FILES(std::string current) : directory(std::move(current)) {}
 
-    // Never null; stays as it is when the files go.
+    // Never null. The result stays valid when this object is destroyed.
     std::shared_ptr<const INPUT_FILE> read(const std::string& path);
 
     // The same for a file that the user named (see read_named_file).
     std::shared_ptr<const INPUT_FILE> read_named(const std::string& path);
 
-    // The file that was read and is called so; null for none. Reads nothing.
+    // The file with that title, if it has been read; else null. Reads nothing.
     std::shared_ptr<const INPUT_FILE> find(const std::string& title) const;
 
-    // Has the file read again when it is asked for again, and neither its problem nor its absence told.
+    // Forgets the file, its problem and its absence. If it is asked for again, it is read again.
     void forget(const std::string& path);
 
-    // Adds a problem, unless it is there.
+    // Adds a problem, unless the list has it already.
     void add_problem(const std::string& text);
 
-    // The same when nothing is found at the path although something may be there (see absence_of).
+    // Adds a problem if nothing is found at the path although something may be there (see absence_of).
     void note_absence(const std::string& path);
 
-    // What kept files from being read whole, each with its path, in the order in which they were asked for.
+    // Why files could not be read whole, each with its path, in the order in which they were asked for.
     const std::vector<std::string>& problems() const
     {
         return all_problems;
@@ -98,16 +98,16 @@ private:
     using READER = INPUT_FILE (*)(const std::string&);
     std::shared_ptr<const INPUT_FILE> read_with(READER reader, const std::string& path);
 
-    std::string directory;                                          // empty for paths as they are
+    std::string directory;                                          // empty: paths stay as they are
     std::map<std::string, std::shared_ptr<const INPUT_FILE>> files; // by path as given
     std::vector<std::string> all_problems;
 };
 
-// The path from the root on, where `directory` is the current one. "" for the empty path; the path as it is where the
-// directory is not known, which is empty then.
+// The path made absolute, for a path that is relative to `directory`. An empty `directory` is not known: the path then
+// stays as it is. An empty path stays empty.
 std::string absolute_path(const std::string& path, const std::string& directory);
 
-// What would keep the file from being read, by its type and permissions; empty when nothing would. Opens nothing.
+// Why the file could not be read, judged by its type and permissions; empty if it could be. Opens nothing.
 std::string input_problem(const std::string& path);
 
 // Why nothing is found at a path.
@@ -116,7 +116,7 @@ enum class ABSENCE
     NONE,     // something is there
     MISSING,  // nothing is there
     DANGLING, // a link on the way leads nowhere, or in a circle
-    BARRED,   // it cannot be told: a directory on the way cannot be searched, or a disk fails
+    BARRED,   // not known: a directory on the way cannot be searched, or a disk fails
 };
 
 struct ABSENT_FILE
@@ -126,9 +126,9 @@ struct ABSENT_FILE
 };
 ABSENT_FILE absence_of(const std::string& path);
 
-// Throws TOOL_ERROR(BAD_INPUT) with the path unless it is a directory, or what it is cannot be told: a host finds
-// nothing there and goes on (see note_absence). `advice`, such as "give --project ", stands before what to give
-// instead.
+// Throws TOOL_ERROR(BAD_INPUT) with the path if it is no directory. Does not throw if that is not known
+// (ABSENCE::BARRED): a host finds nothing there and goes on (see note_absence). The message puts `advice`, such as
+// "give --project ", before what to give instead.
 void check_input_directory(const std::string& path, const std::string& advice);
 
 // The bytes of a file. Throws TOOL_ERROR(BAD_INPUT) with the path unless it can be read whole.

@@ -1,4 +1,4 @@
-// JSON documents that the tool reads: taken apart with complaints that name the file, the place and what to do.
+// Reads JSON documents. Messages about errors name the file, the position in it, and what to do.
 #ifndef TOOLS_VELMAR_CFG_BASE_JSON_READER_H
 #define TOOLS_VELMAR_CFG_BASE_JSON_READER_H
 
@@ -19,19 +19,19 @@ struct DOCUMENT_KIND
     const char* schema;
     int newest_version;
     const char* title; // "run report"
-    const char* maker; // what writes one, for the complaint about a file that is none
+    const char* maker; // what writes one; for the message about a file that is no such document
 };
 
 // Where the value of a tree stands.
 struct JSON_PLACE
 {
     std::string file;
-    const char* list = nullptr; // of which the value is a row; null for a whole document
+    const char* list = nullptr; // the list that the value is a row of; null for a whole document
     std::size_t row = 0;
 };
 
-// One value of a document. Every reader throws TOOL_ERROR(BAD_INPUT) when the value is not there or of another type.
-// The document must outlive it, or be reading the row that it belongs to.
+// One value of a document. Every reader throws TOOL_ERROR(BAD_INPUT) if the value is missing or of another type. The
+// document must outlive the node. A node of a row is valid only while the row is taken.
 class JSON_NODE
 {
 public:
@@ -45,7 +45,7 @@ public:
     std::optional<JSON_NODE> member_if_any(const char* name) const; // nothing for one that is missing or null
     std::vector<JSON_NODE> elements() const;
 
-    // A text, the bytes of one that is no UTF-8, or one of which a part is hidden (see JSON_WRITER).
+    // A text in one of the three forms in which JSON_WRITER writes it: as a text, {"hex": ...} or {"masked": ...}.
     std::string text() const;
     std::optional<std::string> text_or_null() const;
     std::optional<HIDDEN_PART> hidden_part_or_null() const;
@@ -53,7 +53,7 @@ public:
     std::optional<std::uint64_t> natural_number_or_null() const;
     std::optional<int> int_or_null() const;
     std::optional<unsigned int> uint_or_null() const;
-    std::optional<double> double_or_null() const; // infinities and not-a-number as JSON_WRITER has them
+    std::optional<double> double_or_null() const; // reads infinities and not-a-number as JSON_WRITER writes them
     bool is_text() const
     {
         return kind() == JSON_TOKEN::TEXT;
@@ -64,7 +64,7 @@ public:
     // Throws TOOL_ERROR(BAD_INPUT): the value is no `wanted`.
     [[noreturn]] void refuse(const char* wanted) const;
 
-    // The same for a row whose name another one has as well.
+    // The same for a row that has the name of another row.
     [[noreturn]] void refuse_namesake() const;
 
 private:
@@ -79,7 +79,7 @@ private:
         return tree->kind(index);
     }
 
-    // null for null, else what `read` makes of the value.
+    // Nothing for null, else what `read` returns.
     template <typename READ>
     auto unless_null(READ read) const -> std::optional<decltype(read())>;
 
@@ -88,34 +88,35 @@ private:
     const JSON_PLACE* place;
 };
 
-// A list of a document whose rows are taken one at a time and not kept, so that a million of them need no memory.
+// A list of a document whose rows are handed over one at a time and not kept, so a million rows need no memory.
 struct JSON_ROWS
 {
     const char* list; // the key of a member of the document
     std::function<void(const JSON_NODE& row)> take;
 
-    // The versions of the document of which the rows are taken. In any other the list may be missing, and where it is
-    // there it is passed over.
+    // Rows are taken only from documents of these versions. In documents of other versions the list may be missing, and
+    // is skipped if it is there.
     std::uint64_t first_version = 1;
     std::uint64_t last_version = std::numeric_limits<std::uint64_t>::max();
 };
 
-// What a file may be: a kind of document, and the lists of it that are taken row by row.
+// A kind of document that a file may contain, and those of its lists that are taken row by row.
 struct DOCUMENT_FORMAT
 {
     const DOCUMENT_KIND& kind;
     std::vector<JSON_ROWS> lists;
 };
 
-// A document of a file.
+// A document read from a file.
 class JSON_DOCUMENT
 {
 public:
-    // Throws TOOL_ERROR(BAD_INPUT) for a file that cannot be read, is no JSON, is of none of the kinds, of which there
-    // is one at least, or of a version that is newer than its kind's. The rows of the lists of its kind are taken in
-    // order while the document is read; the other members are kept, and what is passed over is not. What stands before
-    // the kind and the version, which are the first members, is kept until it is known that there are such; where they
-    // come later, so are the lists.
+    // Reads the document. Throws TOOL_ERROR(BAD_INPUT) for a file that cannot be read, is no JSON, is of none of these
+    // kinds, or has a newer version than its kind. There must be at least one format.
+    //
+    // Rows of the lists of its kind are taken in order while the document is read. Lists that are not wanted are
+    // skipped, and all other members are kept. A list that comes before "schema" and "schema_version" is kept as well,
+    // and its rows are taken at the end.
     JSON_DOCUMENT(const std::string& path, std::vector<DOCUMENT_FORMAT> possible_formats);
 
     // The same for one kind.
@@ -146,7 +147,7 @@ private:
     void choose_format();
 
     std::vector<DOCUMENT_FORMAT> formats;
-    std::size_t chosen_format = 0; // the first of them until the document has named its own
+    std::size_t chosen_format = 0; // the first until the document has named its kind
     JSON_PLACE place;
     JSON_TREE document;
     std::vector<std::string> lists_read;

@@ -1,4 +1,4 @@
-// JSON taken apart into tokens as it is read: a document of any size takes the memory of one buffer.
+// Splits JSON into tokens while it is read. A document of any size takes only the memory of one buffer.
 #ifndef TOOLS_VELMAR_CFG_BASE_JSON_TOKENS_H
 #define TOOLS_VELMAR_CFG_BASE_JSON_TOKENS_H
 
@@ -27,8 +27,8 @@ enum class JSON_TOKEN : std::uint8_t
     NOTHING, // null
 };
 
-// The document is no well-formed JSON (RFC 8259, in UTF-8, a byte order mark before it allowed), or a number in it is
-// beyond all that a double holds.
+// The document is not well-formed JSON, or a number in it is too large for a double. JSON is that of RFC 8259 in UTF-8;
+// a byte order mark may stand before it.
 struct JSON_ERROR : std::runtime_error
 {
     JSON_ERROR(bool is_number_too_large, std::size_t in_line, std::size_t in_column)
@@ -42,17 +42,18 @@ struct JSON_ERROR : std::runtime_error
     std::size_t column; // in bytes, counted from 1
 };
 
-// The tokens come in the order that the grammar of JSON demands: who builds something of them need not check it.
+// Yields tokens only in an order that the grammar of JSON allows, so callers need not check it.
 class JSON_TOKENS
 {
 public:
     // The source must outlive the tokens.
     explicit JSON_TOKENS(BYTE_SOURCE& of_bytes);
 
-    // Reads the next token. Throws JSON_ERROR, and what the source throws. Not to be called behind the end.
+    // Reads the next token. Throws JSON_ERROR, and what the source throws. Must not be called after END_OF_DOCUMENT.
     JSON_TOKEN next();
 
-    // What the last token holds, each for its own kinds only. The text stays as it is until the next token is read.
+    // The value of the last token. Each function is only for the tokens named beside it. The text is valid until the
+    // next token is read.
     std::string_view text() const // KEY, TEXT
     {
         return last_text;

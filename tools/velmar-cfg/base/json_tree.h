@@ -1,6 +1,6 @@
-// One JSON value with all that is in it, as a flat list: a parent before its children, each with its end. A value that
-// is read into a tree that held another allocates nothing once the tree is large enough, so that a million rows of one
-// kind are read for the price of their tokens.
+// One JSON value with everything in it, as a flat list. A parent stands before its children, and each value knows where
+// it ends. A tree can be used again for another value, and allocates only if that is larger. So a million rows of one
+// kind cost little more than their tokens.
 #ifndef TOOLS_VELMAR_CFG_BASE_JSON_TREE_H
 #define TOOLS_VELMAR_CFG_BASE_JSON_TREE_H
 
@@ -16,13 +16,14 @@
 class JSON_TREE
 {
 public:
-    // An index among the values; the value itself is the first.
+    // The index of a value. That of the whole value is 0.
     using INDEX = std::size_t;
 
-    // Replaces what the tree holds by the value that `first`, the token read last, begins. Reads its tokens to the end.
+    // Replaces the content of the tree by the value that begins with `first`, the token read last. Reads the value to
+    // its end.
     void read(JSON_TOKENS& tokens, JSON_TOKEN first);
 
-    // An empty object, to which members are added, all of which stand in it and in no other.
+    // begin_object() makes the tree an empty object, and add_member() adds a member to it.
     void begin_object();
     void add_member(JSON_TOKENS& tokens, std::string_view key, JSON_TOKEN first);
 
@@ -32,7 +33,7 @@ public:
         return values[value].kind;
     }
 
-    // Of a TEXT; of a TRUTH or a number of the three kinds, as JSON_TOKENS has them.
+    // The value of a TEXT, a TRUTH or a number. Each function is only for its own kind, as in JSON_TOKENS.
     std::string_view text(INDEX value) const
     {
         return text_in(values[value].text);
@@ -54,10 +55,10 @@ public:
         return values[value].number.floating;
     }
 
-    // The member of an object; of several with one key the last.
+    // The member of an object; if several have the key, the last.
     std::optional<INDEX> member(INDEX object, std::string_view member_key) const;
 
-    // The values in an object or a list: the first, the one behind another, and where they end.
+    // For walks over the values in an object or a list: the first one, the one after `value`, and the end.
     INDEX begin(INDEX container) const
     {
         return container + 1;
@@ -71,7 +72,7 @@ public:
         return values[container].end;
     }
 
-    // How to get from the tree's value to this one: ".variables[3].name"; empty for the tree's value itself.
+    // The path to this value: ".variables[3].name"; empty for the whole value.
     std::string path(INDEX value) const;
 
 private:

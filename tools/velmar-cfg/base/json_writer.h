@@ -1,9 +1,9 @@
-// JSON written as a stream: no document is built, so that a million rows take no memory.
+// Writes JSON as a stream. No document is built, so a million rows take no memory.
 //
-// The text is indented by two blanks, except that a row of a row list takes one line. It holds no character that steers
-// a terminal but newlines: those of the values are escaped. A text that is no UTF-8 becomes {"hex": "<two digits a
-// byte>"}, from which JSON_NODE::text reads it back, and one of which a part is hidden becomes {"masked": [...]}
-// (hidden_text.h), which reads back too. A number that JSON has not, infinity or not-a-number, becomes a text.
+// The output is indented by two blanks; a row of a row list takes one line. Characters that steer a terminal are
+// escaped in values, so newlines are the only ones in the output. A text that is not UTF-8 becomes {"hex": "<two digits
+// a byte>"}. A text with hidden parts becomes {"masked": [...]} (hidden_text.h). JSON_NODE::text reads both back.
+// Infinities and not-a-number, which JSON lacks, become texts.
 #ifndef TOOLS_VELMAR_CFG_BASE_JSON_WRITER_H
 #define TOOLS_VELMAR_CFG_BASE_JSON_WRITER_H
 
@@ -22,13 +22,13 @@ public:
     // Writes to `where`, which must outlive it, through a buffer.
     explicit JSON_WRITER(BYTE_SINK& where) : sink(where) {}
 
-    // A value stands by itself, in a list, or behind a key.
+    // A value stands by itself, in a list, or after a key.
     void begin_object();
     void end_object();
     void begin_list();
     void end_list();
 
-    // A list of which each value, whatever it holds, takes one line.
+    // A list in which each value takes one line, whatever it contains.
     void begin_row_list();
 
     void key(std::string_view name);
@@ -78,7 +78,7 @@ public:
     // The text, or null for the empty one.
     void field_or_null(std::string_view name, std::string_view text);
 
-    // A list of what `write` writes of each row, given this writer and the row.
+    // Writes a list. Calls write(writer, row) for each row.
     template <typename ROWS, typename WRITE>
     void list(const ROWS& rows, WRITE write)
     {
@@ -98,8 +98,8 @@ public:
         end_list();
     }
 
-    // Ends the document with a newline and hands the rest of it over. To be called once, when every list and object
-    // has ended; without it, the rest is dropped.
+    // Ends the document with a newline and writes the rest of it to the sink. Must be called once, after every list and
+    // object has ended; otherwise the rest is lost.
     void finish();
 
 private:

@@ -1,4 +1,4 @@
-// Hashes that only the owner of a key can make, and random numbers for keys.
+// Hashes that only the owner of a key can make, and random bytes for keys.
 #ifndef TOOLS_VELMAR_CFG_BASE_KEYED_HASH_H
 #define TOOLS_VELMAR_CFG_BASE_KEYED_HASH_H
 
@@ -6,11 +6,11 @@
 #include <string>
 #include <string_view>
 
-// The HMAC-SHA-256 of the bytes under the key, cut to its first 64 bits, as 16 lower-case hexadecimal digits. Whoever
-// has no key cannot try texts until one fits.
+// The HMAC-SHA-256 of the bytes under the key, cut to its first 64 bits, as 16 lower-case hexadecimal digits. Without
+// the key, nobody can find the bytes by trying texts until the hash fits.
 std::string hmac_of(std::string_view key, std::string_view bytes);
 
-// That many bytes, from the operating system's generator. Throws TOOL_ERROR(BAD_INPUT) when it gives none.
+// `count` random bytes from the operating system. Throws TOOL_ERROR(BAD_INPUT) if it gives none.
 std::string random_bytes(std::size_t count);
 
 #endif

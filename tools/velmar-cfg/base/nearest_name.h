@@ -9,36 +9,36 @@
 #include <string_view>
 #include <vector>
 
-// How many letters must be inserted, left out, replaced, or swapped with their neighbour to make one name of the other
-// (no letter taking part in two such steps). The case of A to Z does not count.
+// How many steps turn one name into the other. A step inserts, removes or replaces a letter, or swaps it with its
+// neighbour; no letter takes part in two steps. The case of A to Z does not count.
 std::size_t edit_distance(std::string_view a, std::string_view b);
 
-// The first of the candidates with the least distance to `name`, if that is small for the name's length: up to 1 for
-// 3 to 5 letters, 2 for 6 to 11, 3 for longer ones, nothing for shorter ones. A candidate that is the name itself,
-// letter case ignored, is passed over.
+// The candidate nearest to `name`; of several, the first. Names of 3 to 5 letters allow a distance of 1, names of 6 to
+// 11 a distance of 2, longer ones 3, and shorter ones none. A candidate equal to `name`, letter case ignored, is
+// skipped.
 std::optional<std::string> nearest_name(std::string_view name, const std::vector<std::string>& candidates);
 
-// Which letters a name has, for a lower bound of distances: letters fall into 32 groups, with one bit for the first of
-// a group and one for a second.
+// Which letters a name has, for a lower bound of distances. Letters fall into 32 groups. For each group, one bit says
+// that the name has such a letter, and one that it has a second.
 class LETTER_SET
 {
 public:
     explicit LETTER_SET(std::string_view name);
 
-    // No more than the edit distance of the two names.
+    // A lower bound of the edit distance of the two names.
     std::size_t least_distance_to(LETTER_SET other) const;
 
 private:
     std::uint64_t bits = 0;
 };
 
-// The same question for many names and the same candidates: their letters are counted once.
+// nearest_name() for many names and the same candidates. The letters of the candidates are counted only once.
 class NAME_CANDIDATES
 {
 public:
     explicit NAME_CANDIDATES(std::vector<std::string> candidates);
 
-    // As nearest_name. Null when there is none; lives as long as this.
+    // As nearest_name(); null if there is none. The result is valid as long as this object.
     const std::string* nearest(std::string_view name) const;
 
 private:
@@ -52,7 +52,7 @@ private:
     std::vector<OUTLINE> outlines; // of each name
 };
 
-// " (did you mean 'NEAREST'?)" or nothing. Here the nearest of all is the name itself in another letter case.
+// " (did you mean 'NEAREST'?)" or nothing. The name in another letter case counts as nearest.
 std::string did_you_mean(std::string_view name, const std::vector<std::string>& candidates);
 
 #endif

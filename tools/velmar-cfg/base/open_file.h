@@ -1,11 +1,11 @@
-// A file descriptor that is closed with its owner.
+// Owns a file descriptor, and closes it.
 #ifndef TOOLS_VELMAR_CFG_BASE_OPEN_FILE_H
 #define TOOLS_VELMAR_CFG_BASE_OPEN_FILE_H
 
 #include <unistd.h>
 #include <utility>
 
-// May hold none, as a negative number.
+// A negative number means no descriptor.
 class OPEN_FILE
 {
 public:

@@ -1,4 +1,4 @@
-// The text that a command answers with, in colours where they are wanted.
+// The output of a command, in colours if wanted.
 #ifndef TOOLS_VELMAR_CFG_BASE_OUTPUT_H
 #define TOOLS_VELMAR_CFG_BASE_OUTPUT_H
 
@@ -18,15 +18,16 @@ enum class STYLE
     BAD,
 };
 
-// Writes to a descriptor through a buffer, hidden parts of texts by name, whole, also where it does not block. A reader
-// that has gone is no error: what it did not want is dropped. Any other failure throws TOOL_ERROR(NOT_WRITTEN), which
-// calls the descriptor standard output.
+// Writes to a descriptor through a buffer. Shows hidden parts as \(masked). Writes everything, even if the descriptor
+// is non-blocking. If the reader has gone, the rest is dropped without an error. Any other failure throws
+// TOOL_ERROR(NOT_WRITTEN); its message calls the descriptor standard output.
 class OUTPUT : public BYTE_SINK
 {
 public:
     explicit OUTPUT(int where) : descriptor(where) {}
 
-    // "always", "never", or "auto": when the descriptor is a terminal that shows colours and NO_COLOR is not set.
+    // "always", "never" or "auto". "auto" means: if the descriptor is a terminal that shows colours, and NO_COLOR is
+    // not set.
     void choose_color(std::string_view choice);
 
     void write(std::string_view text) override;
@@ -42,10 +43,10 @@ public:
 
     bool is_terminal() const;
 
-    // The columns of a line: what COLUMNS says, or the terminal; 80 for neither.
+    // The width of a line in columns: that of COLUMNS, else that of the terminal, else 80.
     std::size_t width() const;
 
-    // Writes what is left in the buffer. To be called when all is said; without it, the rest is dropped.
+    // Writes what is left in the buffer. Must be called at the end; otherwise the rest is lost.
     void finish();
 
 private:

@@ -1,4 +1,4 @@
-// A file that other programs may write to at any time, read when none seems to.
+// Reads a file that other programs may write to at any time, at a moment when none seems to.
 #ifndef TOOLS_VELMAR_CFG_BASE_SETTLED_FILE_H
 #define TOOLS_VELMAR_CFG_BASE_SETTLED_FILE_H
 
@@ -12,12 +12,12 @@
 
 using MOMENT = std::chrono::steady_clock::time_point;
 
-// What a file held at one moment. Stays open, so that its number is not given to another file.
+// The content of a file at one moment. The file stays open, so that its inode number is not given to another file.
 class SEEN_FILE
 {
 public:
-    // The file at that place, read whole; or that there is none. Nothing when it changed meanwhile. Throws
-    // TOOL_ERROR(BAD_INPUT) for a file that cannot be read whole.
+    // Reads the whole file at that place; if there is none, the result tells so (exists()). Nothing if the file changed
+    // meanwhile. Throws TOOL_ERROR(BAD_INPUT) for a file that cannot be read whole.
     static std::optional<SEEN_FILE> look_at(const FILE_PLACE& place);
 
     bool exists() const
@@ -30,7 +30,7 @@ public:
         return content;
     }
 
-    // Only of one that exists.
+    // Only for a file that exists.
     int descriptor() const
     {
         return file.get();
@@ -41,11 +41,11 @@ public:
         return state;
     }
 
-    // Whether the file at the place is still this one, by device, number, size, times, owner, mode and bytes.
-    // Throws TOOL_ERROR(BAD_INPUT) when it cannot be read again.
+    // Whether the file at the place is still this one, unchanged in its status and its bytes. Throws
+    // TOOL_ERROR(BAD_INPUT) if it cannot be read again.
     bool is_still_at(const FILE_PLACE& place) const;
 
-    // Whether its bytes are as they were, by size and time of the last write.
+    // Whether nobody has written to it since, by its size and the time of its last write.
     bool is_unwritten() const;
 
 private:
@@ -54,13 +54,13 @@ private:
     struct stat state = {};
 };
 
-// Throws TOOL_ERROR(BAD_INPUT) when something is at the place that is no regular file. Opens nothing.
+// Throws TOOL_ERROR(BAD_INPUT) if something other than a regular file is at the place. Opens nothing.
 void require_file_or_none(const FILE_PLACE& place);
 
-// Waits until the file has not been written for 50 ms, by its times or, where those lie in the future, as watched, and
-// is not empty or missing where it was not so before: programs that save empty the file first. Then reads it. Gives up
-// at the deadline, or 50 ms after the call where that is later, with TOOL_ERROR(NOT_WRITTEN): a file that nobody writes
-// to meanwhile is always read.
+// Waits until the file is settled, then reads it. It is settled when nobody has written to it for 50 ms. Its times tell
+// that; if they lie in the future, the file is watched for 50 ms. A file that had content is not settled while it is
+// empty or missing: programs that save a file empty it first. Throws TOOL_ERROR(NOT_WRITTEN) at the deadline, but never
+// sooner than 50 ms after the call. So a file that nobody writes to is always read.
 SEEN_FILE read_settled_file(const FILE_PLACE& place, MOMENT deadline);
 
 #endif

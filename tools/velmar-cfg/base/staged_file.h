@@ -1,5 +1,5 @@
-// Replacing a file so that at every moment, also when the process is killed, it is whole: either the old or the new
-// one.
+// Replaces a file so that it is complete at every moment: either the old or the new one. This holds even if the process
+// is killed.
 #ifndef TOOLS_VELMAR_CFG_BASE_STAGED_FILE_H
 #define TOOLS_VELMAR_CFG_BASE_STAGED_FILE_H
 
@@ -11,13 +11,13 @@
 #include "tools/velmar-cfg/base/open_file.h"
 #include "tools/velmar-cfg/base/settled_file.h"
 
-// A new file beside another one, under a name that no user's file has. Gone with the object, unless it was renamed; one
-// that a killed process left is removed with remove_abandoned_files.
+// A new file beside another one, under a name that no file of a user has. The object removes the file at its end,
+// unless it was renamed. remove_abandoned_files() removes those of killed processes.
 class NEW_FILE
 {
 public:
-    // `path` begins the messages of failures; all functions that can fail throw TOOL_ERROR(NOT_WRITTEN). `mode` is
-    // less the process's mask.
+    // `path` is for messages. The process's umask applies to `mode`. All functions throw TOOL_ERROR(NOT_WRITTEN) on
+    // failure, unless they say otherwise. `beside` must outlive this.
     NEW_FILE(const FILE_PLACE& beside, mode_t mode, std::string path);
     ~NEW_FILE();
     NEW_FILE(const NEW_FILE&) = delete;
@@ -25,17 +25,17 @@ public:
 
     void write(std::string_view bytes);
 
-    // Gives it this name in its directory. False when a file has that name, or this one was taken away.
+    // Renames the file in its directory. Returns false if another file has that name, or if this one is gone.
     bool rename_to_new(const std::string& new_name);
 
-    // Exchanges it with the file of that name: this one's name then is that file's, and goes with the object. Returns
-    // 0, or the error.
+    // Exchanges the names of this file and that one. The object then removes that file at its end, which now has this
+    // one's name. Returns 0 or the error number.
     int exchange_with(const std::string& other_name);
 
-    // Puts it in the place of that file.
+    // Renames the file over that one.
     void rename_over(const std::string& other_name);
 
-    // What is left under its name stays.
+    // The object no longer removes the file that has its name.
     void forget()
     {
         name.clear();
@@ -66,23 +66,26 @@ private:
 enum class REPLACEMENT
 {
     DONE,
-    CHANGED_MEANWHILE, // another program changed the target since it was seen, or is about to
+    CHANGED_MEANWHILE, // another program has changed the target since it was read, or is about to
     OPEN_FOR_WRITING,  // another program has the target open, and may write to it at any time
 };
 
-// The new content of a file, on the disk beside it.
+// The new content of a file, in a file beside it.
 class STAGED_FILE
 {
 public:
-    // Writes `bytes`, with all that belongs to the old file beside its bytes. A file where there was none gets the mode
-    // that the directory and the process's mask give it. Throws TOOL_ERROR(NOT_WRITTEN). Both references stay.
+    // Writes `bytes` to a new file and gives it what belongs to the old file besides its bytes. If there is no old
+    // file, the new one gets the mode that the directory and the umask give it. Throws TOOL_ERROR(NOT_WRITTEN). Both
+    // references must outlive this.
     STAGED_FILE(const FILE_PLACE& target, const SEEN_FILE& old_file, std::string_view bytes);
 
-    // Puts it in the old file's place and makes that last through a power cut. Unless that is done, the target is as
-    // the other program left it. Throws TOOL_ERROR(NOT_WRITTEN), whose text says whether the target was changed.
+    // Puts the new file in the place of the old one, and makes sure that a power cut cannot undo that. If the result is
+    // not DONE, the target is as the other program left it. Throws TOOL_ERROR(NOT_WRITTEN); the message says whether
+    // the target was changed.
     //
-    // Where the file system has leases, a program that opens the target for writing waits meanwhile, and writes to the
-    // target as it is then. Elsewhere its save is lost if it begins between the last look and the replacement.
+    // If the file system has leases, a program that opens the target for writing waits during the replacement, and then
+    // writes to the file that is the target by then. Without leases, its save is lost if it begins between the last
+    // check and the replacement.
     REPLACEMENT replace_target();
 
 private:
@@ -94,7 +97,8 @@ private:
     NEW_FILE made;
 };
 
-// Removes what killed processes left beside the file. To be called while no other process may be at it.
+// Removes the new files that killed processes left beside the file. The caller makes sure that no other process still
+// needs its own.
 void remove_abandoned_files(const FILE_PLACE& place);
 
 #endif

@@ -1,4 +1,4 @@
-// Texts in which parts are replaced and all other bytes stay.
+// Replaces parts of a text.
 #ifndef TOOLS_VELMAR_CFG_BASE_TEXT_EDITS_H
 #define TOOLS_VELMAR_CFG_BASE_TEXT_EDITS_H
 
@@ -15,7 +15,7 @@ struct TEXT_EDIT
     std::string text;
 };
 
-// The edits in the order of their offsets; none begins within another.
+// The text with the edits made. They must be in the order of their offsets, and none may begin within another.
 std::string with_edits(std::string_view text, const std::vector<TEXT_EDIT>& edits);
 
 #endif

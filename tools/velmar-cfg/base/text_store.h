@@ -1,4 +1,4 @@
-// Texts that stay where they are: many short ones in few blocks of memory.
+// Keeps many short texts in few blocks of memory, at addresses that do not change.
 #ifndef TOOLS_VELMAR_CFG_BASE_TEXT_STORE_H
 #define TOOLS_VELMAR_CFG_BASE_TEXT_STORE_H
 
@@ -11,7 +11,7 @@
 class TEXT_STORE
 {
 public:
-    // A copy of the text, which lives as long as the store, wherever that is moved.
+    // A copy of the text. It is valid as long as the store, even if that is moved.
     std::string_view keep(std::string_view text)
     {
         if (blocks.empty() || blocks.back().capacity() - blocks.back().size() < text.size())

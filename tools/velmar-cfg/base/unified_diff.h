@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-// With three lines of context; empty when the texts are equal. The least number of lines is removed and added, unless
-// that is thousands: then everything between the common beginning and the common end is.
+// Has three lines of context; empty if the texts are equal. Removes and adds as few lines as possible. If these are
+// more than 2000, removes and adds everything between the common beginning and the common end instead.
 std::string unified_diff(std::string_view before, std::string_view after, const std::string& before_name,
                          const std::string& after_name);
 

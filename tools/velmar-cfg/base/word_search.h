@@ -1,4 +1,4 @@
-// Many words, searched for in a text at once.
+// Searches a text for many words at once.
 #ifndef TOOLS_VELMAR_CFG_BASE_WORD_SEARCH_H
 #define TOOLS_VELMAR_CFG_BASE_WORD_SEARCH_H
 
@@ -11,12 +11,11 @@
 class WORD_SEARCH
 {
 public:
-    // None of the words is empty. Their bytes are copied. Throws std::bad_alloc for four thousand million bytes or
-    // more.
+    // No word may be empty. Copies their bytes. Throws std::bad_alloc if these are too many, about 4 * 10^9.
     explicit WORD_SEARCH(const std::vector<std::string_view>& words);
 
-    // Hands over where words stand in the text, in the order of their ends, as the offset of the end and the index of
-    // the word: of those with one end only the longest, in which the others stand, and of equal words the first.
+    // Calls take(end, word) for each match, with the offset of its end and the index of the word, in the order of the
+    // ends. Of several words that end at one offset, only the longest is a match; of several equal words, the first.
     template <typename TAKE>
     void for_each_longest_match(std::string_view text, TAKE take) const
     {

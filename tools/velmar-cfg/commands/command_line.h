@@ -11,7 +11,7 @@
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/settings/secrets.h"
 
-// What is parsed goes into `tool`, which must outlive it.
+// Parsing stores everything in `tool`, which must outlive the result.
 std::unique_ptr<CLI::App> make_command_line(TOOL& tool);
 
 // The innermost command that the parsed command line names; the program itself when it names none.
@@ -20,11 +20,11 @@ CLI::App* named_command(CLI::App* app);
 // The program itself, then every command, each followed by its own commands.
 std::vector<CLI::App*> all_commands(CLI::App& app);
 
-// What is declared for this very command: its options, help included, and its arguments.
+// The options, --help included, and the arguments that the command itself declares.
 std::vector<CLI::Option*> options_of(CLI::App* command);
 std::vector<CLI::Option*> arguments_of(CLI::App* command);
 
-// "--output" and "-o".
+// Every spelling of the option: "--output" and "-o".
 std::vector<std::string> names_of(const CLI::Option* option);
 
 // The first sentence of a description, or the clause before a colon or semicolon.
@@ -39,12 +39,13 @@ void parse_command_line(CLI::App& app, int argc, const char* const* argv);
 // One line that says what is wrong with the command line, and where the help stands.
 std::string usage_complaint(CLI::App* app, const CLI::ParseError& error, int argc, const char* const* argv);
 
-// The options of the tool and of all its commands, in each of their spellings.
+// Every spelling of the options of the tool and of all its commands.
 std::vector<std::string> all_options(CLI::App& app);
 
-// A message that may repeat words of the command line, with the secrets among them hidden: values that were typed
-// together with a secret name, as in "api_token=VALUE", what stands behind a secret name that is to be set, but for
-// `options` and words that are one letter off, and a --default beside a secret name.
+// A message that may repeat words of the command line, with the secrets among them hidden. These are the value in a
+// word such as "api_token=VALUE"; the words after a secret name that is to be set; and the value of --default if there
+// is a secret name on the command line. Words after a secret name stay if they are `options`, or differ from one in a
+// single letter.
 std::string without_typed_secrets(std::string_view message, int argc, const char* const* argv,
                                   const std::vector<std::string>& options, SECRETS& secrets);
 

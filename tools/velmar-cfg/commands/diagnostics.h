@@ -1,4 +1,4 @@
-// What the tool says beside its data.
+// Messages on standard error, apart from the answer of a command.
 #ifndef TOOLS_VELMAR_CFG_COMMANDS_DIAGNOSTICS_H
 #define TOOLS_VELMAR_CFG_COMMANDS_DIAGNOSTICS_H
 
@@ -11,10 +11,10 @@
 // Writes "velmar-cfg: ", the text made printable and an end of line to standard error.
 void complain(std::string_view text);
 
-// The same for each of the texts. Whether there was none.
+// The same for each of the texts. Returns whether there are none.
 bool complain_of(const std::vector<std::string>& texts);
 
-// Says why the masks that were made cannot be compared with those of other runs, if so.
+// If the masks of this run cannot be compared with those of other runs, says why.
 void complain_of_key(const SECRETS& secrets);
 
 #endif

@@ -8,7 +8,7 @@
 #include "tools/velmar-cfg/documents/run_reports.h"
 #include "tools/velmar-cfg/documents/snapshot_differences.h"
 
-// For people: nothing when there is no difference.
+// Writes the differences for people. Writes nothing if there are neither differences nor undecided rows.
 void write_differences(const COMPARED_SNAPSHOT& a, const COMPARED_SNAPSHOT& b, const SNAPSHOT_DIFFERENCES& differences,
                        const std::optional<RUN_REPORT>& run, OUTPUT& out);
 

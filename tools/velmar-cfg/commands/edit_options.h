@@ -21,11 +21,11 @@ struct EDIT_OPTIONS
     }
 };
 
-// --dry-run, described so, --wait, --break-hard-links and --replace-read-only.
+// Adds --dry-run with `dry_run` as its description, --wait, --break-hard-links and --replace-read-only.
 void add_edit_options(COMMAND& command, EDIT_OPTIONS& options, FILE_EDIT_PERMISSIONS& permissions,
                       const std::string& dry_run);
 
-// In colours.
+// Writes a unified diff in colours.
 void write_difference(std::string_view difference, OUTPUT& out);
 
 #endif

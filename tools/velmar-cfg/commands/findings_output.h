@@ -13,29 +13,29 @@
 
 enum class FINDINGS_FORMAT
 {
-    TEXT, // a line a finding
-    JSON, // a row a finding
+    TEXT, // one line for each finding
+    JSON, // one row for each finding
     SARIF,
-    NONE, // only how the command ends
+    NONE, // nothing: only the exit code tells
 };
 
 struct FINDINGS_OPTIONS
 {
     FINDINGS_FORMAT format = FINDINGS_FORMAT::TEXT;
     bool strict = false; // warnings fail as well as errors
-    REASONS ignored;     // findings that count as none
+    REASONS ignored;     // findings for these reasons are left out
 };
 
-// Writes findings as they come; nothing is kept of them.
+// Writes each finding as it comes, and keeps none.
 class FINDINGS_OUTPUT
 {
 public:
-    // All that findings may be of.
+    // `texts` are those that findings may be about.
     FINDINGS_OUTPUT(FINDINGS_OPTIONS the_options, CHECKED_TEXTS texts, TOOL& the_tool);
 
     void write(const FINDING& finding);
 
-    // Ends the answer. To be called once. Returns FINDINGS if there was one that fails, else FINE.
+    // Ends the output. Must be called once. Returns FINDINGS if a finding makes the command fail, else FINE.
     EXIT_CODE finish();
 
 private:

@@ -1,4 +1,4 @@
-// velmar-cfg lint --fix: the suggestions applied to the files.
+// velmar-cfg lint --fix: applies the suggestions to the files.
 #ifndef TOOLS_VELMAR_CFG_COMMANDS_LINT_FIX_H
 #define TOOLS_VELMAR_CFG_COMMANDS_LINT_FIX_H
 
@@ -21,11 +21,11 @@ struct FIX_OPTIONS : EDIT_OPTIONS
 struct FIXED_FILE
 {
     FILE_EDIT edit;
-    std::size_t fixes; // that were made, or would be
+    std::size_t fixes; // how many were made, or would be
     EXIT_CODE exit_code_of_refusal = EXIT_CODE::NOT_WRITTEN;
 };
 
-// Applies the suggestions to the files, and is what the tool says of them.
+// Applies the suggestions to the files, and reports what became of each file.
 class FILE_FIXES
 {
 public:
@@ -37,8 +37,8 @@ public:
     // Fixes the files among the layers. Returns the layers as they are afterwards, in a dry run as they would be.
     LAYERS fix(LAYERS layers);
 
-    // Says which files were changed and which could not be; in a dry run shows the differences instead of that. Returns
-    // NOT_WRITTEN or BAD_INPUT if there is one that could not be changed, else FINE.
+    // Reports the files that were changed and those that could not be. A dry run shows the differences in place of the
+    // former. Returns NOT_WRITTEN or BAD_INPUT if a file could not be changed, else FINE.
     EXIT_CODE finish() const;
 
 private:

@@ -20,11 +20,11 @@ struct PREFERENCE_OPTIONS : EDIT_OPTIONS
     EDIT_PERMISSIONS permissions;
 };
 
-// Those of EDIT_OPTIONS and --allow-loss.
+// Adds the options of EDIT_OPTIONS and --allow-loss.
 void add_preference_options(COMMAND& command, PREFERENCE_OPTIONS& options);
 
-// Makes the changes, or shows them with --dry-run, and says what goes with them. The JSON object begins with the fields
-// that `write_subject` writes. No secret is shown. Throws TOOL_ERROR where the file is not changed.
+// Makes the changes, or only shows them with --dry-run, and reports what else they change. The JSON object begins with
+// the fields that `write_subject` writes. Shows no secret. Throws TOOL_ERROR if the file cannot be changed.
 void make_preference_changes(const std::vector<PREFERENCE_CHANGE>& changes, const PREFERENCE_OPTIONS& options,
                              const std::function<void(JSON_WRITER&)>& write_subject, TOOL& tool);
 

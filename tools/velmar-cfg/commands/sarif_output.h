@@ -14,12 +14,12 @@
 #include "tools/velmar-cfg/commands/tool.h"
 #include "tools/velmar-cfg/lint/finding.h"
 
-// The texts that findings are of, with secrets hidden.
+// The texts that findings are about, with secrets hidden.
 using CHECKED_TEXTS = std::vector<std::shared_ptr<const INPUT_FILE>>;
 
-// Writes one document with one run, of which every reason is a rule. Findings are written as they come; nothing is kept
-// of them. Columns are counted in characters of UTF-8 and, where bytes are none or are hidden in a document, in bytes.
-// A fix stands behind a finding whose replacement is text without secrets.
+// Writes one document with one run. Every reason of findings is a rule of the run. Findings are written as they come,
+// and none is kept. Columns count characters of UTF-8; each byte that is no UTF-8 or that a document hides counts as
+// one. A finding on a line of a file has a fix if its replacement is UTF-8 and neither of them contains a secret.
 class SARIF_OUTPUT
 {
 public:
@@ -51,7 +51,7 @@ private:
     std::size_t offset = 0;
 };
 
-// The path as a reference of a URI: bytes that a URI does not take as they are become %XX.
+// The path as a URI reference. Bytes that a URI does not allow become %XX.
 std::string path_as_uri(const std::string& path);
 
 #endif

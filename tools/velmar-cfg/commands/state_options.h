@@ -28,16 +28,16 @@ inline constexpr const char* without_option = "--without";
 // The option --of, and the check that no global option contradicts it.
 void add_state_option(COMMAND& command, STATE_OPTIONS& options, TOOL& tool);
 
-// The options --with and --without, for commands about variables; `whose` ends the descriptions.
+// The options --with and --without, for commands about variables. `whose` is appended to the descriptions.
 void add_what_if_options(COMMAND& command, std::vector<WHAT_IF>& what_if, const std::string& whose = "");
 
-// The state that the options name, with those parts, its secrets hidden by `secrets`. Throws TOOL_ERROR.
+// Reads those parts of the state that the options name. `secrets` hides its secrets. Throws TOOL_ERROR.
 STATE state_of(const STATE_OPTIONS& options, const STATE_PARTS& parts, TOOL& tool, std::shared_ptr<SECRETS> secrets);
 
-// The same, with the secrets hidden that the command line asks for.
+// The same; hides the secrets that the command line asks to hide.
 STATE state_of(const STATE_OPTIONS& options, const STATE_PARTS& parts, TOOL& tool);
 
-// Begins an answer for people: whose view it is, unless it is the plain one.
+// Begins an answer for people: writes the view and the changes of the state, unless it is the plain view.
 void write_view(const STATE& state, OUTPUT& out);
 
 // The same as the member "view" of a JSON object.

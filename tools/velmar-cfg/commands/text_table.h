@@ -13,8 +13,8 @@ struct TABLE_CELL
     STYLE style = STYLE::PLAIN;
 };
 
-// Columns as wide as their widest text, set apart by two blanks; the last is as long as its text. All is kept until it
-// is written.
+// Each column is as wide as its widest text, and two blanks separate columns. The last column is not padded. All rows
+// are kept until write().
 class TEXT_TABLE
 {
 public:
@@ -32,8 +32,8 @@ private:
     std::vector<std::vector<TABLE_CELL>> rows;
 };
 
-// How many columns of a terminal the printable text takes: its characters, of which some scripts' take two, count as
-// one.
+// The number of characters of the printable text. Characters of some scripts take two columns of a terminal, but count
+// as one.
 std::size_t columns_of(std::string_view text);
 
 #endif

@@ -21,7 +21,7 @@ struct GLOBAL_OPTIONS
     bool with_secrets = false;
     std::vector<std::string> secret_patterns;
     bool json = false;
-    bool nul_terminated = false; // only by commands that list for scripts
+    bool nul_terminated = false; // -z, only for commands that have it
     std::string color = "auto";
 };
 
@@ -32,11 +32,12 @@ struct TOOL
     OUTPUT out = OUTPUT(STDOUT_FILENO);
     std::function<EXIT_CODE()> command; // the one that the command line names
 
-    // Throw TOOL_ERROR(USAGE) where its options contradict each other: before any file is looked at.
+    // Checks that run before any file is looked at. Each throws TOOL_ERROR(USAGE) if options of the command contradict
+    // each other.
     std::vector<std::function<void()>> checks;
 };
 
-// Answers with one JSON document, which `write` writes to the writer it is given.
+// Answers with one JSON document. Calls write(writer) to write it.
 template <typename WRITE>
 void answer_in_json(TOOL& tool, WRITE write)
 {

@@ -1,4 +1,4 @@
-// A document of whichever kind: a file says in its first fields what it is.
+// A document of any kind. Its first fields tell which kind it is.
 #ifndef TOOLS_VELMAR_CFG_DOCUMENTS_ANY_DOCUMENT_H
 #define TOOLS_VELMAR_CFG_DOCUMENTS_ANY_DOCUMENT_H
 
@@ -12,9 +12,9 @@
 
 using ANY_DOCUMENT = std::variant<SNAPSHOT, RUN_REPORT>;
 
-// The document of the file ("-" for standard input), read once from beginning to end, with secrets hidden that it
-// shows, and a snapshot with the wanted lists. Throws TOOL_ERROR(BAD_INPUT) for a file that is none, or of a newer
-// version.
+// Reads the document of the file ("-" for standard input) once from beginning to end, and hides the secrets that it
+// shows. Of a snapshot, reads only the wanted lists. Throws TOOL_ERROR(BAD_INPUT) for a file that is no document, or of
+// a newer version.
 ANY_DOCUMENT read_any_document(const std::string& path, const SNAPSHOT_LISTS& wanted, SECRETS& secrets);
 
 #endif

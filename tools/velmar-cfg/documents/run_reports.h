@@ -44,7 +44,7 @@ struct RUN_ORIGIN
 {
     enum class KIND
     {
-        UNKNOWN, // everything is in version 1
+        UNKNOWN, // always in version 1
         SOURCE,
         PROGRAM,
         UNSET,
@@ -52,7 +52,7 @@ struct RUN_ORIGIN
 
     KIND kind = KIND::UNKNOWN;
     std::optional<RUN_PLACE> place = {};         // of SOURCE; of PROGRAM for a text that the program applied
-    std::vector<RUN_PLACE> perhaps = {};         // of UNKNOWN
+    std::vector<RUN_PLACE> perhaps = {};         // of UNKNOWN: where it may come from
     std::vector<RUN_ASSIGNMENT> overridden = {}; // in the order of the sources
 };
 
@@ -79,24 +79,24 @@ struct UNREAD_VARIABLE
     RUN_ORIGIN origin = {};
 };
 
-// What version 1 does not know is nothing, empty or false.
+// Fields that version 1 lacks are nothing, empty or false.
 struct RUN_REPORT
 {
     std::uint64_t version = 1;
     std::string file; // of the report itself
-    std::string run;  // what the host called it; the file where it gave no name
+    std::string run;  // the host's name for the run; without one, the file
     std::string release;
     std::optional<std::string> main_file;
     std::optional<std::string> appended_file;
     std::optional<std::string> regtest_file;
     std::vector<READ_VARIABLE> read; // highest count first
     std::vector<UNREAD_VARIABLE> external_never_read;
-    std::vector<std::string> uncounted; // of version 1: those of the next two lists, together
+    std::vector<std::string> uncounted; // of version 1, which joins the next two lists
     std::vector<std::string> asked_once;
     std::vector<std::string> set_never_read;
 
     std::optional<std::string> outcome;   // "pass", "fail" or a number as a text
-    std::optional<double> outcome_number; // the same number, where JSON has it as one
+    std::optional<double> outcome_number; // the same, if JSON has it as a number
     std::optional<std::string> host;
     std::optional<std::uint64_t> process;
     std::optional<std::string> directory;
@@ -116,30 +116,30 @@ std::string first_few_places(const std::vector<RUN_PLACE>& places, const RUN_REP
 // newer version.
 RUN_REPORT read_run_report(const std::string& path, SECRETS& secrets);
 
-// How a document that is a run report is read, and the report in one that was read so; `path` is its file.
+// The format of run reports; and the run report in a document that was read with this format. `path` is its file.
 DOCUMENT_FORMAT run_report_format();
 RUN_REPORT run_report_in(const JSON_DOCUMENT& document, const std::string& path, SECRETS& secrets);
 
 struct RUN_REPORTS
 {
     std::vector<RUN_REPORT> reports;   // those that could be read, in the order of their files
-    std::vector<std::string> problems; // of each other file what is wrong with it, with its path
+    std::vector<std::string> problems; // for each other file, its path and what is wrong
 };
 
 // The reports of these files. Throws TOOL_ERROR(USAGE) when standard input is named twice. Runs of the same name get
 // their file's name as well, so that they can be told apart.
 RUN_REPORTS read_run_reports(const std::vector<std::string>& paths, SECRETS& secrets);
 
-// How a run stands to one variable.
+// How a run depends on one variable.
 struct DEPENDENCE
 {
     enum class KIND
     {
         READ,       // it was looked up
         ASKED_ONCE, // it was looked up once, while unset
-        PERHAPS,    // no access was counted: unset and asked for once, or set in the run and never read
+        PERHAPS,    // of version 1: either ASKED_ONCE or NEVER_READ
         NEVER_READ, // it came from outside, or was set in the run, and was never looked up
-        UNKNOWN,    // the run never came across it
+        UNKNOWN,    // the report does not name it
     };
 
     KIND kind = KIND::UNKNOWN;
@@ -165,23 +165,23 @@ public:
     DEPENDENCE::KIND on(const std::string& name) const;
 
 private:
-    BY_VARIABLE_NAME<DEPENDENCE::KIND> kinds; // of what the run came across
+    BY_VARIABLE_NAME<DEPENDENCE::KIND> kinds; // of the names in the report
 };
 
-// How several runs stand to one variable.
+// How several runs depend on one variable.
 struct SWITCH_USE
 {
     std::vector<DEPENDENCE> dependences; // of each report, in order
     std::size_t depending_runs;          // those that read it, or asked for it once
-    bool known;                          // some run came across it
+    bool known;                          // some report names it
 };
 SWITCH_USE use_of_switch(const std::string& name, const std::vector<RUN_REPORT>& reports);
 
-// A variable that came from outside in some run and that no run looked up.
+// A variable that was external in some run and that no run looked up.
 struct NEVER_READ_VARIABLE
 {
-    std::string name;                // as first met
-    std::vector<std::string> values; // those that differ, in the order of the runs
+    std::string name;                // in its first spelling
+    std::vector<std::string> values; // each once, in the order of the runs
     std::vector<std::string> set_in_runs;
     std::vector<std::string> perhaps_read_by_runs;
 };
@@ -189,7 +189,7 @@ struct NEVER_READ_VARIABLE
 // In the byte order of the names.
 std::vector<NEVER_READ_VARIABLE> variables_that_no_run_read(const std::vector<RUN_REPORT>& reports);
 
-// Every name in the reports, some of them twice.
+// Every name in the reports. A name may be there several times.
 std::vector<std::string> names_in_reports(const std::vector<RUN_REPORT>& reports);
 
 #endif

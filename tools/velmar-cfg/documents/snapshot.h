@@ -1,4 +1,4 @@
-// Everything that decides, in one directory at one time, what the library answers, and the answers.
+// A snapshot: everything that decides what the library answers in one directory at one time, and the answers.
 #ifndef TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_H
 #define TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_H
 
@@ -28,17 +28,17 @@ struct SNAPSHOT_FILE
 {
     std::string role;                  // one of all_file_roles()
     std::optional<std::string> path;   // nothing when there is no such layer
-    std::optional<std::uint64_t> size; // in bytes; nothing, as the hash, when the file does not exist
-    std::optional<std::string> sha256; // 64 lower-case hexadecimal digits; hidden for a file that holds secrets, since
-                                       // they could be guessed until the hash fits
+    std::optional<std::uint64_t> size; // in bytes; nothing, like the hash, if the file is missing or unreadable
+    std::optional<std::string> sha256; // 64 lower-case hexadecimal digits; hidden if the file has secrets: others could
+                                       // try values until the hash fits
 
-    // The hash itself where it is known, for comparisons. No document has it beside a hidden one.
+    // The hash itself, if it is known, for comparisons. No document contains it if sha256 is hidden.
     std::string hash_behind_mask = {};
 
     bool operator==(const SNAPSHOT_FILE&) const = default;
 };
 
-// What a file is to the library, in the order of the rows: a layer's code, or the last.
+// The roles of files, in the order of the rows: the codes of the layers that are files, then the preference file.
 inline constexpr const char* preference_file_role = "preferences";
 std::vector<std::string> all_file_roles();
 
@@ -51,7 +51,7 @@ struct SNAPSHOT_VARIABLE
     LOCATION location; // of the assignment that won
     LAYER_SET layers;  // all that assign to it
     TYPED_READINGS readings;
-    bool recorded = true; // else it has a value, which the document leaves out
+    bool recorded = true; // else it has a value that the document leaves out
 };
 
 struct SNAPSHOT_PREFERENCE
@@ -63,7 +63,7 @@ struct SNAPSHOT_PREFERENCE
     std::string release; // of the origin's section; empty for none
 };
 
-// The variables of a snapshot: made one at a time from settings, or kept as a document has them.
+// The variables of a snapshot: computed one at a time from settings, or kept as a document has them.
 class SNAPSHOT_VARIABLES
 {
 public:
@@ -76,8 +76,8 @@ public:
     SNAPSHOT_VARIABLE operator[](std::size_t index) const;
     std::string_view name(std::size_t index) const;
 
-    // Keeps the row and its texts, unless there is one of that name. Only for variables that were not made from
-    // settings.
+    // Adds the row with copies of its texts, unless there is one of that name. Returns whether it was added. Only for
+    // variables that were not made from settings.
     bool add(const SNAPSHOT_VARIABLE& row);
 
 private:
@@ -97,14 +97,14 @@ struct SNAPSHOT_SOURCE
     // Never null. Secrets are hidden in it.
     std::shared_ptr<const INPUT_FILE> file;
 
-    // Of a file that could not be read whole, what the library goes on with.
+    // The text. If the file could not be read whole, its complete lines, which the library uses too.
     std::string_view text() const;
 };
 
 // The roles of sources, in the order of the sources of a snapshot.
 std::vector<std::string> all_source_roles();
 
-// What kept a file from being read whole or from being seen, with its path.
+// Why a file could not be read whole or not be seen, with its path.
 struct SNAPSHOT_PROBLEM
 {
     bool of_preferences; // else of the settings
@@ -114,21 +114,22 @@ struct SNAPSHOT_PROBLEM
 // The other program whose view a snapshot is.
 struct SNAPSHOT_PROGRAM
 {
-    std::optional<std::uint64_t> process; // nothing for an executable that would have been started
+    std::optional<std::uint64_t> process; // nothing if the view is that of an executable
     std::string executable;
 };
 
-// Who took a snapshot, and all that the answers in it are made of. With it a snapshot answers as the machine did.
+// Who took a snapshot, and everything that its answers were computed from. With a basis, a snapshot answers as the
+// machine did.
 struct SNAPSHOT_BASIS
 {
     std::string user;
     std::optional<std::string> host;
-    std::optional<std::string> directory; // the current one, of a process its own
+    std::optional<std::string> directory; // the current directory; of a process, its own
     std::string taken;                    // UTC
     std::string tool;                     // "velmar-cfg 1.0.0"
-    std::optional<SNAPSHOT_PROGRAM> as;   // nothing for what a program would read that is started there and then
+    std::optional<SNAPSHOT_PROGRAM> as;   // nothing: that of a program started there and then
     std::vector<FILE_CANDIDATE> search;
-    std::vector<FINDING> findings; // beside those of the lines
+    std::vector<FINDING> findings; // besides those of lines
     std::vector<SNAPSHOT_PROBLEM> problems;
     std::vector<SNAPSHOT_SOURCE> sources; // at most one of each role
 
@@ -150,13 +151,14 @@ struct SNAPSHOT
     // Nothing where it was not asked for, and in documents before version 3.
     std::optional<SNAPSHOT_BASIS> basis;
 
-    // What a run report says: the release, the environment where it knows that, and the values of variables that were
-    // set or asked for.
+    // The snapshot was made of a run report. It holds only the release, the environment if known, and the values of
+    // variables that were set or asked for.
     bool of_run = false;
     bool lossy = false;          // it has U+FFFD for what is no UTF-8
-    VARIABLE_NAMES not_recorded; // what it is known to have set, to a value that the report leaves out
+    VARIABLE_NAMES not_recorded; // set in the run to a value that the report leaves out
 
-    // Whether any variable that is neither listed nor `not_recorded` is known to be unset; if not, only these are.
+    // If true, every variable that is neither listed nor `not_recorded` is known to be unset. If false, only
+    // `known_unset` are.
     bool knows_unset = true;
     VARIABLE_NAMES known_unset;
 };

@@ -13,28 +13,27 @@
 #include "tools/velmar-cfg/documents/snapshot.h"
 #include "tools/velmar-cfg/settings/secrets.h"
 
-// "user", "host", "directory", "taken", "tool", "as", "search", "findings", "problems", "sources" and "lines": a line
-// at a time.
+// Writes "user", "host", "directory", "taken", "tool", "as", "search", "findings", "problems", "sources" and "lines",
+// one line at a time.
 void write_fields(JSON_WRITER& out, const SNAPSHOT_BASIS& basis);
 
-// Takes the basis out of a document. The lines of a source come together, the sources in their order.
+// Reads the basis from a document. The lines of each source must come together, and the sources in their order.
 class SNAPSHOT_BASIS_READER
 {
 public:
-    // Hides the secrets that the document shows, but for those on lines of which parts are hidden already.
+    // Hides the secrets that the document shows. A line with hidden parts stays as it is.
     explicit SNAPSHOT_BASIS_READER(SECRETS& of_document) : secrets(of_document) {}
 
     // The next row of "lines".
     void take_line(const JSON_NODE& row);
 
-    // For lines that are not taken: the role of the source of a row of "lines" that shows a secret; nothing for
-    // another.
+    // For lines that are not wanted: if the row of "lines" contains a secret, the role of its source; else nothing.
     std::optional<std::string> role_of_secret_line(const JSON_NODE& row);
 
-    // To be called once, when all lines have been taken. The files are those of the document.
+    // Must be called once, after all lines were taken. `files` are those of the document.
     SNAPSHOT_BASIS finish(const JSON_NODE& root, const std::vector<SNAPSHOT_FILE>& files);
 
-    // The same without the lines, of which none has been taken: it has no sources.
+    // The same if no line was taken. The basis then has no sources.
     static SNAPSHOT_BASIS finish_without_lines(const JSON_NODE& root);
 
 private:

@@ -14,15 +14,15 @@
 #include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/layers.h"
 
-// One side of the comparison: what it is called, "now" for the present, and what holds there.
+// One side of the comparison. Its title is "now" for the present state.
 struct COMPARED_SNAPSHOT
 {
     std::string title;
     SNAPSHOT snapshot;
-    std::string view = {}; // whose view it is, where that is not plain
+    std::string view = {}; // as SNAPSHOT_BASIS::view_in_words(); empty for the plain view
 };
 
-// The side that has no such row has null or nothing.
+// In the rows below, the side that lacks the row has null or nothing.
 struct INSTALLATION_DIFFERENCE
 {
     std::string what; // "product" or "release"
@@ -37,7 +37,7 @@ struct ENVIRONMENT_DIFFERENCE
     const ENVIRONMENT_VARIABLE* b;
 };
 
-// The content differs, or there is a file on one side only. Its path alone makes no difference.
+// The content differs, or only one side has the file. A different path alone is no difference.
 struct FILE_DIFFERENCE
 {
     std::string role;
@@ -45,14 +45,14 @@ struct FILE_DIFFERENCE
     const SNAPSHOT_FILE* b;
 };
 
-// Value, external mark or readings differ; where the value comes from alone makes no difference. Values are compared as
-// texts.
+// The value, the external mark or the readings differ. A different origin alone is no difference. Values are compared
+// as texts.
 struct VARIABLE_DIFFERENCE
 {
     std::string name;
     std::optional<SNAPSHOT_VARIABLE> a;
     std::optional<SNAPSHOT_VARIABLE> b;
-    std::optional<LAYER_KIND> made_by; // nothing for readings of the same assignment, which another release makes
+    std::optional<LAYER_KIND> made_by; // nothing if only the readings differ, by release
     bool same_in_every_type = false;   // two values that every reader of a number or a switch reads alike
     DEPENDENCE::KIND dependence = DEPENDENCE::KIND::UNKNOWN; // of the run, when one was given
 };
@@ -65,8 +65,8 @@ struct PREFERENCE_DIFFERENCE
     PREFERENCE_SOURCE made_by;
 };
 
-// A row that is the same as far as it is shown; what is masked is so under different keys, or under another than the
-// user's on one side alone.
+// A row that may or may not differ. What both sides show of it is the same. What is masked is so under different keys,
+// or on one side only and not under the user's key.
 struct UNDECIDED_ROW
 {
     const char* list; // "environment", "files", "variables" or "preferences"
@@ -89,21 +89,21 @@ struct SNAPSHOT_DIFFERENCES
     }
 };
 
-// What one side cannot know is no difference. With `mark`, masks under the user's key are compared with plain texts.
+// What one side cannot know is not compared. With `mark`, masks under the user's key are compared with plain texts.
 SNAPSHOT_DIFFERENCES compare_snapshots(const SNAPSHOT& a, const SNAPSHOT& b, const MARK_MAKER& mark = nullptr);
 
 // The lists of differences, as users call them.
 inline constexpr const char* difference_sections[] = {"installation", "environment", "files", "variables",
                                                       "preferences"};
 
-// Drops the differences whose name matches one of the shell patterns, letter case ignored, undecided ones too: names of
-// variables, of environment variables and of preferences, roles of files, and what differs of the installation.
+// Drops the differences and undecided rows whose name matches one of the shell patterns, letter case ignored. The names
+// are those of variables, environment variables and preferences, the roles of files, and "product" and "release".
 void ignore_names(SNAPSHOT_DIFFERENCES& differences, const std::vector<std::string>& patterns);
 
 // Drops all sections but these.
 void keep_sections(SNAPSHOT_DIFFERENCES& differences, const std::vector<std::string>& sections);
 
-// Drops everything but the variables that the run read, or perhaps read, undecided ones too.
+// Drops all differences and undecided rows except those of variables that the run read or perhaps read.
 void keep_what_the_run_read(SNAPSHOT_DIFFERENCES& differences, const RUN_REPORT& run);
 
 #endif

@@ -15,19 +15,19 @@
 //                               order), path, problem (null for none), newline_at_end
 //     lines                     every line of the sources in their order: of, text
 //     files                     of each role (main, appended, regtest, preferences): role, path, size, sha256; path is
-//                               null when there is no such layer, the other two when the file does not exist
+//                               null if there is no such layer, size and sha256 if the file is missing or unreadable
 //     environment               name and value of the environment variables that matter; value is null for none
 //     variables                 name, value, external; layer, file, line, item of the assignment that won; layers, all
 //                               that assign to it; readings: bool, int, uint, double, double_whole
 //     preferences               key, value, default, source, section, release
 //
-// A text that is no UTF-8 is {"hex": "<two digits a byte>"}, and one of which parts are hidden {"masked": [...]} with
-// lasting marks (hidden_text.h); a hidden value has null readings. Rows of one kind all have the same fields, and each
-// takes one line of the document.
+// A text that is not UTF-8 is {"hex": "<two digits a byte>"}. A text with hidden parts is {"masked": [...]} with
+// lasting marks (hidden_text.h). The readings of a hidden value are null. All rows of one kind have the same fields,
+// and each row takes one line of the document.
 //
-// Version 2 has none of the members from user to lines, and is written of a snapshot without a basis. Version 1 has no
-// masked texts either. The lines are what such a document is asked about; the rows of files, variables and preferences
-// are for comparisons and for other programs.
+// Version 2 lacks the members from user to lines. It is written for a snapshot without a basis. Version 1 lacks masked
+// texts too. Commands take variables from the lines, and the values of preferences from their rows. The rows of files
+// and variables are for comparisons and for other programs.
 #ifndef TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_JSON_H
 #define TOOLS_VELMAR_CFG_DOCUMENTS_SNAPSHOT_JSON_H
 
@@ -43,19 +43,19 @@
 // Writes a variable at a time: no document is built.
 void write_json(JSON_WRITER& out, const SNAPSHOT& snapshot);
 
-// Its rows, of which other documents consist as well.
+// Its rows, which other documents contain too.
 void write_json(JSON_WRITER& out, const SNAPSHOT_FILE& file);
 void write_json(JSON_WRITER& out, const SNAPSHOT_VARIABLE& variable);
 void write_json(JSON_WRITER& out, const SNAPSHOT_PREFERENCE& preference);
 
-// Which of the long lists of a snapshot are read; the others are passed over.
+// Which of the long lists of a snapshot are read. The others are skipped.
 struct SNAPSHOT_LISTS
 {
     bool lines = true;     // without them it has no sources
-    bool variables = true; // read of a document before version 3 in any case
+    bool variables = true; // always read from a document before version 3
 };
 
-// Takes a snapshot out of a document that may be one.
+// Reads a snapshot from a document that may be one.
 class SNAPSHOT_READER
 {
 public:
@@ -65,7 +65,7 @@ public:
     {
     }
 
-    // How a document that is a snapshot is read. This must outlive the reading, and stay where it is.
+    // The format of snapshots. This object must outlive the reading, and must not be moved.
     DOCUMENT_FORMAT format();
 
     // To be called once, when the document has been read.
@@ -80,11 +80,11 @@ private:
     SNAPSHOT snapshot;
     SNAPSHOT_BASIS_READER basis;
     LAYER_SET secret_layers;         // those that assign to a hidden variable, or have a secret on another line
-    bool secret_preferences = false; // the same of the preference file
+    bool secret_preferences = false; // the same for the preference file
 };
 
-// The snapshot of the file, with secrets hidden that it shows. Throws TOOL_ERROR(BAD_INPUT) for a file that is no
-// snapshot, or of a newer version.
+// Reads the snapshot of the file, and hides the secrets that it shows. Throws TOOL_ERROR(BAD_INPUT) for a file that is
+// no snapshot, or of a newer version.
 SNAPSHOT read_snapshot(const std::string& path, SECRETS& secrets);
 
 #endif

@@ -1,4 +1,4 @@
-// Environment variables that do something else than they look, and what is not there to be checked.
+// Rules for environment variables that do not do what they seem to, and findings for missing files.
 #ifndef TOOLS_VELMAR_CFG_LINT_ENVIRONMENT_RULES_H
 #define TOOLS_VELMAR_CFG_LINT_ENVIRONMENT_RULES_H
 
@@ -8,18 +8,18 @@
 #include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/settings/secrets.h"
 
-// The findings of the variables that choose settings files, as they are set now. The value of each counts as its first
-// and only item, and is shown with what is assigned to secret names hidden. VELMAR_INI_VARS is a layer of the settings
-// and has rules of its own.
+// The findings for the variables that choose settings files, with the values that they have now. A finding is about
+// item 1 of its variable. What is assigned to secret names is hidden. VELMAR_INI_VARS is not checked here: it is a
+// layer of the settings and has rules of its own.
 std::vector<FINDING> lint_environment(SECRETS& secrets);
 
-// That no settings file was found and VELMAR_INI_VARS is not set: there is nothing to check.
+// The finding that there is nothing to check: no settings file was found, and VELMAR_INI_VARS is not set.
 FINDING no_settings_file();
 
-// The same of the preference file.
+// The same for the preference file.
 FINDING no_preference_file();
 
-// The findings beside those of lines and items: of the environment, and that there are no layers.
+// The findings besides those of the layers: those of lint_environment(), and no_settings_file() if there are no layers.
 std::vector<FINDING> findings_beside_lines(const LAYERS& layers, SECRETS& secrets);
 
 #endif

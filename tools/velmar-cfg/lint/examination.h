@@ -1,8 +1,8 @@
 // The rules of lint for one line of a settings file, one item of VELMAR_INI_VARS or one assignment that is known by
 // name and value alone.
 //
-// What becomes of a statement is taken from the layers, and with them from the library; only the question whether that
-// is what the statement looks like is answered here.
+// What a statement does is taken from the layers, and so from the library. The rules here decide only whether the
+// statement looks as if it did that.
 #ifndef TOOLS_VELMAR_CFG_LINT_EXAMINATION_H
 #define TOOLS_VELMAR_CFG_LINT_EXAMINATION_H
 
@@ -17,26 +17,26 @@
 #include "tools/velmar-cfg/settings/known_variables.h"
 #include "tools/velmar-cfg/settings/layers.h"
 
-// A finding, and how its advice goes on behind the text that it suggests.
+// A finding, and how its advice goes on after the suggested text.
 struct NOTICE
 {
     FINDING finding;
-    const char* condition; // such as " if that is the variable"; null when the advice is always as it stands
+    const char* condition; // such as " if that is the variable"; null if the advice never changes
 };
 
-// Where among the assignments a statement stands.
+// The position of a statement among the assignments.
 struct STANDING
 {
-    ASSIGNMENT_NUMBER number; // its own, or of the next assignment when it is none
+    ASSIGNMENT_NUMBER number; // its own; of the next assignment if it is none
     bool is_assignment;       // the number is its own
     bool is_first;            // known to be the first of its variable in its layer
-    bool is_new;              // it would take the place of what stands there
+    bool is_new;              // it is a suggestion, to take the place of what stands there
 };
 
-// That an inline text mixes both separators, seen at that offset of an item.
+// The finding that an inline text mixes both separators, at that offset of an item.
 FINDING separator_finding(const INPUT_FILE& source, std::size_t offset);
 
-// One statement under examination. Columns are handed over as offsets into its text.
+// The examination of one statement. Columns are passed as offsets into its text.
 class EXAMINATION
 {
 public:
@@ -44,7 +44,7 @@ public:
     EXAMINATION(const LAYERS& layers, const NAMESAKES& all_namesakes, const STATEMENT& the_statement,
                 const STANDING& the_standing);
 
-    // In the order of their columns. To be called once.
+    // The findings in the order of their columns. Must be called once.
     std::vector<NOTICE> notices();
 
 private:

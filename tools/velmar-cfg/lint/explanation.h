@@ -13,7 +13,7 @@
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/typed_readings.h"
 
-// What may be a mistake.
+// A hint at a possible mistake.
 struct HINT
 {
     std::string reason; // one word, stable, for scripts
@@ -28,20 +28,20 @@ struct EXPLAINED_ASSIGNMENT
     std::string text; // the line or the item as it stands
 };
 
-// Looks into the settings that were asked, which must outlive it.
+// Contains views into the settings, which must outlive it.
 struct EXPLANATION
 {
     std::string name;
-    const KNOWN_VARIABLE* known = nullptr; // null for any other
+    const KNOWN_VARIABLE* known = nullptr; // null if it is not a known variable
     std::string_view value;                // empty when it has none, or none is known
-    std::optional<bool> is_set = false;    // nothing where it is not known, as of a variable that no layer sets
-    bool external = false;                 // without meaning where is_set is nothing
+    std::optional<bool> is_set = false;    // nothing if the state does not know
+    bool external = false;                 // meaningless if is_set is nothing
     TYPED_READINGS readings;
     std::vector<EXPLAINED_ASSIGNMENT> assignments; // in layering order; the last one won
     std::vector<HINT> hints;
 };
 
-// `other_names`, which are not in the settings, may be meant as well: a hint suggests the nearest name.
+// A hint may suggest the nearest name. `other_names`, which are not in the settings, are candidates for it too.
 EXPLANATION explain_variable(const std::string& name, const SETTINGS& settings,
                              const std::vector<std::string>& other_names = {});
 

@@ -1,7 +1,7 @@
-// The text that a person meant to write: what takes the place of a line, or of an item of VELMAR_INI_VARS.
+// Guesses the text that a person meant to write in the place of a line, or of an item of VELMAR_INI_VARS.
 //
-// All that is odd about a line is put right at once, so that each of its findings suggests the same text. Whether that
-// text is free of the findings is for the rules to check.
+// Everything odd about a line is corrected at once, so all its findings suggest the same text. The rules then check
+// whether that text is free of the findings.
 #ifndef TOOLS_VELMAR_CFG_LINT_INTENTIONS_H
 #define TOOLS_VELMAR_CFG_LINT_INTENTIONS_H
 
@@ -15,16 +15,18 @@
 class INTENTIONS
 {
 public:
-    // They tell how a name is spelt elsewhere, and must outlive this.
+    // `all_namesakes` tell how a name is spelt elsewhere. They must outlive this.
     explicit INTENTIONS(const NAMESAKES& all_namesakes) : namesakes(all_namesakes) {}
 
-    // The line, or the lines with newlines between them; its carriage return stays. Nothing where a person must decide.
+    // The line that was meant, or several with newlines between them. A carriage return at its end stays. Nothing if a
+    // person must decide.
     std::optional<std::string> of_line(std::string_view line, bool is_first) const;
 
-    // The item, or several with separators between them. Nothing where a person must decide.
+    // The item that was meant, or several with separators between them. Nothing if a person must decide.
     std::optional<std::string> of_item(std::string_view item, char separator) const;
 
-    // The name as the product or the first assignment spells it, or the known one that is nearest.
+    // The spelling that was meant: that of the known variable, else the nearest known name, else as the first
+    // assignment spells it.
     std::string spelt(std::string_view name) const;
 
 private:
@@ -37,20 +39,21 @@ private:
     const NAMESAKES& namesakes;
 };
 
-// The known variable nearest to the name, which is none itself. Null for none.
+// The known variable nearest to the name, which is itself not known. Null for none.
 const std::string* nearest_known_name(std::string_view name);
 
-// What makes a comment of a line.
+// Makes a line a comment when put before it.
 inline constexpr std::string_view comment_sign = "# ";
 
 // The bytes with which some programs begin a text.
 inline constexpr std::string_view byte_order_mark = "\xef\xbb\xbf";
 
-// Where a carriage return that ends no line divides the text; npos when none does, or it only divides comments.
+// The offset of a carriage return that divides the text but ends no line. npos if there is none, or if it only divides
+// comments.
 std::size_t dividing_carriage_return(std::string_view line);
 
-// Where a "//" stands that looks like the beginning of a comment but belongs to the value, which begins at
-// `value_offset`; npos for none. `kept` is the line without its comment.
+// The offset of a "//" that looks like the beginning of a comment but belongs to the value; npos for none. `kept` is
+// the line without its comment, and the value begins at `value_offset`.
 std::size_t slashes_in_value(std::string_view kept, std::size_t value_offset);
 
 #endif

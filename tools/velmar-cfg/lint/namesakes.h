@@ -1,8 +1,8 @@
-// Which statements assign to the same variable: what the rules ask about the statements around one.
+// Finds, for the rules of lint, the other statements that assign to the same variable.
 //
-// For each variable of a layer, this keeps where its first assignment there stands, and for each assignment that
-// another of the same layer follows, where that stands; names and values are taken from the layers when they are asked
-// for. That is 24 bytes a variable and up to 12 for its slots, and 16 for each assignment that is followed.
+// For each variable of a layer, this keeps the position of its first assignment. For each assignment that another one
+// in the same layer follows, it keeps the position of the next. Names and values are read from the layers when they are
+// needed. Memory: 24 bytes for each variable and up to 12 for its slots, and 16 for each assignment that is followed.
 #ifndef TOOLS_VELMAR_CFG_LINT_NAMESAKES_H
 #define TOOLS_VELMAR_CFG_LINT_NAMESAKES_H
 
@@ -34,11 +34,12 @@ public:
         LOCATION location;
     };
 
-    // The layers must outlive this. Throws TOOL_ERROR(BAD_INPUT) for more than four thousand million assignments.
+    // The layers must outlive this. Throws TOOL_ERROR(BAD_INPUT) for more than UINT32_MAX assignments, and for a layer
+    // of 1 TiB or more.
     explicit NAMESAKES(const LAYERS& all_layers);
 
-    // Whether the assignment is the first to its variable in its layer. To be asked of assignments in their order:
-    // `variables_before` is how many were.
+    // Whether the assignment is the first to its variable in its layer. Must be called for the assignments in their
+    // order. `variables_before` is how many of those before were first.
     bool is_first_in_layer(ASSIGNMENT_NUMBER assignment, std::size_t variables_before) const
     {
         return variables_before < variables.size() && variables[variables_before].first == assignment;
@@ -50,7 +51,7 @@ public:
     // The next assignment, in the same layer, to the variable that this one assigns to.
     std::optional<ASSIGNED> next(ASSIGNMENT_NUMBER assignment) const;
 
-    // Whether the variable is assigned to in that layer, by `assignment` or one behind it.
+    // Whether `assignment`, or a later one in that layer, assigns to the variable.
     bool is_assigned_to_later(std::string_view name, std::size_t layer, ASSIGNMENT_NUMBER assignment) const;
 
 private:
@@ -84,7 +85,8 @@ private:
     std::deque<VARIABLE_PLACE> variables; // in the order of their first assignments; grows without moving
     std::vector<FOLLOWED> followed;       // in the order of the assignments
 
-    // Open addressing, two thirds full at most: a power of two of slots, each one more than a variable's index, or 0.
+    // Open addressing, at most two thirds full. The number of slots is a power of two. A slot is a variable's index
+    // plus 1, or 0.
     std::vector<std::uint32_t> slots;
 };
 

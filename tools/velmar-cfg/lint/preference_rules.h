@@ -1,4 +1,5 @@
-// Lines of a preference file that are ignored or read otherwise than they look, or that the next save loses.
+// Rules for lines of a preference file that are ignored, mean something else than they seem to, or are lost at the next
+// save.
 #ifndef TOOLS_VELMAR_CFG_LINT_PREFERENCE_RULES_H
 #define TOOLS_VELMAR_CFG_LINT_PREFERENCE_RULES_H
 

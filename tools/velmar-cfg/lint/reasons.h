@@ -1,4 +1,4 @@
-// The reasons of findings, by which findings are called and chosen.
+// The reasons of findings. They name findings, and select them.
 #ifndef TOOLS_VELMAR_CFG_LINT_REASONS_H
 #define TOOLS_VELMAR_CFG_LINT_REASONS_H
 
@@ -14,19 +14,19 @@ struct REASON
     const char* meaning; // a sentence, as the manual page has it
 };
 
-// Those of settings and of preferences, each by name. Some names are in both.
+// The reasons for settings and for preferences, each in the byte order of names. Some names are in both.
 std::span<const REASON> reasons_of_settings();
 std::span<const REASON> reasons_of_preferences();
 
 // Every name once, in byte order.
 const std::vector<std::string>& reason_names();
 
-// What findings of that name say, of settings and of preferences.
+// What findings of that name mean, for settings and for preferences.
 std::string meaning_of_reason(std::string_view name);
 
 using REASONS = std::set<std::string>;
 
-// The names as a set. Throws TOOL_ERROR(USAGE) for one that is none, with the one that may be meant.
+// The names as a set. Throws TOOL_ERROR(USAGE) for an unknown name, with a suggestion.
 REASONS checked_reasons(const std::vector<std::string>& names);
 
 #endif

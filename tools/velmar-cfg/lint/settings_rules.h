@@ -1,5 +1,5 @@
-// Lines of settings files, and items of VELMAR_INI_VARS, that are ignored or read otherwise than they look, each with
-// the text to write instead.
+// Rules for lines of settings files, and items of VELMAR_INI_VARS, that are ignored or mean something else than they
+// seem to. Each finding says what to write instead.
 #ifndef TOOLS_VELMAR_CFG_LINT_SETTINGS_RULES_H
 #define TOOLS_VELMAR_CFG_LINT_SETTINGS_RULES_H
 
@@ -15,17 +15,17 @@
 #include "tools/velmar-cfg/lint/reasons.h"
 #include "tools/velmar-cfg/settings/layers.h"
 
-// The rules with what they need of all statements of the layers, which must outlive this.
+// The rules, and what they need to know of all statements of the layers. The layers must outlive this.
 class SETTINGS_RULES
 {
 public:
     explicit SETTINGS_RULES(const LAYERS& all_layers) : layers(all_layers), namesakes(layers), intentions(namesakes) {}
 
-    // The findings of one statement. `number` is its own, or that of the next assignment when it is none; its texts
-    // must be parts of the layers.
+    // The findings of one statement, whose texts must be parts of the layers. `number` is its own number, or that of
+    // the next assignment if it is none.
     std::vector<FINDING> findings(const STATEMENT& statement, ASSIGNMENT_NUMBER number, bool is_first = false);
 
-    // Hands every statement with its findings over, in the order of the statements.
+    // Hands over every statement with its findings, in the order of the statements.
     void run(const std::function<void(const STATEMENT&, const std::vector<FINDING>&)>& take);
 
 private:
@@ -44,7 +44,7 @@ private:
     std::optional<bool> leading_separator_helps; // once asked
 };
 
-// Hands the findings of every statement over, in the order of the statements.
+// Hands over the findings of every statement, in the order of the statements.
 void lint_settings(const LAYERS& layers, const std::function<void(const FINDING&)>& take);
 
 // The same, all at once.

@@ -1,5 +1,5 @@
-// What a person who wrote a line or an item most probably meant by it, told from its form alone. What the library does
-// with the text is not decided here.
+// Guesses from the form of a line or an item what the person who wrote it meant. What the library does with the text
+// does not matter here.
 #ifndef TOOLS_VELMAR_CFG_LINT_WRITTEN_FORM_H
 #define TOOLS_VELMAR_CFG_LINT_WRITTEN_FORM_H
 
@@ -14,16 +14,16 @@
 // White space in the sense of the library's trimming.
 bool is_white(char c);
 
-// `text` without the white space at its ends, as a part of it.
+// `text` without the white space at its ends, as a view of it.
 std::string_view without_outer_white(std::string_view text);
 
-// The words of a text, white space between them.
+// The words of a text, which white space separates.
 std::vector<std::string_view> words_of(std::string_view text);
 
-// Something a person would take for a variable's name: letters, digits and "_".
+// Whether a person would take the text for a variable's name: letters, digits and "_".
 bool looks_like_a_name(std::string_view text);
 
-// Whether `text`, taken for a line of its own, sets a variable whose name looks like one.
+// Whether `text`, as a line of its own, sets a variable whose name looks like one.
 bool looks_like_an_assignment(std::string_view text);
 
 // Whether both separators stand in an inline text.
@@ -31,7 +31,7 @@ bool mixes_separators(std::string_view text);
 
 // --- A statement with an "=", taken apart ---
 
-// The parts put together are the text again.
+// Put together, the parts are the text again.
 struct WRITTEN_ASSIGNMENT
 {
     std::string_view indentation;
@@ -48,7 +48,7 @@ WRITTEN_ASSIGNMENT taken_apart(std::string_view text, std::size_t kept_length);
 
 // --- Names ---
 
-// What stands before the "=" and belongs to no name.
+// The text before the "=", with what does not belong to the name set apart.
 struct WRITTEN_NAME
 {
     std::string_view core;          // the name itself
@@ -67,26 +67,27 @@ bool only_assigns(std::string_view operator_sign);
 // The text between the quotes, double or single, when they enclose the whole value and nothing else.
 std::optional<std::string_view> between_quotes(std::string_view value);
 
-// A boolean word or a number: what no text variable needs.
+// Whether the value is a boolean word or a number.
 bool is_scalar(std::string_view value);
 
-// The value without a comma or semicolon that ends it, when the rest is a scalar.
+// The value without the comma or semicolon that ends it, if the rest is a scalar; else nothing.
 std::optional<std::string_view> without_comma(std::string_view value);
 
-// "on" or "off" for a word that means it, such as "yes", and is no boolean of the library.
+// "on" or "off" for a word that means it, such as "yes", but is no boolean to the library; else nothing.
 std::optional<std::string> boolean_meant_by(std::string_view value);
 
 // The decimal digits for an integer written otherwise, such as 0x10; nothing for what is an integer already, or is out
 // of range.
 std::optional<std::string> hexadecimal_meant_by(std::string_view value);
 
-// The same for +5, 2.0 and 1e3 too.
+// The same, also for +5, 2.0 and 1e3.
 std::optional<std::string> integer_meant_by(std::string_view value);
 
-// "1 h=2" of the line "g=1 h=2": the value and the further assignments, each as a line. Empty for any other value.
+// Divides a value that holds further assignments, such as "1 h=2" of the line "g=1 h=2", into the value itself and the
+// assignments, each as a line. Empty for any other value.
 std::vector<std::string> assignments_in_value(std::string_view value);
 
-// The value as a reader of such a variable needs it; the value itself when nothing else is meant.
+// The value in the form that readers of `known`, which may be null, need; the value itself if nothing else is meant.
 std::string value_meant_by(std::string_view value, const KNOWN_VARIABLE* known);
 
 #endif

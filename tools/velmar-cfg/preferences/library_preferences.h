@@ -1,6 +1,5 @@
-// The library's own rules for preferences: the catalogue, the file's lines, and what loads and saves. Everything that
-// the tool takes from the internals of the preference store is taken here, so that what the tool says is what the
-// library does.
+// The library's own rules for preferences: the catalogue, the file's lines, and what loads and saves. Only through this
+// header does the tool use the internals of the preference store. So what the tool says is what the library does.
 #ifndef TOOLS_VELMAR_CFG_PREFERENCES_LIBRARY_PREFERENCES_H
 #define TOOLS_VELMAR_CFG_PREFERENCES_LIBRARY_PREFERENCES_H
 

@@ -1,4 +1,4 @@
-// Changing preferences in the file without risk (base/file_edit.h).
+// Changes preferences in their file safely (base/file_edit.h).
 #ifndef TOOLS_VELMAR_CFG_PREFERENCES_PREFERENCE_EDIT_H
 #define TOOLS_VELMAR_CFG_PREFERENCES_PREFERENCE_EDIT_H
 
@@ -8,10 +8,10 @@
 #include "tools/velmar-cfg/base/file_edit.h"
 #include "tools/velmar-cfg/preferences/preference_plan.h"
 
-// What an edit does only if it is told to.
+// What an edit does only with permission.
 struct EDIT_PERMISSIONS : FILE_EDIT_PERMISSIONS
 {
-    bool lose_values = false; // --allow-loss: values go or change beside those that are to change
+    bool lose_values = false; // --allow-loss: lose or change other values too
 };
 
 struct EDITED_FILE : FILE_EDIT
@@ -19,16 +19,18 @@ struct EDITED_FILE : FILE_EDIT
     PREFERENCE_PLAN plan;
 };
 
-// What the changes would do. Nothing is written and nothing is locked. Throws as below.
+// A dry run: returns what change_preferences() would do. Writes nothing and locks nothing. Throws as
+// change_preferences() does.
 EDITED_FILE try_preference_changes(const std::vector<PREFERENCE_CHANGE>& changes, const EDIT_PERMISSIONS& permissions,
                                    std::chrono::milliseconds patience);
 
-// Makes all the changes or, where there is a refusal, none. No other preference changes its value: those carried over
-// from older releases are written out where the changes would end that.
+// Makes all the changes, or none if there is a refusal. Values carried over from older releases are written to the file
+// if the changes would end that. Other preferences keep their values, unless `lose_values` permits otherwise or the
+// catalogue no longer allows the value.
 //
 // Waits up to `patience` for another velmar-cfg, and for other programs that write the file. Throws TOOL_ERROR: REFUSED
 // for a value that the catalogue does not allow or that no file can hold, BAD_INPUT for a file that cannot be read,
-// NOT_WRITTEN for everything else. The file is then untouched, unless the text says otherwise.
+// NOT_WRITTEN for all other failures. After an exception the file is unchanged, unless the message says otherwise.
 EDITED_FILE change_preferences(const std::vector<PREFERENCE_CHANGE>& changes, const EDIT_PERMISSIONS& permissions,
                                std::chrono::milliseconds patience);
 

@@ -1,5 +1,4 @@
-// Why a preference has its value: every line of the preference file that says something of it, and what becomes of
-// each.
+// Why a preference has its value: every line of the preference file that concerns it, and whether the line counts.
 #ifndef TOOLS_VELMAR_CFG_PREFERENCES_PREFERENCE_EXPLANATION_H
 #define TOOLS_VELMAR_CFG_PREFERENCES_PREFERENCE_EXPLANATION_H
 
@@ -15,22 +14,22 @@
 #include "tools/velmar-cfg/preferences/preferences.h"
 #include "tools/velmar-cfg/settings/secrets.h"
 
-// Whether a line counts, and why it does not.
+// Whether a line counts, and if not, why.
 enum class LINE_FATE : std::uint8_t
 {
     COUNTS,
     COUNTS_UNALLOWED, // it counts, although the catalogue does not allow the value
-    COMMENT,          // a preference of another name: "# KEY"
-    TAKEN_FOR_HEADER, // for the "[" in it
+    COMMENT,          // it gives a preference of another name: "# KEY"
+    TAKEN_FOR_HEADER, // because of the "[" in it
     BEFORE_SECTION,
     BELOW_EMPTY_HEADER,
-    OTHER_SECTION,       // in which no lookup of the key looks
-    UNKNOWN_RELEASE,     // the same, where a release may be meant
-    SECTION_LETTER_CASE, // the same, where it is one that lookups look into but for letter case
-    LETTER_CASE,         // the key's
-    SECOND_LINE,         // behind `other_line`, of the same section and key
+    OTHER_SECTION,       // no lookup of the key searches that section
+    UNKNOWN_RELEASE,     // the same; the section may be meant for a release
+    SECTION_LETTER_CASE, // the same; a section that is searched differs only in letter case
+    LETTER_CASE,         // the key differs in letter case
+    SECOND_LINE,         // it follows `other_line`, of the same section and key
     EMPTY_VALUE,
-    RUNNING_RELEASE,    // nothing older is looked for, for the section at `other_line`
+    RUNNING_RELEASE,    // because of the section at `other_line`, nothing older is searched
     OTHER_RELEASE_FIRST // `other_line` is found before it
 };
 
@@ -57,10 +56,11 @@ struct PREFERENCE_EXPLANATION
     std::vector<EXPLAINED_PREFERENCE_LINE> lines;
 };
 
-// Of a file as it was read, or none; secrets are hidden. Of the lines at most one counts.
+// Explains the preference by the lines of `file`, which is null if there is none. Hides secrets. At most one of the
+// lines counts.
 PREFERENCE_EXPLANATION explain_preference(const INPUT_FILE* file, CFG_USER_INI_ENUMS number, SECRETS& secrets);
 
-// "duplicate", ...: where prefs lint has a name for it, that one. Null for COUNTS.
+// A word such as "duplicate": that of prefs lint, if it has one. Null for COUNTS.
 const char* fate_word(LINE_FATE fate);
 
 // The reason as a sentence without its end; empty for COUNTS.

@@ -9,8 +9,8 @@
 
 #include "tools/velmar-cfg/preferences/library_preferences.h"
 
-// Calls visit(number, text, line, section) for each line, whose line feed is left out of `text`: its number, counted
-// from 1, what the reader takes from it, and the section that holds from there on; empty before the first header.
+// Calls visit(number, text, line, section) for each line: its number, counted from 1; its text without the line feed;
+// what the reader takes from it; and the section that holds from there on, which is empty before the first header.
 template <typename VISIT>
 void for_each_preference_line(std::string_view bytes, VISIT visit)
 {

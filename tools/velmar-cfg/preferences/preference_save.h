@@ -1,5 +1,5 @@
-// What a save makes of a preference file: the new text, and the lines of the old one that are not in it. Text in, text
-// out; no file is touched and nothing is loaded.
+// Computes what a save makes of a preference file: the new text, and the lines of the old one that are not in it. Works
+// on texts; touches no file and loads nothing.
 #ifndef TOOLS_VELMAR_CFG_PREFERENCES_PREFERENCE_SAVE_H
 #define TOOLS_VELMAR_CFG_PREFERENCES_PREFERENCE_SAVE_H
 
@@ -23,7 +23,7 @@ enum class LOSS : std::uint8_t
     BRACKET_IN_VALUE,   // a key line that reads as a header
     EMPTY_HEADER,       // "[]"
     EMPTY_SECTION,      // a header with no key below that has a value
-    BESIDE_HEADER,      // the text in the line of a header
+    BESIDE_HEADER,      // text beside a header, in its line
     BEFORE_SECTION,     // a key line before any header
     BELOW_EMPTY_HEADER, // a key line below "[]"
     SECOND_LINE,        // a key line behind another one of the same section and key
@@ -33,7 +33,7 @@ enum class LOSS : std::uint8_t
     CHANGED_VALUE,      // quotes within quotes: the next load removes one pair more
 };
 
-// A word for each, the one by which "prefs lint" calls such a line: "not-kept", "duplicate", ...
+// A word for each reason, the same that "prefs lint" has for such a line: "not-kept", "duplicate", ...
 const char* loss_word(LOSS reason);
 
 struct LOST_LINE
@@ -41,7 +41,7 @@ struct LOST_LINE
     std::size_t number; // of the old file, counted from 1
     std::string text;   // without its line feed
     LOSS reason;
-    bool value_lost;                  // the user wrote a value there that is gone, or other, in the new file
+    bool value_lost;                  // the user wrote a value there that the new file lacks or changes
     std::size_t other_line;           // SECOND_LINE: the first one; else 0
     std::string section;              // the line's section, where it has one
     std::string section_in_its_place; // MERGED_SECTION; SECOND_LINE when the first one is in another section
@@ -50,8 +50,8 @@ struct LOST_LINE
 // What happens to the line and why, as a sentence without its end.
 std::string loss_as_text(const LOST_LINE& line);
 
-// A line of the file that is not blank, as the reader takes it, and what a save makes of it. The texts are parts of the
-// file or of the records.
+// A line of the file that is not blank: what the reader takes from it, and what a save makes of it. The texts are parts
+// of the file or of the records.
 struct EXAMINED_LINE
 {
     std::size_t number = 0; // counted from 1
@@ -71,23 +71,24 @@ struct EXAMINED_LINE
 class PREFERENCE_RECORDS
 {
 public:
-    // `bytes`, which have fewer than UINT32_MAX lines, stay as they are while the object lives.
+    // `bytes` must outlive the object, and have fewer than UINT32_MAX lines.
     explicit PREFERENCE_RECORDS(std::string_view bytes);
 
     PREFERENCE_RECORDS(const PREFERENCE_RECORDS&) = delete;
     PREFERENCE_RECORDS& operator=(const PREFERENCE_RECORDS&) = delete;
 
-    // As an assignment does it: in the running release's section. The lines of that key count as changed, not as lost.
+    // Assigns in the running release's section, as the library does. The lines of that key then count as changed, not
+    // as lost.
     void assign(CFG_USER_INI_ENUMS number, const std::string& value);
 
     // Gives the running release's record, if there is one, an empty value: a save leaves it out.
     void clear(CFG_USER_INI_ENUMS number);
 
-    // What a save writes.
+    // The text that a save writes.
     std::string saved() const;
 
-    // The lines of the file that are not in saved(), in their order. Blank lines do not count, nor do blanks, quotes
-    // and old names that a save writes otherwise.
+    // The lines of the file that are not in saved(), in their order. Blank lines do not count, nor do changes of
+    // blanks, quotes and old names.
     std::vector<LOST_LINE> lost_lines() const;
 
     // Calls visit(EXAMINED_LINE&&) for each line that is not blank, in their order.
@@ -106,7 +107,7 @@ private:
     struct SECTION
     {
         std::string_view name;
-        std::uint64_t hash; // of the name, which the hash of a record in it goes on with
+        std::uint64_t hash; // of the name; the hash of a record continues it
     };
 
     struct RECORD
@@ -115,7 +116,7 @@ private:
         std::string_view value;
         INDEX section;
         INDEX line;          // its number; 0 for one that was assigned
-        INDEX change = none; // of one that was changed: its position among the values before
+        INDEX change = none; // if it was changed: its index in values_before
     };
 
     // A line that is not blank.
@@ -125,7 +126,7 @@ private:
         INDEX number = 0;
         INDEX section = none;
         INDEX record = none;             // the one that the line made, or that kept it from making one
-        std::optional<LOSS> lost;        // for certain; else it depends on the records
+        std::optional<LOSS> lost;        // nothing: the records decide
         bool has_value = false;          // that would be lost
         bool old_name_converted = false; // of a key line
     };
@@ -136,7 +137,7 @@ private:
         bool written = false;
         bool emptied = false; // it had a record that was cleared
         INDEX group = none;   // the first one written that has its name, letter case ignored
-        INDEX header = none;  // the one that gives the header, in the group's first one
+        INDEX header = none;  // in the group's first one: the one that gives the header
     };
 
     void add_header(LINE line, const zon_cfg::PREFERENCE_LINE& read);
@@ -159,7 +160,7 @@ private:
     std::vector<std::string_view> values_before; // of the records that were changed
     HASH_INDEX section_positions;                // by name
     HASH_INDEX record_positions;                 // by section immediately followed by the name
-    TEXT_STORE texts;                            // that are no parts of the file
+    TEXT_STORE texts;                            // those that are no parts of the file
     INDEX current_section = none;                // while the file is read; none before the first header
 };
 

@@ -47,7 +47,7 @@ struct PREFERENCE_FILE_LOCATION
 };
 PREFERENCE_FILE_LOCATION preference_file_location();
 
-// The same as the one candidate that it is.
+// The same, as a candidate of the search.
 FILE_CANDIDATE preference_file_candidate();
 
 // Every place where a file is looked for: the main settings file, the appended one, the regression-test file, the
@@ -93,20 +93,23 @@ private:
     std::set<std::string> sections;
 };
 
-// Those of the file in use, secrets hidden; none when there is none, or when it cannot be read.
+// The preferences of the file in use, with secrets hidden. If there is none, or it cannot be read, those of an empty
+// file.
 PREFERENCES load_preferences(INPUT_FILES& files, SECRETS& secrets);
 
-// The same for a file that was read; none for null.
+// The same for a file that was read; null means no file.
 PREFERENCES preferences_in(const INPUT_FILE* file, SECRETS& secrets);
 
-// The numbers of all preferences of the catalogue, in its order, and their keys.
+// The numbers of all preferences of the catalogue, in its order.
 std::vector<CFG_USER_INI_ENUMS> all_preference_numbers();
 
-// Whether lookups of any release get to the section.
+// Whether lookups of any release search the section.
 bool is_looked_into(std::string_view section);
 
 // Whether it is a preference file and no settings file: by its name, or by the section of a release in its text.
 bool is_preference_file(const std::string& path, std::string_view bytes = {});
+
+// The keys of all preferences of the catalogue, in its order.
 std::vector<std::string> all_preference_keys();
 
 // The values that the catalogue allows; none for free text.
@@ -118,9 +121,9 @@ std::string default_preference_value(CFG_USER_INI_ENUMS number);
 // The preference of that key, in any letter case. Throws TOOL_ERROR(REFUSED), with a suggestion, for any other name.
 CFG_USER_INI_ENUMS preference_number(const std::string& key);
 
-// The fields "key", "value", "default", "allowed", "source", "section" and "release"; "source" is "running release",
-// "older release", "unversioned section", "default" or "none", "section" that of the file or null, "release" the
-// section's or null, "allowed" null for free text.
+// Writes the fields "key", "value", "default", "allowed", "source", "section" and "release". "source" is "running
+// release", "older release", "unversioned section", "default" or "none". "section" is that of the file, or null.
+// "release" is that of the section, or null. "allowed" is null for free text.
 void write_preference_fields(JSON_WRITER& out, const PREFERENCE& preference);
 
 // "off, on" or "any text".

@@ -17,10 +17,10 @@ struct ENVIRONMENT_VARIABLE
     bool operator==(const ENVIRONMENT_VARIABLE&) const = default;
 };
 
-// All of them, set or not, in the order in which they take part, with the secrets of VELMAR_INI_VARS hidden.
+// All of them, set or not, in the order in which they take part, with secrets hidden.
 std::vector<ENVIRONMENT_VARIABLE> environment_that_matters(SECRETS& secrets);
 
-// Hides the secrets in its value, unless some are hidden already.
+// Hides the secrets in the variable's value, unless some are hidden already.
 void hide_in_environment(ENVIRONMENT_VARIABLE& variable, SECRETS& secrets);
 
 // {"name", "value"}, "value" null when not set.

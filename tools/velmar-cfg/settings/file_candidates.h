@@ -14,11 +14,11 @@ enum class FILE_STATE
 {
     READ,     // exists and is the one that is read
     SHADOWED, // exists, but an earlier one is read
-    DISABLED, // exists and would be read, but for VELMAR_INI_DISABLED
+    DISABLED, // exists, and would be read without VELMAR_INI_DISABLED
     UNUSED,   // exists, and nothing asks for it
     MISSING,
     DANGLING, // a link on the way leads nowhere
-    BARRED,   // it cannot be told whether it exists: a directory on the way cannot be searched
+    BARRED,   // not known whether it exists: a directory on the way cannot be searched
     SKIPPED,  // the place names no directory
 };
 
@@ -39,14 +39,14 @@ struct FILE_CANDIDATE
 // {"file", "place", "path", "state", "remark"}.
 void write_json(JSON_WRITER& out, const FILE_CANDIDATE& candidate);
 
-// A file that no search is made for: read when it exists.
+// The candidate for a file that is not searched for: it is read if it exists.
 FILE_CANDIDATE sole_candidate(const std::string& file, const std::string& place, const std::string& path);
 
-// Every candidate for the main settings file, or with `regtest` for the regression-test file, which is unused unless
-// the scope asks for it.
+// Every candidate for the main settings file, or with `regtest` for the regression-test file. The latter is unused
+// unless the scope asks for it.
 std::vector<FILE_CANDIDATE> settings_candidates(const SETTINGS_SCOPE& scope, bool regtest);
 
-// The file of APPENDED_VELMAR_INI.
+// The candidate for the file of APPENDED_VELMAR_INI.
 FILE_CANDIDATE appended_candidate();
 
 #endif

@@ -1,5 +1,5 @@
-// The sources of the settings, in the order in which one is applied on top of the other, each with all of its text; and
-// what the library does with each line and item.
+// The sources of the settings, each with all of its text, in the order in which they are applied on top of each other;
+// and what the library does with each of their lines and items.
 #ifndef TOOLS_VELMAR_CFG_SETTINGS_LAYERS_H
 #define TOOLS_VELMAR_CFG_SETTINGS_LAYERS_H
 
@@ -21,17 +21,17 @@
 struct WHAT_IF
 {
     std::string name;
-    std::optional<std::string> value; // nothing to take every assignment to the variable away
+    std::optional<std::string> value; // nothing: remove every assignment to the variable
 };
 
-// Whose settings are asked for, and what of them is hidden.
+// Which settings are asked for, with which changes, and which secrets are hidden.
 struct SETTINGS_SCOPE
 {
-    std::string project;               // the project's directory; empty for the search's file
+    std::string project;               // the project's directory; empty: only the search
     bool regtest = false;              // regtest.ini as well, as regression runs read it
-    std::vector<WHAT_IF> what_if = {}; // made in this order once all is read
+    std::vector<WHAT_IF> what_if = {}; // made in this order after all is read
 
-    // Never null; copies of the scope have the same.
+    // Never null. Copies of the scope share it.
     std::shared_ptr<SECRETS> secrets = std::make_shared<SECRETS>();
 };
 
@@ -44,7 +44,7 @@ enum class LAYER_KIND : std::uint8_t
     REGTEST_FILE,
     PROGRAM, // of a run report: what the program itself set, or a text that it applied
     WHAT_IF, // what the user wants to see applied
-    UNKNOWN, // of a document that does not say from where it has a value
+    UNKNOWN, // of a document that does not tell where a value comes from
 };
 
 inline constexpr LAYER_KIND all_layer_kinds[] = {
@@ -62,7 +62,7 @@ std::optional<LAYER_KIND> layer_of_code(std::string_view code);
 // "main settings file", "file of APPENDED_VELMAR_INI", ...: for people.
 const char* layer_title(LAYER_KIND kind);
 
-// Whether the library itself reads such a layer, wherever it runs.
+// Whether the library itself reads layers of this kind.
 constexpr bool is_library_source(LAYER_KIND kind)
 {
     return kind <= LAYER_KIND::REGTEST_FILE;
@@ -74,14 +74,14 @@ constexpr bool is_file(LAYER_KIND kind)
     return kind == LAYER_KIND::MAIN_FILE || kind == LAYER_KIND::APPENDED_FILE || kind == LAYER_KIND::REGTEST_FILE;
 }
 
-// Whether a variable that such a layer assigns to counts as external: the others never set the mark, nor do they take
-// it away.
+// Whether an assignment in such a layer marks its variable as external. Other layers neither set the mark nor remove
+// it.
 constexpr bool marks_external(LAYER_KIND kind)
 {
     return kind == LAYER_KIND::MAIN_FILE || kind == LAYER_KIND::INLINE_TEXT;
 }
 
-// Some of the kinds, and whether a variable that they assign to counts as external.
+// A set of kinds of layers that assign to a variable, and whether the variable counts as external.
 class LAYER_SET
 {
 public:
@@ -90,7 +90,7 @@ public:
         insert(kind, marks_external(kind));
     }
 
-    // The same for a layer that is known to mark, or not to mark, what its kind alone does not tell.
+    // The same for a layer of which it is known whether it marks variables as external, whatever its kind.
     void insert(LAYER_KIND kind, bool external)
     {
         bits = static_cast<std::uint8_t>(bits | bit(kind) | (external ? external_bit : 0U));
@@ -127,7 +127,7 @@ private:
 // The source of the inline text.
 inline constexpr const char* inline_source = "VELMAR_INI_VARS";
 
-// An assignment that is known by its name and value: no rule for lines or items is applied to it.
+// An assignment of which only name and value are known. No rule for lines or items is applied to it.
 struct LITERAL
 {
     LITERAL(std::string_view name, std::string_view value, std::size_t at)
@@ -154,31 +154,30 @@ struct LAYER
 {
     LAYER_KIND kind;
 
-    // The path as the library opens it, or inline_source, with the text, secrets hidden in it. Never null. Where the
-    // file could not be read whole, the library goes on with the whole lines before the error, and so does the tool's
-    // model.
+    // The path as the library opens it, or inline_source, and the text with its secrets hidden. Never null. If the file
+    // could not be read whole, the library uses the complete lines before the error, and so does the tool's model.
     std::shared_ptr<const INPUT_FILE> source;
 
-    // What the source is with its secrets shown, for hashes; null when the source holds none.
+    // The source with its secrets shown, for hashes; null if it has none.
     std::shared_ptr<const INPUT_FILE> original = {};
 
-    // All that is known of the layer, in the place of its text, which is empty then; else null.
+    // The assignments, if only their names and values are known; the text is empty then. Else null.
     std::shared_ptr<const std::vector<LITERAL>> literals = {};
 
-    // Whether what it assigns to counts as external, where that is known and may be otherwise than its kind tells.
+    // Whether its variables count as external, if that is known and may differ from what its kind tells.
     std::optional<bool> external = {};
 };
 
 using LAYERS = std::vector<LAYER>;
 
-// The layers of the settings that `scope` asks for, as the library would choose them now. Files that cannot be read,
-// and places of the search where a file may be that cannot be seen, are among the problems of `files`.
+// The layers of the settings that `scope` asks for, as the library would choose them now. Adds problems to `files`: for
+// files that cannot be read, and for places of the search where a file may be that cannot be seen.
 LAYERS load_layers(const SETTINGS_SCOPE& scope, INPUT_FILES& files);
 
-// The same with these secrets hidden, and not the scope's.
+// The same, but `secrets` hides the secrets, and not that of the scope.
 LAYERS load_layers(const SETTINGS_SCOPE& scope, SECRETS& secrets, INPUT_FILES& files);
 
-// One file that the user named ("-" for standard input) as the only layer, taken for a main settings file.
+// One file that the user named ("-" for standard input), as the only layer. It is treated as a main settings file.
 LAYERS single_layer(const std::string& path, INPUT_FILES& files, SECRETS& secrets);
 
 // One line of a file, or one item of the inline text. The texts are valid until the walk goes on.
@@ -192,7 +191,7 @@ struct STATEMENT
     std::string_view value; // when stored
 };
 
-// Walks all statements in the order in which the library meets them. Nothing is kept of them.
+// Walks all statements in the order in which the library reads them. Keeps none.
 class STATEMENTS
 {
 public:
@@ -202,7 +201,7 @@ public:
     // Whether there is a further statement; if so, `statement` is set to it.
     bool next(STATEMENT& statement);
 
-    // The same for the statements that may assign to the variable, and perhaps some others: quick where few do.
+    // The same for those statements that may assign to the variable, and perhaps some others. Fast if there are few.
     bool next_for(std::string_view name, STATEMENT& statement);
 
 private:
@@ -225,7 +224,7 @@ private:
 struct LOCATION
 {
     LAYER_KIND layer;
-    std::string_view source; // of what is unknown: "perhaps ...", or empty
+    std::string_view source; // for UNKNOWN: "perhaps ...", or empty
     std::size_t position;    // the line or the item, counted from 1; 0 where it is not known
 };
 
@@ -235,14 +234,14 @@ LOCATION location_of(const LAYERS& layers, const STATEMENT& statement);
 // or "unknown, perhaps velmar.ini:12".
 std::string location_as_text(const LOCATION& location);
 
-// Whether there is more to say of it than its layer.
+// Whether more is known of it than its layer.
 constexpr bool is_located(const LOCATION& location)
 {
     return location.position != 0 || is_file(location.layer);
 }
 
-// The fields "layer", "file", "line" and "item", all null for a null pointer; "item" is null for a line, "file" and
-// "line" are for an item, and a position that is not known is null too.
+// Writes the fields "layer", "file", "line" and "item". All are null for a null pointer. "item" is null for a line,
+// "file" and "line" are null for an item, and a position that is not known is null.
 void write_location_fields(JSON_WRITER& out, const LOCATION* location);
 
 #endif

@@ -1,6 +1,5 @@
-// The library's own rules for settings: lines, inline texts, names, conversions, and the search for files. Everything
-// that the tool takes from the internals of the variable store is taken here, so that what the tool says is what the
-// library does.
+// The library's own rules for settings: lines, inline texts, names, conversions, and the search for files. Only through
+// this header does the tool use the internals of the variable store. So what the tool says is what the library does.
 #ifndef TOOLS_VELMAR_CFG_SETTINGS_LIBRARY_RULES_H
 #define TOOLS_VELMAR_CFG_SETTINGS_LIBRARY_RULES_H
 
@@ -26,10 +25,10 @@ enum class OUTCOME
     EMPTY_VALUE, // only of an inline item
 };
 
-// The name and the value of a stored line, as parts of the line or of this.
+// The name and the value of a stored line, as views of the line or of this object.
 using LINE_PARTS = zon_cfg::LINE_ASSIGNMENT;
 
-// Takes a line without its newline apart; the parts are set only for STORED.
+// Parses a line without its newline. Sets the parts only for STORED.
 OUTCOME outcome_of_line(std::string_view line, LINE_PARTS& parts);
 
 // The length of a line without its comment.
@@ -41,7 +40,7 @@ class INLINE_ITEMS
 public:
     explicit INLINE_ITEMS(const std::string& text) : items(text) {}
 
-    // Whether there is a further item; if so, all three are set, name and value only for STORED.
+    // Whether there is a further item. If so, sets the outcome, and for STORED the name and the value.
     bool next(OUTCOME& outcome, std::string& name, std::string& value);
 
     // The last item as it stands in the text.
@@ -59,7 +58,8 @@ char separator_of_items(const std::string& text);
 
 // --- Names ---
 
-// Whether two names are the same variable's: the case of A to Z does not count, nor what stands behind a zero byte.
+// Whether two names are those of the same variable. The case of A to Z does not count, nor does what follows a zero
+// byte.
 inline bool same_name(std::string_view a, std::string_view b)
 {
     return zon_cfg::equal_names(a, b);
@@ -70,7 +70,7 @@ inline std::size_t hash_of_name(std::string_view name)
     return zon_cfg::hash_name(name);
 }
 
-// For tables by name.
+// For hash tables by name.
 struct NAME_HASH
 {
     using is_transparent = void;
@@ -91,14 +91,14 @@ struct NAME_EQUAL
 
 // --- Known variables ---
 
-// Names and default texts of the catalogued variables, and the variables that steer the library itself.
+// Names and default texts of the catalogued variables, and the variables that control the library itself.
 std::span<const std::pair<const char*, const char*>> catalogued_variables();
 std::span<const char* const> own_switches();
 std::span<const char* const> own_integers();
 
 // --- Values ---
 
-// What the typed readers make of a text; nothing for what is no value of the type.
+// What the typed readers take from a text; nothing if it is no value of the type.
 std::optional<bool> as_boolean(const std::string& text);
 std::optional<int> as_integer(const std::string& text);
 std::optional<unsigned int> as_unsigned(const std::string& text);
@@ -108,17 +108,18 @@ double as_floating(const std::string& text, bool* whole);
 
 // --- Sources ---
 
-// The settings file of a project's directory if that exists, else what the search finds; with an empty directory, what
-// the search finds. Empty for nothing.
+// The settings file in the project's directory, if there is one; else the one that the search finds. An empty directory
+// means the search alone. Empty if there is no file.
 std::string settings_file_of(const std::string& project, bool regtest);
 
-// The settings file in a project's directory, or with an empty one in the current directory; existing or not.
+// The path of the settings file in the project's directory, or for an empty one in the current directory. The file need
+// not exist.
 std::string own_settings_file(const std::string& project);
 
 // The file that APPENDED_VELMAR_INI names, if it exists; else empty.
 std::string appended_file();
 
-// The same, existing or not.
+// The same, whether it exists or not.
 std::string named_appended_file();
 
 // The text of VELMAR_INI_VARS; null when it is not set or empty.

@@ -1,4 +1,4 @@
-// Secrets that are known as texts, hidden wherever they stand in messages and in what other programs wrote.
+// Hides known secrets wherever they stand in messages and in what other programs wrote.
 #ifndef TOOLS_VELMAR_CFG_SETTINGS_SECRETS_IN_MESSAGES_H
 #define TOOLS_VELMAR_CFG_SETTINGS_SECRETS_IN_MESSAGES_H
 
@@ -11,7 +11,7 @@
 #include "tools/velmar-cfg/base/word_search.h"
 #include "tools/velmar-cfg/settings/secrets.h"
 
-// Where a text of up to three bytes, which may be part of anything, is taken for the secret.
+// Where a text of up to three bytes counts as the secret; elsewhere it may be part of anything.
 enum class SHORT_SECRETS
 {
     QUOTED, // in quotes, behind a colon or alone: in the tool's own sentences, and beside paths
@@ -21,12 +21,12 @@ enum class SHORT_SECRETS
 struct SECRET_TEXT
 {
     std::string_view text;
-    std::string_view shown = {}; // stands before it and is shown; the secret is then hidden only behind that
+    std::string_view shown = {}; // must stand before the secret, and stays visible
 };
 
-// Hides secrets wherever they stand, also piece by piece and where a quotation cuts them short: quotes, brackets, line
-// ends and comment signs may have gone, or have made two texts of one. Where two overlap, both are hidden. What is
-// hidden already is not looked into.
+// Hides secrets wherever they stand. Their pieces are hidden too: quotes, brackets, line ends and comment signs may
+// have been removed from a secret, or may have divided it, and a quotation may have shortened it. If two secrets
+// overlap, both are hidden. What is hidden already is not searched.
 class SECRET_TEXTS
 {
 public:
@@ -59,8 +59,8 @@ private:
 std::string hide_in_text(std::string_view text, std::string_view secret, SECRETS& secrets,
                          SHORT_SECRETS of_short = SHORT_SECRETS::QUOTED);
 
-// A message about a word of the command line, with the value hidden that was typed together with a secret name, as in
-// "api_token=VALUE" or "api_token:VALUE".
+// A message about a word of the command line, such as "api_token=VALUE" or "api_token:VALUE". If the name in that word
+// is secret, its value is hidden in the message.
 std::string hide_typed_value(std::string_view message, std::string_view word, const IS_SECRET_NAME& is_secret,
                              SECRETS& secrets);
 

@@ -1,8 +1,8 @@
 // The internal variables that layers set, each with every assignment to it.
 //
-// The layers' texts are kept whole, and assignments are views into them. Names are found by a hash index over the
-// variables, made once all assignments are known: per line that assigns it takes about 70 bytes. What asks for one
-// variable makes no index (of_one_variable), and its walk passes over other lines by their first character.
+// The texts of the layers are kept, and assignments are views into them. A hash index over the variables finds names;
+// it is made when all assignments are known. All of this takes about 70 bytes for each assignment. of_one_variable()
+// makes no index, and skips most other lines by their first character.
 #ifndef TOOLS_VELMAR_CFG_SETTINGS_SETTINGS_H
 #define TOOLS_VELMAR_CFG_SETTINGS_SETTINGS_H
 
@@ -17,14 +17,14 @@
 #include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/settings/layers.h"
 
-// The index of an assignment; the last one stands for none.
+// The index of an assignment. The largest one means none.
 using ASSIGNMENT_INDEX = std::uint32_t;
 inline constexpr ASSIGNMENT_INDEX no_assignment = UINT32_MAX;
 
 // A statement that sets a variable. The texts live as long as the settings.
 struct ASSIGNMENT
 {
-    std::string_view name; // as written, the white space taken away
+    std::string_view name; // as written, without white space
     std::string_view value;
     std::size_t position; // the line or the item, counted from 1
     std::uint32_t layer;  // its index among the layers
@@ -44,7 +44,7 @@ public:
     // Every variable of the layers.
     explicit SETTINGS(LAYERS the_layers);
 
-    // The same with no variable but this one, and with it only if the layers set it.
+    // The same for at most this one variable. If no layer sets it, there is none.
     static SETTINGS of_one_variable(LAYERS the_layers, std::string_view name);
 
     SETTINGS(SETTINGS&&) = default;
@@ -70,11 +70,11 @@ public:
         return all_variables;
     }
 
-    // Where the variables are, in the byte order of their names as first spelt.
+    // The indexes of the variables, in the byte order of their names as first spelt.
     std::vector<std::uint32_t> order_by_name() const;
 
-    // For a walk over the variables in such an order, which is at `at`: has the processor fetch what the next ones
-    // need, so that the walk does not wait for memory at each. Changes nothing.
+    // Has the processor fetch what the next variables need. To be called in a walk over the variables in such an order,
+    // with its position `at`, so that the walk does not wait for memory at each of them. Changes nothing.
     void fetch_ahead(std::span<const std::uint32_t> order, std::size_t at) const;
 
     // Null when no layer sets it. Names are equal as in the store.
@@ -120,7 +120,8 @@ private:
     std::vector<ASSIGNMENT> all_assignments;
     std::vector<VARIABLE> all_variables;
 
-    // Open addressing, half full at most: a power of two of slots, each one more than a variable's index, or 0.
+    // Open addressing, at most half full. The number of slots is a power of two. A slot is a variable's index plus 1,
+    // or 0.
     std::vector<std::uint32_t> slots;
 };
 

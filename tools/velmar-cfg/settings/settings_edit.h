@@ -1,4 +1,4 @@
-// What it makes of a settings file to set a variable in it, or to unset it. Text in, text out; no file is touched.
+// Computes what a settings file becomes when a variable in it is set or unset. Works on texts; touches no file.
 #ifndef TOOLS_VELMAR_CFG_SETTINGS_SETTINGS_EDIT_H
 #define TOOLS_VELMAR_CFG_SETTINGS_SETTINGS_EDIT_H
 
@@ -34,22 +34,23 @@ struct CHANGED_LINE
 
 struct SETTINGS_PLAN
 {
-    std::string after;               // what the file becomes; the same bytes where it says already what is wanted
+    std::string after;               // the new text; the same bytes if there is nothing to change
     std::vector<CHANGED_LINE> lines; // in their order
 };
 
-// Throws TOOL_ERROR(REFUSED) for a name or a value that no line of a settings file can hold, by the library's rules,
-// with what the line would be instead; and for setting the variable of empty name.
+// Throws TOOL_ERROR(REFUSED) for a name or a value that no line of a settings file can hold, by the library's rules;
+// the message tells what would be read back. Throws it also if the name of a variable to be set is empty.
 void check_settings_change(const SETTINGS_CHANGE& change);
 
-// The file after the change, which was checked. To set a variable, the line that decides on it in this file is changed
-// in its value alone. Where there is none, a line is added: behind the last line that would set the variable if it were
-// no comment, else at the end, with the line end of the line before it. To unset it, every line that sets it goes.
-// No other variable is set otherwise than before. `path` is for messages. Throws TOOL_ERROR(REFUSED) where the line
-// that decides cannot hold the value because of the comment behind it.
+// The file after the change, which must have been checked. No other variable changes. `path` is for messages.
+//
+// To set a variable, only the value changes in the line that decides on it in this file. If there is no such line, one
+// is added: behind the last comment that would set the variable if it were none, else at the end. It gets the line end
+// of the line before it. To unset a variable, every line that sets it is removed. Throws TOOL_ERROR(REFUSED) if the
+// line that decides cannot hold the value because of the comment behind it.
 SETTINGS_PLAN plan_settings_change(const std::string& path, std::string_view before, const SETTINGS_CHANGE& change);
 
-// The names that the lines of the text set, each once for each line.
+// The names that the lines of the text set, one for each line that sets a variable.
 std::vector<std::string> names_set_in(std::string_view text);
 
 #endif

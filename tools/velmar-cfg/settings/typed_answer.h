@@ -1,4 +1,4 @@
-// What a reader of one type gets of a variable, with a default of its own if it has one.
+// What a reader of one type gets for a variable. The reader may have a default of its own.
 #ifndef TOOLS_VELMAR_CFG_SETTINGS_TYPED_ANSWER_H
 #define TOOLS_VELMAR_CFG_SETTINGS_TYPED_ANSWER_H
 
@@ -12,24 +12,24 @@
 #include "tools/velmar-cfg/settings/settings.h"
 #include "tools/velmar-cfg/settings/typed_value.h"
 
-// The locations look into the settings that were asked, which must outlive it.
+// The location is a view into the settings that were asked, which must outlive it.
 struct TYPED_ANSWER
 {
     std::string name; // as asked for
     READER_TYPE type;
     std::string text;    // as stored; empty when the variable is not set
     TYPED_VALUE value;   // what the reader gets: the variable's value, else the default, else none
-    bool usable = false; // it is the variable's own value
+    bool usable = false; // `value` is the variable's own
     bool external = false;
     std::optional<LOCATION> location; // of the assignment that won; nothing when no layer sets the variable
 
-    // Whether the variable has a value, which a document may know and leave out; nothing where it is not known.
+    // Whether the variable has a value. A document may tell that without the value. Nothing if it is not known.
     std::optional<bool> has_value = false;
 
     bool masked = false; // a part of the text is hidden, so that no reader's value is known
 
-    // One sentence: why the variable has no usable value, or what is odd about the one that it has. Empty for neither,
-    // and where a default stands in.
+    // One sentence: why the variable has no usable value, or what is odd about its value. Empty if there is nothing to
+    // say, or if the default is used.
     std::string remark;
 
     bool is_set() const
@@ -38,24 +38,23 @@ struct TYPED_ANSWER
     }
 };
 
-// `fallback` is what the reader gives as its default; none for a reader without one. The remark on a variable that is
-// not set suggests a similar name unless that is not wanted: it takes a walk over all names. `other_names` may be meant
-// as well.
+// `fallback` is the reader's default, if it has one. With `suggest`, the remark on a variable that is not set suggests
+// a similar name; that takes a walk over all names. `other_names` are candidates for it too.
 TYPED_ANSWER answer_typed(const SETTINGS& settings, const std::string& name, READER_TYPE type,
                           const std::optional<TYPED_VALUE>& fallback, bool suggest = true,
                           const std::vector<std::string>& other_names = {});
 
-// The names with which `name` may be mistaken: those of the known variables, of these settings, and the others, but for
-// the name itself.
+// The names that may be meant by `name`: those of the known variables and of these settings, and those of `other_names`
+// that are another name.
 std::vector<std::string> names_that_may_be_meant(const SETTINGS& settings, const std::string& name,
                                                  const std::vector<std::string>& other_names);
 
-// " (did you mean 'NEAREST'?)", among these names of all layers; or nothing.
+// " (did you mean 'NEAREST'?)" for the nearest of those names, over all layers; else nothing.
 std::string similar_variable(const SETTINGS& settings, const std::string& name,
                              const std::vector<std::string>& other_names);
 
-// A text as a default of that type. The empty text is one of every type. Throws TOOL_ERROR(USAGE) for a text that no
-// reader of the type could have as its default.
+// A text as a default of that type. The empty text is allowed for every type. Throws TOOL_ERROR(USAGE) for a text that
+// is no value of the type.
 TYPED_VALUE default_of_type(READER_TYPE type, std::string_view text);
 
 // {"name", "type", "value", "usable", "set", "masked", "text", "external", "layer", "file", "line", "item"}.

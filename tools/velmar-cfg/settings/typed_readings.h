@@ -1,4 +1,4 @@
-// A text as each type of reader of the library reads it.
+// What the reader of each type takes from a text.
 #ifndef TOOLS_VELMAR_CFG_SETTINGS_TYPED_READINGS_H
 #define TOOLS_VELMAR_CFG_SETTINGS_TYPED_READINGS_H
 
@@ -16,8 +16,8 @@ struct TYPED_READINGS
     bool floating_is_whole = false; // the number is the whole text
 };
 
-// What the readers of a variable with this text answer; the floating-point ones in the current locale. Nothing for a
-// text of which a part is hidden.
+// What the readers of a variable with this text answer. The floating-point readers use the current locale. All are
+// nothing for a text with hidden parts.
 TYPED_READINGS read_typed(std::string_view text);
 
 // Equal as JSON shows them: not-a-number is equal to itself.

@@ -23,7 +23,7 @@ enum class READER_TYPE
 const char* type_word(READER_TYPE type);
 std::optional<READER_TYPE> type_of_word(std::string_view word);
 
-// The first for no usable value.
+// std::monostate means no usable value.
 using TYPED_VALUE = std::variant<std::monostate, std::string, bool, int, unsigned int, double>;
 
 // `readings` are those of the text. The empty text has no value of any type.
@@ -32,10 +32,10 @@ TYPED_VALUE value_of_type(READER_TYPE type, std::string_view text, const TYPED_R
 // "on", "12", ...; nothing for no usable value.
 std::optional<std::string> value_as_text(const TYPED_VALUE& value);
 
-// As the JSON type of its own; null for no usable value.
+// Writes the value as its own JSON type; null for no usable value.
 void write_json(JSON_WRITER& out, const TYPED_VALUE& value);
 
-// What a text that has no value of the type is not: "no switch (on, 1, true, off, 0, false)".
+// What to call a text that is no value of the type: "no switch (on, 1, true, off, 0, false)".
 const char* what_is_wanted(READER_TYPE type);
 
 #endif

@@ -1,4 +1,4 @@
-// Tables by the names of variables, equal as in the store.
+// Hash tables by the name of a variable. Names are equal as in the store.
 #ifndef TOOLS_VELMAR_CFG_SETTINGS_VARIABLE_NAME_H
 #define TOOLS_VELMAR_CFG_SETTINGS_VARIABLE_NAME_H
 

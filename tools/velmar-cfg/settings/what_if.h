@@ -1,4 +1,4 @@
-// Layers with changes made only to see what they would do.
+// Makes changes to layers, only to see what they would do.
 #ifndef TOOLS_VELMAR_CFG_SETTINGS_WHAT_IF_H
 #define TOOLS_VELMAR_CFG_SETTINGS_WHAT_IF_H
 
@@ -11,10 +11,10 @@
 // The source of what the changes set.
 inline constexpr const char* what_if_source = "--with";
 
-// The layers with the changes made in their order. A value is set in a layer of its own, on top of all others, in which
-// the assignments are counted from 1; it does not make its variable external, as what a program sets does not. Of a
-// variable that is taken away, each line becomes an empty one, and each item an empty item, so that all others keep
-// their place. Secret values are hidden.
+// The layers with the changes made in their order. A value is set in a layer of its own, on top of all others. Its
+// assignments are counted from 1. They do not make variables external, as with values that a program sets. When a
+// variable is removed, each line that sets it becomes an empty one, and each item an empty item, so all others keep
+// their positions. Secret values are hidden.
 LAYERS changed_layers(LAYERS layers, const std::vector<WHAT_IF>& changes, SECRETS& secrets);
 
 // "with max_fanout=16, without trace_routes": for people, secret values hidden. Empty for no changes.

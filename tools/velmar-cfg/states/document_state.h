@@ -8,10 +8,10 @@
 #include "tools/velmar-cfg/settings/layers.h"
 #include "tools/velmar-cfg/states/state.h"
 
-// The state of a snapshot or a run report, with those parts of it that it knows, and the scope's changes made to it.
-// Throws TOOL_ERROR(BAD_INPUT) for a file that is neither, and TOOL_ERROR(USAGE) when the scope asks for regression
-// runs and the document is of another. All but its name is set. Among the problems of `files` are those that kept what
-// is asked for from being read when the document was written.
+// The state of a snapshot or a run report: the parts asked for, as far as it knows them, with the scope's changes. The
+// caller sets the name and the description of the changes. Throws TOOL_ERROR(BAD_INPUT) for a file that is neither, and
+// TOOL_ERROR(USAGE) if the scope asks for regression runs and the document is not of one. If files for these parts
+// could not be read when the document was written, the problems of `files` say so.
 STATE document_state(const std::string& path, const STATE_PARTS& parts, const SETTINGS_SCOPE& scope,
                      INPUT_FILES& files);
 

@@ -11,7 +11,7 @@
 enum class LINE_EFFECT
 {
     COUNTS,  // it gives its variable the value
-    LOST,    // a later one does
+    LOST,    // a later one gives it the value
     IGNORED, // it assigns nothing
 };
 
@@ -23,11 +23,11 @@ struct LAYER_LINE
 {
     STATEMENT statement;
     LINE_EFFECT effect;
-    std::optional<LOCATION> winner; // of a lost one: what gives the variable its value
+    std::optional<LOCATION> winner; // of a lost one: where the value comes from
 };
 
-// Hands the lines over in the order in which they are applied; those of a source of a document in that of their
-// positions.
+// Hands over the lines in the order in which they are applied. If a document gives only assignments, those of one
+// source come in the order of their positions.
 void for_each_layer_line(const SETTINGS& settings, const std::function<void(const LAYER_LINE&)>& take);
 
 #endif

@@ -15,10 +15,9 @@
 struct LISTED_KINDS
 {
     bool only_external = false;
-    bool only_changed =
-        false; // known, and read by a switch's reader as another value than their default; without one, set
-    bool unset_too = false; // those that are known and not set
-    bool by_reads = false;  // the most read first, instead of by name
+    bool only_changed = false; // known, and another switch value than its default; without a default, not empty
+    bool unset_too = false;    // those that are known and not set
+    bool by_reads = false;     // the most read first, instead of by name
 };
 
 struct LISTED_VARIABLE
@@ -41,8 +40,8 @@ struct LISTED_VARIABLE
 // Throws TOOL_ERROR(USAGE) when the state cannot tell which variables these are.
 void require_listed(const STATE& state, const LISTED_KINDS& kinds);
 
-// Hands the wanted variables over, those of the same rank in the byte order of their names as first spelt. The settings
-// are those of the state. The texts belong to either.
+// Hands over the wanted variables in the byte order of their names as first spelt; with `by_reads`, this is the order
+// of those that were read equally often. `settings` are those of the state. The texts belong to either.
 void for_each_listed(const STATE& state, const SETTINGS& settings, const LISTED_KINDS& kinds,
                      const std::function<void(const LISTED_VARIABLE&)>& take);
 

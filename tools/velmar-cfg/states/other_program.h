@@ -16,21 +16,22 @@ struct OTHER_PROGRAM
     std::string directory;  // the current directory of a process; empty for an executable
 };
 
-// A process of this user. Opened, it stays this process whatever becomes of its number: once it has ended, looking at
-// it is refused.
+// A process of this user. The object stays with this process even if its number is given to another one. look() throws
+// once the process has ended.
 class RUNNING_PROCESS
 {
 public:
     // Throws TOOL_ERROR(BAD_INPUT) when there is none of that number.
     explicit RUNNING_PROCESS(pid_t its_number);
 
-    // Its view: the environment variables that matter as it was started with, its current directory, and the
-    // installation that its executable belongs to. Throws TOOL_ERROR(BAD_INPUT), saying why, where that cannot be told,
-    // or where the same paths would lead this process to other files: when it has ended or has started another program
-    // meanwhile, is the kernel's or a thread, belongs to another user, has another root directory or other mounts, when
-    // its executable or directory was removed or replaced, or its environment was overwritten.
+    // The view of the process: the environment variables that matter, with the values that it was started with, its
+    // current directory, and the installation of its executable. Throws TOOL_ERROR(BAD_INPUT) with the reason if that
+    // cannot be found out, or if the same paths would lead this process to other files. The reasons are: it has ended,
+    // or has started another program meanwhile; it is the kernel's or a thread; it belongs to another user; it has
+    // another root directory or other mounts; its executable or directory was removed or replaced; its environment was
+    // overwritten.
     //
-    // A process of another user is refused to root too: root may read what that user may not.
+    // Root may not look at processes of other users either: root can read files that they cannot.
     OTHER_PROGRAM look() const;
 
 private:

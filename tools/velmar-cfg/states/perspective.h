@@ -1,7 +1,7 @@
-// From where settings and preferences are looked for: what the library's own rules ask of the process that they run in.
+// A perspective: all that the search for settings and preferences depends on in the process that makes it.
 //
-// A perspective is put into effect for as long as all is read, and the library's rules then find what they would find
-// in that other process. Nothing of the search is written a second time.
+// While everything is read, this process takes on the perspective of another. So the library's own rules find what they
+// would find there, and the tool has no search of its own.
 #ifndef TOOLS_VELMAR_CFG_STATES_PERSPECTIVE_H
 #define TOOLS_VELMAR_CFG_STATES_PERSPECTIVE_H
 
@@ -12,7 +12,7 @@
 #include "tools/velmar-cfg/settings/environment.h"
 #include "tools/velmar-cfg/settings/installation.h"
 
-// What differs from this process; a default-made one differs in nothing.
+// What differs from this process. By default, nothing differs.
 struct PERSPECTIVE
 {
     // The environment variables that matter, each once; nothing for those of this process.

@@ -1,9 +1,9 @@
-// A state: the values, where they come from, the files and the environment behind them and, where known, how often each
-// was read. What is shown of one does not depend on where it was taken from.
+// A state: the values, where they come from, the files and the environment behind them and, if known, how often each
+// was read. Commands show all states in the same way, wherever they were taken from.
 //
-// A state may know less than a machine does. What it knows of variables is in its layers, as lines or as assignments
-// that are known by name and value alone; of anything else it says whether it knows it, and refuses to be asked
-// otherwise.
+// A state may know less than a machine does. What it knows of variables is in its layers: as lines, or as assignments
+// of which only name and value are known. For everything else it says whether it knows it, and refuses questions that
+// it cannot answer.
 #ifndef TOOLS_VELMAR_CFG_STATES_STATE_H
 #define TOOLS_VELMAR_CFG_STATES_STATE_H
 
@@ -39,7 +39,7 @@ public:
     explicit STATE_PREFERENCES(PREFERENCES of_lines) : lines(std::move(of_lines)) {}
     explicit STATE_PREFERENCES(std::vector<SNAPSHOT_PREFERENCE> of_document) : answers(std::move(of_document)) {}
 
-    // Nothing where the document has no such preference, since it is of a release that did not.
+    // Nothing if the document does not have the preference, because its release did not.
     std::optional<PREFERENCE> look_up(CFG_USER_INI_ENUMS number) const;
 
 private:
@@ -47,8 +47,7 @@ private:
     std::vector<SNAPSHOT_PREFERENCE> answers;
 };
 
-// What is to be read of a state: commands ask for no more than they show, and files that nobody asks for are not
-// opened.
+// The parts of a state that are to be read. Commands ask for no more than they show, so that no other files are opened.
 struct STATE_PARTS
 {
     bool settings = false;    // layers
@@ -64,10 +63,10 @@ enum class ABSENT_VARIABLE
 {
     UNSET,        // that it has no value
     NOT_RECORDED, // that it has one, which the document leaves out
-    NOT_KNOWN,    // neither
+    NOT_KNOWN,    // nothing
 };
 
-// Nothing where it is not known.
+// Whether such a variable is set; nothing if it is not known.
 std::optional<bool> is_set_without_value(ABSENT_VARIABLE known);
 
 // What the layers of a state hold.
@@ -94,23 +93,24 @@ struct STATE
     // everything.
     std::string limits;
 
-    // Whether every variable that no layer sets is known to be unset.
+    // Whether every variable that no layer sets is known to be unset, apart from variables_not_recorded().
     bool knows_unset = true;
 
-    // What a document names without telling whether it was set; not asked where every unset variable is known.
+    // Names in a run report. If no layer sets such a variable and nothing else is known of it, the report does not tell
+    // whether it was set.
     VARIABLE_NAMES undecided;
 
-    // Why it is not known what a variable is that no layer sets, as the end of a sentence that begins with the name.
+    // Why nothing is known of a variable that no layer sets, as the end of a sentence that begins with the name.
     std::string why_not_known(const std::string& variable) const;
 
-    // What is known of this one if no layer sets it.
+    // What is known of the variable if no layer sets it.
     ABSENT_VARIABLE absent_variable(const std::string& variable) const;
 
-    // The variables of which it is known that they have a value and no layer sets them, in the byte order of their
-    // names. The settings are those of the state.
+    // The variables that are known to have a value although no layer sets them, in the byte order of their names.
+    // `settings` are those of the state.
     std::vector<std::string_view> variables_not_recorded(const SETTINGS& settings) const;
 
-    // The names that a run report holds, with a value or without: the user may mean one. In byte order.
+    // The names in a run report, with or without a value, for suggestions. In byte order.
     std::vector<std::string> names_in_report() const;
 
     // How often the run read the variable, as far as that is known.
@@ -130,7 +130,7 @@ struct STATE
     // View and changes as one line; empty for the plain view.
     std::string heading() const;
 
-    // Throws TOOL_ERROR(USAGE), naming the state and its limits, unless it knows that.
+    // Throws TOOL_ERROR(USAGE), with the name and the limits of the state, unless `known`.
     void require(bool known) const;
 };
 

@@ -1,4 +1,4 @@
-// What a user calls a state.
+// The name by which a user asks for a state.
 #ifndef TOOLS_VELMAR_CFG_STATES_STATE_NAME_H
 #define TOOLS_VELMAR_CFG_STATES_STATE_NAME_H
 
@@ -18,18 +18,18 @@ struct STATE_NAME
 
     KIND kind = KIND::NOW;
     std::string text = {}; // as it was written
-    std::string path = {}; // of all but a process
+    std::string path = {}; // not of a process
     pid_t process = 0;
 
-    // Whether the library's own search finds its files, in this environment and installation.
+    // Whether its files are those that the library's search finds in this environment and installation.
     bool is_read_here() const
     {
         return kind == KIND::NOW || kind == KIND::PROJECT;
     }
 };
 
-// DIR, FILE, "-", "pid:N" or "exe:PATH". A file or directory whose name begins so is reached as "./pid:5". Throws
-// TOOL_ERROR(USAGE) for a number that no process can have and for an empty text.
+// Parses DIR, FILE, "-", "pid:N" or "exe:PATH". A file or directory whose name begins like the last two is reached as
+// "./pid:5". Throws TOOL_ERROR(USAGE) for a number that no process can have and for an empty text.
 STATE_NAME state_name(const std::string& text);
 
 #endif

@@ -22,7 +22,8 @@
 // everything here. There is one case to know. If another thread holds the store's lock for longer than fork waits (some
 // 80 ms), for example while it loads from a pipe or because a callback threw, the child starts without a store. Then:
 // - the child loads the settings again when it first uses a variable, and values that the program had set are lost;
-// - callbacks stay registered, unless that thread was registering one at that moment, and the load resets them.
+// - callbacks stay registered, and the load resets them. But if that thread was registering or unregistering one at
+//   that moment, none stays registered.
 //
 // A host's own fork handler may take a lock under which other threads use the library, if the handler is registered
 // after the library was loaded. See platform/thr/thr.h.

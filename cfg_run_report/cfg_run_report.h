@@ -42,7 +42,7 @@
 //                              "directory" (which has no lines) or "partly applied". Only files that are still the
 //                              same and were applied whole have been read again, and only these give lines below.
 //         text                 of an inline text
-//     read                     the variables that were looked up, in the order of the ranked usage report, each with
+//     read                     the variables with a counted access, in the order of the ranked usage report, each with
 //         name                 its name as first spelt
 //         count                its counted accesses; for an unset variable, one less than the lookups of the run
 //         value                its text; null when it has none, and when the usage reports leave it out, because it

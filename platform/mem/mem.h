@@ -3,7 +3,8 @@
 // What the library expects.
 // - Modules register during static initialisation. Registration must not allocate, throw, or rely on other dynamic
 //   initialisers.
-// - Any thread may emit a debug message. The store silences the messages of the thread that reads settings files.
+// - Any thread may emit a debug message. The store silences the messages of a thread that replaces the store: while it
+//   reads the main settings file and the sources of the environment.
 // - Emitting must not throw. It may happen with the store's lock held, since a callback may read a variable. So it must
 //   not wait for a thread that uses the store.
 //

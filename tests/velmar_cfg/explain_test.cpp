@@ -42,7 +42,7 @@ TEST_F(EXPLAIN, shows_every_assignment_and_the_one_that_won)
                   "  double  16\n"
                   "external: yes\n"
                   "hint: set as 'Fanout': the same variable, since the case of A to Z does not count\n"
-                  "hint: project/velmar.ini:2: the same variable as 'fanout' at project/velmar.ini:1, but objects "
+                  "hint: project/velmar.ini:2: the same variable as 'fanout' at project/velmar.ini:1, but callbacks "
                   "registered under that spelling are not notified of this one; write 'fanout=14'\n",
                   ""}));
 }

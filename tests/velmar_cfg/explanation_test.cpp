@@ -88,7 +88,7 @@ TEST(EXPLANATION_MODEL, says_what_lint_says_of_the_assignments)
 {
     const SETTINGS settings = settings_of("url = host#part\nother = x;y\nURL = \"b\"\n");
     const std::string spelt =
-        "the same variable as 'url' at velmar.ini:1, but objects registered under that spelling are "
+        "the same variable as 'url' at velmar.ini:1, but callbacks registered under that spelling are "
         "not notified of this one";
     EXPECT_THAT(
         hints_on("url", settings),

@@ -228,7 +228,7 @@ TEST_F(MASKING, leaves_the_columns_of_findings_as_they_are_in_the_file)
     EXPECT_THAT(run({"lint"}).out,
                 HasSubstr("velmar.ini:2:1: warning: the same variable as 'api_token' at " +
                           temporary.path("cwd/velmar.ini") +
-                          ":1, but objects registered under that spelling are not notified of this one; write "
+                          ":1, but callbacks registered under that spelling are not notified of this one; write "
                           "'api_token = \\(masked)#\\(masked)' [letter-case]"));
 }
 

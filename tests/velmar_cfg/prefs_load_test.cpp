@@ -195,7 +195,7 @@ TEST_F(PREFS_LOAD, of_many_lines_that_say_nothing_names_the_first)
 TEST_F(PREFS_LOAD, refuses_utf_16_on_either_side)
 {
     const std::string why =
-        ": is UTF-16, of which the library reads no line; save it as UTF-8 without a byte order mark\n";
+        ": is UTF-16, which the library does not understand; save it as UTF-8 without a byte order mark\n";
     const std::string plain = "[General 23.4_pro]\nHDL_PREFERENCE = KHDL\n";
     for (const std::string& bytes : {std::string("\xff\xfe[\0", 4), std::string("\xfe\xff\0[", 4)})
     {

@@ -501,10 +501,11 @@ TEST_F(SET, refuses_a_text_of_which_no_line_is_read)
     {
         write_settings(bytes);
         for (const ARGUMENTS& arguments : {ARGUMENTS{"set", "a", "1"}, {"unset", "a"}, {"set", "a", "1", "--dry-run"}})
-            EXPECT_EQ(run_in_project(arguments), (TOOL_RUN{3, "",
-                                                           "velmar-cfg: " + full_path() +
-                                                               ": is UTF-16, of which the library reads no line; save "
-                                                               "it as UTF-8 without a byte order mark\n"}))
+            EXPECT_EQ(run_in_project(arguments),
+                      (TOOL_RUN{3, "",
+                                "velmar-cfg: " + full_path() +
+                                    ": is UTF-16, which the library does not understand; save "
+                                    "it as UTF-8 without a byte order mark\n"}))
                 << arguments.front();
         EXPECT_EQ(run_in_project({"lint", "--fix"}).exit_code, 3);
         EXPECT_EQ(settings(), bytes);

@@ -159,16 +159,17 @@ INSTANTIATE_TEST_SUITE_P(
               {"1:1 warning almost-known: no variable 'msg_sqlit' is known, but 'msg_sqlite' is; write "
                "'msg_sqlite' if that is the variable"}},
         FOUND{"MSG_SQLITE = on",
-              {"1:1 warning letter-case: the same variable as 'msg_sqlite', but objects registered under "
+              {"1:1 warning letter-case: the same variable as 'msg_sqlite', but callbacks registered under "
                "that spelling are not notified of this one; write 'msg_sqlite = on'"}},
-        FOUND{"MSG_SQLITE = 2",
-              {"1:1 warning letter-case: the same variable as 'msg_sqlite', but objects registered under that spelling "
-               "are not notified of this one; write 'msg_sqlite'",
-               "1:14 error no-boolean: '2' is no boolean, so readers of 'msg_sqlite' take their default; write "
-               "'msg_sqlite = on' or 'msg_sqlite = off'"}},
+        FOUND{
+            "MSG_SQLITE = 2",
+            {"1:1 warning letter-case: the same variable as 'msg_sqlite', but callbacks registered under that spelling "
+             "are not notified of this one; write 'msg_sqlite'",
+             "1:14 error no-boolean: '2' is no boolean, so readers of 'msg_sqlite' take their default; write "
+             "'msg_sqlite = on' or 'msg_sqlite = off'"}},
         FOUND{"Fan=1\nx=1\n fan=2",
               {"1:1 warning overridden: velmar.ini:3 sets 'Fan' again; remove one of the two",
-               "3:2 warning letter-case: the same variable as 'Fan' at velmar.ini:1, but objects "
+               "3:2 warning letter-case: the same variable as 'Fan' at velmar.ini:1, but callbacks "
                "registered under that spelling are not notified of this one; write 'Fan=2'"}},
         FOUND{"a=1\na=1",
               {"1:1 note overridden: velmar.ini:2 sets 'a' again, to the same value; remove one of the two"}}));
@@ -308,7 +309,7 @@ INSTANTIATE_TEST_SUITE_P(
         FOUND{"x=\"a#b\"", {"1:3 note quotes-kept: the quotes are part of the value; write the value without quotes"}},
         FOUND{"Fan=1;fan=2",
               {"1:1 warning overridden: VELMAR_INI_VARS:2 sets 'Fan' again; remove one of the two",
-               "2:1 warning letter-case: the same variable as 'Fan' at VELMAR_INI_VARS:1, but objects "
+               "2:1 warning letter-case: the same variable as 'Fan' at VELMAR_INI_VARS:1, but callbacks "
                "registered under that spelling are not notified of this one; write 'Fan=2'"}},
         FOUND{"msg_sqlite=2",
               {"1:12 error no-boolean: '2' is no boolean, so readers of 'msg_sqlite' take their default; "
@@ -509,7 +510,7 @@ TEST(ADVICE, is_of_the_layer_where_the_line_stands)
                        {LAYER_KIND::APPENDED_FILE,
                         std::make_shared<const INPUT_FILE>(INPUT_FILE{"more.ini", "fan=1\na=2\na=3\n", {}})},
                        layer_of(LAYER_KIND::INLINE_TEXT, "FAN=1")});
-    const std::string spelling = ", but objects registered under that spelling are not notified of this one; ";
+    const std::string spelling = ", but callbacks registered under that spelling are not notified of this one; ";
     EXPECT_EQ(described(findings),
               (std::vector<std::string>{
                   "1:1 warning letter-case: the same variable as 'Fan' at velmar.ini:1" + spelling + "write 'Fan=1'",

@@ -874,8 +874,8 @@ TEST_F(STATES, a_file_that_is_called_as_a_process_is_reached_by_its_directory)
         EXPECT_EQ(run({"list", "--of", name}),
                   (TOOL_RUN{2, "",
                             std::string("velmar-cfg: ") + name +
-                                ": pid: wants the number of a process, such as pid:4711; a file of that name is ./" +
-                                name + "\n"}));
+                                ": give the number of a process, such as pid:4711; a file of that name is ./" + name +
+                                "\n"}));
     }
     EXPECT_EQ(run({"list", "--of", "exe:"}),
               (TOOL_RUN{2, "", "velmar-cfg: exe: wants the path of an executable; a file of that name is ./exe:\n"}));

@@ -190,9 +190,9 @@ INPUT_FILE read_whole_file(const std::string& path)
 void refuse_utf_16(const std::string& path, std::string_view bytes)
 {
     if (bytes.starts_with("\xff\xfe") || bytes.starts_with("\xfe\xff"))
-        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, path +
-                                                   ": is UTF-16, of which the library reads no line; save it as UTF-8 "
-                                                   "without a byte order mark");
+        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT,
+                         path + ": is UTF-16, which the library does not understand; save it as UTF-8 "
+                                "without a byte order mark");
 }
 
 std::string title_of_named_file(const std::string& path)

@@ -161,7 +161,7 @@ void add_get_command(COMMAND app, TOOL& tool)
     COMMAND command = app.add_command(tool, "get",
                                       "Print the value of an internal variable as a reader of the requested type "
                                       "gets it; for several, print pairs of name and value. "
-                                      "Exit code 1 when a variable has no usable value.",
+                                      "Exit code 1 when a variable has no usable value and --default is not given.",
                                       "velmar-cfg get msg_sqlite --type bool --default off\n"
                                       "      on or off: what a program gets that asks with the default off\n"
                                       "  velmar-cfg get --stdin --type int <names\n"

@@ -216,8 +216,8 @@ void add_list_command(COMMAND app, TOOL& tool)
         "--all", options->kinds.unset_too,
         "Also known variables that are not set: the catalogue's, with their defaults, and the library's own");
     command.add_flag("--changed", options->kinds.only_changed,
-                     "Only known variables that are set to a value other than their default, or that are set and have "
-                     "no default in the catalogue");
+                     "Only known variables that are set to a value other than their default; for those without a "
+                     "default, any but the empty text");
     command.add_flag("--read", options->kinds.by_reads,
                      "With a run report: show how often the run read each variable, the most read first");
     add_state_option(command, options->state, tool);

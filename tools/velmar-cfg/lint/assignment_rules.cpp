@@ -158,7 +158,7 @@ void EXAMINATION::letter_case()
         return;
     add(first_visible(text), SEVERITY::WARNING, "letter-case",
         "the same variable as " + in_single_quotes(expected) + whence +
-            ", but objects registered under that spelling are not notified of this one",
+            ", but callbacks registered under that spelling are not notified of this one",
         "write " + in_single_quotes(expected));
 }
 

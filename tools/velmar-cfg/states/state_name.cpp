@@ -26,7 +26,7 @@ pid_t process_number(const std::string& text)
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
     if (error != std::errc() || end != digits.data() + digits.size() || number <= 0)
         throw TOOL_ERROR(EXIT_CODE::USAGE, text +
-                                               ": pid: wants the number of a process, such as pid:4711; a file of that "
+                                               ": give the number of a process, such as pid:4711; a file of that "
                                                "name is ./" +
                                                text);
     return number;

@@ -58,7 +58,7 @@ TEST_F(COMMAND_LINE, an_unknown_option_is_told_with_what_may_be_meant)
          "there is no option '--show-origins' (did you mean '--show-origin'?); see velmar-cfg list"},
         {{"list", "--SHOW-ORIGIN"},
          "there is no option '--SHOW-ORIGIN' (did you mean '--show-origin'?); see velmar-cfg list"},
-        {{"prefs", "LIST"}, "there is no command 'LIST' (did you mean 'list'?); see velmar-cfg prefs"},
+        {{"prefs", "LIST"}, "there is no command 'prefs LIST' (did you mean 'list'?); see velmar-cfg prefs"},
         {{"list", "--colour", "never"}, "there is no option '--colour' (did you mean '--color'?); see velmar-cfg list"},
         {{"list", "--colour=never"}, "there is no option '--colour' (did you mean '--color'?); see velmar-cfg list"},
         {{"prefs", "set", "SHOW_MESSAGE_ID", "off", "--dryrun"},
@@ -78,6 +78,32 @@ TEST_F(COMMAND_LINE, an_unknown_option_is_told_with_what_may_be_meant)
          "prefs"},
         {{"list", "--color", "x"}, "'--color' takes one of auto, always, never, not 'x'; see velmar-cfg list"},
         {{"explain", "a", "-"}, "the argument '-' is one too many; see velmar-cfg explain"},
+        {{"help", "set", "unset"}, "there is no command 'set unset'; see velmar-cfg set"},
+        {{"pref", "list"}, "there is no command 'pref' (did you mean 'prefs'?); see velmar-cfg"},
+        {{"", "list"}, "there is no command ''; see velmar-cfg"},
+        {{"prefs", "foo", "get", "a"}, "there is no command 'prefs foo'; see velmar-cfg prefs"},
+        {{"--project", "list"}, "name a command; '--project' has taken 'list' for its value; see velmar-cfg"},
+        {{"--project", "explain", "a"},
+         "there is no command 'a'; '--project' has taken 'explain' for its value; see velmar-cfg"},
+        {{"--"}, "name a command; see velmar-cfg"},
+        {{"--secret"}, "'--secret' needs a value: PATTERN; see velmar-cfg"},
+        {{"list", "--json=no"}, "'--json' takes no value; see velmar-cfg list"},
+        {{"list", "--all=x"}, "'--all' takes no value; see velmar-cfg list"},
+        {{"explain", "a", "--type", "int"},
+         "explain takes no '--type'; it is an option of get; see velmar-cfg explain"},
+        {{"paths", "--dry-run"},
+         "paths takes no '--dry-run'; it is an option of lint, set, unset and others; see velmar-cfg paths"},
+        {{"explain", "--", "--project", "p"},
+         "'p' stands behind \"--\", so it is an argument, and there is one too many; put options before \"--\"; see "
+         "velmar-cfg explain"},
+        {{"set", "a=3"},
+         "VALUE is required; write the name and the value as two words, without \"=\"; see velmar-cfg set"},
+        {{"set", "a", "=", "3"},
+         "the argument '3' is one too many; write the name and the value as two words, without \"=\"; see velmar-cfg "
+         "set"},
+        {{"prefs", "set", "A=B"},
+         "VALUE is required; write the name and the value as two words, without \"=\"; see velmar-cfg prefs set"},
+        {{"explain", "a=b", "c"}, "the argument 'c' is one too many; see velmar-cfg explain"},
         {{"list", "--of", ".", "--of", "."}, "'--of' may be given only once; see velmar-cfg list"},
         {{"list", "--of"}, "'--of' needs a value: STATE; see velmar-cfg list"},
         {{"--of", "x", "list"}, "'--of' goes after the command: velmar-cfg list --of; see velmar-cfg list"},
@@ -90,8 +116,8 @@ TEST_F(COMMAND_LINE, an_unknown_option_is_told_with_what_may_be_meant)
         {{"set", "a", "--", "-6", "--project", "m"},
          "'--project' stands behind \"--\", so it is an argument, and there is one too many; put options before "
          "\"--\"; see velmar-cfg set"},
-        {{"prefs", "lst"}, "there is no command 'lst' (did you mean 'list'?); see velmar-cfg prefs"},
-        {{"help", "prefs", "lst"}, "there is no command 'lst' (did you mean 'list'?); see velmar-cfg prefs"},
+        {{"prefs", "lst"}, "there is no command 'prefs lst' (did you mean 'list'?); see velmar-cfg prefs"},
+        {{"help", "prefs", "lst"}, "there is no command 'prefs lst' (did you mean 'list'?); see velmar-cfg prefs"},
     };
     for (const MISTYPED& row : rows)
         EXPECT_EQ(run(row.arguments), (TOOL_RUN{2, "", std::string("velmar-cfg: ") + row.told + " --help\n"}))
@@ -100,9 +126,16 @@ TEST_F(COMMAND_LINE, an_unknown_option_is_told_with_what_may_be_meant)
 
 TEST_F(COMMAND_LINE, values_may_begin_with_a_hyphen)
 {
-    write_file("velmar.ini", "-name = -value\n");
+    write_file("velmar.ini", "-name = -value\n--json = 1\n");
     write_file(temporary.path("home/readme"), "");
     EXPECT_EQ(run({"get", "--", "-name"}), (TOOL_RUN{0, "-value\n", ""}));
+    EXPECT_EQ(run({"get", "-z", "-name", "--"}).exit_code, 2);
+    EXPECT_EQ(run({"get", "--", "-name", "--json"}), (TOOL_RUN{0, "-name=-value\n--json=1\n", ""}));
+    EXPECT_EQ(run({"get", "unset", "--", "-name", "--json"}),
+              (TOOL_RUN{1, "unset\n-name=-value\n--json=1\n", "velmar-cfg: 'unset' is not set\n"}));
+    EXPECT_EQ(run({"get", "unset", "--default", "--all=x"}), (TOOL_RUN{0, "--all=x\n", ""}));
+    EXPECT_EQ(run({"list", "--", "-n*"}), (TOOL_RUN{0, "-name=-value\n", ""}));
+    EXPECT_EQ(run({"list", "--", "-n*", "--json"}).exit_code, 2);
     EXPECT_EQ(run({"get", "unset", "--default", "-x"}), (TOOL_RUN{0, "-x\n", ""}));
     EXPECT_EQ(run({"get", "unset", "--default", "--json"}), (TOOL_RUN{0, "--json\n", ""}));
     EXPECT_EQ(run({"get", "unset", "--default=-x"}), (TOOL_RUN{0, "-x\n", ""}));

@@ -145,6 +145,29 @@ TEST_F(LINT, a_file_that_is_missing_is_named)
     EXPECT_EQ(run({"prefs", "lint", "velmar2.ini"}).exit_code, 3);
 }
 
+TEST_F(LINT, a_document_is_no_settings_file)
+{
+    write_file("velmar.ini", "a = 1\n");
+    const std::string snapshot = run({"snapshot"}).out;
+    const std::string compact = "\r\n{\"schema\":\"velmar-run-report\"}";
+    for (const std::string& document : {snapshot, compact})
+    {
+        write_file("given", document);
+        for (const std::vector<std::string>& arguments :
+             {std::vector<std::string>{"lint", "given"}, std::vector<std::string>{"lint", "--fix", "given"}})
+            EXPECT_EQ(run(arguments),
+                      (TOOL_RUN{3, "",
+                                "velmar-cfg: given: is a document, not a settings file; check the state "
+                                "that it holds with --of\n"}));
+        EXPECT_EQ(read_file("given"), document);
+    }
+    for (const char* const settings : {"{", "{\"schema\"", "{ \"schema\" = \"velmar-\"", "schema: \"velmar-x\"", ""})
+    {
+        write_file("given", settings);
+        EXPECT_NE(run({"lint", "given"}).exit_code, 3) << settings;
+    }
+}
+
 TEST_F(LINT, without_a_file_it_checks_all_that_would_be_read)
 {
     write_file("project/velmar.ini", "ab\n");

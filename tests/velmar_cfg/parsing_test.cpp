@@ -145,8 +145,8 @@ TEST_F(PARSING, what_is_wrong_is_told_with_the_command_s_help)
     for (const auto& [words, complaint] :
          {ROW{{}, "name a command; see tool --help"}, ROW{{"group"}, "name a command; see tool group --help"},
           ROW{{"grup"}, "there is no command 'grup' (did you mean 'group'?); see tool --help"},
-          ROW{{"group", "puts"}, "there is no command 'puts' (did you mean 'put'?); see tool group --help"},
-          ROW{{"group", "xyzzy"}, "there is no command 'xyzzy'; see tool group --help"},
+          ROW{{"group", "puts"}, "there is no command 'group puts' (did you mean 'put'?); see tool group --help"},
+          ROW{{"group", "xyzzy"}, "there is no command 'group xyzzy'; see tool group --help"},
           ROW{{"group", "put"}, "NAME is required; see tool group put --help"},
           ROW{{"group", "take", "a", "b"}, "the argument 'b' is one too many; see tool group take --help"},
           ROW{{"group", "take", "-"}, ""},
@@ -170,9 +170,8 @@ TEST_F(PARSING, what_is_wrong_is_told_with_the_command_s_help)
           ROW{{"--dir", "--limit", "group", "put", "x", "--limt"},
               "there is no option '--limt' (did you mean '--limit'?); see tool group put --help"},
           ROW{{"--limit", "1", "group", "take"},
-              "there is no option '--limit'; put -- before an argument that begins with \"-\"; see tool group take "
-              "--help"},
-          ROW{{"--limit", "1"}, "there is no option '--limit'; see tool --help"},
+              "group take takes no '--limit'; it is an option of group put; see tool group take --help"},
+          ROW{{"--limit", "1"}, "tool takes no '--limit'; it is an option of group put; see tool --help"},
           ROW{{"group", "take", "--", "a", "--quick"},
               "'--quick' stands behind \"--\", so it is an argument, and there is one too many; put options before "
               "\"--\"; see tool group take --help"},

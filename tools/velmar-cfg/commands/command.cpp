@@ -19,8 +19,14 @@ auto taking(std::optional<std::string>& value)
     return [&value](const std::string& text) { value = text; };
 }
 
-// The parser is not to describe what the name says.
-constexpr const char* no_type = "";
+constexpr char mark_of_argument = '\0';
+
+// The parser is not to describe what the name says. It stores the words as they were typed.
+void declare_as_argument(CLI::Option* option)
+{
+    constexpr const char* no_type = "";
+    option->type_name(no_type)->transform([](const std::string& word) { return without_mark(word); }, "", "");
+}
 
 // The validator bears the words, separated by blanks, as its name, from which completion has them.
 CLI::Validator one_of(const std::vector<std::string>& choices)
@@ -44,6 +50,21 @@ CLI::Option* add_repeated(CLI::App& app, const std::string& names, const std::st
 }
 }
 
+std::string marked_as_argument(const std::string& word)
+{
+    return mark_of_argument + word;
+}
+
+bool is_marked_as_argument(std::string_view word)
+{
+    return !word.empty() && word.front() == mark_of_argument;
+}
+
+std::string without_mark(const std::string& word)
+{
+    return is_marked_as_argument(word) ? word.substr(1) : word;
+}
+
 COMMAND COMMAND::add_group(const std::string& name, const std::string& description, const std::string& example)
 {
     CLI::App* const command = app->add_subcommand(name, description);
@@ -64,24 +85,24 @@ COMMAND COMMAND::add_command(TOOL& tool, const std::string& name, const std::str
 
 void COMMAND::add_argument(const std::string& name, std::string& value, const std::string& description)
 {
-    app->add_option(name, value, description)->required()->type_name(no_type);
+    declare_as_argument(app->add_option(name, value, description)->required());
 }
 
 void COMMAND::add_argument(const std::string& name, std::vector<std::string>& values, const std::string& description)
 {
-    app->add_option(name, values, description)->required()->type_name(no_type);
+    declare_as_argument(app->add_option(name, values, description)->required());
 }
 
 void COMMAND::add_optional_argument(const std::string& name, std::optional<std::string>& value,
                                     const std::string& description)
 {
-    app->add_option_function<std::string>(name, taking(value), description)->type_name(no_type);
+    declare_as_argument(app->add_option_function<std::string>(name, taking(value), description));
 }
 
 void COMMAND::add_optional_argument(const std::string& name, std::vector<std::string>& values,
                                     const std::string& description)
 {
-    app->add_option(name, values, description)->type_name(no_type);
+    declare_as_argument(app->add_option(name, values, description));
 }
 
 void COMMAND::add_option(const std::string& names, const std::string& value_name, std::optional<std::string>& value,

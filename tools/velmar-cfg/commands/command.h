@@ -11,6 +11,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/velmar-cfg/base/errors.h"
@@ -20,6 +21,12 @@ namespace CLI
 {
 class App;
 }
+
+// A word that stood behind "--". The mark is a zero byte before it, which no word of a command line holds, and makes the
+// parser take the word for an argument, whatever it begins with. The variable of an argument gets the word without it.
+std::string marked_as_argument(const std::string& word);
+bool is_marked_as_argument(std::string_view word);
+std::string without_mark(const std::string& word);
 
 // A handle of a command, which the command line owns. Copies stand for the same command. The variables for options and
 // arguments must live as long as the command line. Names of options are "--long" or "-s,--long".

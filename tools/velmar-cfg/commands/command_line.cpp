@@ -13,6 +13,7 @@
 #include "tools/velmar-cfg/commands/command_line.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "platform/ver/ver.h"
 #include "tools/velmar-cfg/base/errors.h"
@@ -52,7 +53,8 @@ std::string no_such_command(const CLI::App* app, const std::string& word)
     std::vector<std::string> names;
     for (const CLI::App* const command : app->get_subcommands([](const CLI::App*) { return true; }))
         names.push_back(command->get_name());
-    return "there is no command '" + word + "'" + did_you_mean(word, names);
+    const std::string group = app->get_parent() == nullptr ? "" : app->get_name() + " ";
+    return "there is no command '" + group + word + "'" + did_you_mean(word, names);
 }
 
 // Null for none.
@@ -119,6 +121,36 @@ std::string option_in(const std::string& word)
     return word.substr(0, word.find('='));
 }
 
+CLI::App* root_of(CLI::App* command)
+{
+    while (command->get_parent() != nullptr)
+        command = command->get_parent();
+    return command;
+}
+
+// "prefs set" for the command set of prefs; the name of the tool for the tool itself.
+std::string short_name(const CLI::App* command)
+{
+    const std::string name = spoken_name(command);
+    return command->get_parent() == nullptr ? name : name.substr(name.find(' ') + 1);
+}
+
+// "get, list" for an option of these commands; of more than three, the first. Empty for none.
+std::string commands_that_take(const std::string& option, CLI::App& root)
+{
+    constexpr std::size_t most = 3;
+    std::size_t count = 0;
+    std::string names;
+    for (const CLI::App* const command : all_commands(root))
+    {
+        if (command->get_option_no_throw(option) == nullptr)
+            continue;
+        if (++count <= most)
+            names += (names.empty() ? "" : ", ") + short_name(command);
+    }
+    return names + (count > most ? " and others" : "");
+}
+
 // "there is no option '--jsno' (did you mean '--json'?)"
 std::string no_such_option(CLI::App* command, const std::string& word)
 {
@@ -127,6 +159,8 @@ std::string no_such_option(CLI::App* command, const std::string& word)
         return "only commands that show one state take '" + name + "'";
     if (name == with_option || name == without_option)
         return why_no_what_if(spoken_name(command), name);
+    if (const std::string others = commands_that_take(name, *root_of(command)); !others.empty())
+        return short_name(command) + " takes no '" + name + "'; it is an option of " + others;
     const std::string suggestion = did_you_mean(name, options_behind(command));
     const bool may_be_argument = suggestion.empty() && !arguments_of(command).empty();
     return "there is no option '" + name + "'" + suggestion +
@@ -154,40 +188,69 @@ bool knows_option(const CLI::App* command, const std::string& name)
     return false;
 }
 
-// Whether the word stands before "--", in a place where it is no option of the command that is named before it.
-bool is_unknown_in_its_place(const std::string& option, const CLI::App& app, int argc, const char* const* argv)
+// What the words name up to the first argument: the innermost command, and the first word that should have been a
+// command. An option may have taken the word that should have been one for its value.
+struct NAMED_COMMAND
 {
-    const CLI::App* command = &app;
-    for (int i = 1; i < argc && std::string_view(argv[i]) != "--"; ++i)
+    const CLI::App* command;
+    std::optional<std::string> unknown_word;
+    std::string option;
+    std::string word_of_option;
+
+    bool lacks_a_command() const
     {
-        const std::string word = argv[i];
-        const std::string name = option_in(word);
-        if (word == option && !knows_option(command, name))
-            return true;
-        if (word == name && takes_value(command, name))
-            ++i;
-        else if (const CLI::App* const named = subcommand_of(command, word); named != nullptr)
-            command = named;
+        return command->get_require_subcommand_min() > 0;
     }
-    return false;
+
+    std::string hint() const
+    {
+        return option.empty() ? "" : "; '" + option + "' has taken '" + word_of_option + "' for its value";
+    }
+};
+
+NAMED_COMMAND walk(const CLI::App& app, const std::vector<std::string>& words)
+{
+    NAMED_COMMAND named{&app, std::nullopt, "", ""};
+    for (std::size_t i = 0; i < words.size() && !is_marked_as_argument(words[i]) && named.lacks_a_command(); ++i)
+    {
+        const std::string& word = words[i];
+        if (takes_value(named.command, word) && i + 1 < words.size())
+        {
+            ++i;
+            if (subcommand_of(named.command, words[i]) != nullptr)
+            {
+                named.option = word;
+                named.word_of_option = words[i];
+            }
+        }
+        else if (!word.starts_with('-'))
+        {
+            const CLI::App* const next = subcommand_of(named.command, word);
+            if (next == nullptr)
+            {
+                named.unknown_word = word;
+                break;
+            }
+            named.command = next;
+        }
+    }
+    return named;
 }
 
-// What is wrong with a word that begins with a hyphen and was left over.
-std::string surplus_option(const CLI::App& app, CLI::App* command, const std::string& word, int argc,
-                           const char* const* argv)
+// What is wrong with a word that begins with a hyphen, stood before "--" and was left over.
+std::string surplus_option(CLI::App* command, const std::string& word)
 {
     const std::string name = option_in(word);
-    if (!is_unknown_in_its_place(word, app, argc, argv))
-        return "'" + name +
-               "' stands behind \"--\", so it is an argument, and there is one too many; put options before "
-               "\"--\"";
     if (knows_option(command, name))
         return "'" + name + "' goes after the command: " + spoken_name(command) + " " + name;
     return no_such_option(command, word);
 }
 
-// The arguments with every "--option=" in two words: the parser would take the next word for its value.
-std::vector<std::string> with_empty_values_apart(const CLI::App& app, int argc, const char* const* argv)
+// The words as the parser is to have them. It would take the next word for the value of "--option=", so that one
+// becomes two words. What stands behind "--" is marked, since the parser takes it for options as soon as a command has
+// all arguments that it requires. Throws TOOL_ERROR(USAGE) for the value of an option that takes none, which the parser
+// would take for a number or the opposite of the option.
+std::vector<std::string> words_for_parser(const CLI::App& app, int argc, const char* const* argv)
 {
     std::vector<std::string> words;
     const CLI::App* command = &app;
@@ -195,9 +258,20 @@ std::vector<std::string> with_empty_values_apart(const CLI::App& app, int argc, 
     for (int i = 1; i < argc; ++i)
     {
         const std::string word = argv[i];
-        options_ended = options_ended || word == "--";
+        if (options_ended)
+        {
+            words.push_back(marked_as_argument(word));
+            continue;
+        }
+        options_ended = word == "--";
+        if (options_ended)
+            continue;
         const std::string name = option_in(word);
-        if (!options_ended && word.size() == name.size() + 1 && takes_value(command, name))
+        const bool has_value = name.size() < word.size() && word.starts_with("--");
+        if (has_value && knows_option(command, name) && !takes_value(command, name))
+            throw TOOL_ERROR(EXIT_CODE::USAGE,
+                             "'" + name + "' takes no value; see " + spoken_name(command) + " --help");
+        if (has_value && word.size() == name.size() + 1 && takes_value(command, name))
         {
             words.push_back(name);
             words.emplace_back();
@@ -206,6 +280,8 @@ std::vector<std::string> with_empty_values_apart(const CLI::App& app, int argc, 
         if (const CLI::App* const named = subcommand_of(command, word); named != nullptr)
             command = named;
         words.push_back(word);
+        if (takes_value(command, word) && i + 1 < argc && std::string_view(argv[i + 1]) != "--")
+            words.emplace_back(argv[++i]);
     }
     return words;
 }
@@ -291,11 +367,9 @@ std::string spoken_name(const CLI::App* command)
 
 void parse_command_line(CLI::App& app, int argc, const char* const* argv)
 {
-    std::vector<std::string> words = with_empty_values_apart(app, argc, argv);
+    std::vector<std::string> words = words_for_parser(app, argc, argv);
     for (const std::string& word : words)
     {
-        if (word == "--")
-            break;
         // The parser takes a word such as "-html" for -h and something more: a script would believe its value was set.
         if (word.size() > 2 && (word.starts_with("-h") || word.starts_with("-V")))
             throw TOOL_ERROR(EXIT_CODE::USAGE,
@@ -316,8 +390,6 @@ std::string in_plain_words(const std::string& what)
     constexpr std::string_view too_few = ": 1 required ";
     constexpr std::string_view missing = " missing";
     constexpr std::string_view not_in = " not in {";
-    if (what == "A subcommand is required")
-        return "name a command";
     if (rest.starts_with(too_many))
         return option + " may be given only once";
     if (const std::size_t list = rest.find(not_in); list != std::string_view::npos && rest.ends_with('}'))
@@ -333,21 +405,48 @@ std::string in_plain_words(const std::string& what)
     return what;
 }
 
+// What is wrong with the first word that was left over.
+std::string surplus_word(CLI::App* command, const std::string& word)
+{
+    if (is_marked_as_argument(word))
+        return "'" + (word.starts_with(marked_as_argument("-")) ? option_in(without_mark(word)) : without_mark(word)) +
+               "' stands behind \"--\", so it is an argument, and there is one too many; put options before \"--\"";
+    if (word.starts_with('-') && word.size() > 1)
+        return surplus_option(command, word);
+    return "the argument " + in_single_quotes(word) + " is one too many";
+}
+
+// For a command that sets a value, where the command line has a word such as "a=3" or "=".
+std::string hint_at_equals_sign(CLI::App* command, const std::vector<std::string>& words)
+{
+    const bool sets =
+        std::ranges::any_of(arguments_of(command), [](const CLI::Option* one) { return one->get_name() == "VALUE"; });
+    const bool has_equals_sign = std::ranges::any_of(
+        words, [](const std::string& word) { return !word.starts_with('-') && word.find('=') != std::string::npos; });
+    return sets && has_equals_sign ? "; write the name and the value as two words, without \"=\"" : "";
+}
+
 std::string usage_complaint(CLI::App* app, const CLI::ParseError& error, int argc, const char* const* argv)
 {
+    const std::vector<std::string> words = words_for_parser(*app, argc, argv);
+    const std::vector<std::string> left_over = app->remaining(true);
+    const NAMED_COMMAND named = walk(*app, words);
+    const bool is_option = !left_over.empty() && left_over.front().starts_with('-');
+    if (named.unknown_word && !is_option)
+        return no_such_command(named.command, *named.unknown_word) + named.hint() + "; see " +
+               spoken_name(named.command) + " --help";
     CLI::App* const command = named_command(app);
     std::string what = in_plain_words(error.what());
-    if (const std::vector<std::string> unknown = app->remaining(true); !unknown.empty())
-    {
-        if (unknown.front() == "--" || subcommand_of(command, unknown.front()) != nullptr)
-            what = "\"--\" stands before the command; put it behind, before an argument that begins with \"-\"";
-        else if (unknown.front().starts_with('-') && unknown.front().size() > 1)
-            what = surplus_option(*app, command, unknown.front(), argc, argv);
-        else if (command->get_require_subcommand_min() > 0)
-            what = no_such_command(command, unknown.front());
-        else
-            what = "the argument " + in_single_quotes(unknown.front()) + " is one too many";
-    }
+    if (is_option)
+        what = surplus_word(command, left_over.front());
+    else if (!left_over.empty() && named.lacks_a_command())
+        what = "\"--\" stands before the command; put it behind, before an argument that begins with \"-\"";
+    else if (!left_over.empty())
+        what = surplus_word(command, left_over.front()) + hint_at_equals_sign(command, words);
+    else if (what == "A subcommand is required")
+        what = "name a command" + named.hint();
+    else if (what == "VALUE is required")
+        what += hint_at_equals_sign(command, words);
     return what + "; see " + spoken_name(command) + " --help";
 }
 

@@ -23,6 +23,7 @@
 #include "tools/velmar-cfg/commands/sarif_output.h"
 #include "tools/velmar-cfg/commands/state_options.h"
 #include "tools/velmar-cfg/commands/tool.h"
+#include "tools/velmar-cfg/documents/any_document.h"
 #include "tools/velmar-cfg/lint/environment_rules.h"
 #include "tools/velmar-cfg/lint/finding.h"
 #include "tools/velmar-cfg/lint/preference_rules.h"
@@ -204,9 +205,16 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
     for (const std::string& file : each_once(options.files))
     {
         if (is_preference_file(file))
+        {
             checks.add_preferences(tool.files.read_named(file));
-        else
-            checks.add_settings(to_check(single_layer(file, tool.files, *tool.options.scope.secrets)));
+            continue;
+        }
+        LAYERS layers = single_layer(file, tool.files, *tool.options.scope.secrets);
+        if (begins_like_a_document(layers.front().source->bytes))
+            throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, layers.front().source->path +
+                                                       ": is a document, not a settings file; check the state that it "
+                                                       "holds with --of");
+        checks.add_settings(to_check(std::move(layers)));
     }
     const EXIT_CODE end_of_fixes = fixes.finish(); // first: the findings may be more than can be written
     return std::max(checks.run(output), end_of_fixes);

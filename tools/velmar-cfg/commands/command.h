@@ -22,8 +22,9 @@ namespace CLI
 class App;
 }
 
-// A word that stood behind "--". The mark is a zero byte before it, which no word of a command line holds, and makes the
-// parser take the word for an argument, whatever it begins with. The variable of an argument gets the word without it.
+// A word that stood behind "--". The mark is a zero byte before it, which no word of a command line holds, and makes
+// the parser take the word for an argument, whatever it begins with. The variable of an argument gets the word without
+// it.
 std::string marked_as_argument(const std::string& word);
 bool is_marked_as_argument(std::string_view word);
 std::string without_mark(const std::string& word);

@@ -190,7 +190,7 @@ INSTANTIATE_TEST_SUITE_P(
             "[Something wholly other]\nx = 1\n",
             {"1:1 warning unknown-section: no lookup searches the section 'Something wholly other'; letter "
              "case counts; write a section of the catalogue, such as '[General 23.4_pro]'",
-             "2:1 warning unknown-key: there is no preference 'x'; the line is kept, unused; remove the "
+             "2:1 warning unknown-key: there is no preference 'x'; the line has no effect; remove the "
              "line"}},
         PREFERENCE_FINDINGS{
             "an old name",
@@ -207,7 +207,7 @@ INSTANTIATE_TEST_SUITE_P(
         PREFERENCE_FINDINGS{
             "a key that is nearly known",
             section + "SHOW_MESAGE_ID = on\n",
-            {"2:1 warning unknown-key: there is no preference 'SHOW_MESAGE_ID'; the line is kept, unused; "
+            {"2:1 warning unknown-key: there is no preference 'SHOW_MESAGE_ID'; the line has no effect; "
              "write 'SHOW_MESSAGE_ID = on'"}},
         PREFERENCE_FINDINGS{"a key in another letter case",
                             section + "Show_Message_Id = on\n",
@@ -272,7 +272,7 @@ INSTANTIATE_TEST_SUITE_P(
             section + set + "SHOW_MESAGE_ID =\n",
             {"3:16 warning empty-value: an empty value counts as none, and a save drops the line; give a "
              "value or remove the line",
-             "3:1 warning unknown-key: there is no preference 'SHOW_MESAGE_ID'; the line is kept, unused; "
+             "3:1 warning unknown-key: there is no preference 'SHOW_MESAGE_ID'; the line has no effect; "
              "write 'SHOW_MESSAGE_ID = '"}},
         PREFERENCE_FINDINGS{
             "a known key without one of its values",
@@ -293,7 +293,7 @@ INSTANTIATE_TEST_SUITE_P(
             section + "SHOW_MESAGE_ID = on\0x\n"s,
             {"2:20 warning zero-byte: the text behind a zero byte is ignored, and a save drops it; remove "
              "the zero byte",
-             "2:1 warning unknown-key: there is no preference 'SHOW_MESAGE_ID'; the line is kept, unused; "
+             "2:1 warning unknown-key: there is no preference 'SHOW_MESAGE_ID'; the line has no effect; "
              "write 'SHOW_MESSAGE_ID = on'"}},
         PREFERENCE_FINDINGS{
             "quotes within quotes in the wrong section",

@@ -273,7 +273,7 @@ void EXAMINATION::unknown_key()
     }
     const std::string* const nearest = known_keys.nearest(name);
     add(SEVERITY::WARNING, "unknown-key",
-        "there is no preference " + in_single_quotes(name) + "; the line is kept, unused",
+        "there is no preference " + in_single_quotes(name) + "; the line has no effect",
         nearest != nullptr ? advice_to_write(*nearest, value) : "remove the line");
 }
 

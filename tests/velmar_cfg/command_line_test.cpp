@@ -97,12 +97,25 @@ TEST_F(COMMAND_LINE, an_unknown_option_is_told_with_what_may_be_meant)
          "'p' stands behind \"--\", so it is an argument, and there is one too many; put options before \"--\"; see "
          "velmar-cfg explain"},
         {{"set", "a=3"},
-         "VALUE is required; write the name and the value as two words, without \"=\"; see velmar-cfg set"},
+         "VALUE is required; write the name and the value as two words, without an equals sign; see velmar-cfg set"},
         {{"set", "a", "=", "3"},
-         "the argument '3' is one too many; write the name and the value as two words, without \"=\"; see velmar-cfg "
+         "the argument '3' is one too many; write the name and the value as two words, without an equals sign; see "
+         "velmar-cfg "
          "set"},
         {{"prefs", "set", "A=B"},
-         "VALUE is required; write the name and the value as two words, without \"=\"; see velmar-cfg prefs set"},
+         "VALUE is required; write the name and the value as two words, without an equals sign; see velmar-cfg prefs "
+         "set"},
+        {{"set", "a", "x=1", "y=2"}, "the argument 'y=2' is one too many; see velmar-cfg set"},
+        // A word that is called as an argument is no option with a value.
+        {{"set", "NAME", "--file=", "5", "6"}, "the argument '6' is one too many; see velmar-cfg set"},
+        {{"explain", "NAME", "--json=true"}, "'--json' takes no value; see velmar-cfg explain"},
+        {{"get", "-z=1", "a"}, "'-z' takes no value; see velmar-cfg get"},
+        {{"-"}, "there is no command '-'; see velmar-cfg"},
+        {{"--secret", "get", "prefs", "sett"},
+         "there is no command 'prefs sett' (did you mean 'set'?); see velmar-cfg prefs"},
+        {{"--dry-run"}, "name a command; '--dry-run' is an option of lint, set, unset and others; see velmar-cfg"},
+        {{"list", "--color", "x not in {y}"},
+         "'--color' takes one of auto, always, never, not 'x not in {y}'; see velmar-cfg list"},
         {{"explain", "a=b", "c"}, "the argument 'c' is one too many; see velmar-cfg explain"},
         {{"list", "--of", ".", "--of", "."}, "'--of' may be given only once; see velmar-cfg list"},
         {{"list", "--of"}, "'--of' needs a value: STATE; see velmar-cfg list"},
@@ -134,6 +147,10 @@ TEST_F(COMMAND_LINE, values_may_begin_with_a_hyphen)
     EXPECT_EQ(run({"get", "unset", "--", "-name", "--json"}),
               (TOOL_RUN{1, "unset\n-name=-value\n--json=1\n", "velmar-cfg: 'unset' is not set\n"}));
     EXPECT_EQ(run({"get", "unset", "--default", "--all=x"}), (TOOL_RUN{0, "--all=x\n", ""}));
+    EXPECT_EQ(run({"get", "unset", "--default", "-hello"}), (TOOL_RUN{0, "-hello\n", ""}));
+    // Behind an option that takes a value, "--" is the value.
+    EXPECT_EQ(run({"get", "unset", "--default", "--"}), (TOOL_RUN{0, "--\n", ""}));
+    EXPECT_EQ(run({"get", "unset", "--default", "--", "-z"}).out, std::string("--\0", 3));
     EXPECT_EQ(run({"list", "--", "-n*"}), (TOOL_RUN{0, "-name=-value\n", ""}));
     EXPECT_EQ(run({"list", "--", "-n*", "--json"}).exit_code, 2);
     EXPECT_EQ(run({"get", "unset", "--default", "-x"}), (TOOL_RUN{0, "-x\n", ""}));

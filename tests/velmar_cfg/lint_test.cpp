@@ -150,15 +150,13 @@ TEST_F(LINT, a_document_is_no_settings_file)
     write_file("velmar.ini", "a = 1\n");
     const std::string snapshot = run({"snapshot"}).out;
     const std::string compact = "\r\n{\"schema\":\"velmar-run-report\"}";
+    const TOOL_RUN refused{3, "", "velmar-cfg: given: is a document; check the state that it holds with lint --of\n"};
     for (const std::string& document : {snapshot, compact})
     {
         write_file("given", document);
-        for (const std::vector<std::string>& arguments :
-             {std::vector<std::string>{"lint", "given"}, std::vector<std::string>{"lint", "--fix", "given"}})
-            EXPECT_EQ(run(arguments),
-                      (TOOL_RUN{3, "",
-                                "velmar-cfg: given: is a document, not a settings file; check the state "
-                                "that it holds with --of\n"}));
+        EXPECT_EQ(run({"lint", "given"}), refused);
+        EXPECT_EQ(run({"lint", "--fix", "given"}), refused);
+        EXPECT_EQ(run({"prefs", "lint", "given"}), refused);
         EXPECT_EQ(read_file("given"), document);
     }
     for (const char* const settings : {"{", "{\"schema\"", "{ \"schema\" = \"velmar-\"", "schema: \"velmar-x\"", ""})
@@ -166,6 +164,15 @@ TEST_F(LINT, a_document_is_no_settings_file)
         write_file("given", settings);
         EXPECT_NE(run({"lint", "given"}).exit_code, 3) << settings;
     }
+
+    // The other files are checked and changed all the same.
+    write_file("given", snapshot);
+    write_file("other.ini", "a b = 1\n");
+    const TOOL_RUN got = run({"lint", "--fix", "other.ini", "given"});
+    EXPECT_EQ(got.exit_code, 3);
+    EXPECT_THAT(got.err, HasSubstr("other.ini: 1 line was replaced"));
+    EXPECT_EQ(read_file("other.ini"), "a_b = 1\n");
+    EXPECT_EQ(read_file("given"), snapshot);
 }
 
 TEST_F(LINT, without_a_file_it_checks_all_that_would_be_read)

@@ -171,7 +171,7 @@ TEST_F(PARSING, what_is_wrong_is_told_with_the_command_s_help)
               "there is no option '--limt' (did you mean '--limit'?); see tool group put --help"},
           ROW{{"--limit", "1", "group", "take"},
               "group take takes no '--limit'; it is an option of group put; see tool group take --help"},
-          ROW{{"--limit", "1"}, "tool takes no '--limit'; it is an option of group put; see tool --help"},
+          ROW{{"--limit", "1"}, "name a command; '--limit' is an option of group put; see tool --help"},
           ROW{{"group", "take", "--", "a", "--quick"},
               "'--quick' stands behind \"--\", so it is an argument, and there is one too many; put options before "
               "\"--\"; see tool group take --help"},

@@ -35,6 +35,8 @@ const QUESTION questions[] = {
     {"zero", "double", nullptr, "-0", true, "'zero' is '-.0ms': only the number at its start is read, -0"},
     {"word", "double", "1", "0", true, "'word' is '.fast5': it begins with no number, and is read as 0"},
     {"sign", "double", "1", "0", true, "'sign' is '-': it begins with no number, and is read as 0"},
+    {"signs", "double", "1", "0", true, "'signs' is '--5': it begins with no number, and is read as 0"},
+    {"dots", "double", "1", "0", true, "'dots' is '..5': it begins with no number, and is read as 0"},
     {"e", "text", nullptr, nullptr, false, "'e' is set to the empty text at velmar.ini:3"},
     {"e", "text", "x", "x", false},
     {"unset", "text", nullptr, nullptr, false, "'unset' is not set"},
@@ -53,7 +55,8 @@ TEST(TYPED_ANSWER_TEST, is_the_variables_value_or_the_default)
         if (row.fallback != nullptr)
             fallback = default_of_type(type, row.fallback);
         const SETTINGS settings = SETTINGS::of_one_variable(
-            layers_of("n = 12\nd = 2.5ms\ne =\nzero = -.0ms\nword = .fast5\nsign = -\n"), row.name);
+            layers_of("n = 12\nd = 2.5ms\ne =\nzero = -.0ms\nword = .fast5\nsign = -\nsigns = --5\ndots = ..5\n"),
+            row.name);
         const TYPED_ANSWER answer = answer_typed(settings, row.name, type, fallback);
         EXPECT_EQ(answer.name, row.name);
         EXPECT_EQ(value_as_text(answer.value),

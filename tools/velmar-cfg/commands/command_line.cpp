@@ -115,6 +115,12 @@ std::string why_no_what_if(const std::string& command, const std::string& option
     return "only commands that show variables of a state take '" + option + "'";
 }
 
+// Of a word that stands before "--". A hyphen alone is an argument.
+bool looks_like_an_option(std::string_view word)
+{
+    return word.size() > 1 && word.front() == '-';
+}
+
 // "--text" of "--text=x".
 std::string option_in(const std::string& word)
 {
@@ -160,17 +166,20 @@ std::string no_such_option(CLI::App* command, const std::string& word)
     if (name == with_option || name == without_option)
         return why_no_what_if(spoken_name(command), name);
     if (const std::string others = commands_that_take(name, *root_of(command)); !others.empty())
-        return short_name(command) + " takes no '" + name + "'; it is an option of " + others;
+        return (command->get_require_subcommand_min() > 0 ? "name a command; '" + name + "'"
+                                                          : short_name(command) + " takes no '" + name + "'; it") +
+               " is an option of " + others;
     const std::string suggestion = did_you_mean(name, options_behind(command));
     const bool may_be_argument = suggestion.empty() && !arguments_of(command).empty();
     return "there is no option '" + name + "'" + suggestion +
            (may_be_argument ? "; put -- before an argument that begins with \"-\"" : "");
 }
 
-// Whether an option of the command or of one above it has this name and takes a value.
+// Whether an option of the command or of one above it has this name and takes a value. The parser finds arguments by
+// their names too.
 bool takes_value(const CLI::App* command, const std::string& name)
 {
-    for (; command != nullptr; command = command->get_parent())
+    for (; looks_like_an_option(name) && command != nullptr; command = command->get_parent())
     {
         if (const CLI::Option* const option = command->get_option_no_throw(name); option != nullptr)
             return option->get_items_expected_min() > 0;
@@ -180,7 +189,7 @@ bool takes_value(const CLI::App* command, const std::string& name)
 
 bool knows_option(const CLI::App* command, const std::string& name)
 {
-    for (; command != nullptr; command = command->get_parent())
+    for (; looks_like_an_option(name) && command != nullptr; command = command->get_parent())
     {
         if (command->get_option_no_throw(name) != nullptr)
             return true;
@@ -223,7 +232,7 @@ NAMED_COMMAND walk(const CLI::App& app, const std::vector<std::string>& words)
                 named.word_of_option = words[i];
             }
         }
-        else if (!word.starts_with('-'))
+        else if (!looks_like_an_option(word))
         {
             const CLI::App* const next = subcommand_of(named.command, word);
             if (next == nullptr)
@@ -231,7 +240,7 @@ NAMED_COMMAND walk(const CLI::App& app, const std::vector<std::string>& words)
                 named.unknown_word = word;
                 break;
             }
-            named.command = next;
+            named = {next, std::nullopt, "", ""};
         }
     }
     return named;
@@ -267,11 +276,14 @@ std::vector<std::string> words_for_parser(const CLI::App& app, int argc, const c
         if (options_ended)
             continue;
         const std::string name = option_in(word);
-        const bool has_value = name.size() < word.size() && word.starts_with("--");
-        if (has_value && knows_option(command, name) && !takes_value(command, name))
+        if (name.size() < word.size() && knows_option(command, name) && !takes_value(command, name))
             throw TOOL_ERROR(EXIT_CODE::USAGE,
                              "'" + name + "' takes no value; see " + spoken_name(command) + " --help");
-        if (has_value && word.size() == name.size() + 1 && takes_value(command, name))
+        // The parser takes a word such as "-html" for -h and something more: a script would believe its value was set.
+        if (word.size() > 2 && (word.starts_with("-h") || word.starts_with("-V")))
+            throw TOOL_ERROR(EXIT_CODE::USAGE,
+                             "there is no option '" + word + "'; put -- before an argument that begins with \"-\"");
+        if (word.starts_with("--") && word.size() == name.size() + 1 && takes_value(command, name))
         {
             words.push_back(name);
             words.emplace_back();
@@ -280,7 +292,7 @@ std::vector<std::string> words_for_parser(const CLI::App& app, int argc, const c
         if (const CLI::App* const named = subcommand_of(command, word); named != nullptr)
             command = named;
         words.push_back(word);
-        if (takes_value(command, word) && i + 1 < argc && std::string_view(argv[i + 1]) != "--")
+        if (takes_value(command, word) && i + 1 < argc)
             words.emplace_back(argv[++i]);
     }
     return words;
@@ -368,13 +380,6 @@ std::string spoken_name(const CLI::App* command)
 void parse_command_line(CLI::App& app, int argc, const char* const* argv)
 {
     std::vector<std::string> words = words_for_parser(app, argc, argv);
-    for (const std::string& word : words)
-    {
-        // The parser takes a word such as "-html" for -h and something more: a script would believe its value was set.
-        if (word.size() > 2 && (word.starts_with("-h") || word.starts_with("-V")))
-            throw TOOL_ERROR(EXIT_CODE::USAGE,
-                             "there is no option '" + word + "'; put -- before an argument that begins with \"-\"");
-    }
     std::ranges::reverse(words); // as the parser wants them
     app.parse(std::move(words));
 }
@@ -392,7 +397,7 @@ std::string in_plain_words(const std::string& what)
     constexpr std::string_view not_in = " not in {";
     if (rest.starts_with(too_many))
         return option + " may be given only once";
-    if (const std::size_t list = rest.find(not_in); list != std::string_view::npos && rest.ends_with('}'))
+    if (const std::size_t list = rest.rfind(not_in); list != std::string_view::npos && rest.ends_with('}'))
     {
         std::string choices;
         for (const char c : rest.substr(list + not_in.size(), rest.size() - list - not_in.size() - 1))
@@ -411,19 +416,38 @@ std::string surplus_word(CLI::App* command, const std::string& word)
     if (is_marked_as_argument(word))
         return "'" + (word.starts_with(marked_as_argument("-")) ? option_in(without_mark(word)) : without_mark(word)) +
                "' stands behind \"--\", so it is an argument, and there is one too many; put options before \"--\"";
-    if (word.starts_with('-') && word.size() > 1)
+    if (looks_like_an_option(word))
         return surplus_option(command, word);
     return "the argument " + in_single_quotes(word) + " is one too many";
 }
 
-// For a command that sets a value, where the command line has a word such as "a=3" or "=".
-std::string hint_at_equals_sign(CLI::App* command, const std::vector<std::string>& words)
+// The words that are arguments of the command, as they were typed.
+std::vector<std::string> arguments_in(const CLI::App& app, const std::vector<std::string>& words)
+{
+    std::vector<std::string> arguments;
+    const CLI::App* command = &app;
+    for (std::size_t i = 0; i < words.size(); ++i)
+    {
+        const CLI::App* const named = arguments.empty() ? subcommand_of(command, words[i]) : nullptr;
+        if (named != nullptr)
+            command = named;
+        else if (takes_value(command, words[i]))
+            ++i;
+        else if (!looks_like_an_option(words[i]))
+            arguments.push_back(without_mark(words[i]));
+    }
+    return arguments;
+}
+
+// For a command that sets a value, where "a=3" or "a = 3" was typed.
+std::string hint_at_equals_sign(CLI::App* command, const CLI::App& app, const std::vector<std::string>& words)
 {
     const bool sets =
         std::ranges::any_of(arguments_of(command), [](const CLI::Option* one) { return one->get_name() == "VALUE"; });
-    const bool has_equals_sign = std::ranges::any_of(
-        words, [](const std::string& word) { return !word.starts_with('-') && word.find('=') != std::string::npos; });
-    return sets && has_equals_sign ? "; write the name and the value as two words, without \"=\"" : "";
+    const std::vector<std::string> arguments = arguments_in(app, words);
+    const bool has_equals_sign = (!arguments.empty() && arguments.front().find('=') != std::string::npos) ||
+                                 std::ranges::find(arguments, "=") != arguments.end();
+    return sets && has_equals_sign ? "; write the name and the value as two words, without an equals sign" : "";
 }
 
 std::string usage_complaint(CLI::App* app, const CLI::ParseError& error, int argc, const char* const* argv)
@@ -431,22 +455,22 @@ std::string usage_complaint(CLI::App* app, const CLI::ParseError& error, int arg
     const std::vector<std::string> words = words_for_parser(*app, argc, argv);
     const std::vector<std::string> left_over = app->remaining(true);
     const NAMED_COMMAND named = walk(*app, words);
-    const bool is_option = !left_over.empty() && left_over.front().starts_with('-');
-    if (named.unknown_word && !is_option)
+    const bool option_is_left_over = !left_over.empty() && looks_like_an_option(left_over.front());
+    if (named.unknown_word && !option_is_left_over)
         return no_such_command(named.command, *named.unknown_word) + named.hint() + "; see " +
                spoken_name(named.command) + " --help";
     CLI::App* const command = named_command(app);
     std::string what = in_plain_words(error.what());
-    if (is_option)
+    if (option_is_left_over)
         what = surplus_word(command, left_over.front());
     else if (!left_over.empty() && named.lacks_a_command())
         what = "\"--\" stands before the command; put it behind, before an argument that begins with \"-\"";
     else if (!left_over.empty())
-        what = surplus_word(command, left_over.front()) + hint_at_equals_sign(command, words);
+        what = surplus_word(command, left_over.front()) + hint_at_equals_sign(command, *app, words);
     else if (what == "A subcommand is required")
         what = "name a command" + named.hint();
     else if (what == "VALUE is required")
-        what += hint_at_equals_sign(command, words);
+        what += hint_at_equals_sign(command, *app, words);
     return what + "; see " + spoken_name(command) + " --help";
 }
 
@@ -470,7 +494,9 @@ std::string without_typed_secrets(std::string_view message, int argc, const char
     constexpr std::string_view default_option = "--default";
     const auto is_secret = [&secrets](std::string_view name) { return is_secret_preference_name(name, secrets); };
     const std::vector<std::string_view> words(argv + 1, argv + std::max(1, argc));
-    const bool has_secret_name = std::ranges::any_of(words, is_secret);
+    const bool has_secret_name =
+        std::ranges::any_of(words, [&](std::string_view word)
+                            { return std::ranges::find(options, word) == options.end() && is_secret(word); });
     std::string hidden(message);
     const auto hide = [&](std::string_view word)
     {

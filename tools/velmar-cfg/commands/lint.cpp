@@ -183,6 +183,22 @@ void require_no_contradiction(const LINT_OPTIONS& options, const TOOL& tool)
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--of and files exclude each other");
 }
 
+// A document has no lines of settings or preferences; --fix would make it unreadable.
+bool is_refused_as_document(const INPUT_FILE& file, TOOL& tool)
+{
+    const bool refused = begins_like_a_document(file.bytes);
+    if (refused)
+        tool.files.add_problem(file.path + ": is a document; check the state that it holds with lint --of");
+    return refused;
+}
+
+void add_named_preferences(const std::string& path, CHECKS& checks, TOOL& tool)
+{
+    std::shared_ptr<const INPUT_FILE> file = tool.files.read_named(path);
+    if (!is_refused_as_document(*file, tool))
+        checks.add_preferences(std::move(file));
+}
+
 EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
 {
     const FINDINGS_OPTIONS output = output_options(options, tool);
@@ -206,15 +222,12 @@ EXIT_CODE lint(const LINT_OPTIONS& options, TOOL& tool)
     {
         if (is_preference_file(file))
         {
-            checks.add_preferences(tool.files.read_named(file));
+            add_named_preferences(file, checks, tool);
             continue;
         }
         LAYERS layers = single_layer(file, tool.files, *tool.options.scope.secrets);
-        if (begins_like_a_document(layers.front().source->bytes))
-            throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, layers.front().source->path +
-                                                       ": is a document, not a settings file; check the state that it "
-                                                       "holds with --of");
-        checks.add_settings(to_check(std::move(layers)));
+        if (!is_refused_as_document(*layers.front().source, tool))
+            checks.add_settings(to_check(std::move(layers)));
     }
     const EXIT_CODE end_of_fixes = fixes.finish(); // first: the findings may be more than can be written
     return std::max(checks.run(output), end_of_fixes);
@@ -235,7 +248,7 @@ EXIT_CODE lint_only_preferences(const LINT_OPTIONS& options, TOOL& tool)
             checks.add_preferences(std::move(file));
     }
     for (const std::string& file : each_once(options.files))
-        checks.add_preferences(tool.files.read_named(file));
+        add_named_preferences(file, checks, tool);
     return checks.run(output);
 }
 

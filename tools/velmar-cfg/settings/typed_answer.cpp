@@ -36,8 +36,12 @@ std::string why_not_usable(const TYPED_ANSWER& answer)
 // Whether a number stands at the start of the text. If not, a floating-point reader reads the text as 0.
 bool begins_with_number(std::string_view text, double read)
 {
-    const std::size_t first = text.find_first_not_of(" \t\n\v\f\r+-.");
-    return read != 0 || (first != std::string_view::npos && text[first] >= '0' && text[first] <= '9');
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+    if (text.starts_with('+') || text.starts_with('-'))
+        text.remove_prefix(1);
+    if (text.starts_with('.'))
+        text.remove_prefix(1);
+    return read != 0 || (!text.empty() && text.front() >= '0' && text.front() <= '9');
 }
 }
 

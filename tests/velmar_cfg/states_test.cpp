@@ -837,7 +837,7 @@ project/velmar.ini:2:1: error: a line without "=" is ignored; put "#" before it 
 --with:1:12: error: 'maybe' is no boolean, so readers of 'msg_sqlite' take their default; )"
                         R"(write 'msg_sqlite = on' or 'msg_sqlite = off' [no-boolean]
 --with:3:1: warning: --with:4 sets 'x' again; remove one of the two [overridden]
---with:4:1: warning: the same variable as 'x' at --with:3, but objects registered under that spelling are not )"
+--with:4:1: warning: the same variable as 'x' at --with:3, but callbacks registered under that spelling are not )"
                         R"(notified of this one; write 'x' [letter-case]
 )",
                         ""}));

@@ -31,6 +31,7 @@ enum class CFG_SETTINGS_ROLE : int
 // One source, as it was when it was last applied.
 struct CFG_SETTINGS_SOURCE
 {
+    // The role in which the source was applied.
     CFG_SETTINGS_ROLE role = CFG_SETTINGS_ROLE::MAIN_FILE;
 
     // Whether its assignments mark their variables as external.

@@ -30,9 +30,17 @@ void use(THR_MUTEX* mutex)
     thr_mutex_unlock(mutex);
 }
 
-// Whether another thread can lock the mutex at once. Otherwise that thread goes on waiting. Not to be asked in a child
-// where that cannot start threads.
-bool is_free_for_others(THR_MUTEX* mutex)
+// For a mutex that is free: another thread locks it. Were it held, an alarm would end the process. Not in a child that
+// cannot start threads.
+void use_on_another_thread(THR_MUTEX* mutex)
+{
+    std::thread(use, mutex).join();
+}
+
+// For a mutex that is held: whether another thread that locks it has to sleep first. It goes on waiting. The answer may
+// be yes for a free mutex too: an emulator lets threads sleep in locks of its own. Not in a child that cannot start
+// threads.
+bool others_must_wait(THR_MUTEX* mutex)
 {
     struct OTHER
     {
@@ -51,7 +59,7 @@ bool is_free_for_others(THR_MUTEX* mutex)
         .detach();
     while (other->id == 0 || (!other->entered && !sleeps(other->id)))
         std::this_thread::yield();
-    return other->entered;
+    return !other->entered;
 }
 
 // Another thread that holds mutexes until told to release them.
@@ -161,15 +169,15 @@ TEST_F(THR_FORK_TEST, a_child_holds_what_the_forking_thread_held_as_often)
                           if (!children_can_start_threads)
                               return 7;
                           // Of two threads that try, one before and one after the last unlocking, the first must wait.
-                          const bool too_early =
-                              status_of_child([&] { return is_free_for_others(mutex) ? 1 : 2; }) != 2;
+                          const bool too_early = status_of_child([&] { return others_must_wait(mutex) ? 2 : 1; }) != 2;
                           thr_mutex_unlock(mutex);
-                          return !too_early && is_free_for_others(mutex) ? 7 : 8;
+                          use_on_another_thread(mutex);
+                          return too_early ? 8 : 7;
                       }),
                   7);
         for (int i = 0; i < holds; ++i)
             thr_mutex_unlock(mutex);
-        EXPECT_TRUE(is_free_for_others(mutex));
+        use_on_another_thread(mutex);
     }
 }
 
@@ -209,8 +217,9 @@ TEST_F(THR_FORK_TEST, a_mutex_held_for_too_long_is_free_in_the_child_and_lost)
             alarm(seconds_until_hung / 2);
             const int lost_before_fork_returned = losses;
             use(mutex);
-            const bool is_free = !children_can_start_threads || is_free_for_others(mutex);
-            leave(is_free && lost_before_fork_returned == 1 && losses == 1 ? 7 : 8);
+            if (children_can_start_threads)
+                use_on_another_thread(mutex);
+            leave(lost_before_fork_returned == 1 && losses == 1 ? 7 : 8);
         }
         EXPECT_LT(std::chrono::steady_clock::now() - start, longest_fork);
         EXPECT_EQ(status_of(child), 7);
@@ -280,8 +289,8 @@ TEST_F(THR_FORK_TEST, several_mutexes_are_waited_for_together_and_lost_each_for_
     EXPECT_LT(std::chrono::steady_clock::now() - start, longest_fork);
     EXPECT_EQ(status_of(child), 6);
     thr_mutex_unlock(mutex);
-    EXPECT_TRUE(is_free_for_others(mutex));
-    EXPECT_TRUE(is_free_for_others(free_one));
+    use_on_another_thread(mutex);
+    use_on_another_thread(free_one);
 }
 
 TEST_F(THR_FORK_TEST, several_threads_fork_at_once)
@@ -388,7 +397,7 @@ TEST_F(THR_FORK_TEST, a_thread_of_the_child_is_not_taken_for_one_of_the_parent)
                   [&]
                   {
                       thr_mutex_lock(mutex);
-                      return !is_free_for_others(mutex) && !is_free_for_others(own) ? 7 : 8;
+                      return others_must_wait(mutex) && others_must_wait(own) ? 7 : 8;
                   }),
               7);
     thr_mutex_unlock(own);
@@ -481,7 +490,7 @@ int status_of_nested_child = -1;
 
 bool is_held_for_the_outer_fork()
 {
-    return !children_can_start_threads || !is_free_for_others(mutex_of_handlers);
+    return !children_can_start_threads || others_must_wait(mutex_of_handlers);
 }
 
 // After the service's own handler before the fork.
@@ -507,7 +516,7 @@ void fork_within_a_fork(bool held)
     EXPECT_EQ(status_of_nested_child, 7);
     if (held)
         thr_mutex_unlock(mutex_of_handlers);
-    EXPECT_TRUE(is_free_for_others(mutex_of_handlers));
+    use_on_another_thread(mutex_of_handlers);
 }
 
 TEST(THR_FORK_HANDLERS_TEST, a_handler_of_others_can_fork)
@@ -576,10 +585,10 @@ void lock_in_the_middle()
                   [&]
                   {
                       use(locked);
-                      return children_can_start_threads && is_free_for_others(locked) ? 8 : 7;
+                      return !children_can_start_threads || others_must_wait(locked) ? 7 : 8;
                   }),
               7);
-    EXPECT_FALSE(is_free_for_others(locked));
+    EXPECT_TRUE(others_must_wait(locked));
 }
 
 TEST(THR_FORK_HANDLERS_TEST, what_a_handler_locks_stays_locked)
@@ -615,7 +624,7 @@ void fork_beside_a_fork_that_hangs()
               7);
     enough.count_down();
     other.join();
-    EXPECT_TRUE(is_free_for_others(mutex_of_handlers));
+    use_on_another_thread(mutex_of_handlers);
 }
 
 TEST(THR_FORK_HANDLERS_TEST, a_fork_of_another_thread_may_hang)
@@ -687,7 +696,7 @@ void make_the_first_mutexes_at_once()
     }
     thr_mutex_unlock(mutexes[1]);
     for (THR_MUTEX* const mutex : mutexes)
-        EXPECT_TRUE(is_free_for_others(mutex));
+        use_on_another_thread(mutex);
 }
 
 TEST(THR_FORK_HANDLERS_TEST, the_first_mutexes_may_be_made_by_several_threads)

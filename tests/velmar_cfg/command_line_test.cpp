@@ -259,7 +259,24 @@ TEST_F(COMMAND_LINE, a_directory_that_is_missing_or_no_directory_is_named)
               "velmar-cfg: file/velmar.ini: no such directory; give --project an existing one\n");
     EXPECT_EQ(run({"--project", "/dev/null", "list"}).err,
               "velmar-cfg: /dev/null: is a file; give --project a directory, such as /dev\n");
-    EXPECT_EQ(run({"--project", "", "list"}).exit_code, 3);
+}
+
+// As of a script whose variable has no value.
+TEST_F(COMMAND_LINE, an_empty_path_is_told)
+{
+    const std::string of_directory = " is empty; give the path of a directory\n";
+    EXPECT_EQ(run({"--project", "", "list"}), (TOOL_RUN{2, "", "velmar-cfg: --project" + of_directory}));
+    EXPECT_EQ(run({"list", "--root="}), (TOOL_RUN{2, "", "velmar-cfg: --root" + of_directory}));
+    const auto complaint = [](const std::string& of, const std::string& command)
+    { return "velmar-cfg: " + of + " is empty; give the path of a file; see velmar-cfg " + command + " --help\n"; };
+    for (const auto& words : std::initializer_list<std::vector<std::string>>{
+             {"lint", ""}, {"lint", "velmar.ini", ""}, {"lint", "--", ""}, {"lint", "--fix", ""}})
+        EXPECT_EQ(run(words), (TOOL_RUN{2, "", complaint("FILE", "lint")}));
+    EXPECT_EQ(run({"prefs", "lint", ""}), (TOOL_RUN{2, "", complaint("FILE", "prefs lint")}));
+    EXPECT_EQ(run({"prefs", "load", ""}), (TOOL_RUN{2, "", complaint("FILE", "prefs load")}));
+    EXPECT_EQ(run({"set", "a", "1", "--file", ""}), (TOOL_RUN{2, "", complaint("--file", "set")}));
+    EXPECT_EQ(run({"snapshot", "--output="}), (TOOL_RUN{2, "", complaint("--output", "snapshot")}));
+    EXPECT_EQ(run({"snapshot", "-o", ""}), (TOOL_RUN{2, "", complaint("--output", "snapshot")}));
 }
 
 TEST_F(COMMAND_LINE, help_goes_to_standard_output)

@@ -81,7 +81,15 @@ INSTANTIATE_TEST_SUITE_P(
             "\xef\xbb\xbf"
             "a=1 # x",
             {"1:1 error byte-order-mark: the file begins with a byte order mark, which belongs to the first line; save "
-             "the file without a byte order mark, beginning with 'a=1'"}}));
+             "the file without a byte order mark, beginning with 'a=1'"}},
+        FOUND{"\xff\xfe"
+              "a=1",
+              {"1:1 error byte-order-mark: the file is UTF-16, which the library does not understand; save it as UTF-8 "
+               "without a byte order mark"}},
+        FOUND{"\xfe\xff"
+              "a=1",
+              {"1:1 error byte-order-mark: the file is UTF-16, which the library does not understand; save it as UTF-8 "
+               "without a byte order mark"}}));
 
 INSTANTIATE_TEST_SUITE_P(
     comments, FINDINGS_OF_LINES,

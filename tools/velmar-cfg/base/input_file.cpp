@@ -187,9 +187,14 @@ INPUT_FILE read_whole_file(const std::string& path)
     return result;
 }
 
+bool is_utf_16(std::string_view bytes)
+{
+    return bytes.starts_with("\xff\xfe") || bytes.starts_with("\xfe\xff");
+}
+
 void refuse_utf_16(const std::string& path, std::string_view bytes)
 {
-    if (bytes.starts_with("\xff\xfe") || bytes.starts_with("\xfe\xff"))
+    if (is_utf_16(bytes))
         throw TOOL_ERROR(EXIT_CODE::BAD_INPUT,
                          path + ": is UTF-16, which the library does not understand; save it as UTF-8 "
                                 "without a byte order mark");

@@ -52,8 +52,11 @@ private:
     std::size_t bytes_read = 0;
 };
 
-// Throws TOOL_ERROR(BAD_INPUT) if the bytes begin with a byte order mark of UTF-16. The library understands no line of
-// such a file, and no line can be added to it. `path` is for the message.
+// Whether the bytes begin with a byte order mark of UTF-16. The library understands no line of such a file, and no line
+// can be added to it.
+bool is_utf_16(std::string_view bytes);
+
+// Throws TOOL_ERROR(BAD_INPUT) for such bytes. `path` is for the message.
 void refuse_utf_16(const std::string& path, std::string_view bytes);
 
 // The name of such a file in messages: its path, or "standard input".

@@ -21,11 +21,25 @@ auto taking(std::optional<std::string>& value)
 
 constexpr char mark_of_argument = '\0';
 
+// A script that names a file by a variable without a value gives an empty word.
+void refuse_empty_path(CLI::Option* option, const std::string& name)
+{
+    const auto refuse_empty = [name](const std::string& path)
+    {
+        if (path.empty())
+            throw CLI::ConversionError(name + " is empty; give the path of a file", CLI::ExitCodes::ConversionError);
+        return std::string();
+    };
+    option->check(refuse_empty, "", "");
+}
+
 // The parser is not to describe what the name says. It stores the words as they were typed.
 void declare_as_argument(CLI::Option* option)
 {
     constexpr const char* no_type = "";
     option->type_name(no_type)->transform([](const std::string& word) { return without_mark(word); }, "", "");
+    if (option->get_name() == "FILE")
+        refuse_empty_path(option, "FILE");
 }
 
 // The validator bears the words, separated by blanks, as its name, from which completion has them.
@@ -108,7 +122,10 @@ void COMMAND::add_optional_argument(const std::string& name, std::vector<std::st
 void COMMAND::add_option(const std::string& names, const std::string& value_name, std::optional<std::string>& value,
                          const std::string& description)
 {
-    app->add_option_function<std::string>(names, taking(value), description)->type_name(value_name);
+    CLI::Option* const option = app->add_option_function<std::string>(names, taking(value), description);
+    option->type_name(value_name);
+    if (value_name == "FILE")
+        refuse_empty_path(option, option->get_name());
 }
 
 void COMMAND::add_option(const std::string& names, const std::string& value_name, unsigned int& value,

@@ -21,8 +21,11 @@ void apply_global_options(const CLI::App& app, TOOL& tool)
     for (const auto& [option, directory] :
          {std::pair("--project", &tool.options.scope.project), std::pair("--root", &tool.options.root)})
     {
-        if (app.count(option) > 0)
-            check_input_directory(*directory, std::string("give ") + option + " ");
+        if (app.count(option) == 0)
+            continue;
+        if (directory->empty())
+            throw TOOL_ERROR(EXIT_CODE::USAGE, std::string(option) + " is empty; give the path of a directory");
+        check_input_directory(*directory, std::string("give ") + option + " ");
     }
     if (tool.options.json && tool.options.nul_terminated)
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--json and -z exclude each other");

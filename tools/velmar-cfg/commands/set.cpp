@@ -62,7 +62,7 @@ struct SETTINGS_EDIT
 std::string target_of(const SET_OPTIONS& options, const TOOL& tool)
 {
     std::string path = options.file.value_or(own_settings_file(tool.options.scope.project));
-    if (path.empty() || path == "-")
+    if (path == "-")
         throw TOOL_ERROR(EXIT_CODE::USAGE, "--file takes the path of a file");
     return path;
 }

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 
+#include "tools/velmar-cfg/base/input_file.h"
 #include "tools/velmar-cfg/base/text.h"
 #include "tools/velmar-cfg/lint/intentions.h"
 #include "tools/velmar-cfg/lint/written_form.h"
@@ -128,7 +129,15 @@ void EXAMINATION::no_equals_sign()
 
 bool EXAMINATION::byte_order_mark_before_text()
 {
-    if (statement.position != 1 || !text.starts_with(byte_order_mark))
+    if (statement.position != 1)
+        return false;
+    if (is_utf_16(text))
+    {
+        add(0, SEVERITY::ERROR, "byte-order-mark", "the file is UTF-16, which the library does not understand",
+            "save it as UTF-8 without a byte order mark", nullptr);
+        return true;
+    }
+    if (!text.starts_with(byte_order_mark))
         return false;
     const std::string_view behind = text.substr(byte_order_mark.size());
     const std::string_view line = without_outer_white(behind.substr(0, length_without_comment(behind)));

@@ -205,7 +205,6 @@ TEST_F(SNAPSHOT, that_cannot_be_written_is_told)
                         "written\n"}));
     EXPECT_EQ(run({"snapshot", "-o", "/dev/full"}),
               (TOOL_RUN{4, "", "velmar-cfg: /dev/full: No space left on device; name a file that can be written\n"}));
-    EXPECT_EQ(run({"snapshot", "-o", ""}).exit_code, 4);
 }
 
 TEST_F(SNAPSHOT, that_cannot_be_written_leaves_the_old_file)

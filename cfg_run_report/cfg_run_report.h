@@ -1,5 +1,5 @@
-// The run report: it lists the internal variables that a run depended on, and the origins of their values, as JSON for
-// velmar-cfg and for farms of runs.
+// The run report: it lists the internal variables that a run depended on, and the origins of their values. It is JSON,
+// for velmar-cfg and for programs that evaluate the reports of many runs.
 //
 // Example, at the end of a run:
 //
@@ -64,7 +64,8 @@
 //                              never looked up; their values are not known
 //
 // If the program sets a variable to the value of the winning assignment, the value counts as that assignment's. If it
-// sets a variable to the empty text, the variable counts as unset.
+// sets a variable to the empty text, the variable counts as unset. The first lookup of an unknown name is not counted:
+// a variable that was looked up once, and set only afterwards, is listed as never looked up.
 //
 // Version 1 held less, and lost bytes that are not valid UTF-8.
 #ifndef CFG_RUN_REPORT_CFG_RUN_REPORT_H
@@ -116,7 +117,8 @@ struct CFG_RUN_REPORT_OPTIONS
 // directly. It throws nothing.
 //
 // The function works out the origins of the values when it is called. It reads again the settings files that have not
-// changed since they were applied, and no others. The rules for lines are those of the program's locale.
+// changed since they were applied, and no others. As in a load, the program's present locale decides which characters
+// of a line are white space.
 //
 // Effects on the store. The usage reports are complete only while "cfg_min_accessed_to_report" is 0 and
 // "cfg_max_to_report" is negative. So the function sets these two variables, under these spellings, and afterwards sets

@@ -33,7 +33,7 @@ namespace
 void add_global_options(CLI::App& app, TOOL& tool)
 {
     GLOBAL_OPTIONS& options = tool.options;
-    app.add_option("--project", options.scope.project, "Read the settings as a host does for the project in DIR")
+    app.add_option("--project", options.scope.project, "Read the settings as a program does for the project in DIR")
         ->type_name("DIR");
     app.add_flag("--regtest", options.scope.regtest, "Apply regtest.ini on top of the settings, as regression runs do");
     app.add_option("--root", options.root, "Look at the installation in DIR, whose programs are in DIR/bin")

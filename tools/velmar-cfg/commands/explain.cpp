@@ -137,7 +137,7 @@ void add_explain_command(COMMAND app, TOOL& tool)
     COMMAND command = app.add_command(
         tool, "explain",
         "Show why a variable has its value: every assignment in the order in which the layers apply, "
-        "the one that won, what each type of reader makes of it, and what may be a mistake. Exit code 1 when it is not "
+        "the one that won, its value as each type, and what may be a mistake. Exit code 1 when it is not "
         "set, or when it is not known whether it is set.",
         "velmar-cfg --project designs/cpu --regtest explain max_fanout\n"
         "      which file of a regression run sets max_fanout, and what the others set",

@@ -159,11 +159,11 @@ void add_get_command(COMMAND app, TOOL& tool)
 {
     auto options = std::make_shared<GET_OPTIONS>();
     COMMAND command = app.add_command(tool, "get",
-                                      "Print the value of an internal variable as a reader of the requested type "
-                                      "gets it; for several, print pairs of name and value. "
+                                      "Print the value of an internal variable as a program gets it when it asks for "
+                                      "the requested type; for several, print pairs of name and value. "
                                       "Exit code 1 when a variable has no usable value and --default is not given.",
                                       "velmar-cfg get msg_sqlite --type bool --default off\n"
-                                      "      on or off: what a program gets that asks with the default off\n"
+                                      "      on or off: what a program gets when it asks with the default off\n"
                                       "  velmar-cfg get --stdin --type int <names\n"
                                       "      the values, as numbers, of all variables that the file lists",
                                       [options, &tool] { return get(*options, tool); });

@@ -185,9 +185,10 @@ void add_prefs_load_command(COMMAND prefs, TOOL& tool)
     auto options = std::make_shared<LOAD_OPTIONS>();
     COMMAND command = prefs.add_command(
         tool, "load",
-        "Set every preference that a preference file gives, of any machine or release, all of them or none. The file "
-        "is read as the library reads its own. If it has an unknown key, or a value that the catalogue does not allow, "
-        "nothing is set. Lines without effect are shown; exit code 1 when one is an error or a warning.",
+        "Set every preference that a preference file gives, all of them or none. The file may be of any machine or "
+        "release, and is read as the library reads its own. Nothing is set if the file gives a preference a value "
+        "that the catalogue does not allow, or has an unknown key in a section that lookups search. Ignored lines are "
+        "shown; exit code 1 when one is an error or a warning.",
         "velmar-cfg prefs load mine.ini --dry-run\n      what that would change in your own file",
         [options, &tool] { return load(*options, tool); });
     command.add_argument("FILE", options->file,

@@ -282,8 +282,8 @@ void add_run_report_command(COMMAND app, TOOL& tool)
     auto options = std::make_shared<RUN_REPORT_OPTIONS>();
     COMMAND command = app.add_command(
         tool, "run-report",
-        "Show which variables a run depended on, from the report that the host wrote. With --merge, show what none of "
-        "many runs read, or which of them depended on one variable.",
+        "Show which variables a run depended on, from the report that the program wrote. With --merge, show what none "
+        "of many runs read, or which of them depended on one variable.",
         "velmar-cfg run-report run.json\n      the variables that the run read, ranked\n"
         "  velmar-cfg run-report --merge nightly/*.json\n      what is set and read by no run of the night\n"
         "  velmar-cfg run-report --merge --switch max_fanout nightly/*.json\n      the runs that max_fanout mattered "

@@ -46,8 +46,8 @@ TEST_F(PREFS_LOAD, dump_holds_secrets_only_when_told)
     EXPECT_EQ(run({"prefs", "dump", "--changed"}), (TOOL_RUN{0, masked, ""}));
     EXPECT_EQ(run({"prefs", "dump", "--changed", "--with-secrets"}),
               (TOOL_RUN{0, "\n[Cloud 23.4_pro]\nCLOUD_SERVER = host\nCLOUD_TOKEN = hush-hush\n", ""}));
-    EXPECT_EQ(run({"prefs", "dump", "--changed", "--json"}).json(),
-              (nlohmann::json{{"text", masked}, {"masked", {"CLOUD_TOKEN"}}}));
+    EXPECT_EQ(run({"prefs", "dump", "--changed", "--json"}).out,
+              (nlohmann::ordered_json{{"text", masked}, {"masked", {"CLOUD_TOKEN"}}}).dump(2) + "\n");
 
     // A load of it keeps the secret of the file. Only other comments are named.
     write_file("given", masked);

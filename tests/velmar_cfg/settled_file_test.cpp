@@ -190,6 +190,16 @@ TEST_F(SETTLED_FILE, a_read_error_is_told)
     EXPECT_EQ(settled(10'000), "3 " + full_path() + ": Input/output error; check the path");
 }
 
+TEST_F(SETTLED_FILE, a_read_error_of_the_comparison_is_told)
+{
+    const FILE_PLACE place(file);
+    const SEEN_FILE seen = read_settled_file(place, in_milliseconds(10'000));
+    const FILE_FAULT fault(FILE_CALL::READ, 1);
+    EXPECT_THAT([&] { seen.is_still_at(place); },
+                testing::ThrowsMessage<TOOL_ERROR>(full_path() + ": Input/output error; check the device"));
+    EXPECT_TRUE(fault.was_reached());
+}
+
 TEST_F(SETTLED_FILE, what_is_no_file_is_told)
 {
     std::filesystem::remove(file);

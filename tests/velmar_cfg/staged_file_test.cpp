@@ -313,6 +313,21 @@ TEST_F(STAGED_FILE_TEST, a_failure_before_the_replacement_changes_nothing)
     EXPECT_TRUE(names_in("user").empty());
 }
 
+TEST_F(STAGED_FILE_TEST, a_directory_in_which_no_file_may_be_made_is_told_from_other_failures)
+{
+    const std::string no_right = "; the directory must be writable to change the file safely";
+    const std::string other = "; nothing was changed";
+    for (const auto& [error, advice] : {std::pair(EACCES, no_right), std::pair(EPERM, no_right),
+                                        std::pair(EROFS, no_right), std::pair(ENOSPC, other), std::pair(EMFILE, other)})
+    {
+        const FILE_PLACE place(file); // which opens directories
+        const CALL_WATCH watch(SYSTEM_CALL::OPENAT, error);
+        EXPECT_THAT([&] { NEW_FILE(place, 0600, place.path()); },
+                    testing::ThrowsMessage<TOOL_ERROR>(full_path() + ": " + std::strerror(error) + advice));
+    }
+    EXPECT_THAT(names_in("user"), ElementsAre("file"));
+}
+
 TEST_F(STAGED_FILE_TEST, a_failure_behind_the_replacement_says_that_it_was_changed)
 {
     const CALL_WATCH watch(SYSTEM_CALL::FSYNC, {{2, [] { return EIO; }}});

@@ -39,20 +39,23 @@
 // shows that a run asked, not how often. If the variable changes while a get() asks the store, the next get() asks, and
 // counts, once more. This includes the very first get() if it loads the settings files.
 //
-// Threads. Any thread may call get(), and so may notifications, apart from the cases above. get() takes the store's
-// lock only when it asks the store. A notification only marks the answer as unknown. Nothing here waits for another
-// thread: if other threads copy a text at that moment, get() asks the store for it, and counts an access. While the
-// object is destroyed, no other thread may store the variable or reload the settings, as for every CFG_INI_CALLBACK.
+// Threads. Any thread may call get(), and so may notifications, apart from the cases above. get() waits for the store's
+// lock only when it asks the store. A notification only marks the answer as unknown. Apart from that lock, nothing here
+// waits for another thread: if other threads copy a text at that moment, get() asks the store for it, and counts an
+// access. While the object is constructed or destroyed, no other thread may store the variable or reload the settings,
+// as for every CFG_INI_CALLBACK.
 //
 // fork. A child may call get() of any of these objects. If another thread of the parent was using an object at that
 // moment, the object may ask the store at each get() in the child, which is correct but slower. If the child starts
 // without a store (see the public header), the objects answer as in the parent until the store itself is used. That use
-// loads the settings.
+// loads the settings. If no callback stays registered in that child, the objects keep the parent's answers for good.
 //
 // Static objects. The constructor registers the object and reads nothing. So an object may be constructed at load, also
 // in libraries that are loaded and unloaded at run time. The order relative to other static objects does not matter,
 // unless these call get() themselves. If other static initialisers call get() of an object, declare it as an inline
-// variable in a header, or as a local static in a function.
+// variable in a header, or as a local static in a function. Call such a function once before a notification calls it.
+// Otherwise the notification constructs the object, which it must not, or waits for ever for a thread that is
+// constructing it.
 //
 // The header uses only the public one, and compiles as C++17.
 #ifndef CFG_INI_CFG_CACHED_VALUE_H
@@ -256,7 +259,7 @@ public:
     }
 
     // The variable's value, or the default if the value does not convert to T. Throws what the store's reader throws:
-    // std::bad_alloc.
+    // std::bad_alloc and, if it has to load the settings, the exceptions of the host's own functions.
     T get() const
     {
         T answer{};

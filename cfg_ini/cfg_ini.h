@@ -21,7 +21,8 @@
 // fork. A thread may fork at any moment outside a signal handler, even within a notification. The child can use
 // everything here. There is one case to know. If another thread holds the store's lock for longer than fork waits (some
 // 80 ms), for example while it loads from a pipe or because a callback threw, the child starts without a store. Then:
-// - the child loads the settings again when it first uses a variable, and values that the program had set are lost;
+// - the child loads the default settings when it first uses a variable. The settings of a project and values that the
+//   program had set are lost;
 // - callbacks stay registered, and the load resets them. But if that thread was registering or unregistering one at
 //   that moment, none stays registered.
 //
@@ -62,7 +63,7 @@
 // the usage reports can list the name. A reader that gets a usable value also marks the variable as validly read;
 // cfg_get_used_variable_value_map lists the marked variables.
 //
-// A text is converted once, when it is stored:
+// A text is converted once, when it is stored, as far as its first zero byte:
 //   boolean   "on", "1", "true" and "off", "0", "false" in any letter case; nothing else, and no white space;
 //   int       an optional "-" and decimal digits, and nothing else; -2147483648 to 2147483647;
 //   unsigned  decimal digits, and nothing else; 0 to 4294967295.
@@ -71,8 +72,9 @@
 //
 // A name is a std::string or characters. Characters are a literal, an array, a pointer to a zero-terminated text, a
 // std::string_view, or an object that converts to a pointer or a view but not to std::string. A name as characters
-// gives the same answer as the std::string of these characters, zero bytes included. If the variable exists, no string
-// is built for it. A null name, or a view that is null, throws std::logic_error and reads nothing.
+// gives the same answer as the std::string of these characters, zero bytes included. Two names that agree up to the
+// first zero byte of each are the same variable. If the variable exists, no string is built for it. A null name, or a
+// view that is null, throws std::logic_error and reads nothing.
 //
 // Example:
 //
@@ -269,9 +271,10 @@ CFG_INI_API void cfg_set_off(const std::string& name);
 CFG_INI_API void cfg_set_off(CFG_INI_VAR_ENUM ini_enum);
 
 // Stores every assignment of an inline text, such as "name=value;name=value". The first ":" or ";" in the text is the
-// separator for all of it. Items without "=", without a name or without a value are skipped. Blanks at both ends of a
-// name and of a value are removed; comments and quotes have no meaning here. If `internal` is false, the variables are
-// marked as external.
+// separator for all of it. Items without "=", without a name or without a value are skipped. Spaces at both ends of a
+// name and of a value are removed, but no tabs; comments and quotes have no meaning here. If `internal` is false, the
+// variables are marked as external. The call takes the lock for each assignment, so other threads may see some of them
+// before the rest.
 CFG_INI_API void cfg_process_ini_string(const std::string& text, bool internal);
 
 // Whether the variable is external: the main settings file, VELMAR_INI_VARS or an inline text that was not internal has
@@ -301,8 +304,9 @@ extern "C" CFG_INI_API void cfg_dyn_get_value(const char* name, std::string* val
 //   -1           if the name is empty; nothing is read then;
 //   the length   of the text in bytes, if `buffer_size` is less than that; the buffer is left as it was.
 //
-// `buffer_size` does not count the terminating zero: if it equals the length, length + 1 bytes are written. `ignored`
-// is never read.
+// `buffer_size` does not count the terminating zero: if it equals the length, length + 1 bytes are written. So `buffer`
+// needs room for one byte even if `buffer_size` is 0, since the text may be empty. Neither `buffer` nor `name` may be
+// null. `ignored` is never read.
 //
 // Example:
 //
@@ -328,8 +332,8 @@ extern "C" CFG_INI_API int cfg_ini_get_value_for_zanth(void* ignored, const char
 // The default text of a catalogued variable, "on" or "off".
 CFG_INI_API std::string cfg_get_default_value(CFG_INI_VAR_ENUM ini_enum);
 
-// The positions of all names. The map is built at the first call and destroyed at process exit; it does not change in
-// between.
+// The positions of all names. The map is built at the first call and does not change. It is destroyed when the library
+// is unloaded, at the latest in exit(). After that, neither use it nor call this function.
 CFG_INI_API const std::unordered_map<std::string, CFG_INI_VAR_ENUM>& cfg_ini_get_string_to_id_map();
 
 // The position of a catalogued name, or empty for any other name. A null name throws std::logic_error.
@@ -353,9 +357,10 @@ CFG_INI_API std::optional<CFG_INI_VAR_ENUM> cfg_get_ini_var_enum_from_string(con
 //
 // What a notification may do. Both notifications run on the thread that stored or emptied, with the store's recursive
 // lock held. They may read and set variables. They must not construct or destroy a CFG_INI_CALLBACK, and must not empty
-// or reload the store. refresh() must not set the variable that it is notified of. If a reset_to_default() reads a
-// variable, the settings are loaded at that moment. This load refreshes the objects of all variables that it sets; the
-// objects that have not been reset yet are reset after that.
+// or reload the store. refresh() must not set the variable that it is notified of, nor another one whose refresh() sets
+// this one again: neither would end. If a reset_to_default() reads a variable, the settings are loaded at that moment.
+// This load refreshes the objects of all variables that it sets; the objects that have not been reset yet are reset
+// after that.
 //
 // Exceptions. Neither notification should throw. An exception passes through to the caller that stored or emptied, and
 // leaves the lock held by its thread, for good. That thread can go on using the store. Every other thread that uses the
@@ -432,7 +437,8 @@ CFG_INI_API void cfg_check_debug_ini_values(bool* global, bool* per_subsystem, i
 //
 // A load replaces the whole store. It applies the sources in a fixed order, and each overrides the ones before it: the
 // main file, the file APPENDED_VELMAR_INI, the inline assignments VELMAR_INI_VARS and, if asked for, regtest.ini. Names
-// in capitals, such as VELMAR_INI_VARS or HOME, are those of environment variables here.
+// in capitals, such as VELMAR_INI_VARS or HOME, are those of environment variables here. Each load reads them with
+// getenv, so do not change the environment while another thread may load.
 //
 // The first use of a variable loads the default file, so a host needs these functions only for a project, for a
 // regression run, or to reload.
@@ -456,17 +462,22 @@ CFG_INI_API void cfg_check_debug_ini_values(bool* global, bool* per_subsystem, i
 
 // Searches for velmar.ini, or for regtest.ini if `regtest` is true. The search tries, in this order, the current
 // directory, the directory VELMAR_INI, HOME, HOME/.kestrin.velmar, the directory of the executable, and the
-// installation's bin directory. Returns the path of the first file that exists; empty if there is none, or if
-// VELMAR_INI_DISABLED is exactly "1".
+// installation's bin directory. Returns the first of these paths that exists; empty if there is none, or if
+// VELMAR_INI_DISABLED is exactly "1". A directory of that name, or a file that cannot be read, also ends the search; it
+// has no lines.
 CFG_INI_API std::string cfg_get_default_ini_file(bool regtest);
 
 // Replaces the store. It drops every value, calls reset_to_default() of every CFG_INI_CALLBACK if there was a store,
 // and loads the file `path`; an empty or missing path loads nothing. Then it applies the file APPENDED_VELMAR_INI and
 // the inline assignments VELMAR_INI_VARS on top.
 //
-// Other threads see the old store or the whole main file, never a part of it. The sources on top become visible one
-// assignment at a time. If another thread empties the store meanwhile, the remaining sources are dropped, and the next
-// use of a variable loads the settings again.
+// Other threads see the old store or the whole main file, never a part of it. There is one exception: functions that
+// load nothing, such as cfg_ini_is_external, find no store while the objects are being reset.
+//
+// The sources on top become visible one assignment at a time. If another thread empties the store meanwhile, the
+// remaining sources are dropped, and the next use of a variable loads the settings again. If another thread has
+// reloaded meanwhile, the remaining sources are applied to its new store, even regtest.ini of another project. So load
+// from one thread at a time.
 CFG_INI_API void cfg_read_ini_file(const std::string& path);
 
 // The same for the file that cfg_get_default_ini_file(false) finds. The first use of any variable does this without a
@@ -489,9 +500,9 @@ CFG_INI_API void cfg_read_and_append_environment_ini_file(const std::string& pat
 // `proj_dirpath` is reported, and nothing is read.
 CFG_INI_API void cfg_read_project_ini_file(const char* proj_dirpath, bool regtest);
 
-// Empties the store and calls reset_to_default() of every CFG_INI_CALLBACK. The next use of a variable reloads the
-// settings. If there is no store, no object is notified. The library also does this when it is unloaded, at the latest
-// in exit().
+// Empties the store and calls reset_to_default() of every CFG_INI_CALLBACK. The next use of a variable loads the
+// default file, even if the settings were those of a project. If there is no store, no object is notified. The library
+// also does this when it is unloaded, at the latest in exit().
 CFG_INI_API void cfg_close_ini_file();
 
 // The path of the main, regression-test or appended file that was opened last, cut at 1024 bytes. It is empty before
@@ -503,7 +514,8 @@ CFG_INI_API char* cfg_get_appended_envrionment_ini_file_path_name();
 
 // --- Usage reports ---
 //
-// The reports add to their outputs and remove nothing. If an output pointer is null, no report is made. Only
+// The reports add to vectors and maps and remove nothing; an entry that a map already has keeps its value. Names are
+// spelt as they were at the first assignment or lookup. If an output pointer is null, no report is made. Only
 // cfg_get_most_accessed loads the settings files; before the first load the other reports are empty.
 //
 // Example:
@@ -522,8 +534,9 @@ CFG_INI_API char* cfg_get_appended_envrionment_ini_file_path_name();
 // The call reads both by ordinary counted lookups, even if `out` is null.
 CFG_INI_API void cfg_get_most_accessed(std::vector<std::pair<std::string, std::string>>* out);
 
-// Finds the variable with the highest access count and returns the count. It skips names that end in "_debug_msg" or
-// "_debug_msg_level" with something before it. Returns 0 and leaves the outputs untouched if nothing was accessed.
+// Finds the variable with the highest access count, or one of them if there are several. Writes its name and value, and
+// returns the count. It skips names that end in "_debug_msg" or "_debug_msg_level", in any letter case, with something
+// before it. Returns 0 and leaves the outputs untouched if nothing was accessed.
 CFG_INI_API std::uint64_t cfg_get_single_most_accessed_ini(std::string& name, std::string& value);
 
 // Adds the names and values of the variables that were read, gave a usable value and are not empty.
@@ -567,10 +580,12 @@ CFG_INI_API std::string cfg_get_user_ini_registry_sub_branch_string(CFG_USER_INI
 // --- Reading a preference ---
 //
 // The first lookup or assignment loads velmar2.ini from the directory that the environment variable VELMAR2_INI names,
-// or else from the user's profile directory. A lookup takes the first of these values that is not empty:
+// or else from the user's profile directory. VELMAR2_INI is ignored if no such directory exists. A lookup takes the
+// first of these values that is not empty:
 // - the value in the section of the running release;
-// - only if the file has no such section at all: the value of the newest older release that has the key, or of the
-//   section without a release. If the catalogue allows this value, the lookup also assigns it for the running release;
+// - only if the file has no such section at all, and the program has not assigned the empty text: the value of the
+//   newest older release that has the key, or of the section without a release. If the catalogue allows this value, the
+//   lookup also assigns it for the running release;
 // - the catalogue's default.
 //
 // A name matches the catalogue in any letter case. But a value in the file is found only if the file spells the key
@@ -602,9 +617,12 @@ CFG_INI_API bool cfg_does_ini_variable_have_value(CFG_USER_INI_ENUMS preference,
 //
 // An assignment changes only the loaded preferences; cfg_write_user_ini_file makes it last. It returns true if the
 // value was stored. It returns false and changes nothing if the name is unknown, or if the catalogue does not allow the
-// value. The letter case of a value does not count for this check, and the value is stored as it was given. A null name
-// or value is reported and gives false. If an exception passes through, such as one of the host's functions for search
-// paths, nothing has changed.
+// value. The letter case of a value does not count for this check, and the value is stored as it was given, up to its
+// first zero byte. A null name or value is reported and gives false. If an exception passes through, such as one of the
+// host's functions for search paths, nothing has changed.
+//
+// An assignment by name stores the value under the name as it is passed. If this is not the catalogue's spelling, calls
+// by number do not find the value.
 //
 // Example:
 //
@@ -626,7 +644,13 @@ CFG_INI_API bool cfg_set_user_ini_off(CFG_USER_INI_ENUMS preference);
 
 // Rewrites velmar2.ini in place from the loaded preferences. The result is normalised: comments, malformed lines and
 // empty values are lost. Returns true if nothing was loaded, and leaves the file alone then. Otherwise returns whether
-// the file could be opened for writing. Later write errors are not reported.
+// the file could be opened for writing. Later write errors are not reported. The call determines the directory again,
+// as a load does.
+//
+// Values are written unchanged, but a load does not give all of them back unchanged. It removes white space at both
+// ends, and then one pair of double quotes. A line feed ends the value; what follows it is loaded as further lines. A
+// value with a "[" is lost. If a "]" follows, the line even counts as a section header, and the keys below it are lost
+// to their section.
 //
 // There is no backup and no temporary file. A caller that must not lose the file copies it before the call.
 //

@@ -5,8 +5,8 @@
 // The catalogued internal variables, by position. Each has a name and a default text, "on" or "off". The name is that
 // of the enumerator, in lower case and without the prefix: CFG_INI_VAR_MSG_SQLITE is "msg_sqlite".
 //
-// A function that takes this type requires one of these values. It reports any other value and does not return: if the
-// reporter returns, the process is aborted.
+// A function that takes this type requires the position of a variable: 0 to CFG_INI_VAR_END - 1. It reports any other
+// value and does not return: if the reporter returns, the process is aborted.
 enum CFG_INI_VAR_ENUM : int
 {
     CFG_INI_VAR_BEGIN = 0,

@@ -6,7 +6,8 @@
 //
 // With this list a program can work out the file and line of each value. A source overrides those that were applied
 // before it. A file that is unchanged since then (the same device, inode, size and modification time) can be read
-// again. The run report does so (cfg_run_report/cfg_run_report.h). What the program assigns itself is no source.
+// again. The run report does so (cfg_run_report/cfg_run_report.h). A text for cfg_process_ini_string is a source. What
+// the program assigns by the other setters is none.
 //
 // Compiles as C++17.
 #ifndef CFG_INI_CFG_SETTINGS_SOURCES_H
@@ -37,8 +38,8 @@ struct CFG_SETTINGS_SOURCE
     // Whether its assignments mark their variables as external.
     bool external = false;
 
-    // Whether all of it was applied. False while it is being applied; it stays false if an exception ended the load or
-    // reads failed.
+    // Whether all of it was applied to the present store. False while it is being applied. It stays false if an
+    // exception ended the load, reads failed, or another thread emptied or reloaded the store meanwhile.
     bool whole = false;
 
     // When the application of the source began and ended. One count, from 1, numbers all such beginnings and ends in
@@ -92,8 +93,9 @@ struct CFG_SETTINGS_SOURCES
 // A file that was opened is listed even if it has no lines, or is a directory, a pipe or a device: see `mode`. A file
 // that is missing or cannot be opened is not listed.
 //
-// Any thread may call, and a notification may. The call waits for the store's lock, as every lookup does. While another
-// thread applies sources, the list has those that it has begun. Throws std::bad_alloc only.
+// Any thread may call, and a notification may. If there is a store, the call waits for its lock, as every lookup does.
+// There is none while another thread reloads and is still resetting the callback objects. While another thread applies
+// sources, the list has those that it has begun. Throws std::bad_alloc only.
 //
 // Example, which prints the files and texts in the order in which they were applied:
 //

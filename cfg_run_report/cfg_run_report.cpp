@@ -51,4 +51,8 @@ CFG_RUN_REPORT_RESULT cfg_write_run_report(const std::string& path, const CFG_RU
     {
         return failure(path, error.what());
     }
+    catch (...) // of a host's own function, which may throw anything
+    {
+        return failure(path, "an exception that is no std::exception");
+    }
 }

@@ -18,17 +18,18 @@
 // permissions that the umask gives, and a replaced one keeps its own, unless the options say otherwise.
 //
 // The document has the schema "velmar-run-report", version 2. A reader refuses a higher version. A text that is not
-// valid UTF-8 is an object instead: {"hex": "<two digits a byte>"}. Times are UTC, as in 2026-11-22T08:25:00Z.
+// valid UTF-8 is an object instead: {"hex": "<two digits a byte>"}. Times are UTC, as in 2026-11-22T08:25:00Z; only
+// `modified` has nanoseconds, as in 2026-11-22T08:25:00.123456789Z.
 //
 //     schema, schema_version   "velmar-run-report" and 2
 //     run                      the caller's name for the run
 //     release                  the running release
 //     outcome                  "pass", "fail" or a number, as the caller gives it (the texts "nan", "inf" and "-inf",
 //                              since JSON has no such numbers); null when it gives none
-//     host, process            the machine's name, and the process's number there
+//     host, process            the machine's name (null when not known), and the process's number there
 //     directory, executable    the current directory when the report is written, and the program's file; null when not
 //                              known
-//     started, ended           when the process was started, and when the report was written
+//     started, ended           when the process was started (null when not known), and when the report was written
 //     environment              name and value of the six variables that decide what is read (VELMAR_INI, HOME,
 //                              VELMAR_INI_DISABLED, APPENDED_VELMAR_INI, VELMAR_INI_VARS, VELMAR2_INI), as they are
 //                              when the report is written; the value is null when the variable is not set
@@ -41,6 +42,7 @@
 //         state                of a file: "same", "changed", "gone", "unreadable", "no file" (a pipe, a device),
 //                              "directory" (which has no lines) or "partly applied". Only files that are still the
 //                              same and were applied whole have been read again, and only these give lines below.
+//                              Of a text: "same" or "partly applied".
 //         text                 of an inline text
 //     read                     the variables with a counted access, in the order of the ranked usage report, each with
 //         name                 its name as first spelt
@@ -59,7 +61,8 @@
 //         overridden           the other assignments to the variable, in the order of the sources, each with `source`,
 //                              `line` or `item`, and `value`; only if there are any
 //     external_never_read      the external variables that the run never looked up: name, value, and where from
-//     asked_once               the names of variables that are unset and were asked for once
+//     asked_once               the names of variables that are unset and were asked for once, or that the program set
+//                              to the empty text and nothing asked for
 //     set_never_read           the names of those that the program, regtest.ini or the appended file set, and that were
 //                              never looked up; their values are not known
 //
@@ -113,8 +116,10 @@ struct CFG_RUN_REPORT_OPTIONS
 };
 
 // Writes a report of this process up to now to the file `path`. `run` is the caller's name for the run; any text will
-// do. The function writes the whole document or nothing, and replaces an existing file. It writes to a device or a pipe
-// directly. It throws nothing.
+// do. The function writes the whole document or nothing, and replaces an existing file. It first writes a new file into
+// the same directory, so the process must be allowed to write there. It writes to a device or a pipe directly: it waits
+// for a reader of the pipe, and the signal SIGPIPE may end the process. It throws nothing; an
+// exception of one of the host's own functions becomes the result's error.
 //
 // The function works out the origins of the values when it is called. It reads again the settings files that have not
 // changed since they were applied, and no others. As in a load, the program's present locale decides which characters

@@ -72,16 +72,20 @@ enum class IF_NO_STORE
     LOAD_SETTINGS // for a layer that the host applies
 };
 
+// The stores that this process has made, which gives each its number.
+constinit std::uint64_t stores_made ZON_GUARDED = 0;
+
 // What a layer is made of, and where its assignments go.
 struct LAYER
 {
     CFG_SETTINGS_SOURCE source;
     IF_NO_STORE if_no_store;
+    std::uint64_t first_store = 0; // the number of the first store that it was applied to; 0 before that
 };
 
 LAYER layer_of(CFG_SETTINGS_ROLE role, bool external, IF_NO_STORE if_no_store)
 {
-    LAYER layer{.source = {}, .if_no_store = if_no_store};
+    LAYER layer{.source = {}, .if_no_store = if_no_store, .first_store = 0};
     layer.source.role = role;
     layer.source.external = external;
     return layer;
@@ -91,15 +95,20 @@ LAYER layer_of(CFG_SETTINGS_ROLE role, bool external, IF_NO_STORE if_no_store)
 void note_beginning(LAYER& layer) ZON_LOCK_HELD
 {
     layer.source.beginning = next_moment();
-    if (store_table() != nullptr)
-        store_table()->sources.begin(layer.source);
+    if (store_table() == nullptr)
+        return;
+    if (layer.first_store == 0)
+        layer.first_store = stores_made;
+    store_table()->sources.begin(layer.source);
 }
 
+// `whole` tells whether all of the layer has been applied. If another thread has made the store anew meanwhile, only
+// the rest of the layer is in the present one.
 void note_end(LAYER& layer, bool whole)
 {
     const STORE_LOCK lock;
     layer.source.end = next_moment();
-    layer.source.whole = whole;
+    layer.source.whole = whole && layer.first_store == stores_made;
     if (store_table() != nullptr)
         store_table()->sources.end(layer.source);
 }
@@ -124,7 +133,7 @@ bool store_in_layer(std::string_view name, std::string_view value, LAYER& layer)
         if (layer.if_no_store == IF_NO_STORE::END_LAYER)
             return false;
         load_settings_if_no_store();
-        // Nothing of the layer is in the new store yet.
+        // Nothing of the layer is in the new store yet, but what was applied to an older one never will be.
         const STORE_LOCK lock;
         note_beginning(layer);
     }
@@ -205,6 +214,7 @@ void replace_store(const std::string& path)
     discard_store(); // a callback that was notified may have read a variable, and so have made a store
     start_fork_recovery();
     cfg_ini_file.store(new CFG_INI_TABLE, std::memory_order_release);
+    ++stores_made;
     apply_file_if_exists(path, cfg_current_velmar_ini_path_name,
                          layer_of(CFG_SETTINGS_ROLE::MAIN_FILE, true, IF_NO_STORE::END_LAYER));
     lock.unlock();

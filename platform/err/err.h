@@ -1,9 +1,9 @@
 // Error service: where broken preconditions are reported.
 //
 // What the library expects. The library calls the reporter without the store's lock, unless a callback made the failing
-// call. The reporter may return, throw or end the process. If it returns, the library does what the comment of the
-// failing function states. If that function cannot go on (an enumerator out of range), it aborts the process. The texts
-// are constants of the library.
+// call. Any thread may be the caller, and several may be at once. The reporter may return, throw or end the process. If
+// it returns, the library does what the comment of the failing function states. If that function cannot go on (an
+// enumerator out of range), it aborts the process. The texts are constants of the library.
 //
 // The default writes one line to standard error and returns.
 //

@@ -1,9 +1,9 @@
 // File service: paths, and what the library asks the file system.
 //
 // What the library expects. The functions of FIO_FILE_SYSTEM return false, or an empty text, after any failure. They
-// may throw std::bad_alloc and nothing else. FIO_FILE_SYSTEM::exists and, for a relative path, get_current_directory
-// are called with the store's lock held while the main settings file is read, and during a whole first load. So they
-// must not wait for a thread that uses the store. Paths are bytes.
+// may throw std::bad_alloc and nothing else. FIO_FILE_SYSTEM::exists and get_current_directory may be called with the
+// store's lock held: while the main settings file is read, and during a whole first load. So they must not wait for a
+// thread that uses the store. Paths are bytes.
 //
 // The library opens and reads files itself. This service joins paths and answers questions about them.
 //

@@ -49,8 +49,10 @@ std::string gen_get_velmar_path();
 // returns "/dev/null/", a directory in which no file exists and none can be created.
 std::string gen_get_user_profile_directory();
 
-// Receive the user's library paths and IP search paths, as the preferences hold them. The defaults keep the text that
-// was set last, and the two getters return it. The library calls only the setters.
+// Receive the user's library paths and IP search paths, as the preferences hold them. An assignment passes on any text.
+// A load passes on only texts that are not empty, so the host then keeps what it was passed before. The defaults keep
+// the text that was set last, and the two getters return it; any thread may call them. The library calls only the
+// setters.
 void gen_set_user_library_paths(const std::string& paths);
 void gen_set_user_ip_search_paths(const std::string& paths);
 std::string gen_get_user_library_paths();

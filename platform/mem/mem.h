@@ -63,7 +63,7 @@ public:
 
 // Emits one debug message of a module, unless the thread's messages are silenced. `format` and `args` are those of
 // vprintf. The default writes nothing unless the environment variable ZON_MSG_DEBUG is set, and is neither empty nor
-// "0". Then it writes one line to standard error.
+// "0". Then it writes one line to standard error. It cuts the text at 4095 bytes.
 void mem_msg_local_vdebug(const char* module_tag, const char* format, va_list args)
     __attribute__((format(printf, 2, 0)));
 

@@ -16,7 +16,8 @@
 #include <string>
 #include <vector>
 
-// The base name of the product's files, such as "velmar". The text must stay valid while the process runs.
+// The base name of the settings file, such as "velmar" for velmar.ini. The files regtest.ini and velmar2.ini do not
+// depend on it. The text must not be null, and must stay valid while the process runs.
 const char* ver_get_kestrin_product_filename();
 
 // The running release, such as "23.4". Preferences are stored in a section of this release.

@@ -461,10 +461,27 @@ TEST_F(APPLIED_SOURCES_TEST, a_source_during_which_the_store_is_made_anew_is_lis
     // Stands for another thread between two lines.
     const ACTOR actor("a", [] { cfg_read_default_ini_file(); });
     cfg_read_regtest_ini_file(file("one.ini", "a=1\nb=2\n"));
-    EXPECT_EQ(listed(), (TEXTS{"regtest one.ini", "main external cwd/velmar.ini"}));
+    EXPECT_EQ(listed(), (TEXTS{"regtest one.ini...", "main external cwd/velmar.ini"}));
     const std::vector<CFG_SETTINGS_SOURCE> applied = cfg_get_settings_sources().applied;
     EXPECT_LT(applied.at(0).beginning, applied.at(1).beginning);
     EXPECT_LT(applied.at(1).end, applied.at(0).end);
+}
+
+// The next assignment of the text loads the settings, and what follows goes on top of them.
+TEST_F(APPLIED_SOURCES_TEST, a_text_during_which_the_store_is_emptied_is_not_whole)
+{
+    file("cwd/velmar.ini", "main=1\n");
+    {
+        const ACTOR actor("a", [] { cfg_close_ini_file(); });
+        cfg_process_ini_string("a=1;b=2", true);
+    }
+    EXPECT_EQ(listed(), (TEXTS{"main external cwd/velmar.ini", "program a=1;b=2..."}));
+    EXPECT_EQ(cfg_get_value("a"), "");
+    EXPECT_EQ(cfg_get_value("b"), "2");
+    expect_one_after_the_other();
+
+    cfg_process_ini_string("a=1;b=2", true);
+    EXPECT_EQ(listed(), (TEXTS{"main external cwd/velmar.ini", "program a=1;b=2"}));
 }
 
 TEST_F(APPLIED_SOURCES_TEST, a_layer_that_ends_because_the_store_was_emptied_is_not_listed)

@@ -314,4 +314,18 @@ TEST_F(RUN_REPORT, AFailureInsideIsReportedNotThrown)
     EXPECT_EQ("cannot write the run report " + file + ": std::bad_alloc", result.error);
     EXPECT_FALSE(std::filesystem::exists(file));
 }
+
+// A host's own function may throw anything.
+TEST_F(RUN_REPORT, AnExceptionOfAnyTypeIsReportedNotThrown)
+{
+    cfg_read_ini_file("");
+    const std::string error = "cannot write the run report " + file + ": an exception that is no std::exception";
+    fake::thr::before_lock(1, [] { throw 5; });
+    EXPECT_EQ(cfg_write_run_report(file, "nightly").error, error);
+    fake::thr::before_lock(1, [] { throw 5; });
+    const CFG_RUN_REPORT_RESULT result = cfg_write_run_report(file, CFG_RUN_REPORT_OPTIONS{});
+    EXPECT_FALSE(result.written);
+    EXPECT_EQ(result.error, error);
+    EXPECT_FALSE(std::filesystem::exists(file));
+}
 }

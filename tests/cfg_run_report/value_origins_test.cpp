@@ -269,6 +269,33 @@ TEST_F(VALUE_ORIGINS_TEST, what_was_applied_in_part_may_have_assigned)
         thr_mutex_unlock(cfg_ini_mutex.load());
 }
 
+// As by another thread between two lines.
+TEST_F(VALUE_ORIGINS_TEST, what_was_applied_before_a_reload_gives_no_line)
+{
+    class RELOADING : public CFG_INI_CALLBACK
+    {
+    public:
+        explicit RELOADING(std::string path) : CFG_INI_CALLBACK("b"), main(std::move(path)) {}
+        void refresh() override
+        {
+            cfg_read_ini_file(main);
+        }
+
+    private:
+        const std::string main;
+    };
+    cfg_read_ini_file(file("main.ini", "a=1\n"));
+    {
+        const RELOADING reloading(temporary.path("main.ini"));
+        cfg_read_regtest_ini_file(file("part.ini", "a=2\nb=1\nc=3\n"));
+    }
+    EXPECT_EQ(cfg_get_value("a"), "1");
+    EXPECT_EQ(cfg_get_value("b"), "");
+    EXPECT_EQ(cfg_get_value("c"), "3");
+    EXPECT_EQ(state_of(0), "partly applied");
+    EXPECT_EQ(origin_of("c"), "unknown, perhaps regtest");
+}
+
 // --- What an unread source can have done ---
 
 TEST_F(VALUE_ORIGINS_TEST, a_later_assignment_overrides_whatever_an_unread_source_said)

@@ -299,9 +299,10 @@ std::vector<std::string> findings_in_manual(const std::string& heading)
 TEST(MANUAL_PAGES_, explain_every_finding_in_alphabetical_order)
 {
     std::set<std::string> of_settings;
-    for (const char* const file : {"examination.cpp", "assignment_rules.cpp", "environment_rules.cpp"})
+    for (const char* const file : {"examination.cpp", "assignment_rules.cpp", "environment_rules.cpp", "finding.cpp"})
         of_settings.merge(findings_in_source(file));
     std::set<std::string> of_preferences = findings_in_source("preference_rules.cpp");
+    of_preferences.merge(findings_in_source("finding.cpp"));
     of_preferences.insert(of_settings.extract("no-preference-file"));
     for (int reason = 0; reason <= static_cast<int>(LOSS::CHANGED_VALUE); ++reason)
         of_preferences.insert(loss_word(static_cast<LOSS>(reason)));

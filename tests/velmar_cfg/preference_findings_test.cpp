@@ -94,6 +94,11 @@ INSTANTIATE_TEST_SUITE_P(
             {"3:2 error too-short: a line of fewer than 3 characters is ignored, and a save drops it; write "
              "'KEY = VALUE'"}},
         PREFERENCE_FINDINGS{
+            "UTF-16",
+            "\xff\xfe[\0x\0]\0\n\0"s + "a\0=\0001\0\n\0"s,
+            {"1:1 error byte-order-mark: the file is UTF-16, which the library does not understand; save it as UTF-8 "
+             "without a byte order mark"}},
+        PREFERENCE_FINDINGS{
             "an open header",
             section + set + "old [Messages\n",
             {"3:5 error malformed-header: a line with a \"[\" is taken for a section header; without \"]\" it "

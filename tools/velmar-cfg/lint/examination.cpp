@@ -133,8 +133,7 @@ bool EXAMINATION::byte_order_mark_before_text()
         return false;
     if (is_utf_16(text))
     {
-        add(0, SEVERITY::ERROR, "byte-order-mark", "the file is UTF-16, which the library does not understand",
-            "save it as UTF-8 without a byte order mark", nullptr);
+        found.push_back({utf_16_finding(layer.source->path), nullptr});
         return true;
     }
     if (!text.starts_with(byte_order_mark))

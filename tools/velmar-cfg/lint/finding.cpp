@@ -1,7 +1,20 @@
-// What every finding has in common: its severity as a word, its column before secrets were hidden, its JSON.
+// What every finding has in common: its severity as a word, its column before secrets were hidden, its JSON. And the
+// finding that settings and preference files have in common.
 #include "tools/velmar-cfg/lint/finding.h"
 
 #include "tools/velmar-cfg/base/hidden_text.h"
+
+FINDING utf_16_finding(const std::string& file)
+{
+    return {file,
+            1,
+            {},
+            1,
+            SEVERITY::ERROR,
+            "byte-order-mark",
+            "the file is UTF-16, which the library does not understand",
+            "save it as UTF-8 without a byte order mark"};
+}
 
 const char* severity_word(SEVERITY severity)
 {

@@ -32,6 +32,9 @@ struct FINDING
     std::optional<std::string> replacement = std::nullopt;
 };
 
+// That of the first line of a UTF-16 file. The library understands no line of such a file.
+FINDING utf_16_finding(const std::string& file);
+
 // "note", "warning" or "error". And back, if it is one.
 const char* severity_word(SEVERITY severity);
 std::optional<SEVERITY> severity_of_word(std::string_view word);

@@ -306,6 +306,11 @@ void EXAMINATION::value_not_allowed(CFG_USER_INI_ENUMS preference, std::string_v
 
 void lint_preferences(const INPUT_FILE& file, SECRETS& secrets, const std::function<void(const FINDING&)>& take)
 {
+    if (is_utf_16(file.bytes))
+    {
+        take(utf_16_finding(file.path));
+        return;
+    }
     const std::optional<std::string> hidden = hide_in_preference_text(file.whole_lines(), secrets);
     EXAMINATION(file.path, take).run(hidden ? *hidden : file.whole_lines());
 }

@@ -275,6 +275,8 @@ TEST_F(COMMAND_LINE, an_empty_path_is_told)
     EXPECT_EQ(run({"prefs", "lint", ""}), (TOOL_RUN{2, "", complaint("FILE", "prefs lint")}));
     EXPECT_EQ(run({"prefs", "load", ""}), (TOOL_RUN{2, "", complaint("FILE", "prefs load")}));
     EXPECT_EQ(run({"set", "a", "1", "--file", ""}), (TOOL_RUN{2, "", complaint("--file", "set")}));
+    EXPECT_EQ(run({"diff", ".", "--used", ""}), (TOOL_RUN{2, "", complaint("--used", "diff")}));
+    EXPECT_EQ(run({"run-report", ""}), (TOOL_RUN{2, "", complaint("FILE", "run-report")}));
     EXPECT_EQ(run({"snapshot", "--output="}), (TOOL_RUN{2, "", complaint("--output", "snapshot")}));
     EXPECT_EQ(run({"snapshot", "-o", ""}), (TOOL_RUN{2, "", complaint("--output", "snapshot")}));
 }

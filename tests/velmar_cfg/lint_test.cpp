@@ -98,6 +98,11 @@ INSTANTIATE_TEST_SUITE_P(
                 "\xef\xbb\xbf"
                 "a=1\n",
                 {"1:1 error byte-order-mark"}},
+        CHECKED{"UTF-16, whose other lines are not judged",
+                std::string("\xff\xfe"
+                            "a\0=\0001\0\r\0\n\0b\0\r\0\n\0",
+                            18),
+                {"1:1 error byte-order-mark"}},
         CHECKED{"carriage returns that end no line", "a=1\rb=2\r", {"1:4 error carriage-return"}},
         CHECKED{"signs before the equals sign",
                 "a:=1\npath += x\n",

@@ -86,6 +86,10 @@ INSTANTIATE_TEST_SUITE_P(
               "a=1",
               {"1:1 error byte-order-mark: the file is UTF-16, which the library does not understand; save it as UTF-8 "
                "without a byte order mark"}},
+        FOUND{"\xff\xfe"
+              "a=1\r\1b=2", // the carriage return is half of a character
+              {"1:1 error byte-order-mark: the file is UTF-16, which the library does not understand; save it as UTF-8 "
+               "without a byte order mark"}},
         FOUND{"\xfe\xff"
               "a=1",
               {"1:1 error byte-order-mark: the file is UTF-16, which the library does not understand; save it as UTF-8 "

@@ -195,9 +195,7 @@ bool is_utf_16(std::string_view bytes)
 void refuse_utf_16(const std::string& path, std::string_view bytes)
 {
     if (is_utf_16(bytes))
-        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT,
-                         path + ": is UTF-16, which the library does not understand; save it as UTF-8 "
-                                "without a byte order mark");
+        throw TOOL_ERROR(EXIT_CODE::BAD_INPUT, path + ": " + utf_16_problem + "; " + utf_16_advice);
 }
 
 std::string title_of_named_file(const std::string& path)

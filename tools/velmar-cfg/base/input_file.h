@@ -56,6 +56,10 @@ private:
 // can be added to it.
 bool is_utf_16(std::string_view bytes);
 
+// What is wrong with such a file, as the end of a sentence about it, and what to do.
+inline constexpr const char* utf_16_problem = "is UTF-16, which the library does not understand";
+inline constexpr const char* utf_16_advice = "save it as UTF-8 without a byte order mark";
+
 // Throws TOOL_ERROR(BAD_INPUT) for such bytes. `path` is for the message.
 void refuse_utf_16(const std::string& path, std::string_view bytes);
 

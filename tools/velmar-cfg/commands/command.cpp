@@ -124,7 +124,7 @@ void COMMAND::add_option(const std::string& names, const std::string& value_name
 {
     CLI::Option* const option = app->add_option_function<std::string>(names, taking(value), description);
     option->type_name(value_name);
-    if (value_name == "FILE")
+    if (value_name == "FILE" || value_name == "REPORT")
         refuse_empty_path(option, option->get_name());
 }
 

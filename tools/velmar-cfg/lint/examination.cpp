@@ -1,8 +1,8 @@
 // Runs the rules of lint over one statement: here those for a whole line or item, in assignment_rules.cpp those for an
 // assignment.
 //
-// Each rule is a function that adds its findings with their offsets. A carriage return that divides a line and a byte
-// order mark come first and end the examination: all other findings would only follow from them. At the end the
+// Each rule is a function that adds its findings with their offsets. UTF-16, a carriage return that divides a line and
+// a byte order mark come first and end the examination: all other findings would only follow from them. At the end the
 // findings are sorted by column; of those in one column, the rule that ran first stays first.
 //
 // No rule decides what becomes of the statement. Its outcome, its name and its value are what the library makes of it.
@@ -73,7 +73,7 @@ std::size_t EXAMINATION::first_visible(std::string_view part)
 
 void EXAMINATION::examine_line()
 {
-    if (carriage_return() || byte_order_mark_before_text())
+    if (utf_16() || carriage_return() || byte_order_mark_before_text())
         return;
     if (statement.outcome == OUTCOME::TOO_SHORT)
         too_short();
@@ -86,6 +86,15 @@ void EXAMINATION::examine_line()
         unclosed_quote();
         examine_assignment();
     }
+}
+
+bool EXAMINATION::utf_16()
+{
+    if (!is_utf_16(layer.source->bytes))
+        return false;
+    if (statement.position == 1)
+        found.push_back({utf_16_finding(layer.source->path), nullptr});
+    return true;
 }
 
 bool EXAMINATION::carriage_return()
@@ -129,14 +138,7 @@ void EXAMINATION::no_equals_sign()
 
 bool EXAMINATION::byte_order_mark_before_text()
 {
-    if (statement.position != 1)
-        return false;
-    if (is_utf_16(text))
-    {
-        found.push_back({utf_16_finding(layer.source->path), nullptr});
-        return true;
-    }
-    if (!text.starts_with(byte_order_mark))
+    if (statement.position != 1 || !text.starts_with(byte_order_mark))
         return false;
     const std::string_view behind = text.substr(byte_order_mark.size());
     const std::string_view line = without_outer_white(behind.substr(0, length_without_comment(behind)));

@@ -55,6 +55,7 @@ private:
     void examine_item();
     void examine_assignment();
 
+    bool utf_16();
     bool carriage_return();
     void too_short();
     void no_equals_sign();

@@ -3,17 +3,12 @@
 #include "tools/velmar-cfg/lint/finding.h"
 
 #include "tools/velmar-cfg/base/hidden_text.h"
+#include "tools/velmar-cfg/base/input_file.h"
 
 FINDING utf_16_finding(const std::string& file)
 {
-    return {file,
-            1,
-            {},
-            1,
-            SEVERITY::ERROR,
-            "byte-order-mark",
-            "the file is UTF-16, which the library does not understand",
-            "save it as UTF-8 without a byte order mark"};
+    return {file,         1, {}, 1, SEVERITY::ERROR, "byte-order-mark", std::string("the file ") + utf_16_problem,
+            utf_16_advice};
 }
 
 const char* severity_word(SEVERITY severity)
